@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace company {
+
+/// The chosen company, process-wide. The name is the database name of the record tables and the
+/// data source name of the SQL connection.
+struct Company {
+    QString name;
+    QString dataFolder;   ///< PhysicalName of the alias; holds the change log
+    QString localFolder;  ///< LocalFilePath of the alias; empty when the alias has none
+};
+
+const Company& currentCompany();
+/// Takes a company into use: name and folders from its alias. @return false when there is none of
+/// that name (case of a to z ignored); the company in use then stays.
+bool takeIntoUse(const QString& name);
+
+/// Appends the separator by the folder rule: an empty text stays empty; two characters whose second
+/// is ":" get it; any other text shorter than three characters stays; one that ends with the
+/// separator stays; every other text gets it. The separator is '\\' or '/'.
+QString withTrailingSeparator(const QString& folder, QChar separator);
+/// The platform's separator, as the rule above wants it.
+QChar platformSeparator();
+
+/// Equality that ignores the case of the letters a to z only.
+bool sameIgnoringAsciiCase(const QString& a, const QString& b);
+
+}  // namespace company

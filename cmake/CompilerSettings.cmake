@@ -1,0 +1,17 @@
+# Flags that every target shares. Amounts must come out the same on every machine: one rounding an
+# operation, so no fused multiply-add and no fast-math anywhere.
+add_library(taksavaihe_flags INTERFACE)
+target_compile_options(taksavaihe_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast
+    -Wformat=2 -Werror
+    $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op>
+    -ffp-contract=off)
+target_compile_definitions(taksavaihe_flags INTERFACE
+    QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS
+    $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+target_include_directories(taksavaihe_flags INTERFACE ${CMAKE_SOURCE_DIR})
+
+if(TAKSAVAIHE_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+endif()

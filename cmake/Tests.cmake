@@ -1,0 +1,19 @@
+include(GoogleTest)
+# taksavaihe_test(NAME FROM dir... USES library...): one test program a room. Every test runs without
+# a display and with settings of its own, so plain `ctest` works anywhere.
+function(taksavaihe_test name)
+    cmake_parse_arguments(TEST "" "" "FROM;USES" ${ARGN})
+    set(sources)
+    foreach(dir ${TEST_FROM})
+        file(GLOB found CONFIGURE_DEPENDS ${dir}/*.cpp ${dir}/*.h)
+        list(APPEND sources ${found})
+    endforeach()
+    if(NOT sources)
+        return()
+    endif()
+    add_executable(${name} ${sources})
+    target_link_libraries(${name} PRIVATE taksavaihe_flags ${TEST_USES} test_support GTest::gtest)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+        PROPERTIES TIMEOUT 300
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-config;TAKSAVAIHE_BIN=${CMAKE_BINARY_DIR}/bin;TAKSAVAIHE_SOURCE=${CMAKE_SOURCE_DIR}")
+endfunction()

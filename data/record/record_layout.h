@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <vector>
+
+#include "data/dictionary/field_cache_item.h"
+
+namespace data {
+
+/// The fields of one table, their places in the record and the record's length.
+class RecordLayout {
+  public:
+    RecordLayout() = default;
+    /// `recordLength` 0 takes the end of the last field.
+    /// @throws DataError(Damaged) when a field reaches beyond the record, or its storage type and
+    ///         length do not go together; it names the table and field.
+    RecordLayout(QString tableName, std::vector<TFieldCacheItem> fields, int recordLength = 0);
+
+    const QString& tableName() const { return m_tableName; }
+    const std::vector<TFieldCacheItem>& fields() const { return m_fields; }
+    const TFieldCacheItem& field(int index) const { return m_fields[static_cast<size_t>(index)]; }
+    int fieldCount() const { return static_cast<int>(m_fields.size()); }
+    int recordLength() const { return m_recordLength; }
+
+    /// Index of the field of that name, case ignored; -1 when there is none.
+    int indexOf(const QString& name) const;
+
+  private:
+    QString m_tableName;
+    std::vector<TFieldCacheItem> m_fields;
+    int m_recordLength = 0;
+    QHash<QString, int> m_byName;  // folded name
+};
+
+/// One segment of a key: a field and how it is ordered.
+struct KeySegment {
+    int fieldIndex = 0;  ///< index into the layout's fields
+    bool ignoreCase = false;
+    bool descending = false;
+};
+
+/// A numbered key of a table.
+struct KeyDef {
+    int number = 0;
+    bool unique = false;
+    std::vector<KeySegment> segments;
+};
+
+}  // namespace data

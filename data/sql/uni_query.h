@@ -1,0 +1,124 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+#include <QStringList>
+#include <memory>
+#include <vector>
+
+#include "data/engine.h"
+
+namespace data {
+
+/// The lines of a statement; joined with line breaks they are one statement.
+class SqlText {
+  public:
+    void clear() { m_lines.clear(); }
+    void add(const QString& line) { m_lines.append(line); }
+    void setText(const QString& text) { m_lines = {text}; }
+    QString text() const { return m_lines.join(QLatin1Char('\n')); }
+    bool isEmpty() const { return m_lines.isEmpty(); }
+
+  private:
+    QStringList m_lines;
+};
+
+/// A named parameter of a statement.
+class TParam {
+  public:
+    explicit TParam(QString name) : m_name(std::move(name)) {}
+    const QString& name() const { return m_name; }
+    void setInteger(qint64 v) { m_value = v; }
+    void setFloat(double v) { m_value = v; }
+    void setString(const QString& v) { m_value = v; }
+    void setDate(const QDate& v);  ///< as quoted 'yyyy-mm-dd'; an invalid date is the empty text
+    void setNull() { m_value = Value(); }
+    void setValue(const Value& v) { m_value = v; }
+    const Value& value() const { return m_value; }
+
+  private:
+    QString m_name;
+    Value m_value;
+};
+
+class ResultSet;
+
+/// A column of an open query, with the accessors of a table's field. Lives until close().
+class TQueryField {
+  public:
+    const QString& fieldName() const { return m_name; }
+    qint64 asInteger() const;
+    double asFloat() const;
+    QString asString() const;
+    bool asBoolean() const;
+    QDate asDate() const;  ///< from yyyy-mm-dd or yyyymmdd; invalid when empty
+    Value value() const;
+    bool isNull() const { return !value().isValid(); }
+
+  private:
+    friend class TUniQuery;
+    QString m_name;
+    int m_column = 0;
+    const ResultSet* m_result = nullptr;
+};
+
+/// A SQL query: text in lines, named parameters (":name", case ignored), an open result or an
+/// executed statement. The result is fixed when it is opened: its record count is known, and rows
+/// written afterwards do not change what is still read. A large result is kept in a temporary file.
+/// All failures throw DataError.
+class TUniQuery {
+  public:
+    explicit TUniQuery(Database* database = nullptr);
+    ~TUniQuery();
+    TUniQuery(const TUniQuery&) = delete;
+    TUniQuery& operator=(const TUniQuery&) = delete;
+
+    void setConnection(Database* database);
+    /// Statements and parameter values go to the debugger output.
+    void setDebug(bool on) { m_debug = on; }
+
+    SqlText& sql() { return m_sql; }
+
+    /// A parameter of the present text. @throws DataError(NoSuchField) when the text has none such.
+    TParam& paramByName(const QString& name);
+    /// nullptr when the text has no parameter of that name.
+    TParam* findParam(const QString& name);
+
+    void open();
+    void close();
+    bool isOpen() const { return m_result != nullptr; }
+    qint64 recordCount() const;
+
+    void first();
+    void next();
+    bool eof() const;
+    TQueryField& fieldByName(
+        const QString& name);  ///< case ignored; @throws DataError(NoSuchField)
+    TQueryField* findField(const QString& name);
+    QStringList fieldNames() const;
+
+    /// Runs a statement that returns no rows. @return the number of rows affected.
+    qint64 execSql();
+    qint64 rowsAffected() const { return m_rowsAffected; }
+
+  private:
+    void syncParameters();
+    void prepareAndBind();
+
+    Database* m_database;
+    SqlText m_sql;
+    QString m_parsedText;
+    std::vector<std::unique_ptr<TParam>> m_params;
+    std::unique_ptr<SqlStatement> m_statement;
+    QString m_statementText;
+    std::unique_ptr<ResultSet> m_result;
+    std::vector<std::unique_ptr<TQueryField>> m_fields;
+    qint64 m_rowsAffected = 0;
+    bool m_debug = false;
+};
+
+/// Names of the parameters in a statement, in order of appearance, each once: a colon and a name
+/// outside of quoted texts, quoted names and comments.
+QStringList parameterNames(const QString& sql);
+
+}  // namespace data

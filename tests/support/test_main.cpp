@@ -1,0 +1,15 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+
+#include "tests/support/temporary_settings.h"
+
+// One application object for all tests of a program, offscreen and with settings of its own.
+int main(int argc, char** argv) {
+    qputenv("XDG_CONFIG_HOME", test::settingsFolder().toLocal8Bit());
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
