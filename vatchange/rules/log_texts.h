@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+#include <vector>
+
+#include "vatchange/rules/change_definition.h"
+#include "vatchange/rules/price_rules.h"
+
+namespace vatchange {
+
+// Lines of the change log that carry amounts. Amounts have a decimal point in every locale.
+
+/// The rounding settings in words, for the line that logs a run's parameters.
+QString roundingText(const ChangeDefinition& definition);
+
+/// "Tuote: " and every level with a source (its source column's old value), then the purchase
+/// prices whose coefficient is not 1; amounts with three decimals.
+QString productLine(const QString& number, const PriceRules& rules, const ProductPrices& before,
+                    const ProductPrices& after);
+
+/// An amount before and after.
+struct AmountChange {
+    double before = 0.0;
+    double after = 0.0;
+};
+
+QString customerPriceLine(int customerType, qint64 customer, const QString& product,
+                          double quantity, const AmountChange& price, const AmountChange& priceVat0,
+                          const AmountChange& purchase);
+
+inline const QString kCampaignHeader = QStringLiteral(
+    "Tehdään kampanjat (tuote,rivinro; vanha myynti; uusi myynti; vanha osto; uusi osto)");
+QString campaignLine(const QString& product, qint64 row, const AmountChange& sales,
+                     const AmountChange& purchase);
+
+inline const QString kRecurringInvoiceHeader = QStringLiteral(
+    "Vakiolaskutus (Asiakas, tuote: vanhahinta;uusihinta;vanha yht;uusiyht;vanhaosto;uusiosto)");
+QString recurringInvoiceLine(qint64 customer, const QString& product, const AmountChange& price,
+                             const AmountChange& total, const AmountChange& purchase);
+
+QString quantityDiscountLine(const QString& name, qint64 number, const AmountChange& value,
+                             const AmountChange& purchase);
+
+/// " ( N rivi)", the line after the rows of a dependent table.
+QString rowCountLine(qint64 rows);
+
+}  // namespace vatchange

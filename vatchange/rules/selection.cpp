@@ -1,0 +1,76 @@
+#include "vatchange/rules/selection.h"
+
+#include <QStringList>
+#include <algorithm>
+
+namespace vatchange {
+
+namespace {
+
+void addRangeTerms(QStringList& terms, const QString& column, const GroupRestriction& restriction) {
+    const qint64 first = restriction.first;
+    const qint64 last = restriction.last;
+    if (first == 0 && last == 0)
+        return;
+    if (first != last && first != 0 && last != 0) {
+        terms += u'(' + column + QStringLiteral(" >= ") + QString::number(first) + u')';
+        terms += u'(' + column + QStringLiteral(" <= ") + QString::number(last) + u')';
+        return;
+    }
+    // one bound alone is that one group, not a half-open range
+    terms +=
+        u'(' + column + QStringLiteral(" = ") + QString::number(first != 0 ? first : last) + u')';
+}
+
+void addTerms(QStringList& terms, const QString& column, const GroupRestriction& restriction) {
+    if (!restriction.on)
+        return;
+    addRangeTerms(terms, column, restriction);
+    QStringList ignored;
+    for (const qint64 number : parseIgnoreList(restriction.ignored))
+        ignored += QString::number(number);
+    if (!ignored.isEmpty()) {
+        terms += QStringLiteral("( ") + column + QStringLiteral(" not in ( ") + ignored.join(u',') +
+                 QStringLiteral(" ))");
+    }
+}
+
+}  // namespace
+
+QList<qint64> parseIgnoreList(const QString& text) {
+    QList<qint64> numbers;
+    const QStringList items = text.split(u',');
+    for (const QString& item : items) {
+        const bool digits = std::all_of(item.begin(), item.end(), [](QChar character) {
+            return character >= u'0' && character <= u'9';
+        });
+        bool fits = false;
+        const qint64 number = item.toLongLong(&fits);
+        if (digits && fits)
+            numbers += number;
+    }
+    return numbers;
+}
+
+QString selectionCondition(const ChangeDefinition& definition) {
+    QStringList terms;
+    addTerms(terms, QStringLiteral("AliRyhma"), definition.subGroup);
+    addTerms(terms, QStringLiteral("Ryhma"), definition.productGroup);
+    addTerms(terms, QStringLiteral("PaaRyhma"), definition.mainGroup);
+    const QString source = QString::number(definition.sourceClass);
+    terms += QStringLiteral("( lvv = ") + source + QStringLiteral(" OR alv2 = ") + source +
+             QStringLiteral(" OR ostovero = ") + source + u')';
+    return terms.join(QStringLiteral(" AND "));
+}
+
+QString groupRangeCondition(const ChangeDefinition& definition) {
+    QString condition;
+    if (definition.productGroup.first != 0)
+        condition +=
+            QStringLiteral(" and nro >= ") + QString::number(definition.productGroup.first);
+    if (definition.productGroup.last != 0)
+        condition += QStringLiteral(" and nro <= ") + QString::number(definition.productGroup.last);
+    return condition;
+}
+
+}  // namespace vatchange
