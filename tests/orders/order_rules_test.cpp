@@ -1,0 +1,311 @@
+#include "vatchange/orders/order_rules.h"
+
+#include <gtest/gtest.h>
+
+#include <QString>
+#include <map>
+#include <vector>
+
+using namespace vatchange;
+
+namespace {
+
+// Classes of these tests: 3 is the source. Rates of 25 and 60 % give factors without a rounding
+// error, so that the numbers below can be followed by hand to the last bit.
+double testFactor(qint64 vatClass) {
+    static const std::map<qint64, double> rates{{2, 14}, {3, 24}, {4, 25.5}, {5, 25}, {6, 60}};
+    const auto found = rates.find(vatClass);
+    return 1 + (found == rates.end() ? 0.0 : found->second) / 100;
+}
+
+Amount single(double value) {
+    return Amount(value, Amount::Precision::Single);
+}
+
+struct SalesCase {
+    const char* name;
+    struct {
+        double ahinta = 10, ahintaAlv0 = 8, maara = 4, alennus = 0, ostohinta = 5, netto = 77.77;
+        int ostoVero = 3;
+    } row;
+    struct {
+        bool keep = false, special = false;
+        double sales = 1.0, purchase = 1.0;
+        int target = 5, decimals = 2;
+    } change;
+    struct {
+        double ahinta, ahintaAlv0, netto, kate, kateAlv0, ostohinta, ostohintaAlv0;
+        int ostoVero;
+    } expected;
+};
+
+const SalesCase kSalesCases[] = {
+    // Ahinta 10, Alv0 10/1.25 = 8; gross 4x10, gross0 4x8; margins 40-4x5, 32-4x4
+    {"coefficient 1", {}, {}, {10, 8, 40, 20, 16, 5, 4, 5}},
+    // 10 x 1.255 = 12.55; 4x12.55 = 50.20; 50.20-20; 5/1.255 = 3.98406..; 40-15.93625.. = 24.063..
+    {"VAT0 kept, 25.5 %",
+     {.ahintaAlv0 = 10},
+     {.keep = true, .target = 4},
+     {12.55, 10, 50.2, 30.2, 24.06, 5, 5 / 1.255, 4}},
+    // 10.5 x 1.25 = 13.125 -> 13.13 (to even: 13.12); 52.52-20; 42-16
+    {"VAT0 kept, half a cent goes away from zero",
+     {.ahintaAlv0 = 10.5},
+     {.keep = true},
+     {13.13, 10.5, 52.52, 32.52, 26, 5, 4, 5}},
+    // the same mirrored: -13.125 -> -13.13; -52.52-20; -42-16
+    {"VAT0 kept, negative price",
+     {.ahintaAlv0 = -10.5},
+     {.keep = true},
+     {-13.13, -10.5, -52.52, -72.52, -58, 5, 4, 5}},
+    // 10.1 x 1.25 = 12.625 -> 126 units of 0.1; 4x12.6 = 50.4; 4x10.1-16 = 24.4
+    {"VAT0 kept, one decimal",
+     {.ahintaAlv0 = 10.1},
+     {.keep = true, .decimals = 1},
+     {126 * 0.1, 10.1, 50.4, 30.4, 24.4, 5, 4, 5}},
+    // 10.5001 x 1.25 = 13.125125 -> 13.1251; 4x = 52.5004; 42.0004-16
+    {"VAT0 kept, four decimals",
+     {.ahintaAlv0 = 10.5001},
+     {.keep = true, .decimals = 4},
+     {131251 * 0.0001, 10.5001, 52.5004, 32.5004, 26.0004, 5, 4, 5}},
+    // 12.345678 stays as it is; /1.25 = 9.8765424; 49.382712 -> 49.38; 39.5061696-16 = 23.506..
+    {"coefficient 1 does not round the price",
+     {.ahinta = 12.345678},
+     {},
+     {12.345678, 12.345678 / 1.25, 49.38, 29.38, 23.51, 5, 4, 5}},
+    // 10.5 x 1.25 = 13.125 -> 13.13; /1.25 = 10.504; 52.52-20; 42.016-16 = 26.016
+    {"another coefficient rounds it, half away from zero",
+     {.ahinta = 10.5},
+     {.sales = 1.25},
+     {13.13, 13.13 / 1.25, 52.52, 32.52, 26.02, 5, 4, 5}},
+    // almost 1 is not 1: 10.004 x 1.0000001 -> 10.00; /1.25 = 8
+    {"coefficient just above 1 rounds",
+     {.ahinta = 10.004},
+     {.sales = 1.0000001},
+     {10, 8, 40, 20, 16, 5, 4, 5}},
+    // 1 x 10.125: fraction 12.5 cents -> 12 (even); 10.12-5; 8.1-4
+    {"row total, tie to even below",
+     {.ahinta = 10.125, .maara = 1},
+     {},
+     {10.125, 8.1, 10.12, 5.12, 4.1, 5, 4, 5}},
+    // fraction 37.5 cents -> 38; 10.38-5; 8.3-4
+    {"row total, tie to even above",
+     {.ahinta = 10.375, .maara = 1},
+     {},
+     {10.375, 8.3, 10.38, 5.38, 4.3, 5, 4, 5}},
+    // -1 x 10.125 -> -10.12; -10.12+5; -8.1+4
+    {"row total, tie of a returned row",
+     {.ahinta = 10.125, .maara = -1},
+     {},
+     {10.125, 8.1, -10.12, -5.12, -4.1, 5, 4, 5}},
+    // discounts: 25 % leaves 30 and 24, 50 % leaves 20 and 16 (both margins 0), 100 % nothing;
+    // 0, negative ones and those above 100 are none
+    {"discount 25", {.alennus = 25}, {}, {10, 8, 30, 10, 8, 5, 4, 5}},
+    {"discount 50", {.alennus = 50}, {}, {10, 8, 20, 0, 0, 5, 4, 5}},
+    {"discount 100", {.alennus = 100}, {}, {10, 8, 0, -20, -16, 5, 4, 5}},
+    {"discount -5", {.alennus = -5}, {}, {10, 8, 40, 20, 16, 5, 4, 5}},
+    {"discount 150", {.alennus = 150}, {}, {10, 8, 40, 20, 16, 5, 4, 5}},
+    {"discount just above 100", {.alennus = 100.001}, {}, {10, 8, 40, 20, 16, 5, 4, 5}},
+    // a special method keeps price and total: 8 = 10/1.25; 77.77-4x10; 32-4x8; coefficient 2 moves
+    // the purchase price alone
+    {"special method",
+     {},
+     {.special = true, .sales = 2, .purchase = 2},
+     {10, 8, 77.77, 37.77, 0, 10, 8, 5}},
+    // ... also with the VAT0 flag: its Alv0 follows from Ahinta
+    {"special method, VAT0 flag",
+     {.ahintaAlv0 = 9, .alennus = 50},
+     {.keep = true, .special = true},
+     {10, 8, 77.77, 57.77, 0, 5, 4, 5}},
+    // purchase class 6 is not the source: stays, 8/1.6 = 5; 40-32; 32-20
+    {"purchase class of its own", {.ostohinta = 8, .ostoVero = 6}, {}, {10, 8, 40, 8, 12, 8, 5, 6}},
+    // 3 x 1.1 in a single is 13841203/2^22 = 3.2999999523162841796875; /1.25 = 2.6399999618..;
+    // 40-13.19999980926.. = 26.800..; 32-10.55999984741.. = 21.440..
+    {"purchase price is a single",
+     {.ostohinta = 3},
+     {.purchase = 1.1},
+     {10, 8, 40, 26.8, 21.44, 3.2999999523162841796875, 2.63999996185302734375, 5}},
+    // 40010.01-10.0048828125 = 40000.0051171875, as a single (steps of 1/256) 40000.00390625,
+    // which rounds to 40000.00 (a double would give 40000.01); VAT0: 32008.008-8.00390625 =
+    // 32000.00409375
+    {"margin is a single before it is rounded",
+     {.ahinta = 40010.01, .maara = 1, .ostohinta = 10.0048828125},
+     {},
+     {40010.01, 40010.01 / 1.25, 40010.01, 40000, 32000, 10.0048828125, 8.00390625, 5}},
+};
+
+TEST(SalesRow, ConvertsAsDerivedByHand) {
+    for (const SalesCase& c : kSalesCases) {
+        SCOPED_TRACE(c.name);
+        SalesRow row;
+        row.verokanta = 3;
+        row.ostoVero = c.row.ostoVero;
+        row.toimitettava = 1;
+        row.maara = c.row.maara;
+        row.alennus = c.row.alennus;
+        row.ahinta = c.row.ahinta;
+        row.ahintaAlv0 = c.row.ahintaAlv0;
+        row.ostohinta = single(c.row.ostohinta);
+        row.ostohintaAlv0 = 999;
+        row.netto = c.row.netto;
+        row.kate = single(999);
+        row.kateAlv0 = single(999);
+
+        SalesRowChange change;
+        change.sourceClass = 3;
+        change.targetClass = c.change.target;
+        change.keepVat0 = c.change.keep;
+        change.special = c.change.special;
+        change.priceDecimals = c.change.decimals;
+        change.salesCoefficient = c.change.sales;
+        change.purchaseCoefficient = c.change.purchase;
+        convertSalesRow(row, change, testFactor);
+
+        EXPECT_EQ(row.verokanta, c.change.target);
+        EXPECT_EQ(row.ostoVero, c.expected.ostoVero);
+        EXPECT_EQ(row.ahinta, c.expected.ahinta);
+        EXPECT_EQ(row.ahintaAlv0, c.expected.ahintaAlv0);
+        EXPECT_EQ(row.netto, c.expected.netto);
+        EXPECT_EQ(row.kate, single(c.expected.kate));
+        EXPECT_EQ(row.kateAlv0, single(c.expected.kateAlv0));
+        EXPECT_EQ(row.ostohinta, c.expected.ostohinta);
+        EXPECT_EQ(row.ostohintaAlv0, c.expected.ostohintaAlv0);
+    }
+}
+
+TEST(SalesRow, OnlyOpenRowsOfTheSourceClassAreConverted) {
+    SalesRow row;
+    row.verokanta = 3;
+    row.toimitettava = -0.5;
+    EXPECT_TRUE(isSalesRowConverted(row, 3));
+    EXPECT_FALSE(isSalesRowConverted(row, 4));
+    row.toimitettava = 0;
+    EXPECT_FALSE(isSalesRowConverted(row, 3));
+}
+
+TEST(ChargingMethod, SetsAreAsListed) {
+    QString keeps;
+    QString skipped;
+    for (qint64 method = -40; method <= 70; ++method) {
+        if (OnHintaVeloitustapa(method))
+            keeps += QString::number(method) + u' ';
+        if (isSkippedChargingMethod(method))
+            skipped += QString::number(method) + u' ';
+    }
+    EXPECT_EQ(keeps.toStdString(), "4 5 7 8 10 11 13 14 16 19 20 21 ");
+    EXPECT_EQ(skipped.toStdString(), "14 16 ");
+}
+
+SalesRow totalsRow(double netto, double kate, double alennus = 0) {
+    SalesRow row;
+    row.maara = 4;
+    row.alennus = alennus;
+    row.ahintaAlv0 = 8;
+    row.ostohinta = single(5);
+    row.ostohintaAlv0 = 4;
+    row.netto = netto;
+    row.kate = single(kate);
+    return row;
+}
+
+TEST(SalesTotals, SumRowsThatCount) {
+    SalesRow structureParent = totalsRow(1000, 1);
+    structureParent.rakenneEmo = true;
+    SalesRow packageChild = totalsRow(2000, 1);
+    packageChild.pakettiLapsi = true;
+    SalesRow variantParent = totalsRow(4000, 1);
+    variantParent.onVariKokoEmo = true;
+    // netto / gross0 / margin / margin without VAT
+    const std::vector<SalesRow> rows{
+        totalsRow(40, 20),        // 40 / 32 / 40-20 / 32-16
+        structureParent,          // out
+        totalsRow(30, 10, 25),    // 30 / 24 / 30-20 / 24-16
+        packageChild,             // out
+        totalsRow(20, 0, 50),     // 20 / 16 / marked: no margins
+        variantParent,            // out
+        totalsRow(7.125, 1, 150)  // 7.125 / 32 (no discount) / 7.125-20 / 32-16
+    };
+    SalesTotals totals;
+    int marks = 0;
+    for (const SalesRow& row : rows) {
+        marks += needsMarginMark(row);
+        addSalesRow(totals, row, needsMarginMark(row));
+    }
+    EXPECT_EQ(marks, 1);
+    EXPECT_EQ(totals.summa, 97.125);
+    EXPECT_EQ(totals.kate, 17.125);
+    roundSalesTotals(totals, 2);
+    EXPECT_EQ(totals.summa, 97.12);  // ties to even
+    EXPECT_EQ(totals.kate, 17.12);
+    EXPECT_EQ(totals.summaAlv0, 104);
+    EXPECT_EQ(totals.kateAlv0, 40);
+
+    EXPECT_FALSE(needsMarginMark(totalsRow(0, 0)));
+    EXPECT_FALSE(needsMarginMark(totalsRow(20, 0.01)));
+    EXPECT_TRUE(needsMarginMark(totalsRow(-20, 0)));
+}
+
+// A header that keeps its totals in singles loses the euro at 2^24, as its fields would.
+TEST(SalesTotals, KeepTheHeadersPrecision) {
+    SalesTotals totals{single(0), single(0), single(0), single(0)};
+    addSalesRow(totals, totalsRow(16777216, 1), true);
+    addSalesRow(totals, totalsRow(1, 1), true);
+    EXPECT_EQ(totals.summa, 16777216);
+}
+
+TEST(PurchaseRow, ConvertsAsDerivedByHand) {
+    struct Case {
+        const char* name;
+        bool keep;
+        double coefficient, maara, alennus, price, vat0;  // before
+        double newPrice, newVat0, summa;
+    };
+    const Case cases[] = {
+        // 10 stays; 10/1.25; 4x10
+        {"coefficient 1", false, 1.0, 4, 0, 10, 9, 10, 8, 40},
+        // 10.0078125 x 1.5 = 15.01171875; /1.25 = 12.009375; nothing is rounded
+        {"coefficient 1.5", false, 1.5, 4, 0, 10.0078125, 9, 15.01171875, 12.009375, 60.046875},
+        // 9 x 1.25 = 11.25, coefficient not used; 4 x 11.25 x 0.5
+        {"VAT0 kept", true, 1.5, 4, 50, 10, 9, 11.25, 9, 22.5},
+        // 1 - 150/100 = -0.5; 4x10x-0.5
+        {"discount above 100", false, 1.0, 4, 150, 10, 9, 10, 8, -20},
+        // 1 + 25/100; -4x10x1.25
+        {"negative discount and quantity", false, 1.0, -4, -25, 10, 9, 10, 8, -50},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        PurchaseRow row;
+        row.alvLuokka = 3;
+        row.maara = c.maara;
+        row.alennus = c.alennus;
+        row.ostoHinta = c.price;
+        row.ostoHintaAlv0 = c.vat0;
+        row.summa = 999;
+        PurchaseRowChange change;
+        change.keepVat0 = c.keep;
+        change.sourceClass = 3;
+        change.targetClass = 5;
+        change.coefficient = c.coefficient;
+        convertPurchaseRow(row, change, testFactor);
+        EXPECT_EQ(row.alvLuokka, 5);
+        EXPECT_EQ(row.ostoHinta, c.newPrice);
+        EXPECT_EQ(row.ostoHintaAlv0, c.newVat0);
+        EXPECT_EQ(row.summa, c.summa);
+    }
+}
+
+TEST(PurchaseTotals, LeaveOutVariantChildrenAndRoundNothing) {
+    PurchaseRow row;
+    row.maara = 4;
+    row.alennus = 25;
+    row.ostoHintaAlv0 = 8;
+    row.summa = 30.0009765625;
+    PurchaseRow child = row;
+    child.variKokoLapsi = true;
+    PurchaseTotals totals;
+    for (const PurchaseRow& r : {row, child, row})
+        addPurchaseRow(totals, r);
+    EXPECT_EQ(totals.summa, 60.001953125);
+    EXPECT_EQ(totals.summaAlv0, 48);  // 2 x 8 x 4 x 0.75
+}
+
+}  // namespace

@@ -1,0 +1,129 @@
+#pragma once
+
+#include <QtGlobal>
+#include <functional>
+
+/// The arithmetic of one order row and of an order's totals: values in, values out. Operations are
+/// done in doubles in the order written, one rounding each.
+namespace vatchange {
+
+/// An amount as the field that stores it holds it: what is set into a single-precision field reads
+/// back as that single before the next operation uses it.
+class Amount {
+  public:
+    enum class Precision { Double, Single };
+
+    Amount() = default;
+    explicit Amount(double value, Precision precision = Precision::Double)
+        : m_precision(precision) {
+        *this = value;
+    }
+    Amount& operator=(double value) {
+        m_value = m_precision == Precision::Single ? double(static_cast<float>(value)) : value;
+        return *this;
+    }
+    operator double() const { return m_value; }
+
+  private:
+    double m_value = 0.0;
+    Precision m_precision = Precision::Double;
+};
+
+/// 1 + rate / 100 of a VAT class.
+using VatFactor = std::function<double(qint64 vatClass)>;
+
+/// True for the charging methods whose rows keep their sales price and row total. False for every
+/// value outside 0..31.
+bool OnHintaVeloitustapa(qint64 method);
+
+/// Charging methods whose orders are passed over whole.
+bool isSkippedChargingMethod(qint64 method);
+
+/// One row of a sales order. Prices are per unit; "Alv0" is without VAT.
+struct SalesRow {
+    qint64 verokanta = 0;  ///< VAT class of the sales price
+    qint64 ostoVero = 0;   ///< VAT class of the purchase price
+    double toimitettava = 0.0;
+    double maara = 0.0;
+    double alennus = 0.0;  ///< per cent; counts only above 0 and up to 100
+    Amount ahinta;
+    Amount ahintaAlv0;
+    Amount ostohinta;
+    Amount ostohintaAlv0;
+    Amount netto;  ///< row total with VAT after discount
+    Amount kate;
+    Amount kateAlv0;
+    bool rakenneEmo = false;
+    bool pakettiLapsi = false;
+    bool onVariKokoEmo = false;
+
+    /// Structure parents, package children and variant parents stay out of the header's totals.
+    bool countsInTotals() const { return !rakenneEmo && !pakettiLapsi && !onVariKokoEmo; }
+};
+
+/// How the rows of one sales order change.
+struct SalesRowChange {
+    int priceDecimals = 2;
+    bool keepVat0 = false;
+    bool special = false;  ///< the order's charging method keeps sales prices
+    qint64 sourceClass = 0;
+    qint64 targetClass = 0;
+    double purchaseCoefficient = 1.0;
+    double salesCoefficient = 1.0;
+};
+
+/// True when the row carries the source class and has something left to deliver (a negative
+/// quantity counts).
+bool isSalesRowConverted(const SalesRow& row, qint64 sourceClass);
+
+void convertSalesRow(SalesRow& row, const SalesRowChange& change, const VatFactor& factor);
+
+/// Totals of a sales order's header.
+struct SalesTotals {
+    Amount summa;
+    Amount kate;
+    Amount kateAlv0;
+    Amount summaAlv0;
+};
+
+/// A row with no margin but a total gets the margin mark 1 and is left out of the header's margins.
+bool needsMarginMark(const SalesRow& row);
+inline constexpr double kMarginMark = 1.0;
+
+/// Adds a row to the totals; `marked`: its margins are left out.
+void addSalesRow(SalesTotals& totals, const SalesRow& row, bool marked);
+void roundSalesTotals(SalesTotals& totals, int priceDecimals);
+
+/// One row of a purchase order.
+struct PurchaseRow {
+    qint64 alvLuokka = 0;
+    double tulematta = 0.0;  ///< quantity still to arrive
+    double maara = 0.0;
+    double alennus = 0.0;  ///< per cent, of any size
+    Amount ostoHinta;
+    Amount ostoHintaAlv0;
+    Amount summa;
+    bool variKokoLapsi = false;
+};
+
+struct PurchaseRowChange {
+    bool keepVat0 = false;
+    qint64 sourceClass = 0;
+    qint64 targetClass = 0;
+    double coefficient = 1.0;
+};
+
+bool isPurchaseRowConverted(const PurchaseRow& row, qint64 sourceClass);
+
+void convertPurchaseRow(PurchaseRow& row, const PurchaseRowChange& change, const VatFactor& factor);
+
+/// Sums of a purchase order's header: unrounded doubles until they are stored.
+struct PurchaseTotals {
+    double summa = 0.0;
+    double summaAlv0 = 0.0;
+};
+
+/// Adds a row unless it is a variant child.
+void addPurchaseRow(PurchaseTotals& totals, const PurchaseRow& row);
+
+}  // namespace vatchange
