@@ -1,0 +1,69 @@
+#include "vatchange/rules/selection.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using vatchange::ChangeDefinition;
+using vatchange::GroupRestriction;
+
+const char* const kClassTerm = "( lvv = 2 OR alv2 = 2 OR ostovero = 2)";
+
+TEST(Selection, IgnoreListKeepsDigitsOnly) {
+    const QList<qint64> kept = {3, 5};
+    EXPECT_EQ(vatchange::parseIgnoreList(QStringLiteral("3,x,5")), kept);
+    EXPECT_EQ(vatchange::parseIgnoreList(QStringLiteral(",003,,+1,-2,5,1.5,0x7, 9,")), kept);
+    const QList<qint64> edge = {0, 9223372036854775807};
+    EXPECT_EQ(
+        vatchange::parseIgnoreList(QStringLiteral("000,9223372036854775807,9223372036854775808")),
+        edge);
+    EXPECT_TRUE(vatchange::parseIgnoreList(QStringLiteral("1) OR (1=1")).isEmpty());
+    EXPECT_TRUE(vatchange::parseIgnoreList(QStringLiteral("٣")).isEmpty());  // an Arabic digit
+}
+
+TEST(Selection, RangeAndIgnoreTerms) {
+    struct Case {
+        GroupRestriction sub;
+        const char* terms;
+    };
+    const std::vector<Case> cases = {
+        {{false, 1, 5, QStringLiteral("3")}, ""},
+        {{true, 0, 0, {}}, ""},
+        {{true, 0, 0, QStringLiteral("x,,y")}, ""},
+        {{true, 1, 5, {}}, "(AliRyhma >= 1) AND (AliRyhma <= 5) AND "},
+        {{true, 9, 5, {}}, "(AliRyhma >= 9) AND (AliRyhma <= 5) AND "},
+        {{true, 10, 0, {}}, "(AliRyhma = 10) AND "},
+        {{true, 0, 12, {}}, "(AliRyhma = 12) AND "},
+        {{true, 7, 7, {}}, "(AliRyhma = 7) AND "},
+        {{true, 0, 0, QStringLiteral("3,x,05")}, "( AliRyhma not in ( 3,5 )) AND "},
+        {{true, 1, 5, QStringLiteral("3")},
+         "(AliRyhma >= 1) AND (AliRyhma <= 5) AND ( AliRyhma not in ( 3 )) AND "},
+    };
+    for (const Case& c : cases) {
+        ChangeDefinition definition;
+        definition.sourceClass = 2;
+        definition.subGroup = c.sub;
+        EXPECT_EQ(vatchange::selectionCondition(definition).toStdString(),
+                  std::string(c.terms) + kClassTerm);
+    }
+}
+
+TEST(Selection, KindsInTheirOrder) {
+    ChangeDefinition definition;
+    definition.sourceClass = 0;
+    definition.mainGroup = {true, 3, 0, {}};
+    definition.productGroup = {true, 4, 6, QStringLiteral("5")};
+    definition.subGroup = {true, 0, 0, QStringLiteral("1,2")};
+    definition.productRangeOn = true;
+    definition.productFirst = QStringLiteral("A");
+    EXPECT_EQ(vatchange::selectionCondition(definition).toStdString(),
+              "( AliRyhma not in ( 1,2 )) AND (Ryhma >= 4) AND (Ryhma <= 6) AND "
+              "( Ryhma not in ( 5 )) AND (PaaRyhma = 3) AND "
+              "( lvv = 0 OR alv2 = 0 OR ostovero = 0)");
+    EXPECT_EQ(vatchange::groupRangeCondition(definition).toStdString(),
+              " and nro >= 4 and nro <= 6");
+    definition.productGroup = {false, 0, 6, {}};  // the range counts with the restriction off, too
+    EXPECT_EQ(vatchange::groupRangeCondition(definition).toStdString(), " and nro <= 6");
+}
+
+}  // namespace
