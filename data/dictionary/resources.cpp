@@ -1,0 +1,20 @@
+#include "data/dictionary/resources.h"
+
+#include <QDir>
+
+// Q_INIT_RESOURCE declares a function of the generated file, which stands outside of any namespace.
+static void initialize() {
+    Q_INIT_RESOURCE(dictionary);
+}
+
+namespace data {
+
+void initDictionaryResources() {
+    static const bool done = [] {
+        initialize();
+        return true;
+    }();
+    static_cast<void>(done);
+}
+
+}  // namespace data
