@@ -11,23 +11,32 @@ struct Alias {
     QString name;
     QString physicalName;   ///< data folder
     QString localFilePath;  ///< local folder, may be empty
+    QString ownerName;      ///< owner of the record files where the engine wants one, mostly empty
 };
 
-/// The registered companies ("Aliases\NAME" with "PhysicalName" and "LocalFilePath"): in the
-/// registry on Windows (read from the machine's part when the user's has none), in a settings file
-/// under $XDG_CONFIG_HOME elsewhere. Read afresh at every call, so other programs' changes are
-/// seen.
+/// The registered companies ("Aliases\NAME" with "PhysicalName", "LocalFilePath" and, where the
+/// record files have an owner, "OwnerName"): in the registry on Windows (the user's part, then the
+/// machine's), in the settings file "aliases.ini" of the user's settings folder elsewhere. Read
+/// afresh at every call, so other programs' changes are seen. Names compare without regard to the
+/// case of a to z.
 /// @throws data::DataError(Io, Damaged) naming the settings file when it cannot be read or written.
-QStringList aliasNames();                             ///< sorted for Finnish eyes
-std::optional<Alias> findAlias(const QString& name);  ///< case of a to z ignored
+QStringList aliasNames();  ///< sorted for Finnish eyes
+std::optional<Alias> findAlias(const QString& name);
+/// Registers a company; one of the same name is replaced.
+/// @throws data::DataError(BadValue) for a name that aliasNameProblem refuses.
 void storeAlias(const Alias& alias);
+/// @return false when there is no such company.
 bool removeAlias(const QString& name);
 
-/// Why a name cannot be a company's name (empty, control characters, / or \ ...); empty when it
-/// can.
+/// Why a name cannot be a company's name, in English (aliasNameProblem) and in Finnish
+/// (aliasNameProblemFinnish); empty when it can. Refused: an empty name, blanks at an end, more
+/// than 80 characters, control characters, "/" and "\", "." and "..", a leading "-" or "/" (the
+/// command line would take it for a switch).
 QString aliasNameProblem(const QString& name);
+QString aliasNameProblemFinnish(const QString& name);
 
-/// The registry flag PaikallinenMaaritys of a form: its saved definitions live in the local folder.
+/// The flag PaikallinenMaaritys of a form, kept under "Lomakkeet\FORM" beside the aliases: its
+/// saved definitions live in the company's local folder.
 bool localDefinitions(const QString& formName);
 
 }  // namespace company

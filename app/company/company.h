@@ -11,6 +11,7 @@ struct Company {
     QString name;
     QString dataFolder;   ///< PhysicalName of the alias; holds the change log
     QString localFolder;  ///< LocalFilePath of the alias; empty when the alias has none
+    QString ownerName;    ///< OwnerName of the alias: owner of the record files, mostly empty
 };
 
 const Company& currentCompany();
@@ -25,7 +26,14 @@ QString withTrailingSeparator(const QString& folder, QChar separator);
 /// The platform's separator, as the rule above wants it.
 QChar platformSeparator();
 
+/// A file of the company's data folder: the folder by the rule above, then the name. With an empty
+/// folder the name alone, so the file is sought in the working folder.
+QString dataFolderFile(const QString& fileName);
+
 /// Equality that ignores the case of the letters a to z only.
 bool sameIgnoringAsciiCase(const QString& a, const QString& b);
+
+/// Orders names as a Finnish reader expects: case ignored, å, ä, ö after z.
+void sortForFinnishEyes(QStringList& names);
 
 }  // namespace company

@@ -15,6 +15,7 @@ namespace company {
 /// One SQL connection to a company's database; record tables of the company use the same one.
 class UniConnection {
   public:
+    /// Name of the company; empty before the first attempt.
     const QString& dataSource() const { return m_dataSource; }
     const QString& provider() const { return m_provider; }
     bool connected() const { return m_database != nullptr; }
@@ -51,7 +52,9 @@ class TZavDbConnectionModule {
     /// Frees the process's module; for tests and the end of the program.
     static void shutDown();
 
-    /// With `connect`, initialises the main connection for the name.
+    /// With `connect`, initialises the main connection for the name: shows the notice, tries
+    /// kConnectAttempts times. A failure leaves the connection closed and is told by database().
+    /// `serverCheck` is for engines with a server to look for; none of the present ones has it.
     void Yhdista(const QString& dataSource, bool connect, bool serverCheck);
     UniConnection& UniDacConnection() { return *m_main; }
 
@@ -65,7 +68,7 @@ class TZavDbConnectionModule {
     std::unique_ptr<data::TUniQuery> LuoUniQuery(const QString& dataSource, bool debug = false);
 
     /// The engine is chosen by the alias: an embedded company where its folder holds a database
-    /// file.
+    /// file. @throws data::DataError(NoConnection) when there is no such company, folder or file.
     static std::unique_ptr<data::Database> openByAlias(const QString& dataSource);
 
   private:
@@ -76,12 +79,17 @@ class TZavDbConnectionModule {
     std::vector<std::unique_ptr<UniConnection>> m_owned;
     UniConnection* m_main;
     std::vector<UniConnection*> m_list;
+    bool m_monitor;     // "/unimonitor": connections and statements are traced
+    bool m_queryDebug;  // "/uniquerydebug": statements only
 };
 
 /// The current company's database, connected on first use.
 data::Database& companyDatabase();
 
-/// Prepares one record table for use: owner name (when configured), database, open.
+/// Prepares one record table for use: owner name (when the company's alias has one and the name
+/// holds no ";OWNER:" yet), database, open (closed first if it was open). Without a database given:
+/// the current company's.
 void openCompanyTable(data::TtbTable& table, const QString& tableName);
+void openCompanyTable(data::TtbTable& table, const QString& tableName, data::Database& database);
 
 }  // namespace company

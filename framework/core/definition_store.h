@@ -18,7 +18,8 @@ struct SavedDefinition {
 
 /// The store of named parameter sets per form: the file FORM.INI in the folder "MAARITYS" of the
 /// company's data folder (of its local folder when the form's flag PaikallinenMaaritys is set), one
-/// section a definition. Needs no window. Names compare without regard to case.
+/// section a definition. Needs no window. Names compare without regard to case and to blanks at
+/// their ends. Two programs may save into one file: a save rereads it under a lock file.
 /// All calls throw data::DataError naming the file when it cannot be read or written.
 class DefinitionStore {
   public:
@@ -28,12 +29,16 @@ class DefinitionStore {
     explicit DefinitionStore(QString settingsFolder);
 
     static inline const QString kDefaultName = QStringLiteral("Normaali");
+    /// The definition that a load means: the name without blanks at its ends, "Normaali" for none.
+    static QString nameToLoad(const QString& name);
 
     QString fileName(const QString& formName) const;
 
     QStringList GetValues(const QString& formName) const;  ///< names, sorted
     std::optional<SavedDefinition> load(const QString& formName, const QString& name) const;
-    /// Replaces the definition of that name; keys that the form does not know are kept.
+    /// Replaces the values of the definition of that name, or adds it at the end; keys of the file
+    /// that `definition` does not have are kept. @throws data::DataError(BadValue) for a name that
+    /// nameProblem refuses, (Locked) when another program does not let go of the file.
     void save(const QString& formName, const SavedDefinition& definition);
     bool remove(const QString& formName, const QString& name);
 
@@ -42,7 +47,9 @@ class DefinitionStore {
     static QString nameProblem(const QString& name);
 
   private:
-    QString m_settingsFolder;
+    QString settingsFolder(const QString& formName) const;
+
+    std::optional<QString> m_settingsFolder;  // none: by the current company and the form's flag
 };
 
 }  // namespace framework

@@ -1,0 +1,47 @@
+#include "app/company/command_line.h"
+
+#include <algorithm>
+
+#include "app/company/company.h"
+
+namespace company {
+
+namespace {
+
+QStringList& stored() {
+    static QStringList list;
+    return list;
+}
+
+QString withSlash(const QString& parameter) {
+    return parameter.startsWith(u'-') ? u'/' + parameter.sliced(1) : parameter;
+}
+
+bool contains(const QString& name, qsizetype from) {
+    const QString wanted = withSlash(name);
+    const QStringList& list = stored();
+    return std::any_of(list.begin() + std::min(from, list.size()), list.end(),
+                       [&wanted](const QString& parameter) {
+                           return sameIgnoringAsciiCase(withSlash(parameter), wanted);
+                       });
+}
+
+}  // namespace
+
+void setParameters(const QStringList& parameters) {
+    stored() = parameters;
+}
+
+const QStringList& parameters() {
+    return stored();
+}
+
+bool hasSwitch(const QString& name) {
+    return contains(name, 0);
+}
+
+bool hasSwitchAfterFirst(const QString& name) {
+    return contains(name, 1);
+}
+
+}  // namespace company

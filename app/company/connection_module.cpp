@@ -1,0 +1,165 @@
+#include "app/company/connection_module.h"
+
+#include <QDebug>
+#include <QFileInfo>
+#include <algorithm>
+#include <utility>
+
+#include "app/company/aliases.h"
+#include "app/company/command_line.h"
+#include "app/company/company.h"
+#include "data/embedded/embedded_database.h"
+
+namespace company {
+
+namespace {
+
+std::unique_ptr<TZavDbConnectionModule>& module() {
+    static std::unique_ptr<TZavDbConnectionModule> instance;
+    return instance;
+}
+
+TZavDbConnectionModule::Notice& processNotice() {
+    static TZavDbConnectionModule::Notice notice;
+    return notice;
+}
+
+data::DataError noConnection(const QString& dataSource, const QString& detail) {
+    return {data::ErrorKind::NoConnection, dataSource, detail};
+}
+
+}  // namespace
+
+data::Database& UniConnection::database() const {
+    if (m_database)
+        return *m_database;
+    if (!m_failure)
+        throw noConnection(m_dataSource, QStringLiteral("the connection has not been opened"));
+    throw data::DataError(data::ErrorKind::NoConnection, m_dataSource,
+                          m_failure->kind() == data::ErrorKind::NoConnection ? m_failure->detail()
+                                                                             : m_failure->english(),
+                          m_failure->nativeCode());
+}
+
+TZavDbConnectionModule::TZavDbConnectionModule(Opener opener, Notice notice)
+    : m_opener(std::move(opener)),
+      m_notice(std::move(notice)),
+      m_monitor(hasSwitch(QStringLiteral("/unimonitor"))),
+      m_queryDebug(!m_monitor && hasSwitch(QStringLiteral("/uniquerydebug"))) {
+    m_owned.push_back(std::make_unique<UniConnection>());
+    m_main = m_owned.front().get();
+}
+
+TZavDbConnectionModule::~TZavDbConnectionModule() = default;
+
+TZavDbConnectionModule& TZavDbConnectionModule::instance() {
+    if (!module()) {
+        module() = std::make_unique<TZavDbConnectionModule>(openByAlias, processNotice());
+        module()->Yhdista(currentCompany().name, true, false);
+    }
+    return *module();
+}
+
+void TZavDbConnectionModule::setNotice(Notice notice) {
+    processNotice() = std::move(notice);
+}
+
+void TZavDbConnectionModule::shutDown() {
+    module().reset();
+}
+
+void TZavDbConnectionModule::Yhdista(const QString& dataSource, bool connect,
+                                     [[maybe_unused]] bool serverCheck) {
+    if (connect)
+        AlustaUnidacConnection(*m_main, dataSource);
+}
+
+UniConnection& TZavDbConnectionModule::connection(const QString& dataSource) {
+    if (dataSource.isEmpty())
+        return *m_main;
+    const auto found =
+        std::find_if(m_list.begin(), m_list.end(), [&dataSource](const UniConnection* known) {
+            return sameIgnoringAsciiCase(known->dataSource(), dataSource);
+        });
+    return found != m_list.end() ? **found : LuoYhteys(dataSource);
+}
+
+UniConnection& TZavDbConnectionModule::LuoYhteys(const QString& dataSource) {
+    m_owned.push_back(std::make_unique<UniConnection>());
+    UniConnection& created = *m_owned.back();
+    AlustaUnidacConnection(created, dataSource);
+    return created;
+}
+
+void TZavDbConnectionModule::AlustaUnidacConnection(UniConnection& connection,
+                                                    const QString& dataSource) {
+    const std::shared_ptr<void> notice =
+        m_notice ? m_notice(QStringLiteral("Alustan kantayhteyttä ") + dataSource) : nullptr;
+    if (!sameIgnoringAsciiCase(connection.m_dataSource, dataSource))
+        connection.m_database.reset();
+    connection.m_dataSource = dataSource;
+    if (connection.m_provider.isEmpty())
+        connection.m_provider = QStringLiteral("ODBC");
+
+    for (int attempt = 1; attempt <= kConnectAttempts && !connection.connected(); ++attempt) {
+        try {
+            connection.m_database = m_opener(dataSource);
+            connection.m_failure.reset();
+        } catch (const data::DataError& error) {
+            connection.m_failure = std::make_unique<data::DataError>(error);
+        }
+        if (m_monitor)
+            qDebug().noquote() << "connect" << dataSource << "attempt" << attempt
+                               << (connection.connected() ? QStringLiteral("connected")
+                                                          : connection.m_failure->english());
+    }
+    if (std::find(m_list.begin(), m_list.end(), &connection) == m_list.end())
+        m_list.push_back(&connection);
+}
+
+std::unique_ptr<data::TUniQuery> TZavDbConnectionModule::LuoUniQuery(const QString& dataSource,
+                                                                     bool debug) {
+    auto query = std::make_unique<data::TUniQuery>(&connection(dataSource).database());
+    query->setDebug(debug || m_monitor || m_queryDebug ||
+                    hasSwitchAfterFirst(QStringLiteral("/UNIDACDEBUG")));
+    return query;
+}
+
+std::unique_ptr<data::Database> TZavDbConnectionModule::openByAlias(const QString& dataSource) {
+    const std::optional<Alias> alias = findAlias(dataSource);
+    if (!alias)
+        throw noConnection(dataSource, QStringLiteral("no company of this name is registered"));
+    const QString& folder = alias->physicalName;
+    if (data::hasEmbeddedDatabase(folder))
+        return data::openEmbedded(alias->name, folder);
+    if (folder.isEmpty())
+        throw noConnection(dataSource, QStringLiteral("no data folder is registered for it"));
+    if (!QFileInfo(folder).isDir())
+        throw noConnection(dataSource, QStringLiteral("folder \"%1\" does not exist").arg(folder));
+    throw noConnection(dataSource,
+                       QStringLiteral("folder \"%1\" holds no embedded database (%2), and this "
+                                      "build has no connection to the shops' engine yet")
+                           .arg(folder, data::kEmbeddedFileName));
+}
+
+data::Database& companyDatabase() {
+    return TZavDbConnectionModule::instance().connection(currentCompany().name).database();
+}
+
+void openCompanyTable(data::TtbTable& table, const QString& tableName) {
+    openCompanyTable(table, tableName, companyDatabase());
+}
+
+void openCompanyTable(data::TtbTable& table, const QString& tableName, data::Database& database) {
+    const QString& owner = currentCompany().ownerName;
+    const bool named = tableName.contains(QStringLiteral(";OWNER:"), Qt::CaseInsensitive);
+    if (table.isOpen())
+        table.close();
+    table.setDatabase(&database);
+    table.setDatabaseName(data::kDdfDatabase);
+    table.setTableName(owner.isEmpty() || named ? tableName
+                                                : tableName + QStringLiteral(";OWNER:") + owner);
+    table.open();
+}
+
+}  // namespace company

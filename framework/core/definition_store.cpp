@@ -1,0 +1,150 @@
+#include "framework/core/definition_store.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLockFile>
+#include <algorithm>
+#include <chrono>
+#include <functional>
+#include <utility>
+
+#include "app/company/aliases.h"
+#include "app/company/company.h"
+#include "app/company/ini_file.h"
+#include "data/error.h"
+
+namespace framework {
+
+namespace {
+
+const QString kDescription = QStringLiteral("Selite");
+constexpr std::chrono::milliseconds kLockWait{5000};
+
+/// Rereads the file, changes it and writes it back, while no other program does the same.
+void change(const QString& fileName, const std::function<bool(company::IniFile&)>& edit) {
+    QLockFile lock(fileName + QStringLiteral(".lock"));
+    if (!lock.tryLock(kLockWait)) {
+        const bool held = lock.error() == QLockFile::LockFailedError;
+        throw data::DataError(held ? data::ErrorKind::Locked : data::ErrorKind::Io, fileName,
+                              held ? QStringLiteral("another program is saving into it")
+                                   : QStringLiteral("the folder cannot be written"));
+    }
+    company::IniFile file = company::IniFile::read(fileName);
+    if (edit(file))
+        file.write(fileName);
+}
+
+/// Makes the folder of the file where only this one is missing: a missing company folder is an
+/// error (an unmounted share), not a folder to be made.
+void makeFolder(const QString& fileName) {
+    const QString folder = QFileInfo(fileName).absolutePath();
+    if (!QFileInfo(folder).isDir() && !QDir().mkdir(folder))
+        throw data::DataError(data::ErrorKind::Io, folder,
+                              QStringLiteral("the folder cannot be made"));
+}
+
+}  // namespace
+
+std::optional<QString> SavedDefinition::value(const QString& control) const {
+    if (const auto exact = values.constFind(control); exact != values.constEnd())
+        return *exact;
+    for (auto it = values.constBegin(); it != values.constEnd(); ++it) {
+        if (it.key().compare(control, Qt::CaseInsensitive) == 0)
+            return *it;
+    }
+    return std::nullopt;
+}
+
+DefinitionStore::DefinitionStore() = default;
+
+DefinitionStore::DefinitionStore(QString settingsFolder)
+    : m_settingsFolder(std::move(settingsFolder)) {}
+
+QString DefinitionStore::nameToLoad(const QString& name) {
+    const QString trimmed = name.trimmed();
+    return trimmed.isEmpty() ? kDefaultName : trimmed;
+}
+
+QString DefinitionStore::settingsFolder(const QString& formName) const {
+    if (m_settingsFolder)
+        return *m_settingsFolder;
+    const company::Company& company = company::currentCompany();
+    return !company.localFolder.isEmpty() && company::localDefinitions(formName)
+               ? company.localFolder
+               : company.dataFolder;
+}
+
+QString DefinitionStore::fileName(const QString& formName) const {
+    const QChar separator = company::platformSeparator();
+    return company::withTrailingSeparator(settingsFolder(formName), separator) +
+           QStringLiteral("MAARITYS") + separator + formName + QStringLiteral(".INI");
+}
+
+QStringList DefinitionStore::GetValues(const QString& formName) const {
+    QStringList names = company::IniFile::read(fileName(formName)).sections();
+    names.removeAll(QString());
+    company::sortForFinnishEyes(names);
+    return names;
+}
+
+std::optional<SavedDefinition> DefinitionStore::load(const QString& formName,
+                                                     const QString& name) const {
+    const company::IniFile file = company::IniFile::read(fileName(formName));
+    const QString wanted = name.trimmed();
+    const QStringList names = file.sections();
+    const auto found = std::find_if(names.begin(), names.end(), [&wanted](const QString& known) {
+        return known.compare(wanted, Qt::CaseInsensitive) == 0;
+    });
+    if (found == names.end() || wanted.isEmpty())
+        return std::nullopt;
+    SavedDefinition definition;
+    definition.name = *found;
+    for (const QString& key : file.keys(definition.name)) {
+        const QString value = file.value(definition.name, key).value_or(QString());
+        if (key.compare(kDescription, Qt::CaseInsensitive) == 0)
+            definition.description = value;
+        else
+            definition.values.insert(key, value);
+    }
+    return definition;
+}
+
+void DefinitionStore::save(const QString& formName, const SavedDefinition& definition) {
+    const QString file = fileName(formName);
+    const QString name = definition.name.trimmed();
+    if (const QString problem = nameProblem(name); !problem.isEmpty())
+        throw data::DataError(data::ErrorKind::BadValue, file, problem);
+    makeFolder(file);
+    change(file, [&](company::IniFile& ini) {
+        ini.setValue(name, kDescription, definition.description);
+        for (auto it = definition.values.constBegin(); it != definition.values.constEnd(); ++it)
+            ini.setValue(name, it.key(), it.value());
+        return true;
+    });
+}
+
+bool DefinitionStore::remove(const QString& formName, const QString& name) {
+    const QString file = fileName(formName);
+    if (!QFileInfo::exists(file))
+        return false;
+    bool removed = false;
+    change(file, [&](company::IniFile& ini) {
+        removed = ini.removeSection(name.trimmed());
+        return removed;
+    });
+    return removed;
+}
+
+QString DefinitionStore::nameProblem(const QString& name) {
+    if (name.trimmed().isEmpty())
+        return QStringLiteral("Anna määrittelylle nimi");
+    if (name.contains(u'[') || name.contains(u']'))
+        return QStringLiteral("Määrittelyn nimessä \"%1\" ei saa olla hakasulkeita").arg(name);
+    if (!name.isValidUtf16() || std::any_of(name.begin(), name.end(), [](QChar c) {
+            return c.category() == QChar::Other_Control;
+        }))
+        return QStringLiteral("Määrittelyn nimessä ei saa olla ohjausmerkkejä");
+    return {};
+}
+
+}  // namespace framework
