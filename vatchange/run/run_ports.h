@@ -31,6 +31,8 @@ class RunPorts {
     virtual QString programFileName() const = 0;
     /// "/EP": skip the early-date check.
     virtual bool skipEarlyDateCheck() const = 0;
+    /// Name of the definition that is run, for the note of an unfinished run; empty when unnamed.
+    virtual QString definitionName() const { return {}; }
 };
 
 }  // namespace vatchange

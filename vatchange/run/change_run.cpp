@@ -1,0 +1,201 @@
+#include "vatchange/run/change_run.h"
+
+#include "app/company/run_mark.h"
+#include "app/company/unfinished_note.h"
+#include "data/clock.h"
+#include "vatchange/rules/log_texts.h"
+#include "vatchange/run/run_context.h"
+#include "vatchange/run/shelf_labels.h"
+
+namespace vatchange {
+
+namespace {
+
+/// How a failure of a step is worded: the error's own text stands between the two.
+struct ErrorWording {
+    QString before;
+    QString after = {};
+};
+
+/// Runs one step. @return false when it failed; the failure has been shown and counted.
+template <typename Step>
+bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
+    try {
+        step();
+        return true;
+    } catch (const std::exception& error) {
+        ++run.result.failedSteps;
+        run.ports.NaytaViesti(wording.before + errorText(error) + wording.after);
+        return false;
+    }
+}
+
+/// The same, unless the user has stopped the run.
+template <typename Step>
+bool attempt(RunContext& run, const ErrorWording& wording, Step&& step) {
+    return run.stopRequested() || guarded(run, wording, step);
+}
+
+/// The note of an unfinished run, from before the first change to the end of the run.
+class RunInProgress {
+  public:
+    explicit RunInProgress(const RunContext& run) {
+        if (const auto note = company::readUnfinishedNote()) {
+            run.ports.log(
+                company::unfinishedNoteText(*note) +
+                QStringLiteral(". Asiakashinnastojen, kampanjoiden, toistuvaislaskutuksen ja "
+                               "määräalennusten rivit, joiden tuotteella on vielä vanha "
+                               "alv-luokka, on voitu jo kertoa kertoimella: tarkasta ne, ettei "
+                               "tämä ajo kerro niitä uudestaan."));
+        }
+        company::writeUnfinishedNote(run.ports.definitionName());
+    }
+    ~RunInProgress() { company::removeUnfinishedNote(); }
+    RunInProgress(const RunInProgress&) = delete;
+    RunInProgress& operator=(const RunInProgress&) = delete;
+};
+
+/// Reads the label table's columns when labels will be written. A label table that cannot be read
+/// is reported here; products are changed all the same, up to the first that needs a label.
+bool prepareShelfLabels(RunContext& run) {
+    bool quantityDiscountColumns = false;
+    if (run.definition.products && run.definition.writeShelfLabels) {
+        attempt(run, {QStringLiteral("Virhe hr päivityksessä ")},
+                [&] { quantityDiscountColumns = hasQuantityDiscountColumns(run.database); });
+    }
+    return quantityDiscountColumns;
+}
+
+void convertDependentTables(RunContext& run) {
+    if (run.definition.customerPriceLists) {
+        attempt(run, {QStringLiteral("Virhe asiakashinnaston päivityksessä: ")},
+                [&] { convertCustomerPriceLists(run); });
+    }
+    if (run.definition.campaigns) {
+        attempt(run, {QStringLiteral("Virhe kampanjan päivityksessä: ")},
+                [&] { convertCampaigns(run); });
+    }
+    if (run.definition.recurringInvoicing) {
+        attempt(run,
+                {QStringLiteral("Virhe "), QStringLiteral(" vakiolaskutuksen päivityksessä. ")},
+                [&] { convertRecurringInvoices(run); });
+    }
+    if (run.definition.quantityDiscounts) {
+        attempt(run, {QStringLiteral("Virhe "), QStringLiteral(" määräalen päivityksessä. ")},
+                [&] { convertQuantityDiscounts(run); });
+    }
+}
+
+void convertProductsAndGroups(RunContext& run, bool quantityDiscountColumns) {
+    if (run.stopRequested())
+        return;
+    run.ports.log(QStringLiteral("Aloitetaan tuoteryhmien päivitys"));
+    attempt(run, {QStringLiteral("Virhe tuoteryhmän päivityksessä: ")},
+            [&] { updateProductGroups(run); });
+    attempt(run, {QStringLiteral("Virhe alvien muutoksessa ->")}, [&] { updateStorePrices(run); });
+    if (run.stopRequested())
+        return;
+    run.ports.log(QStringLiteral("Aloitetaan tuotteiden päivitys"));
+    const bool converted = attempt(run, {QStringLiteral("Virhe tuotetietojen muutoksessa -> ")},
+                                   [&] { convertProducts(run, quantityDiscountColumns); });
+    if (!converted) {
+        run.ports.log(QStringLiteral("Ennen virhettä muutettiin tuotteita ") +
+                      QString::number(run.result.products) + QStringLiteral(" kpl"));
+    }
+    run.done +=
+        QStringLiteral("tuotteet ") + QString::number(run.result.products) + QStringLiteral(" kpl");
+}
+
+void convertOrders(RunContext& run) {
+    if (run.definition.salesOrders) {
+        attempt(run, {QStringLiteral("Virhe myyntitilausten päivityksessä: ")},
+                [&] { convertSalesOrders(run); });
+    }
+    if (run.definition.purchaseOrders) {
+        attempt(run, {QStringLiteral("Virhe ostotilausten päivityksessä: ")},
+                [&] { convertPurchaseOrders(run); });
+    }
+}
+
+void writeMark(RunContext& run) {
+    if (!company::programWritesMark(run.ports.programFileName()))
+        return;
+    guarded(run, {QStringLiteral("Virhe ajomerkinnän kirjoituksessa: ")}, [&] {
+        company::writeExecutionMark(run.database, data::Clock::now());
+        run.result.markWritten = true;
+    });
+}
+
+void reportStop(RunContext& run) {
+    QString text = QStringLiteral("Ajo keskeytettiin. ");
+    if (run.done.isEmpty())
+        text += QStringLiteral("Mitään ei ehditty muuttaa.");
+    else
+        text += QStringLiteral("Tehdyt muutokset jäävät voimaan: ") +
+                run.done.join(QStringLiteral(", ")) + u'.';
+    run.ports.NaytaViesti(text);
+}
+
+void runSteps(RunContext& run) {
+    const RunInProgress inProgress(run);
+    const bool quantityDiscountColumns = prepareShelfLabels(run);
+    run.ports.log(QStringLiteral("Aloitetaan taksavaiheet, parametrit ->"));
+    run.ports.log(QStringLiteral("Rajaus: ") + run.condition + QStringLiteral(" Pyöristys: ") +
+                  roundingText(run.definition));
+    run.ports.log(QStringLiteral("Aloitetaan taksavaihe"));
+    convertDependentTables(run);
+    if (run.definition.products)
+        convertProductsAndGroups(run, quantityDiscountColumns);
+    convertOrders(run);
+    if (run.definition.checkProductCodes) {
+        attempt(run, {QStringLiteral("Virhe tuotekoodien tarkastuksessa: ")}, [&] {
+            run.ports.status(QStringLiteral("Tarkastetaan verkkokauppatuotteiden tuotekoodit"));
+            checkProductCodes(run);
+        });
+    }
+    if (run.stopRequested())
+        reportStop(run);
+    else
+        writeMark(run);
+}
+
+/// Claims the company for this run. @return false, the reason shown, when that is not possible.
+bool claimCompany(data::Database& database, RunPorts& ports) {
+    try {
+        if (database.beginRun())
+            return true;
+        ports.NaytaViesti(QStringLiteral(
+            "Yrityksen toinen ajo on kesken. Tätä ajoa ei aloiteta; yritä uudestaan, "
+            "kun se on päättynyt."));
+    } catch (const std::exception& error) {
+        ports.NaytaViesti(QStringLiteral("Ajoa ei voi aloittaa: ") + errorText(error));
+    }
+    return false;
+}
+
+void releaseCompany(data::Database& database, RunPorts& ports) {
+    try {
+        database.endRun();
+    } catch (const std::exception& error) {
+        ports.log(QStringLiteral("Virhe ajon lopetuksessa: ") + errorText(error));
+    }
+}
+
+}  // namespace
+
+RunResult runChange(data::Database& database, const ChangeDefinition& definition, RunPorts& ports) {
+    RunResult result;
+    if (!claimCompany(database, ports)) {
+        result.refused = true;
+        return result;
+    }
+    RunContext run(database, definition, ports, result);
+    if (checkDefinition(run))
+        runSteps(run);
+    else
+        result.refused = true;
+    releaseCompany(database, ports);
+    return result;
+}
+
+}  // namespace vatchange

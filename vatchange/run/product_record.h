@@ -1,0 +1,54 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+
+#include "data/engine.h"
+#include "vatchange/rules/price_rules.h"
+#include "vatchange/rules/statements.h"
+
+namespace vatchange {
+
+/// What the conversion reads of a locked product record.
+struct LockedProduct {
+    ProductPrices prices;
+    ClassFields classes;  ///< which class fields hold the source class
+    qint64 labels = 0;    ///< HRKPL
+    bool inWebShop = false;
+};
+
+/// The product records: locks one by its number and reads it while the lock is held.
+class ProductRecords {
+  public:
+    static constexpr std::chrono::milliseconds kLockWait{2000};
+
+    /// @throws data::DataError when the table or one of its fields is missing.
+    ProductRecords(data::Database& database, int sourceClass);
+
+    enum class Outcome { Locked, HeldByOther, Gone };
+    /// Locks the product and reads it. After Locked the lock is held until release().
+    Outcome lock(const QString& number, LockedProduct& product);
+    void release();
+
+  private:
+    int requireField(const char* name) const;
+    double amount(int field, const QByteArray& record) const;
+    qint64 integer(int field, const QByteArray& record) const;
+    void read(const QByteArray& record, LockedProduct& product) const;
+
+    std::unique_ptr<data::RecordFile> m_file;
+    int m_sourceClass;
+    std::array<int, kPriceLevels> m_levels{};
+    int m_averagePurchase;
+    int m_portion;
+    int m_lastPurchase;
+    int m_salesClass;
+    int m_secondClass;
+    int m_purchaseClass;
+    int m_labels;
+    int m_webShop;
+    std::optional<data::RecordId> m_locked;
+};
+
+}  // namespace vatchange

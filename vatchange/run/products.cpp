@@ -1,0 +1,179 @@
+#include <array>
+#include <memory>
+
+#include "data/clock.h"
+#include "vatchange/rules/log_texts.h"
+#include "vatchange/rules/statements.h"
+#include "vatchange/run/product_record.h"
+#include "vatchange/run/run_context.h"
+#include "vatchange/run/shelf_labels.h"
+#include "vatchange/run/webshop_marks.h"
+
+namespace vatchange {
+
+namespace {
+
+/// One prepared UPDATE of a product with its parameters at hand.
+class PreparedUpdate {
+  public:
+    PreparedUpdate(data::Database& database, const QString& text, const PriceRules& rules)
+        : m_query(&database) {
+        m_query.sql().add(text);
+        for (int level = 1; level <= kPriceLevels; ++level) {
+            const auto index = static_cast<size_t>(level - 1);
+            if (rules.sources()[index] > 0)
+                m_levels[index] = &m_query.paramByName(levelParameter(level));
+        }
+        m_averagePurchase = m_query.findParam(QStringLiteral("OSTOHINTA"));
+        m_portion = m_query.findParam(QStringLiteral("ANNOSHINTA"));
+        m_lastPurchase = m_query.findParam(QStringLiteral("VIIMOSTOHINTA"));
+        m_number = &m_query.paramByName(QStringLiteral("TUOTENRO"));
+    }
+
+    void run(const QString& number, const ProductPrices& prices) {
+        for (size_t i = 0; i < m_levels.size(); ++i)
+            set(m_levels[i], prices.levels[i]);
+        set(m_averagePurchase, prices.averagePurchase);
+        set(m_portion, prices.portion);
+        set(m_lastPurchase, prices.lastPurchase);
+        m_number->setString(number);
+        m_query.execSql();
+    }
+
+  private:
+    static void set(data::TParam* parameter, double value) {
+        if (parameter)
+            parameter->setFloat(value);
+    }
+
+    data::TUniQuery m_query;
+    std::array<data::TParam*, kPriceLevels> m_levels{};
+    data::TParam* m_averagePurchase;
+    data::TParam* m_portion;
+    data::TParam* m_lastPurchase;
+    data::TParam* m_number;
+};
+
+/// The UPDATEs of a run. Their texts differ by which class fields move (and at midnight by the
+/// date), so a handful of prepared statements serves all products.
+class ProductUpdates {
+  public:
+    explicit ProductUpdates(RunContext& run) : m_run(run) {}
+
+    PreparedUpdate& of(const ClassFields& classes) {
+        const QDate today = data::Clock::today();
+        if (today != m_day) {
+            m_updates = {};
+            m_day = today;
+        }
+        auto& update = m_updates[(classes.sales ? 1U : 0U) + (classes.second ? 2U : 0U) +
+                                 (classes.purchase ? 4U : 0U)];
+        if (!update) {
+            update = std::make_unique<PreparedUpdate>(
+                m_run.database, productUpdate(m_run.definition, classes, today), m_run.prices);
+        }
+        return *update;
+    }
+
+  private:
+    RunContext& m_run;
+    QDate m_day;
+    std::array<std::unique_ptr<PreparedUpdate>, 8> m_updates;
+};
+
+/// Releases the record lock on every way out.
+class LockRelease {
+  public:
+    explicit LockRelease(ProductRecords& records) : m_records(records) {}
+    ~LockRelease() { m_records.release(); }
+    LockRelease(const LockRelease&) = delete;
+    LockRelease& operator=(const LockRelease&) = delete;
+
+  private:
+    ProductRecords& m_records;
+};
+
+/// The products step of one run.
+class ProductConversion {
+  public:
+    ProductConversion(RunContext& run, bool quantityDiscountColumns)
+        : m_run(run),
+          m_records(run.database, run.definition.sourceClass),
+          m_updates(run),
+          m_labels(run.database, run.ports, quantityDiscountColumns),
+          m_marks(run.database, run.ports) {}
+
+    /// @return false when the step must end.
+    bool convert(const QString& number) {
+        m_run.ports.status(QStringLiteral("Tuote ") + number);
+        LockedProduct product;
+        ProductPrices converted;
+        if (!update(number, product, converted))
+            return true;
+        // changed from here on, whatever happens to its label
+        ++m_run.result.products;
+        if (m_run.definition.productLog)
+            m_run.ports.log(productLine(number, m_run.prices, product.prices, converted));
+        if (!m_run.definition.leaveWebShop && product.inWebShop)
+            m_marks.mark(number, u'M');
+        if (m_run.definition.writeShelfLabels && product.labels > 0)
+            return m_labels.write(number, product.labels);
+        return true;
+    }
+
+    bool hasFailures() const { return m_labels.failed() || m_marks.failed(); }
+
+  private:
+    /// @return false when the product was passed over.
+    bool update(const QString& number, LockedProduct& product, ProductPrices& converted) {
+        switch (m_records.lock(number, product)) {
+            case ProductRecords::Outcome::Gone:
+                return false;
+            case ProductRecords::Outcome::HeldByOther:
+                m_run.ports.log(QStringLiteral("Virhe tuotteen päivityksessä: ") + number +
+                                QStringLiteral(" tuotetta ei voi muokata"));
+                ++m_run.result.skippedProducts;
+                return false;
+            case ProductRecords::Outcome::Locked:
+                break;
+        }
+        const LockRelease release(m_records);
+        if (!product.classes.any())
+            return false;
+        converted = m_run.prices.convert(product.prices);
+        m_updates.of(product.classes).run(number, converted);
+        return true;
+    }
+
+    RunContext& m_run;
+    ProductRecords m_records;
+    ProductUpdates m_updates;
+    ShelfLabels m_labels;
+    WebShopMarks m_marks;
+};
+
+}  // namespace
+
+void convertProducts(RunContext& run, bool quantityDiscountColumns) {
+    run.ports.status(QStringLiteral("Päivitetään tuotteet"));
+    data::TUniQuery rows(&run.database);
+    rows.sql().add(productQuery(run.condition));
+    rows.open();
+    const auto& number = rows.fieldByName(QStringLiteral("NUMERO"));
+    ProductConversion conversion(run, quantityDiscountColumns);
+    const qint64 total = rows.recordCount();
+    qint64 visited = 0;
+    for (; !rows.eof() && !run.stopRequested(); rows.next()) {
+        if (!conversion.convert(number.asString()))
+            break;
+        run.ports.progress(++visited, total);
+    }
+    if (conversion.hasFailures())
+        ++run.result.failedSteps;
+    if (!run.result.cancelled) {
+        run.ports.NaytaViesti(QStringLiteral("Tuotetiedot muutettu ( ") +
+                              QString::number(run.result.products) + QStringLiteral(" kpl)"));
+    }
+}
+
+}  // namespace vatchange

@@ -1,0 +1,47 @@
+#include "vatchange/run/run_context.h"
+
+#include "vatchange/rules/selection.h"
+#include "vatchange/rules/statements.h"
+
+namespace vatchange {
+
+VatClasses VatClasses::read(data::Database& database) {
+    data::TUniQuery query(&database);
+    query.sql().add(kVatClassQuery);
+    query.open();
+    VatClasses classes;
+    const auto& number = query.fieldByName(QStringLiteral("luokka"));
+    const auto& rate = query.fieldByName(QStringLiteral("Prosentti"));
+    for (; !query.eof(); query.next())
+        classes.m_rates.emplace(number.asInteger(), rate.asFloat());
+    return classes;
+}
+
+double VatClasses::ratePercent(int vatClass) const {
+    const auto found = m_rates.find(vatClass);
+    return found == m_rates.end() ? 0.0 : found->second;
+}
+
+RunContext::RunContext(data::Database& companyDatabase, const ChangeDefinition& change,
+                       RunPorts& runPorts, RunResult& runResult)
+    : database(companyDatabase),
+      definition(change),
+      ports(runPorts),
+      result(runResult),
+      prices(change),
+      condition(selectionCondition(change)) {}
+
+bool RunContext::stopRequested() {
+    ports.breathe();
+    if (ports.cancelled())
+        result.cancelled = true;
+    return result.cancelled;
+}
+
+QString errorText(const std::exception& error) {
+    if (const auto* dataError = dynamic_cast<const data::DataError*>(&error))
+        return dataError->finnish();
+    return QString::fromUtf8(error.what());
+}
+
+}  // namespace vatchange

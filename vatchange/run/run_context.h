@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <exception>
+#include <map>
+
+#include "data/engine.h"
+#include "data/sql/uni_query.h"
+#include "vatchange/rules/change_definition.h"
+#include "vatchange/rules/price_rules.h"
+#include "vatchange/run/change_run.h"
+#include "vatchange/run/run_ports.h"
+
+namespace vatchange {
+
+/// The company's VAT classes, read once at the start of a run: rate in percent by class number.
+class VatClasses {
+  public:
+    static VatClasses read(data::Database& database);
+
+    bool exists(int vatClass) const { return m_rates.count(vatClass) > 0; }
+    double ratePercent(int vatClass) const;  ///< 0 for a class that there is not
+
+  private:
+    std::map<qint64, double> m_rates;
+};
+
+/// What the steps of one run share.
+struct RunContext {
+    RunContext(data::Database& companyDatabase, const ChangeDefinition& change, RunPorts& runPorts,
+               RunResult& runResult);
+
+    data::Database& database;
+    const ChangeDefinition& definition;
+    RunPorts& ports;
+    RunResult& result;
+    const PriceRules prices;
+    const QString condition;    ///< product selection
+    VatClasses classes;         ///< known once the checks have passed
+    double targetFactor = 1.0;  ///< VAT factor of the target class
+    QStringList done;           ///< what each step has changed, for the message of a stopped run
+
+    /// Between two rows: lets window messages be processed, then tells whether to stop.
+    bool stopRequested();
+
+    /// Walks an open query's rows; stops when the user does. @return rows visited.
+    template <typename Row>
+    qint64 walk(data::TUniQuery& query, Row&& row) {
+        const qint64 total = query.recordCount();
+        qint64 visited = 0;
+        for (; !query.eof() && !stopRequested(); query.next()) {
+            row();
+            ports.progress(++visited, total);
+        }
+        return visited;
+    }
+};
+
+/// An error in Finnish, for messages and the log.
+QString errorText(const std::exception& error);
+
+// The steps, in the order in which a run takes them. A failure is thrown out of the step; rows
+// changed before it stay changed.
+
+/// Early date and VAT classes. @return false when the run must not start; the reason has been
+/// shown. Reads the VAT classes.
+bool checkDefinition(RunContext& run);
+
+void convertCustomerPriceLists(RunContext& run);
+void convertCampaigns(RunContext& run);
+void convertRecurringInvoices(RunContext& run);
+void convertQuantityDiscounts(RunContext& run);
+void updateProductGroups(RunContext& run);
+void updateStorePrices(RunContext& run);
+/// `quantityDiscountColumns`: the label table has the columns of quantity discounts.
+void convertProducts(RunContext& run, bool quantityDiscountColumns);
+void convertSalesOrders(RunContext& run);
+void convertPurchaseOrders(RunContext& run);
+void checkProductCodes(RunContext& run);
+
+}  // namespace vatchange

@@ -1,0 +1,53 @@
+#include "vatchange/run/shelf_labels.h"
+
+#include "vatchange/rules/statements.h"
+#include "vatchange/run/run_context.h"
+
+namespace vatchange {
+
+namespace {
+
+void bind(data::TUniQuery& query, const QString& number, qint64 labels) {
+    query.paramByName(QStringLiteral("maara")).setInteger(labels);
+    query.paramByName(QStringLiteral("tuote")).setString(number);
+}
+
+}  // namespace
+
+bool hasQuantityDiscountColumns(data::Database& database) {
+    data::TUniQuery columns(&database);
+    columns.sql().add(kLabelColumnsQuery);
+    columns.open();
+    return columns.findField(QStringLiteral("maaraalehinta")) != nullptr;
+}
+
+ShelfLabels::ShelfLabels(data::Database& database, RunPorts& ports, bool quantityDiscountColumns)
+    : m_ports(ports), m_update(&database), m_insert(&database) {
+    m_update.sql().add(labelUpdate(quantityDiscountColumns));
+    m_insert.sql().add(kLabelInsert);
+}
+
+bool ShelfLabels::write(const QString& number, qint64 labels) {
+    try {
+        bind(m_update, number, labels);
+        if (m_update.execSql() > 0)
+            return true;
+    } catch (const std::exception& error) {
+        return goOnAfter(QStringLiteral("Virhe hr päivityksessä "), error);
+    }
+    try {
+        bind(m_insert, number, labels);
+        m_insert.execSql();
+        return true;
+    } catch (const std::exception& error) {
+        return goOnAfter(QStringLiteral("Virhe hr lisäyksessä "), error);
+    }
+}
+
+bool ShelfLabels::goOnAfter(const QString& text, const std::exception& error) {
+    m_failed = true;
+    m_ports.NaytaViesti(text + errorText(error));
+    return !m_ports.unattended() && m_ports.ask(QStringLiteral("Jatketaanko? "));
+}
+
+}  // namespace vatchange
