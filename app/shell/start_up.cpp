@@ -1,0 +1,174 @@
+#include "app/shell/start_up.h"
+
+#include <QDialog>
+#include <QTextStream>
+#include <memory>
+
+#include "app/company/command_line.h"
+#include "app/company/company.h"
+#include "app/company/connection_module.h"
+#include "app/company/logs.h"
+#include "app/shell/build_stamp.h"
+#include "app/shell/main_form.h"
+#include "framework/ui/company_choice.h"
+#include "framework/ui/dialogs.h"
+#include "framework/ui/splash.h"
+
+namespace shell {
+
+namespace {
+
+constexpr int kSplashProgressMaximum = 100;
+constexpr int kSplashProgressAtStart = 20;
+
+const QString kHelp = QStringLiteral(
+    "Taksavaihe - alv-luokkien ja hintojen muutokset\n"
+    "\n"
+    "Käyttö: taksavaihe [YRITYS] [/E] [/U] [/EP]\n"
+    "\n"
+    "  YRITYS            yrityksen nimi; ilman sitä yritys valitaan luettelosta\n"
+    "  /E                eräajo: ajaa talletetut määrittelyt ilman käyttäjää ja lopettaa\n"
+    "  /U                ajaa muutoksen, vaikka se on jo kertaalleen ajettu\n"
+    "  /EP               jättää päivämäärän tarkastuksen tekemättä\n"
+    "  /unimonitor       jäljittää kaikki SQL-lauseet\n"
+    "  /uniquerydebug    jäljittää kyselyt\n"
+    "  /UNIDACDEBUG      jäljittää kyselyt parametreineen (ei ensimmäisenä parametrina)\n"
+    "  --help, --version\n"
+    "\n"
+    "Eräajon paluuarvo: 0 kaikki onnistui, 1 määrittely hylättiin tai jokin epäonnistui,\n"
+    "2 yritystä, sen tietokantaa tai eräajon määrittelyä ei löydy, 3 muutos on jo ajettu.\n");
+
+bool anyOf(const QStringList& parameters, std::initializer_list<const char*> wanted) {
+    for (const char* text : wanted) {
+        if (parameters.contains(QLatin1String(text), Qt::CaseInsensitive))
+            return true;
+    }
+    return false;
+}
+
+int tell(ExitStatus status, const QString& text) {
+    QTextStream(stderr) << text << '\n';
+    return static_cast<int>(status);
+}
+
+// The parameter that was meant as the company's name, for the error text.
+QString wantedCompany() {
+    for (const QString& parameter : company::parameters()) {
+        if (!parameter.startsWith(QLatin1Char('/')) && !parameter.startsWith(QLatin1Char('-')))
+            return parameter;
+    }
+    return {};
+}
+
+// Nobody is there to answer a dialog.
+bool unattended() {
+    return company::hasSwitch(QStringLiteral("/E")) || !framework::Dialogs::someoneThere();
+}
+
+// Shows why the program cannot start, or writes it to standard error. @return the exit status.
+int refuse(ExitStatus status, const QString& text) {
+    if (unattended())
+        return tell(status, text);
+    framework::Dialogs::error(nullptr, text);
+    return static_cast<int>(status);
+}
+
+enum class Choice { Made, Cancelled, Impossible };
+
+Choice chooseCompany() {
+    framework::TYritysValinta choice;
+    if (choice.OnParametrina())
+        return Choice::Made;
+    if (unattended())
+        return Choice::Impossible;
+    return choice.exec() == QDialog::Accepted ? Choice::Made : Choice::Cancelled;
+}
+
+}  // namespace
+
+QString answerWithoutWindows(const QStringList& parameters) {
+    if (anyOf(parameters, {"--help", "-h", "/?"}))
+        return kHelp;
+    if (anyOf(parameters, {"--version"}))
+        return QStringLiteral("Taksavaihe ") + buildStamp() + QLatin1Char('\n');
+    return {};
+}
+
+bool preparePlatform(const QStringList& parameters, QString& problem) {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    const bool chosen = !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
+                        anyOf(parameters, {"-platform", "--platform"});
+    const bool display =
+        !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (chosen || display)
+        return true;
+    if (company::hasSwitch(QStringLiteral("/E"))) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        return true;
+    }
+    problem = QStringLiteral(
+        "Näyttöä ei ole (DISPLAY tai WAYLAND_DISPLAY). Ilman näyttöä ohjelma toimii eräajona: "
+        "taksavaihe YRITYS /E");
+    return false;
+#else
+    Q_UNUSED(parameters);
+    Q_UNUSED(problem);
+    return true;
+#endif
+}
+
+int runProgram(QApplication& application) {
+    const bool batch = company::hasSwitch(QStringLiteral("/E"));
+    company::setLogErrorReport([](const QString& text) { QTextStream(stderr) << text << '\n'; });
+    company::TZavDbConnectionModule::setNotice(framework::showNotice);
+
+    auto splash = std::make_unique<framework::TZAVLogoForm>();
+    splash->AsetaTiedot(QStringLiteral("Taksavaihe 1.9.2024"), QStringLiteral("4.0beta"));
+    splash->progressBar()->setMaximum(kSplashProgressMaximum);
+    splash->showNow();
+    splash->progressBar()->setValue(kSplashProgressAtStart);
+
+    try {
+        switch (chooseCompany()) {
+            case Choice::Made:
+                break;
+            case Choice::Cancelled:
+                return static_cast<int>(ExitStatus::Done);
+            case Choice::Impossible:
+                return tell(ExitStatus::Unavailable,
+                            QStringLiteral("Yritystä ei löydy: ") + wantedCompany());
+        }
+    } catch (const std::exception& e) {
+        splash.reset();
+        return refuse(ExitStatus::Unavailable, framework::errorText(e));
+    }
+    splash->repaint();
+
+    try {
+        company::companyDatabase();
+    } catch (const std::exception& e) {
+        splash.reset();
+        return refuse(ExitStatus::Unavailable, framework::errorText(e));
+    }
+
+    TMainForm mainForm;
+    mainForm.BatchMode = batch;
+    try {
+        mainForm.alusta();
+    } catch (const std::exception& e) {
+        splash.reset();
+        const QString text = framework::errorText(e);
+        if (unattended()) {
+            company::WriteAlvMuutosLog(text);
+            return tell(ExitStatus::Failed, text);
+        }
+        framework::Dialogs::error(&mainForm, text);
+    }
+    splash.reset();
+    QApplication::setQuitOnLastWindowClosed(false);  // the main window ends the program
+    mainForm.showCompany();
+    mainForm.show();
+    return application.exec();
+}
+
+}  // namespace shell

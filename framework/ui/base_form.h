@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QComboBox>
+#include <QMap>
+#include <QPushButton>
+#include <QWidget>
+
+#include "framework/core/definition_store.h"
+#include "framework/ui/control_values.h"
+
+namespace framework {
+
+/// Base of the forms whose controls make a definition that can be saved, loaded and carried out:
+/// the definition choice `LatausCombo` and the buttons `Talletus`, `Esikatsele`, `Tulosta` and
+/// `Pdf`. A descendant builds its controls, places these, and calls restoreLastState() at the end
+/// of its creation.
+class TPerusForm : public QWidget {
+    Q_OBJECT
+  public:
+    /// `formName` is the form's object name and the name of its definitions in the store.
+    explicit TPerusForm(const QString& formName, QWidget* parent = nullptr);
+
+    QString formName() const { return objectName(); }
+    QComboBox* LatausCombo;
+    QPushButton* Talletus;
+    QPushButton* Esikatsele;
+    QPushButton* Tulosta;
+    QPushButton* Pdf;
+
+    /// The definition now in the controls, as loaded or saved last; no name when none was.
+    const SavedDefinition& loadedDefinition() const { return m_loaded; }
+    /// What the controls say, under a name and description.
+    SavedDefinition currentDefinition(const QString& name, const QString& description) const;
+
+    /// Puts a definition into the controls; what could not be read is reported.
+    void applyDefinition(const SavedDefinition& definition);
+    /// Called by the definition window after it has saved or deleted.
+    void definitionsChanged(const SavedDefinition& saved);
+    /// Reads the names of the saved definitions into LatausCombo.
+    void refreshNames();
+
+  protected:
+    /// Remembers the present values as the controls' defaults and loads "Normaali" if there is one.
+    void restoreLastState();
+    /// After every load: the form refreshes what depends on its controls.
+    virtual void afterLoad() {}
+    /// Before the controls are saved, reported or carried out: whether the text being typed can be
+    /// taken. A form that refuses tells why.
+    virtual bool acceptTyped() { return true; }
+    /// Reports a text to the person, or to the log when nobody is there.
+    virtual void NaytaViesti(const QString& text);
+    /// The report that `Pdf` writes, as HTML.
+    virtual QString reportHtml() const { return {}; }
+
+  private:
+    void LatausComboActivated();
+    void TalletusClick();
+    void PdfClick();
+
+    QMap<QString, QString> m_defaults;
+    SavedDefinition m_loaded;
+};
+
+}  // namespace framework

@@ -1,0 +1,139 @@
+#include "framework/ui/company_choice.h"
+
+#include <QDir>
+#include <QHeaderView>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+#include "app/company/aliases.h"
+#include "app/company/command_line.h"
+#include "app/company/company.h"
+#include "framework/ui/dialogs.h"
+
+namespace framework {
+
+namespace {
+constexpr int kNameColumn = 0;
+constexpr int kFolderColumn = 1;
+}  // namespace
+
+TYritysValinta::TYritysValinta(QWidget* parent)
+    : QDialog(parent), m_list(new QTreeWidget(this)), m_hint(new QLabel(this)) {
+    setObjectName(QStringLiteral("YritysValinta"));
+    setWindowTitle(QStringLiteral("Yrityksen valinta"));
+
+    auto* heading = new QLabel(QStringLiteral("&Valitse yritys, jonka tietoja muutetaan:"), this);
+    heading->setBuddy(m_list);
+
+    m_list->setObjectName(QStringLiteral("YritysLista"));
+    m_list->setColumnCount(2);
+    m_list->setHeaderLabels({QStringLiteral("Yritys"), QStringLiteral("Kansio")});
+    m_list->setRootIsDecorated(false);
+    m_list->setUniformRowHeights(true);
+    m_list->setAlternatingRowColors(true);
+    m_list->setAllColumnsShowFocus(true);
+    m_list->setAccessibleName(QStringLiteral("Yritykset"));
+    m_list->header()->setStretchLastSection(true);
+
+    m_hint->setWordWrap(true);
+    m_hint->setTextFormat(Qt::PlainText);
+
+    auto* refreshButton = new QPushButton(QStringLiteral("&Päivitä (F5)"), this);
+    refreshButton->setObjectName(QStringLiteral("PaivitaButton"));
+    refreshButton->setAutoDefault(false);
+    m_choose = new QPushButton(QStringLiteral("V&alitse"), this);
+    m_choose->setObjectName(QStringLiteral("ValitseButton"));
+    m_choose->setDefault(true);
+    auto* cancel = new QPushButton(QStringLiteral("Pe&ruuta"), this);
+    cancel->setObjectName(QStringLiteral("PeruutaButton"));
+    cancel->setAutoDefault(false);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(refreshButton);
+    buttons->addStretch();
+    buttons->addWidget(m_choose);
+    buttons->addWidget(cancel);
+
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(12, 12, 12, 12);
+    column->addWidget(heading);
+    column->addWidget(m_list, 1);
+    column->addWidget(m_hint);
+    column->addLayout(buttons);
+    resize(620, 380);
+
+    connect(m_list, &QTreeWidget::itemActivated, this, &TYritysValinta::choose);
+    connect(m_list, &QTreeWidget::currentItemChanged, this, &TYritysValinta::updateButtons);
+    connect(m_choose, &QPushButton::clicked, this, &TYritysValinta::choose);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(refreshButton, &QPushButton::clicked, this, &TYritysValinta::refresh);
+    connect(new QShortcut(QKeySequence(Qt::Key_F5), this), &QShortcut::activated, this,
+            &TYritysValinta::refresh);
+    refresh();
+    m_list->setFocus();
+}
+
+bool TYritysValinta::OnParametrina() {
+    for (const QString& parameter : company::parameters()) {
+        for (int row = 0; row < m_list->topLevelItemCount(); ++row) {
+            const QString name = m_list->topLevelItem(row)->text(kNameColumn);
+            if (!company::sameIgnoringAsciiCase(parameter, name))
+                continue;
+            m_list->setCurrentItem(m_list->topLevelItem(row));
+            return company::takeIntoUse(name);
+        }
+    }
+    return false;
+}
+
+void TYritysValinta::refresh() {
+    const QString chosen =
+        m_list->currentItem() != nullptr ? m_list->currentItem()->text(kNameColumn) : QString();
+    m_list->clear();
+    QString problem;
+    try {
+        for (const QString& name : company::aliasNames()) {
+            const auto alias = company::findAlias(name);
+            auto* row = new QTreeWidgetItem(
+                m_list, {name, alias ? QDir::toNativeSeparators(alias->physicalName) : QString()});
+            row->setToolTip(kFolderColumn, row->text(kFolderColumn));
+            if (name == chosen)
+                m_list->setCurrentItem(row);
+        }
+    } catch (const std::exception& e) {
+        problem = errorText(e);
+    }
+    if (m_list->currentItem() == nullptr && m_list->topLevelItemCount() > 0)
+        m_list->setCurrentItem(m_list->topLevelItem(0));
+    m_list->resizeColumnToContents(kNameColumn);
+    m_list->setColumnWidth(kNameColumn, qMax(200, m_list->columnWidth(kNameColumn) + 16));
+
+    if (problem.isEmpty() && m_list->topLevelItemCount() == 0) {
+        problem = QStringLiteral(
+            "Yhtään yritystä ei ole. Luo yritys komennolla \"zavdb create NIMI KANSIO\" tai "
+            "esimerkkiyritys komennolla \"zavdb demo NIMI KANSIO\" ja päivitä luettelo (F5).");
+    }
+    m_hint->setText(problem);
+    m_hint->setVisible(!problem.isEmpty());
+    updateButtons();
+}
+
+void TYritysValinta::choose() {
+    if (m_list->currentItem() == nullptr)
+        return;
+    const QString name = m_list->currentItem()->text(kNameColumn);
+    reportErrors(this, [this, &name] {
+        if (company::takeIntoUse(name)) {
+            accept();
+            return;
+        }
+        Dialogs::warning(this, QStringLiteral("Yritystä \"%1\" ei enää ole.").arg(name));
+        refresh();
+    });
+}
+
+void TYritysValinta::updateButtons() {
+    m_choose->setEnabled(m_list->currentItem() != nullptr);
+}
+
+}  // namespace framework

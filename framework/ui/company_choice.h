@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QDialog>
+#include <QLabel>
+#include <QPushButton>
+#include <QTreeWidget>
+
+namespace framework {
+
+/// The company choice dialog: the registered companies with their folders. F5 reads the list again,
+/// double click and Enter choose, typing finds a name.
+class TYritysValinta : public QDialog {
+    Q_OBJECT
+  public:
+    explicit TYritysValinta(QWidget* parent = nullptr);
+
+    /// Takes the company into use that the command line names: the first parameter that equals a
+    /// company's name, the case of a to z ignored. @return false when no parameter does.
+    bool OnParametrina();
+
+  private:
+    void refresh();
+    void choose();
+    void updateButtons();
+
+    QTreeWidget* m_list;
+    QLabel* m_hint;
+    QPushButton* m_choose;
+};
+
+}  // namespace framework

@@ -1,0 +1,229 @@
+#include "framework/ui/value_edits.h"
+
+#include <QAction>
+#include <QCalendarWidget>
+#include <QDragEnterEvent>
+#include <QFocusEvent>
+#include <QIcon>
+#include <QKeyEvent>
+#include <QLocale>
+#include <QMenu>
+#include <QMimeData>
+#include <QRegularExpressionValidator>
+#include <QStyle>
+#include <QWidgetAction>
+#include <cmath>
+
+namespace framework {
+
+void ExitEdit::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    switch (event->reason()) {
+        case Qt::ActiveWindowFocusReason:
+        case Qt::PopupFocusReason:
+        case Qt::MenuBarFocusReason:
+            return;
+        default:
+            commit();
+            Q_EMIT exited();
+    }
+}
+
+bool TextEdit::setSavedValue(const QString& value) {
+    setText(value);
+    return true;
+}
+
+NumberEdit::NumberEdit(int maxDigits, QWidget* parent) : ExitEdit(parent), m_maxDigits(maxDigits) {
+    setValidator(new QRegularExpressionValidator(
+        QRegularExpression(QStringLiteral("[0-9]{0,%1}").arg(maxDigits)), this));
+    setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    setText(QStringLiteral("0"));
+}
+
+bool NumberEdit::isNumber(const QString& text) const {
+    static const QRegularExpression kDigits(QStringLiteral("^[0-9]+$"));
+    return text.size() <= m_maxDigits && kDigits.match(text).hasMatch();
+}
+
+bool NumberEdit::setSavedValue(const QString& value) {
+    const QString trimmed = value.trimmed();
+    if (!trimmed.isEmpty() && !isNumber(trimmed))
+        return false;
+    setText(trimmed);
+    return true;
+}
+
+void NumberEdit::commit() {
+    setValue(value());
+}
+
+void NumberEdit::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasText() && isNumber(event->mimeData()->text().trimmed()))
+        event->acceptProposedAction();
+}
+
+void NumberEdit::dropEvent(QDropEvent* event) {
+    const QString dropped = event->mimeData()->text().trimmed();
+    if (!isNumber(dropped))
+        return;
+    setText(dropped);
+    event->acceptProposedAction();
+}
+
+DecimalEdit::DecimalEdit(int decimals, double value, QWidget* parent)
+    : ExitEdit(parent), m_decimals(decimals), m_value(value) {
+    setValidator(new QRegularExpressionValidator(
+        QRegularExpression(QStringLiteral("[0-9]{0,12}([.,][0-9]{0,%1})?").arg(decimals)), this));
+    setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    setText(shown(value));
+    connect(this, &QLineEdit::textEdited, this, &DecimalEdit::readTyped);
+}
+
+QString DecimalEdit::shown(double value) const {
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator);
+    QString text = locale.toString(value, 'f', m_decimals);
+    const QString point = locale.decimalPoint();
+    if (!text.contains(point))
+        return text;
+    while (text.endsWith(locale.zeroDigit()))
+        text.chop(1);
+    if (text.endsWith(point))
+        text.chop(point.size());
+    return text;
+}
+
+void DecimalEdit::setValue(double value) {
+    m_value = value;
+    m_readable = true;
+    setText(shown(value));
+}
+
+void DecimalEdit::readTyped(const QString& typed) {
+    QString text = typed.trimmed();
+    text.replace(QLatin1Char(','), QLatin1Char('.'));
+    const double number = text.toDouble(&m_readable);
+    if (m_readable)
+        m_value = number;
+}
+
+QString DecimalEdit::savedValue() const {
+    return QString::number(m_value, 'g', QLocale::FloatingPointShortest);
+}
+
+bool DecimalEdit::setSavedValue(const QString& value) {
+    bool ok = false;
+    const double number = value.trimmed().toDouble(&ok);
+    if (!ok || !std::isfinite(number))
+        return false;
+    setValue(number);
+    return true;
+}
+
+void DecimalEdit::commit() {
+    if (m_readable)
+        setText(shown(m_value));
+}
+
+namespace {
+
+int altDigit(const QKeyEvent& event) {
+    const bool onlyAlt = (event.modifiers() & ~Qt::KeypadModifier) == Qt::AltModifier;
+    return onlyAlt && event.key() >= Qt::Key_0 && event.key() <= Qt::Key_9 ? event.key() - Qt::Key_0
+                                                                           : -1;
+}
+
+}  // namespace
+
+void DecimalEdit::keyPressEvent(QKeyEvent* event) {
+    if (altDigit(*event) >= 0) {
+        event->accept();  // the digit would be typed into the text
+        return;
+    }
+    ExitEdit::keyPressEvent(event);
+}
+
+void DecimalEdit::keyReleaseEvent(QKeyEvent* event) {
+    const int digit = event->isAutoRepeat() ? -1 : altDigit(*event);
+    if (digit >= 0) {
+        event->accept();
+        Q_EMIT altDigitReleased(digit);
+        return;
+    }
+    ExitEdit::keyReleaseEvent(event);
+}
+
+namespace {
+
+// The locale's short date with four digits of the year.
+QString dateFormat() {
+    QString format = QLocale().dateFormat(QLocale::ShortFormat);
+    if (!format.contains(QStringLiteral("yyyy")))
+        format.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
+    return format;
+}
+
+}  // namespace
+
+DateEdit::DateEdit(QWidget* parent) : ExitEdit(parent) {
+    setPlaceholderText(QStringLiteral("pp.kk.vvvv"));
+    QAction* calendar =
+        addAction(style()->standardIcon(QStyle::SP_ArrowDown), QLineEdit::TrailingPosition);
+    calendar->setToolTip(QStringLiteral("Valitse kalenterista"));
+    connect(calendar, &QAction::triggered, this, &DateEdit::pickFromCalendar);
+}
+
+QDate DateEdit::parse(const QString& text) {
+    const QString trimmed = text.trimmed();
+    for (const QString& format :
+         {dateFormat(), QStringLiteral("d.M.yyyy"), QStringLiteral("yyyy-MM-dd")}) {
+        const QDate date = QLocale().toDate(trimmed, format);
+        if (date.isValid())
+            return date;
+    }
+    return {};
+}
+
+void DateEdit::setDate(const QDate& date) {
+    setText(date.isValid() ? QLocale().toString(date, dateFormat()) : QString());
+}
+
+QString DateEdit::savedValue() const {
+    return date().isValid() ? date().toString(QStringLiteral("yyyy-MM-dd")) : QString();
+}
+
+bool DateEdit::setSavedValue(const QString& value) {
+    const QString trimmed = value.trimmed();
+    const QDate date = QDate::fromString(trimmed, QStringLiteral("yyyy-MM-dd"));
+    if (!trimmed.isEmpty() && !date.isValid())
+        return false;
+    setDate(date);
+    return true;
+}
+
+void DateEdit::commit() {
+    if (date().isValid())
+        setDate(date());
+}
+
+void DateEdit::pickFromCalendar() {
+    QMenu popup(this);
+    auto* calendar = new QCalendarWidget(&popup);
+    calendar->setFirstDayOfWeek(Qt::Monday);
+    calendar->setGridVisible(true);
+    if (date().isValid())
+        calendar->setSelectedDate(date());
+    auto* holder = new QWidgetAction(&popup);
+    holder->setDefaultWidget(calendar);
+    popup.addAction(holder);
+    QAction* none = popup.addAction(QStringLiteral("Ei rajausta"));
+    connect(none, &QAction::triggered, this, [this] { clear(); });
+    connect(calendar, &QCalendarWidget::clicked, this, [this, &popup](const QDate& picked) {
+        setDate(picked);
+        popup.close();
+    });
+    popup.exec(mapToGlobal(QPoint(0, height())));
+}
+
+}  // namespace framework

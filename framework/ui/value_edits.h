@@ -1,0 +1,110 @@
+#pragma once
+
+#include <QDate>
+#include <QLineEdit>
+
+#include "framework/ui/saved_control.h"
+
+namespace framework {
+
+/// A line edit that tells when the focus moved on to another control of its window (and not to
+/// another window or a menu).
+class ExitEdit : public QLineEdit {
+    Q_OBJECT
+  public:
+    using QLineEdit::QLineEdit;
+
+  Q_SIGNALS:
+    void exited();
+
+  protected:
+    void focusOutEvent(QFocusEvent* event) override;
+    virtual void commit() {}  ///< tidies the typed text before exited() is told
+};
+
+/// A plain text of a definition.
+class TextEdit : public ExitEdit, public SavedControl {
+    Q_OBJECT
+  public:
+    explicit TextEdit(QWidget* parent = nullptr) : ExitEdit(parent) {}
+    QString savedValue() const override { return text(); }
+    bool setSavedValue(const QString& value) override;
+};
+
+/// A whole number of at most so many digits; an empty text is 0. A number dragged from a search
+/// window replaces the text.
+class NumberEdit : public ExitEdit, public SavedControl {
+    Q_OBJECT
+  public:
+    explicit NumberEdit(int maxDigits, QWidget* parent = nullptr);
+    qint64 value() const { return text().trimmed().toLongLong(); }
+    void setValue(qint64 value) { setText(QString::number(value)); }
+    QString savedValue() const override { return text().trimmed(); }
+    bool setSavedValue(const QString& value) override;
+
+  protected:
+    void commit() override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    bool isNumber(const QString& text) const;
+    int m_maxDigits;
+};
+
+/// A decimal number. It keeps the exact double behind the text: what was set reads back to the last
+/// bit although the text shows fewer decimals. Decimal comma and point are both taken on typing,
+/// the user's locale is shown. Alt and a digit, released with no other modifier, is a shortcut.
+class DecimalEdit : public ExitEdit, public SavedControl {
+    Q_OBJECT
+  public:
+    explicit DecimalEdit(int decimals, double value, QWidget* parent = nullptr);
+    /// The value shown, or, while the text is no number, the last one that was.
+    double value() const { return m_value; }
+    void setValue(double value);
+    bool isReadable() const { return m_readable; }
+
+    /// Shortest decimal form that reads back to the same double, with a decimal point.
+    QString savedValue() const override;
+    bool setSavedValue(const QString& value) override;
+
+  Q_SIGNALS:
+    void altDigitReleased(int digit);
+
+  protected:
+    void commit() override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+
+  private:
+    QString shown(double value) const;
+    void readTyped(const QString& text);
+
+    int m_decimals;
+    double m_value;
+    bool m_readable = true;
+};
+
+/// A date or nothing. Typed in the user's order or as yyyy-mm-dd, or picked from a calendar.
+class DateEdit : public ExitEdit, public SavedControl {
+    Q_OBJECT
+  public:
+    explicit DateEdit(QWidget* parent = nullptr);
+    /// Invalid when the edit is empty or its text is no date.
+    QDate date() const { return parse(text()); }
+    void setDate(const QDate& date);
+    /// False when there is a text that is no date.
+    bool isReadable() const { return text().trimmed().isEmpty() || date().isValid(); }
+
+    QString savedValue() const override;
+    bool setSavedValue(const QString& value) override;
+
+  protected:
+    void commit() override;
+
+  private:
+    static QDate parse(const QString& text);
+    void pickFromCalendar();
+};
+
+}  // namespace framework

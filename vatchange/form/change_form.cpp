@@ -1,0 +1,342 @@
+#include "vatchange/form/change_form.h"
+
+#include <QCloseEvent>
+#include <QLocale>
+#include <QSignalBlocker>
+#include <QTimer>
+#include <cmath>
+#include <map>
+
+#include "app/company/command_line.h"
+#include "app/company/logs.h"
+#include "data/sql/uni_query.h"
+#include "framework/ui/dialogs.h"
+#include "vatchange/form/coefficients.h"
+
+namespace vatchange {
+
+namespace {
+
+std::map<SearchKind, Chooser>& choosers() {
+    static std::map<SearchKind, Chooser> registered;
+    return registered;
+}
+
+// The pattern "0.#%" in the user's locale.
+QString ratePattern(double percent) {
+    const double tenths = std::round(percent * 10.0);
+    const bool whole = std::fmod(tenths, 10.0) == 0.0;
+    return QLocale().toString(tenths / 10.0, 'f', whole ? 0 : 1) + QLatin1Char('%');
+}
+
+GroupRestriction restrictionOf(const RestrictionControls& controls) {
+    return {controls.on->isChecked(), controls.first->value(), controls.last->value(),
+            controls.ignored->text()};
+}
+
+}  // namespace
+
+TAlvMuutosLomake::TAlvMuutosLomake(data::Database& database, QWidget* parent)
+    : TPerusForm(kFormName, parent), m_database(database) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    buildLayout();
+    readCompanyTables();
+    connectControls();
+    fitToScreen();
+    restoreLastState();
+    afterLoad();
+}
+
+void TAlvMuutosLomake::setChooser(SearchKind kind, Chooser chooser) {
+    choosers()[kind] = std::move(chooser);
+}
+
+bool TAlvMuutosLomake::unattended() const {
+    return Unattended || company::hasSwitch(QStringLiteral("/E")) ||
+           !framework::Dialogs::someoneThere();
+}
+
+void TAlvMuutosLomake::readCompanyTables() {
+    m_levelNames = {QStringLiteral("Ei muutosta")};
+    data::TUniQuery query(&m_database);
+    query.sql().setText(QStringLiteral("SELECT nimi FROM HINTATASO WHERE Nro = :nro"));
+    for (int level = 1; level <= kPriceLevels; ++level) {
+        query.paramByName(QStringLiteral("nro")).setInteger(level);
+        query.open();
+        if (query.eof())
+            throw data::DataError(data::ErrorKind::Damaged, QStringLiteral("HINTATASO"),
+                                  QStringLiteral("hintatasoa ei löydy: %1").arg(level));
+        m_levelNames.append(query.fieldByName(QStringLiteral("nimi")).asString().trimmed());
+        query.close();
+    }
+    for (int level = 1; level <= kPriceLevels; ++level) {
+        m_controls.levelBoxes[static_cast<std::size_t>(level - 1)]->setTitle(m_levelNames[level]);
+        framework::LookupCombo* source = m_controls.source(level);
+        source->addRow(QStringLiteral("0"), m_levelNames[0]);
+        for (int row = 1; row <= kPriceLevels; ++row)
+            source->addRow(kPriceColumns[static_cast<std::size_t>(row)], m_levelNames[row]);
+    }
+
+    query.sql().setText(QStringLiteral("SELECT NRO, NIMI FROM ASRYHMA ORDER BY NRO"));
+    for (query.open(); !query.eof(); query.next()) {
+        m_controls.customerGroups->addNumbered(
+            static_cast<int>(query.fieldByName(QStringLiteral("NRO")).asInteger()),
+            query.fieldByName(QStringLiteral("NIMI")).asString());
+    }
+}
+
+void TAlvMuutosLomake::connectControls() {
+    for (framework::NumberEdit* edit : {m_controls.sourceClass, m_controls.targetClass}) {
+        connect(edit, &QLineEdit::textChanged, this,
+                [this] { framework::reportErrors(this, [this] { refreshClassLabels(); }); });
+    }
+    for (QCheckBox* on : {m_controls.subGroup.on, m_controls.productGroup.on,
+                          m_controls.mainGroup.on, m_controls.productRange})
+        connect(on, &QCheckBox::toggled, this, &TAlvMuutosLomake::refreshRestrictionBoxes);
+
+    auto shortcuts = [this](framework::DecimalEdit* edit) {
+        connect(edit, &framework::DecimalEdit::altDigitReleased, this, [edit](int digit) {
+            if (const auto coefficient = shortcutCoefficient(digit))
+                edit->setValue(*coefficient);
+        });
+        connect(edit, &framework::ExitEdit::exited, this, [this, edit] {
+            m_pendingExit = edit;
+            QTimer::singleShot(0, this, &TAlvMuutosLomake::checkPendingExit);
+        });
+    };
+    for (framework::DecimalEdit* edit : m_controls.coefficients)
+        shortcuts(edit);
+    shortcuts(m_controls.priceChangeLimit);
+    connect(m_controls.deliveryLimit, &framework::ExitEdit::exited, this, [this] {
+        m_pendingExit = m_controls.deliveryLimit;
+        QTimer::singleShot(0, this, &TAlvMuutosLomake::checkPendingExit);
+    });
+
+    for (int tag = 1; tag <= kLastPurchaseTag; ++tag) {
+        connect(m_controls.keep(tag), &QCheckBox::toggled, this, [this, tag](bool checked) {
+            framework::reportErrors(this, [&] { SailytaAlv0_CheckBox1Click(tag, checked); });
+        });
+    }
+    for (int tag = 1; tag <= kPriceLevels; ++tag) {
+        connect(m_controls.source(tag), &framework::LookupCombo::exited, this,
+                [this, tag] { validateSource(tag); });
+    }
+
+    connectSearch(m_controls.subGroup.search, SearchKind::SubGroup, m_controls.subGroup.first);
+    connectSearch(m_controls.productGroup.search, SearchKind::ProductGroup,
+                  m_controls.productGroup.first);
+    connectSearch(m_controls.mainGroup.search, SearchKind::MainGroup, m_controls.mainGroup.first);
+    connectSearch(m_controls.productSearch, SearchKind::Product, m_controls.productFirst);
+
+    connect(Esikatsele, &QPushButton::clicked, this,
+            [this] { framework::reportErrors(this, [this] { EsikatseleClick(); }); });
+    connect(m_close, &QPushButton::clicked, this, &QWidget::close);
+    connect(m_interrupt, &QPushButton::clicked, this, [this] {
+        m_cancelRequested = true;
+        m_interrupt->setEnabled(false);
+    });
+}
+
+void TAlvMuutosLomake::connectSearch(QPushButton* button, SearchKind kind, QLineEdit* target) {
+    button->setVisible(static_cast<bool>(choosers()[kind]));
+    connect(button, &QPushButton::clicked, this, [this, kind, target] {
+        framework::reportErrors(this, [&] {
+            choosers()[kind](this, target->text(),
+                             [target](const QString& key) { target->setText(key); });
+        });
+    });
+}
+
+std::optional<double> TAlvMuutosLomake::ratePercent(int vatClass) const {
+    data::TUniQuery query(&m_database);
+    query.sql().setText(QStringLiteral("SELECT Prosentti FROM ALVKANTA WHERE luokka = :luokka"));
+    query.paramByName(QStringLiteral("luokka")).setInteger(vatClass);
+    query.open();
+    if (query.eof())
+        return std::nullopt;
+    return query.fieldByName(QStringLiteral("Prosentti")).asFloat();
+}
+
+void TAlvMuutosLomake::showRate(QLabel* label, int vatClass) const {
+    label->clear();
+    if (vatClass == 0)
+        return;
+    const auto rate = ratePercent(vatClass);
+    label->setText(rate ? ratePattern(*rate) : QStringLiteral("Ei löydy!"));
+}
+
+void TAlvMuutosLomake::refreshClassLabels() {
+    showRate(m_controls.sourceRate, static_cast<int>(m_controls.sourceClass->value()));
+    showRate(m_controls.targetRate, static_cast<int>(m_controls.targetClass->value()));
+}
+
+void TAlvMuutosLomake::refreshRestrictionBoxes() {
+    for (const RestrictionControls* kind :
+         {&m_controls.subGroup, &m_controls.productGroup, &m_controls.mainGroup})
+        kind->box->setEnabled(kind->on->isChecked());
+    m_controls.productRangeBox->setEnabled(m_controls.productRange->isChecked());
+}
+
+void TAlvMuutosLomake::validateSource(int tag) {
+    if (isPriceColumn(m_controls.source(tag)->key()))
+        return;
+    const QSignalBlocker silence(m_controls.keep(tag));
+    m_controls.source(tag)->setKey(QStringLiteral("0"));
+    m_controls.keep(tag)->setChecked(false);
+    m_controls.coefficient(tag)->setValue(1.0);
+}
+
+void TAlvMuutosLomake::normaliseCoefficients() {
+    bool changed = false;
+    for (framework::DecimalEdit* edit : m_controls.coefficients) {
+        if (const auto now = carriedOverCoefficient(edit->value())) {
+            edit->setValue(*now);
+            changed = true;
+        }
+    }
+    if (changed && !company::hasSwitch(QStringLiteral("/E")))
+        NaytaViesti(
+            QStringLiteral("Kertoimia päivitetty edellisen taksavaiheen yhteydessä tallennetuista "
+                           "asetuksista"));
+}
+
+void TAlvMuutosLomake::afterLoad() {
+    refreshRestrictionBoxes();
+    refreshClassLabels();
+    for (int tag = 1; tag <= kPriceLevels; ++tag)
+        validateSource(tag);
+    normaliseCoefficients();
+}
+
+void TAlvMuutosLomake::SailytaAlv0_CheckBox1Click(int tag, bool checked) {
+    framework::DecimalEdit* coefficient = m_controls.coefficient(tag);
+    if (!checked) {
+        coefficient->setValue(1.0);
+        return;
+    }
+    const auto target = ratePercent(static_cast<int>(m_controls.targetClass->value()));
+    if (!target) {
+        NaytaViesti(QStringLiteral("Tarkasta kohde -alvluokka!"));
+        const QSignalBlocker silence(m_controls.keep(tag));
+        m_controls.keep(tag)->setChecked(false);
+        coefficient->setValue(1.0);
+        return;
+    }
+    const auto source = ratePercent(static_cast<int>(m_controls.sourceClass->value()));
+    coefficient->setValue(keepVat0Coefficient(source.value_or(0.0), *target));
+    if (tag <= kPriceLevels)
+        m_controls.source(tag)->setKey(kPriceColumns[static_cast<std::size_t>(tag)]);
+}
+
+void TAlvMuutosLomake::checkPendingExit() {
+    QWidget* edit = m_pendingExit;
+    m_pendingExit.clear();
+    if (edit != nullptr)
+        checkEdit(edit);
+}
+
+bool TAlvMuutosLomake::checkEdit(QWidget* widget) {
+    const auto refuse = [this](QLineEdit* edit, const QString& text) {
+        m_pendingExit.clear();
+        framework::Dialogs::warning(this, text);
+        edit->setFocus();
+        edit->selectAll();
+        return false;
+    };
+    if (widget == m_controls.deliveryLimit && !m_controls.deliveryLimit->isReadable()) {
+        return refuse(m_controls.deliveryLimit,
+                      QStringLiteral("Päivämäärä ( %1 ) ei kelpaa, korjaa päivämäärä!")
+                          .arg(m_controls.deliveryLimit->text()));
+    }
+    auto* edit = qobject_cast<framework::DecimalEdit*>(widget);
+    if (edit == nullptr)
+        return true;
+    const int tag = edit->property(kTagProperty).toInt();
+    if (tag >= 1 && tag <= kPriceLevels) {
+        if (edit->isReadable() && acceptableLevelCoefficient(edit->value()))
+            return true;
+        const QLocale locale;
+        return refuse(edit,
+                      QStringLiteral("Hintakerroin ( %1 ) ei ole sallituissa rajoissa, korjaa "
+                                     "hintakerroin!\r(kertoimen on oltava vähintään %2 ja enintään "
+                                     "%3 )")
+                          .arg(edit->text(), locale.toString(kLowestLevelCoefficient, 'f', 2),
+                               locale.toString(kHighestLevelCoefficient, 'f', 2)));
+    }
+    if (!edit->isReadable())
+        edit->setValue(edit->value());
+    return true;
+}
+
+bool TAlvMuutosLomake::acceptTyped() {
+    // A button pressed by its mnemonic leaves the focus in the edit; what is typed there counts as
+    // left now.
+    QWidget* edit = m_pendingExit != nullptr ? m_pendingExit.data() : focusWidget();
+    m_pendingExit.clear();
+    return checkEdit(edit);
+}
+
+ChangeDefinition TAlvMuutosLomake::definitionFromForm() const {
+    const FormControls& c = m_controls;
+    ChangeDefinition d;
+    d.subGroup = restrictionOf(c.subGroup);
+    d.productGroup = restrictionOf(c.productGroup);
+    d.mainGroup = restrictionOf(c.mainGroup);
+    d.productRangeOn = c.productRange->isChecked();
+    d.productFirst = c.productFirst->text();
+    d.productLast = c.productLast->text();
+    d.customerGroups = c.customerGroups->checkedNumbers();
+    d.sourceClass = static_cast<int>(c.sourceClass->value());
+    d.targetClass = static_cast<int>(c.targetClass->value());
+
+    for (int tag = 1; tag <= kPriceLevels; ++tag) {
+        d.levels[static_cast<std::size_t>(tag - 1)] = {
+            c.coefficient(tag)->value(), c.source(tag)->key(), c.keep(tag)->isChecked()};
+    }
+    d.purchaseCoefficient = c.coefficient(kPurchaseTag)->value();
+    d.keepVat0Purchase = c.keep(kPurchaseTag)->isChecked();
+    d.lastPurchaseCoefficient = c.coefficient(kLastPurchaseTag)->value();
+    d.keepVat0LastPurchase = c.keep(kLastPurchaseTag)->isChecked();
+    d.priceChangeLimit = c.priceChangeLimit->value();
+    d.keepCustomerPricelistVat0 = c.keepPricelistVat0->isChecked();
+    d.writeShelfLabels = c.shelfLabels->isChecked();
+
+    d.salesOrderCoefficient = c.coefficient(kSalesOrderTag)->value();
+    d.salesOrderFromVat0 = c.keep(kSalesOrderTag)->isChecked();
+    d.salesOrderDeliveryLimit = c.deliveryLimit->date();
+    d.purchaseOrderCoefficient = c.coefficient(kPurchaseOrderTag)->value();
+    d.purchaseOrderFromVat0 = c.keep(kPurchaseOrderTag)->isChecked();
+
+    d.productLog = c.productLog->isChecked();
+    d.leaveWebShop = c.leaveWebShop->isChecked();
+    d.customerPriceLists = c.customerPriceLists->isChecked();
+    d.webShopCustomerPriceLists = c.webShopPriceLists->isChecked();
+    d.campaigns = c.campaigns->isChecked();
+    d.quantityDiscounts = c.quantityDiscounts->isChecked();
+    d.salesOrders = c.salesOrders->isChecked();
+    d.purchaseOrders = c.purchaseOrders->isChecked();
+    d.products = c.products->isChecked();
+    d.recurringInvoicing = c.recurringInvoicing->isChecked();
+    d.checkProductCodes = c.productCodes->isChecked();
+
+    d.roundingRule = static_cast<RoundingRule>(c.roundingRule->itemIndex());
+    d.roundingStep = static_cast<RoundingStep>(c.roundingStep->itemIndex());
+    return d;
+}
+
+void TAlvMuutosLomake::NaytaViesti(const QString& text) {
+    company::WriteAlvMuutosLog(text);
+    if (!unattended())
+        framework::Dialogs::message(this, text);
+}
+
+void TAlvMuutosLomake::closeEvent(QCloseEvent* event) {
+    if (m_running && !confirmClosing()) {
+        event->ignore();
+        return;
+    }
+    TPerusForm::closeEvent(event);
+    Q_EMIT closed();
+}
+
+}  // namespace vatchange

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QPointer>
+#include <functional>
+#include <optional>
+
+#include "data/engine.h"
+#include "framework/ui/base_form.h"
+#include "vatchange/form/form_controls.h"
+#include "vatchange/run/change_run.h"
+
+namespace vatchange {
+
+/// What a search window of the form picks.
+enum class SearchKind { SubGroup, ProductGroup, MainGroup, Product };
+
+/// Opens a search window over `parent`; it calls `chosen` with the key of the record that the user
+/// picks. `present` is the key now in the form.
+using Chooser = std::function<void(QWidget* parent, const QString& present,
+                                   std::function<void(const QString& key)> chosen)>;
+
+/// The VAT change form: holds one change definition in its controls, saves and loads it, and
+/// carries it out. While a run goes on, everything but "Keskeytä" is disabled.
+class TAlvMuutosLomake : public framework::TPerusForm {
+    Q_OBJECT
+  public:
+    static inline const QString kFormName = QStringLiteral("AlvMuutosLomake");
+
+    /// Builds the form and loads the definition "Normaali" when there is one.
+    /// @throws data::DataError when the company's tables cannot be read, or a price level is
+    /// missing ("hintatasoa ei löydy").
+    explicit TAlvMuutosLomake(data::Database& database, QWidget* parent = nullptr);
+
+    /// The search windows of the "Haku" buttons; a kind without one shows no button. Set before the
+    /// form is created.
+    static void setChooser(SearchKind kind, Chooser chooser);
+
+    /// Set by a batch: messages go to the change log, no dialog is shown.
+    bool Unattended = false;
+    /// The flag, or a program started with "/E", or nobody there to see a window.
+    bool unattended() const;
+
+    /// What the controls say, as a plain value.
+    ChangeDefinition definitionFromForm() const;
+
+    /// Carries out the definition in the controls. While another run of this form goes on it does
+    /// nothing.
+    std::optional<RunResult> EsikatseleClick();
+    bool isRunning() const { return m_running; }
+
+    /// Writes the text to the change log and, when somebody is there, shows it.
+    void NaytaViesti(const QString& text) override;
+    /// Status line; shown with the next breath of a run.
+    void showStatus(const QString& text);
+
+    const FormControls& controls() const { return m_controls; }
+
+  Q_SIGNALS:
+    void runningChanged(bool running);
+    void closed();
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void afterLoad() override;
+    bool acceptTyped() override;
+    QString reportHtml() const override;
+
+  private:
+    friend class FormRunPorts;
+
+    void buildLayout();
+    void readCompanyTables();
+    void connectControls();
+    void connectSearch(QPushButton* button, SearchKind kind, QLineEdit* target);
+    void fitToScreen();
+
+    void refreshClassLabels();
+    void refreshRestrictionBoxes();
+    std::optional<double> ratePercent(int vatClass) const;
+    void showRate(QLabel* label, int vatClass) const;
+    void validateSource(int tag);
+    void normaliseCoefficients();
+    void SailytaAlv0_CheckBox1Click(int tag, bool checked);
+    void checkPendingExit();
+    bool checkEdit(QWidget* edit);
+    void setRunning(bool running);
+    void showProgress(const QString& status, qint64 done, qint64 total, const QString& remaining);
+    bool confirmClosing();
+
+    data::Database& m_database;
+    FormControls m_controls;
+    QStringList m_levelNames;  ///< index 0: "Ei muutosta"
+    QWidget* m_content = nullptr;
+    QLabel* m_status = nullptr;
+    QProgressBar* m_progress = nullptr;
+    QPushButton* m_interrupt = nullptr;
+    QPushButton* m_close = nullptr;
+    QPointer<QWidget> m_pendingExit;
+    bool m_running = false;
+    bool m_cancelRequested = false;
+    bool m_closeWhenDone = false;
+};
+
+}  // namespace vatchange

@@ -1,0 +1,59 @@
+#include "vatchange/form/form_controls.h"
+
+#include <QHBoxLayout>
+
+#include "framework/ui/dialogs.h"
+
+namespace vatchange {
+
+namespace {
+constexpr int kCoefficientDecimals = 14;
+}
+
+PriceLevelBox::PriceLevelBox(int titleWidth, QWidget* parent)
+    : QWidget(parent), m_label(new QLabel(this)) {
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    m_label->setTextFormat(Qt::PlainText);
+    m_label->setFixedWidth(titleWidth);
+    row->addWidget(m_label);
+}
+
+void PriceLevelBox::setTitle(const QString& title) {
+    m_title = title;
+    const QString shown =
+        m_label->fontMetrics().elidedText(title, Qt::ElideRight, m_label->maximumWidth());
+    m_label->setText(shown);
+    m_label->setToolTip(shown == title ? QString() : title);
+}
+
+framework::CheckBox* namedCheckBox(const QString& objectName, const QString& caption,
+                                   const QString& hint, QWidget* parent) {
+    auto* box = new framework::CheckBox(caption, parent);
+    box->setObjectName(objectName);
+    box->setToolTip(framework::withLineBreaks(hint));
+    box->setAccessibleName(caption);
+    return box;
+}
+
+framework::DecimalEdit* coefficientEdit(FormControls& controls, int tag, const QString& objectName,
+                                        const QString& accessibleName, QWidget* parent) {
+    auto* edit = new framework::DecimalEdit(kCoefficientDecimals, 1.0, parent);
+    edit->setObjectName(objectName);
+    edit->setAccessibleName(accessibleName);
+    edit->setProperty(kTagProperty, tag);
+    edit->setFixedWidth(edit->fontMetrics().horizontalAdvance(QStringLiteral("1,00000000000000")) +
+                        18);
+    controls.coefficients[static_cast<std::size_t>(tag - 1)] = edit;
+    return edit;
+}
+
+framework::CheckBox* keepVat0Box(FormControls& controls, int tag, const QString& objectName,
+                                 const QString& caption, const QString& hint, QWidget* parent) {
+    framework::CheckBox* box = namedCheckBox(objectName, caption, hint, parent);
+    box->setProperty(kTagProperty, tag);
+    controls.keepVat0[static_cast<std::size_t>(tag - 1)] = box;
+    return box;
+}
+
+}  // namespace vatchange

@@ -1,0 +1,122 @@
+#pragma once
+
+#include <QGroupBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QPushButton>
+#include <array>
+
+#include "framework/ui/choice_controls.h"
+#include "framework/ui/value_edits.h"
+#include "vatchange/rules/change_definition.h"
+
+namespace vatchange {
+
+/// Coefficient table and keep-VAT0 table run side by side: 1..9 the price levels, then purchase
+/// price, last purchase price, sales orders, purchase orders. Tags count from 1.
+inline constexpr int kCoefficients = 13;
+inline constexpr int kPurchaseTag = 10;
+inline constexpr int kLastPurchaseTag = 11;
+inline constexpr int kSalesOrderTag = 12;
+inline constexpr int kPurchaseOrderTag = 13;
+
+/// The property that holds a control's tag.
+inline constexpr char kTagProperty[] = "tag";
+
+/// One row of a price level with the level's name as its title.
+class PriceLevelBox : public QWidget {
+    Q_OBJECT
+    Q_PROPERTY(QString title READ title WRITE setTitle)
+  public:
+    PriceLevelBox(int titleWidth, QWidget* parent);
+    const QString& title() const { return m_title; }
+    /// A title too long for the row is shortened; its tool tip has the whole.
+    void setTitle(const QString& title);
+
+  private:
+    QString m_title;
+    QLabel* m_label;
+};
+
+/// Controls of one kind of group restriction.
+struct RestrictionControls {
+    framework::CheckBox* on = nullptr;
+    QWidget* box = nullptr;  ///< holds the rest; enabled while `on` is checked
+    framework::NumberEdit* first = nullptr;
+    framework::NumberEdit* last = nullptr;
+    QPushButton* search = nullptr;
+    framework::TextEdit* ignored = nullptr;
+};
+
+/// The controls of the change form, each under its object name.
+struct FormControls {
+    RestrictionControls subGroup;
+    RestrictionControls productGroup;
+    RestrictionControls mainGroup;
+    framework::CheckBox* productRange = nullptr;
+    QWidget* productRangeBox = nullptr;
+    framework::TextEdit* productFirst = nullptr;
+    framework::TextEdit* productLast = nullptr;
+    QPushButton* productSearch = nullptr;
+    framework::CheckList* customerGroups = nullptr;
+
+    framework::NumberEdit* sourceClass = nullptr;
+    framework::NumberEdit* targetClass = nullptr;
+    QLabel* sourceRate = nullptr;
+    QLabel* targetRate = nullptr;
+
+    std::array<PriceLevelBox*, kPriceLevels> levelBoxes{};
+    std::array<framework::LookupCombo*, kPriceLevels> sources{};
+    std::array<framework::DecimalEdit*, kCoefficients> coefficients{};
+    std::array<framework::CheckBox*, kCoefficients> keepVat0{};
+    framework::DecimalEdit* priceChangeLimit = nullptr;
+    framework::CheckBox* keepPricelistVat0 = nullptr;
+    framework::CheckBox* shelfLabels = nullptr;
+    framework::DateEdit* deliveryLimit = nullptr;
+
+    framework::CheckBox* customerPriceLists = nullptr;
+    framework::CheckBox* webShopPriceLists = nullptr;
+    framework::CheckBox* campaigns = nullptr;
+    framework::CheckBox* quantityDiscounts = nullptr;
+    framework::CheckBox* salesOrders = nullptr;
+    framework::CheckBox* purchaseOrders = nullptr;
+    framework::CheckBox* products = nullptr;
+    framework::CheckBox* recurringInvoicing = nullptr;
+    framework::CheckBox* productCodes = nullptr;
+
+    framework::RadioGroup* roundingRule = nullptr;
+    framework::RadioGroup* roundingStep = nullptr;
+    framework::CheckBox* productLog = nullptr;
+    framework::CheckBox* leaveWebShop = nullptr;
+
+    framework::DecimalEdit* coefficient(int tag) const {
+        return coefficients[static_cast<std::size_t>(tag - 1)];
+    }
+    framework::CheckBox* keep(int tag) const { return keepVat0[static_cast<std::size_t>(tag - 1)]; }
+    framework::LookupCombo* source(int tag) const {
+        return sources[static_cast<std::size_t>(tag - 1)];
+    }
+};
+
+// Each builds a group of controls, names them and enters them into `controls`.
+QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent);
+QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent);
+QGroupBox* buildPrices(FormControls& controls, QWidget* parent);
+QGroupBox* buildSalesOrders(FormControls& controls, QWidget* parent);
+QGroupBox* buildPurchaseOrders(FormControls& controls, QWidget* parent);
+QGroupBox* buildOptions(FormControls& controls, QWidget* parent);
+QGroupBox* buildLogging(FormControls& controls, QWidget* parent);
+void buildRounding(FormControls& controls, QWidget* parent);
+
+/// A check box of a definition with its object name, caption and hint.
+framework::CheckBox* namedCheckBox(const QString& objectName, const QString& caption,
+                                   const QString& hint, QWidget* parent);
+/// A coefficient edit of the coefficient table.
+framework::DecimalEdit* coefficientEdit(FormControls& controls, int tag, const QString& objectName,
+                                        const QString& accessibleName, QWidget* parent);
+/// A keep-VAT0 check box of the table.
+framework::CheckBox* keepVat0Box(FormControls& controls, int tag, const QString& objectName,
+                                 const QString& caption, const QString& hint, QWidget* parent);
+
+}  // namespace vatchange

@@ -1,0 +1,200 @@
+#include <QGridLayout>
+#include <QRegularExpressionValidator>
+#include <QVBoxLayout>
+
+#include "vatchange/form/form_controls.h"
+
+namespace vatchange {
+
+namespace {
+
+constexpr int kGroupDigits = 11;
+constexpr int kClassDigits = 3;
+constexpr int kColumnGap = 6;
+
+// Widths that the rows of the restrictions share, so that their columns stand in line although each
+// row is a widget of its own.
+struct Columns {
+    explicit Columns(const QWidget* parent)
+        : check(parent->fontMetrics().horizontalAdvance(QStringLiteral("Tuotenro (ei käytössä)")) +
+                34),
+          number(parent->fontMetrics().horizontalAdvance(QStringLiteral("00000000000")) + 12) {}
+    int check;
+    int number;
+};
+
+QLabel* heading(const QString& text, int width, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    if (width > 0)
+        label->setFixedWidth(width);
+    return label;
+}
+
+QHBoxLayout* flatRow(QWidget* box) {
+    auto* row = new QHBoxLayout(box);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(kColumnGap);
+    return row;
+}
+
+QPushButton* searchButton(const QString& caption, const QString& accessibleName, QWidget* parent) {
+    auto* button = new QPushButton(caption, parent);
+    button->setAccessibleName(accessibleName);
+    return button;
+}
+
+RestrictionControls restriction(const QString& stem, const QString& caption, const Columns& columns,
+                                QWidget* parent) {
+    const QString kind = caption.chopped(1);
+    RestrictionControls controls;
+    controls.on = namedCheckBox(stem + QStringLiteral("CheckBox"), caption, {}, parent);
+    controls.on->setFixedWidth(columns.check);
+
+    controls.box = new QWidget(parent);
+    controls.box->setObjectName(stem + QStringLiteral("RajausGroupBox"));
+    controls.box->setEnabled(false);
+    controls.first = new framework::NumberEdit(kGroupDigits, controls.box);
+    controls.first->setObjectName(stem + QStringLiteral("AlkuEdit"));
+    controls.first->setAccessibleName(kind + QStringLiteral(", alku"));
+    controls.first->setFixedWidth(columns.number);
+    controls.last = new framework::NumberEdit(kGroupDigits, controls.box);
+    controls.last->setObjectName(stem + QStringLiteral("LoppuEdit"));
+    controls.last->setAccessibleName(kind + QStringLiteral(", loppu"));
+    controls.last->setFixedWidth(columns.number);
+    controls.search =
+        searchButton(QStringLiteral("Haku"), kind + QStringLiteral(", haku"), controls.box);
+    controls.search->setObjectName(stem + QStringLiteral("HakuButton"));
+    controls.ignored = new framework::TextEdit(controls.box);
+    controls.ignored->setObjectName(QStringLiteral("edt") + stem + QStringLiteral("Ignore"));
+    controls.ignored->setPlaceholderText(QStringLiteral("Ulosrajattavat ryhmät"));
+    controls.ignored->setToolTip(
+        QStringLiteral("Ryhmät, joita ei oteta mukaan. Ilmoita pilkkueroteltu luettelo."));
+    controls.ignored->setAccessibleName(kind + QStringLiteral(", ulosrajattavat ryhmät"));
+    controls.ignored->setValidator(new QRegularExpressionValidator(
+        QRegularExpression(QStringLiteral("[0-9,]*")), controls.ignored));
+
+    QHBoxLayout* row = flatRow(controls.box);
+    row->addWidget(controls.first);
+    row->addWidget(controls.last);
+    row->addWidget(controls.search);
+    row->addWidget(controls.ignored, 1);
+    return controls;
+}
+
+void productRange(FormControls& controls, const Columns& columns, QWidget* parent) {
+    controls.productRange = namedCheckBox(QStringLiteral("TuotenroCheckBox"),
+                                          QStringLiteral("Tuotenro (ei käytössä)"), {}, parent);
+    controls.productRange->setFixedWidth(columns.check);
+    controls.productRangeBox = new QWidget(parent);
+    controls.productRangeBox->setObjectName(QStringLiteral("TuotenroRajausGroupBox"));
+    controls.productRangeBox->setEnabled(false);
+    QHBoxLayout* row = flatRow(controls.productRangeBox);
+    const auto edit = [&](const QString& objectName, const QString& accessibleName) {
+        auto* text = new framework::TextEdit(controls.productRangeBox);
+        text->setObjectName(objectName);
+        text->setAccessibleName(accessibleName);
+        text->setMaxLength(18);
+        row->addWidget(text, 1);
+        return text;
+    };
+    controls.productFirst =
+        edit(QStringLiteral("TuotenroAlkuEdit"), QStringLiteral("Tuotenro, alku"));
+    controls.productLast =
+        edit(QStringLiteral("TuotenroLoppuEdit"), QStringLiteral("Tuotenro, loppu"));
+    controls.productSearch = searchButton(QStringLiteral("Tuotehaku"), QStringLiteral("Tuotehaku"),
+                                          controls.productRangeBox);
+    controls.productSearch->setObjectName(QStringLiteral("TuotehakuButton"));
+    row->addWidget(controls.productSearch);
+}
+
+}  // namespace
+
+QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
+    auto* box = new QGroupBox(QStringLiteral("Rajaukset (0 tai tyhjä = ei mukana)"), parent);
+    const Columns columns(box);
+    auto* grid = new QGridLayout(box);
+    grid->setHorizontalSpacing(kColumnGap);
+    grid->setVerticalSpacing(4);
+
+    auto* headings = new QHBoxLayout;
+    headings->setSpacing(kColumnGap);
+    headings->addWidget(heading(QStringLiteral("Alku"), columns.number, box));
+    headings->addWidget(heading(QStringLiteral("Loppu"), columns.number, box));
+    headings->addStretch();
+    grid->addLayout(headings, 0, 1);
+
+    controls.subGroup =
+        restriction(QStringLiteral("Aliryhma"), QStringLiteral("Aliryhmä#"), columns, box);
+    controls.productGroup =
+        restriction(QStringLiteral("Tuoteryhma"), QStringLiteral("Tuoteryhmä#"), columns, box);
+    controls.mainGroup =
+        restriction(QStringLiteral("Paaryhma"), QStringLiteral("Pääryhmä#"), columns, box);
+    productRange(controls, columns, box);
+    int row = 1;
+    for (const RestrictionControls* kind :
+         {&controls.subGroup, &controls.productGroup, &controls.mainGroup}) {
+        grid->addWidget(kind->on, row, 0);
+        grid->addWidget(kind->box, row, 1);
+        ++row;
+    }
+    grid->addWidget(controls.productRange, row, 0);
+    grid->addWidget(controls.productRangeBox, row, 1);
+    ++row;
+
+    controls.customerGroups = new framework::CheckList(box);
+    controls.customerGroups->setObjectName(QStringLiteral("AsRyhmaCheckList"));
+    controls.customerGroups->setAccessibleName(QStringLiteral("As. ryhmät"));
+    controls.customerGroups->setToolTip(
+        QStringLiteral("Valitse tästä päivitettävät asiakasryhmät (ei valittu yhtään = kaikki)"));
+    controls.customerGroups->setMinimumHeight(5 * box->fontMetrics().lineSpacing());
+    auto* label = new QLabel(QStringLiteral("As. ryhmät"), box);
+    label->setBuddy(controls.customerGroups);
+    grid->addWidget(label, row, 0, Qt::AlignTop);
+    grid->addWidget(controls.customerGroups, row, 1);
+    grid->setRowStretch(row, 1);
+    grid->setColumnStretch(1, 1);
+    return box;
+}
+
+QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent) {
+    auto* box = new QGroupBox(QStringLiteral("Veroluokka"), parent);
+    box->setToolTip(QStringLiteral(
+        "Ottaa huomioon tuotteen/tuoteryhmän veroluokan, toisen veroluokan, ja oston veroluokan."));
+    auto* grid = new QGridLayout(box);
+    grid->setHorizontalSpacing(8);
+    grid->setVerticalSpacing(4);
+
+    const int editWidth = box->fontMetrics().horizontalAdvance(QStringLiteral("00000")) + 12;
+    const auto classRow = [&](int row, const QString& caption, const QString& editName,
+                              const QString& labelName, QLabel*& rate) {
+        auto* edit = new framework::NumberEdit(kClassDigits, box);
+        edit->setObjectName(editName);
+        edit->setAccessibleName(caption);
+        edit->setFixedWidth(editWidth);
+        auto* label = new QLabel(caption, box);
+        label->setBuddy(edit);
+        rate = new QLabel(box);
+        rate->setObjectName(labelName);
+        rate->setMinimumWidth(box->fontMetrics().horizontalAdvance(QStringLiteral("Ei löydy!  ")));
+        grid->addWidget(label, row, 0);
+        grid->addWidget(edit, row, 1);
+        grid->addWidget(rate, row, 2);
+        return edit;
+    };
+    controls.sourceClass =
+        classRow(0, QStringLiteral("Vanha luokka"), QStringLiteral("LahdeAlvLuokkaEdit"),
+                 QStringLiteral("LahdeLabel"), controls.sourceRate);
+    controls.targetClass =
+        classRow(1, QStringLiteral("Uusi luokka"), QStringLiteral("KohdeAlvLuokkaEdit"),
+                 QStringLiteral("KohdeLabel"), controls.targetRate);
+    controls.targetClass->setToolTip(
+        QStringLiteral("Ilmoita uuden verokannan luokka. Jos muutat vain hintoja, muttet luokkaa "
+                       "laita uusi samaksi kuin vanha"));
+    auto* note = new QLabel(QStringLiteral("0 rajaa vain\nveroluokattomat"), box);
+    note->setObjectName(QStringLiteral("VeroluokattomatLabel"));
+    grid->addWidget(note, 0, 3, 2, 1, Qt::AlignVCenter);
+    grid->setColumnStretch(4, 1);
+    return box;
+}
+
+}  // namespace vatchange

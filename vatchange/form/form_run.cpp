@@ -1,0 +1,141 @@
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QTimer>
+
+#include "app/company/command_line.h"
+#include "app/company/logs.h"
+#include "framework/ui/dialogs.h"
+#include "vatchange/form/change_form.h"
+
+namespace vatchange {
+
+/// The form as a run sees it. The run tells of every row; the window follows every 50 ms.
+class FormRunPorts : public RunPorts {
+  public:
+    explicit FormRunPorts(TAlvMuutosLomake& form) : m_form(form) {
+        m_sinceBreath.start();
+        m_sinceStep.start();
+    }
+
+    bool unattended() const override { return m_form.unattended(); }
+    void NaytaViesti(const QString& text) override { m_form.NaytaViesti(text); }
+    void showMessage(const QString& text) override { framework::Dialogs::message(&m_form, text); }
+    bool ask(const QString& text) override { return framework::Dialogs::ask(&m_form, text); }
+    void log(const QString& line) override { company::WriteAlvMuutosLog(line); }
+    void status(const QString& text) override { m_status = text; }
+    void progress(qint64 done, qint64 total) override {
+        if (total != m_total || done < m_done)
+            m_sinceStep.restart();
+        m_done = done;
+        m_total = total;
+    }
+    void breathe() override {
+        if (m_sinceBreath.elapsed() < kBreathMs)
+            return;
+        m_form.showProgress(m_status, m_done, m_total, remaining());
+        QCoreApplication::processEvents();
+        m_sinceBreath.restart();
+    }
+    bool cancelled() const override { return m_form.m_cancelRequested; }
+    QString programFileName() const override {
+        return QFileInfo(QCoreApplication::applicationFilePath()).fileName();
+    }
+    QString definitionName() const override { return m_form.loadedDefinition().name; }
+    bool skipEarlyDateCheck() const override { return company::hasSwitch(QStringLiteral("/EP")); }
+
+  private:
+    static constexpr qint64 kBreathMs = 50;
+    static constexpr qint64 kEstimateAfterMs = 2000;
+
+    // What is left of the present step at the pace so far.
+    QString remaining() const {
+        const qint64 elapsed = m_sinceStep.elapsed();
+        if (m_total <= 0 || m_done <= 0 || elapsed < kEstimateAfterMs)
+            return {};
+        const qint64 seconds = elapsed * (m_total - m_done) / m_done / 1000 + 1;
+        return seconds < 90 ? QStringLiteral("jäljellä noin %1 s").arg(seconds)
+                            : QStringLiteral("jäljellä noin %1 min").arg((seconds + 59) / 60);
+    }
+
+    TAlvMuutosLomake& m_form;
+    QElapsedTimer m_sinceBreath;
+    QElapsedTimer m_sinceStep;
+    QString m_status;
+    qint64 m_done = 0;
+    qint64 m_total = 0;
+};
+
+std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick() {
+    if (m_running)
+        return std::nullopt;
+    if (!unattended() && !acceptTyped())
+        return std::nullopt;
+
+    const ChangeDefinition definition = definitionFromForm();
+    m_cancelRequested = false;
+    setRunning(true);
+    RunResult result;
+    try {
+        FormRunPorts ports(*this);
+        result = runChange(m_database, definition, ports);
+    } catch (...) {
+        setRunning(false);
+        showStatus(QStringLiteral("Muutos päättyi virheeseen"));
+        throw;
+    }
+    setRunning(false);
+    if (result.cancelled)
+        showStatus(
+            QStringLiteral("Muutos keskeytettiin, tuotteita muutettu %1").arg(result.products));
+    else if (result.refused)
+        showStatus(QStringLiteral("Muutosta ei tehty"));
+    else if (result.clean())
+        showStatus(QStringLiteral("Muutos valmis, tuotteita muutettu %1").arg(result.products));
+    else
+        showStatus(QStringLiteral("Muutos tehty, mutta kaikki ei onnistunut: katso loki"));
+    if (m_closeWhenDone)
+        QTimer::singleShot(0, this, &QWidget::close);
+    return result;
+}
+
+void TAlvMuutosLomake::setRunning(bool running) {
+    m_running = running;
+    m_content->setEnabled(!running);
+    Esikatsele->setEnabled(!running);
+    m_close->setEnabled(!running);
+    m_interrupt->setEnabled(running);
+    m_progress->setVisible(running);
+    m_progress->setRange(0, 0);
+    m_progress->setFormat({});
+    Q_EMIT runningChanged(running);
+}
+
+void TAlvMuutosLomake::showStatus(const QString& text) {
+    m_status->setText(text);
+}
+
+void TAlvMuutosLomake::showProgress(const QString& status, qint64 done, qint64 total,
+                                    const QString& remaining) {
+    m_status->setText(m_cancelRequested ? QStringLiteral("Keskeytetään...") : status);
+    constexpr int kSteps = 1000;
+    if (total > 0) {
+        m_progress->setRange(0, kSteps);
+        m_progress->setValue(static_cast<int>(done * kSteps / total));
+    } else {
+        m_progress->setRange(0, 0);
+    }
+    m_progress->setFormat(remaining.isEmpty() ? QStringLiteral("%p %")
+                                              : QStringLiteral("%p %, ") + remaining);
+}
+
+bool TAlvMuutosLomake::confirmClosing() {
+    if (!unattended() &&
+        framework::Dialogs::ask(this, QStringLiteral("Muutos on kesken.\rKeskeytetäänkö muutos ja "
+                                                     "suljetaanko lomake?"))) {
+        m_cancelRequested = true;
+        m_closeWhenDone = true;
+    }
+    return !m_running;  // the run may have ended while the question was open
+}
+
+}  // namespace vatchange
