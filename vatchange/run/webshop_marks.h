@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "framework/core/webshop_mark.h"
 #include "vatchange/run/run_ports.h"
 
@@ -18,11 +16,8 @@ class WebShopMarks {
     bool failed() const { return m_failed; }
 
   private:
-    void report(const QString& text);
-
-    data::Database& m_database;
     RunPorts& m_ports;
-    std::unique_ptr<framework::WebShopMarkWriter> m_writer;  // made for the first mark
+    framework::WebShopMarkWriter m_writer;
     bool m_failed = false;
 };
 

@@ -1,0 +1,268 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+
+#include "app/company/run_mark.h"
+#include "app/company/unfinished_note.h"
+#include "tests/run/run_company.h"
+
+namespace {
+
+using test::plainDefinition;
+using test::RunCompany;
+using vatchange::ChangeDefinition;
+using vatchange::RunResult;
+
+void addProducts(RunCompany& company, int count) {
+    for (int i = 1; i <= count; ++i)
+        company.exec(QStringLiteral("insert into TUOTE (NUMERO, LVV, HINTA, HRKPL, Verkkokauppa) "
+                                    "values ('A%1', 3, 12.4, 1, 1)")
+                         .arg(i));
+}
+
+TEST(RefusedRun, ClassChecksChangeNothing) {
+    struct Case {
+        int source;
+        int target;
+        const char* message;
+    };
+    const std::vector<Case> cases = {
+        {3, 0, "Kohteen ALV -luokka on oltava > 0!"},
+        {3, -1, "Kohteen ALV -luokka on oltava > 0!"},
+        {3, 5, "Kohteen ALV -luokkaa ei ole olemassa!"},
+        {6, 6, "Lähteen ALV -luokka on sama kuin kohteen ALV -luokka!"},
+        {3, 7, "Lähteen ALV -luokan prosentti on sama kuin kohteen ALV -luokan prosentti!"},
+    };
+    RunCompany company;
+    addProducts(company, 1);
+    const auto before = company.everything();
+    for (const Case& c : cases) {
+        company.ports.lines.clear();
+        company.ports.program = QStringLiteral("taksavaihe");
+        ChangeDefinition definition = plainDefinition();
+        definition.sourceClass = c.source;
+        definition.targetClass = c.target;
+        EXPECT_TRUE(company.run(definition).refused) << c.message;
+        EXPECT_EQ(company.ports.lines, QStringList(QString::fromUtf8(c.message)));
+    }
+    EXPECT_EQ(company.everything(), before);
+    // products without a class may go to a class of any rate
+    ChangeDefinition definition = plainDefinition();
+    definition.sourceClass = 0;
+    EXPECT_FALSE(company.run(definition).refused);
+}
+
+TEST(RefusedRun, EarlyDate) {
+    const auto warning =
+        QStringLiteral("Olet vaihtamassa veroluokkaa, vaikka kuukausi ei ole vielä vaihtunut!");
+    RunCompany company;
+    company.setNow(QDateTime(QDate(2024, 8, 31), QTime(14, 59, 59)));
+    EXPECT_TRUE(company.run(plainDefinition()).refused);
+    EXPECT_EQ(company.ports.lines, QStringList(warning));
+
+    company.ports.isUnattended = false;
+    company.ports.answers = {"no", "yes"};
+    EXPECT_TRUE(company.run(plainDefinition()).refused);
+    EXPECT_FALSE(company.run(plainDefinition()).refused);
+    EXPECT_EQ(company.ports.questions.last(), warning + QStringLiteral("\r\rJatketaanko?"));
+
+    company.ports.skipEarlyDate = true;
+    EXPECT_FALSE(company.run(plainDefinition()).refused);
+    company.ports.skipEarlyDate = false;
+    company.setNow(QDateTime(QDate(2024, 8, 31), QTime(15, 0)));
+    EXPECT_FALSE(company.run(plainDefinition()).refused);
+}
+
+TEST(RefusedRun, SecondRunOfTheCompany) {
+    RunCompany company;
+    addProducts(company, 1);
+    const auto before = company.everything();
+    auto other = company.otherProgram();
+    ASSERT_TRUE(other->beginRun());
+    EXPECT_TRUE(company.run(plainDefinition()).refused);
+    EXPECT_EQ(company.ports.messages.size(), 1);
+    EXPECT_EQ(company.everything(), before);
+    other->endRun();
+    EXPECT_TRUE(company.run(plainDefinition()).clean());
+    EXPECT_TRUE(other->beginRun()) << "a finished run gives the company free";
+    other->endRun();
+}
+
+TEST(FailingRun, LockedProductIsSkippedAndLogged) {
+    RunCompany company;
+    addProducts(company, 3);
+    auto other = company.otherProgram();
+    auto file = other->openTable(QStringLiteral("TUOTE"));
+    const auto record = file->seek(0, data::SeekOp::Equal, {QStringLiteral("A2")}, 1);
+    ASSERT_TRUE(file->lock(record.front().id, std::chrono::milliseconds(0)));
+    const RunResult result = company.run(plainDefinition());
+    EXPECT_EQ(result.skippedProducts, 1);
+    EXPECT_EQ(result.products, 2);
+    EXPECT_EQ(result.failedSteps, 0);
+    EXPECT_TRUE(company.ports.hasLine("Virhe tuotteen päivityksessä: A2 tuotetta ei voi muokata"));
+    EXPECT_TRUE(company.ports.hasLine("Tuotetiedot muutettu ( 2 kpl)"));
+    file->unlock(record.front().id);
+    EXPECT_EQ(company.number("select HINTA from TUOTE where NUMERO='A2'"), 12.4);
+    EXPECT_EQ(company.run(plainDefinition()).products, 1) << "the rerun takes the rest";
+}
+
+TEST(FailingRun, PricesAndClassesComeFromTheLockedRecord) {
+    RunCompany company;
+    addProducts(company, 4);
+    company.ports.onStatus = [&company](const QString& text) {
+        if (text == QStringLiteral("Tuote A1")) {  // somebody else, between query and lock
+            company.exec("update TUOTE set HINTA=99.9, OSTOVERO=3 where NUMERO='A2'");
+            company.exec("update TUOTE set LVV=2 where NUMERO='A3'");
+            company.exec("delete from TUOTE where NUMERO='A4'");
+        }
+    };
+    const RunResult result = company.run(plainDefinition());
+    EXPECT_TRUE(result.clean());
+    EXPECT_EQ(result.products, 2);
+    EXPECT_EQ(company.number("select HINTA from TUOTE where NUMERO='A2'"), 101.11);
+    EXPECT_EQ(company.number("select OSTOVERO from TUOTE where NUMERO='A2'"), 6);
+    EXPECT_EQ(company.number("select HINTA from TUOTE where NUMERO='A3'"), 12.4);
+    EXPECT_EQ(company.number("select count(*) from TUOTE"), 3);
+}
+
+TEST(FailingRun, EveryStepIsCaughtByItself) {
+    RunCompany company({"MYYMALAHINNAT", "ASALE", "KAMPPANJA", "VAKIOLASKUTUS", "MAARAALE",
+                        "TRYHMA", "MT", "WINOT"});
+    addProducts(company, 1);
+    ChangeDefinition definition = plainDefinition();
+    definition.customerPriceLists = definition.campaigns = true;
+    definition.recurringInvoicing = definition.quantityDiscounts = true;
+    definition.salesOrders = definition.purchaseOrders = definition.checkProductCodes = true;
+    company.ports.program = QStringLiteral("Taksavaihe");
+    const RunResult result = company.run(definition);
+    EXPECT_EQ(result.failedSteps, 7);
+    EXPECT_EQ(result.products, 1);
+    EXPECT_TRUE(result.markWritten) << "a reported error does not keep the mark back";
+    const std::vector<std::pair<const char*, const char*>> wordings = {
+        {"Virhe asiakashinnaston päivityksessä: ", ""},
+        {"Virhe kampanjan päivityksessä: ", ""},
+        {"Virhe ", " vakiolaskutuksen päivityksessä. "},
+        {"Virhe ", " määräalen päivityksessä. "},
+        {"Virhe tuoteryhmän päivityksessä: ", ""},
+        {"Virhe myyntitilausten päivityksessä: ", ""},
+        {"Virhe ostotilausten päivityksessä: ", ""},
+    };
+    ASSERT_GE(company.ports.messages.size(), 7);
+    for (const auto& [before, after] : wordings) {
+        const bool reported =
+            std::any_of(company.ports.messages.begin(), company.ports.messages.end(),
+                        [before = QString::fromUtf8(before),
+                         after = QString::fromUtf8(after)](const QString& message) {
+                            return message.startsWith(before) && message.endsWith(after) &&
+                                   message.size() > before.size() + after.size();
+                        });
+        EXPECT_TRUE(reported) << before << "..." << after;
+    }
+    EXPECT_TRUE(company.ports.hasLine("Ei myymälähinnat taulua"));
+    EXPECT_TRUE(company.ports.hasLine("Verkkokauppa -valinta poistettiin 0 tuotteelta"));
+}
+
+TEST(FailingRun, LabelFailureEndsTheProductsUnlessTheUserGoesOn) {
+    const auto start = QStringLiteral("Virhe hr ");
+    {
+        RunCompany company({"HR"});
+        addProducts(company, 2);
+        ChangeDefinition definition = plainDefinition();
+        definition.checkProductCodes = true;
+        const RunResult result = company.run(definition);
+        EXPECT_GT(result.failedSteps, 0);
+        EXPECT_EQ(result.products, 1) << "changed, but its label failed";
+        EXPECT_GE(company.ports.linesWith(start), 1);
+        EXPECT_EQ(company.number("select count(*) from TUOTE where LVV=3"), 1);
+        EXPECT_TRUE(company.ports.hasLine("Verkkokauppa -valinta poistettiin 0 tuotteelta"));
+    }
+    {
+        RunCompany company({"HR"});
+        addProducts(company, 3);
+        company.ports.isUnattended = false;
+        company.ports.answers = {"yes", "no"};
+        EXPECT_EQ(company.run(plainDefinition()).products, 2);
+        EXPECT_EQ(company.ports.questions, (QStringList{"Jatketaanko? ", "Jatketaanko? "}));
+    }
+    RunCompany company({"HR"});
+    addProducts(company, 2);
+    ChangeDefinition definition = plainDefinition();
+    definition.writeShelfLabels = false;
+    EXPECT_TRUE(company.run(definition).clean()) << "without labels nobody needs the table";
+}
+
+TEST(FailingRun, MarksThatCannotBeWrittenAreReportedOnce) {
+    RunCompany company({"WEBKLIITOS"});
+    addProducts(company, 2);
+    const RunResult result = company.run(plainDefinition());
+    EXPECT_EQ(result.products, 2);
+    EXPECT_EQ(result.failedSteps, 1);
+    EXPECT_EQ(company.ports.linesWith("VIRHE: TryPost -> "), 2);
+    EXPECT_EQ(company.ports.messages.filter("VIRHE: TryPost").size(), 1);
+
+    company.exec("update TUOTE set LVV=3");
+    ChangeDefinition definition = plainDefinition();
+    definition.leaveWebShop = true;
+    EXPECT_TRUE(company.run(definition).clean());
+}
+
+TEST(StoppedRun, KeepsWhatIsDoneAndSaysSo) {
+    RunCompany company;
+    addProducts(company, 3);
+    company.ports.program = QStringLiteral("taksavaihe.exe");
+    bool pressed = false;
+    company.ports.onStatus = [&pressed](const QString& text) {
+        pressed = pressed || text == QStringLiteral("Tuote A2");
+    };
+    company.ports.stop = [&pressed] { return pressed; };
+    ChangeDefinition definition = plainDefinition();
+    definition.checkProductCodes = true;
+    const RunResult result = company.run(definition);
+    EXPECT_TRUE(result.cancelled);
+    EXPECT_EQ(result.products, 2) << "the product in hand is finished";
+    EXPECT_EQ(company.number("select count(*) from TUOTE where LVV=3"), 1);
+    EXPECT_FALSE(result.markWritten);
+    EXPECT_FALSE(company::ExecutionMarkExists(company.database()));
+    ASSERT_EQ(company.ports.messages.size(), 1);
+    EXPECT_TRUE(company.ports.messages.front().startsWith(QStringLiteral("Ajo keskeytettiin.")));
+    EXPECT_TRUE(company.ports.messages.front().contains(QStringLiteral("tuotteet 2 kpl")));
+    EXPECT_EQ(company.ports.lines.last(), company.ports.messages.front());
+    EXPECT_FALSE(company::readUnfinishedNote());
+}
+
+TEST(RunMark, OnlyTheProgramItselfWritesIt) {
+    RunCompany company;
+    EXPECT_FALSE(company.run(plainDefinition()).markWritten);
+    EXPECT_FALSE(company::ExecutionMarkExists(company.database()));
+    company.ports.program = QStringLiteral("TAKSAVAIHE.EXE");
+    EXPECT_TRUE(company.run(plainDefinition()).markWritten);
+    company.setNow(QDateTime(QDate(2024, 9, 2), QTime(7, 8, 9)));
+    EXPECT_TRUE(company.run(plainDefinition()).markWritten);
+    EXPECT_EQ(company.number("select count(*) from INI"), 1);
+    EXPECT_EQ(company.text("select Data from INI where Avain='20240901'"), "2024-09-02 07:08:09");
+}
+
+TEST(UnfinishedRun, IsNotedAndToldToTheNext) {
+    RunCompany company;
+    addProducts(company, 1);
+    bool noted = false;
+    company.ports.onStatus = [&noted](const QString&) {
+        noted = company::readUnfinishedNote().has_value();
+    };
+    EXPECT_TRUE(company.run(plainDefinition()).clean());
+    EXPECT_TRUE(noted);
+    EXPECT_FALSE(company::readUnfinishedNote());
+
+    company::writeUnfinishedNote(QStringLiteral("Alv255"));
+    ChangeDefinition refused = plainDefinition();
+    refused.targetClass = 0;
+    EXPECT_TRUE(company.run(refused).refused);
+    EXPECT_TRUE(company::readUnfinishedNote()) << "a refused run leaves the earlier note";
+    company.ports.lines.clear();
+    EXPECT_TRUE(company.run(plainDefinition()).clean());
+    EXPECT_TRUE(company.ports.lines.front().startsWith(QStringLiteral("Edellinen ajo jäi kesken")));
+    EXPECT_TRUE(company.ports.lines.front().contains(QStringLiteral("Alv255")));
+    EXPECT_FALSE(company::readUnfinishedNote());
+}
+
+}  // namespace
