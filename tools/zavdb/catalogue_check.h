@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QMap>
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+#include "data/engine.h"
+
+namespace tools {
+
+/// What the catalogue says of each table: its fields in order and its key segments.
+using Catalogue = QMap<QString, QStringList>;
+
+bool isCatalogueTable(const QString& table);
+
+/// Reads the catalogue's own tables. They are opened once, so that they can still be read while a
+/// transaction rewrites the rows that describe them.
+class CatalogueReader {
+  public:
+    explicit CatalogueReader(data::Database& database);
+    Catalogue read();
+
+  private:
+    std::unique_ptr<data::RecordFile> m_files;
+    std::unique_ptr<data::RecordFile> m_fields;
+    std::unique_ptr<data::RecordFile> m_indexes;
+};
+
+/// The stored tables stay as they are when rows of the catalogue are imported, so it has to say the
+/// same of them afterwards. @throws CommandError naming a table of which it does not.
+void requireSameTables(const Catalogue& before, const Catalogue& after);
+
+}  // namespace tools

@@ -1,0 +1,166 @@
+#include "tools/zavdb/command.h"
+
+#include <QCommandLineParser>
+#include <QTextStream>
+#include <algorithm>
+#include <cstdio>
+
+#include "app/company/aliases.h"
+#include "app/company/connection_module.h"
+#include "tools/zavdb/csv.h"
+
+namespace tools {
+
+namespace {
+
+constexpr int kError = 1;
+constexpr int kWrongUsage = 2;
+
+std::vector<Command> allCommands() {
+    std::vector<Command> all = companyCommands();
+    for (auto* more : {&tableCommands, &transferCommands}) {
+        std::vector<Command> part = more();
+        std::move(part.begin(), part.end(), std::back_inserter(all));
+    }
+    return all;
+}
+
+QString overview(const std::vector<Command>& commands) {
+    QString text = QStringLiteral(
+        "Usage: zavdb COMMAND ...\n"
+        "Creates, fills, reads and checks company databases.\n\nCommands:\n");
+    qsizetype width = 0;
+    for (const Command& command : commands)
+        width = std::max(width, command.name.size());
+    for (const Command& command : commands)
+        text += QStringLiteral("  %1  %2\n").arg(command.name, -width).arg(command.summary);
+    return text +
+           QStringLiteral(
+               "\n\"zavdb COMMAND --help\" explains a command, \"zavdb --version\" tells the "
+               "version.\nExit status: 0 done, 1 error, 2 wrong usage.\n");
+}
+
+void print(const QString& text) {
+    QTextStream(stdout) << text;
+}
+
+int wrongUsage(const QString& what, const QString& command = {}) {
+    printError(what);
+    printError(command.isEmpty()
+                   ? QStringLiteral("\"zavdb --help\" lists the commands.")
+                   : QStringLiteral("\"zavdb %1 --help\" explains the command.").arg(command));
+    return kWrongUsage;
+}
+
+int runCommand(const Command& command, const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        command.summary + u'.' + (command.details.isEmpty() ? QString() : u'\n' + command.details));
+    const QCommandLineOption help = parser.addHelpOption();
+    parser.addOptions(command.options);
+    parser.addPositionalArgument(command.name, command.summary + u'.',
+                                 command.name + u' ' + command.syntax);
+    // the parser takes the program's name from the list's head
+    QStringList given = arguments;
+    given.prepend(QStringLiteral("zavdb"));
+    if (!parser.parse(given))
+        return wrongUsage(parser.errorText(), command.name);
+    if (parser.isSet(help)) {
+        print(parser.helpText());
+        return 0;
+    }
+    Arguments parsed;
+    parsed.positional = parser.positionalArguments();
+    if (parsed.count() < command.minArguments)
+        return wrongUsage(
+            QStringLiteral("Too few arguments: zavdb %1 %2").arg(command.name, command.syntax),
+            command.name);
+    if (parsed.count() > command.maxArguments)
+        return wrongUsage(
+            QStringLiteral("Too many arguments: \"%1\"").arg(parsed.at(command.maxArguments)),
+            command.name);
+    for (const QCommandLineOption& option : command.options) {
+        const QString name = option.names().constFirst();
+        if (!parser.isSet(option))
+            continue;
+        parsed.options[name] =
+            option.valueName().isEmpty() ? QStringList{QString()} : parser.values(option);
+    }
+    return command.run(parsed);
+}
+
+}  // namespace
+
+int runZavdb(const QStringList& arguments) {
+    const std::vector<Command> commands = allCommands();
+    if (arguments.isEmpty())
+        return wrongUsage(QStringLiteral("No command given."));
+    const QString& first = arguments.constFirst();
+    if (first == QLatin1String("--help") || first == QLatin1String("-h") ||
+        first == QLatin1String("help")) {
+        print(overview(commands));
+        return 0;
+    }
+    if (first == QLatin1String("--version") || first == QLatin1String("-v")) {
+        print(QStringLiteral("zavdb %1\n").arg(QCoreApplication::applicationVersion()));
+        return 0;
+    }
+    const auto command = std::find_if(commands.begin(), commands.end(),
+                                      [&](const Command& c) { return c.name == first; });
+    if (command == commands.end())
+        return wrongUsage(QStringLiteral("Unknown command \"%1\".").arg(first));
+    try {
+        return runCommand(*command, arguments.mid(1));
+    } catch (const UsageError& error) {
+        return wrongUsage(error.message(), first);
+    } catch (const CommandError& error) {
+        printError(error.message());
+    } catch (const data::DataError& error) {
+        printError(error.english());
+    } catch (const CsvError& error) {
+        printError(QString::fromUtf8(error.what()));
+    } catch (const std::bad_alloc&) {
+        printError(QStringLiteral("Out of memory."));
+    }
+    return kError;
+}
+
+QString companyFolder(const QString& name) {
+    const std::optional<company::Alias> alias = company::findAlias(name);
+    if (!alias)
+        throw CommandError(QStringLiteral("There is no company \"%1\"; \"zavdb list\" shows the "
+                                          "registered ones.")
+                               .arg(name));
+    return alias->physicalName;
+}
+
+std::unique_ptr<data::Database> openCompany(const QString& name) {
+    companyFolder(name);
+    return company::TZavDbConnectionModule::openByAlias(name);
+}
+
+std::unique_ptr<data::RecordFile> openTable(data::Database& database, const QString& table) {
+    try {
+        return database.openTable(table);
+    } catch (const data::DataError& error) {
+        if (error.kind() != data::ErrorKind::NoSuchTable)
+            throw;
+        throw CommandError(
+            QStringLiteral("Company \"%1\" has no table \"%2\".").arg(database.name(), table));
+    }
+}
+
+void printLine(const QString& text) {
+    QTextStream(stdout) << text << '\n';
+}
+
+void printError(const QString& text) {
+    QTextStream(stderr) << "zavdb: " << text << '\n';
+}
+
+QString counted(qint64 count, const QString& thing) {
+    return QStringLiteral("%1 %2%3").arg(count).arg(thing,
+                                                    count == 1 ? QString() : QStringLiteral("s"));
+}
+
+}  // namespace tools

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QCommandLineOption>
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "data/engine.h"
+
+namespace tools {
+
+/// A command that cannot do its work: one English line for standard error, exit status 1.
+class CommandError : public std::runtime_error {
+  public:
+    explicit CommandError(const QString& message)
+        : std::runtime_error(message.toStdString()), m_message(message) {}
+    const QString& message() const { return m_message; }
+
+  private:
+    QString m_message;
+};
+
+/// A command line that says nothing sensible: exit status 2.
+class UsageError : public CommandError {
+  public:
+    using CommandError::CommandError;
+};
+
+/// What the user gave a command: its arguments in order and its options by name.
+class Arguments {
+  public:
+    QStringList positional;
+    QHash<QString, QStringList> options;  ///< an option without a value has one empty text
+
+    const QString& at(int index) const { return positional.at(index); }
+    int count() const { return static_cast<int>(positional.size()); }
+    bool has(const QString& option) const { return options.contains(option); }
+};
+
+/// One command of the program.
+struct Command {
+    QString name;
+    QString syntax;  ///< its arguments as the help shows them
+    QString summary;
+    QString details;  ///< further paragraphs of its own help
+    int minArguments = 0;
+    int maxArguments = 0;
+    QList<QCommandLineOption> options;
+    /// @return the exit status. @throws CommandError, data::DataError, CsvError.
+    std::function<int(const Arguments&)> run;
+};
+
+// The commands by subject; each list is one source file.
+std::vector<Command> companyCommands();   ///< create, demo, list, add, forget, backup, check
+std::vector<Command> tableCommands();     ///< tables, fields, dictionary, sql
+std::vector<Command> transferCommands();  ///< import, export
+
+/// Parses the command line and runs the command. @return the exit status: 0, 1 for an error (told
+/// on standard error), 2 for wrong usage.
+int runZavdb(const QStringList& arguments);
+
+// --- what several commands use
+
+/// The folder of a registered company. @throws CommandError when there is none of that name.
+QString companyFolder(const QString& name);
+/// Opens a registered company's database. @throws CommandError, data::DataError.
+std::unique_ptr<data::Database> openCompany(const QString& name);
+/// Opens one table. @throws CommandError naming the table when the company has none of that name.
+std::unique_ptr<data::RecordFile> openTable(data::Database& database, const QString& table);
+
+void printLine(const QString& text);   ///< to standard output
+void printError(const QString& text);  ///< to standard error
+
+/// "1 row", "12 rows"
+QString counted(qint64 count, const QString& thing);
+
+}  // namespace tools

@@ -1,0 +1,105 @@
+#include "tools/zavdb/company_builder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include "app/company/aliases.h"
+#include "data/embedded/embedded_database.h"
+#include "tools/zavdb/command.h"
+
+namespace tools {
+
+namespace {
+
+/// A folder that this object made, with its parents; taken away again unless it is kept.
+class NewFolder {
+  public:
+    explicit NewFolder(const QString& path) {
+        QString parent = QDir::cleanPath(path);
+        while (!QFileInfo::exists(parent)) {
+            m_made.append(parent);
+            parent = QFileInfo(parent).path();
+        }
+        if (!QDir().mkpath(path)) {
+            remove();
+            throw CommandError(QStringLiteral("The folder %1 cannot be made.").arg(path));
+        }
+    }
+    ~NewFolder() {
+        if (!m_kept)
+            remove();
+    }
+    NewFolder(const NewFolder&) = delete;
+    NewFolder& operator=(const NewFolder&) = delete;
+    void keep() { m_kept = true; }
+
+  private:
+    void remove() {
+        for (const QString& folder : m_made)
+            QDir().rmdir(folder);  // the innermost first; one that is not empty stays
+    }
+    QStringList m_made;
+    bool m_kept = false;
+};
+
+void requireFreeFolder(const QString& folder) {
+    if (QFileInfo::exists(QDir(folder).filePath(data::kEmbeddedFileName)))
+        throw CommandError(QStringLiteral("The folder %1 holds a company already; \"zavdb add\" "
+                                          "registers it.")
+                               .arg(folder));
+    const QFileInfo info(folder);
+    if (info.exists() && !info.isDir())
+        throw CommandError(QStringLiteral("%1 is no folder.").arg(folder));
+}
+
+}  // namespace
+
+void requireFreeName(const QString& name) {
+    const QString problem = company::aliasNameProblem(name);
+    if (!problem.isEmpty())
+        throw CommandError(problem);
+    if (const std::optional<company::Alias> taken = company::findAlias(name))
+        throw CommandError(QStringLiteral("There is a company \"%1\" already (%2).")
+                               .arg(taken->name, taken->physicalName));
+}
+
+void registerCompany(const QString& name, const QString& folder) {
+    company::Alias alias;
+    alias.name = name;
+    alias.physicalName = QDir::toNativeSeparators(folder);
+    company::storeAlias(alias);
+}
+
+void buildCompany(const QString& name, const QString& folder,
+                  const std::vector<data::TableSource>& tables,
+                  const std::function<void(data::Database&)>& fill) {
+    const QString absolute = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+    requireFreeName(name);
+    requireFreeFolder(absolute);
+    NewFolder newFolder(absolute);
+    QTemporaryDir workshop(QDir(absolute).filePath(QStringLiteral(".zavdb-XXXXXX")));
+    if (!workshop.isValid())
+        throw CommandError(QStringLiteral("The folder %1 cannot be written: %2")
+                               .arg(absolute, workshop.errorString()));
+    data::createEmbedded(workshop.path(), tables);
+    if (fill) {
+        const std::unique_ptr<data::Database> database = data::openEmbedded(name, workshop.path());
+        fill(*database);
+    }
+    const QString target = QDir(absolute).filePath(data::kEmbeddedFileName);
+    QFile file(workshop.filePath(data::kEmbeddedFileName));
+    if (!file.rename(target))  // takes nothing's place
+        throw CommandError(QStringLiteral("The database cannot be moved to %1: %2")
+                               .arg(target, file.errorString()));
+    try {
+        registerCompany(name, absolute);
+    } catch (...) {
+        QFile::remove(target);
+        throw;
+    }
+    newFolder.keep();
+}
+
+}  // namespace tools

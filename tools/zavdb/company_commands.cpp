@@ -1,0 +1,220 @@
+#include <QDir>
+#include <QFileInfo>
+#include <algorithm>
+
+#include "app/company/aliases.h"
+#include "data/dictionary/dictionary_source.h"
+#include "data/embedded/embedded_database.h"
+#include "tools/zavdb/command.h"
+#include "tools/zavdb/company_builder.h"
+#include "tools/zavdb/demo/demo_company.h"
+
+namespace tools {
+
+namespace {
+
+const QString kWithout = QStringLiteral("without");
+const QString kProducts = QStringLiteral("products");
+const QString kSeed = QStringLiteral("seed");
+
+// A company without these is none: the catalogue, and what every run reads.
+const QStringList kEssentialTables = {
+    QStringLiteral("X$File"), QStringLiteral("X$Field"), QStringLiteral("X$Index"),
+    QStringLiteral("TUOTE"),  QStringLiteral("TRYHMA"),  QStringLiteral("ALVKANTA"),
+    QStringLiteral("INI"),    QStringLiteral("ASRYHMA"), QStringLiteral("HINTATASO"),
+};
+
+bool sameTable(const QString& a, const QString& b) {
+    return a.compare(b, Qt::CaseInsensitive) == 0;
+}
+
+std::vector<data::TableSource> tablesWithout(const QStringList& leftOut) {
+    std::vector<data::TableSource> tables = data::allTableSources();
+    for (const QString& name : leftOut) {
+        for (const QString& essential : kEssentialTables)
+            if (sameTable(essential, name))
+                throw CommandError(
+                    QStringLiteral("Table %1 cannot be left out: no company works without it.")
+                        .arg(essential));
+        const auto found =
+            std::find_if(tables.begin(), tables.end(),
+                         [&](const data::TableSource& t) { return sameTable(t.name, name); });
+        if (found == tables.end())
+            throw CommandError(QStringLiteral("There is no table \"%1\" to leave out.").arg(name));
+        tables.erase(found);
+    }
+    return tables;
+}
+
+int createCompany(const Arguments& arguments) {
+    QStringList leftOut = arguments.options.value(kWithout);
+    leftOut.removeDuplicates();
+    buildCompany(arguments.at(0), arguments.at(1), tablesWithout(leftOut), nullptr);
+    return 0;
+}
+
+qint64 number(const Arguments& arguments, const QString& option, qint64 fallback, qint64 lowest,
+              qint64 highest) {
+    if (!arguments.has(option))
+        return fallback;
+    const QString text = arguments.options.value(option).constLast();
+    bool ok = false;
+    const qint64 value = text.toLongLong(&ok);
+    if (!ok || value < lowest || value > highest)
+        throw UsageError(QStringLiteral("--%1 takes a whole number from %2 to %3, not \"%4\".")
+                               .arg(option)
+                               .arg(lowest)
+                               .arg(highest)
+                               .arg(text));
+    return value;
+}
+
+int createDemo(const Arguments& arguments) {
+    demo::Options options;
+    options.products = static_cast<int>(
+        number(arguments, kProducts, options.products, demo::kFewestProducts, demo::kMostProducts));
+    options.seed = static_cast<quint64>(
+        number(arguments, kSeed, static_cast<qint64>(options.seed), 0, INT64_MAX));
+    buildCompany(
+        arguments.at(0), arguments.at(1), data::allTableSources(), [&](data::Database& database) {
+            demo::fill(database, options, [](const QString& table, qint64 rows) {
+                printError(
+                    QStringLiteral("%1: %2").arg(table, counted(rows, QStringLiteral("row"))));
+            });
+        });
+    return 0;
+}
+
+int listCompanies(const Arguments&) {
+    for (const QString& name : company::aliasNames()) {
+        const std::optional<company::Alias> alias = company::findAlias(name);
+        printLine(name + u'\t' + (alias ? alias->physicalName : QString()));
+    }
+    return 0;
+}
+
+int addCompany(const Arguments& arguments) {
+    const QString& name = arguments.at(0);
+    const QString folder = QDir::cleanPath(QFileInfo(arguments.at(1)).absoluteFilePath());
+    requireFreeName(name);
+    if (!data::hasEmbeddedDatabase(folder))
+        throw CommandError(QStringLiteral("The folder %1 holds no company.").arg(folder));
+    data::openEmbedded(name, folder);
+    registerCompany(name, folder);
+    return 0;
+}
+
+int forgetCompany(const Arguments& arguments) {
+    companyFolder(arguments.at(0));
+    company::removeAlias(arguments.at(0));
+    return 0;
+}
+
+int backUp(const Arguments& arguments) {
+    const QString folder = companyFolder(arguments.at(0));
+    const QString target = QFileInfo(arguments.at(1)).absoluteFilePath();
+    if (QFileInfo::exists(target))
+        throw CommandError(QStringLiteral("%1 exists already.").arg(target));
+    data::backupEmbedded(folder, target, nullptr);
+    return 0;
+}
+
+int checkCompany(const Arguments& arguments) {
+    const QString folder = companyFolder(arguments.at(0));
+    const QStringList findings = data::checkEmbedded(folder);
+    for (const QString& finding : findings)
+        printLine(finding);
+    if (!findings.isEmpty()) {
+        printError(counted(findings.size(), QStringLiteral("finding")));
+        return 1;
+    }
+    const std::unique_ptr<data::Database> database = data::openEmbedded(arguments.at(0), folder);
+    qint64 records = 0;
+    const QStringList tables = database->tableNames();
+    for (const QString& table : tables)
+        records += database->openTable(table)->recordCount();
+    printLine(QStringLiteral("%1, %2: all is well.")
+                  .arg(counted(tables.size(), QStringLiteral("table")),
+                       counted(records, QStringLiteral("record"))));
+    return 0;
+}
+
+}  // namespace
+
+std::vector<Command> companyCommands() {
+    const QString newCompany = QStringLiteral(
+        "DIR is made when it is missing. Nothing is overwritten: a registered name or a folder "
+        "that "
+        "holds a company is an error, and a failure leaves nothing behind.");
+    return {
+        {QStringLiteral("create"),
+         QStringLiteral("NAME DIR"),
+         QStringLiteral("Makes a new, empty company in folder DIR and registers it as NAME"),
+         newCompany,
+         2,
+         2,
+         {QCommandLineOption(kWithout,
+                             QStringLiteral("Leaves an optional table out; may be repeated."),
+                             QStringLiteral("TABLE"))},
+         createCompany},
+        {QStringLiteral("demo"),
+         QStringLiteral("NAME DIR"),
+         QStringLiteral("Makes a company filled with the data of an invented Finnish retailer"),
+         newCompany + QStringLiteral("\nThe same number of products and the same seed give the "
+                                     "same data on every machine and day."),
+         2,
+         2,
+         {QCommandLineOption(kProducts,
+                             QStringLiteral("Number of products, %1 to %2 (default 2000).")
+                                 .arg(demo::kFewestProducts)
+                                 .arg(demo::kMostProducts),
+                             QStringLiteral("N")),
+          QCommandLineOption(kSeed, QStringLiteral("Seed of the data (default 1)."),
+                             QStringLiteral("S"))},
+         createDemo},
+        {QStringLiteral("list"),
+         QString(),
+         QStringLiteral("Lists the registered companies with their folders"),
+         QString(),
+         0,
+         0,
+         {},
+         listCompanies},
+        {QStringLiteral("add"),
+         QStringLiteral("NAME DIR"),
+         QStringLiteral("Registers the company in folder DIR as NAME"),
+         QString(),
+         2,
+         2,
+         {},
+         addCompany},
+        {QStringLiteral("forget"),
+         QStringLiteral("NAME"),
+         QStringLiteral("Takes a company off the list; its files stay"),
+         QString(),
+         1,
+         1,
+         {},
+         forgetCompany},
+        {QStringLiteral("backup"),
+         QStringLiteral("NAME FILE"),
+         QStringLiteral("Copies the company's database to a new file, safe while it is in use"),
+         QStringLiteral("To use a copy, put it into a folder as %1 and register the folder with "
+                        "\"zavdb add\".")
+             .arg(data::kEmbeddedFileName),
+         2,
+         2,
+         {},
+         backUp},
+        {QStringLiteral("check"),
+         QStringLiteral("NAME"),
+         QStringLiteral("Reads every record and every key of every table and tells what is wrong"),
+         QStringLiteral("Exit status 1 when something is."),
+         1,
+         1,
+         {},
+         checkCompany},
+    };
+}
+
+}  // namespace tools

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+#include <vector>
+
+#include "data/engine.h"
+
+namespace tools {
+
+/// The fields of an open table as its dictionaries describe them: the compiled one's items where it
+/// agrees with the stored layout (it keeps every mask), else the catalogue's.
+std::vector<data::TFieldCacheItem> describedFields(const data::RecordFile& records);
+
+/// A readable table of the fields, then one line for each key.
+QString fieldListing(const data::RecordFile& records);
+
+}  // namespace tools

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QIODevice>
+
+#include "data/engine.h"
+
+namespace tools {
+
+/// Writes every record as CSV: a header of all field names in field-number order, then the records
+/// in the order of key 0. Memory does not grow with the table. @return the number of records.
+/// @throws data::DataError, CsvError.
+qint64 exportTable(data::RecordFile& records, QIODevice& output);
+
+}  // namespace tools
