@@ -30,24 +30,17 @@ constexpr auto kDown = RoundingRule::Down;
 // t stands for the tolerance 0.000999999.
 const std::vector<PriceCase> kPriceCases = {
     // nearest, exact halves (binary fractions, so that the product is exact)
-    {kTenth, kNormal, 0.0625, 0.062, "62.5 -> 62 (even)"},
     {kTenth, kNormal, 0.1875, 0.188, "187.5 -> 188 (even)"},
     {kOne, kNormal, 0.125, 0.12, "12.5 -> 12"},
     {kOne, kNormal, 0.375, 0.38, "37.5 -> 38"},
     {kOne, kNormal, -0.125, -0.12, "-12.5 -> -12"},
-    {kOne, kNormal, -0.375, -0.38, "-37.5 -> -38"},
-    {kTen, kNormal, 0.25, 0.2, "2.5 -> 2"},
     {kTen, kNormal, 0.75, 0.8, "7.5 -> 8"},
-    {kHundredth, kNormal, 0.03125, 0.0312, "312.5 -> 312"},
     {kHundredth, kNormal, 0.09375, 0.0938, "937.5 -> 938"},
     // the product decides, not the decimal digits
     {kOne, kNormal, 2.675, 2.68, "2.675 x 100 is 267.5 in doubles -> 268"},
     {kOne, kNormal, 1.005, 1.0, "1.005 x 100 is 100.49999999999999 -> 100"},
-    {kOne, kNormal, 101.10846774, 101.11, "10110.8 -> 10111"},
-    {kOne, kNormal, 0.0, 0.0, "0"},
     {kOne, kNormal, -0.004, 0.0, "-0.4 -> 0, a plain zero"},
     // cash rounding: whole cents, then the last digit
-    {kFive, kNormal, 12.0, 12.0, "digit 0"},
     {kFive, kNormal, 12.02, 12.0, "digit 2 goes down"},
     {kFive, kNormal, 12.03, 12.05, "digit 3 goes to 5"},
     {kFive, kNormal, 12.07, 12.05, "digit 7 goes to 5"},
@@ -55,30 +48,22 @@ const std::vector<PriceCase> kPriceCases = {
     {kFive, kNormal, 1.98, 2.0, "198 -> 190 + 10"},
     {kFive, kNormal, 0.125, 0.1, "12.5 -> 12 cents, digit 2"},
     {kFive, kNormal, 0.375, 0.4, "37.5 -> 38 cents, digit 8"},
-    {kFive, kNormal, 12.0749, 12.05, "1207 cents"},
-    {kFive, kNormal, 12.0251, 12.05, "1203 cents"},
     {kFive, kNormal, -0.03, -0.05, "3 cents -> 5, the sign put back"},
-    {kFive, kNormal, -1.08, -1.1, "108 -> 110"},
     {kFive, kNormal, -0.02, 0.0, "2 cents -> 0, a plain zero"},
     // up: floor(steps + 1 - t)
     {kTenth, kUp, 0.0011, 0.002, "1.1 -> 2"},
-    {kOne, kUp, 10.01, 10.01, "1001 stays"},
     {kOne, kUp, 10.011, 10.02, "1001.1 -> 1002"},
     {kOne, kUp, 10.010009, 10.01, "1001.0009 is within t of 1001"},
     {kOne, kUp, 10.01002, 10.02, "1001.002 is not"},
     {kOne, kUp, -10.019, -10.01, "-1001.9 -> -1001"},
     {kFive, kUp, 10.01, 10.05, "200.2 -> 201"},
-    {kFive, kUp, 10.05, 10.05, "201 stays"},
     {kTen, kUp, 10.01, 10.1, "100.1 -> 101"},
-    {kHundredth, kUp, 0.00011, 0.0002, "1.1 -> 2"},
     {kOne, kUp, -0.005, 0.0, "floor(-0.5 + 1 - t) = 0"},
     // down: floor(steps + t)
-    {kTenth, kDown, 0.0019, 0.001, "1.9 -> 1"},
     {kOne, kDown, 10.0199, 10.01, "1001.99 -> 1001"},
     {kOne, kDown, 10.019995, 10.02, "1001.9995 is within t of 1002"},
     {kOne, kDown, -10.011, -10.02, "-1001.1 -> -1002"},
     {kFive, kDown, 10.04, 10.0, "200.8 -> 200"},
-    {kTen, kDown, 10.09, 10.0, "100.9 -> 100"},
     {kHundredth, kDown, 0.00019, 0.0001, "1.9 -> 1"},
 };
 
@@ -104,8 +89,6 @@ TEST(Rounding, HalfAwayFromZero) {
         {-7.125, 2, -7.13, "-712.5 - 0.5 -> -713"},
         {0.25, 1, 0.30000000000000004, "2.5 + 0.5 -> 3, and 3 x 0.1 is not 0.3 in doubles"},
         {-0.25, 1, -0.30000000000000004, "the same below zero"},
-        {0.0625, 3, 0.063, "62.5 + 0.5 -> 63"},
-        {0.03125, 4, 0.031300000000000001, "312.5 + 0.5 -> 313"},
         {-0.001, 2, 0.0, "-0.1 - 0.5 -> 0"},
     };
     for (const DecimalCase& c : cases)
@@ -119,23 +102,12 @@ TEST(Rounding, BankersTotals) {
         {7.375, 2, 7.38, "0.375 -> 37.5 -> 38"},
         {-7.125, 2, -7.12, "-12.5 -> -12"},
         {1.005, 2, 1.0, "the fraction is 0.00499..., x 100 = 0.499... -> 0"},
-        {3.25, 1, 3.2, "2.5 -> 2"},
-        {0.0625, 3, 0.062, "62.5 -> 62"},
         {1000000.03125, 4, 1000000.0312, "312.5 -> 312"},
         {2.5, 0, 2.0, "no split: 2.5 -> 2"},
-        {3.5, 0, 4.0, "3.5 -> 4"},
     };
     for (const DecimalCase& c : cases)
         EXPECT_EQ(vatchange::roundBankers(c.value, c.decimals), c.expected)
             << c.value << ": " << c.derivation;
-}
-
-TEST(Rounding, DecimalsOfAStep) {
-    EXPECT_EQ(vatchange::priceDecimals(kTenth), 3);
-    EXPECT_EQ(vatchange::priceDecimals(kOne), 2);
-    EXPECT_EQ(vatchange::priceDecimals(kFive), 2);
-    EXPECT_EQ(vatchange::priceDecimals(kTen), 1);
-    EXPECT_EQ(vatchange::priceDecimals(kHundredth), 4);
 }
 
 }  // namespace
