@@ -1,12 +1,12 @@
 #include "app/company/aliases.h"
 
-#include <QFileInfo>
 #include <QSettings>
 #include <algorithm>
 #include <memory>
 #include <vector>
 
 #include "app/company/company.h"
+#include "app/company/ini_file.h"
 #include "app/company/user_settings.h"
 #include "data/error.h"
 
@@ -31,6 +31,16 @@ void requireHealthy(const QSettings& store) {
                               QStringLiteral("the settings file cannot be read or written"));
 }
 
+#ifndef Q_OS_WIN
+/// QSettings takes a file that it cannot open for a missing one, and tells of a damaged one only
+/// the first time in a process; then it would write what it could read of it in its place.
+void requireReadable(const QString& fileName) {
+    if (const int line = IniFile::read(fileName).strayLine(); line > 0)
+        throw data::DataError(data::ErrorKind::Damaged, fileName,
+                              QStringLiteral("line %1 is no setting").arg(line));
+}
+#endif
+
 /// The places that may know an alias, the one that is written first.
 std::vector<Store> openStores() {
     std::vector<Store> stores;
@@ -41,12 +51,8 @@ std::vector<Store> openStores() {
             QSettings::NativeFormat));
 #else
     const QString file = userSettingsFolder() + QStringLiteral("/aliases.ini");
+    requireReadable(file);
     stores.push_back(std::make_unique<QSettings>(file, QSettings::IniFormat));
-    // QSettings takes a file that it cannot open for a missing one.
-    if (const QFileInfo info(file); info.exists() && (!info.isFile() || !info.isReadable()))
-        throw data::DataError(data::ErrorKind::Io, file,
-                              QStringLiteral("the settings file cannot be read"));
-    requireHealthy(*stores.front());
 #endif
     return stores;
 }

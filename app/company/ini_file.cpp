@@ -280,6 +280,24 @@ bool IniFile::removeSection(const QString& section) {
            }) > 0;
 }
 
+int IniFile::strayLine(const std::optional<QString>& section) const {
+    int number = 0;
+    for (const Section& candidate : m_data->sections) {
+        if (!candidate.header.isEmpty())
+            ++number;
+        const bool meant =
+            !section || (!candidate.header.isEmpty() && sameName(candidate.name, *section));
+        for (const Line& line : candidate.lines) {
+            ++number;
+            const QStringView content = withoutBlanks(line.text);
+            if (meant && line.key.isEmpty() && !content.isEmpty() && content.front() != u';' &&
+                content.front() != u'#')
+                return number;
+        }
+    }
+    return 0;
+}
+
 bool IniFile::hasSection(const QString& section) const {
     return m_data->find(section) != nullptr;
 }

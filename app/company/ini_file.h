@@ -48,6 +48,10 @@ class IniFile {
     bool removeKey(const QString& section, const QString& key);
     bool removeSection(const QString& section);
     bool hasSection(const QString& section) const;
+    /// Number of the first line (of a section, or of the file) that is no key, comment or section
+    /// name nor empty: it may be what is left of a key. 0 when there is none. Lines count from 1,
+    /// as the file would be written.
+    int strayLine(const std::optional<QString>& section = std::nullopt) const;
 
   private:
     struct Data;

@@ -89,7 +89,8 @@ QStringList DefinitionStore::GetValues(const QString& formName) const {
 
 std::optional<SavedDefinition> DefinitionStore::load(const QString& formName,
                                                      const QString& name) const {
-    const company::IniFile file = company::IniFile::read(fileName(formName));
+    const QString path = fileName(formName);
+    const company::IniFile file = company::IniFile::read(path);
     const QString wanted = name.trimmed();
     const QStringList names = file.sections();
     const auto found = std::find_if(names.begin(), names.end(), [&wanted](const QString& known) {
@@ -97,6 +98,10 @@ std::optional<SavedDefinition> DefinitionStore::load(const QString& formName,
     });
     if (found == names.end() || wanted.isEmpty())
         return std::nullopt;
+    if (const int line = file.strayLine(*found); line > 0)
+        throw data::DataError(data::ErrorKind::Damaged, path,
+                              QStringLiteral("line %1 of definition \"%2\" is no setting")
+                                  .arg(QString::number(line), *found));
     SavedDefinition definition;
     definition.name = *found;
     for (const QString& key : file.keys(definition.name)) {

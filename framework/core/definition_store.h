@@ -35,6 +35,8 @@ class DefinitionStore {
     QString fileName(const QString& formName) const;
 
     QStringList GetValues(const QString& formName) const;  ///< names, sorted
+    /// Nothing when there is no definition of that name. A line of it that is no setting is an
+    /// error: a damaged definition must not run with defaults in place of its values.
     std::optional<SavedDefinition> load(const QString& formName, const QString& name) const;
     /// Replaces the values of the definition of that name, or adds it at the end; keys of the file
     /// that `definition` does not have are kept. @throws data::DataError(BadValue) for a name that

@@ -1,0 +1,142 @@
+#include "app/company/logs.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QRegularExpression>
+#include <vector>
+
+#include "app/company/unfinished_note.h"
+#include "data/clock.h"
+#include "data/record/windows1252.h"
+#include "tests/support/company_folder.h"
+
+#ifndef Q_OS_WIN
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+using namespace company;
+
+namespace {
+
+QString str(const char* utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+class LogsTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        setLogErrorReport([this](const QString& text) { m_errors.append(text); });
+    }
+    void TearDown() override { setLogErrorReport(nullptr); }
+
+    test::CompanyFolder m_company;
+    QStringList m_errors;
+    QDateTime m_now{QDate(2024, 9, 5), QTime(14, 3, 27)};
+    data::Clock::Override m_clock{[this] { return m_now; }};
+};
+
+TEST_F(LogsTest, ChangeLogLines) {
+    WriteAlvMuutosLog(str("Aloitetaan muutos määrittelylle: Alv255"));
+    m_now = m_now.addSecs(-10 * 3600);
+    WriteAlvMuutosLog(str("Hinta: 1.5€ #0.0000€ "));
+    WriteAlvMuutosLog(str("a\r\nb\n\nc\rd\n"));
+    WriteAlvMuutosLog({});
+    const QString host = computerName();
+    ASSERT_FALSE(host.isEmpty());
+    const QString expected =
+        str("05.09.2024 14:03:27@") + host +
+        str("  Aloitetaan muutos määrittelylle: Alv255\n05.09.2024 04:03:27@") + host +
+        str("  Hinta: 1.5€ #0.0000€ \n05.09.2024 04:03:27@") + host +
+        str("  a b c d \n05.09.2024 04:03:27@") + host + str("  \n");
+    EXPECT_EQ(AlvMuutosLogName(), m_company.file(str("ALVMUUTOS.LOG")));
+    EXPECT_EQ(test::fileBytes(AlvMuutosLogName()).replace("\r\n", "\n"), expected.toUtf8());
+    EXPECT_TRUE(m_errors.isEmpty());
+}
+
+TEST_F(LogsTest, GeneralLogIsWindows1252) {
+    writeGeneralLog(str("Ääkköset € Ω\nkaksi"));
+    const QString text = data::fromWindows1252(test::fileBytes(m_company.file(str("loki.dat"))));
+    const QRegularExpression entry(str("^05\\.09\\.2024 14:03:27  [^@ ]+@") +
+                                   QRegularExpression::escape(computerName()) +
+                                   str("  Ääkköset € \\? kaksi\r\n$"));
+    EXPECT_TRUE(entry.match(text).hasMatch()) << text.toStdString();
+}
+
+TEST_F(LogsTest, AFailureIsReportedOnceAndStopsNobody) {
+    const QString blocked = m_company.file(str("ALVMUUTOS.LOG"));
+    ASSERT_TRUE(QDir().mkpath(blocked));
+    for (int i = 0; i < 3; ++i)
+        WriteAlvMuutosLog(str("x"));
+    ASSERT_EQ(m_errors.size(), 1);
+    EXPECT_TRUE(m_errors.front().contains(blocked));
+    ASSERT_TRUE(QDir().rmdir(blocked));
+    WriteAlvMuutosLog(str("x"));
+    ASSERT_TRUE(QFile::remove(blocked) && QDir().mkpath(blocked));
+    WriteAlvMuutosLog(str("x"));
+    EXPECT_EQ(m_errors.size(), 2);
+}
+
+#ifndef Q_OS_WIN
+TEST_F(LogsTest, LinesOfTwoProgramsStandWhole) {
+    constexpr int kLines = 3000;
+    const QString tail = QString(700, u'ä');
+    std::vector<pid_t> children;
+    for (const char* who : {"A", "B"}) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            for (int i = 0; i < kLines; ++i)
+                WriteAlvMuutosLog(str(who) + QString::number(i) + u' ' + tail);
+            _exit(0);
+        }
+        children.push_back(child);
+    }
+    for (const pid_t child : children)
+        ASSERT_EQ(waitpid(child, nullptr, 0), child);
+
+    QMap<QChar, int> next;
+    const QRegularExpression line(
+        str("^\\d\\d\\.\\d\\d\\.\\d{4} [\\d:]{8}@\\S+  ([AB])(\\d+) (ä+)$"),
+        QRegularExpression::UseUnicodePropertiesOption);
+    const QStringList lines =
+        QString::fromUtf8(test::fileBytes(AlvMuutosLogName())).split(u'\n', Qt::SkipEmptyParts);
+    for (const QString& text : lines) {
+        const auto match = line.match(text);
+        ASSERT_TRUE(match.hasMatch()) << text.left(80).toStdString();
+        ASSERT_EQ(match.captured(2).toInt(), next[match.captured(1).front()]++);
+        ASSERT_EQ(match.captured(3).size(), tail.size());
+    }
+    EXPECT_EQ(lines.size(), 2 * kLines);
+}
+#endif
+
+TEST_F(LogsTest, UnfinishedNote) {
+    EXPECT_FALSE(readUnfinishedNote());
+    removeUnfinishedNote();
+    writeUnfinishedNote(str(" Määrittely [1] "));
+    auto note = readUnfinishedNote();
+    ASSERT_TRUE(note);
+    EXPECT_EQ(note->definition, str(" Määrittely [1] "));
+    EXPECT_EQ(note->started, m_now);
+    EXPECT_EQ(note->computer, computerName());
+    removeUnfinishedNote();
+    EXPECT_FALSE(readUnfinishedNote());
+    EXPECT_TRUE(m_errors.isEmpty());
+
+    test::writeFile(unfinishedNoteName(), QByteArray("[AJO\0", 5));
+    note = readUnfinishedNote();
+    ASSERT_TRUE(note);
+    EXPECT_FALSE(note->started.isValid());
+    EXPECT_EQ(unfinishedNoteText(*note), str("Edellinen ajo jäi kesken"));
+    EXPECT_EQ(m_errors.size(), 1);
+
+    ASSERT_TRUE(QFile::remove(unfinishedNoteName()) &&
+                QDir().mkpath(unfinishedNoteName() + str("/x")));
+    writeUnfinishedNote(str("x"));
+    removeUnfinishedNote();
+    EXPECT_EQ(m_errors.size(), 3);
+}
+
+}  // namespace

@@ -1,0 +1,122 @@
+#include "framework/core/definition_store.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QSettings>
+
+#include "app/company/user_settings.h"
+#include "data/error.h"
+#include "tests/support/company_folder.h"
+
+using framework::DefinitionStore;
+using framework::SavedDefinition;
+
+namespace {
+
+QString str(const char* utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+const QString kForm = QStringLiteral("AlvMuutosLomake");
+
+class DefinitionStoreTest : public ::testing::Test {
+  protected:
+    test::CompanyFolder m_company;
+    DefinitionStore m_store;
+    QString m_file = m_company.file(QStringLiteral("MAARITYS/AlvMuutosLomake.INI"));
+};
+
+TEST_F(DefinitionStoreTest, DefinitionsComeBackByName) {
+    EXPECT_TRUE(m_store.GetValues(kForm).isEmpty());
+    EXPECT_FALSE(m_store.load(kForm, str("Normaali")));
+    EXPECT_FALSE(m_store.remove(kForm, str("Normaali")));
+
+    const char* const names[] = {"Normaali", "Äyriäiset 25,5 %", "åå", "a=b;c#d", "\"x\"", "Ω"};
+    for (const char* name : names)
+        m_store.save(kForm, {str(name),
+                             str("Selitys: ") + str(name),
+                             {{str("Hinta1Edit"), str("1.0120967741935485")},
+                              {str("TuotenroAlkuEdit"), str(" 12 ")},
+                              {str("VieHr"), str("1")}}});
+    EXPECT_EQ(m_store.fileName(kForm), m_file);
+    EXPECT_EQ(m_store.GetValues(kForm).size(), 6);
+    for (const char* name : names) {
+        const auto definition = m_store.load(kForm, u' ' + str(name).toUpper() + u' ');
+        ASSERT_TRUE(definition) << name;
+        EXPECT_EQ(definition->name, str(name));
+        EXPECT_EQ(definition->description, str("Selitys: ") + str(name));
+        EXPECT_EQ(definition->values.size(), 3);
+        EXPECT_EQ(definition->value(str("hinta1EDIT")), str("1.0120967741935485"));
+        EXPECT_EQ(definition->value(str("TuotenroAlkuEdit")), str(" 12 "));
+        EXPECT_FALSE(definition->value(str("Hinta2Edit")));
+    }
+    EXPECT_TRUE(m_store.remove(kForm, str("Åå")));
+    EXPECT_EQ(m_store.GetValues(kForm).size(), 5);
+    EXPECT_EQ(QDir(m_company.file(str("MAARITYS"))).entryList(QDir::Files),
+              QStringList(str("AlvMuutosLomake.INI")));
+}
+
+TEST_F(DefinitionStoreTest, NamesAreListedInFinnishOrder) {
+    ASSERT_TRUE(QDir().mkpath(m_company.file(str("MAARITYS"))));
+    test::writeFile(m_file, "[\xD6]\n[zeta]\n[Alfa]\n[]\nx=1\n[ALFA]\n[\xE4]\n[beta]\n");
+    EXPECT_EQ(m_store.GetValues(kForm),
+              QStringList({str("Alfa"), str("beta"), str("zeta"), str("ä"), str("Ö")}));
+}
+
+TEST_F(DefinitionStoreTest, ASaveKeepsOrderAndForeignKeys) {
+    ASSERT_TRUE(QDir().mkpath(m_company.file(str("MAARITYS"))));
+    test::writeFile(m_file, "; oma\n[B]\nVanha=1\nHINTA1EDIT=1\nselite=x\n\n[A]\nk=\xE4\n");
+    m_store.save(
+        kForm, {str("b"), str("uusi"), {{str("Hinta1Edit"), str("2")}, {str("VieHr"), str("0")}}});
+    EXPECT_EQ(test::fileBytes(m_file),
+              "; oma\n[B]\nVanha=1\nHINTA1EDIT=2\nselite=uusi\nVieHr=0\n\n[A]\nk=\xE4\n");
+}
+
+TEST_F(DefinitionStoreTest, BadNamesAndFilesChangeNothing) {
+    for (const char* name : {"", "  ", "a[b", "a]b", "a\nb", "\x01"}) {
+        EXPECT_FALSE(DefinitionStore::nameProblem(str(name)).isEmpty()) << name;
+        EXPECT_THROW(m_store.save(kForm, {str(name), {}, {}}), data::DataError) << name;
+    }
+    EXPECT_FALSE(QFile::exists(m_company.file(str("MAARITYS"))));
+
+    m_store.save(kForm, {str("a"), {}, {}});
+    test::writeFile(m_file, "[a]\nVieHr=1\nTuotel\n[b]\n");
+    EXPECT_THROW(m_store.load(kForm, str("a")), data::DataError);
+    EXPECT_TRUE(m_store.load(kForm, str("b")));
+    const QByteArray damaged("[a]\nx=1\n[b\ny=2\n");
+    test::writeFile(m_file, damaged);
+    EXPECT_THROW(m_store.GetValues(kForm), data::DataError);
+    EXPECT_THROW(m_store.load(kForm, str("a")), data::DataError);
+    EXPECT_THROW(m_store.save(kForm, {str("a"), {}, {}}), data::DataError);
+    EXPECT_THROW(m_store.remove(kForm, str("a")), data::DataError);
+    EXPECT_EQ(test::fileBytes(m_file), damaged);
+
+    DefinitionStore gone(m_company.file(str("ei/ole")));
+    EXPECT_TRUE(gone.GetValues(kForm).isEmpty());
+    EXPECT_THROW(gone.save(kForm, {str("a"), {}, {}}), data::DataError);
+    EXPECT_FALSE(QFile::exists(m_company.file(str("ei"))));
+}
+
+TEST_F(DefinitionStoreTest, TheFormsFlagMovesThemToTheLocalFolder) {
+    const QTemporaryDir local;
+    company::storeAlias({company::currentCompany().name, m_company.path(), local.path(), {}});
+    ASSERT_TRUE(company::takeIntoUse(company::currentCompany().name));
+    EXPECT_EQ(m_store.fileName(kForm), m_file);
+    {
+        QSettings settings(company::userSettingsFolder() + str("/aliases.ini"),
+                           QSettings::IniFormat);
+        settings.setValue(str("Lomakkeet/AlvMuutosLomake/PaikallinenMaaritys"), 1);
+    }
+    EXPECT_EQ(m_store.fileName(kForm), local.filePath(str("MAARITYS/AlvMuutosLomake.INI")));
+    EXPECT_EQ(m_store.fileName(str("Muu")), m_company.file(str("MAARITYS/Muu.INI")));
+    QSettings(company::userSettingsFolder() + str("/aliases.ini"), QSettings::IniFormat)
+        .remove(str("Lomakkeet"));
+}
+
+TEST(DefinitionStore, ALoadWithoutANameMeansNormaali) {
+    EXPECT_EQ(DefinitionStore::nameToLoad(str("  ")), str("Normaali"));
+    EXPECT_EQ(DefinitionStore::nameToLoad(str(" x ")), str("x"));
+}
+
+}  // namespace
