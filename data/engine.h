@@ -32,7 +32,8 @@ enum class SeekOp { Equal, GreaterOrEqual, Greater, LessOrEqual, Less };
 enum class Direction { Forward, Backward };
 
 /// The records of one table. No call leaves anything open in the engine: what it returns is a copy,
-/// and a later call finds the database as it is then. All calls throw DataError on failure.
+/// and a later call finds the database as it is then. Fewer than `max` records come only from the
+/// end of the key (with Equal: of the matching values). All calls throw DataError on failure.
 class RecordFile {
   public:
     virtual ~RecordFile() = default;

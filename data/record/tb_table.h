@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QString>
 #include <QStringList>
 #include <chrono>
@@ -16,6 +17,7 @@ namespace data {
 
 class TtbTable;
 class Filter;
+class RecordView;
 
 /// The database name under which every table of the program is opened.
 inline const QString kDdfDatabase = QStringLiteral("ddf");
@@ -30,7 +32,8 @@ class TField {
     int size() const { return m_size; }  ///< characters of a string, bytes otherwise
     bool isCalculated() const { return m_calculate != nullptr; }
 
-    qint64 asInteger() const;  ///< 0 for an empty field; a float is truncated
+    /// 0 for an empty field; a float is truncated, a text is read as a number (0 when it is none)
+    qint64 asInteger() const;
     double asFloat() const;
     QString asString() const;  ///< as valueToText, without the display format
     bool asBoolean() const;
@@ -55,8 +58,11 @@ class TField {
 
   private:
     friend class TtbTable;
+    const uchar* record() const;  // the bytes that accessors read
+    uchar* editedRecord();
+
     TtbTable* m_table = nullptr;
-    int m_index = -1;  // into the layout; -1 for a calculated field
+    TFieldCacheItem m_item;  // the layout's, or what a calculated field amounts to
     QString m_name;
     Kind m_kind = Kind::String;
     int m_size = 0;
@@ -94,6 +100,8 @@ struct Bookmark {
 /// posted under a new key value is met again if its new place lies ahead.
 ///
 /// All failures throw DataError; a failed call leaves the current record and state as they were.
+/// While a record is edited or inserted, navigation is refused (DataError(Engine)): post or cancel
+/// first.
 class TtbTable {
   public:
     TtbTable();
@@ -141,9 +149,11 @@ class TtbTable {
     /// goes to the first record. Holds until cancelRange(), also across edits and posts.
     void setRange(const KeyValues& low, const KeyValues& high);
     void cancelRange();  ///< the current record stays current
-    bool hasRange() const { return m_rangeLow.has_value(); }
+    bool hasRange() const;
 
     // --- walking
+    // first() and last() leave eof() and bof() false when there is a record, so that a walk of
+    // `while (!eof())` or `while (!bof())` meets every record from either end.
     void first();
     void last();
     void next();
@@ -215,21 +225,26 @@ class TtbTable {
 
   private:
     friend class TField;
-    struct Step;
+    class Candidate;
     void requireOpen() const;
+    void requireBrowsing() const;
     void requireRecord() const;
     void requireEditing() const;
-    int key() const;
-    bool accepts(const StoredRecord& record);
-    bool inRange(const StoredRecord& record, Direction direction) const;
-    std::optional<StoredRecord> scan(std::vector<StoredRecord> batch, Direction direction);
-    std::optional<StoredRecord> firstInView();
-    std::optional<StoredRecord> lastInView();
+    [[noreturn]] void refuse(const QString& why) const;
+    const KeyDef* findIndex(const QString& number) const;
+    const KeyDef& currentIndex() const;
+    KeyValues fitted(const KeyValues& values, bool* cut = nullptr) const;
     void buildFields();
+    const QByteArray& readBytes() const;
+    bool accepts(const StoredRecord& record);
+    void updateAcceptance();
+    template <typename Change>
+    void changeView(bool keep, Change change);
     void place(std::optional<StoredRecord> record, bool atEof, bool atBof);
-    void releaseLock();
+    bool step(Direction direction);
+    bool beginEdit(std::chrono::milliseconds wait);
+    void releaseLock() noexcept;
     void changed();
-    void repositionAfterViewChange();
 
     Database* m_database = nullptr;
     QString m_databaseName = kDdfDatabase;
@@ -237,23 +252,24 @@ class TtbTable {
     QString m_indexName = QStringLiteral("0");
     std::vector<FieldDeclaration> m_declarations;
     std::unique_ptr<RecordFile> m_file;
+    std::unique_ptr<RecordView> m_view;
     std::vector<std::unique_ptr<TField>> m_fields;
+    QHash<QString, TField*> m_byName;  // folded name
     TableState m_state = TableState::Closed;
     std::optional<StoredRecord> m_current;
-    QByteArray m_buffer;                      // the record while editing or inserting
-    std::optional<StoredRecord> m_candidate;  // the record that a record filter looks at
+    QByteArray m_buffer;                        // the record while editing or inserting
+    const StoredRecord* m_candidate = nullptr;  // the record that a record filter looks at
     bool m_eof = true;
     bool m_bof = true;
-    bool m_locked = false;
-    std::optional<KeyValues> m_rangeLow;
-    KeyValues m_rangeHigh;
-    std::map<int, Value> m_searchKey;
+    std::optional<RecordId> m_locked;
+    std::map<int, Value> m_searchKey;  // by segment of the current index
     std::chrono::milliseconds m_lockWait{2000};
     QString m_filterText;
     std::unique_ptr<Filter> m_filter;
     bool m_filtered = false;
     std::function<bool(const TtbTable&)> m_onFilterRecord;
     int m_controlsDisabled = 0;
+    bool m_changePending = false;
     std::function<void()> m_onChange;
 };
 

@@ -13,14 +13,26 @@ namespace data {
 /// The lines of a statement; joined with line breaks they are one statement.
 class SqlText {
   public:
-    void clear() { m_lines.clear(); }
-    void add(const QString& line) { m_lines.append(line); }
-    void setText(const QString& text) { m_lines = {text}; }
+    void clear() {
+        m_lines.clear();
+        ++m_revision;
+    }
+    void add(const QString& line) {
+        m_lines.append(line);
+        ++m_revision;
+    }
+    void setText(const QString& text) {
+        m_lines = {text};
+        ++m_revision;
+    }
     QString text() const { return m_lines.join(QLatin1Char('\n')); }
     bool isEmpty() const { return m_lines.isEmpty(); }
+    /// Grows with every change, so that a reader knows when to read again.
+    quint64 revision() const { return m_revision; }
 
   private:
     QStringList m_lines;
+    quint64 m_revision = 0;
 };
 
 /// A named parameter of a statement.
@@ -33,7 +45,7 @@ class TParam {
     void setString(const QString& v) { m_value = v; }
     void setDate(const QDate& v);  ///< as quoted 'yyyy-mm-dd'; an invalid date is the empty text
     void setNull() { m_value = Value(); }
-    void setValue(const Value& v) { m_value = v; }
+    void setValue(const Value& v);  ///< dates and times as texts, booleans as 1 and 0
     const Value& value() const { return m_value; }
 
   private:
@@ -102,17 +114,20 @@ class TUniQuery {
     qint64 rowsAffected() const { return m_rowsAffected; }
 
   private:
+    void requireOpen() const;
     void syncParameters();
     void prepareAndBind();
 
     Database* m_database;
     SqlText m_sql;
     QString m_parsedText;
+    quint64 m_parsedRevision = 0;
     std::vector<std::unique_ptr<TParam>> m_params;
     std::unique_ptr<SqlStatement> m_statement;
     QString m_statementText;
     std::unique_ptr<ResultSet> m_result;
     std::vector<std::unique_ptr<TQueryField>> m_fields;
+    bool m_eof = true;
     qint64 m_rowsAffected = 0;
     bool m_debug = false;
 };

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <vector>
+
+#include "data/record/filter.h"
+
+namespace data {
+
+/// A node of a compiled filter: a junction of other nodes, or the comparison of a field with a
+/// constant in the form that the field's bytes are compared with.
+struct Filter::Node {
+    enum class Type { And, Or, Not, Integer, Number, Text, Date, Time, Timestamp };
+    enum class Op { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual };
+    /// A character that Windows-1252 lacks: after all that it has, and equal to none.
+    static constexpr quint16 kForeign = 256;
+
+    Type type = Type::And;
+    std::vector<Node> children;
+
+    int field = -1;
+    Op op = Op::Equal;
+    qint64 integer = 0;            ///< integers, booleans, Julian day, milliseconds of the day
+    double number = 0;             ///< floats, and integers compared with a fraction
+    qint64 milliseconds = 0;       ///< a timestamp's time of day
+    bool wholeDay = false;         ///< a timestamp compared with a date
+    bool isPrefix = false;         ///< a text that ended in "*"
+    std::vector<quint16> weights;  ///< a text's case folding weights
+};
+
+/// Parses a filter expression. @throws as Filter's constructor.
+Filter::Node parseFilter(const QString& expression, const RecordLayout& layout);
+
+}  // namespace data
