@@ -1,0 +1,16 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <QSet>
+#include <QString>
+
+namespace data::embedded {
+
+/// Path of a company's database file in its folder.
+QString companyFile(const QString& folder);
+
+/// Folded names of the tables whose records the file holds.
+QSet<QString> storedTables(sqlite3* db);
+
+}  // namespace data::embedded

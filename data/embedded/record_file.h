@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+
+#include "data/embedded/connection.h"
+#include "data/embedded/record_table.h"
+
+namespace data::embedded {
+
+/// The records of one table behind the engines' common interface.
+class EmbeddedRecordFile : public RecordFile {
+  public:
+    EmbeddedRecordFile(std::shared_ptr<Connection> connection, RecordTable& table);
+    ~EmbeddedRecordFile() override;
+
+    const RecordLayout& layout() const override { return m_table.layout(); }
+    const std::vector<KeyDef>& keys() const override { return m_table.keys(); }
+    qint64 recordCount() override { return m_table.count(); }
+    std::vector<StoredRecord> fromEnd(int key, Direction direction, int max) override;
+    std::vector<StoredRecord> seek(int key, SeekOp op, const KeyValues& values, int max) override;
+    std::vector<StoredRecord> next(int key, const StoredRecord& from, Direction direction,
+                                   int max) override;
+    int compare(int key, const QByteArray& record, const KeyValues& values) const override;
+    std::optional<StoredRecord> get(RecordId id) override;
+    bool lock(RecordId id, std::chrono::milliseconds wait) override;
+    void unlock(RecordId id) override;
+    RecordId insert(QByteArray& bytes) override;
+    void update(RecordId id, const QByteArray& bytes) override;
+    void remove(RecordId id) override;
+
+  private:
+    void checkKey(int key) const;
+    QByteArray stored(RecordId id);
+    std::vector<StoredRecord> collect(StatementLease& rows, int max) const;
+    std::vector<StoredRecord> range(int key, const QByteArray& low, const QByteArray& high,
+                                    Direction direction, int max);
+
+    std::shared_ptr<Connection> m_connection;
+    RecordTable& m_table;
+    std::map<RecordId, int> m_locked;  // with the number of locks
+};
+
+}  // namespace data::embedded
