@@ -13,8 +13,8 @@
 
 namespace company {
 
-// QFile would do, but takes three times as long (a run writes a line for every product) and on
-// Windows seeks to the end before it writes, so that two programs' lines could overlap.
+// Not QFile: on Windows that seeks to the end before it writes, so that two programs' lines could
+// overlap, and it takes 1.6 times as long (a run may write a line for every product).
 
 #ifdef Q_OS_WIN
 

@@ -83,7 +83,12 @@ Line parseLine(const QString& text) {
 }
 
 QString decoded(const QByteArray& bytes) {
-    return bytes.isValidUtf8() ? QString::fromUtf8(bytes) : data::fromWindows1252(bytes);
+    if (!bytes.isValidUtf8())
+        return data::fromWindows1252(bytes);
+    QString text = QString::fromUtf8(bytes);
+    while (text.startsWith(QChar::ByteOrderMark))
+        text.remove(0, 1);
+    return text;
 }
 
 bool isAscii(const QByteArray& bytes) {

@@ -50,15 +50,17 @@ QString onOneLine(const QString& message) {
     return line;
 }
 
-/// The time of a line. Formatting a date costs as much as writing the line, and a run writes
-/// thousands in a second.
+/// The time of a line; formatted once a second, since a run writes thousands of lines in one.
 QString timeStamp() {
-    static qint64 lastSecond = -1;
+    static QDate day;
+    static int second = -1;
     static QString text;
     const QDateTime now = data::Clock::now();
-    if (const qint64 second = now.toSecsSinceEpoch(); second != lastSecond) {
+    const int present = now.time().msecsSinceStartOfDay() / 1000;
+    if (present != second || now.date() != day) {
+        day = now.date();
+        second = present;
         text = now.toString(QStringLiteral("dd.MM.yyyy hh:mm:ss"));
-        lastSecond = second;
     }
     return text;
 }

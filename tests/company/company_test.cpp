@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QTemporaryDir>
+#include <vector>
 
 #include "app/company/aliases.h"
 #include "app/company/command_line.h"
@@ -11,6 +12,11 @@
 #include "app/company/user_settings.h"
 #include "data/error.h"
 #include "tests/support/company_folder.h"
+
+#ifndef Q_OS_WIN
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 using namespace company;
 
@@ -125,6 +131,26 @@ TEST_F(AliasesTest, AnotherSettingsFolderIsAnotherList) {
     EXPECT_EQ(aliasNames(), QStringList(str("eka")));
     EXPECT_TRUE(userSettingsFolder().startsWith(m_config.path()));
 }
+
+#ifndef Q_OS_WIN
+TEST_F(AliasesTest, TwoProgramsRegisterAtOnce) {
+    constexpr int kEach = 40;
+    std::vector<pid_t> children;
+    for (const char* who : {"eka ", "toka "}) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            for (int i = 0; i < kEach; ++i)
+                storeAlias({str(who) + QString::number(i), str("/a"), {}, {}});
+            _exit(0);
+        }
+        children.push_back(child);
+    }
+    for (const pid_t child : children)
+        ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    EXPECT_EQ(aliasNames().size(), 2 * kEach);
+}
+#endif
 
 TEST_F(AliasesTest, BadNamesAreRefused) {
     for (const char* name : {"", "  ", "a/b", "..\\a", ".", "..", "/E", "-U", " a", "a ", "a\nb",

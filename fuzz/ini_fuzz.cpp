@@ -1,0 +1,52 @@
+#include <QByteArray>
+#include <cstdint>
+#include <cstdlib>
+
+#include "app/company/ini_file.h"
+#include "data/error.h"
+
+using company::IniFile;
+
+namespace {
+
+/// Everything that the file says must come back from what is written.
+void requireSame(const IniFile& a, const IniFile& b) {
+    if (a.sections() != b.sections())
+        std::abort();
+    for (const QString& section : a.sections()) {
+        if (a.keys(section) != b.keys(section))
+            std::abort();
+        for (const QString& key : a.keys(section)) {
+            if (a.value(section, key) != b.value(section, key))
+                std::abort();
+        }
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
+    if (size > 4096)  // each lookup walks the file
+        return 0;
+    const QByteArray input(reinterpret_cast<const char*>(bytes), static_cast<qsizetype>(size));
+    try {
+        IniFile ini = IniFile::parse(input, QStringLiteral("fuzz.ini"));
+        requireSame(ini, IniFile::parse(ini.toBytes(), {}));
+
+        // The input as a value, in an old place and in a new one.
+        const QString value = QString::fromUtf8(input);
+        if (const QStringList sections = ini.sections(); !sections.isEmpty()) {
+            if (const QStringList keys = ini.keys(sections.first()); !keys.isEmpty())
+                ini.setValue(sections.first(), keys.last(), value);
+        }
+        ini.setValue(QStringLiteral("new"), QStringLiteral("key"), value);
+        requireSame(ini, IniFile::parse(ini.toBytes(), {}));
+        ini.removeSection(QStringLiteral("NEW"));
+        if (ini.hasSection(QStringLiteral("new")))
+            std::abort();
+    } catch (const data::DataError& error) {
+        if (error.kind() != data::ErrorKind::Damaged)
+            std::abort();
+    }
+    return 0;
+}
