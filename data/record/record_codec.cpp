@@ -19,7 +19,7 @@ namespace {
 // 100 ns units from 0001-01-01 to 1970-01-01, the first unit after the year 9999, and units per ms.
 constexpr quint64 kTicksAtUnixEpoch = 621355968000000000ULL;
 constexpr quint64 kTicksEnd = 3155378976000000000ULL;
-constexpr qint64 kTicksPerMs = 10000;
+constexpr quint64 kTicksPerMs = 10000;
 
 // 1899-12-30 as a Julian day number, the day 0 of dates kept as doubles.
 constexpr qint64 kDayZero = 2415019;
@@ -63,6 +63,13 @@ QString shown(const Value& value) {
     throw DataError(
         ErrorKind::BadValue, table,
         QStringLiteral("field %1, value \"%2\": %3").arg(field.name, shown(value), why));
+}
+
+// Length of a text without its padding. A record that another program left zeroed counts as blank.
+qsizetype paddedLength(const uchar* bytes, qsizetype length) {
+    while (length > 0 && (bytes[length - 1] == ' ' || bytes[length - 1] == 0))
+        --length;
+    return length;
 }
 
 void writeBoolean(const TFieldCacheItem& field, uchar* record, bool value) {
@@ -118,7 +125,7 @@ void writeTimestamp(const TFieldCacheItem& field, uchar* record, const QDateTime
     const QDateTime utc = time.toUTC();
     if (!isStorableYear(utc.date()))
         refuse(field, table, time, QStringLiteral("year outside 1..9999"));
-    const auto units = static_cast<quint64>(utc.toMSecsSinceEpoch() * kTicksPerMs);
+    const auto units = static_cast<quint64>(utc.toMSecsSinceEpoch()) * kTicksPerMs;
     store(record + field.offset, units + kTicksAtUnixEpoch);
 }
 
@@ -271,7 +278,7 @@ QTime readTime(const TFieldCacheItem& field, const uchar* record) {
 
 QDateTime readTimestamp(const TFieldCacheItem& field, const uchar* record) {
     const auto ticks = load<quint64>(record + field.offset);
-    if (ticks == 0 || ticks >= kTicksEnd)
+    if (ticks < kTicksPerMs || ticks >= kTicksEnd)
         return QDateTime();
     // Whole milliseconds from the first day on, so that times before 1970 round the same way.
     const qint64 ms = static_cast<qint64>(ticks / kTicksPerMs) -
@@ -286,12 +293,10 @@ QByteArrayView readTextBytes(const TFieldCacheItem& field, const uchar* record) 
         case Storage::LString:
             return QByteArrayView(at + 1, std::min<qsizetype>(*at, length - 1));
         case Storage::String:
-            // A record that another program left zeroed counts as blank.
-            while (length > 0 && (at[length - 1] == ' ' || at[length - 1] == 0))
-                --length;
-            return QByteArrayView(at, length);
+            return QByteArrayView(at, paddedLength(at, length));
         case Storage::ZString:
         case Storage::Note:
+            --length;  // the last byte can only be the terminator
             if (const void* end = std::memchr(at, 0, static_cast<size_t>(length)))
                 length = static_cast<const uchar*>(end) - at;
             return QByteArrayView(at, length);
@@ -398,7 +403,10 @@ void writeText(const TFieldCacheItem& field, uchar* record, const QString& text,
     uchar* at = record + field.offset;
     if (field.storage == Storage::LString)
         *at++ = static_cast<uchar>(bytes.size());
-    std::memcpy(at, bytes.constData(), static_cast<size_t>(bytes.size()));
+    qsizetype length = bytes.size();
+    if (field.storage == Storage::String)
+        length = paddedLength(reinterpret_cast<const uchar*>(bytes.constData()), length);
+    std::memcpy(at, bytes.constData(), static_cast<size_t>(length));
 }
 
 void writeValue(const TFieldCacheItem& field, uchar* record, const Value& value,

@@ -238,8 +238,7 @@ class TtbTable {
     const QByteArray& readBytes() const;
     bool accepts(const StoredRecord& record);
     void updateAcceptance();
-    template <typename Change>
-    void changeView(bool keep, Change change);
+    void changeView(bool keep, const std::function<void(bool undo)>& change);
     void place(std::optional<StoredRecord> record, bool atEof, bool atBof);
     bool step(Direction direction);
     bool beginEdit(std::chrono::milliseconds wait);

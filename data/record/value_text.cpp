@@ -164,11 +164,12 @@ bool parseHex(const TFieldCacheItem& field, const QString& text, Value& value, Q
 }
 
 // The kind's empty value.
-Value emptyValue(Kind kind) {
-    switch (kind) {
+Value emptyValue(const TFieldCacheItem& field) {
+    switch (field.kind()) {
         case Kind::String:
-        case Kind::Memo:
             return QString();
+        case Kind::Memo:
+            return field.storage == Storage::Blob ? Value(QByteArray()) : Value(QString());
         case Kind::Date:
             return QDate();
         case Kind::Time:
@@ -247,7 +248,8 @@ QString encodeText(const TFieldCacheItem& field, const QString& text, QByteArray
         return QStringLiteral("character %1 (U+%2) is not in Windows-1252")
             .arg(character, QStringLiteral("%1").arg(code, 4, 16, QLatin1Char('0')).toUpper());
     }
-    if (field.storage != Storage::LString && bytes.contains('\0'))
+    const bool terminated = field.storage == Storage::ZString || field.storage == Storage::Note;
+    if (terminated && bytes.contains('\0'))
         return QStringLiteral("text holds a zero character, which would end it");
     return QString();
 }
@@ -303,7 +305,7 @@ QString valueToText(const TFieldCacheItem& field, const Value& value) {
 
 bool textToValue(const TFieldCacheItem& field, const QString& text, Value& value, QString* why) {
     if (text.isEmpty()) {
-        value = emptyValue(field.kind());
+        value = emptyValue(field);
         return true;
     }
     switch (field.kind()) {

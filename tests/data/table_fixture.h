@@ -1,0 +1,116 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include "data/embedded/embedded_database.h"
+#include "data/record/tb_table.h"
+#include "tests/data/memory_engine.h"
+
+namespace test {
+
+/// The table of the record table and filter tests: every kind of field that they need.
+inline data::TableSource koeSource() {
+    return data::parseTableSource(
+        "table KOE\n"
+        "field  1 Nro         integer   4  0  4 INTEGER\n"
+        "field  2 Ryhma       smallint  2  4  2 INTEGER\n"
+        "field  3 Nimi        string   12  6 13 LSTRING\n"
+        "field  4 Hinta       float     8 19  8 FLOAT\n"
+        "field  5 Prosentti   float     4 27  4 FLOAT\n"
+        "field  6 Pvm         date      4 31  4 DATE\n"
+        "field  7 Liput       smallint  1 35  1 INTEGER\n"
+        "field  8 Passiivinen boolean   4 35  1 BIT 2\n"
+        "field  9 Kello       time      4 36  4 TIME\n"
+        "field 10 Muutettu    timestamp 8 40  8 TIMESTAMP\n"
+        "field 11 Huom        string   10 48 10 STRING\n"
+        "field 12 Tarkka      float     6 58  6 REAL48\n"
+        "key 0 unique : Nro\n"
+        "key 1 duplicates ignorecase : Nimi\n"
+        "key 2 duplicates : Ryhma Hinta\n"
+        "key 3 duplicates : Pvm\n",
+        QStringLiteral("koe.dict"));
+}
+
+/// An engine with an empty table KOE, as two programs see it.
+class Engine {
+  public:
+    virtual ~Engine() = default;
+    virtual data::Database& database() = 0;
+    virtual data::Database& otherProgram() = 0;
+};
+
+class MemoryTestEngine : public Engine {
+  public:
+    data::Database& database() override { return m_first; }
+    data::Database& otherProgram() override { return m_second; }
+    std::shared_ptr<MemoryStore> store = std::make_shared<MemoryStore>(koeSource());
+
+  private:
+    MemoryDatabase m_first{store, 1};
+    MemoryDatabase m_second{store, 2};
+};
+
+class EmbeddedTestEngine : public Engine {
+  public:
+    EmbeddedTestEngine() {
+        std::vector<data::TableSource> tables{koeSource()};
+        for (const data::TableSource& source : data::allTableSources())
+            if (source.name.startsWith(QLatin1String("X$")))
+                tables.push_back(source);
+        data::createEmbedded(m_folder.path(), tables);
+        m_first = data::openEmbedded(QStringLiteral("koe"), m_folder.path());
+    }
+    data::Database& database() override { return *m_first; }
+    data::Database& otherProgram() override {
+        if (!m_second)
+            m_second = data::openEmbedded(QStringLiteral("koe"), m_folder.path());
+        return *m_second;
+    }
+
+  private:
+    QTemporaryDir m_folder;
+    std::unique_ptr<data::Database> m_first;
+    std::unique_ptr<data::Database> m_second;
+};
+
+/// An open KOE.
+class KoeTable : public data::TtbTable {
+  public:
+    explicit KoeTable(data::Database& database, const QString& index = QStringLiteral("0")) {
+        setDatabase(&database);
+        setTableName(QStringLiteral("koe"));
+        setIndexName(index);
+        open();
+    }
+    qint64 nro() const { return fieldByName(QStringLiteral("nro")).asInteger(); }
+    QString nimi() const { return fieldByName(QStringLiteral("NIMI")).asString(); }
+    data::TField& operator[](const char* name) { return fieldByName(QString::fromUtf8(name)); }
+
+    void add(int nro, int ryhma, const QString& nimi, double hinta = 0) {
+        insertRecord({nro, ryhma, nimi, hinta});
+    }
+    /// The numbers of all records of the view, walked from the first.
+    QList<int> walk() {
+        QList<int> numbers;
+        for (first(); !eof(); next())
+            numbers.append(static_cast<int>(nro()));
+        return numbers;
+    }
+};
+
+/// Runs `call` and gives the kind of DataError that it throws; nothing when it throws none.
+template <typename Call>
+std::optional<data::ErrorKind> errorOf(Call call, QString* detail = nullptr) {
+    try {
+        call();
+    } catch (const data::DataError& error) {
+        if (detail != nullptr)
+            *detail = error.detail();
+        return error.kind();
+    }
+    return std::nullopt;
+}
+
+}  // namespace test

@@ -1,0 +1,467 @@
+#include <QRandomGenerator>
+#include <algorithm>
+
+#include "tests/data/table_fixture.h"
+
+// Record tables against a model: a list that is filtered and sorted anew for every step.
+
+namespace {
+
+using namespace data;
+using test::Engine;
+using test::KoeTable;
+
+struct Row {
+    RecordId id = 0;
+    int nro = 0;
+    int ryhma = 0;
+    QString nimi;
+    double hinta = 0;
+};
+
+// What a model's key compares: case folded name, or numbers.
+using Key = std::vector<double>;
+
+class Model {
+  public:
+    std::map<RecordId, Row> rows;
+    std::optional<Row> current;
+    bool eof = true;
+    bool bof = true;
+    int index = 0;
+    bool filtered = false;
+    bool withRecordFilter = false;
+    std::optional<std::pair<std::vector<double>, std::vector<double>>> range;
+
+    // Names are N followed by a letter, which sorts by its place in the alphabet.
+    static double rank(const QString& nimi) { return nimi.at(1).toUpper().unicode(); }
+
+    Key keyOf(const Row& row) const {
+        switch (index) {
+            case 0:
+                return {double(row.nro)};
+            case 1:
+                return {rank(row.nimi)};
+            default:
+                return {double(row.ryhma), row.hinta};
+        }
+    }
+
+    static int compareLeading(const Key& key, const Key& values) {
+        for (size_t i = 0; i < values.size(); ++i)
+            if (key[i] != values[i])
+                return key[i] < values[i] ? -1 : 1;
+        return 0;
+    }
+
+    bool isBefore(const Row& a, const Row& b) const {
+        const int c = compareLeading(keyOf(a), keyOf(b));
+        return c != 0 ? c < 0 : a.id < b.id;
+    }
+
+    bool contains(const Row& row) const {
+        if (range && (compareLeading(keyOf(row), range->first) < 0 ||
+                      compareLeading(keyOf(row), range->second) > 0))
+            return false;
+        if (!filtered)
+            return true;
+        return row.hinta >= 30 && row.ryhma != 2 && (!withRecordFilter || row.nro % 2 == 0);
+    }
+
+    std::vector<Row> view() const {
+        std::vector<Row> list;
+        for (const auto& [id, row] : rows)
+            if (contains(row))
+                list.push_back(row);
+        std::sort(list.begin(), list.end(),
+                  [this](const Row& a, const Row& b) { return isBefore(a, b); });
+        return list;
+    }
+
+    void stand(std::optional<Row> row, bool atEof, bool atBof) {
+        current = std::move(row);
+        eof = atEof || !current;
+        bof = atBof || !current;
+    }
+
+    std::optional<Row> following() const {
+        for (const Row& row : view())
+            if (isBefore(*current, row))
+                return row;
+        return std::nullopt;
+    }
+    std::optional<Row> preceding() const {
+        std::optional<Row> found;
+        for (const Row& row : view())
+            if (isBefore(row, *current))
+                found = row;
+        return found;
+    }
+    std::optional<Row> firstRow() const {
+        const std::vector<Row> list = view();
+        return list.empty() ? std::nullopt : std::optional(list.front());
+    }
+    std::optional<Row> lastRow() const {
+        const std::vector<Row> list = view();
+        return list.empty() ? std::nullopt : std::optional(list.back());
+    }
+
+    bool step(bool forward) {
+        if (!current)
+            return false;
+        const std::optional<Row> found = forward ? following() : preceding();
+        eof = !found && forward;
+        bof = !found && !forward;
+        if (found)
+            current = found;
+        return found.has_value();
+    }
+
+    // After the current record left the view or the table.
+    void moveOn() {
+        const std::optional<Row> found = current ? following() : firstRow();
+        if (found)
+            stand(found, false, false);
+        else
+            stand(lastRow(), true, false);
+    }
+};
+
+class RandomWalk {
+  public:
+    RandomWalk(Engine& engine, quint32 seed)
+        : m_random(seed),
+          m_table(engine.database()),
+          m_other(std::make_unique<KoeTable>(engine.database())) {
+        m_table.setFilter(QStringLiteral("hinta >= 30 and not (ryhma = 2)"));
+        for (int i = 0; i < 40; ++i)
+            insert();
+        m_table.first();
+        m_model.stand(m_model.firstRow(), false, false);
+    }
+
+    void run(int steps) {
+        for (int i = 0; i < steps; ++i) {
+            const QString what = step();
+            ASSERT_NO_FATAL_FAILURE(compare(QStringLiteral("step %1, %2").arg(i).arg(what)));
+        }
+    }
+
+  private:
+    int below(int limit) { return m_random.bounded(limit); }
+
+    KeyValues keyValues(int fields) {
+        switch (m_model.index) {
+            case 0:
+                return {below(90)};
+            case 1:
+                return {QStringLiteral("n") + QChar(u'a' + below(8))};
+            default:
+                return fields == 1 ? KeyValues{below(5)} : KeyValues{below(5), 10.0 * below(8)};
+        }
+    }
+
+    Key modelKey(const KeyValues& values) const {
+        Key key;
+        for (const Value& value : values)
+            key.push_back(m_model.index == 1 ? Model::rank(value.toString()) : value.toDouble());
+        return key;
+    }
+
+    Row randomRow() {
+        Row row;
+        do
+            row.nro = below(90);
+        while (std::any_of(m_model.rows.begin(), m_model.rows.end(),
+                           [&](const auto& entry) { return entry.second.nro == row.nro; }));
+        row.ryhma = below(5);
+        row.nimi = QStringLiteral("N") + QChar((below(2) != 0 ? u'a' : u'A') + below(8));
+        row.hinta = 10.0 * below(8);
+        return row;
+    }
+
+    static void fill(KoeTable& table, const Row& row) {
+        table["Nro"].setInteger(row.nro);
+        table["ryhma"].setInteger(row.ryhma);
+        table["NIMI"].setString(row.nimi);
+        table["hinta"].setFloat(row.hinta);
+    }
+
+    void insert() {
+        Row row = randomRow();
+        m_table.insert();
+        fill(m_table, row);
+        m_table.post();
+        row.id = m_table.recordId();
+        m_model.rows[row.id] = row;
+        m_model.stand(row, false, false);
+    }
+
+    QString step() {
+        switch (below(22)) {
+            case 0:
+                m_table.first();
+                m_model.stand(m_model.firstRow(), false, false);
+                return QStringLiteral("first");
+            case 1:
+                m_table.last();
+                m_model.stand(m_model.lastRow(), false, false);
+                return QStringLiteral("last");
+            case 2:
+            case 3:
+            case 4:
+                m_table.next();
+                m_model.step(true);
+                return QStringLiteral("next");
+            case 5:
+            case 6:
+                m_table.prior();
+                m_model.step(false);
+                return QStringLiteral("prior");
+            case 7:
+                return moveBy();
+            case 8:
+                return findKey();
+            case 9:
+                return findNearest();
+            case 10:
+                return setRange();
+            case 11:
+                m_table.cancelRange();
+                if (m_model.range) {
+                    m_model.range.reset();
+                    if (!m_model.current)
+                        m_model.moveOn();
+                }
+                return QStringLiteral("cancelRange");
+            case 12:
+                return setIndex();
+            case 13:
+                return filter();
+            case 14:
+            case 15:
+                if (m_model.rows.size() < 60)
+                    insert();
+                return QStringLiteral("insert");
+            case 16:
+            case 17:
+                return edit();
+            case 18:
+                return remove();
+            case 19:
+                return bookmark();
+            default:
+                return otherWrites();
+        }
+    }
+
+    QString moveBy() {
+        const int count = below(41) - 20;
+        int moved = 0;
+        for (; moved != count && m_model.step(count > 0); moved += count > 0 ? 1 : -1) {
+        }
+        EXPECT_EQ(m_table.moveBy(count), moved);
+        return QStringLiteral("moveBy %1").arg(count);
+    }
+
+    QString findKey() {
+        const KeyValues values = keyValues(1 + below(2));
+        const Key key = modelKey(values);
+        bool expected = false;
+        for (const Row& row : m_model.view()) {
+            if (Model::compareLeading(m_model.keyOf(row), key) == 0) {
+                m_model.stand(row, false, false);
+                expected = true;
+                break;
+            }
+        }
+        EXPECT_EQ(m_table.findKey(values), expected);
+        return QStringLiteral("findKey");
+    }
+
+    QString findNearest() {
+        const KeyValues values = keyValues(1 + below(2));
+        const Key key = modelKey(values);
+        std::optional<Row> found;
+        for (const Row& row : m_model.view())
+            if (!found && Model::compareLeading(m_model.keyOf(row), key) >= 0)
+                found = row;
+        const bool exact = found && Model::compareLeading(m_model.keyOf(*found), key) == 0;
+        if (found)
+            m_model.stand(found, false, false);
+        else
+            m_model.stand(m_model.lastRow(), true, false);
+        if (below(2) == 0) {
+            EXPECT_EQ(m_table.findNearest(values), exact);
+        } else {
+            m_table.setKey();
+            for (size_t i = 0; i < values.size(); ++i)
+                m_table.setKeyField(m_table.indexFields().at(static_cast<int>(i)).toUpper(),
+                                    values[i]);
+            m_table.gotoNearest();
+        }
+        return QStringLiteral("findNearest");
+    }
+
+    QString setRange() {
+        const KeyValues low = keyValues(1 + below(2));
+        const KeyValues high = below(3) == 0 ? low : keyValues(1 + below(2));
+        m_table.setRange(low, high);
+        m_model.range = {modelKey(low), modelKey(high)};
+        m_model.stand(m_model.firstRow(), false, false);
+        return QStringLiteral("setRange");
+    }
+
+    QString setIndex() {
+        m_model.index = below(3);
+        m_model.range.reset();
+        m_table.setIndexName(QString::number(m_model.index));
+        if (!m_model.current)
+            m_model.moveOn();
+        return QStringLiteral("index %1").arg(m_model.index);
+    }
+
+    QString filter() {
+        m_model.filtered = below(2) == 0;
+        if (m_table.filtered() != m_model.filtered) {
+            m_table.setFiltered(m_model.filtered);
+            if (!m_model.current || !m_model.contains(*m_model.current))
+                m_model.moveOn();
+        }
+        m_model.withRecordFilter = below(2) == 0;
+        if (m_model.withRecordFilter)
+            m_table.setOnFilterRecord([](const TtbTable& table) {
+                return table.fieldByName(QStringLiteral("Nro")).asInteger() % 2 == 0;
+            });
+        else
+            m_table.setOnFilterRecord({});
+        if (!m_model.current || !m_model.contains(*m_model.current))
+            m_model.moveOn();
+        return QStringLiteral("filter %1").arg(m_model.filtered);
+    }
+
+    QString edit() {
+        if (!m_model.current)
+            return QStringLiteral("no edit");
+        Row row = randomRow();
+        row.id = m_model.current->id;
+        const bool keepKey = below(2) == 0;
+        m_table.edit();
+        if (keepKey) {  // the other fields only
+            row = m_model.rows.at(row.id);
+            row.hinta += m_model.index == 2 ? 0 : 10;
+        }
+        fill(m_table, row);
+        if (below(4) == 0) {
+            m_table.cancel();
+            return QStringLiteral("cancel");
+        }
+        m_table.post();
+        m_model.rows[row.id] = row;
+        m_model.current = row;
+        return QStringLiteral("post");
+    }
+
+    QString remove() {
+        if (!m_model.current)
+            return QStringLiteral("no delete");
+        m_model.rows.erase(m_model.current->id);
+        m_model.moveOn();
+        m_table.deleteRecord();
+        return QStringLiteral("delete");
+    }
+
+    QString bookmark() {
+        if (!m_model.current)
+            return QStringLiteral("no bookmark");
+        const Bookmark mark = m_table.bookmark();
+        const Row marked = *m_model.current;
+        m_table.moveBy(3);
+        for (int i = 0; i < 3 && m_model.step(true); ++i) {
+        }
+        m_table.refresh();
+        if (!m_model.current || !m_model.contains(*m_model.current))
+            m_model.moveOn();
+        const bool expected = m_model.contains(marked);
+        EXPECT_EQ(m_table.gotoBookmark(mark), expected);
+        if (expected)
+            m_model.stand(marked, false, false);
+        return QStringLiteral("bookmark");
+    }
+
+    // Somebody else's changes show after a refresh.
+    QString otherWrites() {
+        for (int i = 0; i < 3 && !m_model.rows.empty(); ++i) {
+            auto victim = m_model.rows.begin();
+            std::advance(victim, below(static_cast<int>(m_model.rows.size())));
+            EXPECT_TRUE(m_other->findKey({victim->second.nro}));
+            if (below(2) == 0) {
+                m_other->deleteRecord();
+                m_model.rows.erase(victim);
+            } else {
+                Row row = randomRow();
+                row.id = victim->first;
+                m_other->edit();
+                fill(*m_other, row);
+                m_other->post();
+                victim->second = row;
+            }
+        }
+        m_table.refresh();
+        if (!m_model.current) {
+            m_model.stand(m_model.firstRow(), false, false);
+            return QStringLiteral("other writes, empty");
+        }
+        const auto stored = m_model.rows.find(m_model.current->id);
+        if (stored != m_model.rows.end() && m_model.contains(stored->second))
+            m_model.current = stored->second;
+        else
+            m_model.moveOn();
+        return QStringLiteral("other writes");
+    }
+
+    void compare(const QString& what) {
+        const std::string where = what.toStdString();
+        ASSERT_EQ(m_table.isEmpty(), !m_model.current) << where;
+        ASSERT_EQ(m_table.eof(), m_model.eof) << where;
+        ASSERT_EQ(m_table.bof(), m_model.bof) << where;
+        if (!m_model.current)
+            return;
+        ASSERT_EQ(m_table.nro(), m_model.current->nro) << where;
+        ASSERT_EQ(m_table.recordId(), m_model.current->id) << where;
+        ASSERT_EQ(m_table.nimi(), m_model.current->nimi) << where;
+        ASSERT_EQ(m_table["HINTA"].asFloat(), m_model.current->hinta) << where;
+        ASSERT_EQ(m_table["Ryhma"].asInteger(), m_model.current->ryhma) << where;
+    }
+
+    QRandomGenerator m_random;
+    KoeTable m_table;
+    std::unique_ptr<KoeTable> m_other;
+    Model m_model;
+};
+
+void walkRandomly(Engine& engine, quint32 seed, int steps) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomWalk walk(engine, seed);
+    walk.run(steps);
+}
+
+TEST(TableRandom, AgreesWithAModelOnTheMemoryEngine) {
+    for (quint32 seed = 1; seed <= 30; ++seed) {
+        test::MemoryTestEngine engine;
+        walkRandomly(engine, seed, 400);
+        if (HasFailure())
+            return;
+    }
+}
+
+TEST(TableRandom, AgreesWithAModelOnTheEmbeddedEngine) {
+    for (quint32 seed = 101; seed <= 104; ++seed) {
+        test::EmbeddedTestEngine engine;
+        walkRandomly(engine, seed, 300);
+        if (HasFailure())
+            return;
+    }
+}
+
+}  // namespace
