@@ -109,11 +109,11 @@ TEST(Codec, BytesOfEveryStorageType) {
 TEST(Codec, OddBytesAreReadWithinTheirField) {
     const std::vector<Golden> cases{
         {"length byte beyond the area", kLString, QStringLiteral("abc"), "09 61 62 63"},
-        {"no terminator", kZString, QStringLiteral("abcd"), "61 62 63 64"},
+        {"no terminator", kZString, QStringLiteral("abc"), "61 62 63 64"},
         {"rest after the terminator", kZString, QStringLiteral("a"), "61 00 63 64"},
         {"zeroed STRING", kPadded, QString::fromLatin1(""), "00 00 00 00"},
         {"leading blanks stay", kPadded, QStringLiteral("  a"), "20 20 61 20"},
-        {"note without terminator", kNote, QStringLiteral("abcdef"), "61 62 63 64 65 66"},
+        {"note without terminator", kNote, QStringLiteral("abcde"), "61 62 63 64 65 66"},
         {"length word beyond the area", kLVar, bytes("01020304"), "ff ff 01 02 03 04"},
         {"30 February", kDate, QDate(), "1e 02 e8 07"},
         {"year 0", kDate, QDate(), "01 01 00 00"},
@@ -166,6 +166,7 @@ TEST(Codec, ValuesOfOtherTypesThatMeanTheSame) {
         {"number for a text", kZString, 12, "31 32 00 00"},
         {"double for a text", kZString, 0.5, "30 2e 35 00"},
         {"hexadecimal for bytes", kLVar, QStringLiteral("0aFF"), "02 00 0a ff 00 00"},
+        {"empty text for bytes", kBlob, QString(), "00 00 00 00 00 00 00 00"},
         {"NULL for a number", kShort, data::Value(), "00 00"},
         {"NULL for a padded text", kPadded, data::Value(), "20 20 20 20"},
         {"one zero", kDouble, -0.0, "00 00 00 00 00 00 00 00"},
