@@ -1,8 +1,8 @@
 #include "framework/ui/choice_controls.h"
 
 #include <QFocusEvent>
-#include <QHBoxLayout>
 #include <QRadioButton>
+#include <QVBoxLayout>
 #include <QWheelEvent>
 #include <algorithm>
 
@@ -46,13 +46,13 @@ void LookupCombo::wheelEvent(QWheelEvent* event) {
 RadioGroup::RadioGroup(const QString& caption, const QStringList& items, int chosen,
                        QWidget* parent)
     : QGroupBox(caption, parent), m_buttons(new QButtonGroup(this)) {
-    auto* row = new QHBoxLayout(this);
+    auto* column = new QVBoxLayout(this);
+    column->setSpacing(2);
     for (const QString& item : items) {
         auto* button = new QRadioButton(item, this);
         m_buttons->addButton(button, static_cast<int>(m_buttons->buttons().size()));
-        row->addWidget(button);
+        column->addWidget(button);
     }
-    row->addStretch();
     setItemIndex(chosen);
 }
 

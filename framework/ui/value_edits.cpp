@@ -9,8 +9,9 @@
 #include <QLocale>
 #include <QMenu>
 #include <QMimeData>
+#include <QPainter>
+#include <QPixmap>
 #include <QRegularExpressionValidator>
-#include <QStyle>
 #include <QWidgetAction>
 #include <cmath>
 
@@ -164,12 +165,28 @@ QString dateFormat() {
     return format;
 }
 
+// A calendar leaf in the text's colour, so that it shows on light and dark ground.
+QIcon calendarIcon(const QColor& colour) {
+    QPixmap leaf(32, 32);
+    leaf.setDevicePixelRatio(2);
+    leaf.fill(Qt::transparent);
+    QPainter painter(&leaf);
+    painter.setPen(QPen(colour, 1));
+    painter.drawRect(QRectF(2, 3, 12, 11));
+    painter.fillRect(QRectF(2, 3, 12, 3.5), colour);
+    for (const double y : {8.5, 11.0}) {
+        for (const double x : {4.5, 7.5, 10.5})
+            painter.fillRect(QRectF(x, y, 1.5, 1.5), colour);
+    }
+    return leaf;
+}
+
 }  // namespace
 
 DateEdit::DateEdit(QWidget* parent) : ExitEdit(parent) {
     setPlaceholderText(QStringLiteral("pp.kk.vvvv"));
     QAction* calendar =
-        addAction(style()->standardIcon(QStyle::SP_ArrowDown), QLineEdit::TrailingPosition);
+        addAction(calendarIcon(palette().color(QPalette::Text)), QLineEdit::TrailingPosition);
     calendar->setToolTip(QStringLiteral("Valitse kalenterista"));
     connect(calendar, &QAction::triggered, this, &DateEdit::pickFromCalendar);
 }

@@ -8,10 +8,13 @@
 #include <map>
 
 #include "app/company/command_line.h"
+#include "app/company/company.h"
 #include "app/company/logs.h"
+#include "data/clock.h"
 #include "data/sql/uni_query.h"
 #include "framework/ui/dialogs.h"
 #include "vatchange/form/coefficients.h"
+#include "vatchange/form/definition_report.h"
 
 namespace vatchange {
 
@@ -322,6 +325,14 @@ ChangeDefinition TAlvMuutosLomake::definitionFromForm() const {
     d.roundingRule = static_cast<RoundingRule>(c.roundingRule->itemIndex());
     d.roundingStep = static_cast<RoundingStep>(c.roundingStep->itemIndex());
     return d;
+}
+
+QString TAlvMuutosLomake::reportHtml() const {
+    return definitionReport(
+        definitionFromForm(),
+        {company::currentCompany().name, loadedDefinition().name, loadedDefinition().description,
+         QLocale().toString(data::Clock::now(), QLocale::ShortFormat),
+         m_controls.sourceRate->text(), m_controls.targetRate->text(), m_levelNames});
 }
 
 void TAlvMuutosLomake::NaytaViesti(const QString& text) {

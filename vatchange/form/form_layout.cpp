@@ -37,30 +37,34 @@ void TAlvMuutosLomake::buildLayout() {
     Esikatsele->setText(QStringLiteral("&Muuta"));
     Esikatsele->setToolTip(QStringLiteral("Muuta tuotteiden tiedot"));
 
-    auto* left = new QVBoxLayout;
-    left->addWidget(buildRestrictions(m_controls, m_content), 1);
-    left->addWidget(buildVatClasses(m_controls, m_content));
+    // Created in the order that the eye and the tab key go.
+    auto* groups = new QGridLayout;
+    groups->setSpacing(kMargin);
+    groups->addWidget(buildRestrictions(m_controls, m_content), 0, 0, 1, 2);
+    auto* topRight = new QVBoxLayout;
+    topRight->addWidget(buildVatClasses(m_controls, m_content));
+    topRight->addWidget(buildLogging(m_controls, m_content));
+    groups->addLayout(topRight, 0, 2);
+    groups->addWidget(buildPrices(m_controls, m_content), 1, 0);
     auto* middle = new QVBoxLayout;
-    middle->addWidget(buildPrices(m_controls, m_content), 1);
-    auto* right = new QVBoxLayout;
-    right->addWidget(buildOptions(m_controls, m_content));
-    right->addWidget(buildSalesOrders(m_controls, m_content));
-    right->addWidget(buildPurchaseOrders(m_controls, m_content));
+    middle->addWidget(buildOptions(m_controls, m_content));
+    middle->addWidget(buildSalesOrders(m_controls, m_content));
+    middle->addWidget(buildPurchaseOrders(m_controls, m_content));
+    middle->addStretch();
+    groups->addLayout(middle, 1, 1);
     buildRounding(m_controls, m_content);
+    auto* right = new QVBoxLayout;
     right->addWidget(m_controls.roundingRule);
     right->addWidget(m_controls.roundingStep);
-    right->addWidget(buildLogging(m_controls, m_content));
     right->addStretch();
+    groups->addLayout(right, 1, 2);
+    groups->setColumnStretch(1, 1);
+    groups->setRowStretch(1, 1);
 
-    auto* columns = new QHBoxLayout;
-    columns->setSpacing(kMargin);
-    columns->addLayout(left, 1);
-    columns->addLayout(middle);
-    columns->addLayout(right);
     auto* body = new QVBoxLayout(m_content);
     body->setContentsMargins(kMargin, kMargin, kMargin, 0);
     body->addLayout(top);
-    body->addLayout(columns, 1);
+    body->addLayout(groups, 1);
     area->setWidget(m_content);
 
     m_status = new QLabel(this);
@@ -94,7 +98,7 @@ void TAlvMuutosLomake::buildLayout() {
     window->addWidget(area, 1);
     window->addLayout(foot);
 
-    setTabOrder(m_controls.leaveWebShop, Esikatsele);
+    setTabOrder(m_controls.roundingStep, Esikatsele);
     setTabOrder(Esikatsele, m_interrupt);
     setTabOrder(m_interrupt, m_close);
 }

@@ -146,13 +146,16 @@ QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
     controls.customerGroups->setAccessibleName(QStringLiteral("As. ryhmät"));
     controls.customerGroups->setToolTip(
         QStringLiteral("Valitse tästä päivitettävät asiakasryhmät (ei valittu yhtään = kaikki)"));
-    controls.customerGroups->setMinimumHeight(5 * box->fontMetrics().lineSpacing());
+    controls.customerGroups->setMinimumWidth(24 * box->fontMetrics().averageCharWidth());
     auto* label = new QLabel(QStringLiteral("As. ryhmät"), box);
     label->setBuddy(controls.customerGroups);
-    grid->addWidget(label, row, 0, Qt::AlignTop);
-    grid->addWidget(controls.customerGroups, row, 1);
-    grid->setRowStretch(row, 1);
-    grid->setColumnStretch(1, 1);
+    grid->setColumnMinimumWidth(2, 2 * kColumnGap);
+    grid->addWidget(label, 0, 3);
+    grid->addWidget(controls.customerGroups, 1, 3, row - 1, 1);
+    for (int r = 1; r < row; ++r)
+        grid->setRowStretch(r, 1);
+    grid->setColumnStretch(1, 3);
+    grid->setColumnStretch(3, 2);
     return box;
 }
 
