@@ -47,19 +47,27 @@ void setMessage(sqlite3_vtab* table, const char* message) {
     table->zErrMsg = sqlite3_mprintf("%s", message);
 }
 
+QByteArray messageOf(const std::exception_ptr& failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (const Connection::RecordIsHeld& held) {
+        return "another program holds a record of " + held.table.toUtf8();
+    }
+}
+
+// Runs the body of a callback; what it throws is kept for whoever runs the statement.
 template <typename Body>
 int guarded(sqlite3_vtab* table, Body body) {
     try {
         return body();
-    } catch (const DataError& error) {
-        setMessage(table, error.english().toUtf8().constData());
-    } catch (const Connection::RecordIsHeld&) {
-        setMessage(table, "another program holds the record");
-    } catch (const std::exception& error) {
-        setMessage(table, error.what());
+    } catch (...) {
+        const std::exception_ptr failure = std::current_exception();
+        setMessage(table, messageOf(failure).constData());
+        tableOf(table).connection->keepFailure(failure);
+        return SQLITE_ERROR;
     }
-    tableOf(table).connection->keepFailure(std::current_exception());
-    return SQLITE_ERROR;
 }
 
 int connectTable(sqlite3* db, void* context, int, const char* const* arguments, sqlite3_vtab** made,
