@@ -56,7 +56,9 @@ int runCommand(const Command& command, const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
         command.summary + u'.' + (command.details.isEmpty() ? QString() : u'\n' + command.details));
-    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Shows this text."));
+    parser.addOption(help);
     parser.addOptions(command.options);
     parser.addPositionalArgument(command.name, command.summary + u'.',
                                  command.name + u' ' + command.syntax);

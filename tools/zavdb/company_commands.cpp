@@ -17,6 +17,8 @@ const QString kWithout = QStringLiteral("without");
 const QString kProducts = QStringLiteral("products");
 const QString kSeed = QStringLiteral("seed");
 
+constexpr int kProductsWorthWatching = 20000;
+
 // A company without these is none: the catalogue, and what every run reads.
 const QStringList kEssentialTables = {
     QStringLiteral("X$File"), QStringLiteral("X$Field"), QStringLiteral("X$Index"),
@@ -62,10 +64,10 @@ qint64 number(const Arguments& arguments, const QString& option, qint64 fallback
     const qint64 value = text.toLongLong(&ok);
     if (!ok || value < lowest || value > highest)
         throw UsageError(QStringLiteral("--%1 takes a whole number from %2 to %3, not \"%4\".")
-                               .arg(option)
-                               .arg(lowest)
-                               .arg(highest)
-                               .arg(text));
+                             .arg(option)
+                             .arg(lowest)
+                             .arg(highest)
+                             .arg(text));
     return value;
 }
 
@@ -75,13 +77,13 @@ int createDemo(const Arguments& arguments) {
         number(arguments, kProducts, options.products, demo::kFewestProducts, demo::kMostProducts));
     options.seed = static_cast<quint64>(
         number(arguments, kSeed, static_cast<qint64>(options.seed), 0, INT64_MAX));
-    buildCompany(
-        arguments.at(0), arguments.at(1), data::allTableSources(), [&](data::Database& database) {
-            demo::fill(database, options, [](const QString& table, qint64 rows) {
-                printError(
-                    QStringLiteral("%1: %2").arg(table, counted(rows, QStringLiteral("row"))));
-            });
-        });
+    demo::Progress progress = [](const QString&, qint64) {};
+    if (options.products >= kProductsWorthWatching)
+        progress = [](const QString& table, qint64 rows) {
+            printError(QStringLiteral("%1: %2").arg(table, counted(rows, QStringLiteral("row"))));
+        };
+    buildCompany(arguments.at(0), arguments.at(1), data::allTableSources(),
+                 [&](data::Database& database) { demo::fill(database, options, progress); });
     return 0;
 }
 

@@ -131,9 +131,11 @@ CsvWriter::CsvWriter(QIODevice& device) : m_device(device) {}
 void CsvWriter::add(const QString& text) {
     if (m_fields++ > 0)
         m_output.append(',');
-    const bool quote = std::any_of(text.cbegin(), text.cend(), [](QChar c) {
-        return c == u',' || c == u'"' || c == u'\r' || c == u'\n';
-    });
+    // a byte order mark at the start of a file would be taken for the file's
+    const bool quote = text.startsWith(QChar::ByteOrderMark) ||
+                       std::any_of(text.cbegin(), text.cend(), [](QChar c) {
+                           return c == u',' || c == u'"' || c == u'\r' || c == u'\n';
+                       });
     if (!quote) {
         m_output.append(text.toUtf8());
         return;

@@ -9,7 +9,6 @@
 #include "tools/zavdb/command.h"
 #include "tools/zavdb/csv.h"
 #include "tools/zavdb/field_listing.h"
-#include "tools/zavdb/sql_guard.h"
 
 namespace tools {
 
@@ -61,9 +60,6 @@ QString resultText(const data::Value& value) {
 }
 
 int sql(const Arguments& arguments) {
-    const QString problem = statementProblem(arguments.at(1));
-    if (!problem.isEmpty())
-        throw CommandError(QStringLiteral("The statement is refused: %1.").arg(problem));
     const std::unique_ptr<data::Database> database = openCompany(arguments.at(0));
     const std::unique_ptr<data::SqlStatement> statement = database->prepare(arguments.at(1));
     if (const QStringList parameters = statement->parameterNames(); !parameters.isEmpty())

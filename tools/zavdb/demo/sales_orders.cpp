@@ -71,7 +71,9 @@ OrderRow makeRow(const Facts& facts, Random& random, const Customer& customer, b
             row.left = static_cast<double>(static_cast<int>(row.quantity) / 2);
     }
     if (random.chance(25))
-        row.discount = random.pick({2.0, 5.0, 7.5, 10.0, 15.0, 20.0, 33.3, 100.0});
+        row.discount = random.pick({2.0, 5.0, 7.5, 10.0, 15.0, 20.0, 33.3});
+    else if (random.perMille(5))
+        row.discount = 100.0;  // given away
     const auto level = static_cast<size_t>(
         customerGroups()[static_cast<size_t>(customer.group - 1)].priceLevel - 1);
     row.price = row.product.prices[level] != 0 ? row.product.prices[level] : row.product.prices[0];

@@ -6,7 +6,7 @@ namespace {
 
 constexpr VatClassWords kVatClasses[] = {
     {kVat24, u"Yleinen verokanta 24 %", 24.0F, u"3000", u"ALV 24 %", u"S"},
-    {kVat14, u"Elintarvikkeet ja ravintola 14 %", 14.0F, u"3010", u"ALV 14 %", u"S"},
+    {kVat14, u"Ruoka ja ravintolat 14 %", 14.0F, u"3010", u"ALV 14 %", u"S"},
     {kVat10, u"Kirjat, lehdet, lääkkeet 10 %", 10.0F, u"3020", u"ALV 10 %", u"S"},
     {kVat0, u"Veroton", 0.0F, u"3030", u"ALV 0 %", u"Z"},
     {kVat255, u"Yleinen verokanta 25,5 %", 25.5F, u"3005", u"ALV 25,5 %", u"S"},

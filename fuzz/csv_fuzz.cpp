@@ -1,0 +1,54 @@
+// CSV: any bytes are either refused or read; what was read comes back the same after it was
+// written.
+
+#include <QBuffer>
+#include <cstdlib>
+#include <vector>
+
+#include "tools/zavdb/csv.h"
+
+namespace {
+
+using Rows = std::vector<std::vector<QString>>;
+
+/// @return false when the bytes are no CSV, or no UTF-8.
+bool readAll(QByteArray bytes, Rows& rows) {
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    try {
+        tools::CsvReader reader(buffer);
+        while (reader.next()) {
+            std::vector<QString> row(static_cast<size_t>(reader.fieldCount()));
+            for (int i = 0; i < reader.fieldCount(); ++i)
+                if (!tools::decodeUtf8(reader.field(i), row[static_cast<size_t>(i)]))
+                    return false;
+            rows.push_back(std::move(row));
+        }
+    } catch (const tools::CsvError&) {
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    Rows rows;
+    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    if (!readAll(bytes, rows))
+        return 0;
+    QByteArray written;
+    QBuffer buffer(&written);
+    buffer.open(QIODevice::WriteOnly);
+    tools::CsvWriter writer(buffer);
+    for (const std::vector<QString>& row : rows) {
+        for (const QString& field : row)
+            writer.add(field);
+        writer.endRecord();
+    }
+    writer.flush();
+    Rows again;
+    if (!readAll(written, again) || again != rows)
+        std::abort();
+    return 0;
+}

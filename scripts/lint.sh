@@ -1,0 +1,52 @@
+#!/bin/bash
+# Runs clang-tidy. Usage: lint.sh [--changed] [--minutes N] [FILE...]
+#   --changed     only the sources that differ from the commit before
+#   --minutes N   stops after N minutes, without complaint about the files that are left
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+changed=no minutes=0 files=()
+while [ $# -gt 0 ]; do
+    case "$1" in
+        --changed) changed=yes ;;
+        --minutes)
+            minutes=${2:?--minutes takes a number}
+            shift
+            ;;
+        *) files+=("$1") ;;
+    esac
+    shift
+done
+
+if [ "$changed" = yes ]; then
+    if git rev-parse -q --verify HEAD~1 >/dev/null; then
+        mapfile -t files < <(git diff --name-only --diff-filter=d HEAD~1 -- '*.cpp')
+    fi
+    [ ${#files[@]} -gt 0 ] || { echo "No source has changed."; exit 0; }
+elif [ ${#files[@]} -eq 0 ]; then
+    mapfile -t files < <(git ls-files '*.cpp')
+fi
+
+# clang-tidy wants clang's command lines and the files that moc writes
+cmake --preset tidy >build-tidy.log 2>&1 || { cat build-tidy.log >&2; exit 1; }
+rm -f build-tidy.log
+mapfile -t generated < <(ninja -C build-tidy -t targets all | sed -n 's/^\([^ ]*_autogen\): .*/\1/p')
+[ ${#generated[@]} -eq 0 ] || ninja -C build-tidy "${generated[@]}" >/dev/null
+
+# a file that the build does not know (another platform's) cannot be checked
+known=()
+for file in "${files[@]}"; do
+    ! grep -qF "\"file\": \"$PWD/$file\"" build-tidy/compile_commands.json || known+=("$file")
+done
+[ ${#known[@]} -gt 0 ] || { echo "Nothing to check."; exit 0; }
+
+limit=()
+[ "$minutes" -eq 0 ] || limit=(timeout "$((minutes * 60))")
+status=0
+printf '%s\0' "${known[@]}" |
+    "${limit[@]}" xargs -0 -n 1 -P "$(nproc)" clang-tidy -p build-tidy --quiet || status=$?
+if [ "$status" -eq 124 ]; then
+    echo "Time is up; scripts/nightly.sh checks all files."
+    status=0
+fi
+exit "$status"

@@ -1,0 +1,31 @@
+# shellcheck shell=bash disable=SC2034
+# The Debian packages that the scripts need; sourced by them.
+
+packages_build="g++ cmake ninja-build ccache qt6-base-dev libsqlite3-dev libsimpleini-dev unixodbc-dev
+    fonts-dejavu-core"
+packages_test="libgtest-dev libgmock-dev git xvfb"
+packages_lint="clang clang-format clang-tidy"
+packages_nightly="cppcheck"
+
+# Installs what is missing of the packages given. A machine that has them all needs neither network
+# nor root.
+install_packages() {
+    local package sudo="" missing=()
+    for package in "$@"; do
+        if [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
+            missing+=("$package")
+        fi
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "These packages are missing and take root (or sudo) to install: ${missing[*]}" >&2
+            return 1
+        fi
+        sudo=sudo
+    fi
+    echo "Installing packages: ${missing[*]}"
+    $sudo apt-get -q update
+    $sudo env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=300 \
+        install --no-install-recommends "${missing[@]}"
+}

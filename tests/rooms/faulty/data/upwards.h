@@ -1,0 +1,2 @@
+#include "data/value.h"
+#include "app/company/company.h"

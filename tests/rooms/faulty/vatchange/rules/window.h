@@ -1,0 +1,3 @@
+#include <QWidget>
+#include "data/engine.h"
+#include "vatchange/rules/rounding.h"
