@@ -75,10 +75,10 @@ class TField {
 /// with their display formats. `calculate` makes it a calculated field of the given kind.
 struct FieldDeclaration {
     QString name;
-    QString displayFormat;
+    QString displayFormat = {};
     Kind calculatedKind = Kind::String;
     int calculatedSize = 0;
-    std::function<Value(const TtbTable&)> calculate;
+    std::function<Value(const TtbTable&)> calculate = {};
 };
 
 enum class TableState { Closed, Browse, Edit, Insert };
