@@ -271,11 +271,27 @@ void TAlvMuutosMt::walkOrders(const QString& numberField, const QString& statusN
             ++done;
             m_ports.status(
                 QStringLiteral("%1 %2 (%3 / %4)").arg(statusName).arg(order).arg(done).arg(total));
-            (this->*convert)(order);
+            try {
+                (this->*convert)(order);
+            } catch (const data::DataError& error) {
+                throw data::DataError(error.kind(), error.table(),
+                                      place(order, error.table()) + error.detail(),
+                                      error.nativeCode());
+            }
             m_ports.progress(done, total);
         }
     }
     SQLKysely.close();
+}
+
+// Where a failure in a table was met, for its report.
+QString TAlvMuutosMt::place(qint64 order, const QString& tableName) const {
+    QString text = QStringLiteral("tilaus %1").arg(order);
+    for (const auto& [table, row] : {std::pair{&MtRiviTable, &m_sales->riviNro},
+                                     std::pair{&OtRiviTable, &m_purchase->riviNro}})
+        if (tableName.compare(table->tableName(), Qt::CaseInsensitive) == 0 && !table->isEmpty())
+            text += QStringLiteral(", rivi %1").arg(row->asInteger());
+    return text + QStringLiteral(": ");
 }
 
 bool TAlvMuutosMt::stopAsked() {

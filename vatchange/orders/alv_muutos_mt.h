@@ -11,7 +11,8 @@ namespace vatchange {
 
 /// The data module of the order conversions: four record tables and the query that lists the
 /// orders. Every row is posted as soon as it is changed and every header as soon as it is summed;
-/// database errors leave the module as they come, and what is locked is released with it.
+/// a database error ends the conversion with the order and row added to its detail, and what is
+/// locked is released with the module.
 ///
 /// When the user stops a conversion, the order in hand gets its totals and no further one is begun.
 class TAlvMuutosMt {
@@ -51,6 +52,7 @@ class TAlvMuutosMt {
 
     void walkOrders(const QString& numberField, const QString& statusName,
                     void (TAlvMuutosMt::*convert)(qint64));
+    QString place(qint64 order, const QString& tableName) const;
     bool stopAsked();
     void trace(const QString& text) const;
     double factor(qint64 vatClass);

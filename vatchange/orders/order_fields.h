@@ -85,6 +85,7 @@ struct TAlvMuutosMt::PurchaseFields {
     PurchaseFields(data::TtbTable& header, data::TtbTable& row)
         : summa(header, "summa"),
           summaAlv0(header, "SummaAlv0"),
+          riviNro(fieldOf(row, "RiviNro")),
           alvLuokka(fieldOf(row, "AlvLuokka")),
           tulematta(fieldOf(row, "Tulematta")),
           ostoHinta(row, "OstoHinta"),
@@ -97,7 +98,7 @@ struct TAlvMuutosMt::PurchaseFields {
     /// The persistent fields of the row table; the others of its dictionary are not opened.
     static std::vector<data::FieldDeclaration> declarations() {
         std::vector<data::FieldDeclaration> fields;
-        for (const char* name : {"TilausNro", "AlvLuokka", "Tulematta", "OstoHinta",
+        for (const char* name : {"TilausNro", "RiviNro", "AlvLuokka", "Tulematta", "OstoHinta",
                                  "OstoHintaAlv0", "Maara", "Alennus", "Summa", "VariKokoLapsi"}) {
             data::FieldDeclaration field;
             field.name = QString::fromLatin1(name);
@@ -111,6 +112,7 @@ struct TAlvMuutosMt::PurchaseFields {
     AmountField summa;
     AmountField summaAlv0;
 
+    data::TField& riviNro;
     data::TField& alvLuokka;
     data::TField& tulematta;
     AmountField ostoHinta;
