@@ -10,7 +10,7 @@ namespace tools::demo {
 namespace {
 
 // enough to make the commits cheap, few enough to keep the write-ahead log short
-constexpr qint64 kBatch = 5000;
+constexpr qint64 kBatch = 50000;
 
 }  // namespace
 
