@@ -43,9 +43,12 @@ TEXT = ("string", "memo", "date", "time", "timestamp", "raw", "varbinary")
 
 def parse(table, row):
     out = {}
-    for name, kind, _, _ in LAYOUTS[table]:
+    for name, kind, stored, _ in LAYOUTS[table]:
         cell = row[name]
-        out[name] = cell if kind in TEXT else float(cell) if kind == "float" else int(cell or 0)
+        if kind == "float":
+            out[name] = f32(float(cell)) if stored == 4 else float(cell)
+        else:
+            out[name] = cell if kind in TEXT else int(cell or 0)
     return out
 
 

@@ -385,6 +385,7 @@ class Run:
         for p in self.tab["TUOTE"]:
             if p["Verkkokauppa"] and (not p["NUMERO"] or set(p["NUMERO"]) & set(" *?/[]()%$#\"&^'")):
                 p["Verkkokauppa"] = 0
+                p["Bit5"] &= ~16  # the byte that holds the flag
                 p["MUUTETTUPVM"], p["muutettutime"] = self.today, NOW
                 if not self.d.on("Eiverkkokauppaa"):
                     self.mark(p["NUMERO"], "P")
