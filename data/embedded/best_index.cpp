@@ -19,6 +19,9 @@ constexpr double kImageCost = 0.5;
 constexpr double kRecordCost = 2;
 constexpr double kLookupCost = 3;
 
+// A share of reading the table for an index that serves many searches.
+constexpr double kFieldCost = 0.1;
+
 // How many records share the values of a key's leading fields is not counted, but estimated.
 constexpr double kRowsOfWholeKey = 10;
 
@@ -46,6 +49,7 @@ class Planner {
     Candidate byKey(int key) const;
     Candidate byId() const;
     bool oneId(Candidate& candidate) const;
+    bool byField(Candidate& candidate) const;
     bool keyHoldsColumns(int key) const;
     bool orders(int key, int equalCount, bool& backward) const;
     void apply(const Candidate& candidate);
@@ -54,6 +58,12 @@ class Planner {
     sqlite3_index_info* m_info;
     double m_records;
 };
+
+bool isWholeNumber(const TFieldCacheItem& field) {
+    const Kind kind = field.kind();
+    return kind == Kind::SmallInt || kind == Kind::Integer || kind == Kind::Unsigned ||
+           kind == Kind::LargeInt;
+}
 
 bool isEquality(unsigned char op) {
     return op == SQLITE_INDEX_CONSTRAINT_EQ;
@@ -211,6 +221,27 @@ bool Planner::oneId(Candidate& candidate) const {
     return false;
 }
 
+// A whole-number field without a key, compared with something that changes from row to row of an
+// outer loop.
+bool Planner::byField(Candidate& candidate) const {
+    for (int i = 0; i < m_info->nConstraint; ++i) {
+        const auto& constraint = m_info->aConstraint[i];
+        sqlite3_value* constant = nullptr;
+        if (constraint.usable == 0 || constraint.iColumn < 0 || !isEquality(constraint.op) ||
+            !isWholeNumber(m_table.layout().field(constraint.iColumn)) ||
+            sqlite3_vtab_rhs_value(m_info, i, &constant) == SQLITE_OK)
+            continue;
+        candidate = {};
+        candidate.plan.key = ScanPlan::kByField;
+        candidate.plan.field = constraint.iColumn;
+        candidate.arguments = {i};
+        candidate.rows = std::min(m_records, kRowsOfWholeKey);
+        candidate.cost = kSeekCost + candidate.rows * kLookupCost + m_records * kFieldCost;
+        return true;
+    }
+    return false;
+}
+
 void Planner::apply(const Candidate& candidate) {
     // Whole numbers are found exactly as long as every segment before them was a whole number too;
     // SQLite looks at all others again.
@@ -222,9 +253,9 @@ void Planner::apply(const Candidate& candidate) {
         const int column = m_info->aConstraint[constraint].iColumn;
         if (column < 0)
             continue;
-        const Kind kind = m_table.layout().field(column).kind();
-        exact = exact && (kind == Kind::SmallInt || kind == Kind::Integer ||
-                          kind == Kind::Unsigned || kind == Kind::Boolean);
+        const TFieldCacheItem& field = m_table.layout().field(column);
+        exact = exact && candidate.plan.key != ScanPlan::kByField &&
+                (isWholeNumber(field) || field.kind() == Kind::Boolean) && field.storedLength < 8;
         usage.omit = exact ? 1 : 0;
     }
     m_info->idxNum = candidate.plan.packed();
@@ -249,6 +280,9 @@ int Planner::choose() {
             if (useful && total(candidate) < total(best))
                 best = candidate;
         }
+        Candidate candidate;
+        if (byField(candidate) && total(candidate) < total(best))
+            best = candidate;
     }
     apply(best);
     return SQLITE_OK;
@@ -257,13 +291,19 @@ int Planner::choose() {
 }  // namespace
 
 int ScanPlan::packed() const {
-    return (key + 2) | equalCount << 8 | low << 16 | high << 18 | int{backward} << 20 |
+    if (key == kByField)
+        return field << 8;
+    return (key + 3) | equalCount << 8 | low << 16 | high << 18 | int{backward} << 20 |
            int{imageOnly} << 21;
 }
 
 ScanPlan ScanPlan::unpacked(int number) {
     ScanPlan plan;
-    plan.key = (number & 0xFF) - 2;
+    plan.key = (number & 0xFF) - 3;
+    if (plan.key == kByField) {
+        plan.field = number >> 8;
+        return plan;
+    }
     plan.equalCount = number >> 8 & 0xFF;
     plan.low = number >> 16 & 3;
     plan.high = number >> 18 & 3;

@@ -15,6 +15,7 @@
 #include "data/embedded/catalogue.h"
 #include "data/embedded/record_locks.h"
 #include "data/embedded/sqlite_handle.h"
+#include "data/embedded/transient_index.h"
 
 namespace data::embedded {
 
@@ -43,6 +44,7 @@ class Connection {
     /// Forgets what was read of the catalogue, and the open tables: for the making of a company.
     void forgetCatalogue();
     RecordLocks& locks() { return *m_locks; }
+    TransientIndexes& transientIndexes() { return m_transientIndexes; }
 
     /// The table of that name (case ignored), opened when first asked for.
     /// @throws DataError(NoSuchTable, Damaged).
@@ -114,6 +116,7 @@ class Connection {
         sqlite3_stmt* statement;
     };
     std::vector<CachedStatement> m_cache;  // oldest first
+    TransientIndexes m_transientIndexes;
     std::exception_ptr m_failure;
     bool m_checksNames = false;
     bool m_inTransaction = false;

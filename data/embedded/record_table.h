@@ -65,7 +65,7 @@ class RecordTable {
     const KeyImage& image(int key) const { return m_images[static_cast<size_t>(key)]; }
     /// A record whose fields are all empty.
     const QByteArray& emptyRecord() const { return m_emptyRecord; }
-    Connection& connection() { return m_connection; }
+    Connection& connection() const { return m_connection; }
 
     /// Rows: column 0 the id, column 1 the record (or image).
     StatementLease scan(const ScanShape& shape);

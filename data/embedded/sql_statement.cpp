@@ -62,6 +62,7 @@ EmbeddedSqlStatement::EmbeddedSqlStatement(std::shared_ptr<Connection> connectio
 }
 
 EmbeddedSqlStatement::~EmbeddedSqlStatement() {
+    m_connection->transientIndexes().clear();
     m_connection->giveBack(m_sql, m_statement);
 }
 
@@ -92,6 +93,8 @@ void EmbeddedSqlStatement::bind(const QString& name, const Value& value) {
 
 bool EmbeddedSqlStatement::stepOnce() {
     m_connection->clearFailure();
+    if (sqlite3_stmt_busy(m_statement) == 0)
+        m_connection->transientIndexes().clear();
     const int code = sqlite3_step(m_statement);
     if (code == SQLITE_ROW)
         return true;
@@ -156,6 +159,7 @@ qint64 EmbeddedSqlStatement::execute() {
 }
 
 void EmbeddedSqlStatement::reset() {
+    m_connection->transientIndexes().clear();
     sqlite3_reset(m_statement);
     m_atEnd = false;
 }

@@ -1,7 +1,8 @@
 #include "data/embedded/virtual_table.h"
 
-#include <cstring>
+#include <algorithm>
 #include <exception>
+#include <limits>
 
 #include "data/embedded/column_codec.h"
 #include "data/embedded/connection.h"
@@ -32,6 +33,9 @@ struct Cursor : sqlite3_vtab_cursor {
     RecordId id = 0;
     const uchar* record = nullptr;
     QByteArray rebuilt;  // of a scan that reads the key alone
+    // Of a scan by a field's value: the ids still to come.
+    std::vector<RecordId> ids;
+    size_t nextId = 0;
 };
 
 SqlTable& tableOf(sqlite3_vtab* table) {
@@ -117,6 +121,13 @@ int closeCursor(sqlite3_vtab_cursor* cursor) {
 
 int advance(Cursor& cursor) {
     cursor.record = nullptr;
+    if (!cursor.ids.empty()) {
+        cursor.rows->reset();
+        cursor.atEnd = cursor.nextId == cursor.ids.size();
+        if (cursor.atEnd)
+            return SQLITE_OK;
+        cursor.rows->bind(1, cursor.ids[cursor.nextId++]);
+    }
     cursor.atEnd = !cursor.rows->step();
     if (cursor.atEnd) {
         cursor.rows = {};
@@ -211,14 +222,41 @@ bool setBounds(Cursor& cursor, sqlite3_value** values, ScanShape::Bounds& bounds
     return true;
 }
 
+// @return false when there is no index to go by.
+bool startByField(Cursor& cursor, sqlite3_value* value) {
+    const TransientIndexes::Entries* entries =
+        cursor.table->connection().transientIndexes().find(*cursor.table, cursor.plan.field);
+    if (entries == nullptr)
+        return false;
+    const int type = sqlite3_value_numeric_type(value);
+    const double number = sqlite3_value_double(value);
+    const qint64 whole = sqlite3_value_int64(value);
+    if (type == SQLITE_INTEGER || (type == SQLITE_FLOAT && static_cast<double>(whole) == number)) {
+        auto entry = std::lower_bound(entries->begin(), entries->end(),
+                                      std::pair(whole, std::numeric_limits<RecordId>::min()));
+        for (; entry != entries->end() && entry->first == whole; ++entry)
+            cursor.ids.push_back(entry->second);
+    }
+    if (!cursor.ids.empty())
+        cursor.rows = cursor.table->scan({-1, ScanShape::Bounds::Equal, false, false, false});
+    return true;
+}
+
 int startScan(sqlite3_vtab_cursor* handle, int planNumber, const char*, int,
               sqlite3_value** values) {
     Cursor& cursor = cursorOf(handle);
     return guarded(handle->pVtab, [&] {
         cursor.rows = {};
         cursor.atEnd = true;
+        cursor.ids.clear();
+        cursor.nextId = 0;
         cursor.plan = ScanPlan::unpacked(planNumber);
-        const ScanPlan& plan = cursor.plan;
+        ScanPlan& plan = cursor.plan;
+        if (plan.key == ScanPlan::kByField) {
+            if (startByField(cursor, values[0]))
+                return cursor.ids.empty() ? SQLITE_OK : advance(cursor);
+            plan.key = ScanPlan::kById;
+        }
         if (plan.key == ScanPlan::kOneId) {
             if (sqlite3_value_numeric_type(values[0]) != SQLITE_INTEGER)
                 return SQLITE_OK;

@@ -20,9 +20,11 @@ QByteArray virtualTableSql(const QString& tableName);
 
 /// How a scan of a table goes; packed into the number that SQLite carries from planning to running.
 struct ScanPlan {
-    static constexpr int kById = -1;   ///< key: all records in id order
-    static constexpr int kOneId = -2;  ///< key: the record with the id given
+    static constexpr int kById = -1;     ///< key: all records in id order
+    static constexpr int kOneId = -2;    ///< key: the record with the id given
+    static constexpr int kByField = -3;  ///< key: the records with the value of `field` given
     int key = kById;
+    int field = 0;       ///< only of kByField
     int equalCount = 0;  ///< leading segments compared for equality
     int low = 0;         ///< 1: > on the next segment, 2: >=
     int high = 0;        ///< 1: < on the next segment, 2: <=

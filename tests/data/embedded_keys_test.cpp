@@ -3,6 +3,7 @@
 #include <random>
 #include <tuple>
 
+#include "data/embedded/sqlite_handle.h"
 #include "tests/data/embedded_fixture.h"
 
 using namespace data;
@@ -153,6 +154,42 @@ TEST_F(EmbeddedKeys, KeysThatIgnoreCasePutAoAfterZ) {
     EXPECT_EQ(file->seek(1, SeekOp::Equal, {QString::fromUtf8("äitI")}, 10).size(), 2u);
     EXPECT_EQ(rows(QString::fromUtf8("select tunnus from toimittaja where nimi = 'ÄITI'")),
               QStringList{"7"});
+}
+
+// The stored images, byte by byte.
+TEST_F(EmbeddedKeys, ImagesAsDocumented) {
+    run(QString::fromUtf8("insert into tuote (numero, nimi, ryhma) values ('Ä7', 'åB z', -1)"));
+    run("insert into uusihinta (avain, tuote, pvm) values (258, 'x', '2024-09-01'), (1, 'x', '')");
+    run("insert into asale (maara, asikastyyppi) values (1, -1), (-1, 1)");
+    db.reset();
+    const embedded::SqliteHandle handle(file(), embedded::SqliteHandle::Mode::ReadWrite);
+    const auto images = [&handle](const QByteArray& sql) {
+        embedded::Statement statement(handle.get(), sql);
+        QByteArrayList found;
+        while (statement.step())
+            found.append(statement.bytes(0).toHex());
+        return found;
+    };
+    const QByteArray zero = "00";
+    EXPECT_EQ(images("SELECT k2 FROM rec_TUOTE"), QByteArrayList{"7fff"
+                                                                 "c437" +
+                                                                 zero.repeated(16)});
+    const QByteArray folded = images("SELECT k5 FROM rec_TUOTE").at(0);
+    EXPECT_EQ(folded.size(), 80);
+    EXPECT_TRUE(folded.endsWith(zero.repeated(36)));
+    EXPECT_EQ(images("SELECT k0 FROM rec_UUSIHINTA ORDER BY id"),
+              (QByteArrayList{"80000102", "80000001"}));
+    // 2024-09-01 is the Julian day 2460555; 739131 is B473B.
+    EXPECT_EQ(images("SELECT k1 FROM rec_UUSIHINTA ORDER BY id"),
+              (QByteArrayList{"78" + zero.repeated(17) + "000b473b",
+                              "78" + zero.repeated(17) + "00000000"}));
+    EXPECT_EQ(images("SELECT k0 FROM rec_ASALE ORDER BY id"),
+              (QByteArrayList{"80000000" + zero.repeated(18) +
+                                  "7f"
+                                  "bff0000000000000",
+                              "80000000" + zero.repeated(18) +
+                                  "81"
+                                  "400fffffffffffff"}));
 }
 
 TEST_F(EmbeddedKeys, NextFindsThePlaceOfARecordThatIsGone) {

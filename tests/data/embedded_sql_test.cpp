@@ -241,6 +241,11 @@ TEST_F(EmbeddedSql, JoinsOfTheRun) {
                    "from tuote where tuote.maaraale = maaraale.numero and (loppu='' or "
                    "loppu>='20240701' ) and ( lvv = 2 OR alv2 = 2 OR ostovero = 2) )"),
               QStringList{"2|m2|3|0"});
+    run("insert into maaraale (numero) values (3), (4), (5), (6)");
+    run("update tuote set maaraale = 5 where numero = 'p2'");
+    EXPECT_EQ(rows("select numero from maaraale where exists (select numero from tuote where "
+                   "tuote.maaraale = maaraale.numero) order by numero"),
+              (QStringList{"2", "5"}));
 
     run("insert into myymalahinnat (myymala, tuote, hinta1, hinta1alv0, muutettu) values "
         "(1,'p1',12.4,10,'2024-01-01 10:00:00'), (2,'p1',24.8,20,''), (1,'p2',1,1,null)");
