@@ -290,6 +290,13 @@ TEST(ChangeRun, CustomerPricesWithoutGroupsAndWithTheOldVatFreePrice) {
     EXPECT_EQ(company.number("select min(HintaAlv0) from ASALE"), 1.2345 / 1.255);
     EXPECT_EQ(company.number("select max(HintaAlv0) from ASALE"), 1.2345 / 1.255);
 
+    // the rate is stored in single precision, and it is that single which counts
+    definition.targetClass = 8;
+    EXPECT_TRUE(company.run(definition).clean());
+    EXPECT_EQ(company.number("select max(HintaAlv0) from ASALE"),
+              1.2345 / (1.0 + static_cast<double>(13.7F) / 100.0));
+    definition.targetClass = 6;
+
     company.exec("update ASALE set HintaAlv0 = 0.5");
     definition.levels[0].coefficient = k24To25_5;
     definition.keepCustomerPricelistVat0 = true;

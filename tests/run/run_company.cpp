@@ -26,8 +26,8 @@ RunCompany::RunCompany(const QStringList& withoutTables)
     company::storeAlias(alias);
     EXPECT_TRUE(company::takeIntoUse(kName));
     m_database = otherProgram();
-    for (const auto& [vatClass, rate] :
-         std::map<int, const char*>{{2, "14"}, {3, "24"}, {6, "25.5"}, {7, "24"}, {8, "13.7"}}) {
+    for (const auto& [vatClass, rate] : std::map<int, const char*>{
+             {2, "14"}, {3, "24"}, {6, "25.5"}, {7, "24"}, {8, "13.7"}, {9, "0"}}) {
         exec(QStringLiteral("insert into ALVKANTA (luokka, Prosentti) values (%1, %2)")
                  .arg(vatClass)
                  .arg(QLatin1String(rate)));

@@ -18,7 +18,7 @@ namespace test {
 inline constexpr double k24To25_5 = 1.0120967741935485;
 
 /// A company of its own in a temporary folder, taken into use as the current one, at half past six
-/// on the morning of the change. VAT classes: 2 14 %, 3 24 %, 6 25.5 %, 7 24 %, 8 13.7 %.
+/// on the morning of the change. VAT classes: 2 14 %, 3 24 %, 6 25.5 %, 7 24 %, 8 13.7 %, 9 0 %.
 class RunCompany {
   public:
     explicit RunCompany(const QStringList& withoutTables = {});

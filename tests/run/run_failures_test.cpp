@@ -46,9 +46,10 @@ TEST(RefusedRun, ClassChecksChangeNothing) {
         EXPECT_EQ(company.ports.lines, QStringList(QString::fromUtf8(c.message)));
     }
     EXPECT_EQ(company.everything(), before);
-    // products without a class may go to a class of any rate
+    // products without a class may go to a class of any rate, their own 0 % included
     ChangeDefinition definition = plainDefinition();
     definition.sourceClass = 0;
+    definition.targetClass = 9;
     EXPECT_FALSE(company.run(definition).refused);
 }
 
