@@ -73,6 +73,15 @@ int refuse(ExitStatus status, const QString& text) {
     return static_cast<int>(status);
 }
 
+// The invisible platform complains of what it cannot do; an unattended run's standard error is for
+// what went wrong.
+QtMessageHandler otherMessages = nullptr;
+void leaveOutPlatformComplaints(QtMsgType type, const QMessageLogContext& context,
+                                const QString& text) {
+    if (!text.startsWith(QLatin1String("This plugin does not support")))
+        otherMessages(type, context, text);
+}
+
 enum class Choice { Made, Cancelled, Impossible };
 
 Choice chooseCompany() {
@@ -119,6 +128,8 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
 
 int runProgram(QApplication& application) {
     const bool batch = company::hasSwitch(QStringLiteral("/E"));
+    if (!framework::Dialogs::someoneThere())
+        otherMessages = qInstallMessageHandler(leaveOutPlatformComplaints);
     company::setLogErrorReport([](const QString& text) { QTextStream(stderr) << text << '\n'; });
     company::TZavDbConnectionModule::setNotice(framework::showNotice);
 
@@ -136,7 +147,9 @@ int runProgram(QApplication& application) {
                 return static_cast<int>(ExitStatus::Done);
             case Choice::Impossible:
                 return tell(ExitStatus::Unavailable,
-                            QStringLiteral("Yritystä ei löydy: ") + wantedCompany());
+                            wantedCompany().isEmpty()
+                                ? QStringLiteral("Yrityksen nimi puuttuu")
+                                : QStringLiteral("Yritystä ei löydy: ") + wantedCompany());
         }
     } catch (const std::exception& e) {
         splash.reset();

@@ -121,8 +121,10 @@ void TAlvMuutosLomake::connectControls() {
         });
     }
     for (int tag = 1; tag <= kPriceLevels; ++tag) {
-        connect(m_controls.source(tag), &framework::LookupCombo::exited, this,
-                [this, tag] { validateSource(tag); });
+        connect(m_controls.source(tag), &framework::LookupCombo::exited, this, [this, tag] {
+            if (!m_returningFocus)
+                validateSource(tag);
+        });
     }
 
     connectSearch(m_controls.subGroup.search, SearchKind::SubGroup, m_controls.subGroup.first);
@@ -242,7 +244,9 @@ bool TAlvMuutosLomake::checkEdit(QWidget* widget) {
     const auto refuse = [this](QLineEdit* edit, const QString& text) {
         m_pendingExit.clear();
         framework::Dialogs::warning(this, text);
+        m_returningFocus = true;
         edit->setFocus();
+        m_returningFocus = false;
         edit->selectAll();
         return false;
     };

@@ -96,7 +96,8 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     QProgressBar* m_progress = nullptr;
     QPushButton* m_interrupt = nullptr;
     QPushButton* m_close = nullptr;
-    QPointer<QWidget> m_pendingExit;
+    QPointer<QWidget> m_pendingExit;  ///< left, not yet checked
+    bool m_returningFocus = false;    ///< a refused edit takes the focus back: no exit
     bool m_running = false;
     bool m_cancelRequested = false;
     bool m_closeWhenDone = false;

@@ -93,7 +93,6 @@ void productRange(FormControls& controls, const Columns& columns, QWidget* paren
         auto* text = new framework::TextEdit(controls.productRangeBox);
         text->setObjectName(objectName);
         text->setAccessibleName(accessibleName);
-        text->setMaxLength(18);
         row->addWidget(text, 1);
         return text;
     };

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QStringList>
+#include <deque>
+
+#include "framework/ui/dialogs.h"
+
+namespace test {
+
+/// Answers the dialogs of a test. A test says beforehand which dialogs come, in their order, and
+/// how they are answered; a dialog that nobody expected, or an expected one that never came, fails
+/// the test.
+class ScriptedDialogs : public framework::DialogHandler {
+  public:
+    ScriptedDialogs() : m_previous(framework::Dialogs::setHandler(this)) {}
+    ~ScriptedDialogs() override {
+        framework::Dialogs::setHandler(m_previous);
+        for (const Expected& dialog : m_expected)
+            ADD_FAILURE() << "this dialog never came: " << dialog.text.toStdString();
+    }
+    ScriptedDialogs(const ScriptedDialogs&) = delete;
+    ScriptedDialogs& operator=(const ScriptedDialogs&) = delete;
+
+    void expectMessage(const QString& text) { m_expected.push_back({text, false, {}}); }
+    void expectQuestion(const QString& text, bool yes) { m_expected.push_back({text, yes, {}}); }
+    void expectFileChoice(const QString& fileName) { m_expected.push_back({{}, false, fileName}); }
+    bool allCame() const { return m_expected.empty(); }
+
+    bool someoneThere() const override { return true; }
+    void message(QWidget*, framework::MessageKind, const QString& text) override { next(text); }
+    bool ask(QWidget*, const QString& text) override { return next(text).yes; }
+    QString saveFileName(QWidget*, const QString&, const QString&, const QString&) override {
+        return next({}).fileName;
+    }
+
+  private:
+    struct Expected {
+        QString text;
+        bool yes = false;
+        QString fileName;
+    };
+    Expected next(const QString& text) {
+        if (m_expected.empty()) {
+            ADD_FAILURE() << "unexpected dialog: " << text.toStdString();
+            return {};
+        }
+        const Expected dialog = m_expected.front();
+        m_expected.pop_front();
+        EXPECT_EQ(text.toStdString(), dialog.text.toStdString());
+        return dialog;
+    }
+
+    framework::DialogHandler* m_previous;
+    std::deque<Expected> m_expected;
+};
+
+}  // namespace test
