@@ -25,7 +25,7 @@ class IniFile {
     IniFile& operator=(IniFile&&) noexcept;
 
     /// Files beyond this size (bytes) are refused as damaged: no settings file comes near it.
-    static constexpr qint64 kMaxSize = 16 * 1024 * 1024;
+    static constexpr qint64 kMaxSize = qint64{16} * 1024 * 1024;
 
     /// A missing file reads as empty. @throws data::DataError(Io, Damaged) naming the file, and the
     /// line where one is at fault: NUL characters (UTF-16 text, a foreign file), a section name
