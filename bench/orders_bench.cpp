@@ -165,10 +165,17 @@ void createOrdinaryTable(Ordinary& db, const data::TableSource& table) {
     }
     const std::string name = table.name.toStdString();
     db.run("CREATE TABLE " + name + " (" + columns + ")");
-    for (const data::KeySource& key : table.keys)
-        db.run(std::string("CREATE ") + (key.unique ? "UNIQUE " : "") + "INDEX " + name +
-               std::to_string(key.number) + " ON " + name + " (" +
-               key.fields.join(QStringLiteral(",")).toStdString() + ")");
+    for (const data::KeySource& key : table.keys) {
+        std::string sql = key.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ";
+        sql += name;
+        sql += std::to_string(key.number);
+        sql += " ON ";
+        sql += name;
+        sql += " (";
+        sql += key.fields.join(QStringLiteral(",")).toStdString();
+        sql += ")";
+        db.run(sql);
+    }
 }
 
 void fillOrdinary(Ordinary& db, Size size) {

@@ -106,7 +106,7 @@ class Crash : public testing::Test {
 
     // A copy of the company as it was at the start, under a name of its own.
     QString freshCopy(const QString& name) {
-        const QString folder = m_folder.filePath(name);
+        QString folder = m_folder.filePath(name);
         data::backupEmbedded(m_folder.filePath("alku"), prepared(folder), {});
         return folder;
     }

@@ -97,6 +97,7 @@ TEST(SalesOrders, ConvertEveryKindOfOrder) {
     const std::vector<data::KeyValues> untouchedRows{{100, 2}, {100, 3}, {101, 1},
                                                      {102, 1}, {103, 1}, {999, 1}};
     std::vector<QByteArray> before;
+    before.reserve(untouchedRows.size());
     for (const auto& key : untouchedRows)
         before.push_back(company.bytes("MTRIVI", key));
 
