@@ -59,7 +59,7 @@ std::vector<Store> openStores() {
 
 QStringList namesIn(QSettings& store) {
     store.beginGroup(kAliases);
-    const QStringList names = store.childGroups();
+    QStringList names = store.childGroups();
     store.endGroup();
     return names;
 }
