@@ -62,7 +62,8 @@ TYritysValinta::TYritysValinta(QWidget* parent)
     column->addLayout(buttons);
     resize(620, 380);
 
-    connect(m_list, &QTreeWidget::itemActivated, this, &TYritysValinta::choose);
+    // Enter reaches the default button; the list's own activation would choose a second time.
+    connect(m_list, &QTreeWidget::itemDoubleClicked, this, &TYritysValinta::choose);
     connect(m_list, &QTreeWidget::currentItemChanged, this, &TYritysValinta::updateButtons);
     connect(m_choose, &QPushButton::clicked, this, &TYritysValinta::choose);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
