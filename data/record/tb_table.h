@@ -95,7 +95,7 @@ struct Bookmark {
 ///
 /// After every navigation call exactly one of these holds: a record is current (eof() and bof() say
 /// whether the last step ran into an end), or the view is empty and both eof() and bof() are true.
-/// The current record is a copy, and so are up to 64 records that a walk read ahead: what others
+/// The current record is a copy, and so are the records that a walk has read ahead: what others
 /// (SQL statements of this program included) change in them is seen after refresh() or edit(). The
 /// table's own writes are always seen.
 /// Nothing stays open in the engine between calls, so writes during a walk are safe: a record
