@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -91,7 +92,21 @@ void fillEmbedded(data::Database& database, Size size) {
 
 struct Measured {
     double seconds = 0;
+    double processor = 0;  // seconds
     double megabytes = 0;  // at the most
+};
+
+class Stopwatch {
+  public:
+    Stopwatch() { m_timer.start(); }
+    void stop(Measured& measured) const {
+        measured.seconds = static_cast<double>(m_timer.nsecsElapsed()) / 1e9;
+        measured.processor = static_cast<double>(std::clock() - m_clock) / CLOCKS_PER_SEC;
+    }
+
+  private:
+    QElapsedTimer m_timer;
+    std::clock_t m_clock = std::clock();
 };
 
 Measured convertEmbedded(data::Database& database) {
@@ -110,10 +125,9 @@ Measured convertEmbedded(data::Database& database) {
     };
     ports.cancelled = [] { return false; };
     ports.ratePercent = [](int vatClass) { return vatClass == kTargetClass ? kTargetRate : 24.0; };
-    QElapsedTimer timer;
-    timer.start();
+    const Stopwatch watch;
     vatchange::AlvMuutosMyyntitilauksiin(database, arguments, ports);
-    measured.seconds = static_cast<double>(timer.nsecsElapsed()) / 1e9;
+    watch.stop(measured);
     return measured;
 }
 
@@ -212,9 +226,8 @@ struct PlainRow {
     double price, vat0, purchase, quantity;
 };
 
-double convertOrdinary(Ordinary& db) {
-    QElapsedTimer timer;
-    timer.start();
+Measured convertOrdinary(Ordinary& db) {
+    const Stopwatch watch;
     const double factor = 1 + kTargetRate / 100;
     std::vector<int> orders;
     sqlite3_stmt* list = db.prepare("SELECT Numero FROM MT WHERE MT.Toimitustila <= 3");
@@ -274,7 +287,9 @@ double convertOrdinary(Ordinary& db) {
     }
     for (sqlite3_stmt* statement : {header, rows, setRow, setHeader})
         sqlite3_finalize(statement);
-    return static_cast<double>(timer.nsecsElapsed()) / 1e9;
+    Measured measured;
+    watch.stop(measured);
+    return measured;
 }
 
 }  // namespace
@@ -291,7 +306,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "%s\n", folder.errorString().toLocal8Bit().constData());
         return 1;
     }
-    double plain = 0;
+    Measured plain;
     {
         Ordinary db(folder.filePath(QStringLiteral("ordinary.db")));
         fillOrdinary(db, size);
@@ -303,8 +318,12 @@ int main(int argc, char** argv) {
     fillEmbedded(*database, size);
     const double before = anonymousMegabytes();
     const Measured ours = convertEmbedded(*database);
-    std::printf("%d orders, %d rows\nplain program  %.2f s\norder module   %.2f s\nratio %.2f\n",
-                size.orders, size.orders * size.rows, plain, ours.seconds, ours.seconds / plain);
+    std::printf("%d orders, %d rows; seconds: wall, processor\n", size.orders,
+                size.orders * size.rows);
+    std::printf(
+        "plain program  %6.2f %6.2f\norder module   %6.2f %6.2f\nratio          %6.2f %6.2f\n",
+        plain.seconds, plain.processor, ours.seconds, ours.processor, ours.seconds / plain.seconds,
+        ours.processor / plain.processor);
     std::printf("anonymous memory %.0f MB before, %.0f MB at the most\n", before, ours.megabytes);
     return 0;
 }
