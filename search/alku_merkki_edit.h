@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QLineEdit>
+
+namespace search {
+
+/// An edit that swallows one start character (what a bar code reader sends before the code), taken
+/// from the program's settings when the edit is created. A text can be dragged out of it with the
+/// left button, without Shift (with Shift the mouse selects as in any edit).
+class TAlkuMerkkiEdit : public QLineEdit {
+    Q_OBJECT
+  public:
+    explicit TAlkuMerkkiEdit(QWidget* parent = nullptr);
+
+    /// The start character of new edits; a null character swallows none.
+    static void setProgramStartCharacter(QChar character);
+    static QChar programStartCharacter();
+
+    QChar startCharacter() const { return m_start; }
+    void setStartCharacter(QChar character) { m_start = character; }
+
+    /// Pixels that the mouse moves before a drag begins.
+    static constexpr int kDragDistance = 20;
+
+  Q_SIGNALS:
+    void dragWanted();
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+
+  private:
+    QChar m_start;
+    QPoint m_pressed;
+    bool m_mayDrag = false;
+};
+
+}  // namespace search

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+#include "data/engine.h"
+
+namespace search {
+
+/// One record of the browsed table, read by field name (case ignored). A view: the layout and the
+/// record must live on. A field that the table lacks reads as the empty value.
+class RecordRow {
+  public:
+    RecordRow(const data::RecordLayout& layout, const data::StoredRecord& record)
+        : m_layout(&layout), m_record(&record) {}
+
+    data::Value value(const QString& field) const;  ///< invalid when the table has no such field
+    qint64 integer(const QString& field) const;
+    double number(const QString& field) const;
+    bool flag(const QString& field) const;
+    QString text(const QString& field) const;  ///< without a display format
+
+    const data::RecordLayout& layout() const { return *m_layout; }
+    const data::StoredRecord& record() const { return *m_record; }
+
+  private:
+    const data::RecordLayout* m_layout;
+    const data::StoredRecord* m_record;
+};
+
+}  // namespace search
