@@ -14,6 +14,19 @@ std::function<QDateTime()>& source() {
 }  // namespace
 
 QDateTime Clock::now() {
+    if (source())
+        return source()();
+    static qint64 lastSecond = -1;
+    static QDateTime last;
+    const qint64 second = QDateTime::currentSecsSinceEpoch();
+    if (second != lastSecond) {
+        last = QDateTime::fromSecsSinceEpoch(second);
+        lastSecond = second;
+    }
+    return last;
+}
+
+QDateTime Clock::preciseNow() {
     return source() ? source()() : QDateTime::currentDateTime();
 }
 

@@ -9,7 +9,10 @@ namespace data {
 /// early-date check all ask it, so that a test can set the time of all of them at once.
 class Clock {
   public:
+    /// To the second: a run asks for every row, and the system's zone is looked up once a second.
     static QDateTime now();
+    /// With milliseconds, for traces.
+    static QDateTime preciseNow();
     static QDate today() { return now().date(); }
 
     /// Replaces the source of time until the object goes; for tests.

@@ -59,6 +59,9 @@ EmbeddedSqlStatement::EmbeddedSqlStatement(std::shared_ptr<Connection> connectio
     : m_connection(std::move(connection)), m_sql(sql), m_statement(m_connection->prepare(sql)) {
     for (int i = 0; i < sqlite3_column_count(m_statement); ++i)
         m_columns.push_back({QString::fromUtf8(sqlite3_column_name(m_statement, i))});
+    for (int i = 1; i <= sqlite3_bind_parameter_count(m_statement); ++i)
+        m_parameters.append(parameterName(m_statement, i));
+    m_distinct = parameterNames().size() == m_parameters.size();
 }
 
 EmbeddedSqlStatement::~EmbeddedSqlStatement() {
@@ -68,23 +71,32 @@ EmbeddedSqlStatement::~EmbeddedSqlStatement() {
 
 QStringList EmbeddedSqlStatement::parameterNames() const {
     QStringList names;
-    for (int i = 1; i <= sqlite3_bind_parameter_count(m_statement); ++i) {
-        const QString name = parameterName(m_statement, i);
+    for (const QString& name : m_parameters) {
         if (!names.contains(name, Qt::CaseInsensitive))
             names.append(name);
     }
     return names;
 }
 
+void EmbeddedSqlStatement::bindIndex(qsizetype index, const Value& value) {
+    const int code = bindValue(m_statement, static_cast<int>(index) + 1, value);
+    if (code != SQLITE_OK)
+        throwSqlite(m_connection->db(), code, QString());
+}
+
 void EmbeddedSqlStatement::bind(const QString& name, const Value& value) {
+    // Callers bind in the order of the text, row after row of a run: try the expected place first.
+    if (m_distinct && m_nextBind < m_parameters.size() && m_parameters[m_nextBind] == name) {
+        bindIndex(m_nextBind++, value);
+        return;
+    }
     bool found = false;
-    for (int i = 1; i <= sqlite3_bind_parameter_count(m_statement); ++i) {
-        if (parameterName(m_statement, i).compare(name, Qt::CaseInsensitive) != 0)
+    for (qsizetype i = 0; i < m_parameters.size(); ++i) {
+        if (m_parameters[i].compare(name, Qt::CaseInsensitive) != 0)
             continue;
         found = true;
-        const int code = bindValue(m_statement, i, value);
-        if (code != SQLITE_OK)
-            throwSqlite(m_connection->db(), code, QString());
+        bindIndex(i, value);
+        m_nextBind = i + 1;
     }
     if (!found)
         throw DataError(ErrorKind::NoSuchField, QString(),
@@ -162,6 +174,7 @@ void EmbeddedSqlStatement::reset() {
     m_connection->transientIndexes().clear();
     sqlite3_reset(m_statement);
     m_atEnd = false;
+    m_nextBind = 0;
 }
 
 }  // namespace data::embedded

@@ -24,11 +24,15 @@ class EmbeddedSqlStatement : public SqlStatement {
 
   private:
     bool stepOnce();
+    void bindIndex(qsizetype index, const Value& value);
 
     std::shared_ptr<Connection> m_connection;
     QString m_sql;
     sqlite3_stmt* m_statement;
     std::vector<SqlColumn> m_columns;
+    QStringList m_parameters;  // by index, without the colon
+    bool m_distinct = false;   // no two of them are the same name
+    qsizetype m_nextBind = 0;  // where the next parameter of the text is expected
     bool m_atEnd = false;
 };
 

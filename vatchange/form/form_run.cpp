@@ -9,7 +9,8 @@
 
 namespace vatchange {
 
-/// The form as a run sees it. The run tells of every row; the window follows every 50 ms.
+/// The form as a run sees it. The run tells of every row; the window follows every 50 ms, four
+/// times a second when nobody is there to press a key.
 class FormRunPorts : public RunPorts {
   public:
     explicit FormRunPorts(TAlvMuutosLomake& form) : m_form(form) {
@@ -30,7 +31,7 @@ class FormRunPorts : public RunPorts {
         m_total = total;
     }
     void breathe() override {
-        if (m_sinceBreath.elapsed() < kBreathMs)
+        if (m_sinceBreath.elapsed() < m_breathMs)
             return;
         m_form.showProgress(m_status, m_done, m_total, remaining());
         QCoreApplication::processEvents();
@@ -45,6 +46,7 @@ class FormRunPorts : public RunPorts {
 
   private:
     static constexpr qint64 kBreathMs = 50;
+    static constexpr qint64 kUnattendedBreathMs = 250;
     static constexpr qint64 kEstimateAfterMs = 2000;
 
     // What is left of the present step at the pace so far.
@@ -58,6 +60,7 @@ class FormRunPorts : public RunPorts {
     }
 
     TAlvMuutosLomake& m_form;
+    const qint64 m_breathMs = m_form.unattended() ? kUnattendedBreathMs : kBreathMs;
     QElapsedTimer m_sinceBreath;
     QElapsedTimer m_sinceStep;
     QString m_status;

@@ -300,7 +300,7 @@ bool TAlvMuutosMt::stopAsked() {
 }
 
 void TAlvMuutosMt::trace(const QString& text) const {
-    m_ports.trace(data::Clock::now().toString(QStringLiteral("hh:mm:ss:zzz ")) + text);
+    m_ports.trace(data::Clock::preciseNow().toString(QStringLiteral("hh:mm:ss:zzz ")) + text);
 }
 
 double TAlvMuutosMt::factor(qint64 vatClass) {
