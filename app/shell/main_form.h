@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QComboBox>
+#include <QGridLayout>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
@@ -45,8 +46,8 @@ class TMainForm : public QWidget {
 
   private:
     void buildLayout();
-    QWidget* buildBatchPart();
-    QWidget* buildClassPart();
+    void buildBatchPart(QGridLayout* grid);
+    void buildClassPart(QGridLayout* grid);
     void readVatClasses();
     bool alreadyRun() const;
     void openChangeForm();

@@ -1,5 +1,4 @@
 #include <QGridLayout>
-#include <QGroupBox>
 #include <QVBoxLayout>
 
 #include "app/shell/build_stamp.h"
@@ -10,6 +9,10 @@ namespace shell {
 namespace {
 
 const QColor kMissingBackground(0xC6, 0x28, 0x28);
+
+// The batch list and the rates stand in one grid, so that their rows are level.
+enum Column { kNumberColumn, kListColumn, kGapColumn, kRateColumn };
+constexpr int kRows = 5;  // heading and four entries
 
 QLabel* missingRateLabel(const QString& objectName, const QString& rate, QWidget* parent) {
     auto* label =
@@ -23,7 +26,7 @@ QLabel* missingRateLabel(const QString& objectName, const QString& rate, QWidget
     red.setColor(QPalette::WindowText, Qt::white);
     label->setPalette(red);
     label->setAutoFillBackground(true);
-    label->setMargin(6);
+    label->setMargin(5);
     label->setMinimumWidth(
         label->fontMetrics().horizontalAdvance(QStringLiteral("Alv 25.5% - LÖYTYY (-32768)")) + 12);
     return label;
@@ -31,53 +34,42 @@ QLabel* missingRateLabel(const QString& objectName, const QString& rate, QWidget
 
 }  // namespace
 
-QWidget* TMainForm::buildBatchPart() {
-    auto* part = new QWidget(this);
-    auto* grid = new QGridLayout(part);
-    grid->setContentsMargins(0, 0, 0, 0);
-    auto* heading = new QLabel(QStringLiteral("Eräajossa ajettavat määrittelyt"), part);
+void TMainForm::buildBatchPart(QGridLayout* grid) {
+    auto* heading = new QLabel(QStringLiteral("Eräajossa ajettavat määrittelyt"), this);
     heading->setObjectName(QStringLiteral("Label1"));
-    grid->addWidget(heading, 0, 0, 1, 2);
+    grid->addWidget(heading, 0, kNumberColumn, 1, 2);
     for (std::size_t i = 0; i < m_definitions.size(); ++i) {
         const int number = static_cast<int>(i) + 1;
-        auto* list = new QComboBox(part);
+        auto* list = new QComboBox(this);
         list->setObjectName(QStringLiteral("Maar%1").arg(number));
         list->setEditable(true);
         list->setInsertPolicy(QComboBox::NoInsert);
         list->setAccessibleName(QStringLiteral("Eräajon määrittely %1").arg(number));
         list->setMinimumContentsLength(24);
         list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        auto* label = new QLabel(QStringLiteral("%1.").arg(number), part);
+        auto* label = new QLabel(QStringLiteral("%1.").arg(number), this);
         label->setBuddy(list);
-        grid->addWidget(label, number, 0);
-        grid->addWidget(list, number, 1);
+        grid->addWidget(label, number, kNumberColumn);
+        grid->addWidget(list, number, kListColumn);
         m_definitions[i] = list;
     }
-    auto* store = new QPushButton(QStringLiteral("Talleta"), part);
+    auto* store = new QPushButton(QStringLiteral("Talleta"), this);
     store->setObjectName(QStringLiteral("Talleta"));
     store->setToolTip(QStringLiteral("Tallenta määrittelyt muistiin"));
-    grid->addWidget(store, 5, 1, Qt::AlignRight);
-    grid->setColumnStretch(1, 1);
-    grid->setRowStretch(6, 1);
+    grid->addWidget(store, kRows, kListColumn, Qt::AlignRight);
     connect(store, &QPushButton::clicked, this, &TMainForm::TalletaClick);
-    return part;
 }
 
-QWidget* TMainForm::buildClassPart() {
-    auto* part = new QWidget(this);
-    auto* column = new QVBoxLayout(part);
-    column->setContentsMargins(0, 0, 0, 0);
-    auto* heading = new QLabel(QStringLiteral("Veroluokat"), part);
+void TMainForm::buildClassPart(QGridLayout* grid) {
+    auto* heading = new QLabel(QStringLiteral("Veroluokat"), this);
     heading->setObjectName(QStringLiteral("Label2"));
-    column->addWidget(heading);
-    m_rateLabels = {missingRateLabel(QStringLiteral("Alv255Label"), QStringLiteral("25.5"), part),
-                    missingRateLabel(QStringLiteral("Alv24Label"), QStringLiteral("24"), part),
-                    missingRateLabel(QStringLiteral("Alv14Label"), QStringLiteral("14"), part),
-                    missingRateLabel(QStringLiteral("Alv10Label"), QStringLiteral("10"), part)};
-    for (QLabel* label : m_rateLabels)
-        column->addWidget(label);
-    column->addStretch();
-    return part;
+    grid->addWidget(heading, 0, kRateColumn);
+    m_rateLabels = {missingRateLabel(QStringLiteral("Alv255Label"), QStringLiteral("25.5"), this),
+                    missingRateLabel(QStringLiteral("Alv24Label"), QStringLiteral("24"), this),
+                    missingRateLabel(QStringLiteral("Alv14Label"), QStringLiteral("14"), this),
+                    missingRateLabel(QStringLiteral("Alv10Label"), QStringLiteral("10"), this)};
+    for (std::size_t i = 0; i < m_rateLabels.size(); ++i)
+        grid->addWidget(m_rateLabels[i], static_cast<int>(i) + 1, kRateColumn);
 }
 
 void TMainForm::buildLayout() {
@@ -100,7 +92,7 @@ void TMainForm::buildLayout() {
     leave->setObjectName(QStringLiteral("BitBtn2"));
     auto* version = new QLabel(QStringLiteral("Versio %1").arg(buildStamp()), this);
     version->setObjectName(QStringLiteral("lblVersion"));
-    version->setEnabled(false);
+    version->setForegroundRole(QPalette::PlaceholderText);
 
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(8);
@@ -113,10 +105,12 @@ void TMainForm::buildLayout() {
         buttons->addWidget(button);
     }
 
-    auto* parts = new QHBoxLayout;
-    parts->setSpacing(24);
-    parts->addWidget(buildBatchPart(), 1);
-    parts->addWidget(buildClassPart());
+    auto* parts = new QGridLayout;
+    buildBatchPart(parts);
+    buildClassPart(parts);
+    parts->setColumnMinimumWidth(kGapColumn, 24);
+    parts->setColumnStretch(kListColumn, 1);
+    parts->setRowStretch(kRows + 1, 1);
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(16, 14, 16, 10);

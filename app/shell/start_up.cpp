@@ -107,14 +107,23 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
 #if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
     const bool chosen = !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
                         anyOf(parameters, {"-platform", "--platform"});
-    const bool display =
-        !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-    if (chosen || display)
+    if (chosen)
         return true;
+    const bool x11 = !qEnvironmentVariableIsEmpty("DISPLAY");
+    const bool wayland = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     if (company::hasSwitch(QStringLiteral("/E"))) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+        // Tried in turn: the display that is named may be gone.
+        QByteArrayList platforms;
+        if (wayland)
+            platforms.append("wayland");
+        if (x11)
+            platforms.append("xcb");
+        platforms.append("offscreen");
+        qputenv("QT_QPA_PLATFORM", platforms.join(';'));
         return true;
     }
+    if (x11 || wayland)
+        return true;
     problem = QStringLiteral(
         "Näyttöä ei ole (DISPLAY tai WAYLAND_DISPLAY). Ilman näyttöä ohjelma toimii eräajona: "
         "taksavaihe YRITYS /E");

@@ -120,7 +120,7 @@ QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
     headings->addWidget(heading(QStringLiteral("Alku"), columns.number, box));
     headings->addWidget(heading(QStringLiteral("Loppu"), columns.number, box));
     headings->addStretch();
-    grid->addLayout(headings, 0, 1);
+    grid->addLayout(headings, 0, 1, Qt::AlignBottom);
 
     controls.subGroup =
         restriction(QStringLiteral("Aliryhma"), QStringLiteral("Aliryhmä#"), columns, box);
@@ -149,7 +149,7 @@ QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
     auto* label = new QLabel(QStringLiteral("As. ryhmät"), box);
     label->setBuddy(controls.customerGroups);
     grid->setColumnMinimumWidth(2, 2 * kColumnGap);
-    grid->addWidget(label, 0, 3);
+    grid->addWidget(label, 0, 3, Qt::AlignBottom);
     grid->addWidget(controls.customerGroups, 1, 3, row - 1, 1);
     for (int r = 1; r < row; ++r)
         grid->setRowStretch(r, 1);
