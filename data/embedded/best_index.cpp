@@ -16,6 +16,7 @@ namespace {
 // from an index entry to its record.
 constexpr double kSeekCost = 5;
 constexpr double kImageCost = 0.5;
+constexpr double kLongImage = 100;  // bytes that make an entry cost twice as much
 constexpr double kRecordCost = 2;
 constexpr double kLookupCost = 3;
 
@@ -194,15 +195,16 @@ Candidate Planner::byKey(int key) const {
     if (!candidate.ordered)
         candidate.plan.backward = false;
     const bool seeks = !candidate.arguments.empty();
+    const double imageCost = kImageCost * (1 + m_table.image(key).length() / kLongImage);
     candidate.cost = (seeks ? kSeekCost : 0) +
-                     candidate.rows * (candidate.plan.imageOnly ? kImageCost : kLookupCost);
+                     candidate.rows * (candidate.plan.imageOnly ? imageCost : kLookupCost);
     return candidate;
 }
 
 Candidate Planner::byId() const {
     Candidate candidate;
     candidate.rows = m_records;
-    candidate.cost = m_records * (m_info->colUsed == 0 ? kImageCost : kRecordCost);
+    candidate.cost = m_records * kRecordCost;
     return candidate;
 }
 
