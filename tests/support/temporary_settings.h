@@ -4,7 +4,8 @@
 
 namespace test {
 
-/// The folder that the whole test program uses as XDG_CONFIG_HOME: empty at its start, gone at its end.
+/// The folder that the whole test program uses as XDG_CONFIG_HOME: empty at its start, gone at its
+/// end.
 QString settingsFolder();
 
 }  // namespace test

@@ -1,2 +1,2 @@
-#include "data/value.h"
 #include "app/company/company.h"
+#include "data/value.h"
