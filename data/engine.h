@@ -61,6 +61,24 @@ class RecordFile {
     virtual std::vector<StoredRecord> next(int key, const StoredRecord& from, Direction direction,
                                            int max) = 0;
 
+    /// The record `count` places (1 or more) after (Forward) or before (Backward) `from` in key
+    /// order; without `from` counted from the end where the direction begins, 1 being the first
+    /// there. Nothing when the key ends earlier. `from` need not exist any more.
+    /// Engines that can count along a key without reading records override the walk.
+    virtual std::optional<StoredRecord> skip(int key, const std::optional<StoredRecord>& from,
+                                             Direction direction, qint64 count);
+    /// How many records stand in key order at or after `from` (without it: from the first on) and
+    /// before `to`; 0 when `to` is not after `from`. Neither need exist.
+    virtual qint64 countBetween(int key, const std::optional<StoredRecord>& from,
+                                const StoredRecord& to);
+    /// Shows up to `max` records after (Forward) or before (Backward) `from`, or from the end of
+    /// the key where the direction begins, to `see`, until that returns false. The bytes live only
+    /// during the call; `see` may neither keep them nor write to the database.
+    /// @return the last record shown; nothing when there was none.
+    using Visitor = std::function<bool(RecordId id, const QByteArray& bytes)>;
+    virtual std::optional<StoredRecord> visit(int key, const std::optional<StoredRecord>& from,
+                                              Direction direction, int max, const Visitor& see);
+
     /// Compares the leading key fields of a record with values: negative, 0 or positive, in the
     /// order of the key (also for descending segments).
     virtual int compare(int key, const QByteArray& record, const KeyValues& values) const = 0;

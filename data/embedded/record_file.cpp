@@ -95,6 +95,107 @@ std::vector<StoredRecord> EmbeddedRecordFile::next(int key, const StoredRecord& 
     return records;
 }
 
+QByteArray EmbeddedRecordFile::imageOf(int key, const StoredRecord& record) const {
+    return m_table.image(key).build(m_table.checked(record.bytes).toByteArray());
+}
+
+// A bound above all records of an image.
+QByteArray EmbeddedRecordFile::above(int key, const QByteArray& image) const {
+    const QByteArray next = successor(image);
+    return next.isEmpty() ? m_table.topImage(key) : next;
+}
+
+std::optional<StoredRecord> EmbeddedRecordFile::skip(int key,
+                                                     const std::optional<StoredRecord>& from,
+                                                     Direction direction, qint64 count) {
+    checkKey(key);
+    const bool backward = direction == Direction::Backward;
+    QByteArray low;
+    QByteArray high = m_table.topImage(key);
+    if (from) {
+        const QByteArray image = imageOf(key, *from);
+        const qint64 same = m_table.countSameKey(key, image, from->id, backward);
+        if (same >= count) {
+            std::vector<StoredRecord> equal = next(key, *from, direction, static_cast<int>(count));
+            return std::move(equal.back());
+        }
+        count -= same;
+        (backward ? high : low) = backward ? image : above(key, image);
+    }
+    RecordId id = 0;
+    {
+        // The key alone tells which record it is: none of those passed over is read.
+        StatementLease rows =
+            m_table.scan({key, ScanShape::Bounds::Range, backward, true, true, true});
+        rows->bind(1, low);
+        rows->bind(2, high);
+        rows->bind(3, 1);
+        rows->bind(4, count - 1);
+        if (!rows->step())
+            return std::nullopt;
+        id = rows->integer(0);
+    }
+    return get(id);
+}
+
+qint64 EmbeddedRecordFile::countBetween(int key, const std::optional<StoredRecord>& from,
+                                        const StoredRecord& to) {
+    checkKey(key);
+    const QByteArray high = imageOf(key, to);
+    const QByteArray low = from ? imageOf(key, *from) : QByteArray();
+    if (low > high)
+        return 0;
+    qint64 count =
+        m_table.countImages(key, low, high) + m_table.countSameKey(key, high, to.id, true);
+    if (from)
+        count -= m_table.countSameKey(key, low, from->id, true);
+    return std::max<qint64>(count, 0);
+}
+
+std::optional<StoredRecord> EmbeddedRecordFile::visit(int key,
+                                                      const std::optional<StoredRecord>& from,
+                                                      Direction direction, int max,
+                                                      const Visitor& see) {
+    checkKey(key);
+    const bool backward = direction == Direction::Backward;
+    std::optional<StoredRecord> last;
+    RecordId lastId = 0;
+    int left = max;
+    // false: it is not to go on.
+    const auto show = [&](StatementLease rows) {
+        while (left > 0 && rows->step()) {
+            const QByteArrayView bytes = m_table.checked(rows->blob(1));
+            lastId = rows->integer(0);
+            const bool more = see(lastId, QByteArray::fromRawData(bytes.data(), bytes.size()));
+            if (--left == 0 || !more) {
+                last = StoredRecord{lastId, bytes.toByteArray()};
+                return false;
+            }
+        }
+        return true;
+    };
+    QByteArray low;
+    QByteArray high = m_table.topImage(key);
+    if (from) {
+        const QByteArray image = imageOf(key, *from);
+        StatementLease same = m_table.scanSameKey(key, backward);
+        same->bind(1, image);
+        same->bind(2, from->id);
+        same->bind(3, max);
+        if (!show(std::move(same)))
+            return last;
+        (backward ? high : low) = backward ? image : above(key, image);
+    }
+    StatementLease rows =
+        m_table.scan({key, ScanShape::Bounds::Range, backward, false, true, false});
+    rows->bind(1, low);
+    rows->bind(2, high);
+    rows->bind(3, left);
+    if (show(std::move(rows)) && lastId != 0)
+        last = get(lastId);
+    return last;
+}
+
 int EmbeddedRecordFile::compare(int key, const QByteArray& record, const KeyValues& values) const {
     checkKey(key);
     const QByteArray wanted = m_table.image(key).prefix(values);

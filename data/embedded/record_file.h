@@ -20,6 +20,12 @@ class EmbeddedRecordFile : public RecordFile {
     std::vector<StoredRecord> seek(int key, SeekOp op, const KeyValues& values, int max) override;
     std::vector<StoredRecord> next(int key, const StoredRecord& from, Direction direction,
                                    int max) override;
+    std::optional<StoredRecord> skip(int key, const std::optional<StoredRecord>& from,
+                                     Direction direction, qint64 count) override;
+    qint64 countBetween(int key, const std::optional<StoredRecord>& from,
+                        const StoredRecord& to) override;
+    std::optional<StoredRecord> visit(int key, const std::optional<StoredRecord>& from,
+                                      Direction direction, int max, const Visitor& see) override;
     int compare(int key, const QByteArray& record, const KeyValues& values) const override;
     std::optional<StoredRecord> get(RecordId id) override;
     bool lock(RecordId id, std::chrono::milliseconds wait) override;
@@ -31,6 +37,8 @@ class EmbeddedRecordFile : public RecordFile {
   private:
     void checkKey(int key) const;
     QByteArray stored(RecordId id);
+    QByteArray imageOf(int key, const StoredRecord& record) const;
+    QByteArray above(int key, const QByteArray& image) const;
     std::vector<StoredRecord> collect(StatementLease& rows, int max) const;
     std::vector<StoredRecord> range(int key, const QByteArray& low, const QByteArray& high,
                                     Direction direction, int max);

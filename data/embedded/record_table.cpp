@@ -20,7 +20,9 @@ enum ShapeKind : quint64 {
     kUpdate,
     kRemove,
     kFloor,
-    kSameKey
+    kSameKey,
+    kCountImages,
+    kCountSameKey
 };
 
 QByteArray keyColumn(int key) {
@@ -118,13 +120,16 @@ QByteArray RecordTable::scanText(const ScanShape& shape) const {
         sql += " WHERE " + column + " = ?1";
     const QByteArray order = shape.backward ? " DESC" : "";
     sql += " ORDER BY " + (shape.key < 0 ? QByteArray() : column + order + ", ") + "id" + order;
-    return shape.limited ? sql + " LIMIT ?3" : sql;
+    if (shape.limited)
+        sql += shape.offset ? " LIMIT ?3 OFFSET ?4" : " LIMIT ?3";
+    return sql;
 }
 
 StatementLease RecordTable::scan(const ScanShape& shape) {
     const quint64 code = kScan | static_cast<quint64>(shape.key + 1) << 8 |
                          static_cast<quint64>(shape.bounds) << 20 | quint64{shape.backward} << 24 |
-                         quint64{shape.imageOnly} << 25 | quint64{shape.limited} << 26;
+                         quint64{shape.imageOnly} << 25 | quint64{shape.limited} << 26 |
+                         quint64{shape.offset} << 27;
     return lease(code, [&] { return scanText(shape); });
 }
 
@@ -133,6 +138,29 @@ StatementLease RecordTable::scanSameKey(int key, bool backward) {
         return "SELECT id, data FROM " + m_stored + " WHERE " + keyColumn(key) + " = ?1 AND id " +
                (backward ? "<" : ">") + " ?2 ORDER BY id" + (backward ? " DESC" : "") + " LIMIT ?3";
     });
+}
+
+qint64 RecordTable::countImages(int key, const QByteArray& low, const QByteArray& high) {
+    StatementLease select = lease(kCountImages | static_cast<quint64>(key) << 8, [&] {
+        return "SELECT count(*) FROM " + m_stored + " WHERE " + keyColumn(key) + " >= ?1 AND " +
+               keyColumn(key) + " < ?2";
+    });
+    select->bind(1, low);
+    select->bind(2, high);
+    select->step();
+    return select->integer(0);
+}
+
+qint64 RecordTable::countSameKey(int key, const QByteArray& image, RecordId id, bool below) {
+    StatementLease select =
+        lease(kCountSameKey | static_cast<quint64>(key) << 8 | quint64{below} << 24, [&] {
+            return "SELECT count(*) FROM " + m_stored + " WHERE " + keyColumn(key) +
+                   " = ?1 AND id " + (below ? "<" : ">") + " ?2";
+        });
+    select->bind(1, image);
+    select->bind(2, id);
+    select->step();
+    return select->integer(0);
 }
 
 QByteArrayView RecordTable::checked(QByteArrayView record) const {

@@ -48,6 +48,7 @@ struct ScanShape {
     bool backward = false;
     bool imageOnly = false;  ///< column 1 is the key's image instead of the record
     bool limited = false;    ///< parameter 3: number of rows
+    bool offset = false;     ///< with limited: parameter 4: rows passed over first
 };
 
 /// The stored records of one table on one connection: reading, and the one place that writes them.
@@ -71,6 +72,10 @@ class RecordTable {
     StatementLease scan(const ScanShape& shape);
     /// Records whose image is ?1 and whose id lies above ?2 (backward: below), at most ?3.
     StatementLease scanSameKey(int key, bool backward);
+    /// How many records have an image >= low and < high.
+    qint64 countImages(int key, const QByteArray& low, const QByteArray& high);
+    /// How many records have this image and an id below (`below`) or above the given one.
+    qint64 countSameKey(int key, const QByteArray& image, RecordId id, bool below);
     /// Above every image of a key: an upper bound that bounds nothing.
     const QByteArray& topImage(int key) const { return m_topImages[static_cast<size_t>(key)]; }
 
