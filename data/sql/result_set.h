@@ -18,8 +18,8 @@ namespace data {
 class ResultSet {
   public:
     /// Bytes kept in memory before the rows go to a file, and bytes of one block.
-    static constexpr qint64 kMemoryBound = 16 * 1024 * 1024;
-    static constexpr qsizetype kBlockSize = 256 * 1024;
+    static constexpr qint64 kMemoryBound = qint64{16} * 1024 * 1024;
+    static constexpr qsizetype kBlockSize = qsizetype{256} * 1024;
 
     explicit ResultSet(int columns, qint64 memoryBound = kMemoryBound);
 
