@@ -8,8 +8,10 @@ using namespace data;
 
 namespace {
 
-// The same rows in an ordinary table without keys, where SQLite compares every row by itself: also
-// without indexes of its own making, whose filters miss texts that equal numbers ('07' = 7).
+// The same rows in an ordinary table without keys, where SQLite compares every row by itself, also
+// without indexes of its own making. Joins of texts with numbers are left out: there SQLite's
+// answer for the ordinary table is the doubtful one (an order that is not kept, rows that its
+// filters miss).
 class EmbeddedPlanner : public test::EmbeddedCompany {
   protected:
     void SetUp() override {
@@ -97,8 +99,7 @@ TEST_F(EmbeddedPlanner, RandomConditionsFindWhatAnOrdinaryTableFinds) {
         QStringList conditions;
         if (join)
             conditions.append(pick({"asale.Tuote = uusihinta.Tuote", "AsiakasNumero = Avain",
-                                    "Alkaa = Pvm and AsikasTyyppi = Avain", "asale.Tuote = Avain",
-                                    "Maara = Avain"}));
+                                    "Alkaa = Pvm and AsikasTyyppi = Avain", "Maara = Avain"}));
         for (unsigned c = random() % 4; c > 0; --c) {
             const auto [name, values] = column();
             if (random() % 6 == 0)
