@@ -45,6 +45,10 @@ demo=$PWD/build/demo
 company=$demo/company
 # settings of its own, so that the user's registered companies stay as they are
 export XDG_CONFIG_HOME=$demo/config
+if [ -z "${XDG_RUNTIME_DIR:-}" ]; then
+    export XDG_RUNTIME_DIR=$demo/runtime
+    mkdir -p "$XDG_RUNTIME_DIR" && chmod 700 "$XDG_RUNTIME_DIR"
+fi
 zavdb=$PWD/build/bin/zavdb
 program=$PWD/build/bin/taksavaihe
 
@@ -103,14 +107,14 @@ write_definition() {
     echo "PyoristysRadioGroup=1"
 }
 
-tables() { "$zavdb" tables "$name" | awk '{print $1}'; }
-
+# Exports every table to a folder; the file "counts" there has each table with its record count.
 export_tables() { # FOLDER
     mkdir -p "$1"
+    "$zavdb" tables "$name" >"$1/counts"
     local table
-    tables | while read -r table; do
+    while read -r table _; do
         "$zavdb" export "$name" "$table" "$1/$table.csv" >/dev/null
-    done
+    done <"$1/counts"
 }
 
 # Ten products of class 24 %, taken evenly over the product numbers.
@@ -140,13 +144,11 @@ show_counts() {
     heading "Rows per table"
     printf '%-16s %9s %9s %15s\n' table before after "changed or new"
     local table before after changed
-    tables | while read -r table; do
-        before=$(($(wc -l <"$demo/before/$table.csv") - 1))
-        after=$(($(wc -l <"$demo/after/$table.csv") - 1))
-        changed=$(comm -13 <(LC_ALL=C sort "$demo/before/$table.csv") \
+    while read -r table before _ after; do
+        changed=$(LC_ALL=C comm -13 <(LC_ALL=C sort "$demo/before/$table.csv") \
             <(LC_ALL=C sort "$demo/after/$table.csv") 2>/dev/null | wc -l)
         printf '%-16s %9d %9d %15d\n' "$table" "$before" "$after" "$changed"
-    done
+    done < <(paste -d' ' "$demo/before/counts" "$demo/after/counts")
 }
 
 show_log() {
@@ -173,16 +175,18 @@ show_files() {
     echo "settings        XDG_CONFIG_HOME=$XDG_CONFIG_HOME"
 }
 
+if [ "$gui" = yes ]; then
+    if [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+        echo "--gui needs a display (DISPLAY or WAYLAND_DISPLAY is not set)." >&2
+        exit 1
+    fi
+fi
 build
 if [ "$keep" = no ] || [ ! -d "$company" ]; then
     create_company
 fi
 
 if [ "$gui" = yes ]; then
-    if [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
-        echo "--gui needs a display (DISPLAY or WAYLAND_DISPLAY is not set)." >&2
-        exit 1
-    fi
     show_files
     exec "$program" "$name"
 fi

@@ -11,7 +11,8 @@ Usage: scripts/test.sh [--all]
 Builds (Release, folder build/) and runs every test.
 
   --all   also runs the tests under the address and undefined behaviour sanitizers (folder
-          build-asan/), checks the format of the sources and lints the files that changed
+          build-asan/), compares whole runs of random companies with a model, checks the
+          format of the sources and lints the files that changed
 USAGE
 }
 
@@ -62,6 +63,8 @@ if [ "$all" = yes ]; then
     # shellcheck disable=SC2086
     install_packages $packages_lint
     check_format
+    heading "Whole runs against the model"
+    python3 tests/acceptance/acceptance.py build/bin --seeds 1 8 || failed+=("acceptance")
     export ASAN_OPTIONS=detect_stack_use_after_return=1
     export LSAN_OPTIONS=suppressions=$PWD/scripts/lsan.supp:print_suppressions=0
     export UBSAN_OPTIONS=print_stacktrace=1
