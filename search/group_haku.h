@@ -1,0 +1,68 @@
+#pragma once
+
+#include "search/btr_haku_form.h"
+
+namespace search {
+
+/// What the three group windows have in common: they return "Nro", show the web shop flag as "K" or
+/// "E", and paint the rows of groups that are not in the web shop red, so that the user sees which
+/// groups the web shop does not show.
+class GroupHakuForm : public TBtrHakuForm {
+    Q_OBJECT
+  public:
+    struct Kind {
+        QString component;  ///< the section in "FORMS.INI"
+        QString caption;
+        QString table;
+        QString webShopFlag;
+        QSize clientSize;
+        bool alwaysColoured;  ///< also while the web shop integration is not in use
+    };
+
+  protected:
+    GroupHakuForm(const Kind& kind, QWidget* parent);
+
+    void afterOpen() override;
+    CellColours cellColours(const RecordRow& record, const GridColumn& column) const override;
+    void dropCaches() override;
+
+  private:
+    void readWebShopSettings();
+
+    QString m_webShopFlag;
+    bool m_alwaysColoured;
+    bool m_coloured = false;
+};
+
+/// Product groups.
+class TTrHakuForm : public GroupHakuForm {
+    Q_OBJECT
+  public:
+    explicit TTrHakuForm(QWidget* parent = nullptr);
+    /// The program's one window of this kind, created when there is none. @throws data::DataError
+    static TTrHakuForm* instanssi(QWidget* parent = nullptr);
+};
+
+/// Main groups; painted whether or not the web shop integration is in use.
+class TPrHakuForm : public GroupHakuForm {
+    Q_OBJECT
+  public:
+    explicit TPrHakuForm(QWidget* parent = nullptr);
+    static TPrHakuForm* instanssi(QWidget* parent = nullptr);  ///< as TTrHakuForm's
+
+  protected:
+    std::vector<GridColumn> defaultColumns() const override;
+};
+
+/// Sub-groups.
+class TArHakuForm : public GroupHakuForm {
+    Q_OBJECT
+  public:
+    explicit TArHakuForm(QWidget* parent = nullptr);
+    static TArHakuForm* instanssi(QWidget* parent = nullptr);  ///< as TTrHakuForm's
+
+  protected:
+    std::vector<GridColumn> defaultColumns() const override;
+};
+
+}  // namespace search

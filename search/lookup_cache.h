@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QCache>
+#include <QString>
+#include <QStringList>
+#include <memory>
+#include <vector>
+
+#include "data/engine.h"
+
+namespace search {
+
+/// A window's view of another table: some fields of the record that has a key, read by that key the
+/// first time somebody asks and kept, the longest unused dropped first. A table that the company
+/// does not have counts as empty.
+class LookupCache {
+  public:
+    /// Records kept, found or not.
+    static constexpr int kBound = 4096;
+
+    using Row = std::vector<data::Value>;
+
+    LookupCache(data::Database& database, QString tableName, int key, QStringList fields,
+                int bound = kBound);
+
+    /// The fields' values, in the order given, of the first record whose leading key fields equal
+    /// the values; nullptr when there is none. Valid until the next call.
+    /// @throws data::DataError when the table cannot be read, or lacks a field.
+    const Row* find(const data::KeyValues& values);
+
+    /// Reads everything afresh from now on.
+    void clear() { m_rows.clear(); }
+    qsizetype size() const { return m_rows.size(); }
+
+  private:
+    struct Entry {
+        bool found = false;
+        Row row;
+    };
+    void open();
+    std::unique_ptr<Entry> read(const data::KeyValues& values);
+
+    data::Database& m_database;
+    QString m_tableName;
+    int m_key;
+    QStringList m_fieldNames;
+    std::vector<int> m_fields;  // indexes into the layout
+    std::unique_ptr<data::RecordFile> m_file;
+    bool m_missing = false;  // the company has no such table
+    QCache<QString, Entry> m_rows;
+};
+
+}  // namespace search

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <optional>
+
+#include "search/lookup_cache.h"
+#include "search/product_columns.h"
+
+namespace search {
+
+/// What the product window shows from other tables, each record read by its key when a row that
+/// needs it is shown, and kept.
+class ProductLookups {
+  public:
+    explicit ProductLookups(data::Database& database);
+
+    /// Names of groups and suppliers; empty when there is none of that key.
+    QString productGroupName(qint64 number);
+    QString mainGroupName(qint64 number);
+    QString subGroupName(qint64 number);
+    QString supplierName(const QString& code);
+    /// Percent of a VAT class; 0 when there is no such class.
+    double vatPercent(qint64 vatClass);
+    /// The product's stock in a store; nothing when the store has never had it.
+    std::optional<StockBalance> stock(int store, const QString& product);
+    /// The product's shelf places in a store.
+    QStringList shelfPlaces(int store, const QString& product);
+    /// The product's kind (TuoteLaji); 0 when it has none.
+    qint64 productKind(const QString& product);
+
+    /// Reads everything afresh from now on.
+    void clear();
+
+  private:
+    LookupCache m_productGroups;
+    LookupCache m_mainGroups;
+    LookupCache m_subGroups;
+    LookupCache m_suppliers;
+    LookupCache m_vatClasses;
+    LookupCache m_stock;
+    LookupCache m_kinds;
+};
+
+}  // namespace search

@@ -1,0 +1,186 @@
+#include "search/tuote_haku.h"
+
+#include <QKeyEvent>
+
+#include "app/company/connection_module.h"
+#include "data/record/filter.h"
+#include "search/only_instance.h"
+#include "search/product_grid.h"
+
+namespace search {
+
+namespace {
+
+const QString kComponent = QStringLiteral("TuoteHakuForm");
+const QString kShowStockKey = QStringLiteral("NaytaSaldot");
+const QString kShelfPlaceColumn = QStringLiteral("Hyllypaikka");
+
+QPointer<TTuoteHakuForm>& onlyForm() {
+    static QPointer<TTuoteHakuForm> only;
+    return only;
+}
+
+bool sameField(const QString& a, const char* b) {
+    return a.compare(QLatin1String(b), Qt::CaseInsensitive) == 0;
+}
+
+/// What a text dropped on the shelf place says: comparison operator, text, and whether the text may
+/// stand anywhere.
+struct ShelfPlaceSearch {
+    explicit ShelfPlaceSearch(QString typed) {
+        typed = typed.trimmed();
+        if (typed.startsWith(QLatin1Char('*')) || typed.startsWith(QLatin1Char('#'))) {
+            anywhere = true;
+            text = typed.mid(1);
+            return;
+        }
+        qsizetype length = 0;
+        while (length < typed.size() && QStringLiteral("<>=").contains(typed[length]))
+            ++length;
+        if (length > 0)
+            op = typed.left(length);
+        text = typed.mid(length);
+    }
+    QString expression() const {
+        QString quoted = text;
+        quoted.replace(QLatin1Char('\''), QLatin1String("''"));
+        return kShelfPlaceColumn + op + QLatin1Char('\'') + quoted + QStringLiteral("*'");
+    }
+    bool anywhere = false;
+    QString op = QStringLiteral("=");
+    QString text;
+};
+
+}  // namespace
+
+TTuoteHakuForm::TTuoteHakuForm(QWidget* parent) : TBtrHakuForm(kComponent, parent) {
+    data::Database& database = company::companyDatabase();
+    setWindowTitle(QStringLiteral("Tuotehaku"));
+    setTableName(QStringLiteral("TUOTE"));
+    setResultField(QStringLiteral("numero"));
+    setBaseFilter(QStringLiteral("passiivinen = false"));
+    m_texts = std::make_unique<ProductTexts>(database, readProductSettings(database));
+    addStockBox();
+    FormCreate();
+}
+
+TTuoteHakuForm::~TTuoteHakuForm() = default;
+
+void TTuoteHakuForm::addStockBox() {
+    NaytaSaldot = new QCheckBox(QStringLiteral("Näytä saldot"), this);
+    NaytaSaldot->setObjectName(kShowStockKey);
+    NaytaSaldot->setToolTip(QStringLiteral("Näytetään varastosarakkeissa myymälän saldot"));
+    NaytaSaldot->setChecked(true);
+    connect(NaytaSaldot, &QCheckBox::toggled, this, [this](bool on) {
+        m_texts->setStockShown(on);
+        DBGrid1->viewport()->update();
+    });
+}
+
+TTuoteHakuForm* TTuoteHakuForm::instanssi(QWidget* parent) {
+    return onlyInstance(onlyForm(), parent);
+}
+
+void TTuoteHakuForm::NaytaLomake(QWidget* parent) {
+    TTuoteHakuForm* form = instanssi(parent);
+    form->show();
+    form->raise();
+    form->activateWindow();
+}
+
+void TTuoteHakuForm::SuljeHaku() {
+    if (!onlyForm().isNull())
+        onlyForm()->close();
+}
+
+qint64 TTuoteHakuForm::tuotelaji(const QString& product) {
+    return m_texts->lookups().productKind(product);
+}
+
+std::vector<GridColumn> TTuoteHakuForm::defaultColumns() const {
+    return productGrid(TBtrHakuForm::defaultColumns(), *m_texts);
+}
+
+bool TTuoteHakuForm::columnAllowed(const QString& field) const {
+    if (sameField(field, "VERKKOKAUPPA"))
+        return m_texts->settings().webShopInUse;
+    return TBtrHakuForm::columnAllowed(field);
+}
+
+void TTuoteHakuForm::afterOpen() {
+    const QString format = priceDisplayFormat(m_texts->settings().priceFormat);
+    for (const char* price : {"hinta", "kaksoishinta", "hinta3", "hinta4", "hinta5", "hinta6",
+                              "hinta7", "hinta8", "hinta9"})
+        Hakutable->fieldByName(QLatin1String(price)).setDisplayFormat(format);
+}
+
+void TTuoteHakuForm::saveExtra(company::IniFile& file, const QString& section) const {
+    file.setValue(section, kShowStockKey,
+                  NaytaSaldot->isChecked() ? QStringLiteral("1") : QStringLiteral("0"));
+}
+
+void TTuoteHakuForm::loadExtra(const company::IniFile& file, const QString& section) {
+    const QString value = file.value(section, kShowStockKey).value_or(QStringLiteral("1"));
+    NaytaSaldot->setChecked(value.trimmed() != QLatin1String("0"));
+}
+
+std::optional<ColumnLookup> TTuoteHakuForm::columnLookup(const QString& field) const {
+    const QString number = QStringLiteral("Nro");
+    const QString name = QStringLiteral("Nimi");
+    if (sameField(field, "RYHMA"))
+        return ColumnLookup{field, QStringLiteral("TRYHMA"), number, name};
+    if (sameField(field, "PAARYHMA"))
+        return ColumnLookup{field, QStringLiteral("PRYHMA"), number, name};
+    if (sameField(field, "AliRyhma"))
+        return ColumnLookup{field, QStringLiteral("ALIRYHMA"), number, name};
+    if (sameField(field, "TOIMITTAJA"))
+        return ColumnLookup{field, QStringLiteral("TOIMITTAJA"), QStringLiteral("Tunnus"), name};
+    return TBtrHakuForm::columnLookup(field);
+}
+
+bool TTuoteHakuForm::dropOnColumn(const QString& text, const GridColumn& column) {
+    // A whole expression of the user's own needs no column.
+    if (column.field != kShelfPlaceColumn || text.startsWith(QLatin1Char('!')))
+        return TBtrHakuForm::dropOnColumn(text, column);
+    searchShelfPlace(text);
+    return true;
+}
+
+// The shelf places of the shown store decide; each product's stock record is read by its key.
+void TTuoteHakuForm::searchShelfPlace(const QString& text) {
+    const ShelfPlaceSearch wanted(text);
+    const std::unique_ptr<data::RecordFile> stock =
+        company::companyDatabase().openTable(QStringLiteral("VARSALDO"));
+    const data::Filter filter(wanted.expression(), stock->layout());
+    const bool passiveToo = Passiiviset->isChecked();
+    searchRecords([&](const data::StoredRecord& record) {
+        const RecordRow product(layout(), record);
+        if (!passiveToo && product.flag(QStringLiteral("passiivinen")))
+            return false;
+        const data::KeyValues key{m_texts->settings().store,
+                                  product.text(QStringLiteral("NUMERO"))};
+        const std::vector<data::StoredRecord> found = stock->seek(0, data::SeekOp::Equal, key, 1);
+        if (found.empty())
+            return false;
+        if (!wanted.anywhere)
+            return filter.accepts(found.front().bytes);
+        return RecordRow(stock->layout(), found.front())
+            .text(kShelfPlaceColumn)
+            .contains(wanted.text, Qt::CaseInsensitive);
+    });
+}
+
+bool TTuoteHakuForm::filterKey(QKeyEvent& event) {
+    const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    if (!enter || AlueRajaus->isChecked())
+        return TBtrHakuForm::filterKey(event);
+    const QString text = Suodatin->text();
+    gotoNearest(quickSearchKey(text), text);
+    return true;
+}
+
+void TTuoteHakuForm::dropCaches() {
+    m_texts->reread(readProductSettings(company::companyDatabase()));
+}
+
+}  // namespace search
