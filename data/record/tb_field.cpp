@@ -170,7 +170,15 @@ QString TField::asString() const {
 }
 
 QString TField::displayText() const {
-    const Value shown = value();
+    return shownText(value());
+}
+
+QString TField::displayText(const QByteArray& record) const {
+    Q_ASSERT(!m_calculate);
+    return shownText(readValue(m_item, reinterpret_cast<const uchar*>(record.constData())));
+}
+
+QString TField::shownText(const Value& shown) const {
     if (!shown.isValid())
         return QString();
     switch (m_kind) {
@@ -186,19 +194,15 @@ QString TField::displayText() const {
             return shown.toTime().toString(QStringLiteral("hh:mm:ss"));
         case Kind::Timestamp:
             return shown.toDateTime().toString(QStringLiteral("dd.MM.yyyy hh:mm:ss"));
-        case Kind::Float:
-        case Kind::SmallInt:
-        case Kind::Integer:
-        case Kind::Unsigned:
-        case Kind::LargeInt:
-            break;
         default:
-            return asString();
+            break;
     }
+    const bool isFloat = m_kind == Kind::Float;
     const QString point = QLocale().decimalPoint();
-    if (!m_displayFormat.isEmpty())
+    if ((isFloat || isWholeNumber(m_kind)) && !m_displayFormat.isEmpty())
         return formatNumber(m_displayFormat, valueToFloat(shown), point.front());
-    return m_kind == Kind::Float ? asString().replace(QLatin1Char('.'), point) : asString();
+    QString plain = m_calculate ? valueToPlainText(shown) : valueToText(m_item, shown);
+    return isFloat ? plain.replace(QLatin1Char('.'), point) : plain;
 }
 
 // --- writing

@@ -42,6 +42,8 @@ class TField {
     /// What a window shows: the display format applied to numbers ("#0.00" and the like, decimal
     /// separator of the user's locale), dates dd.mm.yyyy, booleans as the display values.
     QString displayText() const;
+    /// The same for a record's bytes that are not the table's current ones; no calculated fields.
+    QString displayText(const QByteArray& record) const;
 
     void setInteger(qint64 value);
     void setFloat(double value);
@@ -59,6 +61,7 @@ class TField {
   private:
     friend class TtbTable;
     const uchar* record() const;  // the bytes that accessors read
+    QString shownText(const Value& shown) const;
     uchar* editedRecord();
 
     TtbTable* m_table = nullptr;
