@@ -1,0 +1,103 @@
+#pragma once
+
+#include <QDeadlineTimer>
+#include <deque>
+#include <functional>
+#include <optional>
+
+#include "data/engine.h"
+#include "search/key_places.h"
+
+namespace search {
+
+/// The rows of a view over one table: the records in the order of a key, within a range of it, that
+/// a test accepts.
+///
+/// A plain view (no range, no test) knows every row at once. Any other is walked in time slices
+/// (learn()): the walk begins at the first row, or at the place where somebody looks, and goes on
+/// to both ends. What it has met are the known rows; before and after them stand rows whose number
+/// is estimated until the walk has reached that end. Memory: 8 bytes a known row.
+class RecordRows {
+  public:
+    struct Range {
+        data::KeyValues low;
+        data::KeyValues high;
+    };
+    using Accept = data::RecordFile::Visitor;
+
+    /// How the numbers of rows changed: rows inserted (or, negative, taken away) before the first
+    /// known row and after the last one; `learned` rows turned from estimated to known.
+    struct Change {
+        qint64 before = 0;
+        qint64 after = 0;
+        bool learned = false;
+        bool any() const { return before != 0 || after != 0 || learned; }
+    };
+
+    explicit RecordRows(data::RecordFile& file) : m_file(file), m_places(file) {}
+
+    /// Another view. The first known rows are not there yet: call learn() or start().
+    /// @throws data::DataError(BadValue) for a range that is none of the key's; the view stays.
+    void show(int key, std::optional<Range> range, Accept accept);
+    int key() const { return m_places.key(); }
+    bool isPlain() const { return !m_range && !m_accept; }
+    const std::optional<Range>& range() const { return m_range; }
+    const Accept& accept() const { return m_accept; }
+
+    qint64 count() const;
+    bool isCountExact() const { return isPlain() || (m_startReached && m_endReached); }
+    /// Whether the row's record can be told now.
+    bool isKnown(qint64 row) const;
+
+    /// Walks on, for as long as the deadline lets it. @return false when nothing is left to do.
+    /// `change` tells what became of the row numbers.
+    bool learn(const QDeadlineTimer& deadline, Change& change);
+    /// The part of the records (0 to 1) that the walk has passed.
+    double progress() const;
+
+    /// Records of the rows row ... row + count - 1, as far as known.
+    std::vector<data::StoredRecord> read(qint64 row, int count);
+
+    /// Begins the walk at the row's estimated place; row numbers are then estimates around it.
+    void startAtRow(qint64 row);
+    /// Begins the walk at the end of the key.
+    void startAtEnd();
+
+    /// The row of a record, or, where it is no row of the view, of the next one that is (the last
+    /// row when there is none). May begin the walk anew at the record (`*restarted`), then numbers
+    /// are estimates. Nothing when the view is empty so far.
+    std::optional<qint64> rowOf(const data::StoredRecord& record, bool* restarted);
+    /// The row of the first record whose leading key fields are >= the values.
+    std::optional<qint64> nearest(const data::KeyValues& values, bool* restarted);
+
+  private:
+    void begin(const data::StoredRecord& first);
+    void beginFromStart();
+    bool walk(data::Direction direction, const QDeadlineTimer& deadline);
+    void take(const data::StoredRecord& record, data::Direction direction);
+    bool isAccepted(const data::StoredRecord& record) const;
+    int side(const QByteArray& bytes) const;
+    void estimate(Change& change);
+    qint64 rowInKnown(const data::StoredRecord& record);
+    void limits();
+
+    data::RecordFile& m_file;
+    KeyPlaces m_places;
+    std::optional<Range> m_range;
+    Accept m_accept;
+
+    std::deque<data::RecordId> m_ids;           // the known rows
+    std::optional<data::StoredRecord> m_first;  // how far the walk has come, at each side
+    std::optional<data::StoredRecord> m_last;
+    bool m_startReached = false;
+    bool m_endReached = false;
+    qint64 m_before = 0;  // estimated rows
+    qint64 m_after = 0;
+    // In places of the key: the range's, and how far the walk has come.
+    qint64 m_low = 0;
+    qint64 m_high = 0;
+    qint64 m_firstPlace = 0;
+    qint64 m_endPlace = 0;
+};
+
+}  // namespace search
