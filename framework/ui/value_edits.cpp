@@ -35,6 +35,15 @@ bool TextEdit::setSavedValue(const QString& value) {
     return true;
 }
 
+void TextEdit::dropEvent(QDropEvent* event) {
+    if (!m_dropReplaces) {
+        ExitEdit::dropEvent(event);
+        return;
+    }
+    setText(event->mimeData()->text().trimmed());
+    event->acceptProposedAction();
+}
+
 NumberEdit::NumberEdit(int maxDigits, QWidget* parent) : ExitEdit(parent), m_maxDigits(maxDigits) {
     setValidator(new QRegularExpressionValidator(
         QRegularExpression(QStringLiteral("[0-9]{0,%1}").arg(maxDigits)), this));

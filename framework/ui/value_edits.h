@@ -27,8 +27,16 @@ class TextEdit : public ExitEdit, public SavedControl {
     Q_OBJECT
   public:
     explicit TextEdit(QWidget* parent = nullptr) : ExitEdit(parent) {}
+    /// A dragged text takes the place of the whole text, and is not put in where it is dropped.
+    void setDropReplaces(bool on) { m_dropReplaces = on; }
     QString savedValue() const override { return text(); }
     bool setSavedValue(const QString& value) override;
+
+  protected:
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    bool m_dropReplaces = false;
 };
 
 /// A whole number of at most so many digits; an empty text is 0. A number dragged from a search

@@ -93,6 +93,7 @@ void productRange(FormControls& controls, const Columns& columns, QWidget* paren
         auto* text = new framework::TextEdit(controls.productRangeBox);
         text->setObjectName(objectName);
         text->setAccessibleName(accessibleName);
+        text->setDropReplaces(true);
         row->addWidget(text, 1);
         return text;
     };
