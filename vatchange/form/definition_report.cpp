@@ -28,12 +28,14 @@ class Html {
             m_text += QStringLiteral("<table width='100%' cellspacing='0' cellpadding='3'>");
         m_tableOpen = true;
         const QString tag = heading ? QStringLiteral("th") : QStringLiteral("td");
+        // the first of two columns is as wide in every section
+        QString width = cells.size() == 2 ? QStringLiteral(" width='42%'") : QString();
         m_text += QStringLiteral("<tr>");
         for (const QString& cell : cells) {
-            m_text += QStringLiteral(
-                          "<%1 align='left' style='border-bottom:1px solid #bbbbbb'>%2"
-                          "</%1>")
-                          .arg(tag, cell.toHtmlEscaped());
+            m_text +=
+                QStringLiteral("<%1%2 align='left' style='border-bottom:1px solid #bbbbbb'>%3</%1>")
+                    .arg(tag, width, cell.toHtmlEscaped());
+            width.clear();
         }
         m_text += QStringLiteral("</tr>");
     }
