@@ -10,11 +10,8 @@ const QString kGeneralSection = QStringLiteral("ASETUKSIA");
 
 bool isOn(const QString& value) {
     const QString text = value.trimmed();
-    for (const char* on : {"1", "K", "true"}) {
-        if (text.compare(QLatin1String(on), Qt::CaseInsensitive) == 0)
-            return true;
-    }
-    return false;
+    return !text.isEmpty() && text != QLatin1String("0") &&
+           text.compare(QLatin1String("false"), Qt::CaseInsensitive) != 0;
 }
 
 }  // namespace

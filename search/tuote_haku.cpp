@@ -1,11 +1,12 @@
 #include "search/tuote_haku.h"
 
+#include <QBoxLayout>
 #include <QKeyEvent>
 
 #include "app/company/connection_module.h"
-#include "data/record/filter.h"
 #include "search/only_instance.h"
 #include "search/product_grid.h"
+#include "search/product_shelf.h"
 
 namespace search {
 
@@ -14,6 +15,8 @@ namespace {
 const QString kComponent = QStringLiteral("TuoteHakuForm");
 const QString kShowStockKey = QStringLiteral("NaytaSaldot");
 const QString kShelfPlaceColumn = QStringLiteral("Hyllypaikka");
+
+constexpr QSize kDefaultSize(960, 600);
 
 QPointer<TTuoteHakuForm>& onlyForm() {
     static QPointer<TTuoteHakuForm> only;
@@ -24,38 +27,22 @@ bool sameField(const QString& a, const char* b) {
     return a.compare(QLatin1String(b), Qt::CaseInsensitive) == 0;
 }
 
-/// What a text dropped on the shelf place says: comparison operator, text, and whether the text may
-/// stand anywhere.
-struct ShelfPlaceSearch {
-    explicit ShelfPlaceSearch(QString typed) {
-        typed = typed.trimmed();
-        if (typed.startsWith(QLatin1Char('*')) || typed.startsWith(QLatin1Char('#'))) {
-            anywhere = true;
-            text = typed.mid(1);
-            return;
-        }
-        qsizetype length = 0;
-        while (length < typed.size() && QStringLiteral("<>=").contains(typed[length]))
-            ++length;
-        if (length > 0)
-            op = typed.left(length);
-        text = typed.mid(length);
+/// The row of a window's layout that a control stands in.
+QBoxLayout* rowOf(QWidget* control, QLayout* layout) {
+    for (int i = 0; i < layout->count(); ++i) {
+        auto* row = qobject_cast<QBoxLayout*>(layout->itemAt(i)->layout());
+        if (row != nullptr && row->indexOf(control) >= 0)
+            return row;
     }
-    QString expression() const {
-        QString quoted = text;
-        quoted.replace(QLatin1Char('\''), QLatin1String("''"));
-        return kShelfPlaceColumn + op + QLatin1Char('\'') + quoted + QStringLiteral("*'");
-    }
-    bool anywhere = false;
-    QString op = QStringLiteral("=");
-    QString text;
-};
+    return nullptr;
+}
 
 }  // namespace
 
 TTuoteHakuForm::TTuoteHakuForm(QWidget* parent) : TBtrHakuForm(kComponent, parent) {
     data::Database& database = company::companyDatabase();
     setWindowTitle(QStringLiteral("Tuotehaku"));
+    resize(kDefaultSize);
     setTableName(QStringLiteral("TUOTE"));
     setResultField(QStringLiteral("numero"));
     setBaseFilter(QStringLiteral("passiivinen = false"));
@@ -71,6 +58,10 @@ void TTuoteHakuForm::addStockBox() {
     NaytaSaldot->setObjectName(kShowStockKey);
     NaytaSaldot->setToolTip(QStringLiteral("Näytetään varastosarakkeissa myymälän saldot"));
     NaytaSaldot->setChecked(true);
+    QWidget::setTabOrder(Jatahakuauki, NaytaSaldot);
+    QWidget::setTabOrder(NaytaSaldot, DBGrid1);
+    QBoxLayout* row = rowOf(Jatahakuauki, layout());
+    row->insertWidget(row->indexOf(Jatahakuauki) + 1, NaytaSaldot);
     connect(NaytaSaldot, &QCheckBox::toggled, this, [this](bool on) {
         m_texts->setStockShown(on);
         DBGrid1->viewport()->update();
@@ -146,27 +137,13 @@ bool TTuoteHakuForm::dropOnColumn(const QString& text, const GridColumn& column)
     return true;
 }
 
-// The shelf places of the shown store decide; each product's stock record is read by its key.
 void TTuoteHakuForm::searchShelfPlace(const QString& text) {
-    const ShelfPlaceSearch wanted(text);
-    const std::unique_ptr<data::RecordFile> stock =
-        company::companyDatabase().openTable(QStringLiteral("VARSALDO"));
-    const data::Filter filter(wanted.expression(), stock->layout());
-    const bool passiveToo = Passiiviset->isChecked();
-    searchRecords([&](const data::StoredRecord& record) {
+    QSet<QString> products =
+        productsByShelfPlace(company::companyDatabase(), m_texts->settings().store, text);
+    searchRecords([this, products = std::move(products)](const data::StoredRecord& record) {
         const RecordRow product(layout(), record);
-        if (!passiveToo && product.flag(QStringLiteral("passiivinen")))
-            return false;
-        const data::KeyValues key{m_texts->settings().store,
-                                  product.text(QStringLiteral("NUMERO"))};
-        const std::vector<data::StoredRecord> found = stock->seek(0, data::SeekOp::Equal, key, 1);
-        if (found.empty())
-            return false;
-        if (!wanted.anywhere)
-            return filter.accepts(found.front().bytes);
-        return RecordRow(stock->layout(), found.front())
-            .text(kShelfPlaceColumn)
-            .contains(wanted.text, Qt::CaseInsensitive);
+        return products.contains(product.text(QStringLiteral("NUMERO"))) &&
+               (Passiiviset->isChecked() || !product.flag(QStringLiteral("passiivinen")));
     });
 }
 
