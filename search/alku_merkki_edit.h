@@ -22,9 +22,6 @@ class TAlkuMerkkiEdit : public QLineEdit {
     /// Pixels that the mouse moves before a drag begins.
     static constexpr int kDragDistance = 20;
 
-  Q_SIGNALS:
-    void dragWanted();
-
   protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

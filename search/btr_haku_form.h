@@ -19,10 +19,10 @@
 #include "data/record/tb_table.h"
 #include "search/alku_merkki_edit.h"
 #include "search/grid_column.h"
+#include "search/record_rows.h"
 
 namespace search {
 
-class SearchGrid;
 class TableModel;
 
 /// The browsing window over one record table: order by any key, nearest search, filters by dropping
@@ -142,23 +142,25 @@ class TBtrHakuForm : public QDialog {
     /// Shows the records that `accept` takes, found by walking the table now, with the wait window.
     /// @return false when the user broke off (the rows before then stay).
     bool searchRecords(std::function<bool(const data::StoredRecord&)> accept);
-    const data::RecordLayout& layout() const { return Hakutable->layout(); }
+    const data::RecordLayout& recordLayout() const { return Hakutable->layout(); }
 
     bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
-    void closeEvent(QCloseEvent* event) override;
+    void done(int result) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool event(QEvent* event) override;
 
   private:
-    friend class SearchGrid;
     void buildControls();
     void buildNavigator();
     void buildMenu();
     void connectControls();
     void fillIndexes();
     void buildColumns(const company::IniFile& file);
-    void applyHeader(const company::IniFile& file);
+    void applyHeader();
+    void TallennaClick();
+    QString keyTitle(const QString& field) const;
+    bool guarded(const std::function<void()>& work);
     void columnMenu(const QPoint& place);
 
     // keys and searching
@@ -171,6 +173,8 @@ class TBtrHakuForm : public QDialog {
     bool gridKey(QKeyEvent& event);
     void SuodatinChange();
     void asetaAlue();
+    void AlueRajausClick(bool on);
+    bool commonKey(QKeyEvent& event);
     bool moveToNearest(const QString& text);
 
     // filters
@@ -178,13 +182,16 @@ class TBtrHakuForm : public QDialog {
     void recordSearch(const GridColumn& column);
     void applyFilter();
     void PassiivisetClick();
-    QString lookupExpression(const ColumnLookup& lookup, const QString& op, const QString& text);
+    QString lookupExpression(const ColumnLookup& lookup, const QString& text);
 
     // rows
-    void currentChanged();
+    void currentChanged(int row);
+    void wantVisible();
+    void showRows(std::optional<RecordRows::Range> range, RecordRows::Accept accept);
+    void describeRows();
     void placeTable(int row);
     void goToRow(int row);
-    void refreshRows();
+    void refreshRows(bool all);
     void DBGrid1DblClick();
     void Peruuta();
     void startRowDrag();
@@ -200,11 +207,20 @@ class TBtrHakuForm : public QDialog {
     bool m_hasPassive = false;
     bool m_suppressCompletion = false;
     bool m_created = false;
+    bool m_shown = false;          // rows have been shown once
+    bool m_activatedOnce = false;  // the first activation shows what was just read
     bool m_leaving = false;
     bool m_recordFiltering = false;  // the rows are those of a record-by-record search
     bool m_searchSecondName = false;
     QStringList m_users;
     ChooseHandler m_choose;
+    std::optional<RecordRows::Range> m_range;
+    QAction* m_first;
+    QAction* m_prior;
+    QAction* m_next;
+    QAction* m_last;
+    QLabel* m_count;      // how many rows there are
+    QLabel* m_condition;  // what restricts them
     std::unique_ptr<data::TtbTable> m_table;
     std::unique_ptr<TableModel> m_model;
 };

@@ -13,7 +13,7 @@ void KeyPlaces::reset(int key) {
     m_key = key;
     m_known.clear();
     m_complete = false;
-    m_count = m_file.recordCount();
+    m_count = m_file->recordCount();
 }
 
 bool KeyPlaces::learn() {
@@ -21,9 +21,9 @@ bool KeyPlaces::learn() {
         return false;
     std::optional<StoredRecord> found;
     if (m_known.empty()) {
-        found = m_file.skip(m_key, std::nullopt, Direction::Forward, 1);
+        found = m_file->skip(m_key, std::nullopt, Direction::Forward, 1);
     } else if (static_cast<qint64>(m_known.size()) * kStep < m_count) {
-        found = m_file.skip(m_key, m_known.back(), Direction::Forward, kStep);
+        found = m_file->skip(m_key, m_known.back(), Direction::Forward, kStep);
     }
     m_complete = !found;
     if (found)
@@ -42,9 +42,9 @@ std::optional<StoredRecord> KeyPlaces::at(qint64 place) {
         return m_known[static_cast<size_t>(nearest)];
     const qint64 fromEnd = m_count - place;
     if (fromEnd < ahead) {
-        return m_file.skip(m_key, std::nullopt, Direction::Backward, fromEnd);
+        return m_file->skip(m_key, std::nullopt, Direction::Backward, fromEnd);
     }
-    return m_file.skip(m_key, m_known[static_cast<size_t>(nearest)], Direction::Forward, ahead);
+    return m_file->skip(m_key, m_known[static_cast<size_t>(nearest)], Direction::Forward, ahead);
 }
 
 qint64 KeyPlaces::placeOf(const StoredRecord& record) {
@@ -52,21 +52,21 @@ qint64 KeyPlaces::placeOf(const StoredRecord& record) {
         m_known.begin(), m_known.end(), record,
         [this](const StoredRecord& a, const StoredRecord& b) { return compare(a, b) < 0; });
     if (above == m_known.begin())
-        return m_known.empty() ? m_file.countBetween(m_key, std::nullopt, record) : 0;
+        return m_known.empty() ? m_file->countBetween(m_key, std::nullopt, record) : 0;
     const qint64 known = above - m_known.begin() - 1;
-    return known * kStep + m_file.countBetween(m_key, m_known[static_cast<size_t>(known)], record);
+    return known * kStep + m_file->countBetween(m_key, m_known[static_cast<size_t>(known)], record);
 }
 
 data::KeyValues KeyPlaces::keyValues(const StoredRecord& record) const {
     data::KeyValues values;
-    for (const data::KeySegment& segment : m_file.keys()[static_cast<size_t>(m_key)].segments)
-        values.push_back(data::readValue(m_file.layout().field(segment.fieldIndex),
+    for (const data::KeySegment& segment : m_file->keys()[static_cast<size_t>(m_key)].segments)
+        values.push_back(data::readValue(m_file->layout().field(segment.fieldIndex),
                                          reinterpret_cast<const uchar*>(record.bytes.constData())));
     return values;
 }
 
 int KeyPlaces::compare(const StoredRecord& a, const StoredRecord& b) const {
-    const int order = m_file.compare(m_key, a.bytes, keyValues(b));
+    const int order = m_file->compare(m_key, a.bytes, keyValues(b));
     if (order != 0)
         return order;
     return a.id < b.id ? -1 : (a.id > b.id ? 1 : 0);

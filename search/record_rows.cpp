@@ -22,8 +22,8 @@ constexpr qint64 kSmallestCorrection = 64;
 
 void RecordRows::show(int key, std::optional<Range> range, Accept accept) {
     if (range && !range->low.empty()) {
-        m_file.seek(key, SeekOp::GreaterOrEqual, range->low, 1);  // throws for values of no use
-        m_file.seek(key, SeekOp::Greater, range->high, 1);
+        m_file->seek(key, SeekOp::GreaterOrEqual, range->low, 1);  // throws for values of no use
+        m_file->seek(key, SeekOp::Greater, range->high, 1);
     }
     m_range = std::move(range);
     m_accept = std::move(accept);
@@ -38,9 +38,9 @@ void RecordRows::limits() {
     m_high = m_places.count();
     if (!m_range)
         return;
-    const auto low = m_file.seek(key(), SeekOp::GreaterOrEqual, m_range->low, 1);
+    const auto low = m_file->seek(key(), SeekOp::GreaterOrEqual, m_range->low, 1);
     m_low = low.empty() ? m_places.count() : m_places.placeOf(low.front());
-    const auto high = m_file.seek(key(), SeekOp::Greater, m_range->high, 1);
+    const auto high = m_file->seek(key(), SeekOp::Greater, m_range->high, 1);
     m_high = high.empty() ? m_places.count() : m_places.placeOf(high.front());
     m_high = std::max(m_high, m_low);
 }
@@ -57,7 +57,7 @@ void RecordRows::beginFromStart() {
     if (!m_range || m_endReached)
         return;
     // The walk goes on after a record, so the range's first one is taken here.
-    const auto low = m_file.seek(key(), SeekOp::GreaterOrEqual, m_range->low, 1);
+    const auto low = m_file->seek(key(), SeekOp::GreaterOrEqual, m_range->low, 1);
     m_endReached = low.empty() || side(low.front().bytes) != 0;
     if (m_endReached) {
         m_after = 0;
@@ -106,9 +106,9 @@ void RecordRows::take(const StoredRecord& record, Direction direction) {
 int RecordRows::side(const QByteArray& bytes) const {
     if (!m_range)
         return 0;
-    if (m_file.compare(key(), bytes, m_range->low) < 0)
+    if (m_file->compare(key(), bytes, m_range->low) < 0)
         return -1;
-    return m_file.compare(key(), bytes, m_range->high) > 0 ? 1 : 0;
+    return m_file->compare(key(), bytes, m_range->high) > 0 ? 1 : 0;
 }
 
 qint64 RecordRows::count() const {
@@ -153,7 +153,7 @@ bool RecordRows::walk(Direction direction, const QDeadlineTimer& deadline) {
             return true;
         };
         std::optional<StoredRecord> last =
-            m_file.visit(key(), forward ? m_last : m_first, direction, kSlice, see);
+            m_file->visit(key(), forward ? m_last : m_first, direction, kSlice, see);
         (forward ? m_endPlace : m_firstPlace) += forward ? seen : -seen;
         reached = outside || !last || seen < kSlice;
         if (last && !outside) {
@@ -182,15 +182,15 @@ bool RecordRows::learn(const QDeadlineTimer& deadline, Change& change) {
         walk(Direction::Forward, deadline);
         const qint64 gained = static_cast<qint64>(m_ids.size()) - known;
         m_after -= std::min(gained, m_after);
-        change.after = gained + m_after - after;
-        change.learned = gained > 0;
+        change.after += gained + m_after - after;
+        change.learned = change.learned || gained > 0;
     }
     const auto knownThen = static_cast<qint64>(m_ids.size());
     if (!m_startReached && !deadline.hasExpired()) {
         walk(Direction::Backward, deadline);
         const qint64 gained = static_cast<qint64>(m_ids.size()) - knownThen;
         m_before -= std::min(gained, m_before);
-        change.before = gained + m_before - before;
+        change.before += gained + m_before - before;
         change.learned = change.learned || gained > 0;
     }
     estimate(change);
@@ -226,13 +226,13 @@ std::vector<StoredRecord> RecordRows::read(qint64 row, int count) {
         if (!first)
             return records;
         if (count > 1)
-            records = m_file.next(key(), *first, Direction::Forward, count - 1);
+            records = m_file->next(key(), *first, Direction::Forward, count - 1);
         records.insert(records.begin(), std::move(*first));
         return records;
     }
     for (qint64 at = row; at < row + count && isKnown(at); ++at) {
         const RecordId id = m_ids[static_cast<size_t>(at - m_before)];
-        std::optional<StoredRecord> record = m_file.get(id);
+        std::optional<StoredRecord> record = m_file->get(id);
         records.push_back(record ? std::move(*record) : StoredRecord{id, {}});
     }
     return records;
@@ -265,7 +265,7 @@ void RecordRows::startAtEnd() {
 
 qint64 RecordRows::rowInKnown(const StoredRecord& record) {
     const auto below = [this](RecordId id, const StoredRecord& wanted) {
-        const std::optional<StoredRecord> at = m_file.get(id);
+        const std::optional<StoredRecord> at = m_file->get(id);
         return at && m_places.compare(*at, wanted) < 0;
     };
     const auto found = std::lower_bound(m_ids.begin(), m_ids.end(), record, below);
@@ -283,7 +283,7 @@ std::optional<qint64> RecordRows::rowOf(const StoredRecord& record, bool* restar
     if ((beforeFirst && !m_startReached) || (behindLast && !m_endReached)) {
         StoredRecord from = record;
         if (side(record.bytes) < 0) {
-            const auto low = m_file.seek(key(), SeekOp::GreaterOrEqual, m_range->low, 1);
+            const auto low = m_file->seek(key(), SeekOp::GreaterOrEqual, m_range->low, 1);
             if (low.empty())
                 return std::nullopt;
             from = low.front();
@@ -302,7 +302,7 @@ std::optional<qint64> RecordRows::rowOf(const StoredRecord& record, bool* restar
 }
 
 std::optional<qint64> RecordRows::nearest(const data::KeyValues& values, bool* restarted) {
-    const auto found = m_file.seek(key(), SeekOp::GreaterOrEqual, values, 1);
+    const auto found = m_file->seek(key(), SeekOp::GreaterOrEqual, values, 1);
     if (!found.empty())
         return rowOf(found.front(), restarted);
     if (!isCountExact()) {

@@ -34,13 +34,15 @@ class RecordRows {
         bool any() const { return before != 0 || after != 0 || learned; }
     };
 
-    explicit RecordRows(data::RecordFile& file) : m_file(file), m_places(file) {}
+    explicit RecordRows(data::RecordFile& file) : m_file(&file), m_places(file) {}
 
     /// Another view. The first known rows are not there yet: call learn() or start().
     /// @throws data::DataError(BadValue) for a range that is none of the key's; the view stays.
     void show(int key, std::optional<Range> range, Accept accept);
     int key() const { return m_places.key(); }
     bool isPlain() const { return !m_range && !m_accept; }
+    /// Records of the table, as counted when the view began.
+    qint64 total() const { return m_places.count(); }
     const std::optional<Range>& range() const { return m_range; }
     const Accept& accept() const { return m_accept; }
 
@@ -81,7 +83,7 @@ class RecordRows {
     qint64 rowInKnown(const data::StoredRecord& record);
     void limits();
 
-    data::RecordFile& m_file;
+    data::RecordFile* m_file;
     KeyPlaces m_places;
     std::optional<Range> m_range;
     Accept m_accept;

@@ -1,0 +1,209 @@
+#include "search/search_grid.h"
+
+#include <QApplication>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+
+#include "search/drag_source.h"
+
+namespace search {
+
+namespace {
+
+const QString kDropSource = QStringLiteral("Suodatin");
+constexpr int kIndicatorWidth = 16;
+constexpr int kWheelStep = 120;
+
+// The indicator column: a triangle at the current row.
+class Indicator : public QHeaderView {
+  public:
+    explicit Indicator(QTableView* grid) : QHeaderView(Qt::Vertical, grid), m_grid(grid) {
+        setSectionsClickable(false);
+        setHighlightSections(false);
+    }
+    QSize sizeHint() const override { return {kIndicatorWidth, 0}; }
+
+  protected:
+    void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override {
+        painter->save();
+        painter->fillRect(rect, palette().button());
+        if (logicalIndex == m_grid->currentIndex().row()) {
+            const QPoint middle = rect.center();
+            QPolygon triangle;
+            triangle << middle + QPoint(-3, -4) << middle + QPoint(3, 0) << middle + QPoint(-3, 4);
+            painter->setRenderHint(QPainter::Antialiasing);
+            painter->setPen(Qt::NoPen);
+            painter->setBrush(palette().buttonText());
+            painter->drawPolygon(triangle);
+        }
+        painter->setPen(palette().color(QPalette::Mid));
+        painter->drawLine(rect.topRight(), rect.bottomRight());
+        painter->restore();
+    }
+
+  private:
+    QTableView* m_grid;
+};
+
+// Cells with colours of their own keep them when their row is selected; the focused cell never
+// shows them.
+class ColouredCells : public QStyledItemDelegate {
+  public:
+    ColouredCells(QTableView* grid, SearchGrid::Colours colours)
+        : QStyledItemDelegate(grid), m_grid(grid), m_colours(std::move(colours)) {}
+
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        if (!m_colours || index == m_grid->currentIndex())
+            return;
+        const CellColours colours = m_colours(index.row(), index.column());
+        if (colours.background) {
+            option->backgroundBrush = *colours.background;
+            if (option->state & QStyle::State_Selected)
+                option->font.setBold(true);
+            option->state &= ~QStyle::State_Selected;
+        }
+        if (colours.text)
+            option->palette.setColor(QPalette::Text, *colours.text);
+    }
+
+  private:
+    QTableView* m_grid;
+    SearchGrid::Colours m_colours;
+};
+
+}  // namespace
+
+SearchGrid::SearchGrid(QWidget* parent) : QTableView(parent) {
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(NoEditTriggers);
+    setWordWrap(false);
+    setTabKeyNavigation(false);
+    setVerticalScrollMode(ScrollPerItem);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setCornerButtonEnabled(false);
+    setAlternatingRowColors(true);
+    setShowGrid(true);
+    setVerticalHeader(new Indicator(this));
+    const int rowHeight = fontMetrics().height() + 6;
+    verticalHeader()->setMinimumSectionSize(rowHeight);
+    verticalHeader()->setDefaultSectionSize(rowHeight);
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    horizontalHeader()->setSectionsMovable(true);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    setAcceptDrops(true);
+    setDragDropMode(DropOnly);
+    setDropIndicatorShown(false);
+    verticalHeader()->setAcceptDrops(true);
+    verticalHeader()->viewport()->setAcceptDrops(true);
+    verticalHeader()->viewport()->installEventFilter(this);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &SearchGrid::scrolled);
+}
+
+void SearchGrid::setColours(Colours colours) {
+    setItemDelegate(new ColouredCells(this, std::move(colours)));
+}
+
+void SearchGrid::mousePressEvent(QMouseEvent* event) {
+    m_pressed = event->position().toPoint();
+    m_mayDrag = event->button() == Qt::LeftButton && indexAt(m_pressed).isValid();
+    QTableView::mousePressEvent(event);
+}
+
+void SearchGrid::mouseMoveEvent(QMouseEvent* event) {
+    if (!m_mayDrag || !(event->buttons() & Qt::LeftButton))
+        return;  // rows are not selected by moving the mouse: that drags
+    if ((event->position().toPoint() - m_pressed).manhattanLength() < kDragDistance)
+        return;
+    m_mayDrag = false;
+    Q_EMIT dragWanted();
+}
+
+void SearchGrid::wheelEvent(QWheelEvent* event) {
+    if (event->modifiers() & Qt::ShiftModifier || event->angleDelta().y() == 0) {
+        QTableView::wheelEvent(event);
+        return;
+    }
+    event->accept();
+    m_wheel += event->angleDelta().y();
+    const int rows = -m_wheel / kWheelStep;
+    m_wheel %= kWheelStep;
+    if (rows == 0 || model() == nullptr || model()->rowCount() == 0)
+        return;
+    const QModelIndex current = currentIndex();
+    const int row = std::clamp(current.row() + rows, 0, model()->rowCount() - 1);
+    selectionModel()->setCurrentIndex(
+        model()->index(row, std::max(current.column(), 0)),
+        QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+// --- drops: only from a filter edit, and only on a cell or the indicator
+
+void SearchGrid::dragEnterEvent(QDragEnterEvent* event) {
+    if (dragSource(*event->mimeData()) == kDropSource)
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+void SearchGrid::dragMoveEvent(QDragMoveEvent* event) {
+    const bool mine = dragSource(*event->mimeData()) == kDropSource;
+    if (mine && indexAt(event->position().toPoint()).isValid())
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+void SearchGrid::dropEvent(QDropEvent* event) {
+    const QModelIndex cell = indexAt(event->position().toPoint());
+    if (dragSource(*event->mimeData()) != kDropSource || !cell.isValid()) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    // After the drag has ended: what follows may show windows.
+    const QString text = event->mimeData()->text();
+    const int column = cell.column();
+    QMetaObject::invokeMethod(
+        this, [this, text, column] { Q_EMIT textDropped(text, column); }, Qt::QueuedConnection);
+}
+
+bool SearchGrid::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != verticalHeader()->viewport())
+        return QTableView::eventFilter(watched, event);
+    switch (event->type()) {
+        case QEvent::DragEnter:
+            dragEnterEvent(static_cast<QDragEnterEvent*>(event));
+            return true;
+        case QEvent::DragMove: {
+            auto* move = static_cast<QDragMoveEvent*>(event);
+            const int row = verticalHeader()->logicalIndexAt(move->position().toPoint());
+            if (row >= 0 && dragSource(*move->mimeData()) == kDropSource)
+                move->acceptProposedAction();
+            else
+                move->ignore();
+            return true;
+        }
+        case QEvent::Drop: {
+            auto* drop = static_cast<QDropEvent*>(event);
+            const int row = verticalHeader()->logicalIndexAt(drop->position().toPoint());
+            if (row < 0 || dragSource(*drop->mimeData()) != kDropSource) {
+                drop->ignore();
+                return true;
+            }
+            drop->acceptProposedAction();
+            const QString text = drop->mimeData()->text();
+            QMetaObject::invokeMethod(
+                this, [this, text] { Q_EMIT textDropped(text, -1); }, Qt::QueuedConnection);
+            return true;
+        }
+        default:
+            return QTableView::eventFilter(watched, event);
+    }
+}
+
+}  // namespace search

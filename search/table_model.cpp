@@ -1,0 +1,340 @@
+#include "search/table_model.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "framework/ui/dialogs.h"
+
+namespace search {
+
+using data::StoredRecord;
+
+namespace {
+
+constexpr int kIdleSliceMs = 10;
+constexpr int kFirstRowsMs = 30;  // for the rows of the first screen, before it is painted
+constexpr int kWantMs = 15;       // for rows that come into sight
+constexpr int kFirstRows = 64;
+constexpr int kProgressMs = 100;
+
+bool isNumber(data::Kind kind) {
+    switch (kind) {
+        case data::Kind::SmallInt:
+        case data::Kind::Integer:
+        case data::Kind::Float:
+        case data::Kind::Unsigned:
+        case data::Kind::LargeInt:
+            return true;
+        default:
+            return false;
+    }
+}
+
+int asRow(qint64 row) {
+    return static_cast<int>(std::min<qint64>(row, std::numeric_limits<int>::max()));
+}
+
+}  // namespace
+
+TableModel::TableModel(data::TtbTable& table, QObject* parent)
+    : QAbstractTableModel(parent), m_table(table), m_rows(table.file()), m_pages(kPages) {
+    m_idle.setInterval(0);
+    connect(&m_idle, &QTimer::timeout, this, &TableModel::idle);
+}
+
+int TableModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : m_rowCount;
+}
+
+int TableModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_columns.size());
+}
+
+void TableModel::setColumns(std::vector<GridColumn> columns) {
+    beginResetModel();
+    m_columns = std::move(columns);
+    m_fields.clear();
+    for (const GridColumn& column : m_columns)
+        m_fields.push_back(m_table.findField(column.field));
+    endResetModel();
+}
+
+int TableModel::columnOf(const QString& field) const {
+    const auto found =
+        std::find_if(m_columns.begin(), m_columns.end(), [&field](const GridColumn& column) {
+            return column.field.compare(field, Qt::CaseInsensitive) == 0;
+        });
+    return found == m_columns.end() ? -1 : static_cast<int>(found - m_columns.begin());
+}
+
+// The record of a row, from the pages kept; null while it is not known.
+const StoredRecord* TableModel::find(qint64 row) const {
+    const qint64 number = row / kPageRows;
+    Page* page = m_pages.object(number);
+    if (page == nullptr ||
+        (row % kPageRows >= static_cast<qint64>(page->size()) && m_rows.isKnown(row))) {
+        if (!m_rows.isKnown(row)) {
+            m_blanksShown = true;
+            return nullptr;
+        }
+        // The page from its first known row on: rows before that one stay empty records.
+        qint64 first = number * kPageRows;
+        auto fresh = std::make_unique<Page>();
+        while (!m_rows.isKnown(first)) {
+            fresh->push_back({});
+            ++first;
+            m_blanksShown = true;
+        }
+        try {
+            const auto wanted = static_cast<int>((number + 1) * kPageRows - first);
+            for (StoredRecord& record : m_rows.read(first, wanted))
+                fresh->push_back(std::move(record));
+        } catch (const data::DataError& error) {
+            const QString text = framework::errorText(error);
+            auto* self = const_cast<TableModel*>(this);
+            QMetaObject::invokeMethod(
+                self, [self, text] { Q_EMIT self->failed(text); }, Qt::QueuedConnection);
+        }
+        page = fresh.get();
+        m_pages.insert(number, fresh.release());
+    }
+    const auto place = static_cast<size_t>(row % kPageRows);
+    if (place >= page->size() || (*page)[place].bytes.isEmpty()) {
+        m_blanksShown = m_blanksShown || place >= page->size();
+        return nullptr;
+    }
+    return &(*page)[place];
+}
+
+std::optional<StoredRecord> TableModel::record(int row) const {
+    if (row < 0 || row >= m_rowCount)
+        return std::nullopt;
+    const StoredRecord* found = find(row + m_offset);
+    return found != nullptr ? std::optional(*found) : std::nullopt;
+}
+
+QVariant TableModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= m_rowCount)
+        return {};
+    const auto place = static_cast<size_t>(index.column());
+    const GridColumn& column = m_columns[place];
+    const data::TField* field = m_fields[place];
+    if (role == Qt::TextAlignmentRole) {
+        const bool right =
+            (field != nullptr && !column.text && isNumber(field->kind())) || column.alignRight;
+        return QVariant::fromValue(Qt::Alignment(right ? Qt::AlignRight | Qt::AlignVCenter
+                                                       : Qt::AlignLeft | Qt::AlignVCenter));
+    }
+    if (role != Qt::DisplayRole)
+        return {};
+    const StoredRecord* found = find(index.row() + m_offset);
+    if (found == nullptr)
+        return QString();
+    if (column.text)
+        return column.text(RecordRow(m_table.layout(), *found));
+    return field != nullptr ? field->displayText(found->bytes) : QString();
+}
+
+QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation == Qt::Vertical || section < 0 || section >= columnCount())
+        return {};
+    const GridColumn& shown = column(section);
+    if (role == Qt::DisplayRole)
+        return shown.title.isEmpty() ? shown.field : shown.title;
+    if (role == Qt::ToolTipRole)
+        return shown.field;
+    return {};
+}
+
+// --- other rows
+
+void TableModel::learnFirstRows() {
+    const QDeadlineTimer deadline(kFirstRowsMs);
+    RecordRows::Change change;
+    if (!m_rows.isPlain()) {
+        // One slice, and more only while there is nothing to show.
+        bool more = m_rows.learn(QDeadlineTimer(0), change);
+        while (more && !deadline.hasExpired() && !m_rows.isKnown(kFirstRows))
+            more = m_rows.learn(QDeadlineTimer(0), change);
+    }
+}
+
+void TableModel::show(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept) {
+    RecordRows fresh(m_table.file());
+    fresh.show(key, std::move(range), std::move(accept));
+    beginResetModel();
+    m_rows = std::move(fresh);
+    learnFirstRows();
+    restarted();
+    endResetModel();
+    Q_EMIT countChanged();
+}
+
+bool TableModel::search(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept,
+                        const std::function<bool(double)>& goOn) {
+    RecordRows fresh(m_table.file());
+    fresh.show(key, std::move(range), std::move(accept));
+    RecordRows::Change change;
+    while (fresh.learn(QDeadlineTimer(kProgressMs), change)) {
+        if (!goOn(fresh.progress()))
+            return false;
+    }
+    beginResetModel();
+    m_rows = std::move(fresh);
+    restarted();
+    endResetModel();
+    Q_EMIT countChanged();
+    return true;
+}
+
+// All rows are others: within a reset.
+void TableModel::restarted() {
+    m_pages.clear();
+    m_blanksShown = false;
+    m_rowCount = asRow(m_rows.count());
+    m_idle.start();
+}
+
+int TableModel::toRow(std::optional<qint64> row, bool wasRestarted) {
+    if (wasRestarted) {
+        beginResetModel();
+        RecordRows::Change change;
+        const QDeadlineTimer deadline(kWantMs);
+        while (!m_rows.isKnown(row.value_or(0)) && m_rows.learn(QDeadlineTimer(0), change) &&
+               !deadline.hasExpired()) {
+        }
+        if (row)
+            row = *row + change.before;
+        restarted();
+        endResetModel();
+        Q_EMIT countChanged();
+    }
+    if (!row || m_rowCount == 0)
+        return -1;
+    return std::min(asRow(*row), m_rowCount - 1);
+}
+
+int TableModel::rowOf(const StoredRecord& record) {
+    bool wasRestarted = false;
+    const std::optional<qint64> row = m_rows.rowOf(record, &wasRestarted);
+    return toRow(row, wasRestarted);
+}
+
+int TableModel::nearest(const data::KeyValues& values) {
+    bool wasRestarted = false;
+    const std::optional<qint64> row = m_rows.nearest(values, &wasRestarted);
+    return toRow(row, wasRestarted);
+}
+
+int TableModel::lastRow() {
+    if (!m_rows.isCountExact() && !m_rows.isKnown(m_rows.count() - 1)) {
+        m_rows.startAtEnd();
+        beginResetModel();
+        RecordRows::Change change;
+        const QDeadlineTimer deadline(kWantMs);
+        while (!m_rows.isKnown(m_rows.count() - 1) && m_rows.learn(QDeadlineTimer(0), change) &&
+               !deadline.hasExpired()) {
+        }
+        restarted();
+        endResetModel();
+        Q_EMIT countChanged();
+    }
+    return m_rowCount - 1;
+}
+
+bool TableModel::want(int first, int last, bool mayRestart) {
+    first = std::clamp(first, 0, std::max(m_rowCount - 1, 0));
+    last = std::clamp(last, first, std::max(m_rowCount - 1, 0));
+    if (m_rowCount == 0 || (m_rows.isKnown(first) && m_rows.isKnown(last)))
+        return false;
+    if (!mayRestart || m_rows.isKnown(first) || m_rows.isKnown(last)) {
+        // Next to the known rows: a moment of walking mostly brings them.
+        RecordRows::Change change;
+        m_rows.learn(QDeadlineTimer(kWantMs), change);
+        apply(change);
+        return false;
+    }
+    beginResetModel();
+    m_rows.startAtRow(first);
+    RecordRows::Change change;
+    const QDeadlineTimer deadline(kWantMs);
+    while (!m_rows.isKnown(last) && m_rows.learn(QDeadlineTimer(0), change) &&
+           !deadline.hasExpired()) {
+    }
+    restarted();
+    endResetModel();
+    Q_EMIT countChanged();
+    return true;
+}
+
+void TableModel::reread() {
+    m_pages.clear();
+    if (m_rowCount > 0)
+        Q_EMIT dataChanged(index(0, 0), index(m_rowCount - 1, columnCount() - 1));
+}
+
+void TableModel::learnAll() {
+    bool more = true;
+    while (more) {
+        RecordRows::Change change;
+        more = m_rows.learn(QDeadlineTimer(kProgressMs), change);
+        apply(change);
+    }
+}
+
+// --- idle time
+
+void TableModel::idle() {
+    RecordRows::Change change;
+    bool more = false;
+    try {
+        more = m_rows.learn(QDeadlineTimer(kIdleSliceMs), change);
+    } catch (const data::DataError& error) {
+        m_idle.stop();
+        apply(change);
+        Q_EMIT failed(framework::errorText(error));
+        return;
+    }
+    if (!more)
+        m_idle.stop();
+    apply(change);
+}
+
+// Tells what became of the row numbers.
+void TableModel::apply(const RecordRows::Change& change) {
+    if (change.before != 0) {
+        m_pages.clear();
+        const int by = asRow(std::llabs(change.before));
+        m_offset = change.before;
+        if (change.before > 0) {
+            beginInsertRows({}, 0, by - 1);
+            m_offset = 0;
+            m_rowCount += by;
+            endInsertRows();
+        } else {
+            beginRemoveRows({}, 0, by - 1);
+            m_offset = 0;
+            m_rowCount -= by;
+            endRemoveRows();
+        }
+        Q_EMIT rowsShifted(static_cast<int>(change.before));
+    }
+    if (change.after > 0) {
+        beginInsertRows({}, m_rowCount, m_rowCount + asRow(change.after) - 1);
+        m_rowCount += asRow(change.after);
+        endInsertRows();
+    } else if (change.after < 0) {
+        const int less = asRow(-change.after);
+        beginRemoveRows({}, m_rowCount - less, m_rowCount - 1);
+        m_rowCount -= less;
+        endRemoveRows();
+    }
+    if (change.learned && m_blanksShown) {
+        m_blanksShown = false;
+        reread();
+    }
+    if (change.any())
+        Q_EMIT countChanged();
+}
+
+}  // namespace search

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QCache>
+#include <QTimer>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "data/record/tb_table.h"
+#include "search/grid_column.h"
+#include "search/record_rows.h"
+
+namespace search {
+
+/// The rows of a search grid over an open record table: pages by key, keeps at most kPages pages of
+/// records, and learns what it need not know at once (row numbers behind a filter, places along the
+/// key) in slices of idle time. Rows that are not known yet are blank.
+class TableModel : public QAbstractTableModel {
+    Q_OBJECT
+  public:
+    static constexpr int kPageRows = 64;
+    static constexpr int kPages = 48;
+
+    /// The table must be open and live on.
+    explicit TableModel(data::TtbTable& table, QObject* parent = nullptr);
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+    void setColumns(std::vector<GridColumn> columns);
+    const std::vector<GridColumn>& columns() const { return m_columns; }
+    const GridColumn& column(int place) const { return m_columns[static_cast<size_t>(place)]; }
+    int columnOf(const QString& field) const;  ///< -1: none; case ignored
+
+    /// Shows other rows; selection and current row go. @throws data::DataError; the rows stay then.
+    void show(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept);
+    /// The same, walking all records at once; `goOn`, called some times a second with the share
+    /// done (0 to 1), breaks off by false: then nothing has changed. @return whether all was
+    /// walked.
+    bool search(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept,
+                const std::function<bool(double)>& goOn);
+    const RecordRows& rows() const { return m_rows; }
+    bool isCountExact() const { return m_rows.isCountExact(); }
+
+    /// The record of a row; nothing while it is not known.
+    std::optional<data::StoredRecord> record(int row) const;
+    /// The row of a record or of the next one that is shown; -1 when there is none. While the count
+    /// is not exact this may replace all rows (a reset), with estimated row numbers.
+    int rowOf(const data::StoredRecord& record);
+    int nearest(const data::KeyValues& values);
+    /// The last row, made known. -1 when there is none.
+    int lastRow();
+    /// Makes rows known that somebody wants to see, as far as that is quickly done. With
+    /// `mayRestart`, rows far from the known ones replace all rows (a reset). @return whether it
+    /// did.
+    bool want(int first, int last, bool mayRestart);
+    /// Reads the records anew, keeping row numbers.
+    void reread();
+    /// Walks on until every row is known, however long it takes.
+    void learnAll();
+
+  Q_SIGNALS:
+    /// So many rows were inserted (or, negative, taken away) before the known ones.
+    void rowsShifted(int by);
+    void countChanged();
+    void failed(const QString& text);
+
+  private:
+    using Page = std::vector<data::StoredRecord>;
+
+    const data::StoredRecord* find(qint64 row) const;
+    void apply(const RecordRows::Change& change);
+    void idle();
+    void restarted();
+    void learnFirstRows();
+    int toRow(std::optional<qint64> row, bool wasRestarted);
+
+    data::TtbTable& m_table;
+    std::vector<GridColumn> m_columns;
+    std::vector<const data::TField*> m_fields;  // by column; null: computed
+    mutable RecordRows m_rows;
+    int m_rowCount = 0;
+    qint64 m_offset = 0;  // from the row numbers told to m_rows', while a change is being told
+    mutable QCache<qint64, Page> m_pages;
+    mutable bool m_blanksShown = false;
+    QTimer m_idle;
+};
+
+}  // namespace search
