@@ -3,8 +3,8 @@
 
 packages_build="g++ cmake ninja-build ccache qt6-base-dev libsqlite3-dev libsimpleini-dev unixodbc-dev
     fonts-dejavu-core"
-packages_test="libgtest-dev libgmock-dev git xvfb"
-packages_lint="clang clang-format clang-tidy python3"
+packages_test="libgtest-dev libgmock-dev git python3 xvfb"
+packages_lint="clang clang-format clang-tidy"
 packages_nightly="cppcheck"
 
 # Installs what is missing of the packages given. A machine that has them all needs neither network

@@ -7,6 +7,7 @@
 #include "app/company/command_line.h"
 #include "app/company/company.h"
 #include "app/company/connection_module.h"
+#include "app/company/dictionary_module.h"
 #include "app/company/logs.h"
 #include "app/shell/build_stamp.h"
 #include "app/shell/main_form.h"
@@ -149,6 +150,7 @@ int runProgram(QApplication& application) {
     splash->progressBar()->setValue(kSplashProgressAtStart);
 
     try {
+        company::loadDictionaryModule();
         switch (chooseCompany()) {
             case Choice::Made:
                 break;

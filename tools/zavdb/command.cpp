@@ -7,6 +7,7 @@
 
 #include "app/company/aliases.h"
 #include "app/company/connection_module.h"
+#include "app/company/dictionary_module.h"
 #include "tools/zavdb/csv.h"
 
 namespace tools {
@@ -112,6 +113,7 @@ int runZavdb(const QStringList& arguments) {
     if (command == commands.end())
         return wrongUsage(QStringLiteral("Unknown command \"%1\".").arg(first));
     try {
+        company::loadDictionaryModule();
         return runCommand(*command, arguments.mid(1));
     } catch (const UsageError& error) {
         return wrongUsage(error.message(), first);
