@@ -7,9 +7,9 @@
 
 namespace search {
 
-/// Numbers of the products whose shelf place in a store matches a text: begins with it; after "*"
-/// or "#" holds it anywhere; after "<", ">", "=", "<=", ">=" or "<>" compares with it. Case is
-/// ignored. Reads the store's stock records once.
+/// Numbers of the products whose shelf place in a store matches a text: begins with it, or, after
+/// "<", ">", "<=", ">=" or "<>", compares so with its beginning. Case is ignored. Reads the store's
+/// stock records once.
 QSet<QString> productsByShelfPlace(data::Database& database, int store, const QString& text);
 
 }  // namespace search

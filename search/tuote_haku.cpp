@@ -60,7 +60,7 @@ void TTuoteHakuForm::addStockBox() {
     NaytaSaldot->setChecked(true);
     QWidget::setTabOrder(Jatahakuauki, NaytaSaldot);
     QWidget::setTabOrder(NaytaSaldot, DBGrid1);
-    QBoxLayout* row = rowOf(Jatahakuauki, layout());
+    QBoxLayout* row = rowOf(Jatahakuauki, QWidget::layout());
     row->insertWidget(row->indexOf(Jatahakuauki) + 1, NaytaSaldot);
     connect(NaytaSaldot, &QCheckBox::toggled, this, [this](bool on) {
         m_texts->setStockShown(on);
@@ -141,9 +141,7 @@ void TTuoteHakuForm::searchShelfPlace(const QString& text) {
     QSet<QString> products =
         productsByShelfPlace(company::companyDatabase(), m_texts->settings().store, text);
     searchRecords([this, products = std::move(products)](const data::StoredRecord& record) {
-        const RecordRow product(layout(), record);
-        return products.contains(product.text(QStringLiteral("NUMERO"))) &&
-               (Passiiviset->isChecked() || !product.flag(QStringLiteral("passiivinen")));
+        return products.contains(RecordRow(recordLayout(), record).text(QStringLiteral("NUMERO")));
     });
 }
 

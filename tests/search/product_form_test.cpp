@@ -1,0 +1,247 @@
+#include <QHeaderView>
+#include <QLocale>
+
+#include "app/company/ini_file.h"
+#include "search/tuote_haku.h"
+#include "tests/search/product_support.h"
+
+namespace {
+
+QString str(const char* text) {
+    return QString::fromUtf8(text);
+}
+
+/// Products 100 to 103; 103 is passive. The store is number 2.
+class ProductForm : public ::testing::Test {
+  protected:
+    ProductForm() {
+        QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));
+        for (const char* sql :
+             {"insert into TRYHMA (Nro, Nimi) values (7, 'Juomat')",
+              "insert into TRYHMA (Nro, Nimi) values (8, 'Makeiset')",
+              "insert into PRYHMA (NRO, nimi) values (1, 'Elintarvikkeet')",
+              "insert into ALIRYHMA (Nro, Nimi) values (701, 'Viinit')",
+              "insert into TOIMITTAJA (Tunnus, Nimi) values ('AB', 'Tukku Oy')",
+              "insert into TUOTE (NUMERO, NIMI, RYHMA, PAARYHMA, AliRyhma, TOIMITTAJA, HINTA, LVV, "
+              "KESKIHINTA, VIIMOSTOHINTA, OSTOVERO, VARASTOYKS, ANNOSKOKO, VARASTOKERROIN) "
+              "values ('100', 'punaviini', 7, 1, 701, 'AB', 12.4, 3, 6.2, 7, 3, 'PLO', 4, 10)",
+              "insert into TUOTE (NUMERO, NIMI, RYHMA, HINTA, LVV, KESKIHINTA, VIIMOSTOHINTA, "
+              "OSTOVERO, OstohintaEiNay, VARASTOYKS) "
+              "values ('101', 'Kahvi', 8, 5.1234, 2, 2.28, 3, 2, 1, 'KPL')",
+              "insert into TUOTE (NUMERO, NIMI, RYHMA, HINTA, LVV, KESKIHINTA) "
+              "values ('102', 'suklaa', 8, 10, 99, 4)",
+              "insert into TUOTE (NUMERO, NIMI, Passiivinen) values ('103', 'Vanha', 1)",
+              "insert into VARSALDO (VARASTO, TUOTE, SALDO, ODOTUS, TILATTU, VARATTU, Hyllypaikka) "
+              "values (2, '100', 3.25, 0, 2, 1, 'A1-2')",
+              "insert into VARSALDO (VARASTO, TUOTE, SALDO, ODOTUS, TILATTU, VARATTU, Hyllypaikka) "
+              "values (2, '101', 5, 0.5, 2, 3, 'B1  A7')",
+              "insert into VARSALDO (VARASTO, TUOTE, SALDO, Hyllypaikka) "
+              "values (1, '102', 77, 'A9')",
+              "insert into VARSALDO (VARASTO, TUOTE, SALDO, Hyllypaikka) "
+              "values (2, '103', 1, 'A3')"})
+            m_shop.exec(str(sql));
+        set("ASETUKSIA", "Myymala", "2");
+    }
+    ~ProductForm() override { QLocale::setDefault(QLocale::c()); }
+
+    void set(const char* section, const char* key, const char* value) {
+        m_shop.exec(QStringLiteral("insert into ini values ('ZAV.INI', '%1', '%2', '%3')")
+                        .arg(str(section), str(key), str(value)));
+    }
+
+    static void drop(search::TTuoteHakuForm& form, const char* text, const char* field) {
+        form.Suodatin->setText(str(text));
+        form.dropText(str(text), form.model().columnOf(str(field)));
+    }
+
+    static std::string numbers(const search::TTuoteHakuForm& form) {
+        return test::columnTexts(form, str("NUMERO")).join(u' ').toStdString();
+    }
+
+    test::ShopCompany m_shop;
+    test::ScriptedDialogs m_dialogs;
+};
+
+TEST_F(ProductForm, ComputedColumns) {
+    search::TTuoteHakuForm form;
+    EXPECT_EQ(form.windowTitle().toStdString(), "Tuotehaku");
+    EXPECT_EQ(numbers(form), "100 101 102");  // 103 is passive
+    const struct {
+        const char* field;
+        const char* shown[3];  // by product
+    } columns[] = {
+        {"RYHMA", {"Juomat", "Makeiset", "Makeiset"}},
+        {"PAARYHMA", {"Elintarvikkeet", "", ""}},
+        {"AliRyhma", {"Viinit", "", ""}},
+        {"TOIMITTAJA", {"Tukku Oy", "", ""}},
+        {"HINTA", {"12,40", "5,12", "10,00"}},
+        {"Saldo", {"3P 10,0cl", "5", ""}},
+        {"Tilattu", {"2P 0,0cl", "2", ""}},
+        {"Varattu", {"1P 0,0cl", "3", ""}},
+        {"Vapaa", {"4P 10,0cl", "4,5", ""}},
+        {"VarastoTilanne", {"3P 10,0cl=0P 0,0cl/2P 0,0cl,  1P 0,0cl", "5=0,5/2,  3", ""}},
+        {"Hyllypaikka", {"A1-2", "B1 A7", ""}},
+        {"HintaAlv0", {"10,00", "4,49", "10,00"}},  // 12.4/1.24, 5.1234/1.14, no such class
+        {"OhHintaALV0", {"5,00", "", "4,00"}},      // 6.2/1.24; 101 hides its own
+        {"VIIMOSTOHINTA", {"7,00", "", "0,00"}},
+        {"KESKIHINTA", {"6,20", "", "4,00"}},
+    };
+    for (const auto& column : columns)
+        for (int row = 0; row < 3; ++row)
+            EXPECT_EQ(test::cellText(form, row, str(column.field)).toStdString(), column.shown[row])
+                << column.field;
+}
+
+TEST_F(ProductForm, SettingsDecideWhatIsShown) {
+    set("ASETUKSIA", "Tuotehintamuoto", "####.###");
+    set("ASETUKSIA", "OstoHintaEiNay", "1");
+    {
+        search::TTuoteHakuForm form;
+        EXPECT_EQ(test::cellText(form, 0, str("HINTA")).toStdString(), "12,400");
+        EXPECT_EQ(test::cellText(form, 0, str("HINTA9")).toStdString(), "0,000");
+        for (const char* field : {"OhHintaALV0", "VIIMOSTOHINTA", "KESKIHINTA"})
+            EXPECT_EQ(test::cellText(form, 0, str(field)).toStdString(), "") << field;
+        const int webShop = form.model().columnOf(str("Verkkokauppa"));
+        EXPECT_TRUE(webShop < 0 || form.DBGrid1->isColumnHidden(webShop));
+    }
+    m_shop.exec(str("update ini set data = '#####' where avain = 'Tuotehintamuoto'"));
+    set("VERKKOKAUPPA", "Kaytossa", "1");
+    search::TTuoteHakuForm form;
+    EXPECT_EQ(test::cellText(form, 0, str("HINTA")).toStdString(), "12");
+    const int webShop = form.model().columnOf(str("Verkkokauppa"));
+    ASSERT_GE(webShop, 0);
+    EXPECT_FALSE(form.DBGrid1->isColumnHidden(webShop));
+}
+
+TEST_F(ProductForm, FirstColumnsStandInTheirOrder) {
+    search::TTuoteHakuForm form;
+    const QHeaderView& header = *form.DBGrid1->horizontalHeader();
+    QStringList fields;
+    QStringList hidden;
+    for (int place = 0; place < header.count(); ++place) {
+        const int column = header.logicalIndex(place);
+        const QString field = form.model().column(column).field;
+        fields.append(field);
+        if (form.DBGrid1->isColumnHidden(column))
+            hidden.append(field);
+    }
+    EXPECT_EQ(fields.mid(0, 22).join(u' ').toStdString(),
+              "NUMERO RYHMA PAARYHMA NIMI HINTA AliRyhma HintaProsentteina VIIMSISOSTO "
+              "VIIMOSTOHINTA TOIMITTAJA OTETTUEKA VIIMMYYNTI KPL KESKIHINTA VAIHTOTUOTE INVENKPL "
+              "INVENKHINTA YKS LVV NIMIKASSALLA KAKSOISHINTA VARASTOARVOTON");
+    for (const char* field : {"OTETTUEKA", "KPL", "INVENKPL", "INVENKHINTA"})
+        EXPECT_TRUE(hidden.contains(str(field))) << field;
+    for (const char* field : {"NUMERO", "NIMI", "Vapaa", "Hyllypaikka", "OhHintaALV0"})
+        EXPECT_FALSE(hidden.contains(str(field))) << field;
+}
+
+TEST_F(ProductForm, StockColumnsCanBeLeftOutAndStayOutWithTheLayout) {
+    {
+        search::TTuoteHakuForm form;
+        form.NaytaSaldot->click();
+        EXPECT_EQ(test::cellText(form, 0, str("Saldo")).toStdString(), "");
+        EXPECT_EQ(test::cellText(form, 0, str("VarastoTilanne")).toStdString(), "");
+        EXPECT_EQ(test::cellText(form, 0, str("Hyllypaikka")).toStdString(), "A1-2");
+        form.Tallenna->trigger();
+    }
+    const auto saved = company::IniFile::read(m_shop.file(str("FORMS.INI")));
+    EXPECT_EQ(saved.value(str("TuoteHakuForm"), str("NaytaSaldot")), str("0"));
+    search::TTuoteHakuForm form;
+    EXPECT_FALSE(form.NaytaSaldot->isChecked());
+    EXPECT_EQ(test::cellText(form, 0, str("Vapaa")).toStdString(), "");
+    form.NaytaSaldot->click();
+    EXPECT_EQ(test::cellText(form, 0, str("Vapaa")).toStdString(), "4P 10,0cl");
+}
+
+TEST_F(ProductForm, EnterSearchesByNameOrNumber) {
+    search::TTuoteHakuForm form;
+    test::showForm(form);
+    const struct {
+        const char* typed;
+        const char* index;
+        const char* found;
+    } cases[] = {{"suk", "5", "102"},
+                 {"kah", "5", "101"},
+                 {"101", "1", "101"},
+                 {"1005", "1", "101"},
+                 {"p", "5", "100"}};
+    for (const auto& c : cases) {
+        form.Suodatin->setFocus();
+        form.Suodatin->setText(str(c.typed));
+        QTest::keyClick(form.Suodatin, Qt::Key_Return);
+        EXPECT_EQ(form.Hakutable->indexName().toStdString(), c.index) << c.typed;
+        EXPECT_EQ(form.KenttaArvo(str("NUMERO")).toString().toStdString(), c.found) << c.typed;
+    }
+    EXPECT_TRUE(form.isVisible());  // Enter in the edit chooses nothing
+
+    // With the range restriction Enter limits the rows instead.
+    form.gotoNearest(str("1"), str("100"));
+    form.AlueRajaus->setChecked(true);
+    form.Suodatin->setText(str("102"));
+    QTest::keyClick(form.Suodatin, Qt::Key_Return);
+    EXPECT_EQ(numbers(form), "102");
+}
+
+TEST_F(ProductForm, DropsOnGroupNamesAndShelfPlaces) {
+    search::TTuoteHakuForm form;
+    test::showForm(form);
+    const struct {
+        const char* text;
+        const char* field;
+        const char* found;
+    } cases[] = {
+        {"mak", "RYHMA", "101 102"},
+        {"7", "RYHMA", "100"},
+        {"tukku", "TOIMITTAJA", "100"},
+        {"A", "Hyllypaikka", "100"},  // 102 lies in another store, 103 is passive
+        {"a1", "Hyllypaikka", "100"},
+        {"*A", "Hyllypaikka", "100 101"},
+        {">=B", "Hyllypaikka", "101"},
+        {"X", "Hyllypaikka", ""},
+        {"o'", "Hyllypaikka", ""},
+    };
+    for (const auto& c : cases) {
+        drop(form, c.text, c.field);
+        EXPECT_EQ(numbers(form), c.found) << c.text << " on " << c.field;
+    }
+    form.Suodatin->clear();
+    EXPECT_EQ(numbers(form), "100 101 102");
+    form.Passiiviset->click();
+    drop(form, "A", "Hyllypaikka");
+    EXPECT_EQ(numbers(form), "100 103");
+}
+
+TEST_F(ProductForm, ChoiceGivesTheProductNumber) {
+    search::TTuoteHakuForm form;
+    QString chosen;
+    form.setChooseHandler([&](QTableView*, const data::TtbTable& record) {
+        chosen = record.fieldByName(form.resultField()).asString();
+    });
+    test::showForm(form);
+    form.DBGrid1->setFocus();
+    QTest::keyClick(form.DBGrid1, Qt::Key_Down);
+    QTest::keyClick(form.DBGrid1, Qt::Key_Return);
+    EXPECT_EQ(chosen.toStdString(), "101");
+    EXPECT_FALSE(form.isVisible());
+}
+
+TEST_F(ProductForm, ShownAndClosedAsTheOneWindow) {
+    search::TTuoteHakuForm::SuljeHaku();  // nothing to close
+    QWidget owner;
+    search::TTuoteHakuForm::NaytaLomake(&owner);
+    search::TTuoteHakuForm* form = search::TTuoteHakuForm::instanssi(&owner);
+    EXPECT_TRUE(form->isVisible());
+    search::TTuoteHakuForm::SuljeHaku();
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_TRUE(form->isLeaving());
+    EXPECT_NE(search::TTuoteHakuForm::instanssi(&owner), form);
+}
+
+TEST_F(ProductForm, ProductKindIsReadByKey) {
+    m_shop.exec(str("insert into TUOTE2 (Numero, Tuotelaji) values ('101', 3)"));
+    search::TTuoteHakuForm form;
+    EXPECT_EQ(form.tuotelaji(str("101")), 3);
+    EXPECT_EQ(form.tuotelaji(str("100")), 0);
+}
+
+}  // namespace
