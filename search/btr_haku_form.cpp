@@ -10,7 +10,7 @@
 
 #include "app/company/company.h"
 #include "app/company/connection_module.h"
-#include "data/record/filter.h"
+#include "data/record/value_conversion.h"
 #include "framework/core/settings_table.h"
 #include "framework/ui/dialogs.h"
 #include "search/drag_source.h"
@@ -31,9 +31,7 @@ bool& choosing() {
 }
 
 bool isOn(const QString& setting) {
-    const QString text = setting.trimmed();
-    return !text.isEmpty() && text != QLatin1String("0") &&
-           text.compare(QLatin1String("false"), Qt::CaseInsensitive) != 0;
+    return data::valueToBoolean(setting.trimmed());
 }
 
 class Hourglass {
