@@ -1,5 +1,5 @@
 # taksavaihe_room(NAME SOURCES_FROM dir... USES library...): one static library a room. The USES
-# list is the whole of what a room may include from; tests/rooms_test.py keeps the includes to it.
+# list is the whole of what a room may include from; tests/rooms keeps the includes to it.
 function(taksavaihe_room name)
     cmake_parse_arguments(ROOM "" "" "FROM;USES" ${ARGN})
     set(sources)

@@ -8,8 +8,8 @@ namespace tools {
 namespace {
 
 constexpr int kEnd = -1;
-constexpr qsizetype kInputBytes = 256 * 1024;
-constexpr qsizetype kOutputBytes = 256 * 1024;
+constexpr qsizetype kInputBytes = 262144;
+constexpr qsizetype kOutputBytes = 262144;
 
 QString numbered(qint64 line, const QString& detail) {
     return line > 0 ? QStringLiteral("line %1: %2").arg(line).arg(detail) : detail;

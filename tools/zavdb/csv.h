@@ -26,7 +26,7 @@ class CsvError : public std::runtime_error {
 class CsvReader {
   public:
     /// A record longer than this is taken for a quote that nobody closed.
-    static constexpr qsizetype kMaxRecordBytes = 4 * 1024 * 1024;
+    static constexpr qsizetype kMaxRecordBytes = 4194304;
 
     /// The device is open for reading and outlives the reader.
     explicit CsvReader(QIODevice& device);

@@ -129,8 +129,8 @@ void Facts::setPrices(Product& product, Random& random) const {
     // the lower of two draws: a shop has many cheap things and few dear ones
     const int draw = std::min(random.between(words.lowestCents, words.highestCents),
                               random.between(words.lowestCents, words.highestCents));
-    const double price =
-        euros(words.mainGroup == 12 ? draw / 1000 * 1000 : shopPrice(draw, random));
+    const qint64 tens = draw / 1000;
+    const double price = euros(words.mainGroup == 12 ? tens * 1000 : shopPrice(draw, random));
     product.prices[0] = price;
     if (random.chance(40))
         product.prices[1] = euros(shopPrice(std::llround(price * random.between(80, 95)), random));

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "tools/zavdb/demo/fill_tables.h"
@@ -68,7 +69,7 @@ OrderRow makeRow(const Facts& facts, Random& random, const Customer& customer, b
         if (random.chance(15))
             row.left = 0;
         else if (!byWeight && random.chance(12))
-            row.left = static_cast<double>(static_cast<int>(row.quantity) / 2);
+            row.left = std::trunc(row.quantity / 2.0);
     }
     if (random.chance(25))
         row.discount = random.pick({2.0, 5.0, 7.5, 10.0, 15.0, 20.0, 33.3});

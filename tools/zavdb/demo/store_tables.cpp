@@ -16,11 +16,12 @@ constexpr const char16_t* kLabelFields[kLevels] = {u"H1", u"H2", u"H3", u"H4", u
 
 void addStock(TableFiller& stock, int store, const Product& product, Random& random) {
     const int balance = random.between(0, 120);
+    const int reserved = random.between(0, balance) / 4;
     stock.row()
         .set(u"VARASTO", store)
         .set(u"TUOTE", product.number)
         .set(u"SALDO", static_cast<double>(balance))
-        .set(u"VARATTU", static_cast<double>(random.between(0, balance) / 4))
+        .set(u"VARATTU", static_cast<double>(reserved))
         .set(u"TILATTU", random.chance(15) ? static_cast<double>(random.between(1, 40)) : 0.0)
         .set(u"MINIMI", static_cast<double>(random.between(0, 10)))
         .set(u"MAXVARASTO", static_cast<double>(random.between(20, 200)))
