@@ -119,8 +119,8 @@ TArHakuForm* TArHakuForm::instanssi(QWidget* parent) {
 
 std::vector<GridColumn> TArHakuForm::defaultColumns() const {
     static constexpr Column kColumns[] = {
-        {u"Nro", u"Nro", 70},
-        {u"Nimi", u"Nimi", 220},
+        {u"Nro", u"Nro", 65},
+        {u"Nimi", u"Nimi", 200},
         {u"TuoteRyhma", u"Tuoteryhmä", 80},
         {u"Verkkokaupassa", u"Verkkokaupassa", 110},
     };

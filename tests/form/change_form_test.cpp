@@ -350,21 +350,6 @@ TEST_F(ChangeForm, ClassLabelsFollowTheEdits) {
     }
 }
 
-TEST_F(ChangeForm, SearchWindowsPutTheirKeyIntoTheStartEdit) {
-    TAlvMuutosLomake::setChooser(vatchange::SearchKind::MainGroup,
-                                 [](QWidget*, const QString& present, const auto& chosen) {
-                                     EXPECT_EQ(present, str("0"));
-                                     chosen(str("42"));
-                                 });
-    const auto form = newForm();
-    auto* button = form->findChild<QPushButton*>(str("PaaryhmaHakuButton"));
-    EXPECT_TRUE(button->isVisible());
-    form->controls().mainGroup.on->click();
-    QTest::mouseClick(button, Qt::LeftButton);
-    EXPECT_EQ(form->controls().mainGroup.first->value(), 42);
-    TAlvMuutosLomake::setChooser(vatchange::SearchKind::MainGroup, nullptr);
-}
-
 TEST(DefinitionReport, SaysRestrictionsAsTheSelectionTakesThem) {
     vatchange::ChangeDefinition d;
     d.sourceClass = 3;

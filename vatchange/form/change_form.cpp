@@ -5,7 +5,6 @@
 #include <QSignalBlocker>
 #include <QTimer>
 #include <cmath>
-#include <map>
 
 #include "app/company/command_line.h"
 #include "app/company/company.h"
@@ -19,11 +18,6 @@
 namespace vatchange {
 
 namespace {
-
-std::map<SearchKind, Chooser>& choosers() {
-    static std::map<SearchKind, Chooser> registered;
-    return registered;
-}
 
 // The pattern "0.#%" in the user's locale.
 QString ratePattern(double percent) {
@@ -48,10 +42,6 @@ TAlvMuutosLomake::TAlvMuutosLomake(data::Database& database, QWidget* parent)
     fitToScreen();
     restoreLastState();
     afterLoad();
-}
-
-void TAlvMuutosLomake::setChooser(SearchKind kind, Chooser chooser) {
-    choosers()[kind] = std::move(chooser);
 }
 
 bool TAlvMuutosLomake::unattended() const {
@@ -143,10 +133,9 @@ void TAlvMuutosLomake::connectControls() {
 }
 
 void TAlvMuutosLomake::connectSearch(QPushButton* button, SearchKind kind, QLineEdit* target) {
-    button->setVisible(static_cast<bool>(choosers()[kind]));
     connect(button, &QPushButton::clicked, this, [this, kind, target] {
         framework::reportErrors(this, [&] {
-            choosers()[kind](this, target->text(),
+            openSearchWindow(kind, formName(), this, target->text(),
                              [target](const QString& key) { target->setText(key); });
         });
     });

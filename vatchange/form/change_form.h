@@ -2,23 +2,15 @@
 
 #include <QElapsedTimer>
 #include <QPointer>
-#include <functional>
 #include <optional>
 
 #include "data/engine.h"
 #include "framework/ui/base_form.h"
 #include "vatchange/form/form_controls.h"
+#include "vatchange/form/search_windows.h"
 #include "vatchange/run/change_run.h"
 
 namespace vatchange {
-
-/// What a search window of the form picks.
-enum class SearchKind { SubGroup, ProductGroup, MainGroup, Product };
-
-/// Opens a search window over `parent`; it calls `chosen` with the key of the record that the user
-/// picks. `present` is the key now in the form.
-using Chooser = std::function<void(QWidget* parent, const QString& present,
-                                   std::function<void(const QString& key)> chosen)>;
 
 /// The VAT change form: holds one change definition in its controls, saves and loads it, and
 /// carries it out. While a run goes on, everything but "Keskeytä" is disabled.
@@ -31,10 +23,6 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     /// @throws data::DataError when the company's tables cannot be read, or a price level is
     /// missing ("hintatasoa ei löydy").
     explicit TAlvMuutosLomake(data::Database& database, QWidget* parent = nullptr);
-
-    /// The search windows of the "Haku" buttons; a kind without one shows no button. Set before the
-    /// form is created.
-    static void setChooser(SearchKind kind, Chooser chooser);
 
     /// Set by a batch: messages go to the change log, no dialog is shown.
     bool Unattended = false;

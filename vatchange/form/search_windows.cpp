@@ -11,11 +11,26 @@ namespace {
 
 const QString kNumberKey = QStringLiteral("0");
 
-template <class Form>
-void openWindow(QWidget* parent, const QString& present,
-                std::function<void(const QString& key)> chosen) {
-    search::TBtrHakuForm* form = Form::instanssi(parent->window());
-    form->lisaaKayttaja(TAlvMuutosLomake::kFormName);
+search::TBtrHakuForm* windowOf(SearchKind kind, QWidget* parent) {
+    switch (kind) {
+        case SearchKind::SubGroup:
+            return search::TArHakuForm::instanssi(parent);
+        case SearchKind::ProductGroup:
+            return search::TTrHakuForm::instanssi(parent);
+        case SearchKind::MainGroup:
+            return search::TPrHakuForm::instanssi(parent);
+        case SearchKind::Product:
+            break;
+    }
+    return search::TTuoteHakuForm::instanssi(parent);
+}
+
+}  // namespace
+
+void openSearchWindow(SearchKind kind, const QString& caller, QWidget* parent,
+                      const QString& present, std::function<void(const QString& key)> chosen) {
+    search::TBtrHakuForm* form = windowOf(kind, parent);
+    form->lisaaKayttaja(caller);
     form->setChooseHandler([field = form->resultField(), chosen = std::move(chosen)](
                                QTableView*, const data::TtbTable& record) {
         chosen(record.fieldByName(field).asString().trimmed());
@@ -27,15 +42,6 @@ void openWindow(QWidget* parent, const QString& present,
     form->show();
     form->raise();
     form->activateWindow();
-}
-
-}  // namespace
-
-std::map<SearchKind, Chooser> searchWindows() {
-    return {{SearchKind::SubGroup, &openWindow<search::TArHakuForm>},
-            {SearchKind::ProductGroup, &openWindow<search::TTrHakuForm>},
-            {SearchKind::MainGroup, &openWindow<search::TPrHakuForm>},
-            {SearchKind::Product, &openWindow<search::TTuoteHakuForm>}};
 }
 
 }  // namespace vatchange
