@@ -90,10 +90,7 @@ const StoredRecord* TableModel::find(qint64 row) const {
             for (StoredRecord& record : m_rows.read(first, wanted))
                 fresh->push_back(std::move(record));
         } catch (const data::DataError& error) {
-            const QString text = framework::errorText(error);
-            auto* self = const_cast<TableModel*>(this);
-            QMetaObject::invokeMethod(
-                self, [self, text] { Q_EMIT self->failed(text); }, Qt::QueuedConnection);
+            tellFailure(framework::errorText(error));
         }
         page = fresh.get();
         m_pages.insert(number, fresh.release());
@@ -104,6 +101,16 @@ const StoredRecord* TableModel::find(qint64 row) const {
         return nullptr;
     }
     return &(*page)[place];
+}
+
+// Once for all cells of the rows: painting must not bring a dialog a cell.
+void TableModel::tellFailure(const QString& text) const {
+    if (m_failureTold)
+        return;
+    m_failureTold = true;
+    auto* self = const_cast<TableModel*>(this);
+    QMetaObject::invokeMethod(
+        self, [self, text] { Q_EMIT self->failed(text); }, Qt::QueuedConnection);
 }
 
 std::optional<StoredRecord> TableModel::record(int row) const {
@@ -130,8 +137,14 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
     const StoredRecord* found = find(index.row() + m_offset);
     if (found == nullptr)
         return QString();
-    if (column.text)
-        return column.text(RecordRow(m_table.layout(), *found));
+    if (column.text) {
+        try {
+            return column.text(RecordRow(m_table.layout(), *found));
+        } catch (const data::DataError& error) {  // of another table that the column reads
+            tellFailure(framework::errorText(error));
+            return QString();
+        }
+    }
     return field != nullptr ? field->displayText(found->bytes) : QString();
 }
 
@@ -190,6 +203,7 @@ bool TableModel::search(int key, std::optional<RecordRows::Range> range, RecordR
 // All rows are others: within a reset.
 void TableModel::restarted() {
     m_pages.clear();
+    m_failureTold = false;
     m_blanksShown = false;
     m_rowCount = asRow(m_rows.count());
     m_idle.start();

@@ -77,6 +77,7 @@ class TableModel : public QAbstractTableModel {
     void restarted();
     void learnFirstRows();
     int toRow(std::optional<qint64> row, bool wasRestarted);
+    void tellFailure(const QString& text) const;
 
     data::TtbTable& m_table;
     std::vector<GridColumn> m_columns;
@@ -86,6 +87,7 @@ class TableModel : public QAbstractTableModel {
     qint64 m_offset = 0;  // from the row numbers told to m_rows', while a change is being told
     mutable QCache<qint64, Page> m_pages;
     mutable bool m_blanksShown = false;
+    mutable bool m_failureTold = false;
     QTimer m_idle;
 };
 

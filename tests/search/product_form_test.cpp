@@ -237,6 +237,24 @@ TEST_F(ProductForm, ShownAndClosedAsTheOneWindow) {
     EXPECT_NE(search::TTuoteHakuForm::instanssi(&owner), form);
 }
 
+TEST_F(ProductForm, ColumnThatCannotBeReadIsToldOnceAndStaysEmpty) {
+    search::TTuoteHakuForm form;
+    search::GridColumn broken{str("NIMI"), str("Nimi")};
+    broken.text = [](const search::RecordRow&) -> QString {
+        throw data::DataError(data::ErrorKind::Io, str("VARSALDO"), str("read error"));
+    };
+    form.model().setColumns({broken});
+    QStringList told;
+    QObject::connect(&form.model(), &search::TableModel::failed,
+                     [&](const QString& text) { told.append(text); });
+    m_dialogs.expectMessage(
+        data::DataError(data::ErrorKind::Io, str("VARSALDO"), str("read error")).finnish());
+    for (int row = 0; row < 3; ++row)
+        EXPECT_EQ(form.model().index(row, 0).data().toString().toStdString(), "");
+    QApplication::processEvents();
+    EXPECT_EQ(told.size(), 1);
+}
+
 TEST_F(ProductForm, ProductKindIsReadByKey) {
     m_shop.exec(str("insert into TUOTE2 (Numero, Tuotelaji) values ('101', 3)"));
     search::TTuoteHakuForm form;
