@@ -80,4 +80,26 @@ std::optional<StoredRecord> RecordFile::visit(int key, const std::optional<Store
     return last;
 }
 
+std::optional<RecordId> RecordFile::visitStored(std::optional<RecordId> after, int max,
+                                                const Visitor& see) {
+    std::optional<StoredRecord> from;
+    if (after) {
+        from = get(*after);
+        if (!from)
+            throw DataError(ErrorKind::Gone, layout().tableName(),
+                            QStringLiteral("the record was removed meanwhile"));
+    }
+    const std::optional<StoredRecord> last = visit(0, from, Direction::Forward, max, see);
+    return last ? std::optional(last->id) : std::nullopt;
+}
+
+std::optional<StoredRecord> RecordFile::visitIds(int key, const std::optional<StoredRecord>& from,
+                                                 int max,
+                                                 const std::function<void(RecordId)>& see) {
+    return visit(key, from, Direction::Forward, max, [&see](RecordId id, const QByteArray&) {
+        see(id);
+        return true;
+    });
+}
+
 }  // namespace data

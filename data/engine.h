@@ -79,6 +79,14 @@ class RecordFile {
     virtual std::optional<StoredRecord> visit(int key, const std::optional<StoredRecord>& from,
                                               Direction direction, int max, const Visitor& see);
 
+    /// As visit(), in the order in which the engine reads fastest, after the record at an address
+    /// (nothing: from the beginning). @return the address of the last record shown.
+    virtual std::optional<RecordId> visitStored(std::optional<RecordId> after, int max,
+                                                const Visitor& see);
+    /// As visit() forward, with the addresses alone: what the key tells without its records.
+    virtual std::optional<StoredRecord> visitIds(int key, const std::optional<StoredRecord>& from,
+                                                 int max, const std::function<void(RecordId)>& see);
+
     /// Compares the leading key fields of a record with values: negative, 0 or positive, in the
     /// order of the key (also for descending segments).
     virtual int compare(int key, const QByteArray& record, const KeyValues& values) const = 0;

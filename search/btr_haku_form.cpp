@@ -98,6 +98,7 @@ void TBtrHakuForm::FormCreate() {
     });
     fillIndexes();
     Lataus();
+    Hakutable->setIndexName(QString::number(IndexCombo->currentData().toInt()));
     connectControls();
     applyFilter();
     SearchEdit->setFocus();

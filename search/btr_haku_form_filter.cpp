@@ -51,6 +51,7 @@ void TBtrHakuForm::applyFilter() {
 }
 
 void TBtrHakuForm::setUserFilter(const QString& expression) {
+    acceptanceOf(expression, recordLayout());  // a mistake is told by its place in this text
     const QString before = m_userFilter;
     m_userFilter = expression;
     try {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_set>
 
 namespace search {
 
@@ -14,9 +15,13 @@ namespace {
 
 // Records looked at between two looks at the clock.
 constexpr int kSlice = 256;
+constexpr int kBatch = 16384;
+constexpr int kIdBatch = 65536;
 // An estimate that is off by less than this share is left alone, so that the scroll bar stays calm.
 constexpr double kTolerance = 0.15;
 constexpr qint64 kSmallestCorrection = 64;
+constexpr int kWarmLevels = 10;
+constexpr size_t kMostProbes = 4096;  // about 1 KB each
 
 }  // namespace
 
@@ -47,6 +52,7 @@ void RecordRows::limits() {
 
 void RecordRows::beginFromStart() {
     m_ids.clear();
+    m_probes.clear();
     m_first.reset();
     m_last.reset();
     m_before = 0;
@@ -67,14 +73,15 @@ void RecordRows::beginFromStart() {
     m_after = std::max<qint64>(m_high - m_endPlace, 0);
 }
 
-// Begins the walk at a record of the range; m_firstPlace is its place.
-void RecordRows::begin(const StoredRecord& first) {
+// Begins the walk at a record of the range.
+void RecordRows::begin(const StoredRecord& first, qint64 itsPlace) {
     const double share =
         m_endPlace > m_firstPlace && !m_ids.empty()
             ? static_cast<double>(m_ids.size()) / static_cast<double>(m_endPlace - m_firstPlace)
             : 1.0;
-    const qint64 place = std::clamp(m_places.placeOf(first), m_low, m_high);
+    const qint64 place = std::clamp(itsPlace, m_low, m_high);
     m_ids.clear();
+    m_probes.clear();
     m_startReached = m_endReached = false;
     m_firstPlace = m_endPlace = place;
     m_first = first;
@@ -82,6 +89,10 @@ void RecordRows::begin(const StoredRecord& first) {
     m_after = std::max<qint64>(std::llround(static_cast<double>(m_high - place) * share), 0);
     take(first, Direction::Forward);
     m_first = first;
+}
+
+bool RecordRows::isWanted(RecordId id, const QByteArray& bytes) const {
+    return (!m_accept || m_accept(id, bytes)) && side(bytes) == 0;
 }
 
 bool RecordRows::isAccepted(const StoredRecord& record) const {
@@ -186,7 +197,7 @@ bool RecordRows::learn(const QDeadlineTimer& deadline, Change& change) {
         change.learned = change.learned || gained > 0;
     }
     const auto knownThen = static_cast<qint64>(m_ids.size());
-    if (!m_startReached && !deadline.hasExpired()) {
+    if (!m_startReached && (m_endReached || !deadline.hasExpired())) {
         walk(Direction::Backward, deadline);
         const qint64 gained = static_cast<qint64>(m_ids.size()) - knownThen;
         m_before -= std::min(gained, m_before);
@@ -194,7 +205,42 @@ bool RecordRows::learn(const QDeadlineTimer& deadline, Change& change) {
         change.learned = change.learned || gained > 0;
     }
     estimate(change);
+    if (isCountExact())
+        warm(0, m_ids.size(), kWarmLevels);
     return !isCountExact();
+}
+
+bool RecordRows::learnAll(const std::function<bool(double)>& goOn) {
+    // Every record is looked at in the order in which reading is fastest; then the key tells the
+    // order of those accepted.
+    std::unordered_set<RecordId> accepted;
+    std::optional<RecordId> at;
+    qint64 seen = 0;
+    const qint64 total = std::max<qint64>(m_places.count(), 1);
+    do {
+        at = m_file->visitStored(at, kBatch, [&](RecordId id, const QByteArray& bytes) {
+            ++seen;
+            if (isWanted(id, bytes))
+                accepted.insert(id);
+            return true;
+        });
+        if (!goOn(std::min(1.0, static_cast<double>(seen) / static_cast<double>(total))))
+            return false;
+    } while (at);
+    m_ids.clear();
+    m_probes.clear();
+    std::optional<StoredRecord> last;
+    do {
+        last = m_file->visitIds(key(), last, kIdBatch, [&](RecordId id) {
+            if (accepted.contains(id))
+                m_ids.push_back(id);
+        });
+    } while (last && m_ids.size() < accepted.size());
+    m_before = m_after = 0;
+    m_firstPlace = m_low;
+    m_endPlace = m_high;
+    m_startReached = m_endReached = true;
+    return true;
 }
 
 // Brings the estimates into line with the share of records that were accepted so far.
@@ -248,7 +294,7 @@ void RecordRows::startAtRow(qint64 row) {
     const std::optional<StoredRecord> record = m_places.at(place);
     if (!record)
         return;
-    begin(*record);
+    begin(*record, place);
     // The row asked for is where the walk begins.
     const qint64 shift = std::clamp<qint64>(row - m_before, -m_before, m_after);
     m_before += shift;
@@ -260,16 +306,48 @@ void RecordRows::startAtEnd() {
         return;
     const std::optional<StoredRecord> record = m_places.at(m_high - 1);
     if (record)
-        begin(*record);
+        begin(*record, m_high - 1);
+}
+
+// A record that a search among the known rows looks at; nothing when it is gone.
+const StoredRecord* RecordRows::probe(size_t row) {
+    const RecordId id = m_ids[row];
+    auto found = m_probes.find(id);
+    if (found == m_probes.end()) {
+        std::optional<StoredRecord> at = m_file->get(id);
+        if (!at)
+            return nullptr;
+        if (m_probes.size() >= kMostProbes)
+            m_probes.clear();
+        found = m_probes.emplace(id, std::move(*at)).first;
+    }
+    return &found->second;
+}
+
+// Reads what every search among these rows begins with.
+void RecordRows::warm(size_t low, size_t high, int levels) {
+    if (low >= high || levels == 0)
+        return;
+    const size_t middle = low + (high - low) / 2;
+    probe(middle);
+    warm(low, middle, levels - 1);
+    warm(middle + 1, high, levels - 1);
 }
 
 qint64 RecordRows::rowInKnown(const StoredRecord& record) {
-    const auto below = [this](RecordId id, const StoredRecord& wanted) {
-        const std::optional<StoredRecord> at = m_file->get(id);
-        return at && m_places.compare(*at, wanted) < 0;
-    };
-    const auto found = std::lower_bound(m_ids.begin(), m_ids.end(), record, below);
-    return m_before + (found - m_ids.begin());
+    const data::KeyValues wanted = m_places.keyValues(record);
+    size_t low = 0;
+    size_t high = m_ids.size();
+    while (low < high) {
+        const size_t middle = low + (high - low) / 2;
+        const StoredRecord* at = probe(middle);
+        const int order = at != nullptr ? m_file->compare(key(), at->bytes, wanted) : 1;
+        if (order < 0 || (order == 0 && at->id < record.id))
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return m_before + static_cast<qint64>(low);
 }
 
 std::optional<qint64> RecordRows::rowOf(const StoredRecord& record, bool* restarted) {
@@ -278,9 +356,9 @@ std::optional<qint64> RecordRows::rowOf(const StoredRecord& record, bool* restar
             return std::nullopt;
         return std::min(m_places.placeOf(record), count() - 1);
     }
-    const bool beforeFirst = m_first && m_places.compare(record, *m_first) < 0;
-    const bool behindLast = !m_last || m_places.compare(record, *m_last) > 0;
-    if ((beforeFirst && !m_startReached) || (behindLast && !m_endReached)) {
+    const bool beforeFirst = !m_startReached && m_first && m_places.compare(record, *m_first) < 0;
+    const bool behindLast = !m_endReached && (!m_last || m_places.compare(record, *m_last) > 0);
+    if (beforeFirst || behindLast) {
         StoredRecord from = record;
         if (side(record.bytes) < 0) {
             const auto low = m_file->seek(key(), SeekOp::GreaterOrEqual, m_range->low, 1);
@@ -292,7 +370,7 @@ std::optional<qint64> RecordRows::rowOf(const StoredRecord& record, bool* restar
             *restarted = true;
             return std::nullopt;
         }
-        begin(from);
+        begin(from, m_places.placeOf(from));
         *restarted = true;
         return m_before;
     }

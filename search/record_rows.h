@@ -4,6 +4,7 @@
 #include <deque>
 #include <functional>
 #include <optional>
+#include <unordered_map>
 
 #include "data/engine.h"
 #include "search/key_places.h"
@@ -54,6 +55,9 @@ class RecordRows {
     /// Walks on, for as long as the deadline lets it. @return false when nothing is left to do.
     /// `change` tells what became of the row numbers.
     bool learn(const QDeadlineTimer& deadline, Change& change);
+    /// Looks at all records now and makes every row known. `goOn`, called some times a second with
+    /// the share done (0 to 1), breaks off by false: then the view is to be thrown away.
+    bool learnAll(const std::function<bool(double)>& goOn);
     /// The part of the records (0 to 1) that the walk has passed.
     double progress() const;
 
@@ -73,13 +77,16 @@ class RecordRows {
     std::optional<qint64> nearest(const data::KeyValues& values, bool* restarted);
 
   private:
-    void begin(const data::StoredRecord& first);
+    void begin(const data::StoredRecord& first, qint64 itsPlace);
+    bool isWanted(data::RecordId id, const QByteArray& bytes) const;
     void beginFromStart();
     bool walk(data::Direction direction, const QDeadlineTimer& deadline);
     void take(const data::StoredRecord& record, data::Direction direction);
     bool isAccepted(const data::StoredRecord& record) const;
     int side(const QByteArray& bytes) const;
     void estimate(Change& change);
+    const data::StoredRecord* probe(size_t row);
+    void warm(size_t low, size_t high, int levels);
     qint64 rowInKnown(const data::StoredRecord& record);
     void limits();
 
@@ -88,7 +95,9 @@ class RecordRows {
     std::optional<Range> m_range;
     Accept m_accept;
 
-    std::deque<data::RecordId> m_ids;           // the known rows
+    std::deque<data::RecordId> m_ids;  // the known rows
+    // Records that searches among the known rows looked at: they look at the same ones again.
+    std::unordered_map<data::RecordId, data::StoredRecord> m_probes;
     std::optional<data::StoredRecord> m_first;  // how far the walk has come, at each side
     std::optional<data::StoredRecord> m_last;
     bool m_startReached = false;

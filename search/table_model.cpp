@@ -187,11 +187,8 @@ bool TableModel::search(int key, std::optional<RecordRows::Range> range, RecordR
                         const std::function<bool(double)>& goOn) {
     RecordRows fresh(m_table.file());
     fresh.show(key, std::move(range), std::move(accept));
-    RecordRows::Change change;
-    while (fresh.learn(QDeadlineTimer(kProgressMs), change)) {
-        if (!goOn(fresh.progress()))
-            return false;
-    }
+    if (!fresh.learnAll(goOn))
+        return false;
     beginResetModel();
     m_rows = std::move(fresh);
     restarted();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace data::embedded {
 
@@ -196,10 +197,61 @@ std::optional<StoredRecord> EmbeddedRecordFile::visit(int key,
     return last;
 }
 
+std::optional<RecordId> EmbeddedRecordFile::visitStored(std::optional<RecordId> after, int max,
+                                                        const Visitor& see) {
+    StatementLease rows = m_table.scan({-1, ScanShape::Bounds::Range, false, false, true, false});
+    rows->bind(1, after ? *after + 1 : std::numeric_limits<RecordId>::min());
+    rows->bind(2, std::numeric_limits<RecordId>::max());
+    rows->bind(3, max);
+    std::optional<RecordId> last;
+    while (rows->step()) {
+        last = rows->integer(0);
+        const QByteArrayView bytes = m_table.checked(rows->blob(1));
+        if (!see(*last, QByteArray::fromRawData(bytes.data(), bytes.size())))
+            break;
+    }
+    return last;
+}
+
+std::optional<StoredRecord> EmbeddedRecordFile::visitIds(int key,
+                                                         const std::optional<StoredRecord>& from,
+                                                         int max,
+                                                         const std::function<void(RecordId)>& see) {
+    checkKey(key);
+    RecordId lastId = 0;
+    int left = max;
+    QByteArray low;
+    if (from) {
+        const QByteArray image = imageOf(key, *from);
+        StatementLease same = m_table.scanSameKey(key, false);
+        same->bind(1, image);
+        same->bind(2, from->id);
+        same->bind(3, left);
+        for (; same->step(); --left) {
+            lastId = same->integer(0);
+            see(lastId);
+        }
+        low = above(key, image);
+    }
+    if (left > 0) {
+        StatementLease rows =
+            m_table.scan({key, ScanShape::Bounds::Range, false, true, true, false});
+        rows->bind(1, low);
+        rows->bind(2, m_table.topImage(key));
+        rows->bind(3, left);
+        while (rows->step()) {
+            lastId = rows->integer(0);
+            see(lastId);
+        }
+    }
+    return lastId != 0 ? get(lastId) : std::nullopt;
+}
+
 int EmbeddedRecordFile::compare(int key, const QByteArray& record, const KeyValues& values) const {
     checkKey(key);
     const QByteArray wanted = m_table.image(key).prefix(values);
-    const QByteArray image = m_table.image(key).build(m_table.checked(record).toByteArray());
+    QByteArray image;
+    m_table.image(key).build(reinterpret_cast<const uchar*>(m_table.checked(record).data()), image);
     return std::memcmp(image.constData(), wanted.constData(), static_cast<size_t>(wanted.size()));
 }
 

@@ -26,6 +26,10 @@ class EmbeddedRecordFile : public RecordFile {
                         const StoredRecord& to) override;
     std::optional<StoredRecord> visit(int key, const std::optional<StoredRecord>& from,
                                       Direction direction, int max, const Visitor& see) override;
+    std::optional<RecordId> visitStored(std::optional<RecordId> after, int max,
+                                        const Visitor& see) override;
+    std::optional<StoredRecord> visitIds(int key, const std::optional<StoredRecord>& from, int max,
+                                         const std::function<void(RecordId)>& see) override;
     int compare(int key, const QByteArray& record, const KeyValues& values) const override;
     std::optional<StoredRecord> get(RecordId id) override;
     bool lock(RecordId id, std::chrono::milliseconds wait) override;

@@ -1,0 +1,213 @@
+#include "search/record_rows.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
+#include <QTest>
+#include <random>
+
+#include "data/record/record_codec.h"
+#include "data/record/tb_table.h"
+#include "search/record_row.h"
+#include "search/table_model.h"
+#include "tests/support/shop_company.h"
+
+using namespace search;
+using data::Direction;
+using data::StoredRecord;
+
+namespace {
+
+constexpr int kProducts = 6000;  // some steps of KeyPlaces, and many walks' slices
+
+class RecordRowsTest : public ::testing::Test {
+  protected:
+    RecordRowsTest() {
+        m_file = m_company.database().openTable(QStringLiteral("TUOTE"));
+        const data::RecordLayout& layout = m_file->layout();
+        m_company.database().inTransaction([&] {
+            QByteArray empty(layout.recordLength(), '\0');
+            for (const data::TFieldCacheItem& field : layout.fields())
+                data::clearField(field, reinterpret_cast<uchar*>(empty.data()));
+            for (int i = 0; i < kProducts; ++i) {
+                QByteArray record = empty;
+                auto* raw = reinterpret_cast<uchar*>(record.data());
+                // Numbers and names in another order than that of insertion; many equal names.
+                data::writeText(
+                    field("NUMERO"), raw,
+                    QStringLiteral("%1").arg((i * 7919) % kProducts, 5, 10, QLatin1Char('0')),
+                    QStringLiteral("TUOTE"));
+                data::writeText(field("NIMI"), raw, QStringLiteral("N%1").arg(i % 37),
+                                QStringLiteral("TUOTE"));
+                data::writeInteger(field("RYHMA"), raw, i % 10, QStringLiteral("TUOTE"));
+                m_file->insert(record);
+            }
+        });
+    }
+
+    const data::TFieldCacheItem& field(const char* name) const {
+        return m_file->layout().field(m_file->layout().indexOf(QLatin1String(name)));
+    }
+
+    // The rows that a plain walk of the key finds.
+    std::vector<data::RecordId> expected(int key, const std::optional<RecordRows::Range>& range,
+                                         const RecordRows::Accept& accept) const {
+        std::vector<data::RecordId> ids;
+        for (const StoredRecord& record : m_file->fromEnd(key, Direction::Forward, kProducts)) {
+            if (range && (m_file->compare(key, record.bytes, range->low) < 0 ||
+                          m_file->compare(key, record.bytes, range->high) > 0))
+                continue;
+            if (!accept || accept(record.id, record.bytes))
+                ids.push_back(record.id);
+        }
+        return ids;
+    }
+
+    RecordRows::Accept groupBelow(int bound) const {
+        return [this, bound](data::RecordId, const QByteArray& bytes) {
+            return data::readInteger(field("RYHMA"),
+                                     reinterpret_cast<const uchar*>(bytes.constData())) < bound;
+        };
+    }
+
+    test::ShopCompany m_company;
+    std::unique_ptr<data::RecordFile> m_file;
+};
+
+// What the engine counts along a key is what a walk record by record counts.
+TEST_F(RecordRowsTest, SkippingAndCountingAgreeWithWalking) {
+    std::mt19937 random(4);
+    for (const int key : {0, 1, 5}) {
+        const std::vector<StoredRecord> all = m_file->fromEnd(key, Direction::Forward, kProducts);
+        ASSERT_EQ(all.size(), kProducts);
+        const auto at = [&](qint64 place) { return all[static_cast<size_t>(place)]; };
+        for (int i = 0; i < 40; ++i) {
+            const qint64 a = random() % kProducts;
+            const qint64 b = random() % kProducts;
+            EXPECT_EQ(m_file->countBetween(key, at(a), at(b)), std::max<qint64>(b - a, 0));
+            EXPECT_EQ(m_file->countBetween(key, std::nullopt, at(b)), b);
+            const Direction way = b > a ? Direction::Forward : Direction::Backward;
+            if (a != b) {
+                EXPECT_EQ(m_file->skip(key, at(a), way, std::llabs(b - a))->id, at(b).id);
+            }
+            EXPECT_EQ(m_file->skip(key, std::nullopt, Direction::Forward, a + 1)->id, at(a).id);
+            EXPECT_EQ(m_file->skip(key, std::nullopt, Direction::Backward, kProducts - a)->id,
+                      at(a).id);
+            EXPECT_FALSE(m_file->skip(key, at(a), Direction::Forward, kProducts - a).has_value());
+            std::vector<data::RecordId> seen;
+            const auto last = m_file->visit(
+                key, at(a), Direction::Backward, 5,
+                [&](data::RecordId id, const QByteArray& bytes) {
+                    EXPECT_EQ(bytes, at(a - 1 - static_cast<qint64>(seen.size())).bytes);
+                    seen.push_back(id);
+                    return true;
+                });
+            EXPECT_EQ(seen.size(), std::min<qint64>(a, 5));
+            EXPECT_EQ(last.has_value(), a > 0);
+            if (last) {
+                EXPECT_EQ(last->id, seen.back());
+            }
+        }
+    }
+}
+
+// Wherever the walk begins and however it goes on, it ends with the same rows, and what it calls
+// known on the way is right relative to its first known row.
+TEST_F(RecordRowsTest, EveryWalkEndsWithTheSameRows) {
+    const RecordRows::Range names{{QStringLiteral("N2")}, {QStringLiteral("N2ú")}};
+    const RecordRows::Range nothing{{QStringLiteral("X")}, {QStringLiteral("Y")}};
+    const struct {
+        int key;
+        std::optional<RecordRows::Range> range;
+        RecordRows::Accept accept;
+    } views[] = {
+        {0, std::nullopt, {}},
+        {5, std::nullopt, groupBelow(3)},
+        {0, std::nullopt, groupBelow(0)},
+        {5, names, {}},
+        {5, names, groupBelow(9)},
+        {5, nothing, {}},
+        {0, std::nullopt, groupBelow(10)},
+    };
+    std::mt19937 random(11);
+    for (const auto& view : views) {
+        const std::vector<data::RecordId> all = expected(view.key, view.range, view.accept);
+        for (int start = 0; start < 4; ++start) {
+            RecordRows rows(*m_file);
+            rows.show(view.key, view.range, view.accept);
+            if (start == 1)
+                rows.startAtEnd();
+            else if (start > 1 && rows.count() > 0)
+                rows.startAtRow(
+                    static_cast<qint64>(random() % static_cast<unsigned>(rows.count())));
+            RecordRows::Change change;
+            qint64 count = rows.count();
+            bool more = true;
+            while (more) {
+                change = {};
+                more = rows.learn(QDeadlineTimer(0), change);
+                count += change.before + change.after;
+                ASSERT_EQ(count, rows.count());
+            }
+            ASSERT_TRUE(rows.isCountExact());
+            ASSERT_EQ(rows.count(), static_cast<qint64>(all.size()));
+            const std::vector<StoredRecord> read = rows.read(0, kProducts);
+            for (size_t i = 0; i < all.size(); ++i)
+                ASSERT_EQ(read[i].id, all[i]) << i;
+            for (size_t i = 0; i < all.size(); i += 97) {
+                bool restarted = false;
+                EXPECT_EQ(rows.rowOf(read[i], &restarted), static_cast<qint64>(i));
+                EXPECT_FALSE(restarted);
+            }
+        }
+    }
+}
+
+// A place looked for before the count is known is shown at once, and turns exact later.
+TEST_F(RecordRowsTest, PlacesBeforeTheCountIsKnown) {
+    data::TtbTable table;
+    company::openCompanyTable(table, QStringLiteral("TUOTE"));
+    TableModel model(table);
+    const QAbstractItemModelTester tester(&model,
+                                          QAbstractItemModelTester::FailureReportingMode::Fatal);
+    model.setColumns({{QStringLiteral("NUMERO"), {}}, {QStringLiteral("RYHMA"), {}}});
+    model.show(0, std::nullopt, groupBelow(5));
+    const auto number = [&model](int row) { return model.index(row, 0).data().toString(); };
+    EXPECT_EQ(number(0), QStringLiteral("00000"));
+    int row = model.nearest({QStringLiteral("03000")});
+    ASSERT_GE(row, 0);
+    QPersistentModelIndex place(model.index(row, 0));
+    const QString shown = number(row);
+    EXPECT_GE(shown, QStringLiteral("03000"));
+    QTRY_VERIFY(model.isCountExact());
+    const std::vector<data::RecordId> all = expected(0, std::nullopt, groupBelow(5));
+    EXPECT_EQ(model.rowCount(), static_cast<int>(all.size()));
+    EXPECT_EQ(place.data().toString(), shown);
+    EXPECT_EQ(model.record(place.row())->id, all[static_cast<size_t>(place.row())]);
+
+    model.show(0, std::nullopt, groupBelow(5));
+    model.want(model.rowCount() - 3, model.rowCount() - 1, true);
+    row = model.lastRow();
+    EXPECT_EQ(model.record(row)->id, all.back());
+    QTRY_VERIFY(model.isCountExact());
+    EXPECT_EQ(model.record(model.rowCount() - 1)->id, all.back());
+}
+
+// A record that another program removes leaves a blank row, not a wrong one.
+TEST_F(RecordRowsTest, RemovedRecordsAreBlankUntilRefreshed) {
+    data::TtbTable table;
+    company::openCompanyTable(table, QStringLiteral("TUOTE"));
+    TableModel model(table);
+    model.setColumns({{QStringLiteral("NUMERO"), {}}});
+    model.show(0, std::nullopt, groupBelow(5));
+    model.learnAll();
+    const data::RecordId gone = model.record(2)->id;
+    const QString next = model.index(3, 0).data().toString();
+    m_file->remove(gone);
+    model.reread();
+    EXPECT_EQ(model.index(2, 0).data().toString(), QString());
+    EXPECT_EQ(model.index(3, 0).data().toString(), next);
+}
+
+}  // namespace

@@ -1,0 +1,343 @@
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QDragEnterEvent>
+#include <QHeaderView>
+#include <QMimeData>
+#include <QPointer>
+#include <QWheelEvent>
+
+#include "search/drag_source.h"
+#include "tests/search/product_support.h"
+
+using namespace search;
+using test::cellText;
+using test::columnTexts;
+
+namespace {
+
+// A small shop: six products, one of them passive, two groups.
+class SearchFormTest : public ::testing::Test {
+  protected:
+    SearchFormTest() {
+        const struct {
+            const char* number;
+            const char* name;
+            int group;
+            double price;
+            int passive;
+        } products[] = {
+            {"34", "Kahvi", 1, 4.5, 0},    {"341", "Kahvipannu", 2, 31, 0},
+            {"35", "äyriäiset", 1, 12, 0}, {"100", "Tee", 1, 3.25, 1},
+            {"200", "Teepannu", 2, 28, 0}, {"ABC", "Pannukahvi", 1, 5, 0},
+        };
+        for (const auto& p : products)
+            m_company.exec(QStringLiteral("insert into TUOTE (NUMERO, NIMI, RYHMA, HINTA, "
+                                          "passiivinen) values ('%1', '%2', %3, %4, %5)")
+                               .arg(QString::fromUtf8(p.number), QString::fromUtf8(p.name))
+                               .arg(p.group)
+                               .arg(p.price)
+                               .arg(p.passive));
+        create();
+    }
+    ~SearchFormTest() override { delete m_form; }
+
+    void create() {
+        delete m_form;
+        m_form = new TBtrHakuForm(QStringLiteral("KoeHaku"));
+        m_form->setTableName(QStringLiteral("TUOTE"));
+        m_form->setBaseFilter(QStringLiteral("passiivinen = false"));
+        m_form->setChooseHandler([this](QTableView* sender, const data::TtbTable& record) {
+            EXPECT_EQ(sender->objectName(), QStringLiteral("DBGrid1"));
+            m_chosen.append(record.fieldByName(QStringLiteral("numero")).asString());
+            if (m_onChoose)
+                m_onChoose();
+        });
+        m_form->FormCreate();
+        test::showForm(*m_form);
+    }
+
+    QStringList numbers() const { return columnTexts(*m_form, QStringLiteral("NUMERO")); }
+
+    void drop(const QString& text, const char* column, const QString& source) {
+        const int place = m_form->model().columnOf(QLatin1String(column));
+        ASSERT_GE(place, 0);
+        m_form->DBGrid1->scrollTo(m_form->model().index(0, place));
+        const QPoint at = m_form->DBGrid1->visualRect(m_form->model().index(0, place)).center();
+        const std::unique_ptr<QMimeData> data(dragData(source, text));
+        QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_form->DBGrid1->viewport(), &enter);
+        QDragMoveEvent move(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_form->DBGrid1->viewport(), &move);
+        QDropEvent event(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_form->DBGrid1->viewport(), &event);
+        QCoreApplication::processEvents();
+    }
+    void drop(const QString& text, const char* column) {
+        drop(text, column, QStringLiteral("Suodatin"));
+    }
+
+    QString saved(const QString& key) const {
+        return company::IniFile::read(m_company.file(QStringLiteral("FORMS.INI")))
+            .value(QStringLiteral("KoeHaku"), key)
+            .value_or(QStringLiteral("(none)"));
+    }
+
+    test::ShopCompany m_company;
+    QPointer<TBtrHakuForm> m_form;
+    QStringList m_chosen;
+    std::function<void()> m_onChoose;
+};
+
+TEST_F(SearchFormTest, OrdersByKeysAndHidesPassiveRecords) {
+    EXPECT_EQ(numbers(), QStringList({"200", "34", "341", "35", "ABC"}));
+    EXPECT_EQ(cellText(*m_form, 1, QStringLiteral("HINTA")),
+              QStringLiteral("4") + QLocale().decimalPoint() + QStringLiteral("50"));
+
+    // The record stays current under another key.
+    QTest::keyClick(m_form->DBGrid1, Qt::Key_Down);
+    QTest::keyClick(m_form->DBGrid1, Qt::Key_Down);
+    EXPECT_EQ(m_form->KenttaArvo(QStringLiteral("Numero")).toString(), QStringLiteral("341"));
+    for (int i = 0; i < 5; ++i)
+        QTest::keyClick(m_form->DBGrid1, Qt::Key_Plus, Qt::KeypadModifier);
+    EXPECT_EQ(m_form->IndexCombo->currentData().toInt(), 5);
+    EXPECT_EQ(numbers(), QStringList({"34", "341", "ABC", "200", "35"}));  // ä comes last
+    EXPECT_EQ(m_form->KenttaArvo(QStringLiteral("Numero")).toString(), QStringLiteral("341"));
+    EXPECT_EQ(m_form->DBGrid1->currentIndex().row(), 1);
+    QTest::keyClick(m_form->SearchEdit, Qt::Key_Minus, Qt::KeypadModifier);
+    EXPECT_EQ(m_form->IndexCombo->currentData().toInt(), 4);
+    for (int i = 0; i < 9; ++i)
+        QTest::keyClick(m_form->DBGrid1, Qt::Key_Minus, Qt::KeypadModifier);
+    EXPECT_EQ(m_form->IndexCombo->currentIndex(), 0);
+
+    m_form->Passiiviset->click();
+    EXPECT_EQ(numbers(), QStringList({"100", "200", "34", "341", "35", "ABC"}));
+}
+
+TEST_F(SearchFormTest, CompletesWhatIsTyped) {
+    m_form->Timer->setInterval(1);
+    QTest::keyClicks(m_form->SearchEdit, QStringLiteral("a"));
+    QTRY_COMPARE(m_form->SearchEdit->text(), QStringLiteral("a"));
+    m_form->selectIndex(5);
+    m_form->SearchEdit->clear();
+    QTest::keyClicks(m_form->SearchEdit, QStringLiteral("pannu"));
+    QTRY_COMPARE(m_form->SearchEdit->text(), QStringLiteral("Pannukahvi"));
+    EXPECT_EQ(m_form->SearchEdit->selectedText(), QStringLiteral("kahvi"));
+    EXPECT_EQ(m_form->KenttaArvo(QStringLiteral("NUMERO")).toString(), QStringLiteral("ABC"));
+
+    // Deleting does not complete again, and typing on overwrites the tail.
+    QTest::keyClick(m_form->SearchEdit, Qt::Key_Backspace);
+    EXPECT_EQ(m_form->SearchEdit->text(), QStringLiteral("Pannu"));
+    EXPECT_FALSE(m_form->Timer->isActive());
+    QTest::keyClicks(m_form->SearchEdit, QStringLiteral("k"));
+    EXPECT_TRUE(m_form->Timer->isActive());
+    QTRY_COMPARE(m_form->SearchEdit->text(), QStringLiteral("Pannukahvi"));
+    QTest::keyClick(m_form->SearchEdit, Qt::Key_Down);
+    EXPECT_TRUE(m_form->DBGrid1->hasFocus());
+    EXPECT_FALSE(m_form->Timer->isActive());
+}
+
+TEST_F(SearchFormTest, RangesByTheKindOfTheKey) {
+    test::ScriptedDialogs dialogs;
+    QTest::keyClicks(m_form->Suodatin, QStringLiteral("34"));
+    QTest::keyClick(m_form->Suodatin, Qt::Key_Return);
+    EXPECT_EQ(numbers().size(), 5);  // without "Käytä aluerajausta" Enter restricts nothing
+    m_form->AlueRajaus->click();
+    QTest::keyClick(m_form->Suodatin, Qt::Key_Return);
+    EXPECT_EQ(numbers(), QStringList({"34", "341"}));
+    m_form->Suodatin->clear();
+    EXPECT_EQ(numbers().size(), 5);
+
+    m_form->selectIndex(2);  // RYHMA, NUMERO
+    QTest::keyClicks(m_form->Suodatin, QStringLiteral("2x"));
+    dialogs.expectMessage(QStringLiteral("Virheellinen numero 2x"));
+    QTest::keyClick(m_form->Suodatin, Qt::Key_Return);
+    EXPECT_EQ(numbers().size(), 5);
+    m_form->Suodatin->setText(QStringLiteral("2"));
+    QTest::keyClick(m_form->Suodatin, Qt::Key_Enter);
+    EXPECT_EQ(numbers(), QStringList({"200", "341"}));
+    m_form->AlueRajaus->click();
+    EXPECT_EQ(numbers().size(), 5);
+}
+
+TEST_F(SearchFormTest, DropsMakeFilters) {
+    drop(QStringLiteral("2"), "RYHMA");
+    EXPECT_EQ(numbers(), QStringList({"200", "341"}));
+    EXPECT_EQ(m_form->Hakutable->filter(), QStringLiteral("passiivinen = false and (RYHMA=2)"));
+    drop(QStringLiteral("kahvi"), "NIMI");  // replaces the first condition
+    EXPECT_EQ(numbers(), QStringList({"34", "341"}));
+    drop(QStringLiteral("!hinta < 5 or numero = 'ABC'"), "NIMI");
+    EXPECT_EQ(numbers(), QStringList({"34", "ABC"}));
+    drop(QStringLiteral(">=28"), "HINTA");
+    EXPECT_EQ(numbers(), QStringList({"200", "341"}));
+    m_form->Passiiviset->click();
+    drop(QStringLiteral("tee"), "NIMI");
+    EXPECT_EQ(numbers(), QStringList({"100", "200"}));
+    m_form->Passiiviset->click();
+    EXPECT_EQ(numbers(), QStringList({"200"}));
+
+    // Only a filter edit's text may be dropped.
+    drop(QStringLiteral("1"), "RYHMA", QStringLiteral("DBGrid1"));
+    EXPECT_EQ(numbers(), QStringList({"200"}));
+    {
+        test::ScriptedDialogs dialogs;
+        dialogs.expectMessage(
+            QStringLiteral("Lausetta ei voida tulkita: TUOTE: kohta 8: odotettiin arvoa. Korjaa "
+                           "lause osoitetusta kohdasta."));
+        drop(QStringLiteral("!hinta <"), "NIMI");
+    }
+    EXPECT_EQ(numbers(), QStringList({"200"}));
+    EXPECT_EQ(m_form->userFilter(), QStringLiteral("NIMI='tee*'"));
+
+    m_form->Suodatin->setText(QStringLiteral("x"));
+    m_form->Suodatin->clear();
+    EXPECT_EQ(m_form->Hakutable->filter(), QStringLiteral("passiivinen = false"));
+    EXPECT_EQ(numbers().size(), 5);
+}
+
+TEST_F(SearchFormTest, SearchesRecordByRecord) {
+    bool waited = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
+        for (QWidget* window : QApplication::topLevelWidgets())
+            waited = waited || (window->objectName() == QStringLiteral("HakuOdotus") &&
+                                window->isVisible() && !m_form->isVisible());
+    });
+    watch.start(0);
+    drop(QStringLiteral("*PANNU"), "NIMI");
+    EXPECT_TRUE(waited);
+    EXPECT_TRUE(m_form->isVisible());
+    EXPECT_TRUE(m_form->HakuLabel->isHidden());
+    EXPECT_EQ(numbers(), QStringList({"200", "341", "ABC"}));
+    drop(QStringLiteral("*1"), "RYHMA");  // what is shown of a number
+    EXPECT_EQ(numbers(), QStringList({"34", "35", "ABC"}));
+    m_form->Passiiviset->click();
+    EXPECT_EQ(numbers(), QStringList({"100", "34", "35", "ABC"}));
+    m_form->dropText(QStringLiteral("Tee"), m_form->model().columnOf(QStringLiteral("NIMI")), true);
+    EXPECT_EQ(numbers(), QStringList({"100", "200"}));  // on the indicator: from the start
+
+    // Escape breaks off: the rows before stay.
+    QTimer escape;
+    QObject::connect(&escape, &QTimer::timeout, &escape, [] {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->objectName() == QStringLiteral("HakuOdotus"))
+                QTest::keyClick(window, Qt::Key_Escape);
+        }
+    });
+    escape.start(0);
+    drop(QStringLiteral("*kahvi"), "NIMI");
+    EXPECT_TRUE(m_form->isVisible());
+}
+
+TEST_F(SearchFormTest, ChoosesAndCloses) {
+    m_form->Jatahakuauki->click();
+    m_onChoose = [this] { QTest::keyClick(m_form->DBGrid1, Qt::Key_Return); };  // no way in twice
+    QTest::keyClick(m_form->DBGrid1, Qt::Key_Down);
+    QTest::keyClick(m_form->DBGrid1, Qt::Key_Return);
+    EXPECT_EQ(m_chosen, QStringList({"34"}));
+    EXPECT_TRUE(m_form->isVisible());
+    m_onChoose = nullptr;
+    m_form->Jatahakuauki->click();
+
+    // With a user the form is only hidden.
+    m_form->lisaaKayttaja(QStringLiteral("Lomake1"));
+    EXPECT_TRUE(m_form->OnkoKayttajia());
+    EXPECT_TRUE(m_form->OnkoKayttajia(QStringLiteral("lomake1")));
+    EXPECT_FALSE(m_form->OnkoKayttajia(QStringLiteral("Lomake2")));
+    QTest::mouseClick(m_form->DBGrid1->viewport(), Qt::LeftButton, Qt::NoModifier,
+                      m_form->DBGrid1->visualRect(m_form->model().index(2, 0)).center());
+    EXPECT_EQ(m_form->DBGrid1->currentIndex().row(), 2);
+    QTest::mouseDClick(m_form->DBGrid1->viewport(), Qt::LeftButton, Qt::NoModifier,
+                       m_form->DBGrid1->visualRect(m_form->model().index(2, 0)).center());
+    EXPECT_EQ(m_chosen.join(QLatin1Char(' ')).toStdString(), "34 341");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    ASSERT_FALSE(m_form.isNull());
+    EXPECT_FALSE(m_form->isVisible());
+    m_form->poistaKayttaja(QStringLiteral("Lomake1"));
+    m_form->show();
+    QTest::keyClick(m_form->Suodatin, Qt::Key_Escape);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(m_form.isNull());
+
+    create();
+    m_form->hide();
+    QTimer::singleShot(0, m_form, [this] { QTest::keyClick(m_form->DBGrid1, Qt::Key_Return); });
+    EXPECT_EQ(m_form->exec(), QDialog::Accepted);
+    EXPECT_EQ(m_chosen.last(), QStringLiteral("200"));
+}
+
+TEST_F(SearchFormTest, TypingWheelAndSelection) {
+    QTest::keyClick(m_form->DBGrid1, Qt::Key_K);
+    EXPECT_EQ(m_form->Suodatin->text(), QStringLiteral("k"));
+    EXPECT_TRUE(m_form->Suodatin->hasFocus());
+    QTest::keyClick(m_form->Suodatin, Qt::Key_Down);
+    EXPECT_TRUE(m_form->DBGrid1->hasFocus());
+
+    const auto turn = [this](int eighths) {
+        QWheelEvent event(
+            QPointF(20, 20), m_form->DBGrid1->viewport()->mapToGlobal(QPointF(20, 20)), QPoint(),
+            QPoint(0, eighths), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(m_form->DBGrid1->viewport(), &event);
+    };
+    turn(-120);
+    turn(-120);
+    EXPECT_EQ(m_form->DBGrid1->currentIndex().row(), 2);
+    turn(120);
+    EXPECT_EQ(m_form->DBGrid1->currentIndex().row(), 1);
+
+    QTest::keyClick(m_form->DBGrid1, Qt::Key_Down, Qt::ShiftModifier);
+    QTest::keyClick(m_form->DBGrid1, Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(m_form->Valittuja(), 3);
+    QStringList chosen;
+    for (const data::StoredRecord& record : m_form->Valitut())
+        chosen.append(
+            RecordRow(m_form->Hakutable->layout(), record).text(QStringLiteral("NUMERO")));
+    EXPECT_EQ(chosen, QStringList({"34", "341", "35"}));
+}
+
+TEST_F(SearchFormTest, LayoutIsKept) {
+    QHeaderView* header = m_form->DBGrid1->horizontalHeader();
+    for (int i = 4; i < header->count(); ++i)
+        header->setSectionHidden(i, true);
+    header->moveSection(header->visualIndex(m_form->model().columnOf(QStringLiteral("NIMI"))), 0);
+    header->setSectionHidden(m_form->model().columnOf(QStringLiteral("NIMI")), false);
+    header->resizeSection(m_form->model().columnOf(QStringLiteral("NUMERO")), 111);
+    m_form->resize(700, 333);
+    m_form->selectIndex(1);
+    m_form->Tallenna->trigger();
+    const int columns = saved(QStringLiteral("Sarakkeita")).toInt();
+    EXPECT_GE(columns, 4);
+    EXPECT_EQ(saved(QStringLiteral("Sarake0")), QStringLiteral("NIMI"));
+    EXPECT_EQ(saved(QStringLiteral("Sarake1")), QStringLiteral("NUMERO"));
+    EXPECT_EQ(saved(QStringLiteral("W_NUMERO")), QStringLiteral("111"));
+    EXPECT_EQ(saved(QStringLiteral("Lajittelu")), QStringLiteral("1"));
+    EXPECT_EQ(saved(QStringLiteral("Lomakeleveys")), QStringLiteral("700"));
+    EXPECT_EQ(saved(QStringLiteral("LomakeKorkeus")), QStringLiteral("(none)"));
+
+    // Fewer columns: the keys of the surplus ones go.
+    header->setSectionHidden(m_form->model().columnOf(QStringLiteral("RYHMA")), true);
+    m_form->Tallennakorkeus->trigger();
+    EXPECT_EQ(saved(QStringLiteral("Sarakkeita")).toInt(), columns - 1);
+    EXPECT_EQ(saved(QStringLiteral("Sarake%1").arg(columns - 1)), QStringLiteral("(none)"));
+    EXPECT_EQ(saved(QStringLiteral("LomakeKorkeus")), QStringLiteral("333"));
+
+    create();
+    EXPECT_EQ(m_form->size(), QSize(700, 333));
+    EXPECT_EQ(m_form->IndexCombo->currentIndex(), 1);
+    EXPECT_EQ(m_form->Hakutable->indexName(), QStringLiteral("1"));
+    EXPECT_EQ(m_form->model().column(0).field, QStringLiteral("NIMI"));
+    EXPECT_EQ(m_form->DBGrid1->columnWidth(1), 111);
+    EXPECT_TRUE(m_form->DBGrid1->isColumnHidden(m_form->model().columnOf(QStringLiteral("RYHMA"))));
+}
+
+TEST(AlkuMerkkiEdit, SwallowsItsStartCharacter) {
+    TAlkuMerkkiEdit edit;
+    edit.setStartCharacter(QLatin1Char('$'));
+    QTest::keyClicks(&edit, QStringLiteral("$12$3"));
+    EXPECT_EQ(edit.text(), QStringLiteral("123"));
+    edit.setStartCharacter(QChar());
+    QTest::keyClicks(&edit, QStringLiteral("$"));
+    EXPECT_EQ(edit.text(), QStringLiteral("123$"));
+}
+
+}  // namespace
