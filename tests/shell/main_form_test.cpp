@@ -174,7 +174,7 @@ TEST_F(MainForm, NothingOfTheMainWindowWorksDuringARun) {
             EXPECT_FALSE(button(name)->isEnabled()) << name;
         EXPECT_FALSE(m_form.close());
     });
-    timer.start(1);
+    timer.start(0);
     form->EsikatseleClick();
     EXPECT_TRUE(seen);
     EXPECT_TRUE(button("Button1")->isEnabled());

@@ -13,10 +13,7 @@ namespace vatchange {
 /// times a second when nobody is there to press a key.
 class FormRunPorts : public RunPorts {
   public:
-    explicit FormRunPorts(TAlvMuutosLomake& form) : m_form(form) {
-        m_sinceBreath.start();
-        m_sinceStep.start();
-    }
+    explicit FormRunPorts(TAlvMuutosLomake& form) : m_form(form) { m_sinceStep.start(); }
 
     bool unattended() const override { return m_form.unattended(); }
     void NaytaViesti(const QString& text) override { m_form.NaytaViesti(text); }
@@ -31,7 +28,7 @@ class FormRunPorts : public RunPorts {
         m_total = total;
     }
     void breathe() override {
-        if (m_sinceBreath.elapsed() < m_breathMs)
+        if (m_sinceBreath.isValid() && m_sinceBreath.elapsed() < m_breathMs)
             return;
         m_form.showProgress(m_status, m_done, m_total, remaining());
         QCoreApplication::processEvents();
