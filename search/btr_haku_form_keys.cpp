@@ -250,7 +250,6 @@ bool TBtrHakuForm::gridKey(QKeyEvent& event) {
         DBGrid1DblClick();
         return true;
     }
-    const int row = DBGrid1->currentIndex().row();
     if (event.key() == Qt::Key_End || event.key() == Qt::Key_Home) {
         if (event.modifiers() & Qt::ShiftModifier)
             return false;
@@ -264,7 +263,6 @@ bool TBtrHakuForm::gridKey(QKeyEvent& event) {
         Suodatin->end(false);
         return true;
     }
-    Q_UNUSED(row)
     return false;
 }
 

@@ -1,5 +1,6 @@
 #include "search/record_rows.h"
 
+#include <QElapsedTimer>
 #include <algorithm>
 #include <cmath>
 #include <unordered_set>
@@ -17,6 +18,8 @@ namespace {
 constexpr int kSlice = 256;
 constexpr int kBatch = 16384;
 constexpr int kIdBatch = 65536;
+constexpr size_t kHints = size_t{1} << 23;  // bits
+constexpr int kTellMs = 40;
 // An estimate that is off by less than this share is left alone, so that the scroll bar stays calm.
 constexpr double kTolerance = 0.15;
 constexpr qint64 kSmallestCorrection = 64;
@@ -214,25 +217,33 @@ bool RecordRows::learnAll(const std::function<bool(double)>& goOn) {
     // Every record is looked at in the order in which reading is fastest; then the key tells the
     // order of those accepted.
     std::unordered_set<RecordId> accepted;
+    std::vector<bool> hints(kHints);  // spares most looks into the set
     std::optional<RecordId> at;
     qint64 seen = 0;
+    QElapsedTimer sinceTold;
+    sinceTold.start();
     const qint64 total = std::max<qint64>(m_places.count(), 1);
     do {
         at = m_file->visitStored(at, kBatch, [&](RecordId id, const QByteArray& bytes) {
             ++seen;
-            if (isWanted(id, bytes))
+            if (isWanted(id, bytes)) {
                 accepted.insert(id);
+                hints[static_cast<size_t>(id) % kHints] = true;
+            }
             return true;
         });
+        if (sinceTold.elapsed() < kTellMs)
+            continue;
         if (!goOn(std::min(1.0, static_cast<double>(seen) / static_cast<double>(total))))
             return false;
+        sinceTold.restart();
     } while (at);
     m_ids.clear();
     m_probes.clear();
     std::optional<StoredRecord> last;
     do {
         last = m_file->visitIds(key(), last, kIdBatch, [&](RecordId id) {
-            if (accepted.contains(id))
+            if (hints[static_cast<size_t>(id) % kHints] && accepted.contains(id))
                 m_ids.push_back(id);
         });
     } while (last && m_ids.size() < accepted.size());
