@@ -15,5 +15,5 @@ function(taksavaihe_test name)
     target_link_libraries(${name} PRIVATE taksavaihe_flags ${TEST_USES} test_support GTest::gtest)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
         PROPERTIES TIMEOUT 300
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-config;TAKSAVAIHE_BIN=${CMAKE_BINARY_DIR}/bin;TAKSAVAIHE_SOURCE=${CMAKE_SOURCE_DIR}")
+        ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
 endfunction()

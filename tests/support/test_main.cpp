@@ -10,6 +10,8 @@ int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
+    if (qEnvironmentVariableIsEmpty("TAKSAVAIHE_BIN"))  // where the programs under test stand
+        qputenv("TAKSAVAIHE_BIN", QCoreApplication::applicationDirPath().toLocal8Bit());
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
