@@ -210,14 +210,14 @@ bool TBtrHakuForm::searchRecords(std::function<bool(const data::StoredRecord&)> 
         HakuLabel->show();
         WaitWindow wait(this);
         if (wasVisible)
-            QWidget::setVisible(false);
+            QWidget::setVisible(false);  // NOLINT(bugprone-parent-virtual-call): as said above
         wait.show();
         wait.goOn(0);
         const auto back = qScopeGuard([&] {
             wait.hide();
             HakuLabel->hide();
             if (wasVisible) {
-                QWidget::setVisible(true);
+                QWidget::setVisible(true);  // NOLINT(bugprone-parent-virtual-call): as above
                 raise();
                 activateWindow();
             }

@@ -29,11 +29,10 @@ const LookupCache::Row* LookupCache::find(const data::KeyValues& values) {
     const QString key = cacheKey(values);
     const Entry* entry = m_rows.object(key);
     if (entry == nullptr) {
-        std::unique_ptr<Entry> fresh = read(values);
-        entry = fresh.get();
-        m_rows.insert(key, fresh.release());
+        m_rows.insert(key, read(values).release());
+        entry = m_rows.object(key);
     }
-    return entry->found ? &entry->row : nullptr;
+    return entry != nullptr && entry->found ? &entry->row : nullptr;
 }
 
 void LookupCache::open() {

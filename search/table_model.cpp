@@ -92,8 +92,10 @@ const StoredRecord* TableModel::find(qint64 row) const {
         } catch (const data::DataError& error) {
             tellFailure(framework::errorText(error));
         }
-        page = fresh.get();
         m_pages.insert(number, fresh.release());
+        page = m_pages.object(number);
+        if (page == nullptr)
+            return nullptr;
     }
     const auto place = static_cast<size_t>(row % kPageRows);
     if (place >= page->size() || (*page)[place].bytes.isEmpty()) {

@@ -10,7 +10,7 @@ namespace company {
 
 QString dictionaryModuleName() {
     for (const QString& folder : {QCoreApplication::applicationDirPath(), userSettingsFolder()}) {
-        const QString name = folder + QStringLiteral("/SANAKIRJA.DAT");
+        QString name = folder + QStringLiteral("/SANAKIRJA.DAT");
         if (QFileInfo::exists(name))
             return name;
     }

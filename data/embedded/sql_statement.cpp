@@ -61,7 +61,7 @@ EmbeddedSqlStatement::EmbeddedSqlStatement(std::shared_ptr<Connection> connectio
         m_columns.push_back({QString::fromUtf8(sqlite3_column_name(m_statement, i))});
     for (int i = 1; i <= sqlite3_bind_parameter_count(m_statement); ++i)
         m_parameters.append(parameterName(m_statement, i));
-    m_distinct = parameterNames().size() == m_parameters.size();
+    m_distinct = EmbeddedSqlStatement::parameterNames().size() == m_parameters.size();
 }
 
 EmbeddedSqlStatement::~EmbeddedSqlStatement() {

@@ -41,7 +41,7 @@ TAlvMuutosLomake::TAlvMuutosLomake(data::Database& database, QWidget* parent)
     connectControls();
     fitToScreen();
     restoreLastState();
-    afterLoad();
+    TAlvMuutosLomake::afterLoad();
 }
 
 bool TAlvMuutosLomake::unattended() const {
