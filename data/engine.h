@@ -147,6 +147,11 @@ class Database {
     /// How long a statement or post waits for somebody else's record lock. Default 2000 ms.
     virtual void setLockWait(std::chrono::milliseconds wait) = 0;
 
+    /// False where records and SQL reach the engine as two sessions, so that a lock taken with
+    /// RecordFile::lock() stops the same program's statements too: it has to be given back before
+    /// a statement that writes the record.
+    virtual bool statementsPassRecordLocks() const { return true; }
+
     /// Marks that a run is going on in this company. @return false when another process has done
     /// so. The mark vanishes with its process.
     virtual bool beginRun() = 0;

@@ -88,13 +88,23 @@ DataError::DataError(ErrorKind kind, QString table, QString detail, int nativeCo
       m_detail(std::move(detail)),
       m_nativeCode(nativeCode) {}
 
+DataError DataError::inFinnish(const QString& detail, const QString& remedy) const {
+    DataError error(*this);
+    error.m_finnishDetail = detail;
+    error.m_finnishRemedy = remedy;
+    return error;
+}
+
 QString DataError::finnish() const {
     const Wording& wording = wordingOf(m_kind);
-    QString line = compose(wording.finnish, oneLine(m_table), oneLine(m_detail), m_nativeCode,
-                           QStringLiteral("virhekoodi"));
+    QString line = compose(wording.finnish, oneLine(m_table),
+                           oneLine(m_finnishDetail.isEmpty() ? m_detail : m_finnishDetail),
+                           m_nativeCode, QStringLiteral("virhekoodi"));
     if (!line.endsWith(QLatin1Char('.')))
         line += QLatin1Char('.');
-    return line + QLatin1Char(' ') + QString::fromUtf16(wording.remedy);
+    return line + QLatin1Char(' ') +
+           (m_finnishRemedy.isEmpty() ? QString::fromUtf16(wording.remedy)
+                                      : oneLine(m_finnishRemedy));
 }
 
 QString DataError::english() const {

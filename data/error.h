@@ -38,6 +38,10 @@ class DataError : public std::runtime_error {
     /// The engine's own code; 0 when it has none.
     int nativeCode() const { return m_nativeCode; }
 
+    /// The same error with texts of its own for finnish(): the detail and, unless empty, what to do
+    /// about it (whole sentences) in place of the kind's usual advice.
+    DataError inFinnish(const QString& detail, const QString& remedy = QString()) const;
+
     /// One line in Finnish: what, where, and what to do about it. For windows and the logs.
     QString finnish() const;
     /// One line in English, for the command line tools; also what what() holds as UTF-8.
@@ -48,6 +52,8 @@ class DataError : public std::runtime_error {
     QString m_table;
     QString m_detail;
     int m_nativeCode;
+    QString m_finnishDetail;
+    QString m_finnishRemedy;
 };
 
 }  // namespace data

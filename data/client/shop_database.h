@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <chrono>
+#include <memory>
+
+#include "data/engine.h"
+
+namespace data::client {
+
+/// Where a company of the shops' engine is found. Its name is both the record engine's database
+/// name and the ODBC data source, unless the latter is given.
+struct ShopDatabaseSettings {
+    QString name;
+    QString folder;         ///< data folder; the run's mark is a lock on a file of it
+    QString ownerName;      ///< owner name of the record files; mostly empty
+    QString server;         ///< host that the record engine runs on; empty: this machine
+    QString clientLibrary;  ///< the record engine's client library; empty: its usual names
+    QString dataSource;     ///< ODBC data source; empty: `name`
+    QString userName;       ///< of the data source and the database; mostly empty
+    QString password;
+    QString odbcAttributes;  ///< more of the ODBC connection string
+    /// An attempt to connect, and a single call, end in an error after this time.
+    std::chrono::milliseconds connectLimit{15000};
+    std::chrono::milliseconds statementLimit{60000};
+};
+
+/// Opens a company of the shops' engine: its records over the client library, its SQL over ODBC.
+/// @throws DataError(NoConnection) when the client library, the database or the data source cannot
+/// be reached, saying in Finnish what was looked for and which setting names another.
+std::unique_ptr<Database> openShopDatabase(const ShopDatabaseSettings& settings);
+
+}  // namespace data::client
