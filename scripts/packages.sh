@@ -1,7 +1,7 @@
 # shellcheck shell=bash disable=SC2034
 # The Debian packages that the scripts need; sourced by them.
 
-packages_build="g++ cmake ninja-build ccache qt6-base-dev libsqlite3-dev
+packages_build="g++ cmake ninja-build ccache qt6-base-dev libsqlite3-dev unixodbc-dev
     fonts-dejavu-core"
 packages_test="libgtest-dev libgmock-dev git python3 xvfb"
 packages_lint="clang clang-format clang-tidy"

@@ -1,3 +1,4 @@
+#include "data/sql/sql_scan.h"
 #include "data/sql/uni_query.h"
 
 namespace data {
@@ -12,9 +13,9 @@ bool isNamePart(QChar c) {
     return c.isLetterOrNumber() || c == QLatin1Char('_');
 }
 
-// The place behind a quoted text or name, a comment, or a single character. A doubled quote inside
-// a text counts as the end of one and the start of the next, which comes to the same.
-qsizetype behind(const QString& sql, qsizetype at) {
+}  // namespace
+
+qsizetype behindSqlPiece(const QString& sql, qsizetype at) {
     const auto after = [&](QLatin1String end, qsizetype from) {
         const qsizetype found = sql.indexOf(end, from);
         return found < 0 ? sql.size() : found + end.size();
@@ -32,18 +33,21 @@ qsizetype behind(const QString& sql, qsizetype at) {
     return at + 1;
 }
 
-}  // namespace
+qsizetype sqlParameterLength(const QString& sql, qsizetype at) {
+    if (sql.at(at) != QLatin1Char(':') || at + 1 >= sql.size() || !isNameStart(sql.at(at + 1)))
+        return 0;
+    qsizetype end = at + 1;
+    while (end < sql.size() && isNamePart(sql.at(end)))
+        ++end;
+    return end - at;
+}
 
 QStringList parameterNames(const QString& sql) {
     QStringList names;
-    for (qsizetype at = 0; at < sql.size(); at = behind(sql, at)) {
-        if (sql.at(at) != QLatin1Char(':') || at + 1 >= sql.size() || !isNameStart(sql.at(at + 1)))
-            continue;
-        qsizetype end = at + 1;
-        while (end < sql.size() && isNamePart(sql.at(end)))
-            ++end;
-        const QString name = sql.mid(at + 1, end - at - 1);
-        if (!names.contains(name, Qt::CaseInsensitive))
+    for (qsizetype at = 0; at < sql.size(); at = behindSqlPiece(sql, at)) {
+        const qsizetype length = sqlParameterLength(sql, at);
+        const QString name = sql.mid(at + 1, length - 1);
+        if (length > 0 && !names.contains(name, Qt::CaseInsensitive))
             names.append(name);
     }
     return names;

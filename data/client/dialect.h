@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+#include "data/error.h"
+
+namespace data::client {
+
+/// A statement as one driver takes it.
+struct RewrittenSql {
+    QString text;            ///< parameters written as "?"
+    QStringList parameters;  ///< the name of each "?", without the colon, as written
+    bool returnsRows = false;
+};
+
+/// What is peculiar to a SQL engine and its ODBC driver; callers write the shops' engine's SQL and
+/// know none of it.
+struct Dialect {
+    enum class Text { Windows1252, Utf8 };
+    enum class Top { Kept, Limit };
+
+    const char* name;          ///< for traces and messages
+    const char* databaseName;  ///< how the driver's SQL_DBMS_NAME begins, case ignored
+    Text text;                 ///< 8-bit texts of the ANSI calls
+    Top top;                   ///< "select top N" or "... LIMIT N"
+    bool quotesDollarNames;    ///< x$file has to be "x$file"
+    bool roundsToWhole;        ///< round() and floor() give something else than doubles: spelt out
+    bool emptyDateIsNull;      ///< date columns hold NULL where the shops' hold the empty date
+    bool recordLocksStopSql;   ///< a record lock of the client library stops this program's SQL too
+    const char* onConnect;     ///< statement run on each new connection; nullptr: none
+    const char* lockWait;      ///< statement that sets the lock wait, %1 its seconds; nullptr: none
+
+    /// `isDateColumn` tells the dates of a database whose empty date is NULL.
+    RewrittenSql rewritten(const QString& sql,
+                           const std::function<bool(const QString&)>& isDateColumn) const;
+};
+
+/// The dialect of a driver by its SQL_DBMS_NAME; an unknown one is taken for the shops' engine.
+const Dialect& dialectFor(const QString& databaseName);
+
+/// What a driver's error means. `native` and `message` are the driver's own.
+ErrorKind odbcErrorKind(const Dialect& dialect, const QByteArray& state, int native,
+                        const QString& message);
+
+}  // namespace data::client
