@@ -121,6 +121,8 @@ void TAlvMuutosMt::MuutaMtRivi(bool special) {
     f.kate.set(row.kate);
     f.kateAlv0.set(row.kateAlv0);
     MtRiviTable.post();
+    if (m_ports.rowChanged)
+        m_ports.rowChanged();
 }
 
 void TAlvMuutosMt::LaskeMtSummat() {
@@ -228,6 +230,8 @@ void TAlvMuutosMt::MuutaOtRivi() {
     f.rowSumma.set(row.summa);
     tracePrice(QStringLiteral("Jälkseen: "));
     OtRiviTable.post();
+    if (m_ports.rowChanged)
+        m_ports.rowChanged();
 }
 
 void TAlvMuutosMt::LaskeOtSummat() {

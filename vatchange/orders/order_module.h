@@ -17,6 +17,7 @@ struct OrderPorts {
     std::function<void(const QString& text)> showMessage;     ///< NaytaViesti of the form
     std::function<void(const QString& text)> status;          ///< status line
     std::function<void(qint64 done, qint64 total)> progress;  ///< orders
+    std::function<void()> rowChanged;                         ///< a row was posted; may be empty
     std::function<void(const QString& text)> trace;           ///< debugger output; may be empty
     std::function<bool()> cancelled;                          ///< asked between two rows
     std::function<double(int vatClass)> ratePercent;          ///< 0 for a class that ALVKANTA lacks

@@ -24,8 +24,10 @@ bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
         step();
         return true;
     } catch (const std::exception& error) {
+        const QString text = wording.before + errorText(error) + wording.after;
         ++run.result.failedSteps;
-        run.ports.NaytaViesti(wording.before + errorText(error) + wording.after);
+        run.result.failures += text;
+        run.ports.NaytaViesti(text);
         return false;
     }
 }
@@ -102,6 +104,7 @@ void convertProductsAndGroups(RunContext& run, bool quantityDiscountColumns) {
         run.ports.log(QStringLiteral("Ennen virhettä muutettiin tuotteita ") +
                       QString::number(run.result.products) + QStringLiteral(" kpl"));
     }
+    run.changedRows(QStringLiteral("Tuotteet")) = run.result.products;
     run.done +=
         QStringLiteral("tuotteet ") + QString::number(run.result.products) + QStringLiteral(" kpl");
 }
@@ -159,18 +162,17 @@ void runSteps(RunContext& run) {
         writeMark(run);
 }
 
-/// Claims the company for this run. @return false, the reason shown, when that is not possible.
-bool claimCompany(data::Database& database, RunPorts& ports) {
+/// Claims the company for this run. @return why that is not possible; empty when it is done.
+QString claimCompany(data::Database& database) {
     try {
         if (database.beginRun())
-            return true;
-        ports.NaytaViesti(QStringLiteral(
+            return {};
+        return QStringLiteral(
             "Yrityksen toinen ajo on kesken. Tätä ajoa ei aloiteta; yritä uudestaan, "
-            "kun se on päättynyt."));
+            "kun se on päättynyt.");
     } catch (const std::exception& error) {
-        ports.NaytaViesti(QStringLiteral("Ajoa ei voi aloittaa: ") + errorText(error));
+        return QStringLiteral("Ajoa ei voi aloittaa: ") + errorText(error);
     }
-    return false;
 }
 
 void releaseCompany(data::Database& database, RunPorts& ports) {
@@ -185,8 +187,10 @@ void releaseCompany(data::Database& database, RunPorts& ports) {
 
 RunResult runChange(data::Database& database, const ChangeDefinition& definition, RunPorts& ports) {
     RunResult result;
-    if (!claimCompany(database, ports)) {
+    result.refusal = claimCompany(database);
+    if (!result.refusal.isEmpty()) {
         result.refused = true;
+        ports.NaytaViesti(result.refusal);
         return result;
     }
     RunContext run(database, definition, ports, result);

@@ -1,12 +1,21 @@
 #pragma once
 
+#include <QString>
 #include <QStringList>
+#include <deque>
 
 #include "data/engine.h"
 #include "vatchange/rules/change_definition.h"
 #include "vatchange/run/run_ports.h"
 
 namespace vatchange {
+
+/// Rows that a run has changed, by what they are ("Kampanjarivit"); what a step changed before it
+/// failed is counted.
+struct ChangedRows {
+    QString what;
+    qint64 rows = 0;
+};
 
 /// How a run of one definition ended.
 struct RunResult {
@@ -17,6 +26,14 @@ struct RunResult {
     int skippedProducts = 0;  ///< products whose record was locked by somebody else
     qint64 products = 0;      ///< products converted
     bool markWritten = false;
+
+    /// Of the products that were skipped, this many are listed by number.
+    static constexpr int kListedProducts = 500;
+    QStringList skippedNumbers;
+    std::deque<ChangedRows> changed;  ///< in the order of the steps that were taken
+    QStringList failures;             ///< what the failed steps reported, in their order
+    QString refusal;                  ///< why the run was refused
+
     /// Everything went through: exit status 0.
     bool clean() const {
         return !refused && !cancelled && failedSteps == 0 && skippedProducts == 0;

@@ -11,16 +11,18 @@ const QDateTime& changeMoment() {
 }
 
 /// The change must not be run by mistake before the rates have changed.
-bool dateAllowsRun(RunPorts& ports) {
+bool dateAllowsRun(RunPorts& ports, QString& refusal) {
     if (ports.skipEarlyDateCheck() || data::Clock::now() >= changeMoment())
         return true;
     const QString warning =
         QStringLiteral("Olet vaihtamassa veroluokkaa, vaikka kuukausi ei ole vielä vaihtunut!");
     if (ports.unattended()) {
         ports.log(warning);
-        return false;
+    } else if (ports.ask(warning + QStringLiteral("\r\rJatketaanko?"))) {
+        return true;
     }
-    return ports.ask(warning + QStringLiteral("\r\rJatketaanko?"));
+    refusal = warning;
+    return false;
 }
 
 /// What is wrong with the definition's VAT classes; empty when nothing is.
@@ -43,7 +45,7 @@ QString classProblem(const RunContext& run) {
 }  // namespace
 
 bool checkDefinition(RunContext& run) {
-    if (!dateAllowsRun(run.ports))
+    if (!dateAllowsRun(run.ports, run.result.refusal))
         return false;
     QString problem;
     try {
@@ -53,6 +55,7 @@ bool checkDefinition(RunContext& run) {
         problem = QStringLiteral("Virhe alv-luokkien lukemisessa: ") + errorText(error);
     }
     if (!problem.isEmpty()) {
+        run.result.refusal = problem;
         run.ports.NaytaViesti(problem);
         return false;
     }

@@ -32,7 +32,7 @@ void convertCustomerPriceLists(RunContext& run) {
 
     data::TUniQuery update(&run.database);
     update.sql().add(kCustomerPriceUpdate);
-    qint64 converted = 0;
+    qint64& converted = run.changedRows(QStringLiteral("Asiakashinnastojen rivit"));
     const auto convertRow = [&] {
         const AmountChange price{oldPrice.asFloat(), run.prices.dependentPrice(oldPrice.asFloat())};
         AmountChange priceVat0{oldPriceVat0.asFloat(), oldPriceVat0.asFloat()};
@@ -75,6 +75,7 @@ void convertCampaigns(RunContext& run) {
 
     data::TUniQuery update(&run.database);
     update.sql().add(kCampaignUpdate);
+    qint64& converted = run.changedRows(QStringLiteral("Kampanjarivit"));
     const auto convertRow = [&] {
         const AmountChange sales{oldSales.asFloat(), run.prices.dependentPrice(oldSales.asFloat())};
         const AmountChange purchase{oldPurchase.asFloat(),
@@ -84,6 +85,7 @@ void convertCampaigns(RunContext& run) {
         update.paramByName(QStringLiteral("tuote")).setString(product.asString());
         update.paramByName(QStringLiteral("rivi")).setInteger(row.asInteger());
         update.execSql();
+        ++converted;
         run.ports.log(campaignLine(product.asString(), row.asInteger(), sales, purchase));
     };
     rowsDone(run, QStringLiteral("kampanjat"), run.walk(rows, convertRow));
@@ -104,6 +106,7 @@ void convertRecurringInvoices(RunContext& run) {
 
     data::TUniQuery update(&run.database);
     update.sql().add(kRecurringInvoiceUpdate);
+    qint64& converted = run.changedRows(QStringLiteral("Toistuvaislaskutuksen rivit"));
     const auto convertRow = [&] {
         run.ports.status(QStringLiteral("Vakiolaskutus asiakas ") +
                          QString::number(customer.asInteger()));
@@ -116,6 +119,7 @@ void convertRecurringInvoices(RunContext& run) {
         update.paramByName(QStringLiteral("uusiostohinta")).setFloat(purchase.after);
         update.paramByName(QStringLiteral("id")).setInteger(id.asInteger());
         update.execSql();
+        ++converted;
         run.ports.log(
             recurringInvoiceLine(customer.asInteger(), product.asString(), price, total, purchase));
     };
@@ -135,6 +139,7 @@ void convertQuantityDiscounts(RunContext& run) {
 
     data::TUniQuery update(&run.database);
     update.sql().add(kQuantityDiscountUpdate);
+    qint64& converted = run.changedRows(QStringLiteral("Määräalennukset"));
     const auto convertRow = [&] {
         const AmountChange value{oldValue.asFloat(), run.prices.dependentPrice(oldValue.asFloat())};
         const AmountChange purchase{oldPurchase.asFloat(),
@@ -143,6 +148,7 @@ void convertQuantityDiscounts(RunContext& run) {
         update.paramByName(QStringLiteral("ostohinta")).setFloat(purchase.after);
         update.paramByName(QStringLiteral("numero")).setInteger(number.asInteger());
         update.execSql();
+        ++converted;
         run.ports.log(quantityDiscountLine(name.asString(), number.asInteger(), value, purchase));
     };
     rowsDone(run, QStringLiteral("määräalet"), run.walk(rows, convertRow));

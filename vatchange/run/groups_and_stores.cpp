@@ -4,7 +4,7 @@
 namespace vatchange {
 
 void updateProductGroups(RunContext& run) {
-    qint64 rows = 0;
+    qint64& rows = run.changedRows(QStringLiteral("Tuoteryhmien alv-kentät"));
     for (const GroupUpdate& update : groupUpdates(run.definition)) {
         if (!update.status.isEmpty())
             run.ports.status(update.status);
@@ -39,12 +39,14 @@ void updateStorePrices(RunContext& run) {
     const auto& product = rows.fieldByName(QStringLiteral("tuote"));
     data::TUniQuery update(&run.database);
     update.sql().add(storePriceUpdate(assignments));
+    qint64& changed = run.changedRows(QStringLiteral("Myymälähintojen rivit"));
     const qint64 visited = run.walk(rows, [&] {
         const QString number = product.asString();
         run.ports.status(QStringLiteral("myymalahinnat ") + QString::number(store.asInteger()) +
                          u' ' + number);
         update.paramByName(QStringLiteral("t")).setString(number);
         update.execSql();
+        ++changed;
     });
     run.done +=
         QStringLiteral("myymälähinnat ") + QString::number(visited) + QStringLiteral(" riviä");

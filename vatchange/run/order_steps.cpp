@@ -11,7 +11,7 @@ namespace {
 // Off unless QT_LOGGING_RULES="taksavaihe.orders.debug=true": one line a row.
 Q_LOGGING_CATEGORY(kOrderTrace, "taksavaihe.orders", QtWarningMsg)
 
-OrderPorts orderPorts(RunContext& run) {
+OrderPorts orderPorts(RunContext& run, const QString& rows) {
     OrderPorts ports;
     ports.log = [&run](const QString& line) { run.ports.log(line); };
     ports.showMessage = [&run](const QString& text) { run.ports.NaytaViesti(text); };
@@ -19,6 +19,7 @@ OrderPorts orderPorts(RunContext& run) {
     ports.progress = [&run](qint64 done, qint64 total) { run.ports.progress(done, total); };
     if (kOrderTrace().isDebugEnabled())
         ports.trace = [](const QString& text) { qCDebug(kOrderTrace).noquote() << text; };
+    ports.rowChanged = [&counter = run.changedRows(rows)] { ++counter; };
     ports.cancelled = [&run] { return run.stopRequested(); };
     ports.ratePercent = [&run](int vatClass) { return run.classes.ratePercent(vatClass); };
     return ports;
@@ -42,7 +43,8 @@ void convertSalesOrders(RunContext& run) {
     arguments.salesCoefficient = definition.salesOrderCoefficient;
     arguments.targetClass = definition.targetClass;
     arguments.deliveryLimit = definition.salesOrderDeliveryLimit;
-    AlvMuutosMyyntitilauksiin(run.database, arguments, orderPorts(run));
+    AlvMuutosMyyntitilauksiin(run.database, arguments,
+                              orderPorts(run, QStringLiteral("Myyntitilausten rivit")));
     orderStepDone(run, QStringLiteral("myyntitilaukset"));
 }
 
@@ -56,7 +58,8 @@ void convertPurchaseOrders(RunContext& run) {
     arguments.sourceClass = definition.sourceClass;
     arguments.purchaseCoefficient = definition.purchaseOrderCoefficient;
     arguments.targetClass = definition.targetClass;
-    AlvMuutosOstotilauksiin(run.database, arguments, orderPorts(run));
+    AlvMuutosOstotilauksiin(run.database, arguments,
+                            orderPorts(run, QStringLiteral("Ostotilausten rivit")));
     orderStepDone(run, QStringLiteral("ostotilaukset"));
 }
 

@@ -17,7 +17,7 @@ void checkProductCodes(RunContext& run) {
     const auto& name = rows.fieldByName(QStringLiteral("nimi"));
     WebShopMarks marks(run.database, run.ports);
     data::TUniQuery update(&run.database);
-    qint64 removed = 0;
+    qint64& removed = run.changedRows(QStringLiteral("Verkkokaupasta poistetut tuotteet"));
 
     /// @return false when somebody else holds the product's record.
     const auto takeOff = [&](const QString& code) {
@@ -30,9 +30,7 @@ void checkProductCodes(RunContext& run) {
             if (error.kind() != data::ErrorKind::Locked)
                 throw;
         }
-        run.ports.log(QStringLiteral("Virhe tuotteen päivityksessä: ") + code +
-                      QStringLiteral(" tuotetta ei voi muokata"));
-        ++run.result.skippedProducts;
+        run.passOverProduct(code);
         return false;
     };
     run.walk(rows, [&] {
@@ -45,8 +43,12 @@ void checkProductCodes(RunContext& run) {
             marks.mark(code, u'P');
         ++removed;
     });
-    if (marks.failed())
+    if (!marks.failure().isEmpty()) {
         ++run.result.failedSteps;
+        run.result.failures += marks.failure();
+    }
+    if (marks.written() > 0)
+        run.changedRows(QStringLiteral("Verkkokaupan muutosmerkinnät")) += marks.written();
     run.ports.log(QStringLiteral("Verkkokauppa -valinta poistettiin ") + QString::number(removed) +
                   QStringLiteral(" tuotteelta"));
     run.done += QStringLiteral("verkkokaupasta poistettuja tuotteita ") + QString::number(removed);

@@ -121,7 +121,19 @@ class ProductConversion {
         return true;
     }
 
-    bool hasFailures() const { return m_labels.failed() || m_marks.failed(); }
+    /// Tells the result what went besides the products themselves.
+    void finish() {
+        for (const QString& failure : {m_labels.failure(), m_marks.failure()}) {
+            if (!failure.isEmpty())
+                m_run.result.failures += failure;
+        }
+        if (!m_labels.failure().isEmpty() || !m_marks.failure().isEmpty())
+            ++m_run.result.failedSteps;
+        if (m_labels.written() > 0)
+            m_run.changedRows(QStringLiteral("Hyllynreunaetiketit")) += m_labels.written();
+        if (m_marks.written() > 0)
+            m_run.changedRows(QStringLiteral("Verkkokaupan muutosmerkinnät")) += m_marks.written();
+    }
 
   private:
     /// @return false when the product was passed over.
@@ -130,9 +142,7 @@ class ProductConversion {
             case ProductRecords::Outcome::Gone:
                 return false;
             case ProductRecords::Outcome::HeldByOther:
-                m_run.ports.log(QStringLiteral("Virhe tuotteen päivityksessä: ") + number +
-                                QStringLiteral(" tuotetta ei voi muokata"));
-                ++m_run.result.skippedProducts;
+                m_run.passOverProduct(number);
                 return false;
             case ProductRecords::Outcome::Locked:
                 break;
@@ -141,6 +151,8 @@ class ProductConversion {
         if (!product.classes.any())
             return false;
         converted = m_run.prices.convert(product.prices);
+        if (!m_run.database.statementsPassRecordLocks())
+            m_records.release();
         m_updates.of(product.classes).run(number, converted);
         return true;
     }
@@ -168,8 +180,7 @@ void convertProducts(RunContext& run, bool quantityDiscountColumns) {
             break;
         run.ports.progress(++visited, total);
     }
-    if (conversion.hasFailures())
-        ++run.result.failedSteps;
+    conversion.finish();
     if (!run.result.cancelled) {
         run.ports.NaytaViesti(QStringLiteral("Tuotetiedot muutettu ( ") +
                               QString::number(run.result.products) + QStringLiteral(" kpl)"));

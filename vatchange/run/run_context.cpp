@@ -31,6 +31,22 @@ RunContext::RunContext(data::Database& companyDatabase, const ChangeDefinition& 
       prices(change),
       condition(selectionCondition(change)) {}
 
+qint64& RunContext::changedRows(const QString& what) {
+    for (ChangedRows& counter : result.changed) {
+        if (counter.what == what)
+            return counter.rows;
+    }
+    return result.changed.emplace_back(ChangedRows{what, 0}).rows;
+}
+
+void RunContext::passOverProduct(const QString& number) {
+    ports.log(QStringLiteral("Virhe tuotteen päivityksessä: ") + number +
+              QStringLiteral(" tuotetta ei voi muokata"));
+    ++result.skippedProducts;
+    if (result.skippedNumbers.size() < RunResult::kListedProducts)
+        result.skippedNumbers += number;
+}
+
 bool RunContext::stopRequested() {
     ports.breathe();
     if (ports.cancelled())

@@ -41,6 +41,11 @@ struct RunContext {
     double targetFactor = 1.0;  ///< VAT factor of the target class
     QStringList done;           ///< what each step has changed, for the message of a stopped run
 
+    /// The counter of a kind of changed rows; new ones begin at 0. Valid as long as the result.
+    qint64& changedRows(const QString& what);
+    /// A product whose record somebody else holds: logged, counted and listed.
+    void passOverProduct(const QString& number);
+
     /// Between two rows: lets window messages be processed, then tells whether to stop.
     bool stopRequested();
 

@@ -30,14 +30,17 @@ ShelfLabels::ShelfLabels(data::Database& database, RunPorts& ports, bool quantit
 bool ShelfLabels::write(const QString& number, qint64 labels) {
     try {
         bind(m_update, number, labels);
-        if (m_update.execSql() > 0)
+        if (m_update.execSql() > 0) {
+            ++m_written;
             return true;
+        }
     } catch (const std::exception& error) {
         return goOnAfter(QStringLiteral("Virhe hr päivityksessä "), error);
     }
     try {
         bind(m_insert, number, labels);
         m_insert.execSql();
+        ++m_written;
         return true;
     } catch (const std::exception& error) {
         return goOnAfter(QStringLiteral("Virhe hr lisäyksessä "), error);
@@ -45,8 +48,10 @@ bool ShelfLabels::write(const QString& number, qint64 labels) {
 }
 
 bool ShelfLabels::goOnAfter(const QString& text, const std::exception& error) {
-    m_failed = true;
-    m_ports.NaytaViesti(text + errorText(error));
+    const QString report = text + errorText(error);
+    if (m_failure.isEmpty())
+        m_failure = report;
+    m_ports.NaytaViesti(report);
     return !m_ports.unattended() && m_ports.ask(QStringLiteral("Jatketaanko? "));
 }
 

@@ -13,8 +13,10 @@ class ShelfLabels {
     /// @return false when a statement failed and the step must end: the failure has been shown, and
     /// there was nobody to go on, or the user would not.
     bool write(const QString& number, qint64 labels);
-    /// A statement has failed, whether or not the user went on.
-    bool failed() const { return m_failed; }
+    /// What the first statement that failed reported, whether or not the user went on; empty when
+    /// none has.
+    const QString& failure() const { return m_failure; }
+    qint64 written() const { return m_written; }
 
   private:
     bool goOnAfter(const QString& text, const std::exception& error);
@@ -22,7 +24,8 @@ class ShelfLabels {
     RunPorts& m_ports;
     data::TUniQuery m_update;
     data::TUniQuery m_insert;
-    bool m_failed = false;
+    QString m_failure;
+    qint64 m_written = 0;
 };
 
 /// Reads the label table's columns. @return whether it has those of quantity discounts.

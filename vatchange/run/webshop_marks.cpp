@@ -6,13 +6,18 @@ WebShopMarks::WebShopMarks(data::Database& database, RunPorts& ports)
     : m_ports(ports), m_writer(database) {}
 
 void WebShopMarks::mark(const QString& productNumber, QChar letter) {
-    m_writer.mark(QStringLiteral("TUOTE"), productNumber, letter, [this](const QString& text) {
-        if (m_failed)
-            m_ports.log(text);
-        else
+    bool done = true;
+    m_writer.mark(QStringLiteral("TUOTE"), productNumber, letter, [&](const QString& text) {
+        done = false;
+        if (m_failure.isEmpty()) {
+            m_failure = text;
             m_ports.NaytaViesti(text);
-        m_failed = true;
+        } else {
+            m_ports.log(text);
+        }
     });
+    if (done)
+        ++m_written;
 }
 
 }  // namespace vatchange

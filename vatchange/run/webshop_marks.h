@@ -13,12 +13,15 @@ class WebShopMarks {
     WebShopMarks(data::Database& database, RunPorts& ports);
 
     void mark(const QString& productNumber, QChar letter);
-    bool failed() const { return m_failed; }
+    /// What the first mark that failed reported; empty when none has.
+    const QString& failure() const { return m_failure; }
+    qint64 written() const { return m_written; }
 
   private:
     RunPorts& m_ports;
     framework::WebShopMarkWriter m_writer;
-    bool m_failed = false;
+    QString m_failure;
+    qint64 m_written = 0;
 };
 
 }  // namespace vatchange
