@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "data/dictionary/field_cache_item.h"
+#include "data/record/record_layout.h"
 
 namespace data {
 
@@ -23,6 +24,9 @@ struct TableSource {
     QString name;  ///< as its author wrote it
     std::vector<TFieldCacheItem> fields;
     std::vector<KeySource> keys;
+    /// The keys of a table whose open file tells them in full, instead of `keys`: segment by
+    /// segment, by the fields' places in `fields`.
+    std::vector<KeyDef> keyDefs = {};
 
     /// End of the last field: the record length of the embedded engine's table.
     int span() const;

@@ -117,7 +117,7 @@ int Connection::authorize(void* self, int action, const char* first, const char*
 const Catalogue& Connection::catalogue() {
     if (!m_catalogue) {
         const InternalUse internal(*this);
-        m_catalogue = std::make_unique<Catalogue>(db());
+        m_catalogue = std::make_unique<Catalogue>(readCatalogue(db()));
     }
     return *m_catalogue;
 }

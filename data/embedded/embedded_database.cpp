@@ -32,7 +32,7 @@ class EmbeddedDatabase : public Database {
     QString name() const override { return m_name; }
 
     QStringList tableNames() override {
-        QStringList names = Catalogue(m_connection->db()).tableNames();  // as it is now
+        QStringList names = readCatalogue(m_connection->db()).tableNames();  // as it is now
         names.sort(Qt::CaseInsensitive);
         return names;
     }
