@@ -13,6 +13,7 @@ namespace data::client {
 struct RewrittenSql {
     QString text;            ///< parameters written as "?"
     QStringList parameters;  ///< the name of each "?", without the colon, as written
+    QList<bool> dates;       ///< of each "?": it is a date where the empty date is NULL
     bool returnsRows = false;
 };
 
@@ -30,10 +31,11 @@ struct Dialect {
     bool roundsToWhole;        ///< round() and floor() give something else than doubles: spelt out
     bool emptyDateIsNull;      ///< date columns hold NULL where the shops' hold the empty date
     bool recordLocksStopSql;   ///< a record lock of the client library stops this program's SQL too
+    const char* attributes;    ///< more of the connection string; nullptr: none
     const char* onConnect;     ///< statement run on each new connection; nullptr: none
     const char* lockWait;      ///< statement that sets the lock wait, %1 its seconds; nullptr: none
 
-    /// `isDateColumn` tells the dates of a database whose empty date is NULL.
+    /// `isDateColumn` is asked when emptyDateIsNull: whether a column of that name is a date.
     RewrittenSql rewritten(const QString& sql,
                            const std::function<bool(const QString&)>& isDateColumn) const;
 };
