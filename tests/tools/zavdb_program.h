@@ -20,10 +20,14 @@ struct ProgramResult {
 /// Runs the built zavdb with settings and a working folder of its own.
 class ZavdbProgram : public ::testing::Test {
   protected:
-    ProgramResult run(const QStringList& arguments, const QStringList& environment = {}) {
+    static QString program() {
         QString folder = qEnvironmentVariable("TAKSAVAIHE_BIN");
         if (folder.isEmpty())
             folder = QCoreApplication::applicationDirPath();
+        return folder + QStringLiteral("/zavdb");
+    }
+
+    ProgramResult run(const QStringList& arguments, const QStringList& environment = {}) {
         QProcess process;
         QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
         variables.insert(QStringLiteral("XDG_CONFIG_HOME"), path("config"));
@@ -31,7 +35,7 @@ class ZavdbProgram : public ::testing::Test {
             variables.insert(setting.section(u'=', 0, 0), setting.section(u'=', 1));
         process.setProcessEnvironment(variables);
         process.setWorkingDirectory(m_folder.path());
-        process.start(folder + QStringLiteral("/zavdb"), arguments);
+        process.start(program(), arguments);
         ProgramResult result;
         if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit) {
             ADD_FAILURE() << "zavdb " << arguments.join(u' ').toStdString() << ": "

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <algorithm>
 #include <functional>
+#include <optional>
 
 #include "data/record/record_codec.h"
 #include "tools/zavdb/command.h"
@@ -89,6 +90,21 @@ void requireSameTables(const Catalogue& before, const Catalogue& after) {
                     QStringLiteral("Nothing was imported: the catalogue would no longer describe "
                                    "table %1 as it is stored.")
                         .arg(it.key()));
+}
+
+void changeTable(data::Database& database, const data::RecordFile& table,
+                 const std::function<void()>& change) {
+    std::optional<CatalogueReader> catalogue;
+    Catalogue before;
+    if (isCatalogueTable(table.layout().tableName())) {
+        catalogue.emplace(database);
+        before = catalogue->read();
+    }
+    database.inTransaction([&] {
+        change();
+        if (catalogue)
+            requireSameTables(before, catalogue->read());
+    });
 }
 
 }  // namespace tools

@@ -3,6 +3,7 @@
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <memory>
 
 #include "data/engine.h"
@@ -30,5 +31,10 @@ class CatalogueReader {
 /// The stored tables stay as they are when rows of the catalogue are imported, so it has to say the
 /// same of them afterwards. @throws CommandError naming a table of which it does not.
 void requireSameTables(const Catalogue& before, const Catalogue& after);
+
+/// Runs a change of a table's rows as one transaction, which is undone when the rows are the
+/// catalogue's and say something else of the stored tables afterwards.
+void changeTable(data::Database& database, const data::RecordFile& table,
+                 const std::function<void()>& change);
 
 }  // namespace tools

@@ -9,6 +9,7 @@
 #include "app/company/connection_module.h"
 #include "app/company/dictionary_module.h"
 #include "tools/zavdb/csv.h"
+#include "tools/zavdb/sequential_file.h"
 
 namespace tools {
 
@@ -19,7 +20,7 @@ constexpr int kWrongUsage = 2;
 
 std::vector<Command> allCommands() {
     std::vector<Command> all = companyCommands();
-    for (auto* more : {&tableCommands, &transferCommands}) {
+    for (auto* more : {&tableCommands, &transferCommands, &copyCommands}) {
         std::vector<Command> part = more();
         std::move(part.begin(), part.end(), std::back_inserter(all));
     }
@@ -122,6 +123,8 @@ int runZavdb(const QStringList& arguments) {
     } catch (const data::DataError& error) {
         printError(error.english());
     } catch (const CsvError& error) {
+        printError(QString::fromUtf8(error.what()));
+    } catch (const SequentialFileError& error) {
         printError(QString::fromUtf8(error.what()));
     } catch (const std::bad_alloc&) {
         printError(QStringLiteral("Out of memory."));

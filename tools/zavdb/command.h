@@ -49,14 +49,16 @@ struct Command {
     int minArguments = 0;
     int maxArguments = 0;
     QList<QCommandLineOption> options;
-    /// @return the exit status. @throws CommandError, data::DataError, CsvError.
+    /// @return the exit status. @throws CommandError, data::DataError, CsvError,
+    /// SequentialFileError.
     std::function<int(const Arguments&)> run;
 };
 
 // The commands by subject; each list is one source file.
 std::vector<Command> companyCommands();   ///< create, demo, list, add, forget, backup, check
 std::vector<Command> tableCommands();     ///< tables, fields, dictionary, sql
-std::vector<Command> transferCommands();  ///< import, export
+std::vector<Command> transferCommands();  ///< import, export, load, save
+std::vector<Command> copyCommands();      ///< copy
 
 /// Parses the command line and runs the command. @return the exit status: 0, 1 for an error (told
 /// on standard error), 2 for wrong usage.

@@ -44,16 +44,6 @@ class NewFolder {
     bool m_kept = false;
 };
 
-void requireFreeFolder(const QString& folder) {
-    if (QFileInfo::exists(QDir(folder).filePath(data::kEmbeddedFileName)))
-        throw CommandError(QStringLiteral("The folder %1 holds a company already; \"zavdb add\" "
-                                          "registers it.")
-                               .arg(folder));
-    const QFileInfo info(folder);
-    if (info.exists() && !info.isDir())
-        throw CommandError(QStringLiteral("%1 is no folder.").arg(folder));
-}
-
 }  // namespace
 
 void requireFreeName(const QString& name) {
@@ -63,6 +53,16 @@ void requireFreeName(const QString& name) {
     if (const std::optional<company::Alias> taken = company::findAlias(name))
         throw CommandError(QStringLiteral("There is a company \"%1\" already (%2).")
                                .arg(taken->name, taken->physicalName));
+}
+
+void requireFreeFolder(const QString& folder) {
+    if (QFileInfo::exists(QDir(folder).filePath(data::kEmbeddedFileName)))
+        throw CommandError(QStringLiteral("The folder %1 holds a company already; \"zavdb add\" "
+                                          "registers it.")
+                               .arg(folder));
+    const QFileInfo info(folder);
+    if (info.exists() && !info.isDir())
+        throw CommandError(QStringLiteral("%1 is no folder.").arg(folder));
 }
 
 void registerCompany(const QString& name, const QString& folder) {

@@ -2,12 +2,12 @@
 
 #include <QFile>
 #include <algorithm>
-#include <optional>
 
 #include "data/record/record_codec.h"
 #include "tools/zavdb/catalogue_check.h"
 #include "tools/zavdb/command.h"
 #include "tools/zavdb/csv.h"
+#include "tools/zavdb/table_copy.h"
 
 namespace tools {
 
@@ -15,7 +15,6 @@ namespace {
 
 using data::TFieldCacheItem;
 
-constexpr int kRemoveBatch = 500;
 constexpr qsizetype kShownValue = 60;
 
 /// A value as an error message shows it: without line breaks, and not longer than a line.
@@ -196,17 +195,6 @@ class Importer {
     QByteArray m_empty;
 };
 
-void removeAll(data::RecordFile& records) {
-    for (;;) {
-        const std::vector<data::StoredRecord> batch =
-            records.fromEnd(0, data::Direction::Forward, kRemoveBatch);
-        if (batch.empty())
-            return;
-        for (const data::StoredRecord& record : batch)
-            records.remove(record.id);
-    }
-}
-
 }  // namespace
 
 qint64 importTable(data::Database& database, const QString& table, const QString& fileName,
@@ -216,20 +204,12 @@ qint64 importTable(data::Database& database, const QString& table, const QString
         throw CommandError(
             QStringLiteral("%1 cannot be read: %2").arg(fileName, file.errorString()));
     const std::unique_ptr<data::RecordFile> records = openTable(database, table);
-    std::optional<CatalogueReader> catalogue;
-    Catalogue before;
-    if (isCatalogueTable(records->layout().tableName())) {
-        catalogue.emplace(database);
-        before = catalogue->read();
-    }
     qint64 rows = 0;
     try {
-        database.inTransaction([&] {
+        changeTable(database, *records, [&] {
             if (replace)
                 removeAll(*records);
             rows = Importer(*records, fileName, file).run();
-            if (catalogue)
-                requireSameTables(before, catalogue->read());
         });
     } catch (const CsvError& error) {
         throw CommandError(fileName + QStringLiteral(", ") + QString::fromUtf8(error.what()));

@@ -1,8 +1,10 @@
 #include <QFile>
 #include <QSaveFile>
 #include <cstdio>
+#include <functional>
 
 #include "tools/zavdb/command.h"
+#include "tools/zavdb/sequential_transfer.h"
 #include "tools/zavdb/table_export.h"
 #include "tools/zavdb/table_import.h"
 
@@ -20,6 +22,21 @@ int importRows(const Arguments& arguments) {
     return 0;
 }
 
+/// Writes a new file through `write` and puts it in the place of an old one when it is whole.
+qint64 writeFile(const QString& fileName, const std::function<qint64(QIODevice&)>& write) {
+    QSaveFile output(fileName);
+    const auto refused = [&] {
+        return CommandError(
+            QStringLiteral("%1 cannot be written: %2").arg(fileName, output.errorString()));
+    };
+    if (!output.open(QIODevice::WriteOnly))
+        throw refused();
+    const qint64 rows = write(output);
+    if (!output.commit())
+        throw refused();
+    return rows;
+}
+
 int exportRows(const Arguments& arguments) {
     const std::unique_ptr<data::Database> database = openCompany(arguments.at(0));
     const std::unique_ptr<data::RecordFile> records = openTable(*database, arguments.at(1));
@@ -30,16 +47,29 @@ int exportRows(const Arguments& arguments) {
         exportTable(*records, output);
         return 0;
     }
-    const QString& fileName = arguments.at(2);
-    QSaveFile output(fileName);
-    if (!output.open(QIODevice::WriteOnly))
-        throw CommandError(
-            QStringLiteral("%1 cannot be written: %2").arg(fileName, output.errorString()));
-    const qint64 rows = exportTable(*records, output);
-    if (!output.commit())
-        throw CommandError(
-            QStringLiteral("%1 cannot be written: %2").arg(fileName, output.errorString()));
+    const qint64 rows = writeFile(arguments.at(2),
+                                  [&](QIODevice& output) { return exportTable(*records, output); });
     printLine(QStringLiteral("%1 exported.").arg(counted(rows, QStringLiteral("row"))));
+    return 0;
+}
+
+int loadRecords(const Arguments& arguments) {
+    const std::unique_ptr<data::Database> database = openCompany(arguments.at(0));
+    const LoadResult result = loadTable(*database, arguments.at(1), arguments.at(2));
+    printLine(QStringLiteral("%1 loaded%2.")
+                  .arg(counted(result.records, QStringLiteral("record")),
+                       result.hasEndMark ? QString()
+                                         : QStringLiteral("; the file has no end mark, so it may "
+                                                          "have lost records at its end")));
+    return 0;
+}
+
+int saveRecords(const Arguments& arguments) {
+    const std::unique_ptr<data::Database> database = openCompany(arguments.at(0));
+    const std::unique_ptr<data::RecordFile> records = openTable(*database, arguments.at(1));
+    const qint64 saved =
+        writeFile(arguments.at(2), [&](QIODevice& output) { return saveTable(*records, output); });
+    printLine(QStringLiteral("%1 saved.").arg(counted(saved, QStringLiteral("record"))));
     return 0;
 }
 
@@ -69,6 +99,29 @@ std::vector<Command> transferCommands() {
          3,
          {},
          exportRows},
+        {QStringLiteral("load"),
+         QStringLiteral("NAME TABLE FILE"),
+         QStringLiteral("Appends the records of a sequential file to a table, byte for byte"),
+         QStringLiteral(
+             "The file is an unformatted one of the record engine's maintenance utility: for each "
+             "record its length in digits, a comma, its bytes and a line end; 0x1A ends the file. "
+             "A record has the table's record length; where the last field is a NOTE or LVAR area "
+             "it may end within that. An auto-increment number of 0 asks for the next one.\nAn "
+             "error names the file, record and byte (and the key that has its value already), and "
+             "then nothing has changed. \"zavdb check\" tells of fields that hold no sense."),
+         3,
+         3,
+         {},
+         loadRecords},
+        {QStringLiteral("save"),
+         QStringLiteral("NAME TABLE FILE"),
+         QStringLiteral("Writes the records of a table into a sequential file, byte for byte"),
+         QStringLiteral("In the order of key 0, each record in its full length. \"zavdb load\" and "
+                        "the record engine's maintenance utility read the file."),
+         3,
+         3,
+         {},
+         saveRecords},
     };
 }
 

@@ -1,0 +1,186 @@
+// zavdb copy: every byte of every table arrives, also after kills; what cannot be copied says so.
+
+#include <csignal>
+#include <random>
+
+#include "data/embedded/embedded_database.h"
+#include "tests/tools/zavdb_program.h"
+
+namespace {
+
+using data::Direction;
+using data::RecordFile;
+
+class Copy : public test::ZavdbProgram {
+  protected:
+    QByteArray exported(const char* company, const QString& table) {
+        return done({"export", company, table});
+    }
+    QStringList tableNames(const char* company) {
+        QStringList names;
+        for (const QByteArray& line : done({"tables", company}).trimmed().split('\n'))
+            names.append(QString::fromUtf8(line.left(line.indexOf(' '))));
+        return names;
+    }
+    void expectSameExports(const char* a, const char* b) {
+        const QStringList names = tableNames(a);
+        EXPECT_EQ(tableNames(b), names);
+        for (const QString& name : names)
+            EXPECT_EQ(exported(b, name), exported(a, name)) << name.toStdString();
+    }
+    bool exists(const char* name) const { return QFile::exists(path(name)); }
+
+    /// Starts a copy and kills it when its unfinished database has reached a size.
+    /// @return whether it was still going.
+    bool killCopyAt(qint64 bytes) {
+        QProcess process;
+        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+        variables.insert(QStringLiteral("XDG_CONFIG_HOME"), path("config"));
+        process.setProcessEnvironment(variables);
+        process.setWorkingDirectory(path(""));
+        process.start(program(), {"copy", "S", "T", "t"});
+        EXPECT_TRUE(process.waitForStarted());
+        const QString unfinished = path("t/.zavdb-copy/YRITYS.ZDB");
+        while (process.state() == QProcess::Running &&
+               QFileInfo(unfinished).size() + QFileInfo(unfinished + "-wal").size() < bytes)
+            process.waitForFinished(1);
+        const bool going = process.state() == QProcess::Running;
+        process.kill();
+        process.waitForFinished();
+        return going;
+    }
+};
+
+// Keys with every flag, records of any bytes, numbers that were never given, bytes of no field.
+data::TableSource oddTable() {
+    data::TableSource table = data::parseTableSource(
+        "table Outo\n"
+        "field 1 Avain    string       6  0  7 LSTRING\n"
+        "field 2 Luku     smallint     2  7  2 INTEGER\n"
+        "field 3 Numero   integer:29 4  9  4 AUTOINCREMENT\n"
+        "field 4 Paiva    date         4 13  4 DATE\n"
+        "field 5 Tarkka   float        6 17  6 REAL48\n"
+        "field 6 Lippu    boolean      4 40  1 BIT 16\n"
+        "field 7 Teksti   memo:22     59 41 60 NOTE\n",
+        QStringLiteral("odd.dict"));
+    table.keyDefs = {{0, false, {{0, true, false}, {1, false, true}}},
+                     {1, false, {{2, false, false}}},
+                     {2, false, {{3, false, true}}}};
+    return table;
+}
+
+std::vector<QByteArray> walk(RecordFile& table, int key) {
+    std::vector<QByteArray> records;
+    table.visit(key, std::nullopt, Direction::Forward, 1'000'000,
+                [&](data::RecordId, const QByteArray& bytes) {
+                    records.emplace_back(bytes.constData(), bytes.size());
+                    return true;
+                });
+    return records;
+}
+
+TEST_F(Copy, UnknownTablesAndUndefinedBytesArriveAsTheyAre) {
+    std::vector<data::TableSource> tables = data::allTableSources();
+    tables.push_back(oddTable());
+    std::erase_if(tables, [](const data::TableSource& t) { return t.name == u"MYYMALAHINNAT"; });
+    data::createEmbedded(path("s"), tables);
+    std::mt19937 random(20240901);
+    {
+        const auto database = data::openEmbedded(QStringLiteral("S"), path("s"));
+        const auto odd = database->openTable(QStringLiteral("OUTO"));
+        database->inTransaction([&] {
+            for (int i = 0; i < 3000; ++i) {
+                QByteArray record(odd->layout().recordLength(), '\0');
+                for (char& byte : record)
+                    byte = static_cast<char>(random());
+                record[0] = static_cast<char>(random() % 3);  // many equal keys
+                QByteArray numbered = record;
+                const data::RecordId id = odd->insert(numbered);
+                if (i % 7 == 0) {
+                    record.replace(9, 4, QByteArray(4, '\0'));  // a number of 0
+                    odd->update(id, record);
+                }
+                if (i % 11 == 0)
+                    odd->remove(id);
+            }
+        });
+        // price levels renamed: the copy has these and not those of a new company
+        database->prepare(QStringLiteral("update HINTATASO set Nimi = 'Taso' where Nro > 3"))
+            ->execute();
+    }
+    done({"add", "S", "s"});
+    QDir().mkpath(path("s/MAARITYS"));
+    for (const char* name : {"s/MAARITYS/AlvMuutosLomake.INI", "s/FORMS.INI", "s/loki.dat"})
+        file(name, QByteArray("[x]\r\na=") + name);
+
+    const test::ProgramResult copy = run({"copy", "S", "T", "deep/t"});
+    // random bytes are no dates: told, and no reason to lose the copy
+    EXPECT_EQ(copy.status, 1);
+    EXPECT_TRUE(copy.err.contains("whole and registered")) << copy.err.constData();
+    EXPECT_TRUE(copy.out.contains("30 tables")) << copy.out.constData();
+    EXPECT_EQ(copy.out.contains("differs"), false);
+
+    const auto from = data::openEmbedded(QStringLiteral("S"), path("s"));
+    const auto to = data::openEmbedded(QStringLiteral("T"), path("deep/t"));
+    ASSERT_EQ(to->tableNames(), from->tableNames());
+    for (const QString& name : from->tableNames()) {
+        const auto source = from->openTable(name);
+        const auto target = to->openTable(name);
+        EXPECT_TRUE(target->layout().fields() == source->layout().fields()) << name.toStdString();
+        ASSERT_EQ(target->keys().size(), source->keys().size());
+        for (int key = 0; key < static_cast<int>(source->keys().size()); ++key)
+            EXPECT_TRUE(walk(*target, key) == walk(*source, key))
+                << name.toStdString() << " key " << key;
+    }
+    EXPECT_EQ(walk(*to->openTable(QStringLiteral("Outo")), 0).size(), 3000U - 273U);
+    for (const char* name : {"MAARITYS/AlvMuutosLomake.INI", "FORMS.INI"}) {
+        QFile copied(path("deep/t/") + name);
+        ASSERT_TRUE(copied.open(QIODevice::ReadOnly)) << name;
+        EXPECT_EQ(copied.readAll(), QByteArray("[x]\r\na=s/") + name);
+    }
+    EXPECT_FALSE(exists("deep/t/loki.dat"));  // the source's own history
+    EXPECT_FALSE(exists("deep/t/.zavdb-copy"));
+}
+
+TEST_F(Copy, KilledCopiesGoOnToTheSameEnd) {
+    done({"demo", "S", "s", "--products", "1500"});
+    int kills = 0;
+    for (qint64 size = 200'000; size < 100'000'000 && killCopyAt(size); size += 700'000) {
+        ++kills;
+        EXPECT_FALSE(exists("t/YRITYS.ZDB"));
+        EXPECT_EQ(done({"list"}).count('\n'), 1);
+        if (kills == 2)  // the source changed where it was copied already
+            done({"sql", "S", "update ALVKANTA set Selite = 'uusi' where luokka = 1"});
+    }
+    EXPECT_GE(kills, 3);
+    if (kills > 0 && !exists("t/YRITYS.ZDB"))
+        done({"copy", "S", "T", "t"});
+    expectSameExports("S", "T");
+    done({"check", "T"});
+}
+
+TEST_F(Copy, WhatCannotBeCopied) {
+    done({"create", "S", "s", "--without", "MYYMALAHINNAT"});
+    done({"create", "O", "o"});
+    refused({"copy", "NOSUCH", "T", "t"}, {"NOSUCH"});
+    refused({"copy", "S", "O", "t"}, {"\"O\" already"});
+    refused({"copy", "S", "../x", "t"}, {"../x"});
+    refused({"copy", "S", "T", "o"}, {"holds a company"});
+    EXPECT_FALSE(exists("t"));
+
+    // an unfinished copy is finished by its own command only
+    QDir().mkpath(path("t/.zavdb-copy"));
+    file("t/.zavdb-copy/copy.ini", "[copy]\nsource=O\ntarget=T\n");
+    refused({"copy", "S", "T", "t"}, {"unfinished copy of \"O\""});
+    done({"copy", "O", "T", "t"});
+    expectSameExports("O", "T");
+
+    // a file that is there already is not overwritten
+    file("s/FORMS.INI", "[a]\n");
+    QDir().mkpath(path("u"));
+    file("u/FORMS.INI", "[b]\n");
+    EXPECT_TRUE(done({"copy", "S", "U", "u"}).contains("FORMS.INI was there already"));
+    expectSameExports("S", "U");
+}
+
+}  // namespace

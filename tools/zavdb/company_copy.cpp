@@ -1,0 +1,179 @@
+#include "tools/zavdb/company_copy.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+
+#include "app/company/aliases.h"
+#include "app/company/ini_file.h"
+#include "data/embedded/embedded_database.h"
+#include "tools/zavdb/command.h"
+#include "tools/zavdb/company_builder.h"
+#include "tools/zavdb/company_files.h"
+#include "tools/zavdb/copy_target.h"
+#include "tools/zavdb/progress.h"
+#include "tools/zavdb/table_copy.h"
+
+namespace tools {
+
+namespace {
+
+const QString kSection = QStringLiteral("copy");
+const QString kSourceKey = QStringLiteral("source");
+const QString kTargetKey = QStringLiteral("target");
+const QString kOwnCatalogueKey = QStringLiteral("own catalogue");
+
+class CompanyCopier {
+  public:
+    CompanyCopier(QString sourceName, QString targetName, const QString& folder)
+        : m_sourceName(std::move(sourceName)),
+          m_targetName(std::move(targetName)),
+          m_folder(QDir::cleanPath(QFileInfo(folder).absoluteFilePath())),
+          m_work(QDir(m_folder).filePath(kCopyFolder)),
+          m_lock(QDir(m_work).filePath(QStringLiteral("lock"))) {
+        m_lock.setStaleLockTime(0);  // held by a process that lives, however long
+    }
+
+    CopyResult run() {
+        const QString sourceFolder = companyFolder(m_sourceName);
+        requireFreeName(m_targetName);
+        const bool goesOn = QFileInfo::exists(stateFile());
+        if (!goesOn)
+            requireFreeFolder(m_folder);
+        m_source = openCompany(m_sourceName);
+        beginWork(goesOn);
+        if (hasCompany(m_work) || !hasCompany(m_folder)) {
+            copyTables();
+            if (!m_result.differences.isEmpty())
+                return m_result;
+            copyCompanyFiles(sourceFolder, m_folder, m_result.notes);
+            moveToPlace();
+        }
+        registerCompany(m_targetName, m_folder);
+        m_lock.unlock();
+        QDir(m_work).removeRecursively();
+        m_result.findings = data::checkEmbedded(m_folder);
+        return m_result;
+    }
+
+  private:
+    QString stateFile() const { return QDir(m_work).filePath(QStringLiteral("copy.ini")); }
+
+    static bool hasCompany(const QString& folder) { return data::hasEmbeddedDatabase(folder); }
+
+    void beginWork(bool goesOn) {
+        if (!QDir().mkpath(m_work))
+            throw CommandError(QStringLiteral("The folder %1 cannot be made.").arg(m_work));
+        if (!m_lock.tryLock(0))
+            throw CommandError(
+                m_lock.error() == QLockFile::LockFailedError
+                    ? QStringLiteral("Another zavdb is copying into %1.").arg(m_folder)
+                    : QStringLiteral("The folder %1 cannot be written.").arg(m_work));
+        if (goesOn) {
+            const company::IniFile state = company::IniFile::read(stateFile());
+            const QString source = state.value(kSection, kSourceKey).value_or(QString());
+            const QString target = state.value(kSection, kTargetKey).value_or(QString());
+            if (source.compare(m_sourceName, Qt::CaseInsensitive) != 0 ||
+                target.compare(m_targetName, Qt::CaseInsensitive) != 0)
+                throw CommandError(
+                    QStringLiteral("%1 holds an unfinished copy of \"%2\" as \"%3\"; finish that "
+                                   "one, or remove the folder.")
+                        .arg(m_work, source, target));
+        } else {
+            company::IniFile state;
+            state.setValue(kSection, kSourceKey, m_sourceName);
+            state.setValue(kSection, kTargetKey, m_targetName);
+            state.write(stateFile());
+        }
+    }
+
+    /// The source's tables; those that the catalogue lists without a data file are left out.
+    void openSourceTables() {
+        for (const QString& name : m_source->tableNames()) {
+            try {
+                m_tables.push_back(m_source->openTable(name));
+            } catch (const data::DataError& error) {
+                if (error.kind() != data::ErrorKind::NoSuchTable)
+                    throw;
+                m_result.notes.append(
+                    QStringLiteral("%1: listed in the catalogue without a data file; left out")
+                        .arg(name));
+            }
+        }
+    }
+
+    bool ownCatalogue() const {
+        return company::IniFile::read(stateFile()).value(kSection, kOwnCatalogueKey) ==
+               QStringLiteral("1");
+    }
+
+    void copyTables() {
+        openSourceTables();
+        if (!hasCompany(m_work)) {
+            const bool own = !makeCopyTarget(m_tables, m_work);
+            company::IniFile state = company::IniFile::read(stateFile());
+            state.setValue(kSection, kOwnCatalogueKey,
+                           own ? QStringLiteral("1") : QStringLiteral("0"));
+            state.write(stateFile());
+            takeCopyTarget(m_work);
+        }
+        const bool own = ownCatalogue();
+        if (own)
+            m_result.notes.append(
+                QStringLiteral("The catalogue's rows are the copy's own: the source's do not "
+                               "describe its tables to the byte."));
+        const std::unique_ptr<data::Database> target = data::openEmbedded(m_targetName, m_work);
+        std::vector<std::pair<data::RecordFile*, std::unique_ptr<data::RecordFile>>> pairs;
+        for (const std::unique_ptr<data::RecordFile>& table : m_tables) {
+            const QString& name = table->layout().tableName();
+            if (!(own && isCatalogueTable(name)))
+                pairs.emplace_back(table.get(), openTable(*target, name));
+        }
+        const CopiedTables copied(m_tables);
+        for (const auto& [source, copy] : pairs)
+            m_result.inserted += copyTable(*source, *target, *copy, copied.belongs(*source),
+                                           shown(*source, QStringLiteral("copied")));
+        for (const auto& [source, copy] : pairs) {
+            const Comparison comparison = compareTables(*source, *copy, copied.belongs(*source),
+                                                        shown(*source, QStringLiteral("compared")));
+            m_result.differences += comparison.findings;
+            m_result.records += comparison.records;
+            ++m_result.tables;
+        }
+    }
+
+    CopyProgress shown(data::RecordFile& table, const QString& what) {
+        const QString name = table.layout().tableName() + u' ' + what;
+        return [this, name, total = table.recordCount()](qint64 records) {
+            m_progress.show(name, records, total);
+        };
+    }
+
+    void moveToPlace() {
+        const QString target = QDir(m_folder).filePath(data::kEmbeddedFileName);
+        QFile file(QDir(m_work).filePath(data::kEmbeddedFileName));
+        if (!file.rename(target))  // takes nothing's place
+            throw CommandError(QStringLiteral("The database cannot be moved to %1: %2")
+                                   .arg(target, file.errorString()));
+    }
+
+    QString m_sourceName;
+    QString m_targetName;
+    QString m_folder;
+    QString m_work;
+    QLockFile m_lock;
+    std::unique_ptr<data::Database> m_source;
+    std::vector<std::unique_ptr<data::RecordFile>> m_tables;
+    CopyResult m_result;
+    Progress m_progress;
+};
+
+}  // namespace
+
+CopyResult copyCompany(const QString& sourceName, const QString& targetName,
+                       const QString& folder) {
+    return CompanyCopier(sourceName, targetName, folder).run();
+}
+
+}  // namespace tools

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QByteArray>
+#include <QIODevice>
+#include <stdexcept>
+
+namespace tools {
+
+/// A sequential file that is none; what() says what is wrong with which record at which byte.
+class SequentialFileError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Reads an unformatted sequential file as the record engine's maintenance utility saves it, record
+/// by record: the record's length in decimal digits, a comma (or a blank), the bytes, a line end
+/// (CR LF; LF alone counts). After the last record stands the end mark 0x1A, which may be missing.
+class SequentialReader {
+  public:
+    static constexpr char kEndMark = '\x1A';
+
+    /// Records shorter than `shortest` or longer than `longest` bytes are refused.
+    SequentialReader(QIODevice& input, int shortest, int longest)
+        : m_input(input), m_shortest(shortest), m_longest(longest) {}
+
+    /// Goes to the next record. @return false at the end. @throws SequentialFileError.
+    bool next();
+    const QByteArray& bytes() const { return m_bytes; }
+    qint64 number() const { return m_number; }  ///< of the current record, from 1
+    qint64 offset() const { return m_start; }   ///< byte at which its length stands, from 0
+    bool hasEndMark() const { return m_hasEndMark; }
+
+  private:
+    [[noreturn]] void fail(qint64 offset, const QString& what) const;
+    bool take(char& byte);
+    void requireNothingMore();
+    int readLength(char first);
+    void readLineEnd();
+
+    QIODevice& m_input;
+    int m_shortest;
+    int m_longest;
+    QByteArray m_bytes;
+    qint64 m_number = 0;
+    qint64 m_start = 0;
+    qint64 m_at = 0;
+    bool m_hasEndMark = false;
+};
+
+/// Writes such a file.
+class SequentialWriter {
+  public:
+    explicit SequentialWriter(QIODevice& output) : m_output(output) {}
+    void add(const QByteArray& record);  ///< @throws SequentialFileError when it cannot be written
+    void finish();                       ///< the end mark
+
+  private:
+    void write(const QByteArray& bytes);
+    QIODevice& m_output;
+    QByteArray m_line;
+};
+
+}  // namespace tools

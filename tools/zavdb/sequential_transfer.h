@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+#include "data/engine.h"
+
+namespace tools {
+
+struct LoadResult {
+    qint64 records = 0;
+    bool hasEndMark = false;  ///< without it nobody can tell that the file is whole
+};
+
+/// Appends the records of an unformatted sequential file (see SequentialReader) to a table, byte
+/// for byte; an auto-increment number of 0 becomes the next one. Where the table's last field is a
+/// text or binary area of variable length, a record may end anywhere in it; the rest is zeros.
+/// One transaction: an error changes nothing. Memory does not grow with the file.
+/// @throws CommandError naming file, record and byte, and the key of a duplicate; data::DataError.
+LoadResult loadTable(data::Database& database, const QString& table, const QString& fileName);
+
+/// Writes every record of a table, whole, in the order of key 0 (without keys: as stored).
+/// @return the number of records. @throws SequentialFileError, data::DataError.
+qint64 saveTable(data::RecordFile& records, QIODevice& output);
+
+}  // namespace tools
