@@ -1,0 +1,58 @@
+#!/bin/bash
+# Kills whole runs at random moments (kill -9) and looks at what is left; then takes the power away
+# from recorded runs. Prints the figures that docs/reliability.md quotes.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/packages.sh
+
+usage() {
+    cat <<'USAGE'
+Usage: scripts/crash.sh [--kills N] [--products N] [--orders N] [--seed S] [--build DIR]
+
+  --kills N     runs to kill, and moments at which the power goes (default 200)
+  --products N  products of the company that is converted (default 3000)
+  --orders N    its sales orders, and as many purchase orders (default 600)
+  --seed S      the company and the moments (default: of the clock; printed)
+  --build DIR   build folder with the programs (default build; made when missing)
+
+The company stands in memory (/dev/shm) where there is such a place: a kill takes nothing from the
+system's own buffers. The loss of those is the second part's matter.
+USAGE
+}
+
+kills=200 products=3000 orders=600 build=build seed=$RANDOM
+while [ $# -gt 0 ]; do
+    case "$1" in
+        --kills) kills=$2 ;;
+        --products) products=$2 ;;
+        --orders) orders=$2 ;;
+        --seed) seed=$2 ;;
+        --build) build=$2 ;;
+        --help | -h)
+            usage
+            exit 0
+            ;;
+        *)
+            usage >&2
+            exit 2
+            ;;
+    esac
+    shift 2
+done
+
+if [ ! -x "$build/bin/fault_tests" ] || [ ! -x "$build/bin/taksavaihe" ]; then
+    # shellcheck disable=SC2086
+    install_packages $packages_build $packages_test
+    cmake -G Ninja -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=ON
+    cmake --build "$build" --target taksavaihe zavdb fault_tests
+fi
+if [ -z "${TMPDIR:-}" ] && [ -w /dev/shm ]; then
+    export TMPDIR=/dev/shm
+fi
+
+echo "== $kills kills (seed $seed)"
+python3 tests/acceptance/crash.py "$build/bin" --kills "$kills" --seed "$seed" \
+    --products "$products" --orders "$orders"
+echo "== $kills power losses (seed $seed)"
+TAKSAVAIHE_LOSSES=$kills TAKSAVAIHE_SEED=$seed QT_QPA_PLATFORM=offscreen \
+    "$build/bin/fault_tests" --gtest_filter='PowerLoss.*'

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <map>
+#include <memory>
+
+#include "data/clock.h"
+#include "data/engine.h"
+#include "tests/support/recording_ports.h"
+#include "vatchange/rules/change_definition.h"
+#include "vatchange/run/change_run.h"
+
+namespace test {
+
+/// Every record of every table: bytes by table and the engine's address.
+using Records = std::map<QString, std::map<data::RecordId, QByteArray>>;
+
+/// Size of a company that has something for every step of a run.
+struct FullCompanySize {
+    int products = 6;  ///< all of class 3; every third in the web shop, every second with labels
+    int orders = 2;    ///< sales and purchase orders, of three rows each
+};
+
+/// Makes the company's database in a folder. VAT classes: 3 24 %, 6 25.5 %.
+void makeFullCompany(const QString& folder, const FullCompanySize& size = {});
+/// Copies the database of a company that nobody uses.
+void copyCompany(const QString& from, const QString& to);
+/// Registers the folder's company and takes it into use.
+void useCompany(const QString& folder);
+std::unique_ptr<data::Database> openCompany(const QString& folder);
+Records readCompany(const QString& folder);
+
+/// All steps, class 3 to 6, everything by 25.5/24 %.
+vatchange::ChangeDefinition fullDefinition();
+
+/// Ports that also write the change log's file, as the program does.
+class LoggingPorts : public RecordingPorts {
+  public:
+    LoggingPorts();
+    void NaytaViesti(const QString& text) override;
+    void log(const QString& line) override;
+};
+
+/// The morning of the change, for as long as it lives.
+class ChangeMorning {
+  public:
+    ChangeMorning();
+
+  private:
+    data::Clock::Override m_clock;
+};
+
+/// One table's value of a field, by the text of the first field of key 0.
+std::map<QString, double> fieldByKey(data::Database& database, const QString& table,
+                                     const QString& field);
+
+/// How long a test goes on: an environment variable's number, or the default.
+int countFrom(const char* variable, int byDefault);
+/// TAKSAVAIHE_SEED, else a new one.
+unsigned seedOfTest();
+
+}  // namespace test
