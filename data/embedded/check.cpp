@@ -76,7 +76,8 @@ class Checker {
         if (!TTblResReader::ReadResource(table.name(), compiled))
             return;
         const RecordLayout expected(table.name(), compiled.FFields);
-        if (expected.recordLength() != table.layout().recordLength())
+        // A shop's data files may have bytes behind the last field; a copy of theirs keeps them.
+        if (expected.recordLength() > table.layout().recordLength())
             m_lines.append(QStringLiteral("%1: records of %2 bytes, %3 in the program's dictionary")
                                .arg(table.name())
                                .arg(table.layout().recordLength())
