@@ -42,9 +42,18 @@ Connection::Connection(const QString& fileName) : m_fileName(fileName) {
     if (!QFileInfo::exists(fileName))
         throw DataError(ErrorKind::NoConnection, fileName, QStringLiteral("no such file"));
     m_handle = SqliteHandle(fileName, SqliteHandle::Mode::ReadWrite);
+    m_db = m_handle.get();
     checkFile();
     m_locks = std::make_unique<RecordLocks>(lockFileName(fileName));
     configure();
+}
+
+Connection::Connection(sqlite3* host)
+    : m_fileName(QString::fromUtf8(sqlite3_db_filename(host, "main"))), m_db(host) {
+    checkFile();
+    m_locks = std::make_unique<RecordLocks>(lockFileName(m_fileName));
+    registerFunctions(m_db);
+    registerVirtualTables(*this);
 }
 
 Connection::~Connection() {
@@ -58,7 +67,7 @@ QString Connection::lockFileName(const QString& fileName) {
 }
 
 void Connection::checkFile() {
-    sqlite3* db = m_handle.get();
+    sqlite3* db = m_db;
     sqlite3_busy_timeout(db, kBusyTimeoutMs);
     if (pragma(db, "application_id", m_fileName) != kApplicationId)
         throw DataError(ErrorKind::Damaged, m_fileName,
@@ -77,7 +86,7 @@ void Connection::checkFile() {
 }
 
 void Connection::configure() {
-    sqlite3* db = m_handle.get();
+    sqlite3* db = m_db;
     // Cache and mapping bound what the process keeps: 32 MB of its own, the file's pages mapped.
     execute(db,
             "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;"
@@ -254,6 +263,16 @@ void Connection::throwHeld(const RecordTable& table, const QByteArray& record) c
 void Connection::throwLocked(const RecordIsHeld& held) const {
     throw DataError(ErrorKind::Locked, held.table,
                     QStringLiteral("another program holds the record %1").arg(held.record));
+}
+
+void Connection::countSqlTables(int more) {
+    if (isHosted() && (m_sqlTables += more) == 0)
+        forgetCatalogue();
+}
+
+void Connection::countCursors(int more) {
+    if (isHosted() && (m_cursors += more) == 0)
+        m_transientIndexes.clear();
 }
 
 void Connection::throwFailure() {

@@ -32,6 +32,10 @@ class Connection {
     /// Opens the database file and registers functions, collations and the module.
     /// @throws DataError: NoConnection, ReadOnly, Damaged (none of ours), Engine (newer format).
     explicit Connection(const QString& fileName);
+    /// Serves a connection that a program other than ours has opened: registers the same on it. A
+    /// statement there runs outside of write(): a record that somebody else holds fails it at once.
+    /// @throws DataError as above.
+    explicit Connection(sqlite3* host);
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
@@ -39,7 +43,8 @@ class Connection {
     /// Path of the lock file of a database file.
     static QString lockFileName(const QString& fileName);
 
-    sqlite3* db() const { return m_handle.get(); }
+    sqlite3* db() const { return m_db; }
+    bool isHosted() const { return m_handle.get() == nullptr; }
     const Catalogue& catalogue();
     /// Forgets what was read of the catalogue, and the open tables: for the making of a company.
     void forgetCatalogue();
@@ -97,6 +102,11 @@ class Connection {
         bool m_previous;
     };
 
+    /// What SQLite has connected of the virtual tables and opened of their cursors. Only a host's
+    /// connection counts: it has to be left without prepared statements before it is closed.
+    void countSqlTables(int more);
+    void countCursors(int more);
+
   private:
     static int authorize(void* self, int action, const char* first, const char* second,
                          const char* database, const char* trigger);
@@ -107,7 +117,8 @@ class Connection {
     void runTransaction(const std::function<void()>& body);
 
     QString m_fileName;
-    SqliteHandle m_handle;
+    SqliteHandle m_handle;  // empty when a host has opened the database
+    sqlite3* m_db = nullptr;
     std::unique_ptr<RecordLocks> m_locks;
     std::unique_ptr<Catalogue> m_catalogue;
     QHash<QString, std::shared_ptr<RecordTable>> m_tables;  // by folded name
@@ -120,6 +131,8 @@ class Connection {
     std::exception_ptr m_failure;
     bool m_checksNames = false;
     bool m_inTransaction = false;
+    int m_sqlTables = 0;
+    int m_cursors = 0;
 };
 
 }  // namespace data::embedded

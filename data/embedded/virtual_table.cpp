@@ -16,13 +16,23 @@ namespace data::embedded {
 namespace {
 
 struct SqlTable : sqlite3_vtab {
-    SqlTable(Connection& c, RecordTable& t) : sqlite3_vtab{}, connection(&c), table(&t) {}
+    SqlTable(Connection& c, RecordTable& t) : sqlite3_vtab{}, connection(&c), table(&t) {
+        c.countSqlTables(1);
+    }
+    ~SqlTable() { connection->countSqlTables(-1); }
+    SqlTable(const SqlTable&) = delete;
+    SqlTable& operator=(const SqlTable&) = delete;
     Connection* connection;
     RecordTable* table;
 };
 
 struct Cursor : sqlite3_vtab_cursor {
-    explicit Cursor(RecordTable& t) : sqlite3_vtab_cursor{}, table(&t) {}
+    explicit Cursor(RecordTable& t) : sqlite3_vtab_cursor{}, table(&t) {
+        t.connection().countCursors(1);
+    }
+    ~Cursor() { table->connection().countCursors(-1); }
+    Cursor(const Cursor&) = delete;
+    Cursor& operator=(const Cursor&) = delete;
     RecordTable* table;
     ScanPlan plan;
     StatementLease rows;
@@ -61,6 +71,28 @@ QByteArray messageOf(const std::exception_ptr& failure) {
     }
 }
 
+// The result code by which a host tells its program what went wrong.
+int codeOf(const std::exception_ptr& failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const Connection::RecordIsHeld&) {
+        return SQLITE_LOCKED;
+    } catch (const DataError& error) {
+        switch (error.kind()) {
+            case ErrorKind::Locked:
+                return SQLITE_LOCKED;
+            case ErrorKind::DuplicateKey:
+                return SQLITE_CONSTRAINT;
+            case ErrorKind::BadValue:
+                return SQLITE_MISMATCH;
+            default:
+                return SQLITE_ERROR;
+        }
+    } catch (const std::exception&) {
+        return SQLITE_ERROR;
+    }
+}
+
 // Runs the body of a callback; what it throws is kept for whoever runs the statement.
 template <typename Body>
 int guarded(sqlite3_vtab* table, Body body) {
@@ -69,7 +101,10 @@ int guarded(sqlite3_vtab* table, Body body) {
     } catch (...) {
         const std::exception_ptr failure = std::current_exception();
         setMessage(table, messageOf(failure).constData());
-        tableOf(table).connection->keepFailure(failure);
+        Connection& connection = *tableOf(table).connection;
+        if (connection.isHosted())
+            return codeOf(failure);
+        connection.keepFailure(failure);
         return SQLITE_ERROR;
     }
 }
@@ -90,7 +125,8 @@ int connectTable(sqlite3* db, void* context, int, const char* const* arguments, 
         return SQLITE_OK;
     } catch (const std::exception& error) {
         *message = sqlite3_mprintf("%s", error.what());
-        connection.keepFailure(std::current_exception());
+        if (!connection.isHosted())
+            connection.keepFailure(std::current_exception());
         return SQLITE_ERROR;
     }
 }
@@ -374,13 +410,32 @@ const sqlite3_module kModule = [] {
     return module;
 }();
 
+int beginWriting(sqlite3_vtab*) {
+    return SQLITE_OK;
+}
+
+// The host's transaction is over, and the locks of its statements with it.
+int endWriting(sqlite3_vtab* table) {
+    tableOf(table).connection->locks().endStatement();
+    return SQLITE_OK;
+}
+
+const sqlite3_module kHostedModule = [] {
+    sqlite3_module module = kModule;
+    module.xBegin = beginWriting;
+    module.xCommit = endWriting;
+    module.xRollback = endWriting;
+    return module;
+}();
+
 constexpr char kModuleName[] = "zavrecord";
 
 }  // namespace
 
 void registerVirtualTables(Connection& connection) {
-    const int code =
-        sqlite3_create_module_v2(connection.db(), kModuleName, &kModule, &connection, nullptr);
+    const int code = sqlite3_create_module_v2(connection.db(), kModuleName,
+                                              connection.isHosted() ? &kHostedModule : &kModule,
+                                              &connection, nullptr);
     if (code != SQLITE_OK)
         throwSqlite(connection.db(), code, QString());
 }
