@@ -1,0 +1,251 @@
+// The record engine's call interface over embedded companies, for tests: loaded as the engine's own
+// client library would be. The databases it knows stand in the file that the environment variable
+// CLIENT_PEER_DATABASES names, one a line: NAME, a tab, the folder of the embedded company; further
+// columns may say "owner=NAME" (files want this owner name), "fault=short" or "fault=key" (a file
+// tells of itself what is not so) and "silent" (no answer for some seconds). A database of the name
+// of a folder serves the files of that folder: each table by its location in the catalogue.
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
+#include <QUrl>
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <map>
+#include <mutex>
+#include <thread>
+
+#include "data/dictionary/resources.h"
+#include "data/embedded/company_file.h"
+#include "data/embedded/connection.h"
+#include "tests/support/client_peer/peer_cursor.h"
+
+#ifdef Q_OS_WIN
+#define PEER_CALL __stdcall
+#else
+#define PEER_CALL
+#endif
+
+namespace peer {
+
+namespace {
+
+using namespace data;
+
+constexpr int kOk = 0;
+constexpr int kInvalidOperation = 1;
+constexpr int kFileNotOpen = 3;
+constexpr int kFileNotFound = 12;
+constexpr int kWrongOwner = 51;
+constexpr int kDatabaseNameNotFound = 172;
+constexpr std::chrono::seconds kSilence{4};
+constexpr quint32 kMagic = 0x52454550;
+constexpr size_t kClientIdSize = 16;
+
+struct PeerDatabase {
+    QString folder;
+    QString owner;
+    Fault fault = Fault::None;
+    bool silent = false;
+};
+
+std::optional<PeerDatabase> findDatabase(const QString& name) {
+    QFile file(qEnvironmentVariable("CLIENT_PEER_DATABASES"));
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+        const QStringList columns = line.split(u'\t');
+        if (columns.size() < 2 || columns[0].compare(name, Qt::CaseInsensitive) != 0)
+            continue;
+        PeerDatabase found{columns[1], {}, Fault::None, columns.contains(QStringLiteral("silent"))};
+        for (const QString& column : columns)
+            if (column.startsWith(QStringLiteral("owner=")))
+                found.owner = column.mid(6);
+        if (columns.contains(QStringLiteral("fault=short")))
+            found.fault = Fault::ShortRecord;
+        if (columns.contains(QStringLiteral("fault=key")))
+            found.fault = Fault::MovedKey;
+        return found;
+    }
+    return std::nullopt;
+}
+
+struct Client {
+    std::map<QString, std::shared_ptr<embedded::Connection>> connections;
+    std::map<quint32, std::unique_ptr<PeerCursor>> cursors;
+};
+
+std::mutex g_mutex;
+std::map<QByteArray, Client> g_clients;
+quint32 g_lastHandle = 0;
+
+int statusOf(const DataError& error) {
+    switch (error.kind()) {
+        case ErrorKind::DuplicateKey:
+            return 5;
+        case ErrorKind::NoSuchTable:
+        case ErrorKind::NoConnection:
+            return kFileNotFound;
+        case ErrorKind::NoSuchField:
+            return 6;
+        case ErrorKind::Gone:
+            return 43;
+        case ErrorKind::Locked:
+            return 84;
+        case ErrorKind::ReadOnly:
+            return 94;
+        case ErrorKind::DiskFull:
+            return 18;
+        default:
+            return 2;
+    }
+}
+
+struct OpenRequest {
+    QString database;
+    QString table;  // or empty: by `file`
+    QString file;
+};
+
+// "btrv://user@host/database?table=name&..." or the path of a file.
+OpenRequest parseName(const QByteArray& name) {
+    if (!name.startsWith("btrv://")) {
+        const QFileInfo file(QDir::fromNativeSeparators(QString::fromLocal8Bit(name)));
+        return {file.path(), QString(), file.fileName()};
+    }
+    const QByteArray rest = name.mid(name.indexOf('/', 7) + 1);
+    const qsizetype question = rest.indexOf('?');
+    const auto decoded = [](const QByteArray& part) {
+        return QString::fromLocal8Bit(QByteArray::fromPercentEncoding(part));
+    };
+    OpenRequest request{decoded(rest.left(question)), {}, {}};
+    for (const QByteArray& parameter : rest.mid(question + 1).split('&'))
+        if (parameter.startsWith("table="))
+            request.table = decoded(parameter.mid(6));
+    return request;
+}
+
+QString tableOfFile(const Catalogue& catalogue, const QString& file) {
+    static const std::map<QString, QString> kOwn{{QStringLiteral("FILE.DDF"), kFileTable},
+                                                 {QStringLiteral("FIELD.DDF"), kFieldTable},
+                                                 {QStringLiteral("INDEX.DDF"), kIndexTable}};
+    if (const auto own = kOwn.find(file.toUpper()); own != kOwn.end())
+        return own->second;
+    for (const QString& table : catalogue.tableNames())
+        if (catalogue.location(table).compare(file, Qt::CaseInsensitive) == 0)
+            return table;
+    return file;
+}
+
+int open(Client& client, char* block, const CallBuffers& buffers) {
+    const OpenRequest request = parseName(
+        QByteArray(buffers.key, qstrnlen(buffers.key, static_cast<size_t>(buffers.keyLength))));
+    const std::optional<PeerDatabase> database = findDatabase(request.database);
+    if (!database)
+        return request.table.isEmpty() ? kFileNotFound : kDatabaseNameNotFound;
+    const QString owner =
+        QString::fromLatin1(buffers.data, *buffers.dataLength).section(u'\0', 0, 0);
+    if (!database->owner.isEmpty() && owner != database->owner)
+        return kWrongOwner;
+    std::shared_ptr<embedded::Connection>& connection = client.connections[database->folder];
+    if (!connection) {
+        connection =
+            std::make_shared<embedded::Connection>(embedded::companyFile(database->folder));
+        connection->lockWait = std::chrono::milliseconds(0);
+    }
+    const QString name = request.table.isEmpty()
+                             ? tableOfFile(connection->catalogue(), request.file)
+                             : request.table;
+    const Fault fault =
+        name.startsWith(QStringLiteral("X$"), Qt::CaseInsensitive) ? Fault::None : database->fault;
+    client.cursors[++g_lastHandle] =
+        std::make_unique<PeerCursor>(connection, connection->table(name), fault);
+    std::memcpy(block, &kMagic, sizeof kMagic);
+    std::memcpy(block + sizeof kMagic, &g_lastHandle, sizeof g_lastHandle);
+    return kOk;
+}
+
+int version(CallBuffers& buffers) {
+    constexpr char kVersion[] = {15, 0, 10, 0, 'N'};
+    if (*buffers.dataLength < sizeof kVersion)
+        return 22;
+    std::memcpy(buffers.data, kVersion, sizeof kVersion);
+    *buffers.dataLength = sizeof kVersion;
+    return kOk;
+}
+
+bool isSilent(int operation, const CallBuffers& buffers) {
+    if (operation != 0)
+        return false;
+    const std::optional<PeerDatabase> database = findDatabase(
+        parseName(
+            QByteArray(buffers.key, qstrnlen(buffers.key, static_cast<size_t>(buffers.keyLength))))
+            .database);
+    return database && database->silent;
+}
+
+int run(int operation, char* block, CallBuffers& buffers, int key, const QByteArray& clientId) {
+    if (isSilent(operation, buffers))
+        std::this_thread::sleep_for(kSilence);
+    const std::lock_guard guard(g_mutex);
+    switch (operation) {
+        case 0:
+            return open(g_clients[clientId], block, buffers);
+        case 25:
+        case 28:
+            g_clients.erase(clientId);
+            return kOk;
+        case 26:
+            return version(buffers);
+        default:
+            break;
+    }
+    quint32 magic = 0;
+    quint32 handle = 0;
+    std::memcpy(&magic, block, sizeof magic);
+    std::memcpy(&handle, block + sizeof magic, sizeof handle);
+    const auto client = g_clients.find(clientId);
+    if (operation >= 1000 || operation == 19 || operation == 20 || operation == 21)
+        return kInvalidOperation;
+    if (magic != kMagic || client == g_clients.end())
+        return kFileNotOpen;
+    const auto cursor = client->second.cursors.find(handle);
+    if (cursor == client->second.cursors.end())
+        return kFileNotOpen;
+    if (operation == 1) {
+        client->second.cursors.erase(cursor);
+        std::memset(block, 0, sizeof magic);
+        return kOk;
+    }
+    return cursor->second->run(operation, buffers, key);
+}
+
+}  // namespace
+
+}  // namespace peer
+
+extern "C" Q_DECL_EXPORT qint16 PEER_CALL BTRCALLID(quint16 operation, void* positionBlock,
+                                                    void* data, quint32* dataLength, void* key,
+                                                    quint8 keyLength, qint8 keyNumber,
+                                                    void* clientId) {
+    try {
+        data::initDictionaryResources();
+        peer::CallBuffers buffers{static_cast<char*>(data), dataLength, static_cast<char*>(key),
+                                  keyLength};
+        return static_cast<qint16>(
+            peer::run(operation, static_cast<char*>(positionBlock), buffers, keyNumber,
+                      QByteArray(static_cast<const char*>(clientId), peer::kClientIdSize)));
+    } catch (const data::DataError& error) {
+        return static_cast<qint16>(peer::statusOf(error));
+    }
+}
+
+extern "C" Q_DECL_EXPORT qint16 PEER_CALL BTRCALL(quint16 operation, void* positionBlock,
+                                                  void* data, quint32* dataLength, void* key,
+                                                  quint8 keyLength, qint8 keyNumber) {
+    char everybody[peer::kClientIdSize] = {};
+    return BTRCALLID(operation, positionBlock, data, dataLength, key, keyLength, keyNumber,
+                     everybody);
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QByteArray>
+#include <memory>
+#include <optional>
+#include <set>
+
+#include "data/embedded/record_file.h"
+
+namespace peer {
+
+/// The buffers of one call, checked for room when they are written.
+struct CallBuffers {
+    char* data = nullptr;
+    quint32* dataLength = nullptr;
+    char* key = nullptr;
+    int keyLength = 0;
+};
+
+/// How a file misbehaves, for tests.
+enum class Fault {
+    None,
+    ShortRecord,  ///< says that its records are a byte shorter than they are
+    MovedKey      ///< says that key 0 begins a byte later than it does
+};
+
+/// One open file: a table of an embedded company, worked on as the record engine's files are.
+class PeerCursor {
+  public:
+    PeerCursor(std::shared_ptr<data::embedded::Connection> connection,
+               data::embedded::RecordTable& table, Fault fault);
+
+    /// Runs one operation with its lock bias. @return the status.
+    int run(int operation, CallBuffers& buffers, int keyNumber);
+
+  private:
+    int seek(int operation, CallBuffers& buffers, int key);
+    int walk(int operation, CallBuffers& buffers, int key);
+    int step(bool first, CallBuffers& buffers);
+    int direct(CallBuffers& buffers, int key, int bias);
+    int readMany(data::Direction direction, CallBuffers& buffers, int key);
+    int insert(CallBuffers& buffers, int key);
+    int update(CallBuffers& buffers);
+    int remove();
+    int unlock(CallBuffers& buffers, int key);
+    int stat(CallBuffers& buffers);
+    int givePosition(CallBuffers& buffers);
+
+    int lockRecord(data::RecordId id, int bias);
+    int give(std::optional<data::StoredRecord> record, int key, CallBuffers& buffers, int bias);
+    bool isLost() const;
+    QByteArray keyBytes(const QByteArray& record, int key) const;
+    QByteArray recordOf(const char* keyBuffer, int key) const;
+
+    std::shared_ptr<data::embedded::Connection> m_connection;
+    data::embedded::RecordTable& m_table;
+    mutable data::embedded::EmbeddedRecordFile m_file;
+    Fault m_fault;
+    std::optional<data::StoredRecord> m_current;
+    int m_currentKey = -1;
+    std::optional<data::RecordId> m_physical;
+    std::optional<data::RecordId> m_singleLock;
+    std::multiset<data::RecordId> m_locks;
+};
+
+}  // namespace peer
