@@ -22,7 +22,7 @@ bool isReadable(const TFieldCacheItem& field) {
     const int length = field.storedLength;
     switch (field.kind()) {
         case Kind::RawBytes:
-            return length >= 1;
+            return length >= (field.storage == Storage::LVar ? 2 : 1);
         case Kind::String:
             return (field.storage == Storage::LString || field.storage == Storage::ZString ||
                     field.storage == Storage::String) &&
