@@ -7,6 +7,7 @@
 #include "data/embedded/embedded_database.h"
 #include "data/record/tb_table.h"
 #include "tests/data/memory_engine.h"
+#include "tests/support/client_peer/peer_company.h"
 
 namespace test {
 
@@ -69,8 +70,38 @@ class EmbeddedTestEngine : public Engine {
         return *m_second;
     }
 
+    QString folder() const { return m_folder.path(); }
+
   private:
     QTemporaryDir m_folder;
+    std::unique_ptr<data::Database> m_first;
+    std::unique_ptr<data::Database> m_second;
+};
+
+/// The same store behind the record engine's call interface; each program is a session of its own.
+class ClientTestEngine : public Engine {
+  public:
+    ClientTestEngine() {
+        m_databases.add(QStringLiteral("koe"), m_store.folder());
+        m_first = open();
+    }
+    data::Database& database() override { return *m_first; }
+    data::Database& otherProgram() override {
+        if (!m_second)
+            m_second = open();
+        return *m_second;
+    }
+
+  private:
+    static std::unique_ptr<data::Database> open() {
+        data::client::ShopDatabaseSettings settings;
+        settings.name = QStringLiteral("koe");
+        settings.clientLibrary = PeerDatabases::library();
+        return std::make_unique<ClientRecordsDatabase>(settings);
+    }
+
+    PeerDatabases m_databases;
+    EmbeddedTestEngine m_store;
     std::unique_ptr<data::Database> m_first;
     std::unique_ptr<data::Database> m_second;
 };

@@ -455,11 +455,16 @@ TEST(TableRandom, AgreesWithAModelOnTheMemoryEngine) {
     }
 }
 
-TEST(TableRandom, AgreesWithAModelOnTheEmbeddedEngine) {
+template <typename T>
+class TableRandomOnDisk : public ::testing::Test {};
+using StoredEngines = ::testing::Types<test::EmbeddedTestEngine, test::ClientTestEngine>;
+TYPED_TEST_SUITE(TableRandomOnDisk, StoredEngines);
+
+TYPED_TEST(TableRandomOnDisk, AgreesWithAModel) {
     for (quint32 seed = 101; seed <= 104; ++seed) {
-        test::EmbeddedTestEngine engine;
+        TypeParam engine;
         walkRandomly(engine, seed, 300);
-        if (HasFailure())
+        if (this->HasFailure())
             return;
     }
 }

@@ -14,19 +14,28 @@ DataError diskError() {
     return DataError(ErrorKind::Io, QStringLiteral("KOE"), QStringLiteral("levy"));
 }
 
-class TableTest : public ::testing::Test {
+/// Every engine must behave alike.
+template <typename T>
+class TableOnEngine : public ::testing::Test {
   protected:
     void fill(KoeTable& table) {
         for (int group = 1; group <= 3; ++group)
             for (int i = 0; i < 5; ++i)
                 table.add(group * 10 + i, group, QStringLiteral("tuote %1").arg(i), i);
     }
+    T m_engine;
+};
+using Engines =
+    ::testing::Types<test::MemoryTestEngine, test::EmbeddedTestEngine, test::ClientTestEngine>;
+TYPED_TEST_SUITE(TableOnEngine, Engines);
+
+class TableTest : public TableOnEngine<test::MemoryTestEngine> {
+  protected:
     int readsOf(const std::function<void()>& call) {
         const int before = m_engine.store->reads;
         call();
         return m_engine.store->reads - before;
     }
-    test::MemoryTestEngine m_engine;
 };
 
 TEST_F(TableTest, WalksReadAhead) {
@@ -60,9 +69,9 @@ TEST_F(TableTest, WalksReadAhead) {
     EXPECT_EQ(readsOf([&] { EXPECT_EQ(table.walk().size(), 15); }), 2);
 }
 
-TEST_F(TableTest, WritesDuringAWalkAreSeen) {
-    KoeTable table(m_engine.database(), QStringLiteral("2"));
-    fill(table);
+TYPED_TEST(TableOnEngine, WritesDuringAWalkAreSeen) {
+    KoeTable table(this->m_engine.database(), QStringLiteral("2"));
+    this->fill(table);
     table.setRange({1}, {3});
     ASSERT_EQ(table.nro(), 10);
     // Moved ahead within the range: met again at its new place.
@@ -101,9 +110,9 @@ TEST_F(TableTest, WritesDuringAWalkAreSeen) {
     EXPECT_EQ(table.nro(), 11);
 }
 
-TEST_F(TableTest, DeletingToTheEndEmptiesTheRange) {
-    KoeTable table(m_engine.database(), QStringLiteral("2"));
-    fill(table);
+TYPED_TEST(TableOnEngine, DeletingToTheEndEmptiesTheRange) {
+    KoeTable table(this->m_engine.database(), QStringLiteral("2"));
+    this->fill(table);
     table.setRange({2}, {2});
     int deleted = 0;
     for (; !table.eof(); ++deleted)
@@ -118,8 +127,8 @@ TEST_F(TableTest, DeletingToTheEndEmptiesTheRange) {
     EXPECT_EQ(table.nro(), nro);
 }
 
-TEST_F(TableTest, SearchTextsMayBeLongerThanTheField) {
-    KoeTable table(m_engine.database(), QStringLiteral("1"));
+TYPED_TEST(TableOnEngine, SearchTextsMayBeLongerThanTheField) {
+    KoeTable table(this->m_engine.database(), QStringLiteral("1"));
     table.add(1, 1, QStringLiteral("ABCDEFGHIJKL"));  // all twelve characters
     table.add(2, 1, QStringLiteral("åland"));
     table.add(3, 1, QStringLiteral("Äiti"));
@@ -188,12 +197,12 @@ TEST_F(TableTest, FailuresLeaveRecordAndStateAsTheyWere) {
     EXPECT_EQ(table.nro(), 21);
 }
 
-TEST_F(TableTest, MisuseIsRefused) {
-    KoeTable table(m_engine.database());
+TYPED_TEST(TableOnEngine, MisuseIsRefused) {
+    KoeTable table(this->m_engine.database());
     EXPECT_TRUE(table.eof() && table.bof());
     EXPECT_EQ(errorOf([&] { table["Nro"].asInteger(); }), ErrorKind::Engine);
     EXPECT_EQ(errorOf([&] { table.edit(); }), ErrorKind::Engine);
-    fill(table);
+    this->fill(table);
     table.first();
     EXPECT_EQ(errorOf([&] { table["Nro"].setInteger(1); }), ErrorKind::Engine);
     table.edit();
@@ -209,14 +218,14 @@ TEST_F(TableTest, MisuseIsRefused) {
     TtbTable other;
     other.setTableName(QStringLiteral("KOE;OWNER:salainen"));
     EXPECT_EQ(errorOf([&] { other.open(); }), ErrorKind::NoConnection);
-    other.setDatabase(&m_engine.database());
+    other.setDatabase(&this->m_engine.database());
     other.open();
     EXPECT_EQ(other.recordCount(), 15);
 }
 
-TEST_F(TableTest, ControlsFollowTheRecord) {
-    KoeTable table(m_engine.database());
-    fill(table);
+TYPED_TEST(TableOnEngine, ControlsFollowTheRecord) {
+    KoeTable table(this->m_engine.database());
+    this->fill(table);
     int changes = 0;
     table.setOnChange([&] { ++changes; });
     table.first();
@@ -228,16 +237,7 @@ TEST_F(TableTest, ControlsFollowTheRecord) {
     EXPECT_EQ(changes, 2);
 }
 
-// Both engines must let two programs meet at a record in the same way.
-template <typename T>
-class TwoPrograms : public ::testing::Test {
-  protected:
-    T m_engine;
-};
-using Engines = ::testing::Types<test::MemoryTestEngine, test::EmbeddedTestEngine>;
-TYPED_TEST_SUITE(TwoPrograms, Engines);
-
-TYPED_TEST(TwoPrograms, EditsExcludeEachOtherAndReread) {
+TYPED_TEST(TableOnEngine, TwoProgramsEditsExcludeEachOtherAndReread) {
     KoeTable mine(this->m_engine.database());
     mine.add(1, 1, QStringLiteral("yksi"), 10);
     mine.add(2, 1, QStringLiteral("kaksi"), 20);
@@ -277,8 +277,8 @@ TYPED_TEST(TwoPrograms, EditsExcludeEachOtherAndReread) {
     EXPECT_TRUE(mine.tryEdit(std::chrono::milliseconds(0)));
 }
 
-TEST_F(TableTest, FieldsKeepWhatTheirStorageHolds) {
-    KoeTable table(m_engine.database());
+TYPED_TEST(TableOnEngine, FieldsKeepWhatTheirStorageHolds) {
+    KoeTable table(this->m_engine.database());
     table.insert();
     table["nro"].setString(QStringLiteral("12"));
     table["PROSENTTI"].setFloat(25.5);
@@ -315,9 +315,9 @@ TEST_F(TableTest, FieldsKeepWhatTheirStorageHolds) {
     EXPECT_EQ(table.findField(QStringLiteral("Olematon")), nullptr);
 }
 
-TEST_F(TableTest, DeclaredAndCalculatedFields) {
+TYPED_TEST(TableOnEngine, DeclaredAndCalculatedFields) {
     {
-        KoeTable table(m_engine.database());
+        KoeTable table(this->m_engine.database());
         table.add(7, 1, QStringLiteral("seitsemän"), 1234.5);
         table.edit();
         table["Pvm"].setDate(QDate(2024, 9, 1));
@@ -325,7 +325,7 @@ TEST_F(TableTest, DeclaredAndCalculatedFields) {
     }
     QLocale::setDefault(QLocale(QLocale::Finnish));
     TtbTable table;
-    table.setDatabase(&m_engine.database());
+    table.setDatabase(&this->m_engine.database());
     table.setTableName(QStringLiteral("KOE"));
     FieldDeclaration net{QStringLiteral("HintaAlv0"), QStringLiteral("#0.00")};
     net.calculatedKind = Kind::Float;

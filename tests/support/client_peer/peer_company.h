@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
+#include <stdexcept>
+
+#include "data/client/shop_records.h"
+
+namespace test {
+
+/// The databases that the client peer knows while the object lives.
+class PeerDatabases {
+  public:
+    PeerDatabases() { qputenv("CLIENT_PEER_DATABASES", m_file().toLocal8Bit()); }
+    ~PeerDatabases() { qunsetenv("CLIENT_PEER_DATABASES"); }
+    PeerDatabases(const PeerDatabases&) = delete;
+    PeerDatabases& operator=(const PeerDatabases&) = delete;
+
+    /// `extra`: further columns, see the peer.
+    void add(const QString& name, const QString& folder, const QString& extra = {}) {
+        QFile file(m_file());
+        if (!file.open(QIODevice::Append))
+            throw std::runtime_error("the peer's list of databases cannot be written");
+        file.write(QStringList{name, folder, extra}.join(u'\t').toUtf8() + '\n');
+    }
+
+    /// The peer's library, beside the test program.
+    static QString library() {
+#ifdef Q_OS_WIN
+        const QString name = QStringLiteral("/client_peer.dll");
+#else
+        const QString name = QStringLiteral("/client_peer.so");
+#endif
+        return QCoreApplication::applicationDirPath() + name;
+    }
+
+  private:
+    QString m_file() const {
+        return m_folder.filePath(QStringLiteral("databases"));
+    }
+    QTemporaryDir m_folder;
+};
+
+/// A company's records over the client library, without SQL.
+class ClientRecordsDatabase : public data::Database {
+  public:
+    explicit ClientRecordsDatabase(const data::client::ShopDatabaseSettings& settings)
+        : m_name(settings.name), m_records(settings) {}
+
+    QString name() const override { return m_name; }
+    QStringList tableNames() override { return m_records.tableNames(); }
+    std::unique_ptr<data::RecordFile> openTable(const QString& table) override {
+        return m_records.openTable(table);
+    }
+    std::unique_ptr<data::SqlStatement> prepare(const QString&) override {
+        throw data::DataError(data::ErrorKind::Engine, QString(), QStringLiteral("no SQL here"));
+    }
+    void setLockWait(std::chrono::milliseconds wait) override { m_records.setLockWait(wait); }
+    bool beginRun() override { return true; }
+    void endRun() override {}
+    void inTransaction(const std::function<void()>& body) override {
+        m_records.inTransaction(body);
+    }
+
+  private:
+    QString m_name;
+    data::client::ShopRecords m_records;
+};
+
+}  // namespace test
