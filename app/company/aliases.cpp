@@ -45,10 +45,13 @@ void requireReadable(const QString& fileName) {
 std::vector<Store> openStores() {
     std::vector<Store> stores;
 #ifdef Q_OS_WIN
-    for (const char* root : {"HKEY_CURRENT_USER", "HKEY_LOCAL_MACHINE"})
-        stores.push_back(std::make_unique<QSettings>(
-            QLatin1String(root) + QStringLiteral("\\Software\\Taksavaihe"),
-            QSettings::NativeFormat));
+    // The user's part is one for programs of 32 and 64 bits. The machine's part is two: what a
+    // 32-bit program registers for all users stands in its own.
+    const QString user = QStringLiteral("HKEY_CURRENT_USER\\Software\\Taksavaihe");
+    const QString machine = QStringLiteral("HKEY_LOCAL_MACHINE\\Software\\Taksavaihe");
+    stores.push_back(std::make_unique<QSettings>(user, QSettings::NativeFormat));
+    stores.push_back(std::make_unique<QSettings>(machine, QSettings::Registry64Format));
+    stores.push_back(std::make_unique<QSettings>(machine, QSettings::Registry32Format));
 #else
     const QString file = userSettingsFolder() + QStringLiteral("/aliases.ini");
     requireReadable(file);

@@ -16,9 +16,9 @@ struct Alias {
 
 /// The registered companies ("Aliases\NAME" with "PhysicalName", "LocalFilePath" and, where the
 /// record files have an owner, "OwnerName"): in the registry on Windows (the user's part, then the
-/// machine's), in the settings file "aliases.ini" of the user's settings folder elsewhere. Read
-/// afresh at every call, so other programs' changes are seen. Names compare without regard to the
-/// case of a to z.
+/// machine's, its 64-bit view first), in the settings file "aliases.ini" of the user's settings
+/// folder elsewhere. Read afresh at every call, so other programs' changes are seen. Names compare
+/// without regard to the case of a to z.
 /// @throws data::DataError(Io, Damaged) naming the settings file when it cannot be read or written.
 QStringList aliasNames();  ///< sorted for Finnish eyes
 std::optional<Alias> findAlias(const QString& name);

@@ -4,6 +4,8 @@
 
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
+
+#include "data/system_path.h"
 #else
 #include <fcntl.h>
 #include <unistd.h>
@@ -20,9 +22,9 @@ namespace company {
 
 QString appendToFile(const QString& fileName, const QByteArray& bytes) {
     const HANDLE file =
-        CreateFileW(reinterpret_cast<const wchar_t*>(fileName.utf16()), FILE_APPEND_DATA,
-                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
-                    FILE_ATTRIBUTE_NORMAL, nullptr);
+        CreateFileW(reinterpret_cast<const wchar_t*>(data::systemPath(fileName).utf16()),
+                    FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE)
         return qt_error_string(static_cast<int>(GetLastError()));
     DWORD written = 0;

@@ -10,7 +10,9 @@
 #include "data/clock.h"
 #include "data/record/windows1252.h"
 
-#ifndef Q_OS_WIN
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+#else
 #include <pwd.h>
 #include <unistd.h>
 #endif
@@ -117,6 +119,12 @@ void writeGeneralLog(const QString& message) {
 }
 
 QString computerName() {
+#ifdef Q_OS_WIN
+    wchar_t name[MAX_COMPUTERNAME_LENGTH + 1];
+    DWORD length = MAX_COMPUTERNAME_LENGTH + 1;
+    if (GetComputerNameW(name, &length))
+        return QString::fromWCharArray(name, static_cast<qsizetype>(length));
+#endif
     return QSysInfo::machineHostName();
 }
 

@@ -10,8 +10,13 @@ QString userSettingsFolder() {
 }
 
 std::unique_ptr<QSettings> userSettings() {
+#ifdef Q_OS_WIN
+    return std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
+                                       QStringLiteral("Taksavaihe"), QStringLiteral("Ikkunat"));
+#else
     return std::make_unique<QSettings>(userSettingsFolder() + QStringLiteral("/ikkunat.ini"),
                                        QSettings::IniFormat);
+#endif
 }
 
 }  // namespace company

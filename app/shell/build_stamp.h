@@ -11,6 +11,9 @@ QString buildStampText(std::optional<qint64> buildTime);
 
 /// Sets the program's own build time; called first of all by the main program.
 void setBuildTime(qint64 secondsSince1970);
+/// The time that the linker wrote into the running program's image; none on platforms whose
+/// images carry no time, and none where a build left it out.
+std::optional<qint64> imageTime();
 /// The stamp of the running program.
 QString buildStamp();
 

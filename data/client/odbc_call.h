@@ -2,6 +2,7 @@
 
 #ifdef _WIN32
 #include <windows.h>
+#define SQL_NOUNICODEMAP  // the 8-bit calls under their own names, as elsewhere
 #endif
 #include <sql.h>
 #include <sqlext.h>

@@ -3,7 +3,6 @@
 #ifdef _WIN32
 
 #define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
 #include <windows.h>
 
 #include <system_error>

@@ -4,6 +4,8 @@
 #include <system_error>
 #include <thread>
 
+#include "data/system_path.h"
+
 namespace data::embedded {
 
 namespace {
@@ -21,7 +23,7 @@ std::int64_t byteOf(const RecordAddress& record) {
 }
 
 std::filesystem::path pathOf(const QString& fileName) {
-    return std::filesystem::path(fileName.toStdU16String());
+    return std::filesystem::path(systemPath(fileName).toStdU16String());
 }
 
 // Calls `attempt` until it succeeds or the time comes.

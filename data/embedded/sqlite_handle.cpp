@@ -5,12 +5,18 @@
 #include <new>
 #include <utility>
 
+#include "data/system_path.h"
+
 namespace data::embedded {
 
 namespace {
 
 const char*& fileSystemName() {
+#ifdef Q_OS_WIN
+    static const char* name = "win32-longpath";  // the platform's own stops at 260 characters
+#else
     static const char* name = nullptr;
+#endif
     return name;
 }
 
@@ -64,7 +70,8 @@ void throwSqlite(sqlite3* db, int code, const QString& table) {
 SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX |
                       (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
-    const int code = sqlite3_open_v2(fileName.toUtf8().constData(), &m_db, flags, fileSystemName());
+    const int code =
+        sqlite3_open_v2(systemPath(fileName).toUtf8().constData(), &m_db, flags, fileSystemName());
     if (code != SQLITE_OK) {
         const QString detail =
             QString::fromUtf8(m_db != nullptr ? sqlite3_errmsg(m_db) : sqlite3_errstr(code));

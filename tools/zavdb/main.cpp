@@ -5,9 +5,11 @@
 #include <io.h>
 #endif
 
+#include "app/company/console.h"
 #include "tools/zavdb/command.h"
 
 int main(int argc, char** argv) {
+    const company::Console console;
 #ifdef Q_OS_WIN
     // exported files are the same bytes on every platform
     _setmode(_fileno(stdout), _O_BINARY);
