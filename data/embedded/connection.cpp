@@ -62,8 +62,11 @@ Connection::~Connection() {
     m_tables.clear();
 }
 
+// Beside the database itself, whichever link it is reached by: programs that come by different paths
+// must meet at one file.
 QString Connection::lockFileName(const QString& fileName) {
-    return fileName + QStringLiteral("-lock");
+    const QString real = QFileInfo(fileName).canonicalFilePath();
+    return (real.isEmpty() ? fileName : real) + QStringLiteral("-lock");
 }
 
 void Connection::checkFile() {

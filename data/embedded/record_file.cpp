@@ -10,8 +10,8 @@ EmbeddedRecordFile::EmbeddedRecordFile(std::shared_ptr<Connection> connection, R
     : m_connection(std::move(connection)), m_table(table) {}
 
 EmbeddedRecordFile::~EmbeddedRecordFile() {
-    for (const auto& [id, count] : m_locked) {
-        for (int i = 0; i < count; ++i)
+    for (const auto& [id, locked] : m_locked) {
+        for (int i = 0; i < locked.count; ++i)
             m_connection->locks().release({m_table.number(), id});
     }
 }
@@ -259,13 +259,15 @@ std::optional<StoredRecord> EmbeddedRecordFile::get(RecordId id) {
     std::optional<QByteArray> bytes = m_table.read(id);
     if (!bytes)
         return std::nullopt;
+    if (const auto locked = m_locked.find(id); locked != m_locked.end())
+        locked->second.seen = *bytes;
     return StoredRecord{id, std::move(*bytes)};
 }
 
 bool EmbeddedRecordFile::lock(RecordId id, std::chrono::milliseconds wait) {
     if (!m_connection->locks().hold({m_table.number(), id}, wait))
         return false;
-    ++m_locked[id];
+    ++m_locked[id].count;
     return true;
 }
 
@@ -274,7 +276,7 @@ void EmbeddedRecordFile::unlock(RecordId id) {
     if (locked == m_locked.end())
         return;
     m_connection->locks().release({m_table.number(), id});
-    if (--locked->second == 0)
+    if (--locked->second.count == 0)
         m_locked.erase(locked);
 }
 
@@ -298,8 +300,20 @@ QByteArray EmbeddedRecordFile::stored(RecordId id) {
 }
 
 void EmbeddedRecordFile::update(RecordId id, const QByteArray& bytes) {
-    m_connection->write(Connection::WriteUnit::Records,
-                        [&] { m_table.update(id, stored(id), bytes); });
+    const auto locked = m_locked.find(id);
+    m_connection->write(Connection::WriteUnit::Records, [&] {
+        const QByteArray before = stored(id);
+        // The lock keeps other programs out, but not other tables and statements of this one.
+        if (locked != m_locked.end() && !locked->second.seen.isEmpty() &&
+            locked->second.seen != before)
+            throw DataError(ErrorKind::Engine, m_table.name(),
+                            QStringLiteral("this program itself changed the record while it was "
+                                           "being edited: %1")
+                                .arg(m_table.describe(before)));
+        m_table.update(id, before, bytes);
+    });
+    if (locked != m_locked.end())
+        locked->second.seen = bytes;
 }
 
 void EmbeddedRecordFile::remove(RecordId id) {

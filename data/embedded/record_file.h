@@ -49,7 +49,11 @@ class EmbeddedRecordFile : public RecordFile {
 
     std::shared_ptr<Connection> m_connection;
     RecordTable& m_table;
-    std::map<RecordId, int> m_locked;  // with the number of locks
+    struct Locked {
+        int count = 0;
+        QByteArray seen;  // the record as it was last read or written under the lock
+    };
+    std::map<RecordId, Locked> m_locked;
 };
 
 }  // namespace data::embedded

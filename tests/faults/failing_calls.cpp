@@ -141,15 +141,13 @@ ssize_t pwrite64(int descriptor, const void* from, size_t count, off64_t offset)
     return ::syscall(SYS_pwrite64, descriptor, from, count, offset);
 }
 
+// No test here loses power: nothing has to reach the disk.
 int fsync(int descriptor) {
-    return test::failsOn("flush", descriptor) ? -1
-                                              : static_cast<int>(::syscall(SYS_fsync, descriptor));
+    return test::failsOn("flush", descriptor) ? -1 : 0;
 }
 
 int fdatasync(int descriptor) {
-    return test::failsOn("flush", descriptor)
-               ? -1
-               : static_cast<int>(::syscall(SYS_fdatasync, descriptor));
+    return fsync(descriptor);
 }
 
 int ftruncate(int descriptor, off_t size) noexcept {
