@@ -139,8 +139,11 @@ ExitStatus TMainForm::runWholeBatch() {
         return framework::TRapMaarForm::LataaArvot(*m_changeForm, name);
     };
     ports.run = [this] {
-        const auto result = m_changeForm->EsikatseleClick();
-        return result.value_or(vatchange::RunResult{.refused = true});
+        if (auto result = m_changeForm->EsikatseleClick())
+            return *std::move(result);
+        vatchange::RunResult notRun;
+        notRun.refused = true;
+        return notRun;
     };
     ports.generalLog = company::writeGeneralLog;
     ports.changeLog = company::WriteAlvMuutosLog;

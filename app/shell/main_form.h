@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QComboBox>
-#include <QGridLayout>
+#include <QGroupBox>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
@@ -46,8 +46,10 @@ class TMainForm : public QWidget {
 
   private:
     void buildLayout();
-    void buildBatchPart(QGridLayout* grid);
-    void buildClassPart(QGridLayout* grid);
+    QGroupBox* buildBatchPart();
+    QGroupBox* buildClassPart();
+    QLayout* buildButtons();
+    QLayout* buildFoot();
     void readVatClasses();
     bool alreadyRun() const;
     void openChangeForm();

@@ -2,7 +2,6 @@
 
 #include <QFocusEvent>
 #include <QRadioButton>
-#include <QVBoxLayout>
 #include <QWheelEvent>
 #include <algorithm>
 
@@ -45,15 +44,24 @@ void LookupCombo::wheelEvent(QWheelEvent* event) {
 
 RadioGroup::RadioGroup(const QString& caption, const QStringList& items, int chosen,
                        QWidget* parent)
-    : QGroupBox(caption, parent), m_buttons(new QButtonGroup(this)) {
-    auto* column = new QVBoxLayout(this);
-    column->setSpacing(2);
+    : QGroupBox(caption, parent), m_buttons(new QButtonGroup(this)), m_grid(new QGridLayout(this)) {
+    setAccessibleName(caption);
     for (const QString& item : items) {
         auto* button = new QRadioButton(item, this);
-        m_buttons->addButton(button, static_cast<int>(m_buttons->buttons().size()));
-        column->addWidget(button);
+        button->setAccessibleName(caption + QStringLiteral(", ") + item.trimmed());
+        const int row = static_cast<int>(m_buttons->buttons().size());
+        m_buttons->addButton(button, row);
+        m_grid->addWidget(button, row, 0);
     }
+    setRows(static_cast<int>(items.size()));
     setItemIndex(chosen);
+}
+
+void RadioGroup::setRows(int rows) {
+    for (int row = 0; row < rows; ++row) {
+        m_grid->setRowMinimumHeight(row, m_buttons->button(0)->sizeHint().height());
+        m_grid->setRowStretch(row, 1);
+    }
 }
 
 void RadioGroup::setItemIndex(int index) {

@@ -3,6 +3,7 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QListWidget>
 #include <QStringList>
@@ -51,12 +52,16 @@ class RadioGroup : public QGroupBox, public SavedControl {
     int itemIndex() const { return m_buttons->checkedId(); }
     void setItemIndex(int index);
     QStringList items() const;
+    /// Lays the items out as the first of so many equally high rows, so that groups side by side
+    /// have their items level.
+    void setRows(int rows);
 
     QString savedValue() const override;
     bool setSavedValue(const QString& value) override;
 
   private:
     QButtonGroup* m_buttons;
+    QGridLayout* m_grid;
 };
 
 /// A list of numbered items with check marks, saved as the checked numbers separated by commas.

@@ -115,6 +115,13 @@ QString withLineBreaks(QString text) {
     return text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
 }
 
+void describeByHints(QWidget& window) {
+    for (QWidget* control : window.findChildren<QWidget*>()) {
+        if (control->accessibleDescription().isEmpty() && !control->toolTip().isEmpty())
+            control->setAccessibleDescription(control->toolTip());
+    }
+}
+
 QString errorText(const std::exception& error) {
     if (const auto* dataError = dynamic_cast<const data::DataError*>(&error))
         return dataError->finnish();

@@ -43,6 +43,9 @@ class Dialogs {
 /// Line ends of the quoted texts ("\r", "\r\n") as a window wants them ("\n").
 QString withLineBreaks(QString text);
 
+/// Gives a screen reader the hints of a window's controls as their descriptions.
+void describeByHints(QWidget& window);
+
 /// Runs a handler of a window and shows what it throws as an error message: no exception may pass
 /// through the event loop. @return false when it threw.
 bool reportErrors(QWidget* parent, const std::function<void()>& work);

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QProxyStyle>
+
+namespace framework {
+
+/// The look of the program's windows: the Fusion style with groups drawn as cards under bold
+/// titles and a little more room in lists. Takes every colour from the palette, so that it follows
+/// a dark desktop.
+class ProgramStyle : public QProxyStyle {
+    Q_OBJECT
+  public:
+    ProgramStyle();
+
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                            QPainter* painter, const QWidget* widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option,
+                         SubControl subControl, const QWidget* widget) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                           const QWidget* widget) const override;
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* returnData) const override;
+};
+
+}  // namespace framework

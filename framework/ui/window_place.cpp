@@ -1,0 +1,44 @@
+#include "framework/ui/window_place.h"
+
+#include <QEvent>
+#include <QSettings>
+
+#include "app/company/command_line.h"
+#include "app/company/user_settings.h"
+#include "framework/ui/dialogs.h"
+
+namespace framework {
+
+namespace {
+
+bool someoneWorksHere() {
+    return Dialogs::someoneThere() && !company::hasSwitch(QStringLiteral("/E"));
+}
+
+class PlaceKeeper : public QObject {
+  public:
+    PlaceKeeper(QWidget& window, QString key)
+        : QObject(&window), m_window(window), m_key(std::move(key)) {}
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        // Minimising hides too, but then the system says so (spontaneous).
+        if (event->type() == QEvent::Hide && !event->spontaneous() && someoneWorksHere())
+            company::userSettings()->setValue(m_key, m_window.saveGeometry());
+        return false;
+    }
+
+  private:
+    QWidget& m_window;
+    QString m_key;
+};
+
+}  // namespace
+
+bool rememberPlace(QWidget& window, const QString& name) {
+    const QString key = QStringLiteral("Paikat/") + name;
+    window.installEventFilter(new PlaceKeeper(window, key));
+    return someoneWorksHere() &&
+           window.restoreGeometry(company::userSettings()->value(key).toByteArray());
+}
+
+}  // namespace framework
