@@ -11,6 +11,7 @@
 #include "app/company/logs.h"
 #include "app/shell/build_stamp.h"
 #include "app/shell/main_form.h"
+#include "app/shell/program_title.h"
 #include "framework/ui/company_choice.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/splash.h"
@@ -144,7 +145,7 @@ int runProgram(QApplication& application) {
     company::TZavDbConnectionModule::setNotice(framework::showNotice);
 
     auto splash = std::make_unique<framework::TZAVLogoForm>();
-    splash->AsetaTiedot(QStringLiteral("Taksavaihe 1.9.2024"), QStringLiteral("4.0beta"));
+    splash->AsetaTiedot(kProgramTitle, kProgramVersion);
     splash->progressBar()->setMaximum(kSplashProgressMaximum);
     splash->showNow();
     splash->progressBar()->setValue(kSplashProgressAtStart);

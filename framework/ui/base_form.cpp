@@ -1,9 +1,13 @@
 #include "framework/ui/base_form.h"
 
+#include <QDir>
 #include <QSignalBlocker>
+#include <QTemporaryDir>
 
+#include "data/error.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/dialogs.h"
+#include "framework/ui/mail.h"
 #include "framework/ui/pdf_report.h"
 
 namespace framework {
@@ -14,7 +18,8 @@ TPerusForm::TPerusForm(const QString& formName, QWidget* parent)
       Talletus(new QPushButton(QStringLiteral("&Talleta..."), this)),
       Esikatsele(new QPushButton(QStringLiteral("&Esikatsele"), this)),
       Tulosta(new QPushButton(QStringLiteral("Tul&osta"), this)),
-      Pdf(new QPushButton(QStringLiteral("&Pdf..."), this)) {
+      Pdf(new QPushButton(QStringLiteral("&Pdf..."), this)),
+      Sahkoposti(new QPushButton(QStringLiteral("Sä&hköposti..."), this)) {
     setObjectName(formName);
     LatausCombo->setObjectName(QStringLiteral("LatausCombo"));
     LatausCombo->setAccessibleName(QStringLiteral("Määrittely"));
@@ -31,7 +36,11 @@ TPerusForm::TPerusForm(const QString& formName, QWidget* parent)
 
     connect(LatausCombo, &QComboBox::activated, this, &TPerusForm::LatausComboActivated);
     connect(Talletus, &QPushButton::clicked, this, &TPerusForm::TalletusClick);
+    Sahkoposti->setObjectName(QStringLiteral("Sahkoposti"));
+    Sahkoposti->setToolTip(QStringLiteral("Lähetä PDF-raportti sähköpostilla"));
+
     connect(Pdf, &QPushButton::clicked, this, &TPerusForm::PdfClick);
+    connect(Sahkoposti, &QPushButton::clicked, this, &TPerusForm::SahkopostiClick);
 }
 
 SavedDefinition TPerusForm::currentDefinition(const QString& name,
@@ -97,13 +106,49 @@ void TPerusForm::TalletusClick() {
 void TPerusForm::PdfClick() {
     if (!acceptTyped())
         return;
+QString TPerusForm::reportFileName() const {
+    return pdfFileName(m_loaded.name.isEmpty() ? windowTitle() : m_loaded.name);
+}
+
     reportErrors(this, [this] {
-        QString name = m_loaded.name.isEmpty() ? windowTitle() : m_loaded.name;
-        const QString fileName = Dialogs::saveFileName(this, QStringLiteral("Talleta PDF-raportti"),
-                                                       name + QStringLiteral(".pdf"),
-                                                       QStringLiteral("PDF-tiedostot (*.pdf)"));
+        const QString fileName =
+            Dialogs::saveFileName(this, QStringLiteral("Talleta PDF-raportti"), reportFileName(),
+                                  QStringLiteral("PDF-tiedostot (*.pdf)"));
         if (!fileName.isEmpty())
-            writePdf(reportHtml(), fileName);
+            writePdf(report(), fileName);
+    });
+}
+
+void TPerusForm::SahkopostiClick() {
+    if (!acceptTyped())
+        return;
+    reportErrors(this, [this] {
+        // The mail program reads the file when the message is sent, perhaps after this program's
+        // end: the folder stays, the system cleans it up with its other temporary files.
+        QTemporaryDir folder(QDir::temp().filePath(QStringLiteral("taksavaihe-XXXXXX")));
+        folder.setAutoRemove(false);
+        if (!folder.isValid())
+            throw data::DataError(data::ErrorKind::Io, folder.path(), folder.errorString());
+        const QString fileName = folder.filePath(reportFileName());
+        const Report content = report();
+        writePdf(content, fileName);
+        const QString text =
+            QStringLiteral("Liitteenä raportti: %1 (%2).").arg(content.headRight, content.headLeft);
+        const QString shown = QDir::toNativeSeparators(fileName);
+        switch (composeMail(content.headRight, text, fileName)) {
+            case MailResult::Attached:
+                break;
+            case MailResult::ByHand:
+                Dialogs::message(this, QStringLiteral("Sähköpostiohjelma ei ottanut raporttia "
+                                                      "liitteeksi. Liitä se viestiin itse:\r%1")
+                                           .arg(shown));
+                break;
+            case MailResult::Impossible:
+                Dialogs::error(this, QStringLiteral("Sähköpostiohjelmaa ei voitu avata. Raportti "
+                                                    "on tiedostossa\r%1")
+                                         .arg(shown));
+                break;
+        }
     });
 }
 

@@ -7,13 +7,14 @@
 
 #include "framework/core/definition_store.h"
 #include "framework/ui/control_values.h"
+#include "framework/ui/pdf_report.h"
 
 namespace framework {
 
 /// Base of the forms whose controls make a definition that can be saved, loaded and carried out:
-/// the definition choice `LatausCombo` and the buttons `Talletus`, `Esikatsele`, `Tulosta` and
-/// `Pdf`. A descendant builds its controls, places these, and calls restoreLastState() at the end
-/// of its creation.
+/// the definition choice `LatausCombo` and the buttons `Talletus`, `Esikatsele`, `Tulosta`, `Pdf`
+/// and `Sahkoposti`. A descendant builds its controls, places these, and calls restoreLastState()
+/// at the end of its creation.
 class TPerusForm : public QWidget {
     Q_OBJECT
   public:
@@ -26,6 +27,7 @@ class TPerusForm : public QWidget {
     QPushButton* Esikatsele;
     QPushButton* Tulosta;
     QPushButton* Pdf;
+    QPushButton* Sahkoposti;
 
     /// The definition now in the controls, as loaded or saved last; no name when none was.
     const SavedDefinition& loadedDefinition() const { return m_loaded; }
@@ -49,8 +51,8 @@ class TPerusForm : public QWidget {
     virtual bool acceptTyped() { return true; }
     /// Reports a text to the person, or to the log when nobody is there.
     virtual void NaytaViesti(const QString& text);
-    /// The report that `Pdf` writes, as HTML.
-    virtual QString reportHtml() const { return {}; }
+    /// The report that `Pdf` writes and `Sahkoposti` sends.
+    virtual Report report() const { return {}; }
 
   private:
     void LatausComboActivated();
@@ -58,6 +60,8 @@ class TPerusForm : public QWidget {
     void PdfClick();
 
     QMap<QString, QString> m_defaults;
+    void SahkopostiClick();
+    QString reportFileName() const;
     SavedDefinition m_loaded;
 };
 

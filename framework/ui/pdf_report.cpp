@@ -2,10 +2,13 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QRegularExpression>
 #include <QSaveFile>
+#include <QTextBlock>
 #include <QTextDocument>
 
 #include "data/error.h"
@@ -15,13 +18,70 @@ namespace framework {
 namespace {
 
 constexpr int kResolution = 300;  // dots per inch
+constexpr qreal kHead = kResolution * 0.32;
+constexpr qreal kFoot = kResolution * 0.32;
+constexpr qreal kSmallPoints = 8;
+const QColor kQuiet(0x55, 0x55, 0x55);
 
-void paint(QTextDocument& document, QPdfWriter& writer) {
+const QString kStyle = QStringLiteral(
+    "h1 { font-size: 17pt; margin-top: 0; margin-bottom: 4pt; }"
+    "h2 { font-size: 12pt; margin-top: 14pt; margin-bottom: 4pt; color: #1f4e79; }"
+    "p { margin-top: 0; margin-bottom: 4pt; }"
+    "th { background-color: #e8eef5; text-align: left; }"
+    "th, td { border-bottom: 1px solid #c4c4c4; padding: 2px 4px; }");
+
+int pageOf(const QTextDocument& document, qreal y) {
+    return static_cast<int>(y / document.pageSize().height());
+}
+
+// The first line below a block's top: of the block itself, or of the table that begins with it.
+qreal firstLineBottom(const QTextDocument& document, const QTextBlock& block) {
+    const QRectF place = document.documentLayout()->blockBoundingRect(block);
+    const qreal line = block.layout()->lineCount() > 0 ? block.layout()->lineAt(0).height() : 0;
+    return place.top() + line;
+}
+
+// Breaks the page before a heading that would stand alone at the foot of one. Each break moves only
+// what comes after it, so one walk from the front is enough.
+void keepHeadingsWithText(QTextDocument& document) {
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        const QTextBlock next = block.next();
+        if (block.blockFormat().headingLevel() == 0 || !next.isValid())
+            continue;
+        const qreal top = document.documentLayout()->blockBoundingRect(block).top();
+        if (pageOf(document, top) == pageOf(document, firstLineBottom(document, next)))
+            continue;
+        QTextCursor cursor(block);
+        QTextBlockFormat format = block.blockFormat();
+        format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+        cursor.setBlockFormat(format);
+    }
+}
+
+void paintMargins(QPainter& painter, const QRectF& page, const Report& report, int number,
+                  int pages) {
+    QFont small = painter.font();
+    small.setPointSizeF(kSmallPoints);
+    painter.setFont(small);
+    painter.setPen(kQuiet);
+    painter.drawText(page, Qt::AlignLeft | Qt::AlignTop, report.headLeft);
+    painter.drawText(page, Qt::AlignRight | Qt::AlignTop, report.headRight);
+    painter.drawText(page, Qt::AlignLeft | Qt::AlignBottom, report.footLeft);
+    painter.drawText(page, Qt::AlignRight | Qt::AlignBottom,
+                     QStringLiteral("Sivu %1/%2").arg(number).arg(pages));
+    painter.setPen(QPen(kQuiet, kResolution / 200.0));
+    const qreal headLine = page.top() + kHead * 0.6;
+    const qreal footLine = page.bottom() - kFoot * 0.6;
+    painter.drawLine(QPointF(page.left(), headLine), QPointF(page.right(), headLine));
+    painter.drawLine(QPointF(page.left(), footLine), QPointF(page.right(), footLine));
+}
+
+void paint(QTextDocument& document, QPdfWriter& writer, const Report& report) {
     const QRectF page(QPointF(0, 0), QSizeF(writer.width(), writer.height()));
-    const qreal footer = kResolution / 3.0;
-    const QRectF body = page.adjusted(0, 0, 0, -footer);
+    const QRectF body = page.adjusted(0, kHead, 0, -kFoot);
     document.documentLayout()->setPaintDevice(&writer);
     document.setPageSize(body.size());
+    keepHeadingsWithText(document);
 
     QPainter painter(&writer);
     const int pages = document.pageCount();
@@ -29,36 +89,44 @@ void paint(QTextDocument& document, QPdfWriter& writer) {
         if (i > 0)
             writer.newPage();
         painter.save();
-        painter.translate(0, -i * body.height());
+        painter.translate(0, body.top() - i * body.height());
         document.drawContents(&painter, QRectF(0, i * body.height(), body.width(), body.height()));
         painter.restore();
+        painter.save();
         painter.setFont(document.defaultFont());
-        painter.drawText(page, Qt::AlignRight | Qt::AlignBottom,
-                         QStringLiteral("%1 (%2)").arg(i + 1).arg(pages));
+        paintMargins(painter, page, report, i + 1, pages);
+        painter.restore();
     }
 }
 
 }  // namespace
 
-void writePdf(const QString& html, const QString& fileName) {
+void writePdf(const Report& report, const QString& fileName) {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
     {
         QPdfWriter writer(&buffer);
         writer.setResolution(kResolution);
         writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
-                                         QMarginsF(18, 16, 18, 14), QPageLayout::Millimeter));
-        writer.setCreator(QStringLiteral("Taksavaihe"));
+                                         QMarginsF(18, 14, 18, 12), QPageLayout::Millimeter));
+        writer.setCreator(QCoreApplication::applicationName());
+        writer.setTitle(report.headRight);
         QTextDocument document;
         document.setDefaultFont(QFont(QStringLiteral("Sans Serif"), 9));
         document.setDocumentMargin(0);
-        document.setHtml(html);
-        paint(document, writer);
+        document.setDefaultStyleSheet(kStyle);
+        document.setHtml(report.html);
+        paint(document, writer, report);
     }
     QSaveFile file(fileName);
     if (!file.open(QIODevice::WriteOnly) || file.write(buffer.data()) != buffer.size() ||
         !file.commit())
         throw data::DataError(data::ErrorKind::Io, fileName, file.errorString());
+}
+
+QString pdfFileName(const QString& title) {
+    static const QRegularExpression kRefused(QStringLiteral("[\\\\/:*?\"<>|\\x00-\\x1f]"));
+    return QString(title).replace(kRefused, QStringLiteral("-")).trimmed() + QStringLiteral(".pdf");
 }
 
 }  // namespace framework

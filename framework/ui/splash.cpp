@@ -14,8 +14,15 @@ TZAVLogoForm::TZAVLogoForm()
       m_version(new QLabel(this)),
       m_progress(new QProgressBar(this)) {
     setObjectName(QStringLiteral("ZAVLogoForm"));
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(32, 24, 32, 24);
+    auto* whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    auto* frame = new QFrame(this);
+    frame->setFrameStyle(QFrame::Box | QFrame::Plain);
+    frame->setBackgroundRole(QPalette::Base);
+    frame->setAutoFillBackground(true);
+    whole->addWidget(frame);
+    auto* column = new QVBoxLayout(frame);
+    column->setContentsMargins(40, 32, 40, 32);
     column->setSpacing(12);
 
     const QString picture = QCoreApplication::applicationDirPath() + QStringLiteral("/ZAVLOGO.JPG");
@@ -35,11 +42,13 @@ TZAVLogoForm::TZAVLogoForm()
     column->addWidget(m_title, 0, Qt::AlignCenter);
     column->addWidget(m_version, 0, Qt::AlignCenter);
     m_progress->setTextVisible(false);
-    m_progress->setMinimumWidth(320);
-    column->addWidget(m_progress);
+    m_progress->setFixedSize(360, 8);
+    column->addSpacing(8);
+    column->addWidget(m_progress, 0, Qt::AlignCenter);
 }
 
 void TZAVLogoForm::AsetaTiedot(const QString& title, const QString& version) {
+    setWindowTitle(title);
     m_title->setText(title);
     m_version->setText(version);
 }

@@ -10,7 +10,6 @@
 #include "framework/ui/definition_window.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/shop_company.h"
-#include "vatchange/form/definition_report.h"
 
 using framework::DefinitionStore;
 using framework::TRapMaarForm;
@@ -348,21 +347,6 @@ TEST_F(ChangeForm, ClassLabelsFollowTheEdits) {
         EXPECT_EQ(c.sourceRate->text().toStdString(), text);
         EXPECT_EQ(c.targetRate->text().toStdString(), text);
     }
-}
-
-TEST(DefinitionReport, SaysRestrictionsAsTheSelectionTakesThem) {
-    vatchange::ChangeDefinition d;
-    d.sourceClass = 3;
-    d.subGroup = {true, 10, 20, str("12,13")};
-    d.productGroup = {true, 0, 7, {}};  // one bound is one group
-    d.mainGroup = {false, 1, 2, {}};
-    d.levels[1] = {1.1, str("hinta3"), false};
-    const QString html =
-        vatchange::definitionReport(d, {str("A & B <Oy>"), str("Koe"), {}, {}, str("24%"), {}, {}});
-    for (const char* part :
-         {"A &amp; B &lt;Oy&gt;", ">3 (24%)<", ">0 (veroluokattomat)<",
-          ">ryhmät 10-20, ulosrajatut: 12,13<", ">vain ryhmä 7<", ">ei rajausta<", ">Hinta 3<"})
-        EXPECT_TRUE(html.contains(str(part))) << part;
 }
 
 TEST_F(ChangeForm, ReportIsWrittenAsPdf) {

@@ -98,6 +98,7 @@ TEST(FailingRun, LockedProductIsSkippedAndLogged) {
     ASSERT_TRUE(file->lock(record.front().id, std::chrono::milliseconds(0)));
     const RunResult result = company.run(plainDefinition());
     EXPECT_EQ(result.skippedProducts, 1);
+    EXPECT_EQ(result.skippedNumbers, QStringList("A2"));
     EXPECT_EQ(result.products, 2);
     EXPECT_EQ(result.failedSteps, 0);
     EXPECT_TRUE(company.ports.hasLine("Virhe tuotteen päivityksessä: A2 tuotetta ei voi muokata"));
@@ -137,6 +138,8 @@ TEST(FailingRun, EveryStepIsCaughtByItself) {
     company.ports.program = QStringLiteral("Taksavaihe");
     const RunResult result = company.run(definition);
     EXPECT_EQ(result.failedSteps, 7);
+    EXPECT_EQ(result.failures.size(), 7);
+    EXPECT_TRUE(result.failures.first().startsWith("Virhe asiakashinnaston päivityksessä: "));
     EXPECT_EQ(result.products, 1);
     EXPECT_TRUE(result.markWritten) << "a reported error does not keep the mark back";
     const std::vector<std::pair<const char*, const char*>> wordings = {

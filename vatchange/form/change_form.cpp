@@ -13,7 +13,7 @@
 #include "data/sql/uni_query.h"
 #include "framework/ui/dialogs.h"
 #include "vatchange/form/coefficients.h"
-#include "vatchange/form/definition_report.h"
+#include "vatchange/form/run_report.h"
 
 namespace vatchange {
 
@@ -320,12 +320,26 @@ ChangeDefinition TAlvMuutosLomake::definitionFromForm() const {
     return d;
 }
 
-QString TAlvMuutosLomake::reportHtml() const {
-    return definitionReport(
-        definitionFromForm(),
-        {company::currentCompany().name, loadedDefinition().name, loadedDefinition().description,
-         QLocale().toString(data::Clock::now(), QLocale::ShortFormat),
-         m_controls.sourceRate->text(), m_controls.targetRate->text(), m_levelNames});
+framework::Report TAlvMuutosLomake::report() const {
+    ChangeReport report;
+    report.company = company::currentCompany().name;
+    report.name = loadedDefinition().name;
+    report.description = loadedDefinition().description;
+    report.definition = definitionFromForm();
+    report.lastRun = m_lastRun;
+    report.names.levels = m_levelNames;
+    for (int row = 0; row < m_controls.customerGroups->count(); ++row) {
+        const QString group = m_controls.customerGroups->item(row)->text();
+        report.names.customerGroups.insert(group.section(QLatin1Char('='), 0, 0).toInt(),
+                                           group.section(QLatin1Char('='), 1));
+    }
+    const ChangeDefinition& run = m_lastRun ? m_lastRun->definition : report.definition;
+    for (const int vatClass : {report.definition.sourceClass, report.definition.targetClass,
+                               run.sourceClass, run.targetClass}) {
+        if (const auto rate = ratePercent(vatClass))
+            report.names.rates.insert(vatClass, ratePattern(*rate));
+    }
+    return changeReport(report);
 }
 
 void TAlvMuutosLomake::NaytaViesti(const QString& text) {

@@ -8,7 +8,7 @@
 #include "framework/ui/base_form.h"
 #include "vatchange/form/form_controls.h"
 #include "vatchange/form/search_windows.h"
-#include "vatchange/run/change_run.h"
+#include "vatchange/run/run_record.h"
 
 namespace vatchange {
 
@@ -52,7 +52,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void closeEvent(QCloseEvent* event) override;
     void afterLoad() override;
     bool acceptTyped() override;
-    QString reportHtml() const override;
+    framework::Report report() const override;
 
   private:
     friend class FormRunPorts;
@@ -90,5 +90,6 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     bool m_cancelRequested = false;
     bool m_closeWhenDone = false;
 };
+    std::optional<RunRecord> m_lastRun;
 
 }  // namespace vatchange

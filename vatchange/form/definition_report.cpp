@@ -16,48 +16,6 @@ QString number(double value) {
     return locale.toString(value, 'g', QLocale::FloatingPointShortest);
 }
 
-/// Collects headings and rows of two or more columns.
-class Html {
-  public:
-    void section(const QString& title) {
-        closeTable();
-        m_text += QStringLiteral("<h3>%1</h3>").arg(title.toHtmlEscaped());
-    }
-    void row(const QStringList& cells, bool heading = false) {
-        if (!m_tableOpen)
-            m_text += QStringLiteral("<table width='100%' cellspacing='0' cellpadding='3'>");
-        m_tableOpen = true;
-        const QString tag = heading ? QStringLiteral("th") : QStringLiteral("td");
-        // the first of two columns is as wide in every section
-        QString width = cells.size() == 2 ? QStringLiteral(" width='42%'") : QString();
-        m_text += QStringLiteral("<tr>");
-        for (const QString& cell : cells) {
-            m_text +=
-                QStringLiteral("<%1%2 align='left' style='border-bottom:1px solid #bbbbbb'>%3</%1>")
-                    .arg(tag, width, cell.toHtmlEscaped());
-            width.clear();
-        }
-        m_text += QStringLiteral("</tr>");
-    }
-    void raw(const QString& html) {
-        closeTable();
-        m_text += html;
-    }
-    QString take() {
-        closeTable();
-        return m_text;
-    }
-
-  private:
-    void closeTable() {
-        if (m_tableOpen)
-            m_text += QStringLiteral("</table>");
-        m_tableOpen = false;
-    }
-    QString m_text;
-    bool m_tableOpen = false;
-};
-
 // One bound is an equality, not a half-open range: the words say what the selection does.
 QString restrictionText(const GroupRestriction& restriction) {
     if (!restriction.on)
@@ -74,9 +32,27 @@ QString restrictionText(const GroupRestriction& restriction) {
     return parts.isEmpty() ? QStringLiteral("ei rajausta") : parts.join(QStringLiteral(", "));
 }
 
-QString classText(int vatClass, const QString& rate) {
+// Product group rows follow the range even when the restriction of products is off.
+QString groupRowsText(const GroupRestriction& range) {
+    QStringList parts;
+    if (range.first != 0)
+        parts.append(QStringLiteral("numerosta %1 alkaen").arg(range.first));
+    if (range.last != 0)
+        parts.append(QStringLiteral("numeroon %1 asti").arg(range.last));
+    return parts.isEmpty() ? QStringLiteral("kaikki") : parts.join(u' ');
+}
+
+QString productRangeText(const ChangeDefinition& definition) {
+    if (!definition.productRangeOn)
+        return QStringLiteral("ei rajausta");
+    return QStringLiteral("%1-%2 (ei käytössä: ei rajaa mitään)")
+        .arg(definition.productFirst, definition.productLast);
+}
+
+QString classText(int vatClass, const DefinitionNames& names) {
     if (vatClass == 0)
         return QStringLiteral("0 (veroluokattomat)");
+    const QString rate = names.rates.value(vatClass);
     return rate.isEmpty() ? QString::number(vatClass)
                           : QStringLiteral("%1 (%2)").arg(QString::number(vatClass), rate);
 }
@@ -85,105 +61,100 @@ QString levelName(const QStringList& names, int level) {
     return names.value(level, QStringLiteral("Hinta %1").arg(level));
 }
 
-void levels(Html& html, const ChangeDefinition& definition, const QStringList& names) {
-    html.section(QStringLiteral("Hintatasot"));
-    html.row({QStringLiteral("Hintataso"), QStringLiteral("Kerroin"),
-              QStringLiteral("Hinnan lähde"), QStringLiteral("Säilytä alv0 hinta")},
-             true);
+int levelOf(const QString& column) {
+    int level = 1;
+    while (level < kPriceLevels &&
+           kPriceColumns[static_cast<std::size_t>(level)] != column.trimmed())
+        ++level;
+    return level;
+}
+
+void levels(ReportHtml& html, const ChangeDefinition& definition, const QStringList& names) {
+    html.section(QStringLiteral("Hintojen muutoskertoimet"));
+    html.beginTable({QStringLiteral("Hintataso"), QStringLiteral("Hinnan lähde"),
+                     QStringLiteral("Säilytä alv0 hinta"), QStringLiteral("Kerroin")},
+                    1);
     for (int level = 1; level <= kPriceLevels; ++level) {
         const PriceLevelChange& change = definition.levels[static_cast<std::size_t>(level - 1)];
         if (!isPriceColumn(change.source)) {
-            html.row({levelName(names, level), QStringLiteral("-"), names.value(0), {}});
+            html.tableRow({levelName(names, level), levelName(names, 0), {}, QStringLiteral("-")});
             continue;
         }
-        int source = 1;
-        while (source < kPriceLevels &&
-               kPriceColumns[static_cast<std::size_t>(source)] != change.source.trimmed())
-            ++source;
-        html.row({levelName(names, level), number(change.coefficient), levelName(names, source),
-                  yesNo(change.keepVat0)});
+        html.tableRow({levelName(names, level), levelName(names, levelOf(change.source)),
+                       yesNo(change.keepVat0), number(change.coefficient)});
     }
-    html.row({QStringLiteral("Ostohinta"),
-              number(definition.purchaseCoefficient),
-              {},
-              yesNo(definition.keepVat0Purchase)});
-    html.row({QStringLiteral("Viim. ostohinta"),
-              number(definition.lastPurchaseCoefficient),
-              {},
-              yesNo(definition.keepVat0LastPurchase)});
+    html.tableRow({QStringLiteral("Ostohinta"),
+                   {},
+                   yesNo(definition.keepVat0Purchase),
+                   number(definition.purchaseCoefficient)});
+    html.tableRow({QStringLiteral("Viim. ostohinta"),
+                   {},
+                   yesNo(definition.keepVat0LastPurchase),
+                   number(definition.lastPurchaseCoefficient)});
 }
 
-QString customerGroups(const ChangeDefinition& definition) {
+QString customerGroups(const ChangeDefinition& definition, const DefinitionNames& names) {
     QStringList groups;
     for (const int group : definition.customerGroups)
-        groups.append(QString::number(group));
+        groups.append(
+            (QString::number(group) + u' ' + names.customerGroups.value(group)).trimmed());
     return groups.isEmpty() ? QStringLiteral("kaikki") : groups.join(QStringLiteral(", "));
 }
 
-void options(Html& html, const ChangeDefinition& d) {
+QString orderText(bool on, bool fromVat0, double coefficient) {
+    if (!on)
+        return yesNo(false);
+    return yesNo(true) + (fromVat0 ? QStringLiteral(", verollinen lasketaan alv0-hinnasta")
+                                   : QStringLiteral(", kerroin ") + number(coefficient));
+}
+
+void options(ReportHtml& html, const ChangeDefinition& d, const DefinitionNames& names) {
     html.section(QStringLiteral("Mitä muutetaan"));
-    html.row({QStringLiteral("Tuotteet ja ryhmät"), yesNo(d.products)});
-    html.row({QStringLiteral("Asiakashinnastot"), yesNo(d.customerPriceLists)});
-    html.row({QStringLiteral("Verkkokaupan asiakashinnastot"),
-              yesNo(d.customerPriceLists && d.webShopCustomerPriceLists)});
-    html.row({QStringLiteral("Asiakasryhmät"), customerGroups(d)});
-    html.row({QStringLiteral("Asiakashinnaston alv0 hinta päivitetään"),
-              yesNo(!d.keepCustomerPricelistVat0)});
-    html.row({QStringLiteral("Kampanjat"), yesNo(d.campaigns)});
-    html.row({QStringLiteral("Määräalennukset"), yesNo(d.quantityDiscounts)});
-    html.row({QStringLiteral("Toistuvaislaskutus"), yesNo(d.recurringInvoicing)});
-    QString sales = yesNo(d.salesOrders);
-    if (d.salesOrders) {
-        sales += d.salesOrderFromVat0
-                     ? QStringLiteral(", verollinen lasketaan alv0-hinnasta")
-                     : QStringLiteral(", kerroin ") + number(d.salesOrderCoefficient);
-        if (d.salesOrderDeliveryLimit.isValid())
-            sales += QStringLiteral(", toimituspäivä alkaen ") +
-                     QLocale().toString(d.salesOrderDeliveryLimit, QLocale::ShortFormat);
-    }
-    html.row({QStringLiteral("Myyntitilaukset"), sales});
-    QString purchases = yesNo(d.purchaseOrders);
-    if (d.purchaseOrders) {
-        purchases += d.purchaseOrderFromVat0
-                         ? QStringLiteral(", verollinen lasketaan alv0-hinnasta")
-                         : QStringLiteral(", kerroin ") + number(d.purchaseOrderCoefficient);
-    }
-    html.row({QStringLiteral("Ostotilaukset"), purchases});
-    html.row({QStringLiteral("Tuotekoodien tarkastus"), yesNo(d.checkProductCodes)});
-    html.row({QStringLiteral("Hyllynreunaetiketit"), yesNo(d.writeShelfLabels)});
-    html.row({QStringLiteral("Verkkokauppa päivitetään"), yesNo(!d.leaveWebShop)});
-    html.row({QStringLiteral("Tuotekohtainen loki"), yesNo(d.productLog)});
+    html.row(QStringLiteral("Tuotteet ja ryhmät"), yesNo(d.products));
+    html.row(QStringLiteral("Asiakashinnastot"), yesNo(d.customerPriceLists));
+    html.row(QStringLiteral("Verkkokaupan asiakashinnastot"),
+             yesNo(d.customerPriceLists && d.webShopCustomerPriceLists));
+    html.row(QStringLiteral("Asiakasryhmät"), customerGroups(d, names));
+    html.row(QStringLiteral("Asiakashinnaston alv0 hinta päivitetään"),
+             yesNo(!d.keepCustomerPricelistVat0));
+    html.row(QStringLiteral("Kampanjat"), yesNo(d.campaigns));
+    html.row(QStringLiteral("Määräalennukset"), yesNo(d.quantityDiscounts));
+    html.row(QStringLiteral("Toistuvaislaskutus"), yesNo(d.recurringInvoicing));
+    QString sales = orderText(d.salesOrders, d.salesOrderFromVat0, d.salesOrderCoefficient);
+    if (d.salesOrders && d.salesOrderDeliveryLimit.isValid())
+        sales += QStringLiteral(", toimituspäivä alkaen ") +
+                 QLocale().toString(d.salesOrderDeliveryLimit, QLocale::ShortFormat);
+    html.row(QStringLiteral("Myyntitilaukset"), sales);
+    html.row(QStringLiteral("Ostotilaukset"),
+             orderText(d.purchaseOrders, d.purchaseOrderFromVat0, d.purchaseOrderCoefficient));
+    html.row(QStringLiteral("Tuotekoodien tarkastus"), yesNo(d.checkProductCodes));
+    html.row(QStringLiteral("Hyllynreunaetiketit"), yesNo(d.writeShelfLabels));
+    html.row(QStringLiteral("Verkkokauppa päivitetään"), yesNo(!d.leaveWebShop));
+    html.row(QStringLiteral("Tuotekohtainen loki"), yesNo(d.productLog));
 }
 
 }  // namespace
 
-QString definitionReport(const ChangeDefinition& d, const ReportHeading& heading) {
+void describeDefinition(ReportHtml& html, const ChangeDefinition& d, const DefinitionNames& names) {
     static const QStringList kRules = {QStringLiteral("normaali"), QStringLiteral("aina ylös"),
                                        QStringLiteral("aina alas")};
     static const QStringList kSteps = {QStringLiteral("0,1"), QStringLiteral("1"),
                                        QStringLiteral("5"), QStringLiteral("10"),
                                        QStringLiteral("0,01")};
-    Html html;
-    html.raw(QStringLiteral("<h2>ALV muutos: %1</h2><p>%2<br/>%3, %4</p>")
-                 .arg((heading.name.isEmpty() ? QStringLiteral("tallettamaton määrittely")
-                                              : heading.name)
-                          .toHtmlEscaped(),
-                      heading.description.toHtmlEscaped(), heading.company.toHtmlEscaped(),
-                      heading.printed));
     html.section(QStringLiteral("Veroluokat ja rajaukset"));
-    html.row({QStringLiteral("Vanha luokka"), classText(d.sourceClass, heading.sourceRate)});
-    html.row({QStringLiteral("Uusi luokka"), classText(d.targetClass, heading.targetRate)});
-    html.row({QStringLiteral("Aliryhmät"), restrictionText(d.subGroup)});
-    html.row({QStringLiteral("Tuoteryhmät"), restrictionText(d.productGroup)});
-    html.row({QStringLiteral("Pääryhmät"), restrictionText(d.mainGroup)});
-    levels(html, d, heading.levelNames);
+    html.row(QStringLiteral("Vanha luokka"), classText(d.sourceClass, names));
+    html.row(QStringLiteral("Uusi luokka"), classText(d.targetClass, names));
+    html.row(QStringLiteral("Aliryhmät"), restrictionText(d.subGroup));
+    html.row(QStringLiteral("Tuoteryhmät"), restrictionText(d.productGroup));
+    html.row(QStringLiteral("Pääryhmät"), restrictionText(d.mainGroup));
+    html.row(QStringLiteral("Tuotenumerot"), productRangeText(d));
+    html.row(QStringLiteral("Päivitettävät tuoteryhmät"), groupRowsText(d.productGroup));
+    levels(html, d, names.levels);
     html.section(QStringLiteral("Pyöristys ja raja"));
-    html.row({QStringLiteral("Pyöristyssääntö"), kRules.value(static_cast<int>(d.roundingRule))});
-    html.row(
-        {QStringLiteral("Pyöristys (senttiä)"), kSteps.value(static_cast<int>(d.roundingStep))});
-    html.row({QStringLiteral("Hinnanmuutosraja"), number(d.priceChangeLimit)});
-    options(html, d);
-    return html.take();
+    html.row(QStringLiteral("Pyöristyssääntö"), kRules.value(static_cast<int>(d.roundingRule)));
+    html.row(QStringLiteral("Pyöristys (senttiä)"), kSteps.value(static_cast<int>(d.roundingStep)));
+    html.row(QStringLiteral("Hinnanmuutosraja"), number(d.priceChangeLimit));
+    options(html, d, names);
 }
 
 }  // namespace vatchange

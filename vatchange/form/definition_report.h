@@ -1,24 +1,23 @@
 #pragma once
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
+#include "vatchange/form/report_html.h"
 #include "vatchange/rules/change_definition.h"
 
 namespace vatchange {
 
-/// What the report of a definition says beside the definition itself.
-struct ReportHeading {
-    QString company;
-    QString name;
-    QString description;
-    QString printed;         ///< date and time, as shown
-    QString sourceRate;      ///< "24%", or empty
-    QString targetRate;      ///< the same of the new class
-    QStringList levelNames;  ///< index 0: "Ei muutosta"
+/// What the words of a definition need beside the definition itself.
+struct DefinitionNames {
+    QStringList levels;                 ///< price levels; index 0: "Ei muutosta"
+    QMap<int, QString> customerGroups;  ///< by number
+    QMap<int, QString> rates;           ///< of VAT classes, "24%"
 };
 
-/// A definition in words, in Finnish, as HTML for a PDF.
-QString definitionReport(const ChangeDefinition& definition, const ReportHeading& heading);
+/// All parameters of a definition in words, in Finnish, as sections of a report.
+void describeDefinition(ReportHtml& html, const ChangeDefinition& definition,
+                        const DefinitionNames& names);
 
 }  // namespace vatchange

@@ -6,6 +6,7 @@
 #include "app/company/logs.h"
 #include "framework/ui/dialogs.h"
 #include "vatchange/form/change_form.h"
+#include "vatchange/form/run_report.h"
 
 namespace vatchange {
 
@@ -74,28 +75,19 @@ std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick() {
     const ChangeDefinition definition = definitionFromForm();
     m_cancelRequested = false;
     setRunning(true);
-    RunResult result;
     try {
         FormRunPorts ports(*this);
-        result = runChange(m_database, definition, ports);
+        m_lastRun = recordRun(m_database, definition, ports);
     } catch (...) {
         setRunning(false);
         showStatus(QStringLiteral("Muutos päättyi virheeseen"));
         throw;
     }
     setRunning(false);
-    if (result.cancelled)
-        showStatus(
-            QStringLiteral("Muutos keskeytettiin, tuotteita muutettu %1").arg(result.products));
-    else if (result.refused)
-        showStatus(QStringLiteral("Muutosta ei tehty"));
-    else if (result.clean())
-        showStatus(QStringLiteral("Muutos valmis, tuotteita muutettu %1").arg(result.products));
-    else
-        showStatus(QStringLiteral("Muutos tehty, mutta kaikki ei onnistunut: katso loki"));
+    showStatus(outcomeText(m_lastRun->result));
     if (m_closeWhenDone)
         QTimer::singleShot(0, this, &QWidget::close);
-    return result;
+    return m_lastRun->result;
 }
 
 void TAlvMuutosLomake::setRunning(bool running) {

@@ -15,6 +15,8 @@ struct GroupRestriction {
     qint64 first = 0;  ///< 0: not given
     qint64 last = 0;
     QString ignored;  ///< comma-separated group numbers to leave out
+
+    bool operator==(const GroupRestriction&) const = default;
 };
 
 /// What happens to one price level.
@@ -23,6 +25,8 @@ struct PriceLevelChange {
     QString source =
         QStringLiteral("0");  ///< price column the new price is computed from; "0": no change
     bool keepVat0 = false;
+
+    bool operator==(const PriceLevelChange&) const = default;
 };
 
 enum class RoundingRule { Normal = 0, Up = 1, Down = 2 };  ///< item indexes of the form
@@ -71,6 +75,8 @@ struct ChangeDefinition {
 
     RoundingRule roundingRule = RoundingRule::Normal;
     RoundingStep roundingStep = RoundingStep::One;
+
+    bool operator==(const ChangeDefinition&) const = default;
 };
 
 /// The price columns of TUOTE by level; index 0 is "" (no change).

@@ -1,0 +1,291 @@
+#!/bin/bash
+# Takes a picture of every window of the program, for the users' manual and the README.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/packages.sh
+
+usage() {
+    cat <<'USAGE'
+Usage: scripts/screenshots.sh [--build FOLDER] [--into FOLDER]
+
+Builds the program (folder build/), creates an example company, drives the real program under Xvfb
+and openbox and writes the pictures into docs/images/.
+
+  --build FOLDER  takes the programs of another build folder as they are
+  --into FOLDER   writes the pictures there
+
+The program runs on file systems of its own, on an invented machine and date, so that no picture
+shows anything of the machine that took it. That takes root or user namespaces.
+USAGE
+}
+
+build="" into=$PWD/docs/images inside=no
+while [ $# -gt 0 ]; do
+    case "$1" in
+        --build | --into)
+            [ $# -ge 2 ] || { usage >&2; exit 2; }
+            [ "$1" = --build ] && build=$(realpath "$2")
+            [ "$1" = --into ] && into=$(realpath "$2")
+            shift
+            ;;
+        --inside) inside=yes ;;
+        --help | -h)
+            usage
+            exit 0
+            ;;
+        *)
+            usage >&2
+            exit 2
+            ;;
+    esac
+    shift
+done
+
+if [ "$inside" = no ]; then
+    # shellcheck disable=SC2086
+    install_packages $packages_screenshots
+    if [ -z "$build" ]; then
+        # shellcheck disable=SC2086
+        install_packages $packages_build
+        build=$PWD/build
+        [ -f build/CMakeCache.txt ] ||
+            cmake -G Ninja -S . -B build -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=OFF
+        cmake --build build --target taksavaihe zavdb
+    fi
+    mkdir -p "$into"
+    own=()
+    [ "$(id -u)" -eq 0 ] || own=(--map-root-user)
+    # processes of its own too: what is started ends with the script
+    exec unshare "${own[@]}" --mount --uts --pid --fork --kill-child --mount-proc \
+        "$PWD/scripts/screenshots.sh" --inside --build "$build" --into "$into"
+fi
+
+# --- from here on: an invented machine
+
+hostname TOIMISTO1
+mount -t tmpfs none /srv
+home=/srv/taksavaihe
+mkdir -p $home /srv/yritykset /srv/asetukset /srv/tmp /srv/run
+chmod 700 /srv/run
+cp "$build/bin/taksavaihe" "$build/bin/zavdb" $home/
+export HOME=/srv XDG_CONFIG_HOME=/srv/asetukset XDG_RUNTIME_DIR=/srv/run TMPDIR=/srv/tmp
+export LANG=C.UTF-8 LC_ALL=C.UTF-8 TZ=Europe/Helsinki
+export QT_QPA_PLATFORM=xcb
+unset WAYLAND_DISPLAY XDG_SESSION_TYPE QT_STYLE_OVERRIDE
+
+definition() { # name and description
+    local coefficient=1.0120967741935485 level=0 column
+    printf '[%s]\nSelite=%s\n' "$1" "$2"
+    printf 'LahdeAlvLuokkaEdit=1\nKohdeAlvLuokkaEdit=5\n'
+    for column in hinta kaksoishinta hinta3; do
+        level=$((level + 1))
+        printf 'Hinta%dEdit=%s\nHintaLahde%d=%s\nSailytaAlv0_CheckBox%d=1\n' \
+            $level $coefficient $level $column $level
+    done
+    printf 'asiakashinnasto=1\nKampanjat=1\nMaaraAle=1\ncbVakioLaskutus=1\n'
+    printf 'MtCheckBox=1\nSailytaAlv0_CheckBoxMT=1\nOtCheckBox=1\nSailytaAlv0_CheckBoxOT=1\n'
+}
+
+company() { # name, folder, products
+    $home/zavdb demo "$1" "/srv/yritykset/$2" --products "$3" >/dev/null 2>&1
+    mkdir "/srv/yritykset/$2/MAARITYS"
+    definition "Alv 24 - 25,5" "Yleinen verokanta 24 % -> 25,5 %" \
+        >"/srv/yritykset/$2/MAARITYS/AlvMuutosLomake.INI"
+}
+
+display=:82 screen=""
+start_screen() { # width x height
+    [ -z "$screen" ] || { kill "$screen"; wait "$screen" 2>/dev/null || true; }
+    Xvfb $display -screen 0 "$1x24" -nolisten tcp >/dev/null 2>&1 &
+    screen=$!
+    export DISPLAY=$display
+    for _ in $(seq 50); do
+        xdotool getdisplaygeometry >/dev/null 2>&1 && break
+        sleep 0.1
+    done
+    openbox >/dev/null 2>&1 &
+    sleep 1
+    xsetroot -solid '#5c6f7f' 2>/dev/null || true
+}
+
+program=""
+start_program() {
+    # an early morning on the day of the change
+    faketime -f '@2024-09-01 06:30:00' "$home/taksavaihe" "$@" >/srv/tmp/program.log 2>&1 &
+    program=$!
+}
+end_program() {
+    pkill -P "$program" 2>/dev/null || true # the program below faketime
+    kill "$program" 2>/dev/null || true
+    wait "$program" 2>/dev/null || true
+    sleep 0.5
+}
+
+# The newest window of a title, when it is there.
+window() {
+    local id
+    for _ in $(seq 150); do
+        id=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -1)
+        [ -n "$id" ] && { sleep 0.7; echo "$id"; return; }
+        sleep 0.2
+    done
+    echo "No window \"$1\"; the program said:" >&2
+    cat /srv/tmp/program.log >&2
+    exit 1
+}
+
+keys() { # window, keys...
+    xdotool windowactivate "$1" 2>/dev/null || true
+    shift
+    sleep 0.3
+    local key
+    for key in "$@"; do
+        xdotool key --clearmodifiers "$key"
+        sleep 0.25
+    done
+}
+
+shot() { # name of the picture, window: with its frame
+    local X Y WIDTH HEIGHT left right top bottom frame
+    eval "$(xdotool getwindowgeometry --shell "$2" | grep -E "^(X|Y|WIDTH|HEIGHT)=")"
+    frame=$(xprop -id "$2" _NET_FRAME_EXTENTS | sed -n 's/.*= //p' | tr -d ,)
+    read -r left right top bottom <<<"${frame:-0 0 0 0}"
+    import -silent -window root /srv/tmp/screen.png
+    # colours of a window are few: a palette keeps the pictures small
+    convert /srv/tmp/screen.png +repage -strip \
+        -crop "$((WIDTH + left + right))x$((HEIGHT + top + bottom))+$((X - left))+$((Y - top))" \
+        +repage -define png:exclude-chunks=date,time "PNG8:$into/$1.png"
+    echo "$1.png $((WIDTH + left + right)) x $((HEIGHT + top + bottom))"
+}
+
+dark_desktop() {
+    export XDG_CURRENT_DESKTOP=KDE KDE_FULL_SESSION=true KDE_SESSION_VERSION=5
+    cat >/srv/asetukset/kdeglobals <<'COLOURS'
+[Colors:Window]
+BackgroundNormal=42,46,50
+ForegroundNormal=252,252,252
+[Colors:View]
+BackgroundNormal=27,30,32
+BackgroundAlternate=35,38,41
+ForegroundNormal=252,252,252
+ForegroundInactive=161,169,177
+ForegroundLink=29,153,243
+[Colors:Button]
+BackgroundNormal=49,54,59
+ForegroundNormal=252,252,252
+[Colors:Selection]
+BackgroundNormal=61,174,233
+ForegroundNormal=252,252,252
+[Colors:Tooltip]
+BackgroundNormal=49,54,59
+ForegroundNormal=252,252,252
+COLOURS
+}
+light_desktop() {
+    unset XDG_CURRENT_DESKTOP KDE_FULL_SESSION KDE_SESSION_VERSION
+    rm -f /srv/asetukset/kdeglobals
+}
+
+open_form() { # company; leaves the windows in $main and $form
+    start_program "$1"
+    main=$(window '^Alvluokkien ja hintojen muutokset$')
+    keys "$main" Return
+    form=$(window '^ALV muutos$')
+    keys "$form" alt+l Down
+}
+
+company Esimerkki esimerkki 2000
+company "Tukku Oy" tukku 40000
+$home/zavdb demo Kokeilu /srv/yritykset/kokeilu --products 50 >/dev/null 2>&1
+printf '[ASETUKSET]\nmaar1=Alv 24 - 25,5\nmaar2=\nmaar3=\nmaar4=\n' >$home/ALVMUUTOS.INI
+
+start_screen 1366x768
+
+start_program
+choice=$(window '^Yrityksen valinta$')
+shot company_choice "$choice"
+splash=$(window '^Taksavaihe 1.9')
+xdotool windowmove "$choice" 0 0 windowraise "$splash" windowmove "$splash" 800 400
+sleep 0.5
+shot splash "$splash"
+end_program
+
+open_form Esimerkki
+shot vat_change_form "$form"
+keys "$form" alt+t
+shot save_definition "$(window '^Määritysarvojen talletus$')"
+keys "$(window '^Määritysarvojen talletus$')" Escape
+
+# the searches stand behind the check boxes of the restrictions, in the order of the tab key
+keys "$form" alt+l Tab Tab Tab
+for kind in sub_groups:Aliryhmä product_groups:Tuoteryhmä main_groups:Pääryhmä products:Tuott; do
+    keys "$form" Tab space Tab Tab Tab Return
+    search=$(window "${kind#*:}.*(haku|selailu)")
+    sleep 1
+    shot "search_${kind%:*}" "$search"
+    keys "$search" Escape
+    keys "$form" Tab
+done
+end_program
+
+open_form Esimerkki
+keys "$form" F1
+help=$(window 'käyttöohje$')
+shot help "$help"
+keys "$help" Escape
+keys "$form" alt+s
+sleep 1
+shot main_window "$main"
+keys "$main" alt+i
+shot about "$(window '^Tietoja ohjelmasta$')"
+keys "$(window '^Tietoja ohjelmasta$')" Escape
+end_program
+
+open_form "Tukku Oy"
+keys "$form" alt+m
+sleep 3.5
+shot run "$form"
+end_program
+
+open_form Esimerkki
+keys "$form" alt+m
+for _ in $(seq 60); do # messages of the steps, one after another
+    message=$(xdotool search --onlyvisible --name '^ALV muutos$' | grep -vx "$form" | tail -1 || true)
+    if [ -n "$message" ]; then
+        sleep 0.7
+        [ -f /srv/tmp/message ] || shot message "$message"
+        touch /srv/tmp/message
+        keys "$message" Return
+    fi
+    sleep 0.3
+done
+keys "$form" alt+p
+file=$(window '^Talleta PDF-raportti$')
+xdotool type /srv/raportti.pdf
+keys "$file" Return
+for _ in $(seq 50); do
+    [ -s /srv/raportti.pdf ] && break
+    sleep 0.2
+done
+end_program
+rm -f "$into"/report_*.png
+pdftoppm -r 75 -png /srv/raportti.pdf "/srv/tmp/report"
+page=0
+for picture in /srv/tmp/report-*.png; do
+    page=$((page + 1))
+    [ $page -le 3 ] || break
+    convert "$picture" -strip -bordercolor '#888888' -border 1 \
+        -define png:exclude-chunks=date,time "PNG8:$into/report_$page.png"
+done
+
+dark_desktop
+open_form Esimerkki
+shot vat_change_form_dark "$form"
+end_program
+light_desktop
+
+start_screen 2060x1160
+export QT_SCALE_FACTOR=1.5
+open_form Esimerkki
+shot vat_change_form_150 "$form"
+end_program

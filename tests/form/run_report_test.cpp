@@ -1,0 +1,187 @@
+#include "vatchange/form/run_report.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QRegularExpression>
+#include <QTest>
+
+#include "framework/ui/help_manual.h"
+#include "framework/ui/mail.h"
+#include "tests/support/scripted_dialogs.h"
+#include "tests/support/shop_company.h"
+#include "vatchange/form/change_form.h"
+
+using vatchange::TAlvMuutosLomake;
+
+namespace {
+
+QString str(const char* utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+void expectParts(const QString& html, std::initializer_list<const char*> parts) {
+    for (const char* part : parts)
+        EXPECT_TRUE(html.contains(str(part))) << part;
+}
+
+TEST(DefinitionReport, SaysRestrictionsAsTheSelectionTakesThem) {
+    vatchange::ChangeDefinition d;
+    d.sourceClass = 3;
+    d.subGroup = {true, 10, 20, str("12,13")};
+    d.productGroup = {true, 0, 7, {}};  // one bound is one group
+    d.mainGroup = {false, 1, 2, {}};
+    d.levels[1] = {1.1, str("hinta3"), false};
+    d.customerGroups = {2, 9};
+    vatchange::DefinitionNames names;
+    names.rates = {{3, str("24%")}};
+    names.customerGroups = {{2, str("A & B <Oy>")}};
+    vatchange::ReportHtml html;
+    describeDefinition(html, d, names);
+    expectParts(html.take(), {"2 A &amp; B &lt;Oy&gt;, 9", ">3 (24%)<", ">0 (veroluokattomat)<",
+                              ">ryhmät 10-20, ulosrajatut: 12,13<", ">vain ryhmä 7<",
+                              ">ei rajausta<", ">Hinta 3<", ">numeroon 7 asti<"});
+}
+
+TEST(RunReport, TellsWhatARunWithFailuresDid) {
+    test::CompanyFolder company;
+    vatchange::ChangeReport report;
+    report.company = str("Koe <Oy>");
+    report.name = str("Alv255");
+    vatchange::RunRecord run;
+    run.definitionName = str("Alv255");
+    run.definition.targetClass = 6;  // the form has been changed since
+    run.started = QDateTime(QDate(2024, 9, 1), QTime(6, 30));
+    run.ended = run.started.addSecs(3725);
+    run.result.changed = {{str("Tuotteet"), 1234}};
+    run.result.failedSteps = 1;
+    run.result.failures = {str("Virhe kampanjan päivityksessä: Levy on täynnä")};
+    run.result.skippedProducts = 3;
+    run.result.skippedNumbers = {str("A1"), str("A2")};
+    run.logName = company.file(str("ALVMUUTOS.LOG"));
+    test::writeFile(run.logName, "01.09.2024 06:30:00@KONE  Aloitetaan taksavaihe\n");
+    run.logTo = QFileInfo(run.logName).size();
+    report.lastRun = run;
+
+    const framework::Report made = changeReport(report);
+    EXPECT_EQ(made.headLeft, report.company);
+    expectParts(made.html, {"kesto 1 h 2 min", "kaikki ei onnistunut", ">Tuotteet<",
+                            "Virhe kampanjan päivityksessä: Levy on täynnä", "A1, A2 ja 1 muuta",
+                            "Ajettu määrittely", "06:30:00@KONE  Aloitetaan taksavaihe"});
+
+    report.lastRun->result = {};
+    report.lastRun->result.refused = true;
+    report.lastRun->result.refusal = str("Kohteen ALV -luokan on oltava > 0!");
+    expectParts(changeReport(report).html,
+                {"Muutosta ei tehty", "oltava &gt; 0!", "Ajo ei muuttanut mitään."});
+    report.lastRun.reset();
+    expectParts(changeReport(report).html, {"ei ole ajettu muutosta"});
+}
+
+TEST(Pdf, LongTablesAndLinesGoOnOverPages) {
+    test::CompanyFolder company;
+    vatchange::ReportHtml html;
+    html.beginTable({str("Mitä"), str("Rivejä")}, 1);
+    for (int i = 0; i < 120; ++i)
+        html.tableRow({QString::number(i), str("x")});
+    html.section(str("Otsikko"));
+    for (int i = 0; i < 200; ++i)
+        html.logLine(str("rivi"));
+    const QString file = company.file(str("raportti.pdf"));
+    framework::writePdf({html.take(), {}, {}, {}}, file);
+    static const QRegularExpression kPage(str("/Type /Page\\b"));
+    const auto pages = QString::fromLatin1(test::fileBytes(file)).count(kPage);
+    EXPECT_GE(pages, 4);
+    EXPECT_LE(pages, 8);
+    EXPECT_THROW(framework::writePdf({}, company.file(str("puuttuu/x.pdf"))), data::DataError);
+    EXPECT_EQ(framework::pdfFileName(str("Alv 24/25,5: \"A\"")), str("Alv 24-25,5- -A-.pdf"));
+}
+
+// Takes what would go to the mail program.
+class RecordedDesktop : public framework::Desktop {
+  public:
+    RecordedDesktop() : m_previous(setInstance(this)) {}
+    ~RecordedDesktop() override { setInstance(m_previous); }
+    Outcome run(const QString& program, const QStringList& parameters) override {
+        EXPECT_EQ(program, str("xdg-email"));
+        arguments = parameters;
+        return outcome;
+    }
+    bool open(const QUrl& address) override {
+        opened.append(address);
+        return opens;
+    }
+    Outcome sendThroughSystem(const QString&, const QString&, const QString&) override {
+        return Outcome::NotThere;
+    }
+
+    Outcome outcome = Outcome::Done;
+    bool opens = true;
+    QStringList arguments;
+    QList<QUrl> opened;
+
+  private:
+    Desktop* m_previous;
+};
+
+TEST(ReportMail, GoesToTheMailProgramAsFarAsTheDesktopAllows) {
+    test::ScriptedDialogs dialogs;
+    test::ShopCompany shop;
+    TAlvMuutosLomake form(shop.database());
+    form.setAttribute(Qt::WA_DeleteOnClose, false);
+    RecordedDesktop desktop;
+    form.Sahkoposti->click();
+    const QString file = desktop.arguments.value(desktop.arguments.indexOf(str("--attach")) + 1);
+    EXPECT_TRUE(test::fileBytes(file).startsWith("%PDF")) << file.toStdString();
+    EXPECT_TRUE(desktop.opened.isEmpty());
+
+    class Texts : public framework::DialogHandler {
+      public:
+        bool someoneThere() const override { return true; }
+        void message(QWidget*, framework::MessageKind kind, const QString& text) override {
+            kinds.append(kind);
+            last = text;
+        }
+        bool ask(QWidget*, const QString&) override { return false; }
+        QString saveFileName(QWidget*, const QString&, const QString&, const QString&) override {
+            return {};
+        }
+        QList<framework::MessageKind> kinds;
+        QString last;
+    } texts;
+    framework::DialogHandler* scripted = framework::Dialogs::setHandler(&texts);
+    desktop.outcome = framework::Desktop::Outcome::Failed;
+    form.Sahkoposti->click();
+    desktop.opens = false;
+    form.Sahkoposti->click();
+    framework::Dialogs::setHandler(scripted);
+    ASSERT_EQ(desktop.opened.size(), 3);
+    EXPECT_EQ(desktop.opened[0].scheme(), str("mailto"));
+    EXPECT_TRUE(desktop.opened[0].toString(QUrl::FullyDecoded).contains(str(".pdf")));
+    EXPECT_TRUE(desktop.opened[1].isLocalFile());
+    EXPECT_EQ(texts.kinds, QList<framework::MessageKind>({framework::MessageKind::Information,
+                                                          framework::MessageKind::Error}));
+    EXPECT_TRUE(texts.last.contains(str(".pdf")));
+}
+
+TEST(Manual, ExplainsEveryControlOfTheForm) {
+    test::ShopCompany shop;
+    TAlvMuutosLomake form(shop.database());
+    form.setAttribute(Qt::WA_DeleteOnClose, false);
+    const auto& manual = framework::HelpManual::compiledIn();
+    int explained = 0;
+    for (const QWidget* control : form.findChildren<QWidget*>()) {
+        const bool value = dynamic_cast<const framework::SavedControl*>(control) != nullptr;
+        const bool button = qobject_cast<const QAbstractButton*>(control) != nullptr;
+        if ((!value && !button) || control->objectName().isEmpty() ||
+            control->objectName().startsWith(str("qt_")))
+            continue;
+        ++explained;
+        EXPECT_TRUE(manual.names().contains(control->objectName()))
+            << control->objectName().toStdString();
+    }
+    EXPECT_GT(explained, 70);
+    EXPECT_EQ(manual.sectionOf(form.controls().coefficient(3)), str("hintojen-muutoskertoimet"));
+}
+
+}  // namespace

@@ -1,0 +1,123 @@
+#include "framework/ui/help.h"
+
+#include <gtest/gtest.h>
+
+#include <QLineEdit>
+#include <QRegularExpression>
+#include <QScrollBar>
+#include <QTest>
+#include <QTextBlock>
+#include <QTreeWidget>
+
+#include "framework/ui/mail.h"
+
+using framework::HelpManual;
+
+namespace {
+
+QString str(const char* utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+QSet<QString> anchorsOf(const HelpManual& manual) {
+    QSet<QString> anchors;
+    for (const HelpManual::Section& section : manual.sections()) {
+        EXPECT_FALSE(anchors.contains(section.anchor)) << section.anchor.toStdString();
+        anchors.insert(section.anchor);
+    }
+    return anchors;
+}
+
+TEST(HelpManual, NamesBelongToTheHeadingAboveThem) {
+    const HelpManual manual(
+        "# Yksi, kaksi!\n<!-- ohje: A B -->\nteksti\n```\n# ei otsikko\n```\n"
+        "## Ääkköset 2\n<!-- ohje: C -->\n");
+    ASSERT_EQ(manual.sections().size(), 2U);
+    EXPECT_EQ(manual.sections()[0].anchor, str("yksi-kaksi"));
+    EXPECT_EQ(manual.sections()[1].level, 2);
+    EXPECT_EQ(manual.names().value(str("B")), str("yksi-kaksi"));
+    EXPECT_EQ(manual.names().value(str("C")), str("ääkköset-2"));
+    EXPECT_FALSE(manual.text().contains(str("ohje:")));
+
+    QWidget window;
+    window.setObjectName(str("C"));
+    auto* inside = new QWidget(&window);
+    EXPECT_EQ(manual.sectionOf(inside), str("ääkköset-2")) << "of the window it stands in";
+    EXPECT_EQ(manual.sectionOf(nullptr), QString());
+}
+
+TEST(HelpManual, EveryPlaceThatIsPointedToIsThere) {
+    const HelpManual& manual = HelpManual::compiledIn();
+    const QSet<QString> anchors = anchorsOf(manual);
+    EXPECT_GT(anchors.size(), 25);
+    EXPECT_GT(manual.names().size(), 90);
+    for (auto it = manual.names().begin(); it != manual.names().end(); ++it)
+        EXPECT_TRUE(anchors.contains(it.value())) << it.key().toStdString();
+    static const QRegularExpression kLink(str("\\]\\((#|images/)([^)]+)\\)"));
+    auto links = kLink.globalMatch(manual.text());
+    int found = 0;
+    framework::HelpBrowser page(manual, nullptr);
+    for (; links.hasNext(); ++found) {
+        const auto link = links.next();
+        if (link.captured(1) == str("#")) {
+            EXPECT_TRUE(anchors.contains(link.captured(2))) << link.captured(2).toStdString();
+            continue;
+        }
+        EXPECT_TRUE(page.loadResource(QTextDocument::ImageResource,
+                                      QUrl(str("qrc:/ohje/images/") + link.captured(2)))
+                        .isValid())
+            << link.captured(2).toStdString();
+    }
+    EXPECT_GT(found, 20);
+}
+
+TEST(HelpWindow, GoesToSectionsBackAndFindsText) {
+    const HelpManual& manual = HelpManual::compiledIn();
+    framework::HelpWindow window(manual);
+    window.resize(1000, 600);
+    window.show();
+    auto* page = window.findChild<framework::HelpBrowser*>();
+    QSet<QString> headings;
+    page->showSection({});
+    for (QTextBlock block = page->document()->begin(); block.isValid(); block = block.next()) {
+        if (block.blockFormat().headingLevel() > 0)
+            headings.insert(HelpManual::anchorOf(block.text()));
+    }
+    EXPECT_EQ(headings, anchorsOf(manual)) << "the page's headings are the manual's";
+
+    const int top = page->verticalScrollBar()->value();
+    window.showSection(str("ajomerkintä"));
+    EXPECT_GT(page->verticalScrollBar()->value(), top);
+    EXPECT_TRUE(page->isBackwardAvailable());
+    page->backward();
+    EXPECT_EQ(page->source().fragment(), QString());
+
+    auto* search = window.findChild<QLineEdit*>(str("OhjeHaku"));
+    QTest::keyClicks(search, str("schtasks"));
+    EXPECT_FALSE(page->extraSelections().isEmpty());
+    QTest::keyClick(search, Qt::Key_Return);
+    EXPECT_EQ(page->textCursor().selectedText().toLower(), str("schtasks"));
+    QTest::keyClicks(search, str("qqq"));
+    EXPECT_TRUE(page->extraSelections().isEmpty());
+}
+
+TEST(HelpBrowser, OnlyLinksToTheWebLeaveTheProgram) {
+    class RecordedDesktop : public framework::Desktop {
+      public:
+        bool open(const QUrl& address) override {
+            opened.append(address);
+            return true;
+        }
+        QList<QUrl> opened;
+    } desktop;
+    framework::Desktop* previous = framework::Desktop::setInstance(&desktop);
+    framework::HelpBrowser page(HelpManual::compiledIn(), nullptr);
+    for (const char* link : {"https://example.org/", "file:///etc/hostname", "mailto:a@b",
+                             "#ajomerkintä", "docs/zavdb.md"})
+        Q_EMIT page.anchorClicked(QUrl(str(link)));
+    framework::Desktop::setInstance(previous);
+    EXPECT_EQ(desktop.opened, QList<QUrl>({QUrl(str("https://example.org/"))}));
+    EXPECT_EQ(page.source().fragment(), str("ajomerkintä"));
+}
+
+}  // namespace

@@ -1,0 +1,81 @@
+#include "vatchange/run/run_record.h"
+
+#include <gtest/gtest.h>
+
+#include "app/company/logs.h"
+#include "tests/run/run_company.h"
+#include "tests/support/company_folder.h"
+
+namespace {
+
+using test::RunCompany;
+using vatchange::LogExcerpt;
+using vatchange::RunRecord;
+
+qint64 rowsOf(const vatchange::RunResult& result, const QString& what) {
+    for (const vatchange::ChangedRows& changed : result.changed) {
+        if (changed.what == what)
+            return changed.rows;
+    }
+    return -1;
+}
+
+TEST(RunRecord, CountsWhatEachStepChanged) {
+    RunCompany company;
+    for (const char* sql :
+         {"insert into TUOTE (NUMERO, LVV, HINTA, HRKPL, Verkkokauppa) values ('A1', 3, 12.4, 1, "
+          "1)",
+          "insert into TUOTE (NUMERO, LVV, HINTA) values ('A2', 3, 12.4)",
+          "insert into TUOTE (NUMERO, LVV, HINTA) values ('B1', 2, 12.4)",
+          "insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (1, 3, 2, 3)",
+          "insert into MYYMALAHINNAT (Myymala, Tuote) values (1, 'A1')",
+          "insert into MYYMALAHINNAT (Myymala, Tuote) values (2, 'A1')",
+          "insert into KAMPPANJA (Tuote, RivinRo, MyyntiHinta) values ('A2', 1, 10)",
+          "insert into WINOT (TilausNro, Tila) values (7, 1)",
+          "insert into WINOTRI (TilausNro, RiviNro, AlvLuokka, Tulematta) values (7, 1, 3, 2)",
+          "insert into WINOTRI (TilausNro, RiviNro, AlvLuokka, Tulematta) values (7, 2, 2, 2)"})
+        company.exec(QLatin1String(sql));
+    vatchange::ChangeDefinition definition = test::plainDefinition();
+    definition.campaigns = definition.salesOrders = definition.purchaseOrders = true;
+    const RunRecord record = recordRun(company.database(), definition, company.ports);
+    EXPECT_TRUE(record.result.clean());
+    EXPECT_EQ(record.definition, definition);
+    EXPECT_EQ(record.definitionName, company.ports.definition);
+    EXPECT_EQ(rowsOf(record.result, "Tuotteet"), 2);
+    EXPECT_EQ(rowsOf(record.result, "Tuoteryhmien alv-kentät"), 2);
+    EXPECT_EQ(rowsOf(record.result, "Myymälähintojen rivit"), 2);
+    EXPECT_EQ(rowsOf(record.result, "Kampanjarivit"), 1);
+    EXPECT_EQ(rowsOf(record.result, "Hyllynreunaetiketit"), 1);
+    EXPECT_EQ(rowsOf(record.result, "Verkkokaupan muutosmerkinnät"), 1);
+    EXPECT_EQ(rowsOf(record.result, "Myyntitilausten rivit"), 0);
+    EXPECT_EQ(rowsOf(record.result, "Ostotilausten rivit"), 1);
+    EXPECT_EQ(rowsOf(record.result, "Määräalennukset"), -1) << "a step that was not asked for";
+}
+
+TEST(RunRecord, LogLinesAreThoseOfTheRunAndBounded) {
+    test::CompanyFolder company;
+    RunRecord record;
+    record.logName = company.file(QStringLiteral("loki"));
+    const auto line = [](int number) { return QStringLiteral("rivi %1\n").arg(number).toUtf8(); };
+    QByteArray bytes = "ennen ajoa\n";
+    record.logFrom = bytes.size();
+    for (int i = 1; i <= 100000; ++i)
+        bytes += line(i);
+    record.logTo = bytes.size();
+    test::writeFile(record.logName, bytes + "ajon jälkeen\n");
+
+    const LogExcerpt excerpt = logLines(record);
+    EXPECT_EQ(excerpt.problem, QString());
+    EXPECT_EQ(excerpt.first.size(), LogExcerpt::kFirstLines);
+    EXPECT_EQ(excerpt.first.first(), QStringLiteral("rivi 1"));
+    EXPECT_EQ(excerpt.last.size(), LogExcerpt::kLastLines);
+    EXPECT_EQ(excerpt.last.last(), QStringLiteral("rivi 100000"));
+    EXPECT_EQ(excerpt.leftOut, 100000 - LogExcerpt::kFirstLines - LogExcerpt::kLastLines);
+
+    test::writeFile(record.logName, "lyhyt");
+    EXPECT_FALSE(logLines(record).problem.isEmpty());
+    QFile::remove(record.logName);
+    EXPECT_FALSE(logLines(record).problem.isEmpty());
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+#include "vatchange/form/report_html.h"
+
+#include <QLocale>
+#include <utility>
+
+namespace vatchange {
+
+void ReportHtml::title(const QString& text) {
+    closeTable();
+    m_text += QStringLiteral("<h1>%1</h1>").arg(text.toHtmlEscaped());
+}
+
+void ReportHtml::section(const QString& title) {
+    closeTable();
+    m_text += QStringLiteral("<h2>%1</h2>").arg(title.toHtmlEscaped());
+}
+
+void ReportHtml::paragraph(const QString& text) {
+    closeTable();
+    m_text += QStringLiteral("<p>%1</p>").arg(text.toHtmlEscaped());
+}
+
+void ReportHtml::logLine(const QString& text) {
+    closeTable();
+    m_text += QStringLiteral("<p style='font-family: monospace; font-size: 7pt; margin: 0'>%1</p>")
+                  .arg(text.toHtmlEscaped());
+}
+
+void ReportHtml::row(const QString& name, const QString& value) {
+    if (!m_tableOpen)
+        m_text += QStringLiteral("<table width='100%' cellspacing='0'>");
+    m_tableOpen = true;
+    m_text += QStringLiteral("<tr><td width='42%'>%1</td><td>%2</td></tr>")
+                  .arg(name.toHtmlEscaped(), value.toHtmlEscaped());
+}
+
+void ReportHtml::beginTable(const QStringList& headings, int rightAligned) {
+    closeTable();
+    m_rightAligned = rightAligned;
+    m_tableOpen = true;
+    m_text += QStringLiteral("<table width='100%' cellspacing='0'><thead>");
+    cells(QStringLiteral("th"), headings);
+    m_text += QStringLiteral("</thead>");
+}
+
+void ReportHtml::tableRow(const QStringList& texts) {
+    cells(QStringLiteral("td"), texts);
+}
+
+void ReportHtml::cells(const QString& tag, const QStringList& texts) {
+    m_text += QStringLiteral("<tr>");
+    for (qsizetype i = 0; i < texts.size(); ++i) {
+        const bool right = i >= texts.size() - m_rightAligned;
+        m_text += QStringLiteral("<%1 align='%2'>%3</%1>")
+                      .arg(tag, right ? QStringLiteral("right") : QStringLiteral("left"),
+                           texts[i].toHtmlEscaped());
+    }
+    m_text += QStringLiteral("</tr>");
+}
+
+QString ReportHtml::take() {
+    closeTable();
+    return std::exchange(m_text, {});
+}
+
+void ReportHtml::closeTable() {
+    if (m_tableOpen)
+        m_text += QStringLiteral("</table>");
+    m_tableOpen = false;
+    m_rightAligned = 0;
+}
+
+QString countText(qint64 count) {
+    return QLocale().toString(count);
+}
+
+}  // namespace vatchange
