@@ -2,6 +2,7 @@
 # Cross-builds the Qt of the Windows program from Debian's source package, and the sqlite3 library.
 set -euo pipefail
 here=$(realpath "$(dirname "${BASH_SOURCE[0]}")")
+# shellcheck source=scripts/packages.sh
 . "$here/../../scripts/packages.sh"
 
 usage() {
@@ -36,7 +37,8 @@ sudo=""
 
 # Source packages come from the same places as the machine's other packages.
 sources=/etc/apt/sources.list.d/taksavaihe-sources.sources
-if ! apt-get indextargets --format '$(CREATED_BY)' | grep -qx Sources; then
+# shellcheck disable=SC2016  # a format of apt's
+if ! apt-get indextargets --format '$(IDENTIFIER)' | grep -qx Sources; then
     sed 's/^Types:.*/Types: deb-src/' /etc/apt/sources.list.d/debian.sources |
         $sudo tee "$sources" >/dev/null
     $sudo apt-get -q update

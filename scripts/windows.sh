@@ -1,0 +1,107 @@
+#!/bin/bash
+# Cross-builds the Windows programs and packs them: release folder, zip, installer.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/packages.sh
+
+usage() {
+    cat <<'USAGE'
+Usage: scripts/windows.sh [--no-packages] [--smoke] [--if-qt-is-there]
+
+Builds taksavaihe.exe and zavdb.exe with mingw-w64 (folder build-windows/) and puts together in
+build-windows/release: a folder with the libraries that they need, a zip of it and an installer.
+
+  --no-packages     stops at the release folder
+  --smoke           runs the programs under wine afterwards, beside the Linux programs of build/bin
+                    (see tests/windows/smoke.sh)
+  --if-qt-is-there  does nothing, and says so, when neither a Qt for Windows nor an archive of one
+                    is there
+
+The Qt for Windows stands in /opt/qt-mingw. When it is missing it comes from the archive that
+QT_MINGW_ARCHIVE names (default ../shared/windows/qt-mingw.tar.xz; its sum is in a file of the same
+name with .sha256 behind), and otherwise packaging/windows/build-qt.sh builds it.
+USAGE
+}
+
+packages=yes smoke=no only_with_qt=no
+for argument in "$@"; do
+    case "$argument" in
+        --no-packages) packages=no ;;
+        --smoke) smoke=yes ;;
+        --if-qt-is-there) only_with_qt=yes ;;
+        --help | -h)
+            usage
+            exit 0
+            ;;
+        *)
+            usage >&2
+            exit 2
+            ;;
+    esac
+done
+
+export QT_MINGW=/opt/qt-mingw
+archive=${QT_MINGW_ARCHIVE:-../shared/windows/qt-mingw.tar.xz}
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+prepare_qt() {
+    [ ! -x "$QT_MINGW/qt-shared/bin/qt-cmake" ] || return 0
+    if [ -f "$archive" ]; then
+        local wanted found
+        wanted=$(cut -d' ' -f1 "$archive.sha256")
+        found=$(sha256sum "$archive" | cut -d' ' -f1)
+        if [ "$wanted" != "$found" ]; then
+            echo "$archive: its sum is $found, $archive.sha256 says $wanted" >&2
+            return 1
+        fi
+        as_root tar -C "$(dirname "$QT_MINGW")" -xJf "$archive"
+    else
+        echo "No archive $archive: building Qt for Windows."
+        as_root packaging/windows/build-qt.sh "$QT_MINGW"
+    fi
+}
+
+if [ "$only_with_qt" = yes ] && [ ! -d "$QT_MINGW/qt-shared" ] && [ ! -f "$archive" ]; then
+    echo "LEFT OUT: the Windows build, since neither $QT_MINGW nor $archive is there."
+    exit 0
+fi
+
+# shellcheck disable=SC2086,SC2154
+install_packages $packages_build $packages_windows
+prepare_qt
+
+# The dictionary compiler runs on this machine.
+cmake -G Ninja -S . -B build-win-host -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=OFF >/dev/null
+cmake --build build-win-host --target dictc
+cmake --preset windows >/dev/null
+cmake --build --preset windows
+
+version=$(sed -n 's/^project(taksavaihe VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
+release=$PWD/build-windows/release
+folder=$release/Taksavaihe
+packaging/windows/release-folder.sh build-windows "$QT_MINGW/qt-shared" "$folder"
+echo "Release folder: $(du -sh "$folder" | cut -f1) in $(find "$folder" -type f | wc -l) files"
+
+# The instructions that delete the files and folders of the release folder again.
+uninstall_list() {
+    # shellcheck disable=SC2016,SC1003  # the installer's variables, and its separator
+    (cd "$folder" && find . -mindepth 1 -depth \( -type d -printf 'RMDir "$INSTDIR/%P"\n' \) \
+        -o -type f -printf 'Delete "$INSTDIR/%P"\n') | tr '/' '\\'
+}
+
+if [ "$packages" = yes ]; then
+    name=taksavaihe-$version-windows-x64
+    rm -f "$release/$name".*
+    (cd "$release" && cmake -E tar cf "$name.zip" --format=zip Taksavaihe)
+    uninstall_list >"$release/uninstall-list.nsh"
+    makensis -V2 -INPUTCHARSET UTF8 "-DVERSION=$version" "-DFOLDER=$folder" \
+        "-DLIST=$release/uninstall-list.nsh" "-DICON=$PWD/packaging/icons/taksavaihe.ico" \
+        "-DOUTFILE=$release/$name.exe" packaging/windows/installer.nsi
+    ls -l "$release/$name".*
+fi
+if [ "$smoke" = yes ]; then
+    tests/windows/smoke.sh "$release" build/bin
+fi

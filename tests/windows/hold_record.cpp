@@ -1,0 +1,57 @@
+// Holds the lock of one record, as a person who edits it does, so that another program meets it.
+// Usage: hold_record COMPANY TABLE KEY FILE: makes FILE when the record is held and gives it up
+// when somebody removes FILE.
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QThread>
+#include <cstdio>
+
+#include "app/company/company.h"
+#include "app/company/connection_module.h"
+#include "data/record/tb_table.h"
+
+namespace {
+
+constexpr int kPauseMs = 50;
+constexpr int kLongestMs = 180'000;
+
+int fail(const QString& text) {
+    std::fprintf(stderr, "hold_record: %s\n", qUtf8Printable(text));
+    return 1;
+}
+
+int hold(const QString& tableName, const QString& key, const QString& fileName) {
+    data::TtbTable table;
+    company::openCompanyTable(table, tableName);
+    table.open();
+    if (!table.findKey({key}))
+        return fail(QStringLiteral("no record ") + key);
+    table.edit();
+    QFile sign(fileName);
+    if (!sign.open(QIODevice::WriteOnly))
+        return fail(fileName + QStringLiteral(": ") + sign.errorString());
+    sign.close();
+    for (int waited = 0; sign.exists() && waited < kLongestMs; waited += kPauseMs)
+        QThread::msleep(kPauseMs);
+    table.cancel();
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    const QStringList parameters = QCoreApplication::arguments();
+    if (parameters.size() != 5)
+        return fail(QStringLiteral("usage: hold_record COMPANY TABLE KEY FILE"));
+    try {
+        if (!company::takeIntoUse(parameters[1]))
+            return fail(QStringLiteral("no company ") + parameters[1]);
+        const int status = hold(parameters[2], parameters[3], parameters[4]);
+        company::TZavDbConnectionModule::shutDown();
+        return status;
+    } catch (const std::exception& e) {
+        return fail(QString::fromUtf8(e.what()));
+    }
+}

@@ -1,0 +1,277 @@
+#!/bin/bash
+# Runs the Windows programs under wine and compares what they do with what the Linux programs do.
+set -euo pipefail
+
+usage() {
+    cat <<'USAGE'
+Usage: tests/windows/smoke.sh RELEASE LINUX-PROGRAMS [--pictures FOLDER] [--products N]
+
+RELEASE is the folder that scripts/windows.sh makes (Taksavaihe/, the installer, hold_record.exe),
+LINUX-PROGRAMS one with taksavaihe and zavdb of the same sources.
+
+  --pictures FOLDER  saves pictures of the main window and the change form there
+  --products N       size of the companies (default 400)
+USAGE
+}
+
+[ $# -ge 2 ] || {
+    usage >&2
+    exit 2
+}
+release=$(realpath "$1") linux=$(realpath "$2") pictures="" products=400
+shift 2
+while [ $# -gt 0 ]; do
+    case "$1" in
+        --pictures) pictures=$(realpath -m "$2") ;;
+        --products) products=$2 ;;
+        *)
+            usage >&2
+            exit 2
+            ;;
+    esac
+    shift 2
+done
+
+work=$(mktemp -d)
+jobs_to_end=()
+clean_up() {
+    WINEPREFIX=$work/prefix timeout 20 /usr/lib/wine/wineserver64 -k 2>/dev/null || true
+    [ ${#jobs_to_end[@]} -eq 0 ] || kill "${jobs_to_end[@]}" 2>/dev/null || true
+    wait 2>/dev/null || true
+    rm -rf "$work"
+}
+trap clean_up EXIT
+
+failures=0
+check() { # TEXT COMMAND...
+    local text=$1
+    shift
+    if "$@"; then
+        echo "ok      $text"
+    else
+        echo "FAILED  $text"
+        failures=$((failures + 1))
+    fi
+}
+same_text() { [ "$1" = "$2" ] || { printf '  found:  %s\n  wanted: %s\n' "$1" "$2" && false; }; }
+milliseconds() { date +%s%3N; }
+
+# --- a wine of its own
+export LC_ALL=C.UTF-8 XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work
+export WINEPREFIX=$work/prefix WINEARCH=win64 WINEDEBUG=-all
+export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe,winedbg.exe="
+exec 3>"$work/display"
+Xvfb -displayfd 3 -screen 0 1280x900x24 >/dev/null 2>&1 &
+jobs_to_end+=($!)
+for _ in $(seq 100); do
+    [ ! -s "$work/display" ] || break
+    sleep 0.1
+done
+DISPLAY=:$(cat "$work/display")
+export DISPLAY
+openbox >/dev/null 2>&1 &
+jobs_to_end+=($!)
+timeout 180 wineboot -i >/dev/null 2>&1
+{
+    echo 'Windows Registry Editor Version 5.00'
+    echo '[HKEY_CURRENT_USER\Software\Wine]'
+    echo '"Version"="win10"'
+    # windows without the fonts that they name would show no text in their edits
+    echo '[HKEY_CURRENT_USER\Software\Wine\Fonts\Replacements]'
+    for font in "Segoe UI" Tahoma "MS Shell Dlg" "MS Shell Dlg 2" "Microsoft Sans Serif" Verdana; do
+        echo "\"$font\"=\"Liberation Sans\""
+    done
+} >"$work/settings.reg"
+timeout 60 wine regedit /S "Z:${work//\//\\}\\settings.reg" >/dev/null 2>&1
+
+drive=$WINEPREFIX/drive_c
+program=$drive/Ohjelmat/Taksavaihe\ ä
+company=Tämä\ yritys
+folder="C:\\Yritykset\\Yhtiö ä"
+mkdir -p "$drive/Ohjelmat" "$work/linux"
+cp -r "$release/Taksavaihe" "$program"
+cp "$release/hold_record.exe" "$program/"
+cp "$linux/taksavaihe" "$linux/zavdb" "$work/linux/"
+
+win() { # PROGRAM ARGUMENT...: runs a program of the program folder
+    local name=$1
+    shift
+    (cd "$WINEPREFIX" && timeout 180 wine "$program/$name" "$@" </dev/null 2>>"$work/errors")
+}
+lin() {
+    local name=$1
+    shift
+    env -u DISPLAY timeout 180 "$work/linux/$name" "$@" </dev/null 2>>"$work/errors"
+}
+status_of() {
+    local status=0
+    "$@" >/dev/null || status=$?
+    echo "$status"
+}
+
+# --- one company twice
+definitions() {
+    local level=0 column
+    printf '[Alv255]\nLahdeAlvLuokkaEdit=1\nKohdeAlvLuokkaEdit=5\n'
+    for column in hinta kaksoishinta hinta3 hinta4 hinta5 hinta6 hinta7 hinta8 hinta9; do
+        level=$((level + 1))
+        printf 'Hinta%sEdit=1.0120967741935485\nHintaLahde%s=%s\nSailytaAlv0_CheckBox%s=1\n' \
+            "$level" "$level" "$column" "$level"
+    done
+    printf '%s=1.0120967741935485\n' OstohintaEdit ViimOstohintaEdit
+    printf '%s=1\n' SailytaAlv0_CheckBoxMT SailytaAlv0_CheckBoxOT Tuotteet VieHr asiakashinnasto \
+        Kampanjat MaaraAle cbVakioLaskutus MtCheckBox OtCheckBox Tuoteloki PyoristysRadioGroup
+    printf '[Tyhjä]\nSelite=kohde puuttuu\n'
+}
+batch_list() { # NAME NAME: the first two entries
+    printf '[ASETUKSET]\nmaar1=%s\nmaar2=%s\nmaar3=\nmaar4=\n' "$1" "$2"
+}
+make_company() { # NAME
+    local place="$drive/Yritykset/$1"
+    check "zavdb.exe demo $1" win zavdb.exe demo "$1" "C:\\Yritykset\\$1" --products "$products" \
+        --seed 7
+    check "zavdb demo $1" lin zavdb demo "$1" "$work/linux/$1" --products "$products" --seed 7
+    mkdir -p "$place/MAARITYS" "$work/linux/$1/MAARITYS"
+    definitions | tee "$place/MAARITYS/AlvMuutosLomake.INI" >"$work/linux/$1/MAARITYS/AlvMuutosLomake.INI"
+}
+# Every table as CSV. What a run writes carries its time: the run's day and seconds become signs.
+export_tables() { # win|lin zavdb[.exe] COMPANY FOLDER
+    local table
+    mkdir -p "$4"
+    for table in $(lin zavdb tables "$3" | cut -d' ' -f1); do
+        "$1" "$2" export "$3" "$table" >"$4/$table" || return 1
+        sed -i -E 's/\b'"$(date +%Y-%m-%d)"' [0-9]{2}:[0-9]{2}:[0-9]{2}\b/RUN/' "$4/$table"
+    done
+}
+same_tables() { # COMPANY WHEN
+    export_tables win zavdb.exe "$1" "$work/$2-win"
+    export_tables lin zavdb "$1" "$work/$2-lin"
+    diff -r -q "$work/$2-lin" "$work/$2-win" >"$work/difference" || {
+        cat "$work/difference"
+        diff -r "$work/$2-lin" "$work/$2-win" | head -n 12
+        false
+    }
+}
+run_both() { # WANTED-STATUS TEXT ARGUMENT...
+    local wanted=$1 text=$2
+    shift 2
+    check "exit status $wanted: $text" same_text "$(status_of win taksavaihe.exe "$@")" "$wanted"
+    check "  and of the Linux program" same_text "$(status_of lin taksavaihe "$@")" "$wanted"
+}
+log_texts() { # FILE: without times and computer names
+    tr -d '\r' <"$1" | sed -E 's/^[0-9.]{10} [0-9:]{8}@[^ ]+  //'
+}
+marks() { # win|lin zavdb[.exe] COMPANY
+    "$1" "$2" sql "$3" "select count(*) from ini where sektio='TAKSAVAIHE' and data<>''" |
+        tr -d '\r' | tail -n 1
+}
+
+make_company "$company"
+check "a demo company is the same, byte for byte" same_tables "$company" demo
+
+batch_list Alv255 "" >"$program/ALVMUUTOS.INI"
+cp "$program/ALVMUUTOS.INI" "$work/linux/ALVMUUTOS.INI"
+run_both 2 "no such company" Olematon /E
+
+start=$(milliseconds)
+check "exit status 0: a run" same_text "$(status_of win taksavaihe.exe "$company" /E)" 0
+middle=$(milliseconds)
+check "  and of the Linux program" same_text "$(status_of lin taksavaihe "$company" /E)" 0
+times="batch of $products products: $((middle - start)) ms under wine, $(($(milliseconds) - middle)) ms on Linux"
+check "every table after the run, byte for byte" same_tables "$company" run
+log=$drive/Yritykset/$company/ALVMUUTOS.LOG
+check "the logs tell the same" diff <(log_texts "$log") \
+    <(log_texts "$work/linux/$company/ALVMUUTOS.LOG")
+check "every line of the log ends as Windows' lines do" same_text \
+    "$(grep -c $'\r$' "$log")" "$(wc -l <"$log")"
+check "the log names the computer" grep -qiE "^[0-9.]{10} [0-9:]{8}@$(hostname)  " "$log"
+check "taksavaihe.exe writes the run mark" same_text "$(marks win zavdb.exe "$company")" 1
+run_both 3 "the run mark is set" "$company" /E
+batch_list Alv255 Puuttuva >"$program/ALVMUUTOS.INI"
+cp "$program/ALVMUUTOS.INI" "$work/linux/ALVMUUTOS.INI"
+run_both 2 "an unknown definition" "$company" /E /U
+
+# --- another name of the program, a refused definition
+cp "$program/taksavaihe.exe" "$program/toinen.exe"
+make_company Toinen
+batch_list Tyhjä Alv255 >"$program/ALVMUUTOS.INI"
+check "exit status 1: a refused definition" same_text "$(status_of win toinen.exe Toinen /E)" 1
+check "a program of another name writes no run mark" same_text "$(marks win zavdb.exe Toinen)" 0
+check "  though it ran" grep -q "Aloitetaan muutos määrittelylle: Alv255" \
+    "$drive/Yritykset/Toinen/ALVMUUTOS.LOG"
+
+# --- a record that another program holds
+make_company Lukko
+batch_list Alv255 "" >"$program/ALVMUUTOS.INI"
+number=$(win zavdb.exe sql Lukko "select NUMERO from TUOTE where LVV = 1 order by NUMERO" |
+    tr -d '\r' | sed -n 2p)
+sign=$drive/Yritykset/held
+win hold_record.exe Lukko TUOTE "$number" 'C:\Yritykset\held' &
+for _ in $(seq 200); do
+    [ ! -e "$sign" ] || break
+    sleep 0.1
+done
+check "a record is held" test -e "$sign"
+check "exit status 1: a product that another program edits is passed over" same_text \
+    "$(status_of win taksavaihe.exe Lukko /E)" 1
+rm -f "$sign"
+wait $! || true
+check "  it alone keeps its class" same_text "$(win zavdb.exe sql Lukko \
+    "select NUMERO from TUOTE where LVV = 1" | tr -d '\r' | tail -n +2)" "$number"
+
+# --- companies of the machine, long folders
+timeout 60 wine reg add 'HKLM\Software\Taksavaihe\Aliases\Koneen' /v PhysicalName /d "$folder" \
+    /reg:32 /f >/dev/null 2>&1
+timeout 60 wine reg add 'HKLM\Software\Taksavaihe\Aliases\Kaikkien' /v PhysicalName /d "$folder" \
+    /reg:64 /f >/dev/null 2>&1
+check "companies registered for all users, by 32-bit programs too" same_text \
+    "$(win zavdb.exe list | tr -d '\r' | grep -cE '^(Koneen|Kaikkien)\b')" 2
+long=C:\\Yritykset
+for _ in 1 2 3 4 5 6; do
+    long=$long\\kansio-jolla-on-hyvin-pitkä-nimi-jottei-polku-mahdu
+done
+check "a company's folder with a name of ${#long} characters" win zavdb.exe create Pitkä "$long"
+check "  and its tables read" win zavdb.exe check Pitkä
+batch_list "" "" >"$program/ALVMUUTOS.INI"
+check "  and the program opens it" same_text "$(status_of win taksavaihe.exe Pitkä /E)" 0
+
+# --- windows
+window_of() { # TITLE: the window's number once it is there
+    local found
+    for _ in $(seq 300); do
+        found=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1) || true
+        if [ -n "$found" ]; then
+            echo "$found"
+            return 0
+        fi
+        sleep 0.1
+    done
+    return 1
+}
+batch_list Alv255 "" >"$program/ALVMUUTOS.INI"
+start=$(milliseconds)
+win taksavaihe.exe "$company" /U &
+check "the main window opens" window_of "Alvluokkien ja hintojen muutokset" >"$work/window"
+times="$times; start to the main window: $(($(milliseconds) - start)) ms"
+window=$(grep -oE '^[0-9]+$' "$work/window" || true)
+grep -E '^(ok|FAILED)' "$work/window"
+if [ -n "$window" ] && [ -n "$pictures" ]; then
+    mkdir -p "$pictures"
+    sleep 3
+    import -window "$window" "$pictures/windows_main_window.png"
+    xdotool windowactivate "$window"
+    sleep 1
+    xdotool key --window "$window" space
+    form=$(window_of "${FORM_TITLE:-Alv-muutos}" || true)
+    sleep 4
+    [ -z "$form" ] || import -window "$form" "$pictures/windows_vat_change_form.png"
+fi
+timeout 20 /usr/lib/wine/wineserver64 -k || true
+
+echo "Measured: $times"
+if [ "$failures" -gt 0 ]; then
+    echo "$failures checks FAILED; standard error of the programs:"
+    tail -n 20 "$work/errors"
+    exit 1
+fi
+echo "All is well under wine."
