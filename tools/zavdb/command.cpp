@@ -18,15 +18,6 @@ namespace {
 constexpr int kError = 1;
 constexpr int kWrongUsage = 2;
 
-std::vector<Command> allCommands() {
-    std::vector<Command> all = companyCommands();
-    for (auto* more : {&tableCommands, &transferCommands, &copyCommands}) {
-        std::vector<Command> part = more();
-        std::move(part.begin(), part.end(), std::back_inserter(all));
-    }
-    return all;
-}
-
 QString overview(const std::vector<Command>& commands) {
     QString text = QStringLiteral(
         "Usage: zavdb COMMAND ...\n"
@@ -54,7 +45,8 @@ int wrongUsage(const QString& what, const QString& command = {}) {
     return kWrongUsage;
 }
 
-int runCommand(const Command& command, const QStringList& arguments) {
+/// The arguments of one command; its help as the answer.
+Invocation parseArguments(const Command& command, const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
         command.summary + u'.' + (command.details.isEmpty() ? QString() : u'\n' + command.details));
@@ -68,19 +60,21 @@ int runCommand(const Command& command, const QStringList& arguments) {
     QStringList given = arguments;
     given.prepend(QStringLiteral("zavdb"));
     if (!parser.parse(given))
-        return wrongUsage(parser.errorText(), command.name);
+        throw UsageError(parser.errorText(), command.name);
+    Invocation result;
     if (parser.isSet(help)) {
-        print(parser.helpText());
-        return 0;
+        result.answer = parser.helpText();
+        return result;
     }
-    Arguments parsed;
+    result.command = &command;
+    Arguments& parsed = result.arguments;
     parsed.positional = parser.positionalArguments();
     if (parsed.count() < command.minArguments)
-        return wrongUsage(
+        throw UsageError(
             QStringLiteral("Too few arguments: zavdb %1 %2").arg(command.name, command.syntax),
             command.name);
     if (parsed.count() > command.maxArguments)
-        return wrongUsage(
+        throw UsageError(
             QStringLiteral("Too many arguments: \"%1\"").arg(parsed.at(command.maxArguments)),
             command.name);
     for (const QCommandLineOption& option : command.options) {
@@ -90,34 +84,55 @@ int runCommand(const Command& command, const QStringList& arguments) {
         parsed.options[name] =
             option.valueName().isEmpty() ? QStringList{QString()} : parser.values(option);
     }
-    return command.run(parsed);
+    return result;
 }
 
 }  // namespace
 
-int runZavdb(const QStringList& arguments) {
-    const std::vector<Command> commands = allCommands();
+std::vector<Command> allCommands() {
+    std::vector<Command> all = companyCommands();
+    for (auto* more : {&tableCommands, &transferCommands, &copyCommands}) {
+        std::vector<Command> part = more();
+        std::move(part.begin(), part.end(), std::back_inserter(all));
+    }
+    return all;
+}
+
+Invocation parseCommandLine(const std::vector<Command>& commands, const QStringList& arguments) {
     if (arguments.isEmpty())
-        return wrongUsage(QStringLiteral("No command given."));
+        throw UsageError(QStringLiteral("No command given."));
     const QString& first = arguments.constFirst();
+    Invocation result;
     if (first == QLatin1String("--help") || first == QLatin1String("-h") ||
         first == QLatin1String("help")) {
-        print(overview(commands));
-        return 0;
+        result.answer = overview(commands);
+        return result;
     }
     if (first == QLatin1String("--version") || first == QLatin1String("-v")) {
-        print(QStringLiteral("zavdb %1\n").arg(QCoreApplication::applicationVersion()));
-        return 0;
+        result.answer = QStringLiteral("zavdb %1\n").arg(QCoreApplication::applicationVersion());
+        return result;
     }
     const auto command = std::find_if(commands.begin(), commands.end(),
                                       [&](const Command& c) { return c.name == first; });
     if (command == commands.end())
-        return wrongUsage(QStringLiteral("Unknown command \"%1\".").arg(first));
+        throw UsageError(QStringLiteral("Unknown command \"%1\".").arg(first));
+    return parseArguments(*command, arguments.mid(1));
+}
+
+int runZavdb(const QStringList& arguments) {
+    const std::vector<Command> commands = allCommands();
+    QString name;
     try {
+        const Invocation asked = parseCommandLine(commands, arguments);
+        if (asked.command == nullptr) {
+            print(asked.answer);
+            return 0;
+        }
+        name = asked.command->name;
         company::loadDictionaryModule();
-        return runCommand(*command, arguments.mid(1));
+        return asked.command->run(asked.arguments);
     } catch (const UsageError& error) {
-        return wrongUsage(error.message(), first);
+        return wrongUsage(error.message(), error.command().isEmpty() ? name : error.command());
     } catch (const CommandError& error) {
         printError(error.message());
     } catch (const data::DataError& error) {

@@ -26,7 +26,13 @@ class CommandError : public std::runtime_error {
 /// A command line that says nothing sensible: exit status 2.
 class UsageError : public CommandError {
   public:
-    using CommandError::CommandError;
+    /// `command`: whose help explains it; empty: the program's.
+    explicit UsageError(const QString& message, QString command = {})
+        : CommandError(message), m_command(std::move(command)) {}
+    const QString& command() const { return m_command; }
+
+  private:
+    QString m_command;
 };
 
 /// What the user gave a command: its arguments in order and its options by name.
@@ -59,6 +65,17 @@ std::vector<Command> companyCommands();   ///< create, demo, list, add, forget, 
 std::vector<Command> tableCommands();     ///< tables, fields, dictionary, sql
 std::vector<Command> transferCommands();  ///< import, export, load, save
 std::vector<Command> copyCommands();      ///< copy
+
+/// What a command line asks for: a command with its arguments, or nothing but an answer.
+struct Invocation {
+    const Command* command = nullptr;
+    Arguments arguments;
+    QString answer;  ///< for standard output: help, the version
+};
+
+std::vector<Command> allCommands();
+/// @throws UsageError.
+Invocation parseCommandLine(const std::vector<Command>& commands, const QStringList& arguments);
 
 /// Parses the command line and runs the command. @return the exit status: 0, 1 for an error (told
 /// on standard error), 2 for wrong usage.

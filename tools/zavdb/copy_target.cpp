@@ -49,11 +49,22 @@ void nameRest(const data::RecordLayout& layout, data::TableSource& table) {
     table.fields.push_back(item);
 }
 
+const data::KeyDef& usedKey(const std::vector<data::KeyDef>& keys) {
+    return *std::find_if(keys.begin(), keys.end(),
+                         [](const data::KeyDef& key) { return !key.segments.empty(); });
+}
+
 data::TableSource describe(const data::RecordFile& table) {
     data::TableSource source;
     source.name = table.layout().tableName();
     source.fields = table.layout().fields();
     source.keyDefs = table.keys();
+    // A number that a data file does not use (a key was dropped) is filled, so that the keys behind
+    // it keep theirs.
+    for (data::KeyDef& key : source.keyDefs) {
+        if (key.segments.empty())
+            key = {key.number, false, usedKey(source.keyDefs).segments};
+    }
     nameRest(table.layout(), source);
     return source;
 }
