@@ -9,6 +9,8 @@
 #include <set>
 
 #include "app/company/company.h"
+#include "framework/ui/dialogs.h"
+#include "framework/ui/window_place.h"
 #include "search/btr_haku_form.h"
 #include "search/search_grid.h"
 #include "search/table_model.h"
@@ -55,13 +57,16 @@ void TBtrHakuForm::buildControls() {
 
     IndexCombo = new QComboBox(this);
     IndexCombo->setObjectName(QStringLiteral("IndexCombo"));
+    IndexCombo->setAccessibleName(QStringLiteral("Järjestys"));
     IndexCombo->setToolTip(QStringLiteral(
         "Valitse hakuavain eli järjestys. Numeronäppämistön + ja - muuttavat indeksiä"));
     SearchEdit = new QLineEdit(this);
     SearchEdit->setObjectName(QStringLiteral("SearchEdit"));
+    SearchEdit->setAccessibleName(QStringLiteral("Haku"));
     SearchEdit->setToolTip(QStringLiteral("Tässä voidaan hakea hakuavainten perusteella"));
     Suodatin = new TAlkuMerkkiEdit(this);
     Suodatin->setObjectName(QStringLiteral("Suodatin"));
+    Suodatin->setAccessibleName(QStringLiteral("Hakuteksti"));
     Suodatin->setToolTip(
         QStringLiteral("Kirjoita hakuteksti ja vedä ruudusta haluamaasi kenttään"));
     AlueRajaus = new QCheckBox(QStringLiteral("Käytä aluerajausta"), this);
@@ -76,10 +81,13 @@ void TBtrHakuForm::buildControls() {
     Jatahakuauki->setToolTip(QStringLiteral("Tuplaklikkaus ei sulje hakuikkunaa"));
     HakuLabel = new QLabel(QStringLiteral("HAKU KÄYNNISSÄ"), this);
     HakuLabel->setObjectName(QStringLiteral("HakuLabel"));
-    HakuLabel->setStyleSheet(QStringLiteral("color: red; font-weight: bold"));
+    HakuLabel->setStyleSheet(
+        QStringLiteral("background: #C62828; color: white; font-weight: bold; "
+                       "padding: 1px 8px"));
     HakuLabel->hide();
     DBGrid1 = new SearchGrid(this);
     DBGrid1->setObjectName(QStringLiteral("DBGrid1"));
+    DBGrid1->setAccessibleName(QStringLiteral("Rivit"));
     Timer = new QTimer(this);
     Timer->setObjectName(QStringLiteral("Timer"));
     Timer->setInterval(2000);
@@ -133,6 +141,7 @@ void TBtrHakuForm::buildControls() {
     setTabOrder(Passiiviset, Jatahakuauki);
     setTabOrder(Jatahakuauki, DBGrid1);
     buildMenu();
+    framework::describeByHints(*this);
 }
 
 void TBtrHakuForm::buildNavigator() {
@@ -261,6 +270,8 @@ void TBtrHakuForm::Lataus() {
     applyHeader();
     const int width = numberOf(file, section, QStringLiteral("LomakeLeveys")).value_or(0);
     const int height = numberOf(file, section, QStringLiteral("LomakeKorkeus")).value_or(0);
+    // Where the window stood is the person's own; a saved layout gives the size.
+    framework::rememberPlace(*this, section);
     resize(width >= kSmallestWindow ? width : this->width(),
            height >= kSmallestWindow ? height : this->height());
     if (const auto place = numberOf(file, section, QStringLiteral("Lajittelu"));

@@ -16,6 +16,7 @@
 #include "framework/core/definition_store.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/dialogs.h"
+#include "framework/ui/window_place.h"
 
 namespace shell {
 
@@ -37,6 +38,7 @@ TMainForm::TMainForm(QWidget* parent) : QWidget(parent, Qt::Window) {
     setObjectName(QStringLiteral("MainForm"));
     setWindowTitle(QStringLiteral("Alvluokkien ja hintojen muutokset"));
     buildLayout();
+    framework::rememberPlace(*this, objectName());
 }
 
 TMainForm::~TMainForm() {

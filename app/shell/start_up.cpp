@@ -14,6 +14,8 @@
 #include "app/shell/program_title.h"
 #include "framework/ui/company_choice.h"
 #include "framework/ui/dialogs.h"
+#include "framework/ui/finnish_texts.h"
+#include "framework/ui/help.h"
 #include "framework/ui/splash.h"
 
 namespace shell {
@@ -139,6 +141,9 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
 
 int runProgram(QApplication& application) {
     const bool batch = company::hasSwitch(QStringLiteral("/E"));
+    QApplication::setApplicationVersion(buildStamp());
+    framework::useFinnishTexts();
+    framework::installHelpKey();
     if (!framework::Dialogs::someoneThere())
         otherMessages = qInstallMessageHandler(leaveOutPlatformComplaints);
     company::setLogErrorReport([](const QString& text) { QTextStream(stderr) << text << '\n'; });

@@ -56,6 +56,7 @@ void TPerusForm::applyDefinition(const SavedDefinition& definition) {
         LatausCombo->setCurrentIndex(LatausCombo->findText(definition.name, Qt::MatchFixedString));
     }
     afterLoad();
+    m_known = controlValues(*this);
     if (unreadable.empty())
         return;
     QStringList items;
@@ -68,6 +69,7 @@ void TPerusForm::applyDefinition(const SavedDefinition& definition) {
 
 void TPerusForm::definitionsChanged(const SavedDefinition& saved) {
     m_loaded = saved;
+    m_known = controlValues(*this);
     refreshNames();
 }
 
@@ -80,6 +82,7 @@ void TPerusForm::refreshNames() {
 
 void TPerusForm::restoreLastState() {
     m_defaults = controlValues(*this);
+    m_known = m_defaults;
     refreshNames();
     TRapMaarForm::LataaArvot(*this, QString());
 }
@@ -103,13 +106,13 @@ void TPerusForm::TalletusClick() {
         reportErrors(this, [this] { TRapMaarForm(*this).exec(); });
 }
 
-void TPerusForm::PdfClick() {
-    if (!acceptTyped())
-        return;
 QString TPerusForm::reportFileName() const {
     return pdfFileName(m_loaded.name.isEmpty() ? windowTitle() : m_loaded.name);
 }
 
+void TPerusForm::PdfClick() {
+    if (!acceptTyped())
+        return;
     reportErrors(this, [this] {
         const QString fileName =
             Dialogs::saveFileName(this, QStringLiteral("Talleta PDF-raportti"), reportFileName(),

@@ -38,6 +38,8 @@ class TPerusForm : public QWidget {
     void applyDefinition(const SavedDefinition& definition);
     /// Called by the definition window after it has saved or deleted.
     void definitionsChanged(const SavedDefinition& saved);
+    /// Whether the controls say something else than when they were last loaded or saved.
+    bool hasUnsavedChanges() const { return controlValues(*this) != m_known; }
     /// Reads the names of the saved definitions into LatausCombo.
     void refreshNames();
 
@@ -58,10 +60,11 @@ class TPerusForm : public QWidget {
     void LatausComboActivated();
     void TalletusClick();
     void PdfClick();
-
-    QMap<QString, QString> m_defaults;
     void SahkopostiClick();
     QString reportFileName() const;
+
+    QMap<QString, QString> m_defaults;
+    QMap<QString, QString> m_known;  ///< the values as last loaded or saved
     SavedDefinition m_loaded;
 };
 

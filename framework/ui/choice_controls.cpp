@@ -61,6 +61,8 @@ void RadioGroup::setRows(int rows) {
     for (int row = 0; row < rows; ++row) {
         m_grid->setRowMinimumHeight(row, m_buttons->button(0)->sizeHint().height());
         m_grid->setRowStretch(row, 1);
+        if (m_grid->itemAtPosition(row, 0) == nullptr)  // a row without a widget gets no share
+            m_grid->addWidget(new QWidget(this), row, 0);
     }
 }
 

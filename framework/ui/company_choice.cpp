@@ -8,17 +8,30 @@
 #include "app/company/aliases.h"
 #include "app/company/command_line.h"
 #include "app/company/company.h"
+#include "framework/ui/demo_company_dialog.h"
 #include "framework/ui/dialogs.h"
+#include "framework/ui/window_place.h"
 
 namespace framework {
 
 namespace {
 constexpr int kNameColumn = 0;
 constexpr int kFolderColumn = 1;
+// In logical pixels.
+constexpr int kMargin = 14;
+constexpr int kWidth = 680;
+constexpr int kHeight = 400;
+constexpr int kButtonWidth = 96;
+constexpr int kNarrowestName = 120;
+constexpr int kWidestName = 320;
 }  // namespace
 
 TYritysValinta::TYritysValinta(QWidget* parent)
-    : QDialog(parent), m_list(new QTreeWidget(this)), m_hint(new QLabel(this)) {
+    : QDialog(parent),
+      m_list(new QTreeWidget(this)),
+      m_pages(new QStackedWidget(this)),
+      m_hint(new QLabel(this)),
+      m_demo(new QPushButton(QStringLiteral("Luo &esimerkkiyritys..."), this)) {
     setObjectName(QStringLiteral("YritysValinta"));
     setWindowTitle(QStringLiteral("Yrityksen valinta"));
 
@@ -33,7 +46,9 @@ TYritysValinta::TYritysValinta(QWidget* parent)
     m_list->setAlternatingRowColors(true);
     m_list->setAllColumnsShowFocus(true);
     m_list->setAccessibleName(QStringLiteral("Yritykset"));
+    m_list->setTextElideMode(Qt::ElideMiddle);  // both ends of a folder tell it from others
     m_list->header()->setStretchLastSection(true);
+    m_list->header()->setMinimumSectionSize(kNarrowestName);
 
     m_hint->setWordWrap(true);
     m_hint->setTextFormat(Qt::PlainText);
@@ -51,16 +66,21 @@ TYritysValinta::TYritysValinta(QWidget* parent)
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(refreshButton);
     buttons->addStretch();
-    buttons->addWidget(m_choose);
-    buttons->addWidget(cancel);
+    for (QPushButton* button : {m_choose, cancel}) {
+        button->setMinimumWidth(kButtonWidth);
+        buttons->addWidget(button);
+    }
 
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(12, 12, 12, 12);
+    column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    column->setSpacing(kMargin / 2);
+    m_pages->addWidget(m_list);
+    m_pages->addWidget(buildOffer());
     column->addWidget(heading);
-    column->addWidget(m_list, 1);
-    column->addWidget(m_hint);
+    column->addWidget(m_pages, 1);
     column->addLayout(buttons);
-    resize(620, 380);
+    resize(kWidth, kHeight);
+    rememberPlace(*this, objectName());
 
     // Enter reaches the default button; the list's own activation would choose a second time.
     connect(m_list, &QTreeWidget::itemDoubleClicked, this, &TYritysValinta::choose);
@@ -97,6 +117,7 @@ void TYritysValinta::refresh() {
             const auto alias = company::findAlias(name);
             auto* row = new QTreeWidgetItem(
                 m_list, {name, alias ? QDir::toNativeSeparators(alias->physicalName) : QString()});
+            row->setToolTip(kNameColumn, row->text(kNameColumn));
             row->setToolTip(kFolderColumn, row->text(kFolderColumn));
             if (name == chosen)
                 m_list->setCurrentItem(row);
@@ -107,16 +128,52 @@ void TYritysValinta::refresh() {
     if (m_list->currentItem() == nullptr && m_list->topLevelItemCount() > 0)
         m_list->setCurrentItem(m_list->topLevelItem(0));
     m_list->resizeColumnToContents(kNameColumn);
-    m_list->setColumnWidth(kNameColumn, qMax(200, m_list->columnWidth(kNameColumn) + 16));
+    m_list->setColumnWidth(
+        kNameColumn, qBound(kNarrowestName, m_list->columnWidth(kNameColumn) + 16, kWidestName));
 
-    if (problem.isEmpty() && m_list->topLevelItemCount() == 0) {
+    const bool none = problem.isEmpty() && m_list->topLevelItemCount() == 0;
+    if (none) {
         problem = QStringLiteral(
-            "Yhtään yritystä ei ole. Luo yritys komennolla \"zavdb create NIMI KANSIO\" tai "
-            "esimerkkiyritys komennolla \"zavdb demo NIMI KANSIO\" ja päivitä luettelo (F5).");
+            "Yhtään yritystä ei ole vielä.\n\n"
+            "Ohjelmaa voi kokeilla esimerkkiyrityksellä, jonka tiedot ovat keksittyjä. Oikea "
+            "yritys otetaan käyttöön komennolla \"zavdb add NIMI KANSIO\", minkä jälkeen "
+            "luettelo päivitetään (F5).");
     }
     m_hint->setText(problem);
-    m_hint->setVisible(!problem.isEmpty());
+    m_pages->setCurrentIndex(problem.isEmpty() ? 0 : 1);
+    m_demo->setVisible(none);
+    if (none)
+        m_demo->setFocus();
     updateButtons();
+}
+
+// In the list's place: why there is nothing to choose from, and the way to a first company.
+QWidget* TYritysValinta::buildOffer() {
+    auto* page = new QFrame(this);
+    page->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    m_demo->setObjectName(QStringLiteral("EsimerkkiButton"));
+    m_demo->setAutoDefault(true);
+    auto* column = new QVBoxLayout(page);
+    column->setContentsMargins(3 * kMargin, kMargin, 3 * kMargin, kMargin);
+    column->addStretch();
+    column->addWidget(m_hint);
+    column->addSpacing(kMargin);
+    column->addWidget(m_demo, 0, Qt::AlignHCenter);
+    column->addStretch();
+    connect(m_demo, &QPushButton::clicked, this, &TYritysValinta::makeDemoCompany);
+    return page;
+}
+
+void TYritysValinta::makeDemoCompany() {
+    reportErrors(this, [this] {
+        DemoCompanyDialog dialog(this);
+        if (dialog.exec() != QDialog::Accepted)
+            return;
+        refresh();
+        m_list->setCurrentItem(
+            m_list->findItems(dialog.madeCompany(), Qt::MatchExactly, kNameColumn).value(0));
+        m_list->setFocus();
+    });
 }
 
 void TYritysValinta::choose() {

@@ -8,12 +8,15 @@
 #include "framework/core/definition_store.h"
 #include "framework/ui/base_form.h"
 #include "framework/ui/dialogs.h"
+#include "framework/ui/window_place.h"
 
 namespace framework {
 
 namespace {
 constexpr int kNameColumn = 0;
 constexpr int kDescriptionColumn = 1;
+constexpr int kMargin = 14;
+constexpr int kButtonWidth = 96;
 }  // namespace
 
 TRapMaarForm::TRapMaarForm(TPerusForm& form)
@@ -58,12 +61,16 @@ TRapMaarForm::TRapMaarForm(TPerusForm& form)
     buttons->addWidget(cancel);
 
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(12, 12, 12, 12);
+    column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    column->setSpacing(kMargin / 2);
     column->addLayout(fields);
     column->addWidget(listLabel);
     column->addWidget(m_list, 1);
     column->addLayout(buttons);
-    resize(520, 380);
+    for (QPushButton* button : {m_remove, store, cancel})
+        button->setMinimumWidth(kButtonWidth);
+    resize(560, 400);
+    rememberPlace(*this, objectName());
 
     connect(m_list, &QTreeWidget::itemClicked, this, &TRapMaarForm::pick);
     connect(m_list, &QTreeWidget::currentItemChanged, this,

@@ -9,9 +9,9 @@
 #include "app/company/command_line.h"
 #include "app/company/company.h"
 #include "app/company/logs.h"
-#include "data/clock.h"
 #include "data/sql/uni_query.h"
 #include "framework/ui/dialogs.h"
+#include "framework/ui/window_place.h"
 #include "vatchange/form/coefficients.h"
 #include "vatchange/form/run_report.h"
 
@@ -40,6 +40,7 @@ TAlvMuutosLomake::TAlvMuutosLomake(data::Database& database, QWidget* parent)
     readCompanyTables();
     connectControls();
     fitToScreen();
+    framework::rememberPlace(*this, formName());
     restoreLastState();
     TAlvMuutosLomake::afterLoad();
 }
@@ -63,8 +64,12 @@ void TAlvMuutosLomake::readCompanyTables() {
         query.close();
     }
     for (int level = 1; level <= kPriceLevels; ++level) {
-        m_controls.levelBoxes[static_cast<std::size_t>(level - 1)]->setTitle(m_levelNames[level]);
+        const QString& name = m_levelNames[level];
+        m_controls.levelBoxes[static_cast<std::size_t>(level - 1)]->setTitle(name);
+        m_controls.coefficient(level)->setAccessibleName(name + QStringLiteral(", kerroin"));
+        m_controls.keep(level)->setAccessibleName(name + QStringLiteral(", säilytä alv0 hinta"));
         framework::LookupCombo* source = m_controls.source(level);
+        source->setAccessibleName(name + QStringLiteral(", hinnan lähde"));
         source->addRow(QStringLiteral("0"), m_levelNames[0]);
         for (int row = 1; row <= kPriceLevels; ++row)
             source->addRow(kPriceColumns[static_cast<std::size_t>(row)], m_levelNames[row]);
@@ -200,6 +205,8 @@ void TAlvMuutosLomake::afterLoad() {
     for (int tag = 1; tag <= kPriceLevels; ++tag)
         validateSource(tag);
     normaliseCoefficients();
+    m_description->setText(loadedDefinition().description);
+    m_description->setToolTip(loadedDefinition().description);
 }
 
 void TAlvMuutosLomake::SailytaAlv0_CheckBox1Click(int tag, bool checked) {

@@ -50,6 +50,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void afterLoad() override;
     bool acceptTyped() override;
     framework::Report report() const override;
@@ -58,10 +59,14 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     friend class FormRunPorts;
 
     void buildLayout();
+    QLayout* buildDefinitionBar();
+    QLayout* buildGroups();
+    QLayout* buildFoot();
     void readCompanyTables();
     void connectControls();
     void connectSearch(QPushButton* button, SearchKind kind, QLineEdit* target);
     void fitToScreen();
+    void leaveByKey();
 
     void refreshClassLabels();
     void refreshRestrictionBoxes();
@@ -80,16 +85,17 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     FormControls m_controls;
     QStringList m_levelNames;  ///< index 0: "Ei muutosta"
     QWidget* m_content = nullptr;
+    QLabel* m_description = nullptr;  ///< of the loaded definition
     QLabel* m_status = nullptr;
     QProgressBar* m_progress = nullptr;
     QPushButton* m_interrupt = nullptr;
     QPushButton* m_close = nullptr;
+    std::optional<RunRecord> m_lastRun;
     QPointer<QWidget> m_pendingExit;  ///< left, not yet checked
     bool m_returningFocus = false;    ///< a refused edit takes the focus back: no exit
     bool m_running = false;
     bool m_cancelRequested = false;
     bool m_closeWhenDone = false;
 };
-    std::optional<RunRecord> m_lastRun;
 
 }  // namespace vatchange

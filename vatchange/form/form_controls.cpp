@@ -14,6 +14,7 @@ PriceLevelBox::PriceLevelBox(int titleWidth, QWidget* parent)
     : QWidget(parent), m_label(new QLabel(this)) {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(kColumnGap);
     m_label->setTextFormat(Qt::PlainText);
     m_label->setFixedWidth(titleWidth);
     row->addWidget(m_label);
@@ -25,6 +26,23 @@ void PriceLevelBox::setTitle(const QString& title) {
         m_label->fontMetrics().elidedText(title, Qt::ElideRight, m_label->maximumWidth());
     m_label->setText(shown);
     m_label->setToolTip(shown == title ? QString() : title);
+}
+
+QGridLayout* groupGrid(QGroupBox* box) {
+    auto* grid = new QGridLayout(box);
+    grid->setContentsMargins(kGroupMargin, kRowGap, kGroupMargin, kGutter);
+    grid->setHorizontalSpacing(kColumnGap);
+    grid->setVerticalSpacing(kRowGap);
+    return grid;
+}
+
+void levelRows(QGridLayout* grid, int count, int height) {
+    for (int row = 0; row < count; ++row) {
+        grid->setRowMinimumHeight(row, height);
+        grid->setRowStretch(row, 1);
+        if (grid->itemAtPosition(row, 0) == nullptr)  // a row without a widget gets no share
+            grid->addWidget(new QWidget(grid->parentWidget()), row, 0);
+    }
 }
 
 framework::CheckBox* namedCheckBox(const QString& objectName, const QString& caption,

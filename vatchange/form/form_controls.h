@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QListWidget>
@@ -20,6 +21,12 @@ inline constexpr int kPurchaseTag = 10;
 inline constexpr int kLastPurchaseTag = 11;
 inline constexpr int kSalesOrderTag = 12;
 inline constexpr int kPurchaseOrderTag = 13;
+
+// The measures that all groups of the form share, in logical pixels.
+inline constexpr int kGutter = 8;        ///< between groups, and around them
+inline constexpr int kGroupMargin = 10;  ///< inside a group's frame, left and right
+inline constexpr int kColumnGap = 8;
+inline constexpr int kRowGap = 3;
 
 /// The property that holds a control's tag.
 inline constexpr char kTagProperty[] = "tag";
@@ -108,6 +115,11 @@ QGroupBox* buildPurchaseOrders(FormControls& controls, QWidget* parent);
 QGroupBox* buildOptions(FormControls& controls, QWidget* parent);
 QGroupBox* buildLogging(FormControls& controls, QWidget* parent);
 void buildRounding(FormControls& controls, QWidget* parent);
+
+/// The grid of a group, with the margins and gaps that all groups share.
+QGridLayout* groupGrid(QGroupBox* box);
+/// Makes the first `count` rows equally high, at least `height`, however much room there is.
+void levelRows(QGridLayout* grid, int count, int height);
 
 /// A check box of a definition with its object name, caption and hint.
 framework::CheckBox* namedCheckBox(const QString& objectName, const QString& caption,

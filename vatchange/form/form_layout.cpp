@@ -4,110 +4,138 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "framework/ui/dialogs.h"
 #include "vatchange/form/change_form.h"
 
 namespace vatchange {
 
 namespace {
-constexpr int kMargin = 8;
+
 constexpr int kFrameHeight = 40;  // title bar and borders of the desktop, about
+// Beyond this the form no longer grows with its window: rows too far apart are hard to follow.
+constexpr QSize kLargestContent(1560, 860);
+constexpr int kProgressWidth = 260;
+
 }  // namespace
 
-void TAlvMuutosLomake::buildLayout() {
-    setWindowTitle(QStringLiteral("ALV muutos"));
-
-    auto* area = new QScrollArea(this);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    m_content = new QWidget(area);
-
-    auto* top = new QHBoxLayout;
+QLayout* TAlvMuutosLomake::buildDefinitionBar() {
     auto* name = new QLabel(QStringLiteral("Määritte&ly"), m_content);
-    for (QWidget* inherited : {static_cast<QWidget*>(LatausCombo), static_cast<QWidget*>(Talletus),
-                               static_cast<QWidget*>(Tulosta), static_cast<QWidget*>(Pdf),
-                               static_cast<QWidget*>(Esikatsele)})
-        inherited->setParent(m_content);
     name->setBuddy(LatausCombo);
-    top->addWidget(name);
-    top->addWidget(LatausCombo);
-    top->addWidget(Talletus);
-    top->addWidget(Pdf);
-    top->addStretch();
+    m_description = new QLabel(m_content);
+    m_description->setObjectName(QStringLiteral("SeliteLabel"));
+    m_description->setTextFormat(Qt::PlainText);
+    m_description->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+
+    auto* bar = new QHBoxLayout;
+    bar->setSpacing(kColumnGap);
+    bar->addWidget(name);
+    for (QWidget* inherited : {static_cast<QWidget*>(LatausCombo), static_cast<QWidget*>(Talletus),
+                               static_cast<QWidget*>(Pdf), static_cast<QWidget*>(Sahkoposti)}) {
+        inherited->setParent(m_content);
+        bar->addWidget(inherited);
+    }
+    Tulosta->setParent(m_content);
     Tulosta->hide();
-    Esikatsele->setText(QStringLiteral("&Muuta"));
-    Esikatsele->setToolTip(QStringLiteral("Muuta tuotteiden tiedot"));
+    bar->addWidget(m_description, 1);
+    return bar;
+}
 
-    // Created in the order that the eye and the tab key go.
+// Created in the order that the eye and the tab key go. One grid, so that all edges are in line.
+QLayout* TAlvMuutosLomake::buildGroups() {
+    enum Column { kLeft, kMiddle, kRight };
     auto* groups = new QGridLayout;
-    groups->setSpacing(kMargin);
-    groups->addWidget(buildRestrictions(m_controls, m_content), 0, 0, 1, 2);
-    auto* topRight = new QVBoxLayout;
-    topRight->addWidget(buildVatClasses(m_controls, m_content));
-    topRight->addWidget(buildLogging(m_controls, m_content));
-    groups->addLayout(topRight, 0, 2);
-    groups->addWidget(buildPrices(m_controls, m_content), 1, 0);
-    auto* middle = new QVBoxLayout;
-    middle->addWidget(buildOptions(m_controls, m_content));
-    middle->addWidget(buildSalesOrders(m_controls, m_content));
-    middle->addWidget(buildPurchaseOrders(m_controls, m_content));
-    middle->addStretch();
-    groups->addLayout(middle, 1, 1);
+    groups->setSpacing(kGutter);
+    groups->addWidget(buildRestrictions(m_controls, m_content), 0, kLeft, 1, 2);
+    groups->addWidget(buildVatClasses(m_controls, m_content), 0, kRight);
+    groups->addWidget(buildPrices(m_controls, m_content), 1, kLeft, 3, 1);
+    groups->addWidget(buildOptions(m_controls, m_content), 1, kMiddle);
     buildRounding(m_controls, m_content);
-    auto* right = new QVBoxLayout;
-    right->addWidget(m_controls.roundingRule);
-    right->addWidget(m_controls.roundingStep);
-    right->addStretch();
-    groups->addLayout(right, 1, 2);
-    groups->setColumnStretch(1, 1);
-    groups->setRowStretch(1, 1);
+    auto* rounding = new QHBoxLayout;
+    rounding->setSpacing(kGutter);
+    rounding->addWidget(m_controls.roundingRule, 1);
+    rounding->addWidget(m_controls.roundingStep, 1);
+    groups->addLayout(rounding, 1, kRight);
+    groups->addWidget(buildSalesOrders(m_controls, m_content), 2, kMiddle);
+    groups->addWidget(buildPurchaseOrders(m_controls, m_content), 2, kRight);
+    groups->addWidget(buildLogging(m_controls, m_content), 3, kMiddle, 1, 2);
 
-    auto* body = new QVBoxLayout(m_content);
-    body->setContentsMargins(kMargin, kMargin, kMargin, 0);
-    body->addLayout(top);
-    body->addLayout(groups, 1);
-    area->setWidget(m_content);
+    // As many rows of controls as each row of groups has.
+    const int stretches[] = {5, 5, 3, 1};
+    for (int row = 0; row < 4; ++row)
+        groups->setRowStretch(row, stretches[row]);
+    groups->setColumnStretch(kMiddle, 1);
+    groups->setColumnStretch(kRight, 1);
+    return groups;
+}
 
+QLayout* TAlvMuutosLomake::buildFoot() {
     m_status = new QLabel(this);
     m_status->setObjectName(QStringLiteral("StatusLabel"));
     m_status->setTextFormat(Qt::PlainText);
-    m_status->setMinimumWidth(200);
+    m_status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_progress = new QProgressBar(this);
     m_progress->setObjectName(QStringLiteral("ProgressBar"));
-    m_progress->setFixedWidth(260);
+    m_progress->setFixedWidth(kProgressWidth);
     m_progress->setAccessibleName(QStringLiteral("Ajon eteneminen"));
     m_progress->hide();
+    Esikatsele->setParent(this);
+    Esikatsele->setText(QStringLiteral("&Muuta"));
+    Esikatsele->setToolTip(QStringLiteral("Muuta tuotteiden tiedot"));
     m_interrupt = new QPushButton(QStringLiteral("&Keskeytä"), this);
     m_interrupt->setObjectName(QStringLiteral("Keskeyta"));
     m_interrupt->setToolTip(QStringLiteral("Lopettaa muutoksen kahden rivin välissä"));
     m_interrupt->setEnabled(false);
     m_close = new QPushButton(QStringLiteral("&Sulje"), this);
     m_close->setObjectName(QStringLiteral("Sulje"));
-    Esikatsele->setParent(this);
-    Esikatsele->setMinimumWidth(Esikatsele->fontMetrics().horizontalAdvance(Esikatsele->text()) +
-                                64);
 
     auto* foot = new QHBoxLayout;
-    foot->setContentsMargins(kMargin, 0, kMargin, kMargin);
+    foot->setContentsMargins(kGutter, 0, kGutter, kGutter);
+    foot->setSpacing(kColumnGap);
     foot->addWidget(m_status, 1);
     foot->addWidget(m_progress);
-    foot->addWidget(Esikatsele);
-    foot->addWidget(m_interrupt);
-    foot->addWidget(m_close);
+    const int width = fontMetrics().horizontalAdvance(QStringLiteral("Keskeytä")) + 44;
+    for (QPushButton* button : {Esikatsele, m_interrupt, m_close}) {
+        button->setMinimumWidth(width);
+        foot->addWidget(button);
+    }
+    return foot;
+}
+
+void TAlvMuutosLomake::buildLayout() {
+    setWindowTitle(QStringLiteral("ALV muutos"));
+    auto* area = new QScrollArea(this);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    m_content = new QWidget(area);
+    m_content->setMaximumSize(kLargestContent);
+    auto* body = new QVBoxLayout(m_content);
+    body->setContentsMargins(kGutter, kGutter, kGutter, 0);
+    body->setSpacing(kGutter);
+    body->addLayout(buildDefinitionBar());
+    body->addLayout(buildGroups(), 1);
+    area->setWidget(m_content);
+
     auto* window = new QVBoxLayout(this);
     window->setContentsMargins(0, 0, 0, 0);
+    window->setSpacing(kGutter);
     window->addWidget(area, 1);
-    window->addLayout(foot);
+    window->addLayout(buildFoot());
 
-    setTabOrder(m_controls.roundingStep, Esikatsele);
+    for (QPushButton* button : findChildren<QPushButton*>())
+        button->setAutoDefault(true);  // Enter presses the button that has the focus
+    Esikatsele->setDefault(true);
+    setTabOrder(m_controls.leaveWebShop, Esikatsele);
     setTabOrder(Esikatsele, m_interrupt);
     setTabOrder(m_interrupt, m_close);
+    framework::describeByHints(*this);
 }
 
 void TAlvMuutosLomake::fitToScreen() {
     // A scroll area asks for little; the window should open at what its content needs, as far as
     // the screen has room.
     const QSize content = m_content->sizeHint();
-    QSize wanted(content.width() + 4, content.height() + m_close->sizeHint().height() + 24);
+    QSize wanted(content.width(), content.height() + 2 * kGutter + m_close->sizeHint().height());
     if (const QScreen* screen = QGuiApplication::primaryScreen())
         wanted = wanted.boundedTo(screen->availableSize() - QSize(0, kFrameHeight));
     resize(wanted);

@@ -1,10 +1,22 @@
 #include <QGridLayout>
-#include <QVBoxLayout>
 
 #include "framework/ui/dialogs.h"
 #include "vatchange/form/form_controls.h"
 
 namespace vatchange {
+
+namespace {
+
+constexpr int kOrderRows = 3;
+constexpr int kOptionRows = 5;  // of the options and of the rounding beside them
+
+// Sales and purchase orders stand side by side with their rows level.
+void finishOrderGrid(QGridLayout* grid, const QWidget* edit) {
+    levelRows(grid, kOrderRows, edit->sizeHint().height());
+    grid->setColumnStretch(1, 1);
+}
+
+}  // namespace
 
 QGroupBox* buildSalesOrders(FormControls& controls, QWidget* parent) {
     const QString hint = framework::withLineBreaks(
@@ -12,8 +24,7 @@ QGroupBox* buildSalesOrders(FormControls& controls, QWidget* parent) {
                        "Jos verollinen ahinta ei muutu, jätä kertoimeksi 1."));
     auto* box = new QGroupBox(QStringLiteral("Myyntitilauskerroin"), parent);
     box->setToolTip(hint);
-    auto* grid = new QGridLayout(box);
-    grid->setVerticalSpacing(4);
+    QGridLayout* grid = groupGrid(box);
     framework::DecimalEdit* edit =
         coefficientEdit(controls, kSalesOrderTag, QStringLiteral("MtKerroinEdit"),
                         QStringLiteral("Myyntitilauskerroin"), box);
@@ -24,6 +35,7 @@ QGroupBox* buildSalesOrders(FormControls& controls, QWidget* parent) {
                     QStringLiteral("Uusi verollinen a-hinta lasketaan kertoimen sijaan alv0 "
                                    "a-hinnasta."),
                     box);
+    keep->setAccessibleName(QStringLiteral("Myyntitilaus, laske verollinen alv0:sta"));
     controls.deliveryLimit = new framework::DateEdit(box);
     controls.deliveryLimit->setObjectName(QStringLiteral("MTToimPaivaRajaus"));
     controls.deliveryLimit->setAccessibleName(QStringLiteral("Toimituspäivä alkaen"));
@@ -33,10 +45,10 @@ QGroupBox* buildSalesOrders(FormControls& controls, QWidget* parent) {
     auto* label = new QLabel(QStringLiteral("Toimituspäivä alkaen"), box);
     label->setBuddy(controls.deliveryLimit);
     grid->addWidget(edit, 0, 0);
-    grid->addWidget(keep, 0, 1);
-    grid->addWidget(controls.deliveryLimit, 1, 0);
-    grid->addWidget(label, 1, 1);
-    grid->setColumnStretch(1, 1);
+    grid->addWidget(keep, 1, 0, 1, 2);
+    grid->addWidget(controls.deliveryLimit, 2, 0);
+    grid->addWidget(label, 2, 1);
+    finishOrderGrid(grid, edit);
     return box;
 }
 
@@ -46,7 +58,7 @@ QGroupBox* buildPurchaseOrders(FormControls& controls, QWidget* parent) {
                        "Jos verollinen a-ostohinta ei muutu, jätä kertoimeksi 1."));
     auto* box = new QGroupBox(QStringLiteral("Ostotilauskerroin"), parent);
     box->setToolTip(hint);
-    auto* grid = new QGridLayout(box);
+    QGridLayout* grid = groupGrid(box);
     framework::DecimalEdit* edit =
         coefficientEdit(controls, kPurchaseOrderTag, QStringLiteral("OtKerroinEdit"),
                         QStringLiteral("Ostotilauskerroin"), box);
@@ -57,17 +69,16 @@ QGroupBox* buildPurchaseOrders(FormControls& controls, QWidget* parent) {
                     QStringLiteral("Uusi verollinen a-ostohinta lasketaan kertoimen sijaan alv0 "
                                    "a-ostohinnasta."),
                     box);
+    keep->setAccessibleName(QStringLiteral("Ostotilaus, laske verollinen alv0:sta"));
     grid->addWidget(edit, 0, 0);
-    grid->addWidget(keep, 0, 1);
-    grid->setColumnStretch(1, 1);
+    grid->addWidget(keep, 1, 0, 1, 2);
+    finishOrderGrid(grid, edit);
     return box;
 }
 
 QGroupBox* buildOptions(FormControls& controls, QWidget* parent) {
     auto* box = new QGroupBox(QStringLiteral("Optiot"), parent);
-    auto* grid = new QGridLayout(box);
-    grid->setVerticalSpacing(4);
-    grid->setHorizontalSpacing(12);
+    QGridLayout* grid = groupGrid(box);
 
     controls.products =
         namedCheckBox(QStringLiteral("Tuotteet"), QStringLiteral("Tuotteet ja ryhmät"),
@@ -113,14 +124,17 @@ QGroupBox* buildOptions(FormControls& controls, QWidget* parent) {
           static_cast<QWidget*>(controls.salesOrders),
           static_cast<QWidget*>(controls.purchaseOrders)})
         grid->addWidget(right, row++, 1);
+    levelRows(grid, kOptionRows, controls.products->sizeHint().height());
+    grid->setColumnStretch(0, 1);
     grid->setColumnStretch(1, 1);
     return box;
 }
 
 QGroupBox* buildLogging(FormControls& controls, QWidget* parent) {
     auto* box = new QGroupBox(QStringLiteral("Loki ja verkkokauppa"), parent);
-    auto* column = new QVBoxLayout(box);
-    column->setSpacing(4);
+    QGridLayout* grid = groupGrid(box);
+    // The group is as wide as two others: its second half begins where the second one's does.
+    grid->setHorizontalSpacing(kGutter + 2 * (kGroupMargin + 1));
     controls.productLog = namedCheckBox(
         QStringLiteral("Tuoteloki"), QStringLiteral("Loki tuotekohtaisista muutoksista"),
         QStringLiteral("Kirjoittaa tuotemuutoksista yksityiskohtaisen lokin"), box);
@@ -129,8 +143,10 @@ QGroupBox* buildLogging(FormControls& controls, QWidget* parent) {
         QStringLiteral("Verkkokaupan muutoksia ei vielä tehdä. Tarpeen silloin jos ajo ajetaan "
                        "ennakkoon"),
         box);
-    column->addWidget(controls.productLog);
-    column->addWidget(controls.leaveWebShop);
+    grid->addWidget(controls.productLog, 0, 0);
+    grid->addWidget(controls.leaveWebShop, 0, 1);
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(1, 1);
     return box;
 }
 
@@ -146,6 +162,11 @@ void buildRounding(FormControls& controls, QWidget* parent) {
                                    QStringLiteral("10"), QStringLiteral("0,01")},
                                   static_cast<int>(RoundingStep::One), parent);
     controls.roundingStep->setObjectName(QStringLiteral("PyoristysRadioGroup"));
+    for (framework::RadioGroup* group : {controls.roundingRule, controls.roundingStep}) {
+        group->setRows(kOptionRows);
+        group->layout()->setContentsMargins(kGroupMargin, kRowGap, kGroupMargin, kGutter);
+        group->layout()->setSpacing(kRowGap);
+    }
 }
 
 }  // namespace vatchange

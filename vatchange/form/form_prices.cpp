@@ -1,4 +1,3 @@
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
 
@@ -8,14 +7,16 @@ namespace vatchange {
 
 namespace {
 
-constexpr int kColumnGap = 8;
+constexpr int kTitleCharacters = 17;  // of a price level's name; a longer one is shortened
 constexpr int kLimitDecimals = 2;
+constexpr int kFootRows = 3;
 
 // Widths that all rows of the table share; the nine levels are widgets of their own.
 struct Columns {
     explicit Columns(const QWidget* parent)
-        : name(parent->fontMetrics().horizontalAdvance(QStringLiteral("Hinnanmuutosraja")) + 24),
-          source(parent->fontMetrics().horizontalAdvance(QStringLiteral("Ei muutosta")) + 84),
+        : name(qMax(kTitleCharacters * parent->fontMetrics().averageCharWidth(),
+                    parent->fontMetrics().horizontalAdvance(QStringLiteral("Hinnanmuutosraja ")))),
+          source(parent->fontMetrics().horizontalAdvance(QStringLiteral("Ei muutosta")) + 76),
           keep(parent->fontMetrics().horizontalAdvance(QStringLiteral("Säilytä alv0 hinta")) + 28) {
     }
     int name;
@@ -44,7 +45,6 @@ PriceLevelBox* levelRow(FormControls& controls, int level, const Columns& column
     box->setObjectName(QStringLiteral("Hinta%1GroupBox").arg(number));
     controls.levelBoxes[index] = box;
     auto* row = static_cast<QHBoxLayout*>(box->layout());
-    row->setSpacing(kColumnGap);
     row->addWidget(coefficientEdit(controls, level, QStringLiteral("Hinta%1Edit").arg(number),
                                    QStringLiteral("Hinta %1, kerroin").arg(number), box));
 
@@ -82,26 +82,55 @@ void purchaseRow(QVBoxLayout* column, FormControls& controls, int tag, const QSt
     keep->setAccessibleName(caption + QStringLiteral(", säilytä alv0 hinta"));
     row->addWidget(keep);
     row->addStretch();
-    column->addLayout(row);
+    column->addLayout(row, 1);
 }
 
-void limitRow(QVBoxLayout* column, FormControls& controls, const Columns& columns,
-              QWidget* parent) {
-    QHBoxLayout* row = tableRow();
-    QLabel* label = cell(QStringLiteral("Hinnanmuutosraja"), columns.name, parent);
+framework::DecimalEdit* limitEdit(int width, QWidget* parent) {
     auto* edit = new framework::DecimalEdit(kLimitDecimals, 0.0, parent);
     edit->setObjectName(QStringLiteral("PriceChangeLimitEdit"));
-    edit->setAccessibleName(label->text());
+    edit->setAccessibleName(QStringLiteral("Hinnanmuutosraja"));
     edit->setToolTip(
         QStringLiteral("Muuttaa tuotteen verolliset hinnat vain hintatasoilta, joiden hinta on "
                        "vähintään hinnanmuutosraja."));
-    edit->setFixedWidth(controls.coefficient(1)->maximumWidth());
-    label->setBuddy(edit);
-    controls.priceChangeLimit = edit;
-    row->addWidget(label);
-    row->addWidget(edit);
-    row->addStretch();
-    column->addLayout(row);
+    edit->setFixedWidth(width);
+    return edit;
+}
+
+// Below the table: the limit and two choices, and beside them what the shortcut keys do.
+QLayout* priceFoot(FormControls& controls, const Columns& columns, QWidget* parent) {
+    QLabel* label = cell(QStringLiteral("Hinnanmuutosraja"), columns.name, parent);
+    controls.priceChangeLimit = limitEdit(controls.coefficient(1)->maximumWidth(), parent);
+    label->setBuddy(controls.priceChangeLimit);
+    controls.keepPricelistVat0 = namedCheckBox(
+        QStringLiteral("DoNotUpdateCustomerPricelistVAT0"),
+        QStringLiteral("Älä päivitä asiakashinnaston alv0 hintaa"),
+        QStringLiteral("Asiakashinnaston alv0 hintaa ei päivitetä vaikka verollinen hinta "
+                       "muuttuisi."),
+        parent);
+    controls.shelfLabels =
+        namedCheckBox(QStringLiteral("VieHr"), QStringLiteral("Vie hyllynreunaetiketteihin"),
+                      QStringLiteral("Muutettu tuote kirjoitetaan HR etiketteihin."), parent);
+    controls.shelfLabels->setChecked(true);
+    auto* keys = new QLabel(QStringLiteral("Pikanäppäimet:\n"
+                                           "Alt - 1 asettaa kertoimeksi 1.255/1.24,\n"
+                                           "Alt - 2 asettaa kertoimeksi 1.255/1.14"),
+                            parent);
+    keys->setObjectName(QStringLiteral("PikanappaimetLabel"));
+
+    QHBoxLayout* limit = tableRow();
+    limit->addWidget(label);
+    limit->addWidget(controls.priceChangeLimit);
+    limit->addStretch();
+    auto* rows = new QVBoxLayout;
+    rows->setSpacing(kRowGap);
+    rows->addLayout(limit, 1);
+    rows->addWidget(controls.keepPricelistVat0, 1);
+    rows->addWidget(controls.shelfLabels, 1);
+    auto* foot = new QHBoxLayout;
+    foot->setSpacing(2 * kColumnGap);
+    foot->addLayout(rows);
+    foot->addWidget(keys, 1, Qt::AlignLeft | Qt::AlignVCenter);
+    return foot;
 }
 
 }  // namespace
@@ -112,7 +141,8 @@ QGroupBox* buildPrices(FormControls& controls, QWidget* parent) {
         parent);
     const Columns columns(box);
     auto* column = new QVBoxLayout(box);
-    column->setSpacing(4);
+    column->setContentsMargins(kGroupMargin, kRowGap, kGroupMargin, kGutter);
+    column->setSpacing(kRowGap);
 
     QHBoxLayout* headings = tableRow();
     headings->addWidget(cell(QStringLiteral("Hintataso"), columns.name, box));
@@ -124,40 +154,13 @@ QGroupBox* buildPrices(FormControls& controls, QWidget* parent) {
     column->addLayout(headings);
 
     for (int level = 1; level <= kPriceLevels; ++level)
-        column->addWidget(levelRow(controls, level, columns, box));
+        column->addWidget(levelRow(controls, level, columns, box), 1);
     coefficientHeading->setFixedWidth(controls.coefficient(1)->maximumWidth());
     purchaseRow(column, controls, kPurchaseTag, QStringLiteral("Ostohinta"),
                 QStringLiteral("Ostohinta"), columns, box);
     purchaseRow(column, controls, kLastPurchaseTag, QStringLiteral("Viim. ostohinta"),
                 QStringLiteral("ViimOstohinta"), columns, box);
-    limitRow(column, controls, columns, box);
-
-    controls.keepPricelistVat0 = namedCheckBox(
-        QStringLiteral("DoNotUpdateCustomerPricelistVAT0"),
-        QStringLiteral("Älä päivitä asiakashinnaston alv0 hintaa"),
-        QStringLiteral("Asiakashinnaston alv0 hintaa ei päivitetä vaikka verollinen hinta "
-                       "muuttuisi."),
-        box);
-    controls.shelfLabels =
-        namedCheckBox(QStringLiteral("VieHr"), QStringLiteral("Vie hyllynreunaetiketteihin"),
-                      QStringLiteral("Muutettu tuote kirjoitetaan HR etiketteihin."), box);
-    controls.shelfLabels->setChecked(true);
-    auto* checks = new QVBoxLayout;
-    checks->setSpacing(4);
-    checks->addWidget(controls.keepPricelistVat0);
-    checks->addWidget(controls.shelfLabels);
-    checks->addStretch();
-    auto* keys = new QLabel(QStringLiteral("Pikanäppäimet:\n"
-                                           "Alt - 1 asettaa kertoimeksi 1.255/1.24,\n"
-                                           "Alt - 2 asettaa kertoimeksi 1.255/1.14"),
-                            box);
-    keys->setObjectName(QStringLiteral("PikanappaimetLabel"));
-    auto* foot = new QHBoxLayout;
-    foot->addLayout(checks);
-    foot->addStretch();
-    foot->addWidget(keys);
-    column->addLayout(foot);
-    column->addStretch();
+    column->addLayout(priceFoot(controls, columns, box), kFootRows);
     return box;
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kGroupDigits = 11;
 constexpr int kClassDigits = 3;
-constexpr int kColumnGap = 6;
+constexpr int kVisibleGroups = 24;  // characters of a customer group's name
 
 // Widths that the rows of the restrictions share, so that their columns stand in line although each
 // row is a widget of its own.
@@ -18,9 +18,14 @@ struct Columns {
     explicit Columns(const QWidget* parent)
         : check(parent->fontMetrics().horizontalAdvance(QStringLiteral("Tuotenro (ei käytössä)")) +
                 34),
-          number(parent->fontMetrics().horizontalAdvance(QStringLiteral("00000000000")) + 12) {}
+          number(parent->fontMetrics().horizontalAdvance(QStringLiteral("00000000000")) + 14),
+          button(parent->fontMetrics().horizontalAdvance(QStringLiteral("Tuotehaku")) + 26),
+          ignored(parent->fontMetrics().horizontalAdvance(QStringLiteral("Ulosrajattavat ryhmät")) +
+                  16) {}
     int check;
-    int number;
+    int number;  ///< of a range's ends: eleven digits, or most of a product number
+    int button;
+    int ignored;
 };
 
 QLabel* heading(const QString& text, int width, QWidget* parent) {
@@ -40,6 +45,7 @@ QHBoxLayout* flatRow(QWidget* box) {
 QPushButton* searchButton(const QString& caption, const QString& accessibleName, QWidget* parent) {
     auto* button = new QPushButton(caption, parent);
     button->setAccessibleName(accessibleName);
+    button->setAutoDefault(true);  // Enter presses it
     return button;
 }
 
@@ -64,9 +70,11 @@ RestrictionControls restriction(const QString& stem, const QString& caption, con
     controls.search =
         searchButton(QStringLiteral("Haku"), kind + QStringLiteral(", haku"), controls.box);
     controls.search->setObjectName(stem + QStringLiteral("HakuButton"));
+    controls.search->setFixedWidth(columns.button);
     controls.ignored = new framework::TextEdit(controls.box);
     controls.ignored->setObjectName(QStringLiteral("edt") + stem + QStringLiteral("Ignore"));
     controls.ignored->setPlaceholderText(QStringLiteral("Ulosrajattavat ryhmät"));
+    controls.ignored->setMinimumWidth(columns.ignored);
     controls.ignored->setToolTip(
         QStringLiteral("Ryhmät, joita ei oteta mukaan. Ilmoita pilkkueroteltu luettelo."));
     controls.ignored->setAccessibleName(kind + QStringLiteral(", ulosrajattavat ryhmät"));
@@ -94,7 +102,8 @@ void productRange(FormControls& controls, const Columns& columns, QWidget* paren
         text->setObjectName(objectName);
         text->setAccessibleName(accessibleName);
         text->setDropReplaces(true);
-        row->addWidget(text, 1);
+        text->setFixedWidth(columns.number);
+        row->addWidget(text);
         return text;
     };
     controls.productFirst =
@@ -104,7 +113,9 @@ void productRange(FormControls& controls, const Columns& columns, QWidget* paren
     controls.productSearch = searchButton(QStringLiteral("Tuotehaku"), QStringLiteral("Tuotehaku"),
                                           controls.productRangeBox);
     controls.productSearch->setObjectName(QStringLiteral("TuotehakuButton"));
+    controls.productSearch->setFixedWidth(columns.button);
     row->addWidget(controls.productSearch);
+    row->addStretch();
 }
 
 }  // namespace
@@ -112,9 +123,7 @@ void productRange(FormControls& controls, const Columns& columns, QWidget* paren
 QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
     auto* box = new QGroupBox(QStringLiteral("Rajaukset (0 tai tyhjä = ei mukana)"), parent);
     const Columns columns(box);
-    auto* grid = new QGridLayout(box);
-    grid->setHorizontalSpacing(kColumnGap);
-    grid->setVerticalSpacing(4);
+    QGridLayout* grid = groupGrid(box);
 
     auto* headings = new QHBoxLayout;
     headings->setSpacing(kColumnGap);
@@ -146,10 +155,13 @@ QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
     controls.customerGroups->setAccessibleName(QStringLiteral("As. ryhmät"));
     controls.customerGroups->setToolTip(
         QStringLiteral("Valitse tästä päivitettävät asiakasryhmät (ei valittu yhtään = kaikki)"));
-    controls.customerGroups->setMinimumWidth(24 * box->fontMetrics().averageCharWidth());
+    controls.customerGroups->setMinimumWidth(kVisibleGroups *
+                                             box->fontMetrics().averageCharWidth());
+    // The height is that of the four rows beside it.
+    controls.customerGroups->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
     auto* label = new QLabel(QStringLiteral("As. ryhmät"), box);
     label->setBuddy(controls.customerGroups);
-    grid->setColumnMinimumWidth(2, 2 * kColumnGap);
+    grid->setColumnMinimumWidth(2, kColumnGap);
     grid->addWidget(label, 0, 3, Qt::AlignBottom);
     grid->addWidget(controls.customerGroups, 1, 3, row - 1, 1);
     for (int r = 1; r < row; ++r)
@@ -163,9 +175,7 @@ QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent) {
     auto* box = new QGroupBox(QStringLiteral("Veroluokka"), parent);
     box->setToolTip(QStringLiteral(
         "Ottaa huomioon tuotteen/tuoteryhmän veroluokan, toisen veroluokan, ja oston veroluokan."));
-    auto* grid = new QGridLayout(box);
-    grid->setHorizontalSpacing(8);
-    grid->setVerticalSpacing(4);
+    QGridLayout* grid = groupGrid(box);
 
     const int editWidth = box->fontMetrics().horizontalAdvance(QStringLiteral("00000")) + 12;
     const auto classRow = [&](int row, const QString& caption, const QString& editName,
@@ -178,6 +188,9 @@ QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent) {
         label->setBuddy(edit);
         rate = new QLabel(box);
         rate->setObjectName(labelName);
+        QFont bold = rate->font();
+        bold.setBold(true);
+        rate->setFont(bold);
         rate->setMinimumWidth(box->fontMetrics().horizontalAdvance(QStringLiteral("Ei löydy!  ")));
         grid->addWidget(label, row, 0);
         grid->addWidget(edit, row, 1);
@@ -195,8 +208,9 @@ QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent) {
                        "laita uusi samaksi kuin vanha"));
     auto* note = new QLabel(QStringLiteral("0 rajaa vain\nveroluokattomat"), box);
     note->setObjectName(QStringLiteral("VeroluokattomatLabel"));
-    grid->addWidget(note, 0, 3, 2, 1, Qt::AlignVCenter);
-    grid->setColumnStretch(4, 1);
+    grid->addWidget(note, 2, 1, 1, 2);
+    levelRows(grid, 3, controls.sourceClass->sizeHint().height());
+    grid->setColumnStretch(2, 1);
     return box;
 }
 

@@ -99,6 +99,8 @@ void TAlvMuutosLomake::setRunning(bool running) {
     m_progress->setVisible(running);
     m_progress->setRange(0, 0);
     m_progress->setFormat({});
+    if (!running && isActiveWindow())
+        LatausCombo->setFocus();  // far from a second run by the key that closed the last message
     Q_EMIT runningChanged(running);
 }
 
