@@ -17,7 +17,17 @@ namespace {
 const QString kAliases = QStringLiteral("Aliases/");
 const QString kPhysicalName = QStringLiteral("/PhysicalName");
 const QString kLocalFilePath = QStringLiteral("/LocalFilePath");
-const QString kOwnerName = QStringLiteral("/OwnerName");
+
+/// The settings of an alias that are written only where they are set.
+struct OptionalSetting {
+    const char* key;
+    QString Alias::*value;
+};
+constexpr OptionalSetting kOptionalSettings[] = {
+    {"/OwnerName", &Alias::ownerName},   {"/Server", &Alias::server},
+    {"/DataSource", &Alias::dataSource}, {"/UserName", &Alias::userName},
+    {"/Password", &Alias::password},     {"/OdbcAttributes", &Alias::odbcAttributes},
+};
 constexpr qsizetype kMaxNameLength = 80;
 
 using Store = std::unique_ptr<QSettings>;
@@ -80,8 +90,13 @@ QString spellingIn(QSettings& store, const QString& name) {
 
 Alias readAlias(const QSettings& store, const QString& name) {
     const QString key = kAliases + name;
-    return {name, store.value(key + kPhysicalName).toString(),
-            store.value(key + kLocalFilePath).toString(), store.value(key + kOwnerName).toString()};
+    Alias alias{name,
+                store.value(key + kPhysicalName).toString(),
+                store.value(key + kLocalFilePath).toString(),
+                {}};
+    for (const OptionalSetting& setting : kOptionalSettings)
+        alias.*setting.value = store.value(key + QLatin1String(setting.key)).toString();
+    return alias;
 }
 
 void writeThrough(QSettings& store) {
@@ -147,8 +162,9 @@ void storeAlias(const Alias& alias) {
     const QString key = kAliases + alias.name;
     store.setValue(key + kPhysicalName, alias.physicalName);
     store.setValue(key + kLocalFilePath, alias.localFilePath);
-    if (!alias.ownerName.isEmpty())
-        store.setValue(key + kOwnerName, alias.ownerName);
+    for (const OptionalSetting& setting : kOptionalSettings)
+        if (const QString& value = alias.*setting.value; !value.isEmpty())
+            store.setValue(key + QLatin1String(setting.key), value);
     writeThrough(store);
 }
 
@@ -210,6 +226,15 @@ QString aliasNameProblemFinnish(const QString& name) {
         case NameFault::Switch:
             return QStringLiteral("Yrityksen nimen \"%1\" alussa on - tai /, kuten valitsimessa")
                 .arg(name);
+    }
+    return {};
+}
+
+QString engineSetting(const QString& key) {
+    for (const Store& store : openStores()) {
+        const QString value = store->value(QStringLiteral("Engine/") + key).toString();
+        if (!value.isEmpty())
+            return value;
     }
     return {};
 }

@@ -3,11 +3,15 @@
 #include <QDebug>
 #include <QFileInfo>
 #include <algorithm>
+#include <chrono>
+#include <cmath>
 #include <utility>
 
 #include "app/company/aliases.h"
 #include "app/company/command_line.h"
 #include "app/company/company.h"
+#include "data/client/odbc_connection.h"
+#include "data/client/shop_database.h"
 #include "data/embedded/embedded_database.h"
 
 namespace company {
@@ -28,6 +32,41 @@ data::DataError noConnection(const QString& dataSource, const QString& detail) {
     return {data::ErrorKind::NoConnection, dataSource, detail};
 }
 
+/// What an attempt met, as the failure of the company's connection.
+data::DataError connectionFailure(const QString& dataSource, const data::DataError& error) {
+    if (error.kind() == data::ErrorKind::NoConnection)
+        return error;
+    return {data::ErrorKind::NoConnection, dataSource, error.english(), error.nativeCode()};
+}
+
+std::chrono::milliseconds secondsOf(const QString& setting, std::chrono::milliseconds usual) {
+    constexpr double kMillisecondsPerSecond = 1000;
+    bool ok = false;
+    const double seconds = company::engineSetting(setting).toDouble(&ok);
+    if (!ok || seconds <= 0)
+        return usual;
+    return std::chrono::milliseconds(std::llround(seconds * kMillisecondsPerSecond));
+}
+
+data::client::ShopDatabaseSettings shopSettings(const Alias& alias) {
+    data::client::ShopDatabaseSettings settings;
+    settings.name = alias.name;
+    settings.folder = alias.physicalName;
+    settings.ownerName = alias.ownerName;
+    settings.server = alias.server;
+    settings.clientLibrary = qEnvironmentVariable("TAKSAVAIHE_CLIENT_LIBRARY");
+    if (settings.clientLibrary.isEmpty())
+        settings.clientLibrary = engineSetting(QStringLiteral("ClientLibrary"));
+    settings.dataSource = alias.dataSource;
+    settings.userName = alias.userName;
+    settings.password = alias.password;
+    settings.odbcAttributes = alias.odbcAttributes;
+    settings.connectLimit = secondsOf(QStringLiteral("ConnectSeconds"), settings.connectLimit);
+    settings.statementLimit =
+        secondsOf(QStringLiteral("StatementSeconds"), settings.statementLimit);
+    return settings;
+}
+
 }  // namespace
 
 data::Database& UniConnection::database() const {
@@ -35,10 +74,7 @@ data::Database& UniConnection::database() const {
         return *m_database;
     if (!m_failure)
         throw noConnection(m_dataSource, QStringLiteral("the connection has not been opened"));
-    throw data::DataError(data::ErrorKind::NoConnection, m_dataSource,
-                          m_failure->kind() == data::ErrorKind::NoConnection ? m_failure->detail()
-                                                                             : m_failure->english(),
-                          m_failure->nativeCode());
+    throw *m_failure;
 }
 
 TZavDbConnectionModule::TZavDbConnectionModule(Opener opener, Notice notice)
@@ -48,6 +84,8 @@ TZavDbConnectionModule::TZavDbConnectionModule(Opener opener, Notice notice)
       m_queryDebug(!m_monitor && hasSwitch(QStringLiteral("/uniquerydebug"))) {
     m_owned.push_back(std::make_unique<UniConnection>());
     m_main = m_owned.front().get();
+    if (m_monitor)
+        data::client::OdbcConnection::setTracing(true);
 }
 
 TZavDbConnectionModule::~TZavDbConnectionModule() = default;
@@ -106,7 +144,8 @@ void TZavDbConnectionModule::AlustaUnidacConnection(UniConnection& connection,
             connection.m_database = m_opener(dataSource);
             connection.m_failure.reset();
         } catch (const data::DataError& error) {
-            connection.m_failure = std::make_unique<data::DataError>(error);
+            connection.m_failure =
+                std::make_unique<data::DataError>(connectionFailure(dataSource, error));
         }
         if (m_monitor)
             qDebug().noquote() << "connect" << dataSource << "attempt" << attempt
@@ -130,16 +169,13 @@ std::unique_ptr<data::Database> TZavDbConnectionModule::openByAlias(const QStrin
     if (!alias)
         throw noConnection(dataSource, QStringLiteral("no company of this name is registered"));
     const QString& folder = alias->physicalName;
-    if (data::hasEmbeddedDatabase(folder))
-        return data::openEmbedded(alias->name, folder);
     if (folder.isEmpty())
         throw noConnection(dataSource, QStringLiteral("no data folder is registered for it"));
     if (!QFileInfo(folder).isDir())
         throw noConnection(dataSource, QStringLiteral("folder \"%1\" does not exist").arg(folder));
-    throw noConnection(dataSource,
-                       QStringLiteral("folder \"%1\" holds no embedded database (%2), and this "
-                                      "build has no connection to the shops' engine yet")
-                           .arg(folder, data::kEmbeddedFileName));
+    if (data::hasEmbeddedDatabase(folder))
+        return data::openEmbedded(alias->name, folder);
+    return data::client::openShopDatabase(shopSettings(*alias));
 }
 
 data::Database& companyDatabase() {

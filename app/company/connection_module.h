@@ -68,7 +68,8 @@ class TZavDbConnectionModule {
     std::unique_ptr<data::TUniQuery> LuoUniQuery(const QString& dataSource, bool debug = false);
 
     /// The engine is chosen by the alias: an embedded company where its folder holds a database
-    /// file. @throws data::DataError(NoConnection) when there is no such company, folder or file.
+    /// file, else a company of the shops' engine. @throws data::DataError(NoConnection) when there
+    /// is no such company or folder, or its engine cannot be reached; what embedded files throw.
     static std::unique_ptr<data::Database> openByAlias(const QString& dataSource);
 
   private:

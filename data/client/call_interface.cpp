@@ -41,7 +41,8 @@ bool CallLibrary::resolve() {
     return m_call != nullptr;
 }
 
-std::shared_ptr<const CallLibrary> CallLibrary::load(const QString& library) {
+std::shared_ptr<const CallLibrary> CallLibrary::load(const QString& library,
+                                                     const QString& company) {
     const QStringList names = library.isEmpty() ? usualNames() : QStringList(library);
     QString reason;
     for (const QString& name : names) {
@@ -51,7 +52,7 @@ std::shared_ptr<const CallLibrary> CallLibrary::load(const QString& library) {
         reason = loaded->m_library.errorString();
     }
     const QString list = names.join(QStringLiteral(", "));
-    throw DataError(ErrorKind::NoConnection, QString(),
+    throw DataError(ErrorKind::NoConnection, company,
                     QStringLiteral("the record engine's client library (%1) cannot be loaded: %2; "
                                    "the setting %3 names another")
                         .arg(list, reason, QLatin1String(kSetting)))

@@ -86,8 +86,8 @@ class CallLibrary {
     static constexpr char kSetting[] = "Engine/ClientLibrary";
 
     /// Loads `library` (a name or a path), or without one the first of usualNames() there is.
-    /// @throws DataError(NoConnection) that tells what was looked for.
-    static std::shared_ptr<const CallLibrary> load(const QString& library);
+    /// @throws DataError(NoConnection) for `company` that tells what was looked for.
+    static std::shared_ptr<const CallLibrary> load(const QString& library, const QString& company);
 
     /// The names that the library has on this platform.
     static QStringList usualNames();

@@ -52,10 +52,13 @@ struct ClientSession::Call {
     int status = 0;
 };
 
-ClientSession::ClientSession(const QString& library, std::chrono::milliseconds connectLimit,
+ClientSession::ClientSession(const QString& company, const QString& library,
+                             std::chrono::milliseconds connectLimit,
                              std::chrono::milliseconds callLimit)
-    : m_library(CallLibrary::load(library)), m_clientId(newClientId()), m_callLimit(callLimit) {
-    askVersion(connectLimit);
+    : m_library(CallLibrary::load(library, company)),
+      m_clientId(newClientId()),
+      m_callLimit(callLimit) {
+    askVersion(company, connectLimit);
 }
 
 ClientSession::~ClientSession() {
@@ -88,15 +91,15 @@ bool ClientSession::run(const std::shared_ptr<Call>& call, std::chrono::millisec
     return done;
 }
 
-void ClientSession::askVersion(std::chrono::milliseconds limit) {
+void ClientSession::askVersion(const QString& company, std::chrono::milliseconds limit) {
     auto call = std::make_shared<Call>();
     call->operation = kVersion;
     call->data = QByteArray(kVersionBlockSize * kVersionBlocks, '\0');
     if (!run(call, limit))
-        throw silent(QString(), limit);
+        throw silent(company, limit);
     if (call->status != kOk) {
         m_lost = true;
-        throw statusError(call->status, QString(), m_library->fileName());
+        throw statusError(call->status, company, m_library->fileName());
     }
     const qsizetype answered = std::min<qsizetype>(call->length, call->data.size());
     for (qsizetype at = 0; at + kVersionBlockSize <= answered; at += kVersionBlockSize) {

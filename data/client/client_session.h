@@ -23,9 +23,9 @@ struct PositionBlock {
 class ClientSession {
   public:
     /// Loads the library and asks the engine for its version, which tells whether it is there.
-    /// @throws DataError(NoConnection).
-    ClientSession(const QString& library, std::chrono::milliseconds connectLimit,
-                  std::chrono::milliseconds callLimit);
+    /// @throws DataError(NoConnection) for `company`.
+    ClientSession(const QString& company, const QString& library,
+                  std::chrono::milliseconds connectLimit, std::chrono::milliseconds callLimit);
     ~ClientSession();
     ClientSession(const ClientSession&) = delete;
     ClientSession& operator=(const ClientSession&) = delete;
@@ -49,7 +49,7 @@ class ClientSession {
   private:
     struct Call;
     bool run(const std::shared_ptr<Call>& call, std::chrono::milliseconds limit);
-    void askVersion(std::chrono::milliseconds limit);
+    void askVersion(const QString& company, std::chrono::milliseconds limit);
 
     std::shared_ptr<const CallLibrary> m_library;
     std::array<char, kClientIdSize> m_clientId{};

@@ -28,8 +28,8 @@ class ShopDatabase : public Database {
   public:
     explicit ShopDatabase(const ShopDatabaseSettings& settings)
         : m_settings(settings),
-          m_sql(OdbcConnection::connect(odbcSettings(settings))),
-          m_records(settings) {}
+          m_records(settings),
+          m_sql(OdbcConnection::connect(odbcSettings(settings))) {}
 
     QString name() const override { return m_settings.name; }
     QStringList tableNames() override { return m_records.tableNames(); }
@@ -62,8 +62,8 @@ class ShopDatabase : public Database {
 
   private:
     ShopDatabaseSettings m_settings;
-    std::unique_ptr<OdbcConnection> m_sql;
     ShopRecords m_records;
+    std::unique_ptr<OdbcConnection> m_sql;
     std::unique_ptr<embedded::RecordLocks> m_runLock;
 };
 

@@ -159,8 +159,8 @@ ShopRecords::ShopRecords(ShopDatabaseSettings settings) : m_settings(std::move(s
 void ShopRecords::requireSession() {
     if (m_session && !m_session->isLost())
         return;
-    m_session = std::make_shared<ClientSession>(m_settings.clientLibrary, m_settings.connectLimit,
-                                                m_settings.statementLimit);
+    m_session = std::make_shared<ClientSession>(m_settings.name, m_settings.clientLibrary,
+                                                m_settings.connectLimit, m_settings.statementLimit);
     m_session->lockWait = m_lockWait;
 }
 

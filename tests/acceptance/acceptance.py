@@ -9,6 +9,7 @@ them unattended, every table is exported again and compared with what the model 
 import argparse
 import csv
 import datetime
+import glob
 import os
 import random
 import shutil
@@ -38,6 +39,8 @@ def load_layouts():
 
 
 LAYOUTS = load_layouts()
+# The ODBC driver that loads the embedded engine's tables beside its own SQLite.
+SQLITE_DRIVER = next(iter(glob.glob("/usr/lib/*/odbc/libsqlite3odbc.so")), "libsqlite3odbc.so")
 TEXT = ("string", "memo", "date", "time", "timestamp", "raw", "varbinary")
 
 
@@ -56,17 +59,43 @@ def shown(v):
     return repr(v) if isinstance(v, float) else str(v)
 
 
+def write(name, text):
+    with open(name, "w", encoding="utf-8") as f:
+        f.write(text)
+
+
 class Company:
     def __init__(self, bins, folder):
         self.bins, self.folder = bins, folder
         self.env = dict(os.environ, XDG_CONFIG_HOME=os.path.join(folder, "config"),
                         QT_QPA_PLATFORM="offscreen")
         self.data = os.path.join(folder, "data")
+        self.home = self.data  # what stands as the company's data folder when the change is run
+        self.run_env = self.env
         self.program = os.path.join(folder, "taksavaihe")
         shutil.copy(os.path.join(bins, "taksavaihe"), self.program)
 
-    def zavdb(self, *args, check=True):
-        r = subprocess.run([os.path.join(self.bins, "zavdb"), *args], env=self.env, text=True,
+    def reach_through_shops_engine(self):
+        """The same company for the run, but in a folder without a database file: its records are
+        reached through the call interface of the record engine (the tests' peer of it), its SQL
+        through the ODBC driver manager."""
+        self.home = os.path.join(self.folder, "shop")
+        config = os.path.join(self.folder, "shop-config")
+        os.makedirs(self.home)
+        os.makedirs(os.path.join(config, "Taksavaihe"))
+        write(os.path.join(config, "Taksavaihe", "aliases.ini"),
+              f"[Aliases]\nK\\PhysicalName={self.home}\n")
+        write(os.path.join(self.folder, "databases"), f"K\t{self.data}\n")
+        write(os.path.join(self.folder, "odbc.ini"),
+              f"[K]\nDriver={SQLITE_DRIVER}\nDatabase={self.data}/YRITYS.ZDB\n"
+              f"LoadExt={self.bins}/zavsql.so\nTimeout=10000\n")
+        self.run_env = dict(self.env, XDG_CONFIG_HOME=config,
+                            CLIENT_PEER_DATABASES=os.path.join(self.folder, "databases"),
+                            TAKSAVAIHE_CLIENT_LIBRARY=os.path.join(self.bins, "client_peer.so"),
+                            ODBCINI=os.path.join(self.folder, "odbc.ini"))
+
+    def zavdb(self, *args, check=True, env=None):
+        r = subprocess.run([os.path.join(self.bins, "zavdb"), *args], env=env or self.env, text=True,
                            capture_output=True)
         if check and r.returncode:
             raise SystemExit(f"zavdb {args}: {r.returncode}: {r.stderr}")
@@ -84,9 +113,9 @@ class Company:
                 w.writerow([shown(r.get(c, "")) for c in columns])
         self.zavdb("import", "K", table, name, "--replace")
 
-    def read(self, table):
+    def read(self, table, env=None):
         name = os.path.join(self.folder, table + "_out.csv")
-        self.zavdb("export", "K", table, name)
+        self.zavdb("export", "K", table, name, env=env)
         with open(name, newline="", encoding="utf-8") as f:
             return [parse(table, r) for r in csv.DictReader(f)]
 
@@ -241,15 +270,17 @@ def one(seed, args):
         c.fill(name, rows)
     before = {name: c.read(name) for name in LAYOUTS if not (without and name == "MYYMALAHINNAT")}
     definitions = [make_definition(r) for _ in range(r.choice([1, 1, 2]))]
-    os.makedirs(os.path.join(c.data, "MAARITYS"), exist_ok=True)
-    with open(os.path.join(c.data, "MAARITYS", "AlvMuutosLomake.INI"), "w", encoding="utf-8") as f:
+    if args.engine == "shops":
+        c.reach_through_shops_engine()
+    os.makedirs(os.path.join(c.home, "MAARITYS"), exist_ok=True)
+    with open(os.path.join(c.home, "MAARITYS", "AlvMuutosLomake.INI"), "w", encoding="utf-8") as f:
         for i, d in enumerate(definitions):
             f.write(f"[Määritys {i}]\r\nSelite=testi\r\n" + "".join(f"{k}={v}\r\n" for k, v in d.items()))
     with open(os.path.join(folder, "ALVMUUTOS.INI"), "w", encoding="utf-8") as f:
         f.write("[ASETUKSET]\r\n" + "".join(f"maar{i + 1}=Määritys {i}\r\n"
                                            for i in range(len(definitions))))
     start = datetime.datetime.now()
-    p = subprocess.run([c.program, "K", "/E"], env=c.env, capture_output=True, text=True, timeout=600)
+    p = subprocess.run([c.program, "K", "/E"], env=c.run_env, capture_output=True, text=True, timeout=600)
     end = datetime.datetime.now()
     stamps = (start.strftime("%H:%M:%S"), end.strftime("%H:%M:%S"))
     want_status, refusals, expected_log, mark = 0, [], [], False
@@ -267,7 +298,7 @@ def one(seed, args):
     problems = []
     if p.returncode != want_status:
         problems.append(f"exit status {p.returncode}, expected {want_status}: {p.stderr.strip()}")
-    log_name = os.path.join(c.data, "ALVMUUTOS.LOG")
+    log_name = os.path.join(c.home, "ALVMUUTOS.LOG")
     log = open(log_name, encoding="utf-8").read() if os.path.exists(log_name) else ""
     for line in refusals + expected_log:
         if not any(x.endswith("  " + line) for x in log.split("\n")):
@@ -278,6 +309,10 @@ def one(seed, args):
     for name in before:
         if name != "INI":
             problems += compare(name, c.read(name), before[name], stamps)
+    if args.engine == "shops":  # what the records' own interface gives
+        for name in ("TUOTE", "MTRIVI", "X$Field"):
+            if c.read(name, env=c.run_env) != c.read(name):
+                problems.append(f"{name} differs when it is read through the call interface")
     check = c.zavdb("check", "K", check=False)
     if check.returncode:
         problems.append("zavdb check: " + check.stdout + check.stderr)
@@ -297,6 +332,8 @@ def main():
     a.add_argument("--seeds", nargs=2, type=int, default=(1, 6), metavar=("FIRST", "COUNT"))
     a.add_argument("--products", type=int, default=60)
     a.add_argument("--orders", type=int, default=40)
+    a.add_argument("--engine", choices=("embedded", "shops"), default="embedded",
+                   help="how the change reaches the company")
     a.add_argument("--keep", action="store_true")
     args = a.parse_args()
     results = [one(s, args) for s in range(args.seeds[0], sum(args.seeds))]

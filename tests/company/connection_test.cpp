@@ -99,7 +99,7 @@ TEST_F(ConnectionTest, TheAliasChoosesTheEngineOrSaysWhyNot) {
     storeAlias({str("tyhjä"), empty.path(), {}, {}});
     storeAlias({str("poissa"), empty.filePath(str("poissa")), {}, {}});
     storeAlias({str("kansioton"), {}, {}, {}});
-    const std::pair<const char*, const char*> cases[] = {{"tyhjä", "no embedded database"},
+    const std::pair<const char*, const char*> cases[] = {{"tyhjä", "client library"},
                                                          {"poissa", "does not exist"},
                                                          {"kansioton", "no data folder"},
                                                          {"tuntematon", "registered"}};
