@@ -12,6 +12,7 @@ namespace {
 
 using Text = Dialect::Text;
 using Top = Dialect::Top;
+using Whole = Dialect::Whole;
 
 // The shops' engine takes the product's SQL as it stands.
 constexpr Dialect kShops{
@@ -19,40 +20,46 @@ constexpr Dialect kShops{
     .databaseName = "",
     .text = Text::Windows1252,
     .top = Top::Kept,
+    .whole = Whole::Bigint,
     .quotesDollarNames = false,
-    .roundsToWhole = false,
+    .roundsItsOwnWay = false,
     .emptyDateIsNull = false,
+    .taggedResults = false,
     .recordLocksStopSql = true,
     .attributes = nullptr,
     .onConnect = nullptr,
     .lockWait = nullptr,
 };
 
-// round(x, n) ignores n, floor() gives whole numbers, 1.255 is a decimal.
+// round(x, n) ignores n, floor() gives whole numbers, 1.255 is a decimal. The driver's long takes
+// 64 bits, and its other 64-bit type comes to nothing.
 constexpr Dialect kVirtuoso{
     .name = "Virtuoso",
     .databaseName = "OpenLink Virtuoso",
     .text = Text::Utf8,
     .top = Top::Kept,
+    .whole = Whole::WideLong,
     .quotesDollarNames = true,
-    .roundsToWhole = true,
+    .roundsItsOwnWay = true,
     .emptyDateIsNull = true,
+    .taggedResults = false,
     .recordLocksStopSql = false,
     .attributes = nullptr,
     .onConnect = nullptr,
     .lockWait = nullptr,
 };
 
-// Rows affected are rows found (option 2), as everywhere else. Without the strict mode the empty
-// date is one that compares as '' does, and round() of halves goes to even.
+// Rows affected are rows found (option 2), as everywhere else; round() of halves goes to even.
 constexpr Dialect kMariaDb{
     .name = "MariaDB",
     .databaseName = "MariaDB",
     .text = Text::Utf8,
     .top = Top::Limit,
+    .whole = Whole::Bigint,
     .quotesDollarNames = false,
-    .roundsToWhole = true,
-    .emptyDateIsNull = false,
+    .roundsItsOwnWay = true,
+    .emptyDateIsNull = true,
+    .taggedResults = false,
     .recordLocksStopSql = false,
     .attributes = "OPTION=2",
     .onConnect = "SET SESSION sql_mode = 'ANSI_QUOTES'",
@@ -66,9 +73,11 @@ constexpr Dialect kSqlite{
     .databaseName = "SQLite",
     .text = Text::Utf8,
     .top = Top::Limit,
+    .whole = Whole::Bigint,
     .quotesDollarNames = false,
-    .roundsToWhole = false,
+    .roundsItsOwnWay = false,
     .emptyDateIsNull = false,
+    .taggedResults = true,
     .recordLocksStopSql = true,
     .attributes = nullptr,
     .onConnect = nullptr,
@@ -124,6 +133,16 @@ ErrorKind mariaDbKind(int native, ErrorKind otherwise) {
     }
 }
 
+// SQLite's codes, with the driver's name before the message.
+ErrorKind sqliteKind(int native, const QString& message) {
+    if (native == SQLITE_CONSTRAINT)
+        return ErrorKind::DuplicateKey;
+    if (native == SQLITE_MISMATCH)
+        return ErrorKind::BadValue;
+    const QString text = message.section(QLatin1Char(']'), 1);
+    return embedded::errorKind(native, text.toUtf8().constData());
+}
+
 // Status codes of the record engine, which its SQL hands on.
 ErrorKind shopsKind(int native, ErrorKind otherwise) {
     const int status = std::abs(native);
@@ -148,6 +167,27 @@ ErrorKind shopsKind(int native, ErrorKind otherwise) {
 
 }  // namespace
 
+QString taggedQuery(const QString& sql, const QStringList& columns) {
+    QStringList names;
+    QStringList results;
+    for (const QString& column : columns) {
+        names += QStringLiteral("c%1").arg(names.size());
+        QString name = column;
+        name.replace(QLatin1Char('"'), QLatin1String("\"\""));
+        results += QStringLiteral("zavrecord_tagged(%1) AS \"%2\"").arg(names.last(), name);
+    }
+    return QStringLiteral("WITH q(%1) AS (%2\n) SELECT %3 FROM q")
+        .arg(names.join(QLatin1Char(',')), sql, results.join(QLatin1Char(',')));
+}
+
+Value untagged(const QString& cell) {
+    if (cell.startsWith(QLatin1String("\1I")))
+        return cell.mid(2).toLongLong();
+    if (cell.startsWith(QLatin1String("\1R")))
+        return cell.mid(2).toDouble();
+    return cell;
+}
+
 const Dialect& dialectFor(const QString& databaseName) {
     for (const Dialect* dialect : kKnown) {
         if (databaseName.startsWith(QLatin1String(dialect->databaseName), Qt::CaseInsensitive))
@@ -168,7 +208,7 @@ ErrorKind odbcErrorKind(const Dialect& dialect, const QByteArray& state, int nat
     if (&dialect == &kMariaDb)
         return mariaDbKind(native, kind);
     if (&dialect == &kSqlite && kind == ErrorKind::Engine)
-        return embedded::errorKind(native, message.toUtf8().constData());
+        return sqliteKind(native, message);
     if (&dialect == &kShops && kind == ErrorKind::Engine)
         return shopsKind(native, kind);
     return kind;
@@ -182,7 +222,7 @@ RewrittenSql Dialect::rewritten(const QString& sql,
     dropEnd(tokens);
     if (top == Top::Limit)
         topToLimit(tokens);
-    if (roundsToWhole)
+    if (roundsItsOwnWay)
         spellOutRounding(tokens);
     QList<bool> dates(tokens.size());
     if (emptyDateIsNull)

@@ -35,6 +35,7 @@ ColumnKind columnKind(SQLSMALLINT type, SQLSMALLINT scale) {
         case SQL_NUMERIC:
             return scale == 0 ? ColumnKind::Whole : ColumnKind::Real;
         case SQL_REAL:
+            return ColumnKind::Single;
         case SQL_FLOAT:
         case SQL_DOUBLE:
             return ColumnKind::Real;
@@ -88,12 +89,35 @@ void PreparedOdbc::prepare(SQLULEN timeLimitSeconds) {
                                 SQLHANDLE(m_handles->connection), &m_statement)))
         m_handles->fail(SQL_HANDLE_DBC, m_handles->connection, m_sql);
     setAttribute(SQL_ATTR_QUERY_TIMEOUT, timeLimitSeconds);
-    QByteArray text = toDriver(m_rewritten.text, *m_handles->dialect);
-    traceOdbc(m_rewritten.text);
+    send(m_rewritten.text);
+    if (!m_rewritten.returnsRows)
+        return;
+    describe();
+    if (m_handles->dialect->taggedResults)
+        tagResults();
+}
+
+void PreparedOdbc::send(const QString& sql) {
+    QByteArray text = toDriver(sql, *m_handles->dialect);
+    traceOdbc(sql);
     check(odbcCall("SQLPrepare", SQLPrepare, m_statement, reinterpret_cast<SQLCHAR*>(text.data()),
                    static_cast<SQLINTEGER>(text.size())));
-    if (m_rewritten.returnsRows)
-        describe();
+}
+
+void PreparedOdbc::tagResults() {
+    QStringList names;
+    for (const SqlColumn& column : m_columns)
+        names += column.name;
+    try {
+        send(taggedQuery(m_rewritten.text, names));
+        m_kinds.assign(m_kinds.size(), ColumnKind::TaggedText);
+    } catch (const DataError&) {
+        send(m_rewritten.text);  // a database without the module
+    }
+}
+
+SQLSMALLINT PreparedOdbc::wholeType() const {
+    return m_handles->dialect->whole == Dialect::Whole::WideLong ? SQL_C_SLONG : SQL_C_SBIGINT;
 }
 
 void PreparedOdbc::describe() {
@@ -192,8 +216,8 @@ void PreparedOdbc::bind(size_t index, const Value& value) {
         case QMetaType::UInt:
         case QMetaType::Long:
         case QMetaType::LongLong:
-            if (parameter.cType != SQL_C_SBIGINT)
-                bindBuffer(index, SQL_C_SBIGINT, SQL_BIGINT, 19, &parameter.whole,
+            if (parameter.cType != wholeType())
+                bindBuffer(index, wholeType(), SQL_BIGINT, 19, &parameter.whole,
                            sizeof parameter.whole);
             parameter.whole = value.toLongLong();
             parameter.indicator = sizeof parameter.whole;
@@ -263,11 +287,15 @@ Value PreparedOdbc::cell(SQLUSMALLINT column, ColumnKind kind) {
     switch (kind) {
         case ColumnKind::Whole: {
             SQLBIGINT whole = 0;
-            return get(column, SQL_C_SBIGINT, whole) ? Value(static_cast<qint64>(whole)) : Value();
+            return get(column, wholeType(), whole) ? Value(static_cast<qint64>(whole)) : Value();
         }
         case ColumnKind::Whole16: {
             SQLSMALLINT whole = 0;
             return get(column, SQL_C_SSHORT, whole) ? Value(qint64{whole}) : Value();
+        }
+        case ColumnKind::Single: {
+            SQLREAL real = 0;
+            return get(column, SQL_C_FLOAT, real) ? Value(static_cast<double>(real)) : Value();
         }
         case ColumnKind::Real: {
             SQLDOUBLE real = 0;
@@ -324,7 +352,9 @@ Value PreparedOdbc::textCell(SQLUSMALLINT column, ColumnKind kind) {
         while (bytes.endsWith(' '))
             bytes.chop(1);
     }
-    return emptyText() + fromDriver(bytes.constData(), bytes.size(), *m_handles->dialect);
+    const QString text =
+        emptyText() + fromDriver(bytes.constData(), bytes.size(), *m_handles->dialect);
+    return kind == ColumnKind::TaggedText ? untagged(text) : Value(text);
 }
 
 }  // namespace data::client

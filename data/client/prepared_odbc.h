@@ -9,7 +9,19 @@
 namespace data::client {
 
 /// How a result column is fetched.
-enum class ColumnKind { Whole, Whole16, Real, Text, PaddedText, Bytes, Date, Time, Timestamp };
+enum class ColumnKind {
+    Whole,
+    Whole16,
+    Single,
+    Real,
+    Text,
+    TaggedText,
+    PaddedText,
+    Bytes,
+    Date,
+    Time,
+    Timestamp
+};
 
 /// `type` is the driver's SQL type; `scale` its decimals.
 ColumnKind columnKind(SQLSMALLINT type, SQLSMALLINT scale);
@@ -52,7 +64,10 @@ class PreparedOdbc {
         SQL_DATE_STRUCT date{};
     };
     void check(SQLRETURN code);
+    void send(const QString& sql);
     void describe();
+    void tagResults();
+    SQLSMALLINT wholeType() const;
     void bind(size_t index, const Value& value);
     void bindBytes(size_t index, const QByteArray& bytes, bool isBinary);
     void bindDate(size_t index, const QDate& date);

@@ -48,9 +48,9 @@ QList<SqlTokens> argumentsOf(const SqlTokens& tokens, qsizetype open, qsizetype 
 }
 
 SqlTokens flooredAsDouble(const SqlTokens& argument) {
-    SqlTokens made{symbols(QStringLiteral("CAST(FLOOR("))};
+    SqlTokens made{symbols(QStringLiteral("(FLOOR("))};
     made += argument;
-    made.append(symbols(QStringLiteral(") AS DOUBLE PRECISION)")));
+    made.append(symbols(QStringLiteral(")+0e0)")));
     return made;
 }
 

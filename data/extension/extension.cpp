@@ -24,6 +24,25 @@ void returnVersion(sqlite3_context* context, int, sqlite3_value**) {
     sqlite3_result_int(context, data::embedded::kFormatVersion);
 }
 
+// Numbers as texts in all their digits, for programs that fetch everything as text: a whole number
+// as "\1I5", a double as "\1R0.1"; anything else as it is.
+void returnTagged(sqlite3_context* context, int, sqlite3_value** values) {
+    char text[40];
+    const auto give = [&](const char* made) {
+        sqlite3_result_text(context, made, -1, SQLITE_TRANSIENT);
+    };
+    switch (sqlite3_value_type(values[0])) {
+        case SQLITE_INTEGER:
+            give(sqlite3_snprintf(sizeof text, text, "\1I%lld", sqlite3_value_int64(values[0])));
+            break;
+        case SQLITE_FLOAT:
+            give(sqlite3_snprintf(sizeof text, text, "\1R%!.17g", sqlite3_value_double(values[0])));
+            break;
+        default:
+            sqlite3_result_value(context, values[0]);
+    }
+}
+
 void removeConnection(void* connection) {
     delete static_cast<Connection*>(connection);
 }
@@ -58,6 +77,11 @@ extern "C" TV_EXPORT int sqlite3_extension_init(sqlite3* db, char** message,
                                        returnVersion, nullptr, nullptr, removeConnection);
         if (code != SQLITE_OK)
             data::embedded::throwSqlite(db, code, QString());
+        const int tagged =
+            sqlite3_create_function_v2(db, "zavrecord_tagged", 1, SQLITE_UTF8, nullptr,
+                                       returnTagged, nullptr, nullptr, nullptr);
+        if (tagged != SQLITE_OK)
+            data::embedded::throwSqlite(db, tagged, QString());
         // Qt does not like to be unloaded.
         return SQLITE_OK_LOAD_PERMANENTLY;
     } catch (const std::exception& error) {
