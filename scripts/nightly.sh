@@ -13,20 +13,7 @@ heading() { printf '\n== %s (%s)\n' "$*" "$(date +%H:%M:%S)"; }
 install_packages $packages_build $packages_test $packages_lint $packages_nightly
 
 heading "Fuzzers, $minutes minutes each"
-cmake -G Ninja -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang \
-    -DCMAKE_CXX_COMPILER=clang++ -DTAKSAVAIHE_TESTS=OFF -DTAKSAVAIHE_FUZZ=ON -DTAKSAVAIHE_SANITIZE=ON \
-    -DCMAKE_CXX_FLAGS=-fsanitize=fuzzer-no-link
-mapfile -t fuzzers < <(find fuzz -maxdepth 1 -name '*_fuzz.cpp' -printf '%f\n' | sed 's|\.cpp$||' | sort)
-cmake --build build-fuzz --target "${fuzzers[@]}"
-for fuzzer in "${fuzzers[@]}"; do
-    heading "$fuzzer"
-    found=build-fuzz/found/$fuzzer
-    mkdir -p "$found"
-    # new inputs go to the build folder; what crashes is worth a file in fuzz/corpus
-    "build-fuzz/bin/$fuzzer" -max_total_time="$((minutes * 60))" -print_final_stats=1 \
-        -artifact_prefix="$found/" "$found" "fuzz/corpus/${fuzzer%_fuzz}" 2>&1 | tail -n 20 ||
-        failed+=("$fuzzer")
-done
+scripts/fuzz.sh --minutes "$minutes" || failed+=("fuzzers")
 
 heading "clang-tidy"
 scripts/lint.sh || failed+=("clang-tidy")

@@ -1,0 +1,88 @@
+// Catalogue rows of any bytes: a catalogue that is refused, or whose tables are refused, or layouts
+// that read any record and compile into a new company's catalogue again. Input: pieces, each a byte
+// that says which catalogue table the row belongs to and how much of it follows.
+
+#include <cstdlib>
+#include <map>
+#include <vector>
+
+#include "data/catalogue/catalogue.h"
+#include "data/embedded/catalogue.h"
+#include "data/embedded/key_image.h"
+#include "data/engine.h"
+#include "data/record/record_codec.h"
+
+namespace {
+
+void require(bool holds) {
+    if (!holds)
+        std::abort();
+}
+
+using Rows = std::map<QString, std::vector<QByteArray>>;
+
+// The beginnings of rows are given: their numbers, names and flags; the rest is zeros.
+Rows takeRows(const uint8_t* data, size_t size) {
+    static const QString kTables[] = {data::kFileTable, data::kFieldTable, data::kIndexTable};
+    Rows rows;
+    size_t at = 0;
+    while (at < size) {
+        const QString& table = kTables[data[at] >> 6 > 2 ? 1 : data[at] >> 6];
+        const size_t length = std::min<size_t>(data[at] & 0x3F, size - at - 1);
+        QByteArray row(reinterpret_cast<const char*>(data + at + 1),
+                       static_cast<qsizetype>(length));
+        row.resize(data::compiledLayout(table).recordLength(), '\0');
+        rows[table].push_back(row);
+        at += 1 + length;
+    }
+    return rows;
+}
+
+void useTable(const data::TableDescription& table) {
+    const QByteArray record(table.layout.recordLength(), '\xA5');
+    const auto* bytes = reinterpret_cast<const uchar*>(record.constData());
+    for (const data::TFieldCacheItem& field : table.layout.fields())
+        data::valueToText(field, data::readValue(field, bytes));
+    for (const data::KeyDef& key : table.keys) {
+        const data::embedded::KeyImage image(table.layout, key);
+        require(image.build(record).size() <= image.length());
+        data::KeyValues values;
+        for (const data::KeySegment& segment : key.segments)
+            values.push_back(data::readValue(table.layout.field(segment.fieldIndex), bytes));
+        try {
+            image.prefix(values);
+        } catch (const data::DataError&) {  // a value that no field may be given, such as NaN
+            continue;
+        }
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size > 8192)
+        return 0;
+    const Rows rows = takeRows(data, size);
+    try {
+        const data::Catalogue catalogue([&rows](const data::RecordLayout& table, const auto& see) {
+            const auto found = rows.find(table.tableName());
+            if (found == rows.end())
+                return;
+            for (const QByteArray& row : found->second)
+                see(reinterpret_cast<const uchar*>(row.constData()));
+        });
+        for (const QString& name : catalogue.tableNames()) {
+            require(catalogue.lists(name));
+            for (const int recordLength : {0, 100}) {
+                try {
+                    useTable(catalogue.describe(name, recordLength));
+                } catch (const data::DataError& error) {
+                    require(!error.english().contains(u'\n'));
+                }
+            }
+        }
+    } catch (const data::DataError& error) {
+        require(error.kind() == data::ErrorKind::Damaged);
+    }
+    return 0;
+}

@@ -1,0 +1,53 @@
+// Any words as a command line: of zavdb (parsed, not run), and as the program's parameters. Words
+// are separated by line breaks.
+
+#include <QCoreApplication>
+#include <cstdlib>
+
+#include "app/company/aliases.h"
+#include "app/company/command_line.h"
+#include "tools/zavdb/command.h"
+
+namespace {
+
+void require(bool holds) {
+    if (!holds)
+        std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static int argc = 1;
+    static char name[] = "zavdb";
+    static char* argv[] = {name, nullptr};
+    static const QCoreApplication application(argc, argv);
+    static const std::vector<tools::Command> commands = tools::allCommands();
+
+    const QStringList words =
+        QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size))
+            .split(u'\n');
+    try {
+        const tools::Invocation asked = tools::parseCommandLine(commands, words);
+        require((asked.command == nullptr) == !asked.answer.isEmpty());
+        if (asked.command != nullptr) {
+            require(asked.arguments.count() >= asked.command->minArguments &&
+                    asked.arguments.count() <= asked.command->maxArguments);
+            for (const QStringList& values : asked.arguments.options)
+                require(!values.isEmpty());
+        }
+    } catch (const tools::UsageError& error) {
+        require(!error.message().isEmpty());
+    }
+
+    company::setParameters(words);
+    for (const QString& word : words) {
+        require(company::hasSwitch(word));
+        require(!company::hasSwitchAfterFirst(word) || words.size() > 1);
+        // a name that is accepted names a folder's entry and nothing else
+        if (company::aliasNameProblem(word).isEmpty())
+            require(!word.isEmpty() && !word.contains(u'/') && !word.contains(u'\\') &&
+                    word != QLatin1String("..") && !word.startsWith(u'-'));
+    }
+    return 0;
+}

@@ -1,0 +1,38 @@
+// Any text as a statement: its parameters are found, and every engine's rewriting ends, is stable
+// where it promises to be, and keeps the parameters.
+
+#include <cstdlib>
+
+#include "data/client/dialect.h"
+#include "data/embedded/sql_text.h"
+#include "data/sql/uni_query.h"
+
+namespace {
+
+void require(bool holds) {
+    if (!holds)
+        std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size > 2048)  // the rewriting of nested calls is not linear
+        return 0;
+    const QString sql =
+        QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const QStringList names = data::parameterNames(sql);
+    for (const QString& name : names)
+        require(!name.isEmpty() && sql.contains(u':' + name));
+    require(data::parameterNames(data::embedded::engineText(sql)).size() <= names.size());
+    for (const char* engine : {"", "OpenLink Virtuoso", "MariaDB", "SQLite"}) {
+        const data::client::Dialect& dialect = data::client::dialectFor(QLatin1String(engine));
+        const data::client::RewrittenSql rewritten =
+            dialect.rewritten(sql, [](const QString& column) {
+                return column.endsWith(QLatin1String("pvm"), Qt::CaseInsensitive);
+            });
+        for (const QString& parameter : rewritten.parameters)
+            require(names.contains(parameter, Qt::CaseInsensitive));
+    }
+    return 0;
+}

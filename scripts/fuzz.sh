@@ -1,0 +1,108 @@
+#!/bin/bash
+# Fuzzes the readers of outside bytes and texts, each with address and undefined behaviour
+# sanitizers, one after another.
+# Usage: fuzz.sh [--minutes N] [--keep] [TARGET...]
+#   N minutes each (default 30; fractions are allowed); TARGET as in fuzz/TARGET_fuzz.cpp, default
+#   all. Found inputs stay in build-fuzz/found/ and are used again; inputs that break a target are
+#   kept in build-fuzz/crashes/. --keep adds to fuzz/corpus what reaches code that it does not.
+# Exit status 1 when a target broke.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+minutes=30
+keep=
+targets=()
+while [ $# -gt 0 ]; do
+    case $1 in
+        --minutes)
+            minutes=${2:?"--minutes needs a number"}
+            shift
+            ;;
+        --keep) keep=1 ;;
+        -h | --help)
+            sed -n '2,9s/^# \{0,1\}//p' "${BASH_SOURCE[0]}"
+            exit 0
+            ;;
+        -*)
+            echo "fuzz.sh: unknown option $1" >&2
+            exit 2
+            ;;
+        *) targets+=("$1") ;;
+    esac
+    shift
+done
+seconds=$(awk -v m="$minutes" 'BEGIN { s = int(m * 60); print (s > 0 ? s : 1) }')
+if [ ${#targets[@]} -eq 0 ]; then
+    mapfile -t targets < <(find fuzz -maxdepth 1 -name '*_fuzz.cpp' -printf '%f\n' |
+        sed 's|_fuzz\.cpp$||' | sort)
+fi
+for target in "${targets[@]}"; do
+    if [ ! -f "fuzz/${target}_fuzz.cpp" ]; then
+        echo "fuzz.sh: there is no target $target" >&2
+        exit 2
+    fi
+done
+
+if ! command -v clang++ >/dev/null; then
+    . scripts/packages.sh
+    # shellcheck disable=SC2086
+    install_packages $packages_build $packages_lint
+fi
+build="build-fuzz"
+cmake -G Ninja -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMPILER=clang \
+    -DCMAKE_CXX_COMPILER=clang++ -DTAKSAVAIHE_TESTS=OFF -DTAKSAVAIHE_FUZZ=ON \
+    -DTAKSAVAIHE_SANITIZE=ON -DCMAKE_CXX_FLAGS=-fsanitize=fuzzer-no-link >/dev/null
+nice cmake --build "$build" --target "${targets[@]/%/_fuzz}"
+
+# Companies and files of a target live in memory, so that no disk slows it down.
+scratch=$(mktemp -d -p "$([ -w /dev/shm ] && echo /dev/shm || echo "${TMPDIR:-/tmp}")" fuzz-XXXXXX)
+trap 'rm -rf "$scratch"' EXIT
+export TMPDIR=$scratch XDG_CONFIG_HOME=$scratch/config XDG_RUNTIME_DIR=$scratch
+export QT_QPA_PLATFORM=offscreen
+export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+LSAN_OPTIONS=suppressions=$PWD/scripts/lsan.supp:print_suppressions=0
+export LSAN_OPTIONS
+
+failed=()
+table=$(printf '%-14s %9s %14s %8s %9s %8s' target minutes executions edges features inputs)
+for target in "${targets[@]}"; do
+    printf '\n== %s (%s)\n' "$target" "$(date +%H:%M:%S)"
+    program=$build/bin/${target}_fuzz
+    found=$build/found/$target
+    crashes=$build/crashes/$target
+    log=$build/$target.log
+    mkdir -p "$found" "$crashes"
+    begin=$SECONDS
+    nice -n 19 "$program" -max_total_time="$seconds" -timeout=25 -rss_limit_mb=2048 \
+        -print_final_stats=1 -artifact_prefix="$crashes/" "$found" "fuzz/corpus/$target" \
+        >"$log" 2>&1 || {
+        failed+=("$target")
+        grep -E 'ERROR|SUMMARY|runtime error|Test unit written' "$log" || tail -n 20 "$log"
+    }
+    ran=$(awk -v s=$((SECONDS - begin)) 'BEGIN { printf "%.1f", s / 60 }')
+    executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
+    reached=$(grep -E ' cov: ' "$log" | tail -n 1 || true)
+    edges=$(sed -n 's/.* cov: \([0-9]*\).*/\1/p' <<<"$reached")
+    features=$(sed -n 's/.* ft: \([0-9]*\).*/\1/p' <<<"$reached")
+    inputs=$(sed -n 's/.* corp: \([0-9]*\).*/\1/p' <<<"$reached")
+    line=$(printf '%-14s %9s %14s %8s %9s %8s' "$target" "$ran" "${executions:-?}" \
+        "${edges:-?}" "${features:-?}" "${inputs:-?}")
+    echo "$line"
+    table+=$'\n'$line
+    # the smallest set of inputs that reaches the same
+    rm -rf "$found.merged" && mkdir "$found.merged"
+    if nice -n 19 "$program" -merge=1 -timeout=25 "$found.merged" "$found" "fuzz/corpus/$target" \
+        >"$log.merge" 2>&1; then
+        rm -rf "$found" && mv "$found.merged" "$found"
+    fi
+    if [ -n "$keep" ]; then
+        nice -n 19 "$program" -merge=1 -timeout=25 -max_len=512 "fuzz/corpus/$target" "$found" \
+            >"$log.keep" 2>&1 || failed+=("$target (merge)")
+    fi
+done
+
+printf '\n%s\n' "$table"
+if [ ${#failed[@]} -gt 0 ]; then
+    echo "BROKEN: ${failed[*]}; inputs in $build/crashes/"
+    exit 1
+fi
