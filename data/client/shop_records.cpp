@@ -145,6 +145,8 @@ std::vector<KeyDef> keysOf(const TableDescription& table, const FileStat& stat) 
             }
             def.segments.push_back({index, !segment.weights.isEmpty(), segment.descending});
         }
+        // records may be told apart by the segments that are left out
+        def.unique = def.unique && def.segments.size() == key.segments.size();
         keys.push_back(std::move(def));
     }
     return keys;

@@ -49,22 +49,26 @@ void nameRest(const data::RecordLayout& layout, data::TableSource& table) {
     table.fields.push_back(item);
 }
 
-const data::KeyDef& usedKey(const std::vector<data::KeyDef>& keys) {
-    return *std::find_if(keys.begin(), keys.end(),
-                         [](const data::KeyDef& key) { return !key.segments.empty(); });
+/// Gives every key number of a data file a key: one that is not used (its key was dropped, or lies
+/// on bytes of no field) gets the segments of the first used one, so that the others keep theirs.
+std::vector<data::KeyDef> withoutGaps(std::vector<data::KeyDef> keys) {
+    const auto used = std::find_if(keys.begin(), keys.end(),
+                                   [](const data::KeyDef& key) { return !key.segments.empty(); });
+    if (used == keys.end())
+        return {};
+    const std::vector<data::KeySegment> segments = used->segments;
+    for (data::KeyDef& key : keys) {
+        if (key.segments.empty())
+            key = {key.number, false, segments};
+    }
+    return keys;
 }
 
 data::TableSource describe(const data::RecordFile& table) {
     data::TableSource source;
     source.name = table.layout().tableName();
     source.fields = table.layout().fields();
-    source.keyDefs = table.keys();
-    // A number that a data file does not use (a key was dropped) is filled, so that the keys behind
-    // it keep theirs.
-    for (data::KeyDef& key : source.keyDefs) {
-        if (key.segments.empty())
-            key = {key.number, false, usedKey(source.keyDefs).segments};
-    }
+    source.keyDefs = withoutGaps(table.keys());
     nameRest(table.layout(), source);
     return source;
 }
