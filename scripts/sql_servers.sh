@@ -41,6 +41,7 @@ ServerPort = 127.0.0.1:$1
 LiteMode = 1
 CaseMode = 2
 NumberOfBuffers = 8000
+TimezonelessDatetimes = 0
 INI
     virtuoso-t -f -c "$folder/virtuoso.ini" >"$folder/out" 2>&1 &
     virtuoso_pid=$!

@@ -3,6 +3,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/packages.sh
+. scripts/sql_servers.sh
 
 usage() {
     cat <<'USAGE'
@@ -57,7 +58,10 @@ check_format() {
 }
 
 # shellcheck disable=SC2086
-install_packages $packages_build $packages_test
+install_packages $packages_build $packages_test $packages_servers
+heading "SQL servers"
+trap stop_sql_servers EXIT
+start_sql_servers
 build_and_test "Release" build -DCMAKE_BUILD_TYPE=Release
 if [ "$all" = yes ]; then
     # shellcheck disable=SC2086

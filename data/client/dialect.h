@@ -30,14 +30,15 @@ struct Dialect {
     Text text;                 ///< 8-bit texts of the ANSI calls
     Top top;                   ///< "select top N" or "... LIMIT N"
     Whole whole;  ///< whole numbers as SQL_C_SBIGINT, or as SQL_C_SLONG that takes 64 bits
-    bool quotesDollarNames;   ///< x$file has to be "x$file"
-    bool roundsItsOwnWay;     ///< round() and floor() give something else: spelt out
-    bool emptyDateIsNull;     ///< date columns hold NULL where the shops' hold the empty date
-    bool taggedResults;       ///< doubles come in too few digits: see taggedQuery()
-    bool recordLocksStopSql;  ///< a record lock of the client library stops this program's SQL too
-    const char* attributes;   ///< more of the connection string; nullptr: none
-    const char* onConnect;    ///< statement run on each new connection; nullptr: none
-    const char* lockWait;     ///< statement that sets the lock wait, %1 its seconds; nullptr: none
+    bool quotesDollarNames;    ///< x$file has to be "x$file"
+    bool roundsItsOwnWay;      ///< round() and floor() give something else: spelt out
+    bool emptyDateIsNull;      ///< date columns hold NULL where the shops' hold the empty date
+    bool describesParameters;  ///< and takes no text for a date or time among them
+    bool taggedResults;        ///< doubles come in too few digits: see taggedQuery()
+    bool recordLocksStopSql;   ///< a record lock of the client library stops this program's SQL too
+    const char* attributes;    ///< more of the connection string; nullptr: none
+    const char* onConnect;     ///< statement run on each new connection; nullptr: none
+    const char* lockWait;      ///< statement that sets the lock wait, %1 its seconds; nullptr: none
 
     /// `isDateColumn` is asked when emptyDateIsNull: whether a column of that name is a date.
     RewrittenSql rewritten(const QString& sql,

@@ -3,7 +3,10 @@
 #include <QDateTime>
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <utility>
+
+#include "data/record/value_conversion.h"
 
 namespace data::client {
 
@@ -90,6 +93,7 @@ void PreparedOdbc::prepare(SQLULEN timeLimitSeconds) {
         m_handles->fail(SQL_HANDLE_DBC, m_handles->connection, m_sql);
     setAttribute(SQL_ATTR_QUERY_TIMEOUT, timeLimitSeconds);
     send(m_rewritten.text);
+    describeParameters();
     if (!m_rewritten.returnsRows)
         return;
     describe();
@@ -102,6 +106,23 @@ void PreparedOdbc::send(const QString& sql) {
     traceOdbc(sql);
     check(odbcCall("SQLPrepare", SQLPrepare, m_statement, reinterpret_cast<SQLCHAR*>(text.data()),
                    static_cast<SQLINTEGER>(text.size())));
+}
+
+void PreparedOdbc::describeParameters() {
+    for (size_t i = 0; i < m_parameters.size(); ++i) {
+        if (m_rewritten.dates[static_cast<qsizetype>(i)])
+            m_parameters[i].kind = ColumnKind::Date;
+        if (!m_handles->dialect->describesParameters)
+            continue;
+        SQLSMALLINT type = 0;
+        SQLULEN size = 0;
+        SQLSMALLINT scale = 0;
+        SQLSMALLINT nullable = 0;
+        if (odbcSucceeded(odbcCall("SQLDescribeParam", SQLDescribeParam, m_statement,
+                                   static_cast<SQLUSMALLINT>(i + 1), &type, &size, &scale,
+                                   &nullable)))
+            m_parameters[i].kind = columnKind(type, scale);
+    }
 }
 
 void PreparedOdbc::tagResults() {
@@ -166,16 +187,41 @@ void PreparedOdbc::bindBytes(size_t index, const QByteArray& bytes, bool isBinar
     parameter.bytes.data()[bytes.size()] = '\0';
 }
 
-void PreparedOdbc::bindDate(size_t index, const QDate& date) {
+// A date, a time or both, from what a text says; the empty text is NULL.
+void PreparedOdbc::bindAt(size_t index, const Value& value) {
     Parameter& parameter = m_parameters[index];
-    if (parameter.cType != SQL_C_TYPE_DATE)
-        bindBuffer(index, SQL_C_TYPE_DATE, SQL_TYPE_DATE, 10, &parameter.date,
-                   sizeof parameter.date);
-    parameter.indicator = date.isValid() ? sizeof parameter.date : SQL_NULL_DATA;
-    if (date.isValid())
-        parameter.date = {static_cast<SQLSMALLINT>(date.year()),
-                          static_cast<SQLUSMALLINT>(date.month()),
-                          static_cast<SQLUSMALLINT>(date.day())};
+    const QString text = valueToPlainText(value);
+    const bool isTime = parameter.kind == ColumnKind::Time;
+    QString day = isTime ? QString() : text.section(QLatin1Char(' '), 0, 0);
+    const QString clock = isTime ? text : text.section(QLatin1Char(' '), 1);
+    if (!day.contains(QLatin1Char('-')) && day.size() == 8)
+        day = day.left(4) + QLatin1Char('-') + day.mid(4, 2) + QLatin1Char('-') + day.mid(6);
+    const QDate date = QDate::fromString(day, Qt::ISODate);
+    const QTime time = QTime::fromString(clock, QStringLiteral("HH:mm:ss"));
+    if (date.isValid() == day.isEmpty() || time.isValid() == clock.isEmpty())
+        throw DataError(ErrorKind::BadValue, QString(),
+                        QStringLiteral("parameter :%1 = \"%2\" is no date or time")
+                            .arg(m_rewritten.parameters[static_cast<qsizetype>(index)], text));
+    const SQL_DATE_STRUCT datePart{static_cast<SQLSMALLINT>(date.year()),
+                                   static_cast<SQLUSMALLINT>(date.month()),
+                                   static_cast<SQLUSMALLINT>(date.day())};
+    const SQL_TIME_STRUCT timePart{static_cast<SQLUSMALLINT>(std::max(0, time.hour())),
+                                   static_cast<SQLUSMALLINT>(std::max(0, time.minute())),
+                                   static_cast<SQLUSMALLINT>(std::max(0, time.second()))};
+    const auto store = [&](SQLSMALLINT cType, SQLSMALLINT sqlType, SQLULEN size, const auto& part) {
+        if (parameter.cType != cType)
+            bindBuffer(index, cType, sqlType, size, &parameter.at, sizeof part);
+        std::memcpy(&parameter.at, &part, sizeof part);
+        parameter.indicator = text.isEmpty() ? SQL_NULL_DATA : SQLLEN{sizeof part};
+    };
+    if (isTime)
+        store(SQL_C_TYPE_TIME, SQL_TYPE_TIME, 8, timePart);
+    else if (parameter.kind == ColumnKind::Date)
+        store(SQL_C_TYPE_DATE, SQL_TYPE_DATE, 10, datePart);
+    else
+        store(SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, 19,
+              SQL_TIMESTAMP_STRUCT{datePart.year, datePart.month, datePart.day, timePart.hour,
+                                   timePart.minute, timePart.second, 0});
 }
 
 void PreparedOdbc::bind(size_t index, const Value& value) {
@@ -183,16 +229,9 @@ void PreparedOdbc::bind(size_t index, const Value& value) {
     const auto bindText = [&](const QString& text) {
         bindBytes(index, toDriver(text, *m_handles->dialect), false);
     };
-    if (m_rewritten.dates[static_cast<qsizetype>(index)]) {
-        const QString text = value.typeId() == QMetaType::QString ? value.toString() : QString();
-        QDate date = text.isEmpty() ? value.toDate() : QDate::fromString(text, Qt::ISODate);
-        if (!date.isValid() && !text.isEmpty())
-            date = QDate::fromString(text, QStringLiteral("yyyyMMdd"));
-        if (!date.isValid() && !text.isEmpty())
-            throw DataError(ErrorKind::BadValue, QString(),
-                            QStringLiteral("parameter :%1 = \"%2\" is no date")
-                                .arg(m_rewritten.parameters[static_cast<qsizetype>(index)], text));
-        bindDate(index, date);
+    if (parameter.kind == ColumnKind::Date || parameter.kind == ColumnKind::Time ||
+        parameter.kind == ColumnKind::Timestamp) {
+        bindAt(index, value);
         return;
     }
     switch (value.typeId()) {

@@ -60,8 +60,10 @@ class PreparedOdbc {
         qint64 whole = 0;
         double real = 0;
         QByteArray bytes;
-        qsizetype room = 0;  // bytes bound
-        SQL_DATE_STRUCT date{};
+        qsizetype room = 0;         // bytes bound
+        SQL_TIMESTAMP_STRUCT at{};  // or the shorter ones of a date or a time
+        ColumnKind kind =
+            ColumnKind::Text;  // what the database takes: of interest are dates and times
     };
     void check(SQLRETURN code);
     void send(const QString& sql);
@@ -70,7 +72,8 @@ class PreparedOdbc {
     SQLSMALLINT wholeType() const;
     void bind(size_t index, const Value& value);
     void bindBytes(size_t index, const QByteArray& bytes, bool isBinary);
-    void bindDate(size_t index, const QDate& date);
+    void bindAt(size_t index, const Value& value);
+    void describeParameters();
     void bindBuffer(size_t index, SQLSMALLINT cType, SQLSMALLINT sqlType, SQLULEN size,
                     SQLPOINTER buffer, SQLLEN bufferSize);
     void setAttribute(SQLINTEGER attribute, SQLULEN value);

@@ -1,0 +1,180 @@
+#include "tests/odbc/sql_drivers.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <algorithm>
+
+#include "data/record/record_codec.h"
+
+namespace test {
+
+namespace {
+
+const QString kEmbedded = QStringLiteral("embedded");
+const QString kSqlite = QStringLiteral("sqlite");
+const QString kVirtuoso = QStringLiteral("virtuoso");
+
+QString extensionFile() {
+    return QStringLiteral(TAKSAVAIHE_SQL_EXTENSION);
+}
+
+QString sqlType(const data::TFieldCacheItem& field, const QString& single) {
+    switch (field.kind()) {
+        case data::Kind::Boolean:
+        case data::Kind::SmallInt:
+            return QStringLiteral("SMALLINT");
+        case data::Kind::Integer:
+        case data::Kind::Unsigned:
+            return QStringLiteral("INTEGER");
+        case data::Kind::LargeInt:
+            return QStringLiteral("BIGINT");
+        case data::Kind::Float:
+            return field.storedLength == 4 ? single : QStringLiteral("DOUBLE PRECISION");
+        case data::Kind::Date:
+            return QStringLiteral("DATE");
+        case data::Kind::Time:
+            return QStringLiteral("TIME");
+        case data::Kind::Timestamp:
+            return QStringLiteral("DATETIME");
+        case data::Kind::RawBytes:
+        case data::Kind::VarBinary:
+            return QStringLiteral("VARBINARY(%1)").arg(std::max<int>(1, field.storedLength));
+        default:
+            return QStringLiteral("VARCHAR(%1)").arg(2 * std::max<int>(1, field.storedLength));
+    }
+}
+
+data::TableSource sourceOf(const QString& name) {
+    for (data::TableSource& table : data::allTableSources()) {
+        if (table.name.compare(name, Qt::CaseInsensitive) == 0)
+            return table;
+    }
+    throw data::DataError(data::ErrorKind::NoSuchTable, name, QStringLiteral("no dictionary"));
+}
+
+QString quoted(const QString& name) {
+    return QLatin1Char('"') + name + QLatin1Char('"');
+}
+
+}  // namespace
+
+std::vector<data::TFieldCacheItem> sqlFields(const data::TableSource& table) {
+    std::vector<data::TFieldCacheItem> fields = table.fields;
+    std::erase_if(fields, [](const data::TFieldCacheItem& field) {
+        return field.storage == data::Storage::Bit &&
+               field.name.compare(QLatin1String("VERKKOKAUPPA"), Qt::CaseInsensitive) != 0;
+    });
+    return fields;
+}
+
+bool SqlEngine::isAvailable(const QString& name) {
+    return name == kEmbedded || qEnvironmentVariableIsSet("TAKSAVAIHE_SQL_SERVERS");
+}
+
+SqlEngine::SqlEngine(const QString& name, const QStringList& tables) : m_name(name) {
+    if (name == kEmbedded || name == kSqlite)
+        data::createEmbedded(m_folder.path(), data::allTableSources());
+    m_database = connect();
+    if (name != kEmbedded && name != kSqlite)
+        createTables(tables);
+}
+
+data::client::OdbcSettings SqlEngine::settings() const {
+    data::client::OdbcSettings settings;
+    settings.dataSource = QStringLiteral("taksavaihe-") + m_name;
+    if (m_name == kSqlite)
+        settings.attributes = QStringLiteral("Database=%1;LoadExt=%2")
+                                  .arg(m_folder.filePath(data::kEmbeddedFileName), extensionFile());
+    return settings;
+}
+
+std::unique_ptr<data::Database> SqlEngine::connect(std::chrono::milliseconds statementLimit) const {
+    if (m_name == kEmbedded)
+        return data::openEmbedded(QStringLiteral("KOE"), m_folder.path());
+    data::client::OdbcSettings wanted = settings();
+    wanted.statementLimit = statementLimit;
+    return std::make_unique<OdbcDatabase>(wanted);
+}
+
+void SqlEngine::createTables(const QStringList& tables) const {
+    for (const QString& name : tables) {
+        const data::TableSource table = sourceOf(name);
+        try {
+            exec(*m_database, QStringLiteral("DROP TABLE ") + quoted(name));
+        } catch (const data::DataError& error) {
+            EXPECT_EQ(error.kind(), data::ErrorKind::NoSuchTable) << error.what();
+        }
+        const QString single(m_name == kVirtuoso ? "REAL" : "FLOAT");
+        QStringList columns;
+        for (const data::TFieldCacheItem& field : sqlFields(table))
+            columns += quoted(field.name) + QLatin1Char(' ') + sqlType(field, single);
+        exec(*m_database, QStringLiteral("CREATE TABLE %1 (%2)")
+                              .arg(quoted(name), columns.join(QStringLiteral(", "))));
+    }
+}
+
+qint64 exec(data::Database& database, const QString& sql,
+            const std::vector<std::pair<QString, data::Value>>& with) {
+    data::TUniQuery query(&database);
+    query.sql().setText(sql);
+    for (const auto& [name, value] : with)
+        query.paramByName(name).setValue(value);
+    return query.execSql();
+}
+
+Rows rows(data::Database& database, const QString& sql,
+          const std::vector<std::pair<QString, data::Value>>& with) {
+    data::TUniQuery query(&database);
+    query.sql().setText(sql);
+    for (const auto& [name, value] : with)
+        query.paramByName(name).setValue(value);
+    Rows lines;
+    for (query.open(); !query.eof(); query.next()) {
+        QStringList cells;
+        for (const QString& name : query.fieldNames()) {
+            const data::Value value = query.fieldByName(name).value();
+            cells += !value.isValid()                      ? QStringLiteral("NULL")
+                     : value.typeId() == QMetaType::Double ? data::shortestText(value.toDouble())
+                     : value.typeId() == QMetaType::QByteArray
+                         ? QString::fromLatin1(value.toByteArray().toHex())
+                         : value.toString();
+        }
+        lines.push_back(cells.join(QLatin1Char('|')).toStdString());
+    }
+    return lines;
+}
+
+void copyTable(data::Database& from, data::Database& to, const data::TableSource& table) {
+    QStringList names;
+    QStringList places;
+    const std::vector<data::TFieldCacheItem> fields = sqlFields(table);
+    for (const data::TFieldCacheItem& field : fields) {
+        names += quoted(field.name);
+        places += QStringLiteral(":p%1").arg(places.size());
+    }
+    data::TUniQuery insert(&to);
+    insert.sql().setText(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                             .arg(quoted(table.name), names.join(QStringLiteral(", ")),
+                                  places.join(QStringLiteral(", "))));
+    const auto records = from.openTable(table.name);
+    to.inTransaction([&] {
+        for (const data::StoredRecord& record :
+             records->fromEnd(0, data::Direction::Forward, 1000000)) {
+            const auto* bytes = reinterpret_cast<const uchar*>(record.bytes.constData());
+            for (size_t i = 0; i < fields.size(); ++i) {
+                data::TParam& place = insert.paramByName(places[static_cast<qsizetype>(i)].mid(1));
+                const data::Value value = data::readValue(fields[i], bytes);
+                const bool isTime = fields[i].kind() == data::Kind::Date ||
+                                    fields[i].kind() == data::Kind::Time ||
+                                    fields[i].kind() == data::Kind::Timestamp;
+                if (isTime && data::valueToText(fields[i], value).isEmpty())
+                    place.setNull();
+                else
+                    place.setValue(value);
+            }
+            insert.execSql();
+        }
+    });
+}
+
+}  // namespace test
