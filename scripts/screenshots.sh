@@ -50,7 +50,10 @@ if [ "$inside" = no ]; then
         build=$PWD/build
         [ -f build/CMakeCache.txt ] ||
             cmake -G Ninja -S . -B build -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=OFF
-        cmake --build build --target taksavaihe zavdb
+        # the stamp of a release shortly before the change; the next build writes its own again
+        rm -f build/app/shell/build_time.cpp
+        SOURCE_DATE_EPOCH=1724734800 cmake --build build --target taksavaihe zavdb
+        rm -f build/app/shell/build_time.cpp
     fi
     mkdir -p "$into"
     own=()
@@ -64,12 +67,14 @@ fi
 
 hostname TOIMISTO1
 mount -t tmpfs none /srv
+mount -t tmpfs none /dev/shm
 home=/srv/taksavaihe
 mkdir -p $home /srv/yritykset /srv/asetukset /srv/tmp /srv/run
 chmod 700 /srv/run
 cp "$build/bin/taksavaihe" "$build/bin/zavdb" $home/
 export HOME=/srv XDG_CONFIG_HOME=/srv/asetukset XDG_RUNTIME_DIR=/srv/run TMPDIR=/srv/tmp
-export LANG=C.UTF-8 LC_ALL=C.UTF-8 TZ=Europe/Helsinki
+unset LC_ALL
+export LANG=fi_FI.UTF-8 LC_CTYPE=C.UTF-8 TZ=Europe/Helsinki
 export QT_QPA_PLATFORM=xcb
 unset WAYLAND_DISPLAY XDG_SESSION_TYPE QT_STYLE_OVERRIDE
 
@@ -93,16 +98,21 @@ company() { # name, folder, products
         >"/srv/yritykset/$2/MAARITYS/AlvMuutosLomake.INI"
 }
 
-display=:82 screen=""
+screen=""
 start_screen() { # width x height
-    [ -z "$screen" ] || { kill "$screen"; wait "$screen" 2>/dev/null || true; }
-    Xvfb $display -screen 0 "$1x24" -nolisten tcp >/dev/null 2>&1 &
+    [ -z "$screen" ] || {
+        kill "$screen"
+        wait "$screen" 2>/dev/null || true
+    }
+    rm -f /srv/tmp/display
+    Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp 3>/srv/tmp/display >/dev/null 2>&1 &
     screen=$!
-    export DISPLAY=$display
-    for _ in $(seq 50); do
-        xdotool getdisplaygeometry >/dev/null 2>&1 && break
+    for _ in $(seq 300); do
+        [ -s /srv/tmp/display ] && break
         sleep 0.1
     done
+    DISPLAY=:$(cat /srv/tmp/display)
+    export DISPLAY
     openbox >/dev/null 2>&1 &
     sleep 1
     xsetroot -solid '#5c6f7f' 2>/dev/null || true
@@ -124,13 +134,15 @@ end_program() {
 # The newest window of a title, when it is there.
 window() {
     local id
-    for _ in $(seq 150); do
+    for _ in $(seq 60); do
         id=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -1)
         [ -n "$id" ] && { sleep 0.7; echo "$id"; return; }
         sleep 0.2
     done
     echo "No window \"$1\"; the program said:" >&2
     cat /srv/tmp/program.log >&2
+    import -silent -window root "$into/failed.png"
+    echo "The screen is in $into/failed.png" >&2
     exit 1
 }
 
@@ -146,16 +158,17 @@ keys() { # window, keys...
 }
 
 shot() { # name of the picture, window: with its frame
-    local X Y WIDTH HEIGHT left right top bottom frame
-    eval "$(xdotool getwindowgeometry --shell "$2" | grep -E "^(X|Y|WIDTH|HEIGHT)=")"
+    local x y width height left right top bottom frame
+    read -r x y width height <<<"$(xwininfo -id "$2" |
+        sed -n -E 's/.*(Absolute upper-left [XY]|Width|Height): *//p' | tr '\n' ' ')"
     frame=$(xprop -id "$2" _NET_FRAME_EXTENTS | sed -n 's/.*= //p' | tr -d ,)
     read -r left right top bottom <<<"${frame:-0 0 0 0}"
     import -silent -window root /srv/tmp/screen.png
     # colours of a window are few: a palette keeps the pictures small
     convert /srv/tmp/screen.png +repage -strip \
-        -crop "$((WIDTH + left + right))x$((HEIGHT + top + bottom))+$((X - left))+$((Y - top))" \
+        -crop "$((width + left + right))x$((height + top + bottom))+$((x - left))+$((y - top))" \
         +repage -define png:exclude-chunks=date,time "PNG8:$into/$1.png"
-    echo "$1.png $((WIDTH + left + right)) x $((HEIGHT + top + bottom))"
+    echo "$1.png $((width + left + right)) x $((height + top + bottom))"
 }
 
 dark_desktop() {
@@ -189,7 +202,7 @@ light_desktop() {
 open_form() { # company; leaves the windows in $main and $form
     start_program "$1"
     main=$(window '^Alvluokkien ja hintojen muutokset$')
-    keys "$main" Return
+    keys "$main" Tab Tab Tab Tab Tab space
     form=$(window '^ALV muutos$')
     keys "$form" alt+l Down
 }

@@ -11,6 +11,7 @@
 #include <QShortcut>
 #include <QSplitter>
 #include <QTextBlock>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -59,6 +60,8 @@ void HelpBrowser::showSection(const QString& anchor) {
     setSource(address, QTextDocument::MarkdownResource);
     if (anchor.isEmpty())
         verticalScrollBar()->setValue(0);
+    else  // once more when a window just opened has its size
+        QTimer::singleShot(0, this, [this, anchor] { scrollToAnchor(anchor); });
 }
 
 QVariant HelpBrowser::loadResource(int type, const QUrl& name) {

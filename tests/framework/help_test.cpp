@@ -87,7 +87,7 @@ TEST(HelpWindow, GoesToSectionsBackAndFindsText) {
 
     const int top = page->verticalScrollBar()->value();
     window.showSection(str("ajomerkintä"));
-    EXPECT_GT(page->verticalScrollBar()->value(), top);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return page->verticalScrollBar()->value() > top; }));
     EXPECT_TRUE(page->isBackwardAvailable());
     page->backward();
     EXPECT_EQ(page->source().fragment(), QString());
