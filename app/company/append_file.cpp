@@ -41,18 +41,25 @@ QString appendToFile(const QString& fileName, const QByteArray& bytes) {
 
 QString appendToFile(const QString& fileName, const QByteArray& bytes) {
     const QByteArray path = QFile::encodeName(fileName);
-    const int file = ::open(path.constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    const int file = ::open(path.constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0664);
     if (file < 0)
         return qt_error_string(errno);
+    // After bytes that were cut off (the disk was full) the next ones begin on a line of their own.
+    static QString cutOff;
+    const QByteArray text = fileName == cutOff ? '\n' + bytes : bytes;
     ssize_t written = 0;
     do {
-        written = ::write(file, bytes.constData(), static_cast<size_t>(bytes.size()));
+        written = ::write(file, text.constData(), static_cast<size_t>(text.size()));
     } while (written < 0 && errno == EINTR);
     QString problem;
     if (written < 0)
         problem = qt_error_string(errno);
-    else if (written != bytes.size())
+    else if (written != text.size())
         problem = qt_error_string(ENOSPC);
+    if (written > 0 && written < text.size())
+        cutOff = fileName;
+    else if (written > 0 && fileName == cutOff)
+        cutOff.clear();
     if (::close(file) != 0 && problem.isEmpty())
         problem = qt_error_string(errno);
     return problem;

@@ -29,7 +29,7 @@ struct flock rangeOf(short type, std::int64_t offset, std::int64_t length) {
 const bool ByteRangeLock::kRangesMerge = true;
 
 ByteRangeLock::ByteRangeLock(const std::filesystem::path& file)
-    : m_descriptor(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666)) {
+    : m_descriptor(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0664)) {
     if (m_descriptor < 0)
         throw std::filesystem::filesystem_error("cannot open the lock file", file,
                                                 std::error_code(errno, std::system_category()));

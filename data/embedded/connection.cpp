@@ -62,8 +62,8 @@ Connection::~Connection() {
     m_tables.clear();
 }
 
-// Beside the database itself, whichever link it is reached by: programs that come by different paths
-// must meet at one file.
+// Beside the database itself, whichever link it is reached by: programs that come by different
+// paths must meet at one file.
 QString Connection::lockFileName(const QString& fileName) {
     const QString real = QFileInfo(fileName).canonicalFilePath();
     return (real.isEmpty() ? fileName : real) + QStringLiteral("-lock");
@@ -97,6 +97,9 @@ void Connection::configure() {
             "PRAGMA cache_size = -32000; PRAGMA mmap_size = 2147418112;"
             "PRAGMA secure_delete = OFF;",
             m_fileName);
+    // A file from elsewhere may hold triggers and the like: they get no functions and no tables.
+    sqlite3_db_config(db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     registerFunctions(db);
@@ -140,16 +143,12 @@ void Connection::forgetCatalogue() {
 }
 
 RecordTable& Connection::table(const QString& name) {
-    std::shared_ptr<RecordTable>& table = m_tables[foldedName(name)];
-    if (!table) {
-        try {
-            table = std::make_shared<RecordTable>(*this, catalogue().describe(name));
-        } catch (...) {
-            m_tables.remove(foldedName(name));
-            throw;
-        }
-    }
-    return *table;
+    const QString folded = foldedName(name);
+    if (const auto known = m_tables.constFind(folded); known != m_tables.constEnd())
+        return **known;
+    const auto opened = std::make_shared<RecordTable>(*this, catalogue().describe(name));
+    m_tables.insert(folded, opened);
+    return *opened;
 }
 
 sqlite3_stmt* Connection::prepare(const QString& sql) {

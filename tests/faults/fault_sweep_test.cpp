@@ -4,10 +4,13 @@
 // them when that is more than there are).
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/resource.h>
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <algorithm>
+#include <csignal>
 #include <random>
 
 #include "app/company/company.h"
@@ -192,6 +195,8 @@ TEST_F(FaultSweep, EachCallFailsOnce) {
         Attempt run;
         FileCall failed;
         int call = 0;
+        QElapsedTimer timer;
+        timer.start();
         perform(run, [&](const FileCall& c) {
             if (++call != n)
                 return 0;
@@ -201,6 +206,9 @@ TEST_F(FaultSweep, EachCallFailsOnce) {
         SCOPED_TRACE("call " + std::to_string(n) + ": " + failed.name.toStdString() + " of " +
                      failed.file.toStdString());
         ++kinds[failed.name];
+        if (timer.elapsed() > 5000)
+            std::printf("  %s of %s makes the run wait %lld s\n", qPrintable(failed.name),
+                        qPrintable(failed.file), static_cast<long long>(timer.elapsed() / 1000));
         unclean += !run.clean();
         expectWords(run);
         const bool isLog = failed.file == QLatin1String("ALVMUUTOS.LOG");
@@ -278,6 +286,31 @@ TEST_F(FaultSweep, LogThatCannotBeWrittenStopsNothing) {
     EXPECT_EQ(logLines(), 0);
     EXPECT_EQ(run.logProblems.size(), 1) << "told once, not for every line";
     EXPECT_EQ(test::readCompany(folder()), m_new);
+}
+
+TEST_F(FaultSweep, LogLineThatWasCutOffStaysOnALineOfItsOwn) {
+    fresh();
+    test::LoggingPorts ports;
+    ports.log(QStringLiteral("eka"));
+    const auto whole = static_cast<rlim_t>(test::fileBytes(company::AlvMuutosLogName()).size());
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit few{whole + 10, before.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    ::setrlimit(RLIMIT_FSIZE, &few);
+    ports.log(QStringLiteral("toka"));
+    ports.log(QStringLiteral("kolmas"));
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    ports.log(QStringLiteral("neljäs"));
+    ports.log(QStringLiteral("viides"));
+    const QList<QByteArray> lines = test::fileBytes(company::AlvMuutosLogName()).split('\n');
+    ASSERT_EQ(lines.size(), 5);
+    EXPECT_EQ(lines[1], lines[0].first(10));
+    EXPECT_TRUE(lines[2].endsWith("  neljäs"));
+    EXPECT_EQ(lines[2].first(10), lines[0].first(10));
+    EXPECT_TRUE(lines[3].endsWith("  viides"));
+    EXPECT_EQ(m_logProblems.size(), 2);
 }
 
 TEST_F(FaultSweep, DatabaseThatMayOnlyBeReadIsRefusedAtOnce) {

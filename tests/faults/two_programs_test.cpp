@@ -1,6 +1,8 @@
 // Other programs work in the company while it is converted. TAKSAVAIHE_ROUNDS sets how many runs.
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <cmath>
@@ -147,6 +149,28 @@ TEST_F(TwoPrograms, OfTwoRunsAtOnceOneIsRefused) {
         EXPECT_NE(statuses[0] + statuses[1], 6) << "both were refused";
     }
     std::printf("%d runs were refused\n", refused);
+}
+
+// A company's folder may hold a link to a database that stands elsewhere.
+TEST_F(TwoPrograms, ProgramsThatComeByALinkMeetTheSameLocks) {
+    const QString other = m_folder.filePath(QStringLiteral("linkki"));
+    ASSERT_TRUE(QDir().mkpath(other));
+    const QString file = QLatin1Char('/') + data::kEmbeddedFileName;
+    ASSERT_TRUE(QFile::link(folder() + file, other + file));
+    const auto byLink = test::openCompany(other);
+    ASSERT_TRUE(m_database->beginRun());
+    EXPECT_FALSE(byLink->beginRun());
+    m_database->endRun();
+    EXPECT_TRUE(byLink->beginRun());
+}
+
+TEST_F(TwoPrograms, NobodyElseMayWriteWhatTheyMake) {
+    m_database->beginRun();
+    test::LoggingPorts ports;
+    ports.log(QStringLiteral("rivi"));
+    constexpr auto kForOthers = QFile::WriteOther | QFile::ExeOther;
+    for (const QFileInfo& file : QDir(folder()).entryInfoList(QDir::Files))
+        EXPECT_FALSE(file.permissions() & kForOthers) << file.fileName().toStdString();
 }
 
 // The record is locked from edit() on, but a lock does not stop the own program.
