@@ -81,8 +81,9 @@ class EmbeddedTestEngine : public Engine {
 /// The same store behind the record engine's call interface; each program is a session of its own.
 class ClientTestEngine : public Engine {
   public:
-    ClientTestEngine() {
-        m_databases.add(QStringLiteral("koe"), m_store.folder());
+    /// `peculiarities`: columns of the peer's list of databases.
+    explicit ClientTestEngine(const QString& peculiarities = {}) {
+        m_databases.add(QStringLiteral("koe"), m_store.folder(), peculiarities);
         m_first = open();
     }
     data::Database& database() override { return *m_first; }
@@ -104,6 +105,12 @@ class ClientTestEngine : public Engine {
     EmbeddedTestEngine m_store;
     std::unique_ptr<data::Database> m_first;
     std::unique_ptr<data::Database> m_second;
+};
+
+/// An older engine: no reading of many records at once, no addresses to tell equal keys' order by.
+class PlainClientTestEngine : public ClientTestEngine {
+  public:
+    PlainClientTestEngine() : ClientTestEngine(QStringLiteral("linked\tplain")) {}
 };
 
 /// An open KOE.

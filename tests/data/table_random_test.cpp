@@ -457,7 +457,8 @@ TEST(TableRandom, AgreesWithAModelOnTheMemoryEngine) {
 
 template <typename T>
 class TableRandomOnDisk : public ::testing::Test {};
-using StoredEngines = ::testing::Types<test::EmbeddedTestEngine, test::ClientTestEngine>;
+using StoredEngines =
+    ::testing::Types<test::EmbeddedTestEngine, test::ClientTestEngine, test::PlainClientTestEngine>;
 TYPED_TEST_SUITE(TableRandomOnDisk, StoredEngines);
 
 TYPED_TEST(TableRandomOnDisk, AgreesWithAModel) {

@@ -1,8 +1,8 @@
 // The record engine's call interface over embedded companies, for tests: loaded as the engine's own
 // client library would be. The databases it knows stand in the file that the environment variable
 // CLIENT_PEER_DATABASES names, one a line: NAME, a tab, the folder of the embedded company; further
-// columns may say "owner=NAME" (files want this owner name), "fault=short" or "fault=key" (a file
-// tells of itself what is not so) and "silent" (no answer for some seconds). A database of the name
+// columns may say "owner=NAME" (files want this owner name), "silent" (no answer for some seconds)
+// and what Peculiarities are for: "short", "key", "linked", "plain". A database of the name
 // of a folder serves the files of that folder: each table by its location in the catalogue.
 
 #include <QDir>
@@ -47,7 +47,7 @@ constexpr size_t kClientIdSize = 16;
 struct PeerDatabase {
     QString folder;
     QString owner;
-    Fault fault = Fault::None;
+    Peculiarities peculiarities;
     bool silent = false;
 };
 
@@ -59,14 +59,13 @@ std::optional<PeerDatabase> findDatabase(const QString& name) {
         const QStringList columns = line.split(u'\t');
         if (columns.size() < 2 || columns[0].compare(name, Qt::CaseInsensitive) != 0)
             continue;
-        PeerDatabase found{columns[1], {}, Fault::None, columns.contains(QStringLiteral("silent"))};
+        PeerDatabase found{columns[1], {}, {}, columns.contains(QStringLiteral("silent"))};
         for (const QString& column : columns)
             if (column.startsWith(QStringLiteral("owner=")))
                 found.owner = column.mid(6);
-        if (columns.contains(QStringLiteral("fault=short")))
-            found.fault = Fault::ShortRecord;
-        if (columns.contains(QStringLiteral("fault=key")))
-            found.fault = Fault::MovedKey;
+        found.peculiarities = {
+            columns.contains(QStringLiteral("short")), columns.contains(QStringLiteral("key")),
+            columns.contains(QStringLiteral("linked")), columns.contains(QStringLiteral("plain"))};
         return found;
     }
     return std::nullopt;
@@ -158,10 +157,10 @@ int open(Client& client, char* block, const CallBuffers& buffers) {
     const QString name = request.table.isEmpty()
                              ? tableOfFile(connection->catalogue(), request.file)
                              : request.table;
-    const Fault fault =
-        name.startsWith(QStringLiteral("X$"), Qt::CaseInsensitive) ? Fault::None : database->fault;
+    const bool ofCatalogue = name.startsWith(QStringLiteral("X$"), Qt::CaseInsensitive);
     client.cursors[++g_lastHandle] =
-        std::make_unique<PeerCursor>(connection, connection->table(name), fault);
+        std::make_unique<PeerCursor>(connection, connection->table(name),
+                                     ofCatalogue ? Peculiarities() : database->peculiarities);
     std::memcpy(block, &kMagic, sizeof kMagic);
     std::memcpy(block + sizeof kMagic, &g_lastHandle, sizeof g_lastHandle);
     return kOk;

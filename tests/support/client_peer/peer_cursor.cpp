@@ -66,11 +66,11 @@ void doubleWord(QByteArray& bytes, qint64 value) {
 }  // namespace
 
 PeerCursor::PeerCursor(std::shared_ptr<embedded::Connection> connection,
-                       embedded::RecordTable& table, Fault fault)
+                       embedded::RecordTable& table, Peculiarities peculiarities)
     : m_connection(std::move(connection)),
       m_table(table),
       m_file(m_connection, table),
-      m_fault(fault) {}
+      m_peculiarities(peculiarities) {}
 
 int PeerCursor::run(int operation, CallBuffers& buffers, int key) {
     const int bias = operation / kLockBiasStep * kLockBiasStep;
@@ -257,6 +257,8 @@ int PeerCursor::direct(CallBuffers& buffers, int key, int bias) {
 
 int PeerCursor::readMany(Direction direction, CallBuffers& buffers, int key) {
     constexpr quint32 kRequest = 16;
+    if (m_peculiarities.plain)
+        return kInvalidOperation;
     if (key < 0 || key >= static_cast<int>(m_table.keys().size()))
         return kInvalidKeyNumber;
     if (!m_current || m_currentKey != key)
@@ -370,7 +372,7 @@ int PeerCursor::stat(CallBuffers& buffers) {
     const RecordLayout& layout = m_table.layout();
     const auto records = m_file.recordCount();
     QByteArray bytes;
-    word(bytes, layout.recordLength() - (m_fault == Fault::ShortRecord ? 1 : 0));
+    word(bytes, layout.recordLength() - (m_peculiarities.shortRecord ? 1 : 0));
     word(bytes, 4096);
     word(bytes, static_cast<int>(m_table.keys().size()));
     doubleWord(bytes, records);
@@ -384,11 +386,11 @@ int PeerCursor::stat(CallBuffers& buffers) {
             // The engine's own types know no dates in doubles.
             const Storage type =
                 field.storage == Storage::DateDouble ? Storage::Float : field.storage;
-            const bool moved = m_fault == Fault::MovedKey && key.number == 0;
+            const bool moved = m_peculiarities.movedKey && key.number == 0;
             word(bytes, field.offset + 1 + (moved ? 1 : 0));
             word(bytes, field.storedLength - (moved ? 1 : 0));
-            word(bytes, kModifiable | kExtendedType |
-                            (key.unique ? 0 : kDuplicates | kRepeatingDuplicates) |
+            word(bytes, kModifiable | kExtendedType | (key.unique ? 0 : kDuplicates) |
+                            (key.unique || m_peculiarities.linked ? 0 : kRepeatingDuplicates) |
                             (i + 1 < key.segments.size() ? kSegmented : 0) |
                             (segment.ignoreCase ? kCollated : 0) |
                             (segment.descending ? kDescending : 0));

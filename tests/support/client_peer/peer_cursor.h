@@ -17,18 +17,19 @@ struct CallBuffers {
     int keyLength = 0;
 };
 
-/// How a file misbehaves, for tests.
-enum class Fault {
-    None,
-    ShortRecord,  ///< says that its records are a byte shorter than they are
-    MovedKey      ///< says that key 0 begins a byte later than it does
+/// What is particular about a database's files, for tests.
+struct Peculiarities {
+    bool shortRecord = false;  ///< say that their records are a byte shorter than they are
+    bool movedKey = false;     ///< say that key 0 begins a byte later than it does
+    bool linked = false;       ///< say that records of one value are in the order of insertion
+    bool plain = false;        ///< know no extended reading
 };
 
 /// One open file: a table of an embedded company, worked on as the record engine's files are.
 class PeerCursor {
   public:
     PeerCursor(std::shared_ptr<data::embedded::Connection> connection,
-               data::embedded::RecordTable& table, Fault fault);
+               data::embedded::RecordTable& table, Peculiarities peculiarities);
 
     /// Runs one operation with its lock bias. @return the status.
     int run(int operation, CallBuffers& buffers, int keyNumber);
@@ -55,7 +56,7 @@ class PeerCursor {
     std::shared_ptr<data::embedded::Connection> m_connection;
     data::embedded::RecordTable& m_table;
     mutable data::embedded::EmbeddedRecordFile m_file;
-    Fault m_fault;
+    Peculiarities m_peculiarities;
     std::optional<data::StoredRecord> m_current;
     int m_currentKey = -1;
     std::optional<data::RecordId> m_physical;
