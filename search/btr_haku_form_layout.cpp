@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QMenu>
+#include <QPainter>
 #include <QStyle>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -25,6 +26,7 @@ constexpr int kDefaultWidth = 640;
 constexpr int kDefaultHeight = 480;
 constexpr int kNarrowestColumn = 40;
 constexpr int kWidestColumn = 260;
+constexpr int kIconSize = 16;
 constexpr int kSmallestWindow = 120;  // a saved size below this is not taken
 
 const QString kColumnCount = QStringLiteral("Sarakkeita");
@@ -42,6 +44,15 @@ std::optional<int> numberOf(const company::IniFile& file, const QString& section
     bool isNumber = false;
     const int number = file.value(section, key).value_or(QString()).trimmed().toInt(&isNumber);
     return isNumber ? std::optional(number) : std::nullopt;
+}
+
+// The style's own icons are dark lines that a dark window would swallow.
+QIcon inColour(const QIcon& icon, const QColor& colour, double pixelRatio) {
+    QPixmap shape = icon.pixmap(QSize(kIconSize, kIconSize), pixelRatio);
+    QPainter painter(&shape);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(QRect(QPoint(0, 0), shape.deviceIndependentSize().toSize()), colour);
+    return shape;
 }
 
 QString formsIni() {
@@ -147,10 +158,13 @@ void TBtrHakuForm::buildControls() {
 void TBtrHakuForm::buildNavigator() {
     DBNavigator1 = new QToolBar(this);
     DBNavigator1->setObjectName(QStringLiteral("DBNavigator1"));
-    DBNavigator1->setIconSize({16, 16});
+    DBNavigator1->setIconSize({kIconSize, kIconSize});
     const auto add = [this](QStyle::StandardPixmap icon, const QString& name, const QString& tip,
                             auto&& work) {
-        QAction* action = DBNavigator1->addAction(style()->standardIcon(icon), tip);
+        QAction* action = DBNavigator1->addAction(
+            inColour(style()->standardIcon(icon), palette().color(QPalette::ButtonText),
+                     devicePixelRatioF()),
+            tip);
         action->setObjectName(name);
         connect(action, &QAction::triggered, this, work);
         return action;

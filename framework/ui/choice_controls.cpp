@@ -59,10 +59,15 @@ RadioGroup::RadioGroup(const QString& caption, const QStringList& items, int cho
 
 void RadioGroup::setRows(int rows) {
     for (int row = 0; row < rows; ++row) {
-        m_grid->setRowMinimumHeight(row, m_buttons->button(0)->sizeHint().height());
+        const int height = m_buttons->button(0)->sizeHint().height();
+        m_grid->setRowMinimumHeight(row, height);
         m_grid->setRowStretch(row, 1);
-        if (m_grid->itemAtPosition(row, 0) == nullptr)  // a row without a widget gets no share
-            m_grid->addWidget(new QWidget(this), row, 0);
+        if (m_grid->itemAtPosition(row, 0) == nullptr) {
+            // A row without a widget of fixed height, as its neighbours have, gets another share.
+            auto* filler = new QWidget(this);
+            filler->setFixedHeight(height);
+            m_grid->addWidget(filler, row, 0);
+        }
     }
 }
 

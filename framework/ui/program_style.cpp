@@ -63,6 +63,13 @@ void drawCard(const QStyleOptionGroupBox& box, QPainter* painter, const QWidget*
 
 ProgramStyle::ProgramStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
 
+// Hints inside edits fade with the edits that are disabled.
+void ProgramStyle::polish(QPalette& palette) {
+    QProxyStyle::polish(palette);
+    palette.setColor(QPalette::Disabled, QPalette::PlaceholderText,
+                     palette.color(QPalette::Disabled, QPalette::Text));
+}
+
 void ProgramStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                       QPainter* painter, const QWidget* widget) const {
     if (const QStyleOptionGroupBox* box = asCard(control, option))
@@ -107,7 +114,7 @@ QSize ProgramStyle::sizeFromContents(ContentsType type, const QStyleOption* opti
 
 int ProgramStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                             QStyleHintReturn* returnData) const {
-    if (hint == SH_EtchDisabledText)
+    if (hint == SH_EtchDisabledText || hint == SH_DialogButtonBox_ButtonsHaveIcons)
         return 0;
     return QProxyStyle::styleHint(hint, option, widget, returnData);
 }

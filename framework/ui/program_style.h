@@ -12,6 +12,8 @@ class ProgramStyle : public QProxyStyle {
   public:
     ProgramStyle();
 
+    using QProxyStyle::polish;
+    void polish(QPalette& palette) override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                             QPainter* painter, const QWidget* widget) const override;
     QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option,

@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
-#include <QLabel>
+#include <QApplication>
+#include <QScrollArea>
 
+#include "framework/ui/program_style.h"
 #include "framework/ui/saved_control.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/shop_company.h"
+#include "tests/support/window_checks.h"
 #include "vatchange/form/change_form.h"
 
 namespace {
@@ -15,91 +17,105 @@ struct Control {
     const char* caption;  // of check boxes and groups; "" for edits
     const char* hint;
     const char* initial;  // as a definition file has it
+    const char* spoken;   // to a screen reader
 };
 
 constexpr char kIgnoreHint[] = "Ryhmät, joita ei oteta mukaan. Ilmoita pilkkueroteltu luettelo.";
 constexpr char kLevelKeepHint[] = "Tuotetiedoissa säilytetään alv0 hinta";
 
 const Control kControls[] = {
-    {"AliryhmaCheckBox", "Aliryhmä#", "", "0"},
-    {"AliryhmaAlkuEdit", "", "", "0"},
-    {"AliryhmaLoppuEdit", "", "", "0"},
-    {"edtAliryhmaIgnore", "", kIgnoreHint, ""},
-    {"TuoteryhmaCheckBox", "Tuoteryhmä#", "", "0"},
-    {"TuoteryhmaAlkuEdit", "", "", "0"},
-    {"TuoteryhmaLoppuEdit", "", "", "0"},
-    {"edtTuoteryhmaIgnore", "", kIgnoreHint, ""},
-    {"PaaryhmaCheckBox", "Pääryhmä#", "", "0"},
-    {"PaaryhmaAlkuEdit", "", "", "0"},
-    {"PaaryhmaLoppuEdit", "", "", "0"},
-    {"edtPaaryhmaIgnore", "", kIgnoreHint, ""},
-    {"TuotenroCheckBox", "Tuotenro (ei käytössä)", "", "0"},
-    {"TuotenroAlkuEdit", "", "", ""},
-    {"TuotenroLoppuEdit", "", "", ""},
+    {"AliryhmaCheckBox", "Aliryhmä#", "", "0", "Aliryhmä#"},
+    {"AliryhmaAlkuEdit", "", "", "0", "Aliryhmä, alku"},
+    {"AliryhmaLoppuEdit", "", "", "0", "Aliryhmä, loppu"},
+    {"edtAliryhmaIgnore", "", kIgnoreHint, "", "Aliryhmä, ulosrajattavat ryhmät"},
+    {"TuoteryhmaCheckBox", "Tuoteryhmä#", "", "0", "Tuoteryhmä#"},
+    {"TuoteryhmaAlkuEdit", "", "", "0", "Tuoteryhmä, alku"},
+    {"TuoteryhmaLoppuEdit", "", "", "0", "Tuoteryhmä, loppu"},
+    {"edtTuoteryhmaIgnore", "", kIgnoreHint, "", "Tuoteryhmä, ulosrajattavat ryhmät"},
+    {"PaaryhmaCheckBox", "Pääryhmä#", "", "0", "Pääryhmä#"},
+    {"PaaryhmaAlkuEdit", "", "", "0", "Pääryhmä, alku"},
+    {"PaaryhmaLoppuEdit", "", "", "0", "Pääryhmä, loppu"},
+    {"edtPaaryhmaIgnore", "", kIgnoreHint, "", "Pääryhmä, ulosrajattavat ryhmät"},
+    {"TuotenroCheckBox", "Tuotenro (ei käytössä)", "", "0", "Tuotenro (ei käytössä)"},
+    {"TuotenroAlkuEdit", "", "", "", "Tuotenro, alku"},
+    {"TuotenroLoppuEdit", "", "", "", "Tuotenro, loppu"},
     {"AsRyhmaCheckList", "",
-     "Valitse tästä päivitettävät asiakasryhmät (ei valittu yhtään = kaikki)", ""},
-    {"LahdeAlvLuokkaEdit", "", "", "0"},
+     "Valitse tästä päivitettävät asiakasryhmät (ei valittu yhtään = kaikki)", "", "As. ryhmät"},
+    {"LahdeAlvLuokkaEdit", "", "", "0", "Vanha luokka"},
     {"KohdeAlvLuokkaEdit", "",
      "Ilmoita uuden verokannan luokka. Jos muutat vain hintoja, muttet luokkaa laita uusi samaksi "
      "kuin vanha",
-     "0"},
-    {"OstohintaEdit", "", "", "1"},
-    {"SailytaAlv0_CheckBoxOstohinta", "Säilytä alv0 hinta", "", "0"},
-    {"ViimOstohintaEdit", "", "", "1"},
-    {"SailytaAlv0_CheckBoxViimOstohinta", "Säilytä alv0 hinta", "", "0"},
+     "0", "Uusi luokka"},
+    {"OstohintaEdit", "", "", "1", "Ostohinta"},
+    {"SailytaAlv0_CheckBoxOstohinta", "Säilytä alv0 hinta", "", "0",
+     "Ostohinta, säilytä alv0 hinta"},
+    {"ViimOstohintaEdit", "", "", "1", "Viim. ostohinta"},
+    {"SailytaAlv0_CheckBoxViimOstohinta", "Säilytä alv0 hinta", "", "0",
+     "Viim. ostohinta, säilytä alv0 hinta"},
     {"PriceChangeLimitEdit", "",
      "Muuttaa tuotteen verolliset hinnat vain hintatasoilta, joiden hinta on vähintään "
      "hinnanmuutosraja.",
-     "0"},
+     "0", "Hinnanmuutosraja"},
     {"DoNotUpdateCustomerPricelistVAT0", "Älä päivitä asiakashinnaston alv0 hintaa",
-     "Asiakashinnaston alv0 hintaa ei päivitetä vaikka verollinen hinta muuttuisi.", "0"},
-    {"VieHr", "Vie hyllynreunaetiketteihin", "Muutettu tuote kirjoitetaan HR etiketteihin.", "1"},
+     "Asiakashinnaston alv0 hintaa ei päivitetä vaikka verollinen hinta muuttuisi.", "0",
+     "Älä päivitä asiakashinnaston alv0 hintaa"},
+    {"VieHr", "Vie hyllynreunaetiketteihin", "Muutettu tuote kirjoitetaan HR etiketteihin.", "1",
+     "Vie hyllynreunaetiketteihin"},
     {"MtKerroinEdit", "",
      "Uuden verollisen ahinnan laskemiseen käytettävä kerroin.\nJos verollinen ahinta ei muutu, "
      "jätä kertoimeksi 1.",
-     "1"},
+     "1", "Myyntitilauskerroin"},
     {"SailytaAlv0_CheckBoxMT", "Laske verollinen alv0:sta",
-     "Uusi verollinen a-hinta lasketaan kertoimen sijaan alv0 a-hinnasta.", "0"},
-    {"MTToimPaivaRajaus", "", "Ajetaan vaan ne joiden toimituspäivä on tämä tai tuoreempi", ""},
+     "Uusi verollinen a-hinta lasketaan kertoimen sijaan alv0 a-hinnasta.", "0",
+     "Myyntitilaus, laske verollinen alv0:sta"},
+    {"MTToimPaivaRajaus", "", "Ajetaan vaan ne joiden toimituspäivä on tämä tai tuoreempi", "",
+     "Toimituspäivä alkaen"},
     {"OtKerroinEdit", "",
      "Uuden verollisen a-ostohinnan laskemiseen käytettävä kerroin.\nJos verollinen a-ostohinta ei "
      "muutu, jätä kertoimeksi 1.",
-     "1"},
+     "1", "Ostotilauskerroin"},
     {"SailytaAlv0_CheckBoxOT", "Laske verollinen alv0:sta",
-     "Uusi verollinen a-ostohinta lasketaan kertoimen sijaan alv0 a-ostohinnasta.", "0"},
+     "Uusi verollinen a-ostohinta lasketaan kertoimen sijaan alv0 a-ostohinnasta.", "0",
+     "Ostotilaus, laske verollinen alv0:sta"},
     {"Tuoteloki", "Loki tuotekohtaisista muutoksista",
-     "Kirjoittaa tuotemuutoksista yksityiskohtaisen lokin", "0"},
+     "Kirjoittaa tuotemuutoksista yksityiskohtaisen lokin", "0",
+     "Loki tuotekohtaisista muutoksista"},
     {"Eiverkkokauppaa", "Älä päivitä verkkokauppaa",
-     "Verkkokaupan muutoksia ei vielä tehdä. Tarpeen silloin jos ajo ajetaan ennakkoon", "0"},
+     "Verkkokaupan muutoksia ei vielä tehdä. Tarpeen silloin jos ajo ajetaan ennakkoon", "0",
+     "Älä päivitä verkkokauppaa"},
     {"asiakashinnasto", "Asiakashinnasto", "Ajetaan nettoasiakashinnastot hinta1:n kertoimella",
-     "0"},
+     "0", "Asiakashinnasto"},
     {"WebKauppaAsHinCheckBox", "Verkkokaupan",
-     "Ajetaan verkkokaupan asiakashinnastot hinta1:n kertoimella", "0"},
-    {"Kampanjat", "Kampanja", "Ajetaan kampanjat kertoimella", "0"},
-    {"MaaraAle", "Määräale", "Ajetaan määräalennukset kertoimella", "0"},
-    {"MtCheckBox", "Myyntitilaus", "", "0"},
-    {"OtCheckBox", "Ostotilaus", "", "0"},
-    {"Tuotteet", "Tuotteet ja ryhmät", "Ajetaan tuotehinnat, veroluokat ja ryhmien veroluokat",
-     "1"},
-    {"cbVakioLaskutus", "Toistuvaislaskutus", "Päivitetään vakio/kausilaskutus myös", "0"},
+     "Ajetaan verkkokaupan asiakashinnastot hinta1:n kertoimella", "0", "Verkkokaupan"},
+    {"Kampanjat", "Kampanja", "Ajetaan kampanjat kertoimella", "0", "Kampanja"},
+    {"MaaraAle", "Määräale", "Ajetaan määräalennukset kertoimella", "0", "Määräale"},
+    {"MtCheckBox", "Myyntitilaus", "", "0", "Myyntitilaus"},
+    {"OtCheckBox", "Ostotilaus", "", "0", "Ostotilaus"},
+    {"Tuotteet", "Tuotteet ja ryhmät", "Ajetaan tuotehinnat, veroluokat ja ryhmien veroluokat", "1",
+     "Tuotteet ja ryhmät"},
+    {"cbVakioLaskutus", "Toistuvaislaskutus", "Päivitetään vakio/kausilaskutus myös", "0",
+     "Toistuvaislaskutus"},
     {"chkCheckWebstoreCompliantProductIds", "T.kooditarkastus",
      "Tarkasta verkkokauppatuotteiden tuotekoodit kiellettyjen merkkien varalta.\nTarkastus "
      "tehdään KAIKILLE kannan tuotteille, ei pelkästään taksavaiheessa mukana oleville.",
-     "0"},
-    {"PyoristysSaantoRadioGroup", "Pyöristyssääntö", "", "0"},
-    {"PyoristysRadioGroup", "Pyöristys (senttiä)", "", "1"},
+     "0", "T.kooditarkastus"},
+    {"PyoristysSaantoRadioGroup", "Pyöristyssääntö", "", "0", "Pyöristyssääntö"},
+    {"PyoristysRadioGroup", "Pyöristys (senttiä)", "", "1", "Pyöristys (senttiä)"},
 };
 
 std::vector<Control> allControls() {
     static std::vector<std::string> names;  // what the pointers below point to
-    names.reserve(3 * 9);
+    names.reserve(6 * 9);
     std::vector<Control> all(std::begin(kControls), std::end(kControls));
     for (int level = 1; level <= 9; ++level) {
         const std::string n = std::to_string(level);
-        all.push_back({names.emplace_back("Hinta" + n + "Edit").c_str(), "", "", "1"});
-        all.push_back({names.emplace_back("HintaLahde" + n).c_str(), "", "", "0"});
-        all.push_back(
-            {names.emplace_back("SailytaAlv0_CheckBox" + n).c_str(), "", kLevelKeepHint, "0"});
+        const std::string name = "Hinta " + n;
+        all.push_back({names.emplace_back("Hinta" + n + "Edit").c_str(), "", "", "1",
+                       names.emplace_back(name + ", kerroin").c_str()});
+        all.push_back({names.emplace_back("HintaLahde" + n).c_str(), "", "", "0",
+                       names.emplace_back(name + ", hinnan lähde").c_str()});
+        all.push_back({names.emplace_back("SailytaAlv0_CheckBox" + n).c_str(), "", kLevelKeepHint,
+                       "0", names.emplace_back(name + ", säilytä alv0 hinta").c_str()});
     }
     return all;
 }
@@ -129,10 +145,31 @@ TEST(ControlTable, EveryControlHasItsCaptionHintDefaultAndSpokenName) {
         const auto* saved = dynamic_cast<const framework::SavedControl*>(control);
         ASSERT_NE(saved, nullptr);
         EXPECT_EQ(saved->savedValue().toStdString(), expected.initial);
-        EXPECT_FALSE(control->accessibleName().isEmpty() && captionOf(*control).isEmpty());
+        EXPECT_EQ(control->accessibleName().toStdString(), expected.spoken);
+        EXPECT_EQ(control->accessibleDescription().toStdString(), expected.hint);
     }
     listed.sort();
     EXPECT_EQ(framework::controlValues(form).keys(), listed) << "a control that no table lists";
+    test::expectNoMnemonicClash(form);
+    test::expectEveryControlSpeaks(form);
+}
+
+TEST(ControlTable, EverythingFitsASmallScreen) {
+    test::ScriptedDialogs dialogs;
+    const test::ShopCompany shop;
+    QApplication::setStyle(new framework::ProgramStyle);
+    vatchange::TAlvMuutosLomake form(shop.database());
+    form.setAttribute(Qt::WA_DeleteOnClose, false);
+    QWidget* content = form.findChild<QScrollArea*>()->widget();
+    const QSize around(4, form.Esikatsele->sizeHint().height() + 24);
+    const QSize needed = content->sizeHint() + around;
+    // 1366 x 768 without a task bar of 40 and a title bar; 1920 x 1080 at 150 % is a bit less
+    EXPECT_LE(needed.width(), 1276);
+    EXPECT_LE(needed.height(), 664);
+    form.resize(needed);
+    form.show();
+    test::expectNothingClipped(form);
+    QApplication::setStyle(QStringLiteral("Fusion"));
 }
 
 TEST(ControlTable, NamesComeFromTheCompany) {

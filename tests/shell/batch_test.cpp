@@ -75,7 +75,10 @@ TEST(Batch, OneUnknownNameKeepsAllFromRunning) {
 }
 
 TEST(Batch, WhateverGoesWrongInADefinitionTheNextOnesRunAndTheStatusTells) {
-    const RunResult bad[] = {{.refused = true}, {.failedSteps = 1}, {.skippedProducts = 1}};
+    RunResult bad[3];
+    bad[0].refused = true;
+    bad[1].failedSteps = 1;
+    bad[2].skippedProducts = 1;
     for (const RunResult& result : bad) {
         Recorder r;
         r.results[str("a")] = result;
@@ -84,7 +87,7 @@ TEST(Batch, WhateverGoesWrongInADefinitionTheNextOnesRunAndTheStatusTells) {
                   QStringList({str("run a"), str("run b"), str("run c")}));
     }
     Recorder stopped;
-    stopped.results[str("b")] = {.cancelled = true};
+    stopped.results[str("b")].cancelled = true;
     EXPECT_EQ(stopped.run({str("a"), str("b"), str("c"), str("")}), ExitStatus::Failed);
     EXPECT_EQ(stopped.events.last(), str("run b"));
 }

@@ -40,8 +40,12 @@ void levelRows(QGridLayout* grid, int count, int height) {
     for (int row = 0; row < count; ++row) {
         grid->setRowMinimumHeight(row, height);
         grid->setRowStretch(row, 1);
-        if (grid->itemAtPosition(row, 0) == nullptr)  // a row without a widget gets no share
-            grid->addWidget(new QWidget(grid->parentWidget()), row, 0);
+        if (grid->itemAtPosition(row, 0) == nullptr) {
+            // A row without a widget of fixed height, as its neighbours have, gets another share.
+            auto* filler = new QWidget(grid->parentWidget());
+            filler->setFixedHeight(height);
+            grid->addWidget(filler, row, 0);
+        }
     }
 }
 

@@ -105,6 +105,7 @@ void TAlvMuutosLomake::buildLayout() {
     setWindowTitle(QStringLiteral("ALV muutos"));
     auto* area = new QScrollArea(this);
     area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);  // no stop of the tab key
     area->setWidgetResizable(true);
     area->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     m_content = new QWidget(area);
@@ -128,6 +129,7 @@ void TAlvMuutosLomake::buildLayout() {
     setTabOrder(m_controls.leaveWebShop, Esikatsele);
     setTabOrder(Esikatsele, m_interrupt);
     setTabOrder(m_interrupt, m_close);
+    LatausCombo->setFocus();
     framework::describeByHints(*this);
 }
 

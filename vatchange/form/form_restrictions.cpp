@@ -208,6 +208,7 @@ QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent) {
                        "laita uusi samaksi kuin vanha"));
     auto* note = new QLabel(QStringLiteral("0 rajaa vain\nveroluokattomat"), box);
     note->setObjectName(QStringLiteral("VeroluokattomatLabel"));
+    note->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     grid->addWidget(note, 2, 1, 1, 2);
     levelRows(grid, 3, controls.sourceClass->sizeHint().height());
     grid->setColumnStretch(2, 1);

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QGroupBox>
+#include <QKeySequence>
+#include <QLabel>
+#include <QMap>
+#include <QWidget>
+
+namespace test {
+
+inline std::string described(const QWidget& widget) {
+    return widget.metaObject()->className() + std::string(" ") + widget.objectName().toStdString();
+}
+
+/// No two controls of the window answer to the same Alt key.
+inline void expectNoMnemonicClash(const QWidget& window) {
+    QMap<QString, const QWidget*> taken;
+    for (const QWidget* widget : window.findChildren<QWidget*>()) {
+        QString text;
+        if (const auto* button = qobject_cast<const QAbstractButton*>(widget))
+            text = button->text();
+        else if (const auto* box = qobject_cast<const QGroupBox*>(widget))
+            text = box->title();
+        else if (const auto* label = qobject_cast<const QLabel*>(widget))
+            text = label->buddy() != nullptr ? label->text() : QString();
+        const QString key = QKeySequence::mnemonic(text).toString();
+        if (key.isEmpty() || !widget->isVisibleTo(&window))
+            continue;
+        EXPECT_FALSE(taken.contains(key)) << key.toStdString() << ": " << described(*widget)
+                                          << " and " << described(*taken.value(key));
+        taken.insert(key, widget);
+    }
+}
+
+/// Whatever the tab key reaches tells a screen reader what it is.
+inline void expectEveryControlSpeaks(const QWidget& window) {
+    for (QWidget* widget : window.findChildren<QWidget*>()) {
+        if ((widget->focusPolicy() & Qt::TabFocus) == 0 || !widget->isVisibleTo(&window) ||
+            widget->focusProxy() != nullptr ||
+            widget->objectName().startsWith(QLatin1String("qt_")))
+            continue;
+        if (widget->parentWidget()->inherits("QComboBox") ||
+            widget->parentWidget()->inherits("QAbstractSpinBox"))
+            continue;  // spoken by the control it is part of
+        const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(widget);
+        ASSERT_NE(spoken, nullptr) << described(*widget);
+        EXPECT_FALSE(spoken->text(QAccessible::Name).trimmed().isEmpty()) << described(*widget);
+    }
+}
+
+/// Every text that is shown has the room that it asks for.
+inline void expectNothingClipped(const QWidget& window) {
+    for (const QWidget* widget : window.findChildren<QWidget*>()) {
+        const auto* label = qobject_cast<const QLabel*>(widget);
+        const bool wraps = label != nullptr && label->wordWrap();
+        if ((label == nullptr && qobject_cast<const QAbstractButton*>(widget) == nullptr) ||
+            wraps || !widget->isVisibleTo(&window) ||
+            widget->parentWidget()->inherits("QLineEdit") ||
+            widget->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored)
+            continue;
+        EXPECT_GE(widget->width(), widget->minimumSizeHint().width()) << described(*widget);
+        EXPECT_GE(widget->height(), widget->minimumSizeHint().height()) << described(*widget);
+    }
+}
+
+}  // namespace test
