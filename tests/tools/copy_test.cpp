@@ -4,7 +4,9 @@
 #include <random>
 
 #include "data/embedded/embedded_database.h"
+#include "tests/support/client_peer/peer_company.h"
 #include "tests/tools/zavdb_program.h"
+#include "tools/zavdb/company_copy.h"
 
 namespace {
 
@@ -140,6 +142,99 @@ TEST_F(Copy, UnknownTablesAndUndefinedBytesArriveAsTheyAre) {
     }
     EXPECT_FALSE(exists("deep/t/loki.dat"));  // the source's own history
     EXPECT_FALSE(exists("deep/t/.zavdb-copy"));
+}
+
+/// A table whose dictionary is shorter than its records, and whose key 0 was dropped.
+class CutTable : public RecordFile {
+  public:
+    explicit CutTable(std::unique_ptr<RecordFile> whole)
+        : m_whole(std::move(whole)), m_keys(m_whole->keys()) {
+        std::vector<data::TFieldCacheItem> fields = m_whole->layout().fields();
+        fields.pop_back();
+        m_layout = data::RecordLayout(m_whole->layout().tableName(), fields,
+                                      m_whole->layout().recordLength());
+        m_keys[0].segments.clear();
+    }
+    const data::RecordLayout& layout() const override { return m_layout; }
+    const std::vector<data::KeyDef>& keys() const override { return m_keys; }
+    qint64 recordCount() override { return m_whole->recordCount(); }
+    std::optional<data::RecordId> visitStored(std::optional<data::RecordId> after, int max,
+                                              const Visitor& see) override {
+        return m_whole->visitStored(after, max, see);
+    }
+    // a copy asks for nothing else
+    std::vector<data::StoredRecord> fromEnd(int, Direction, int) override { throw unexpected(); }
+    std::vector<data::StoredRecord> seek(int, data::SeekOp, const data::KeyValues&, int) override {
+        throw unexpected();
+    }
+    std::vector<data::StoredRecord> next(int, const data::StoredRecord&, Direction, int) override {
+        throw unexpected();
+    }
+    int compare(int, const QByteArray&, const data::KeyValues&) const override {
+        throw unexpected();
+    }
+    std::optional<data::StoredRecord> get(data::RecordId) override { throw unexpected(); }
+    bool lock(data::RecordId, std::chrono::milliseconds) override { throw unexpected(); }
+    void unlock(data::RecordId) override {}
+    data::RecordId insert(QByteArray&) override { throw unexpected(); }
+    void update(data::RecordId, const QByteArray&) override { throw unexpected(); }
+    void remove(data::RecordId) override { throw unexpected(); }
+
+  private:
+    static std::logic_error unexpected() { return std::logic_error("a copy reads on"); }
+    std::unique_ptr<RecordFile> m_whole;
+    data::RecordLayout m_layout;
+    std::vector<data::KeyDef> m_keys;
+};
+
+/// A company behind the record engine's call interface, MYYMALAHINNAT cut as above, INI without
+/// file.
+class ShopSource : public test::ClientRecordsDatabase {
+  public:
+    using test::ClientRecordsDatabase::ClientRecordsDatabase;
+    std::unique_ptr<RecordFile> openTable(const QString& table) override {
+        if (table == u"INI")
+            throw data::DataError(data::ErrorKind::NoSuchTable, table, QString());
+        std::unique_ptr<RecordFile> opened = test::ClientRecordsDatabase::openTable(table);
+        if (table == u"MYYMALAHINNAT")
+            return std::make_unique<CutTable>(std::move(opened));
+        return opened;
+    }
+};
+
+TEST_F(Copy, FromTheShopsEngine) {
+    done({"demo", "D", "d", "--products", "150"});
+    test::PeerDatabases peer;
+    peer.add(QStringLiteral("KAUPPA"), path("d"));
+    data::client::ShopDatabaseSettings settings;
+    settings.name = QStringLiteral("KAUPPA");
+    settings.folder = path("shop");
+    settings.clientLibrary = test::PeerDatabases::library();
+    QDir().mkpath(settings.folder);
+    ShopSource source(settings);
+    const tools::CopyResult result =
+        tools::copyCompany(source, settings.folder, QStringLiteral("Kopio"), path("k"));
+    EXPECT_EQ(result.tables, 26);  // of 30: without INI and the three of the catalogue
+    EXPECT_EQ(result.differences + result.findings, QStringList());
+    EXPECT_TRUE(result.notes.join(u'|').contains("INI: listed in the catalogue without"));
+    EXPECT_TRUE(result.notes.join(u'|').contains("catalogue's rows are the copy's own"));
+
+    const auto from = data::openEmbedded(QStringLiteral("D"), path("d"));
+    const auto to = data::openEmbedded(QStringLiteral("Kopio"), path("k"));
+    EXPECT_EQ(to->tableNames().size(), 29);
+    for (const QString& name : to->tableNames()) {
+        if (name.startsWith(u"X$"))
+            continue;
+        const auto original = from->openTable(name);
+        const auto copy = to->openTable(name);
+        const int key = name == u"MYYMALAHINNAT" ? 1 : 0;
+        EXPECT_TRUE(walk(*copy, key) == walk(*original, key)) << name.toStdString();
+        EXPECT_EQ(copy->keys().size(), original->keys().size()) << name.toStdString();
+    }
+    const auto prices = to->openTable(QStringLiteral("MYYMALAHINNAT"));
+    EXPECT_GT(prices->recordCount(), 0);
+    EXPECT_EQ(prices->layout().fields().back().name, QStringLiteral("Loppu"));
+    EXPECT_FALSE(prices->keys()[0].unique);  // stands for the dropped one
 }
 
 TEST_F(Copy, KilledCopiesGoOnToTheSameEnd) {

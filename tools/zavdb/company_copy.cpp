@@ -26,8 +26,8 @@ const QString kOwnCatalogueKey = QStringLiteral("own catalogue");
 
 class CompanyCopier {
   public:
-    CompanyCopier(QString sourceName, QString targetName, const QString& folder)
-        : m_sourceName(std::move(sourceName)),
+    CompanyCopier(data::Database& source, QString targetName, const QString& folder)
+        : m_source(source),
           m_targetName(std::move(targetName)),
           m_folder(QDir::cleanPath(QFileInfo(folder).absoluteFilePath())),
           m_work(QDir(m_folder).filePath(kCopyFolder)),
@@ -35,13 +35,11 @@ class CompanyCopier {
         m_lock.setStaleLockTime(0);  // held by a process that lives, however long
     }
 
-    CopyResult run() {
-        const QString sourceFolder = companyFolder(m_sourceName);
+    CopyResult run(const QString& sourceFolder) {
         requireFreeName(m_targetName);
         const bool goesOn = QFileInfo::exists(stateFile());
         if (!goesOn)
             requireFreeFolder(m_folder);
-        m_source = openCompany(m_sourceName);
         beginWork(goesOn);
         if (hasCompany(m_work) || !hasCompany(m_folder)) {
             copyTables();
@@ -74,7 +72,7 @@ class CompanyCopier {
             const company::IniFile state = company::IniFile::read(stateFile());
             const QString source = state.value(kSection, kSourceKey).value_or(QString());
             const QString target = state.value(kSection, kTargetKey).value_or(QString());
-            if (source.compare(m_sourceName, Qt::CaseInsensitive) != 0 ||
+            if (source.compare(m_source.name(), Qt::CaseInsensitive) != 0 ||
                 target.compare(m_targetName, Qt::CaseInsensitive) != 0)
                 throw CommandError(
                     QStringLiteral("%1 holds an unfinished copy of \"%2\" as \"%3\"; finish that "
@@ -82,7 +80,7 @@ class CompanyCopier {
                         .arg(m_work, source, target));
         } else {
             company::IniFile state;
-            state.setValue(kSection, kSourceKey, m_sourceName);
+            state.setValue(kSection, kSourceKey, m_source.name());
             state.setValue(kSection, kTargetKey, m_targetName);
             state.write(stateFile());
         }
@@ -90,9 +88,9 @@ class CompanyCopier {
 
     /// The source's tables; those that the catalogue lists without a data file are left out.
     void openSourceTables() {
-        for (const QString& name : m_source->tableNames()) {
+        for (const QString& name : m_source.tableNames()) {
             try {
-                m_tables.push_back(m_source->openTable(name));
+                m_tables.push_back(m_source.openTable(name));
             } catch (const data::DataError& error) {
                 if (error.kind() != data::ErrorKind::NoSuchTable)
                     throw;
@@ -158,12 +156,11 @@ class CompanyCopier {
                                    .arg(target, file.errorString()));
     }
 
-    QString m_sourceName;
+    data::Database& m_source;
     QString m_targetName;
     QString m_folder;
     QString m_work;
     QLockFile m_lock;
-    std::unique_ptr<data::Database> m_source;
     std::vector<std::unique_ptr<data::RecordFile>> m_tables;
     CopyResult m_result;
     Progress m_progress;
@@ -171,9 +168,9 @@ class CompanyCopier {
 
 }  // namespace
 
-CopyResult copyCompany(const QString& sourceName, const QString& targetName,
-                       const QString& folder) {
-    return CompanyCopier(sourceName, targetName, folder).run();
+CopyResult copyCompany(data::Database& source, const QString& sourceFolder,
+                       const QString& targetName, const QString& folder) {
+    return CompanyCopier(source, targetName, folder).run(sourceFolder);
 }
 
 }  // namespace tools

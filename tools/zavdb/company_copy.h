@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "data/engine.h"
+
 namespace tools {
 
 struct CopyResult {
@@ -14,8 +16,8 @@ struct CopyResult {
     QStringList findings;     ///< of the check of the copy, as "zavdb check" tells them
 };
 
-/// Copies every table of a registered company, of whatever engine, into a new embedded company in
-/// `folder` and registers it: layouts and keys as the source opens them, records byte for byte, the
+/// Copies every table of a company, of whatever engine, into a new embedded company in `folder` and
+/// registers it: layouts and keys as the source opens them, records byte for byte, the
 /// catalogue's own rows too where they describe the copy. The company's definitions and INI files
 /// come along.
 ///
@@ -23,7 +25,8 @@ struct CopyResult {
 /// with the source. A call that was stopped goes on where it was when it is repeated; so does one
 /// after differences, which copies the tables concerned anew.
 /// @throws CommandError, data::DataError.
-CopyResult copyCompany(const QString& sourceName, const QString& targetName, const QString& folder);
+CopyResult copyCompany(data::Database& source, const QString& sourceFolder,
+                       const QString& targetName, const QString& folder);
 
 /// Name of that hidden folder.
 inline const QString kCopyFolder = QStringLiteral(".zavdb-copy");

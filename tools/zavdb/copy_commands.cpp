@@ -1,5 +1,5 @@
-#include "data/embedded/embedded_database.h"
 #include "tools/zavdb/command.h"
+#include "tools/zavdb/company_builder.h"
 #include "tools/zavdb/company_copy.h"
 
 namespace tools {
@@ -7,7 +7,10 @@ namespace tools {
 namespace {
 
 int copy(const Arguments& arguments) {
-    const CopyResult result = copyCompany(arguments.at(0), arguments.at(1), arguments.at(2));
+    requireFreeName(arguments.at(1));  // before the source's server is asked for anything
+    const std::unique_ptr<data::Database> source = openCompany(arguments.at(0));
+    const CopyResult result =
+        copyCompany(*source, companyFolder(arguments.at(0)), arguments.at(1), arguments.at(2));
     for (const QStringList& lines : {result.notes, result.differences, result.findings})
         for (const QString& line : lines)
             printLine(line);
