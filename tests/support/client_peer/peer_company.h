@@ -12,17 +12,17 @@ namespace test {
 /// The databases that the client peer knows while the object lives.
 class PeerDatabases {
   public:
-    PeerDatabases() { qputenv("CLIENT_PEER_DATABASES", m_file().toLocal8Bit()); }
+    PeerDatabases() { qputenv("CLIENT_PEER_DATABASES", file().toLocal8Bit()); }
     ~PeerDatabases() { qunsetenv("CLIENT_PEER_DATABASES"); }
     PeerDatabases(const PeerDatabases&) = delete;
     PeerDatabases& operator=(const PeerDatabases&) = delete;
 
     /// `extra`: further columns, see the peer.
     void add(const QString& name, const QString& folder, const QString& extra = {}) {
-        QFile file(m_file());
-        if (!file.open(QIODevice::Append))
+        QFile list(file());
+        if (!list.open(QIODevice::Append))
             throw std::runtime_error("the peer's list of databases cannot be written");
-        file.write(QStringList{name, folder, extra}.join(u'\t').toUtf8() + '\n');
+        list.write(QStringList{name, folder, extra}.join(u'\t').toUtf8() + '\n');
     }
 
     /// The peer's library, beside the test program.
@@ -35,10 +35,12 @@ class PeerDatabases {
         return QCoreApplication::applicationDirPath() + name;
     }
 
-  private:
-    QString m_file() const {
+    /// The list, for the peer's environment variable.
+    QString file() const {
         return m_folder.filePath(QStringLiteral("databases"));
     }
+
+  private:
     QTemporaryDir m_folder;
 };
 

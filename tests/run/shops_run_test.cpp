@@ -1,0 +1,103 @@
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+
+#include "data/client/shop_database.h"
+#include "data/embedded/embedded_database.h"
+#include "tests/run/run_company.h"
+#include "tests/support/client_peer/peer_company.h"
+
+// A run on a company of the shops' engine: records over the call interface, SQL over ODBC, two
+// sessions that meet at the same records.
+
+namespace {
+
+using namespace data;
+
+const QString kName = QStringLiteral("Kauppa Åke");
+
+class ShopsRun : public ::testing::Test {
+  protected:
+    ShopsRun() {
+        m_company.exec(
+            QStringLiteral("insert into TUOTE (NUMERO, HINTA, LVV) values ('A1', 10, 3)"));
+        m_company.exec(
+            QStringLiteral("insert into TUOTE (NUMERO, HINTA, LVV) values ('A2', 20, 3)"));
+        QFile sources(m_folder.filePath(QStringLiteral("odbc.ini")));
+        if (!sources.open(QIODevice::WriteOnly))
+            throw std::runtime_error("odbc.ini cannot be written");
+        sources.write(QStringLiteral("[shop]\nDriver=%1\nDatabase=%2/%3\nLoadExt=%4/zavsql.so\n")
+                          .arg(QStringLiteral(TAKSAVAIHE_SQLITE_DRIVER), m_company.folder(),
+                               kEmbeddedFileName, QCoreApplication::applicationDirPath())
+                          .toUtf8());
+        qputenv("ODBCINI", sources.fileName().toLocal8Bit());
+        m_databases.add(kName, m_company.folder());
+        m_settings.name = kName;
+        m_settings.folder = m_folder.path();
+        m_settings.clientLibrary = test::PeerDatabases::library();
+        m_settings.dataSource = QStringLiteral("shop");
+    }
+    ~ShopsRun() override { qunsetenv("ODBCINI"); }
+
+    double price(const char* number) {
+        return m_company.number(QStringLiteral("select HINTA from TUOTE where NUMERO = '%1'")
+                                    .arg(QLatin1String(number)));
+    }
+
+    test::RunCompany m_company;
+    QTemporaryDir m_folder;
+    test::PeerDatabases m_databases;
+    client::ShopDatabaseSettings m_settings;
+};
+
+TEST_F(ShopsRun, PassesItsOwnLocksAndNotThoseOfOthers) {
+    const auto shop = client::openShopDatabase(m_settings);
+    EXPECT_FALSE(shop->statementsPassRecordLocks());
+    const auto others = m_company.otherProgram();
+    const auto products = others->openTable(QStringLiteral("TUOTE"));
+    const auto held = products->seek(0, SeekOp::Equal, {QStringLiteral("A2")}, 1);
+    ASSERT_TRUE(products->lock(held.at(0).id, std::chrono::milliseconds(0)));
+
+    const vatchange::RunResult result =
+        vatchange::runChange(*shop, test::plainDefinition(), m_company.ports);
+    EXPECT_EQ(result.products, 1);
+    EXPECT_EQ(result.skippedProducts, 1);
+    EXPECT_TRUE(m_company.ports.hasLine(
+        QStringLiteral("Virhe tuotteen päivityksessä: A2 tuotetta ei voi muokata")));
+    EXPECT_EQ(price("A1"), 10.12);
+    EXPECT_EQ(price("A2"), 20);
+}
+
+TEST_F(ShopsRun, OneRunOfACompanyAtATime) {
+    const auto first = client::openShopDatabase(m_settings);
+    const auto second = client::openShopDatabase(m_settings);
+    ASSERT_TRUE(first->beginRun());
+    EXPECT_FALSE(second->beginRun());
+    first->endRun();
+    EXPECT_TRUE(second->beginRun());
+}
+
+TEST_F(ShopsRun, AnEngineThatFallsSilentFailsStepsAndNotTheRun) {
+    m_settings.statementLimit = std::chrono::milliseconds(400);
+    const auto shop = client::openShopDatabase(m_settings);
+    vatchange::ChangeDefinition definition = test::plainDefinition();
+    definition.salesOrders = true;
+    definition.purchaseOrders = true;
+    test::PeerDatabases silent;  // takes the place of the others
+    qputenv("CLIENT_PEER_DATABASES", m_databases.file().toLocal8Bit());
+    silent.add(kName, m_company.folder(), QStringLiteral("silent"));
+    m_company.ports.onStatus = [&silent](const QString& text) {
+        if (text == QStringLiteral("Tuote A2"))
+            qputenv("CLIENT_PEER_DATABASES", silent.file().toLocal8Bit());
+    };
+    QElapsedTimer time;
+    time.start();
+    const vatchange::RunResult result = vatchange::runChange(*shop, definition, m_company.ports);
+    EXPECT_LT(time.elapsed(), 4000);
+    EXPECT_EQ(result.products, 2);
+    EXPECT_EQ(result.failedSteps, 2);
+    EXPECT_EQ(m_company.ports.lines.filter(QStringLiteral("tietuekanta ei vastannut")).size(), 2);
+}
+
+}  // namespace
