@@ -1,5 +1,6 @@
 #!/bin/bash
-# What takes too long for every change: the fuzzers, clang-tidy over everything, cppcheck.
+# What takes too long for every change: the fuzzers, clang-tidy over everything, cppcheck, hundreds of
+# kills, power losses and faults, other programs at work, a large company, valgrind.
 # Usage: nightly.sh [MINUTES]   (for each fuzzer, default 10)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -22,6 +23,19 @@ heading "cppcheck"
 cppcheck --quiet --std=c++20 --enable=warning,performance,portability --inline-suppr \
     --suppress=missingIncludeSystem --suppress=unknownMacro --error-exitcode=1 -j "$(nproc)" -I . \
     app data framework search vatchange tools || failed+=("cppcheck")
+
+heading "Kills, power losses, faults, two programs"
+cmake -G Ninja -S . -B build -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=ON
+cmake --build build --target taksavaihe zavdb fault_tests
+scripts/crash.sh || failed+=("crash.sh")
+TAKSAVAIHE_FAULTS=100000 TAKSAVAIHE_DISTURBANCES=200 TAKSAVAIHE_ROUNDS=500 QT_QPA_PLATFORM=offscreen \
+    build/bin/fault_tests --gtest_filter='FaultSweep.*:TwoPrograms.*' || failed+=("fault_tests")
+
+heading "A large company"
+scripts/soak.sh --products 1000000 || failed+=("soak.sh")
+
+heading "valgrind"
+scripts/valgrind.sh || failed+=("valgrind")
 
 heading "Result"
 if [ ${#failed[@]} -gt 0 ]; then

@@ -12,7 +12,7 @@ packages_windows="g++-mingw-w64-x86-64-posix qt6-base-dev-tools nsis xz-utils"
 packages_windows_qt="$packages_windows cmake ninja-build qt6-base-dev dpkg-dev tcl gcc make perl"
 packages_windows_smoke="wine wine64 fonts-wine fonts-liberation xvfb openbox imagemagick"
 packages_debian="debootstrap dpkg-dev file lintian desktop-file-utils appstream"
-packages_nightly="cppcheck"
+packages_nightly="cppcheck valgrind"
 packages_soak="eatmydata"
 packages_screenshots="xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick poppler-utils
     faketime fonts-dejavu-core"

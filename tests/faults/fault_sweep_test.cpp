@@ -7,7 +7,6 @@
 #include <sys/resource.h>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <csignal>
@@ -175,28 +174,34 @@ class FaultSweep : public testing::Test {
 };
 
 TEST_F(FaultSweep, EachCallFailsOnce) {
-    int calls = 0;
+    std::vector<FileCall> all;
     {
         fresh();
         Attempt run;
-        perform(run, [&calls](const FileCall&) { return ++calls, 0; });
+        perform(run, [&all](const FileCall& call) { return all.push_back(call), 0; });
         ASSERT_TRUE(run.clean());
     }
+    const auto calls = static_cast<int>(all.size());
     const unsigned seed = test::seedOfTest();
     SCOPED_TRACE("TAKSAVAIHE_SEED=" + std::to_string(seed));
     std::mt19937 random(seed);
     const int wanted = test::countFrom("TAKSAVAIHE_FAULTS", 60);
     std::map<QString, int> kinds;
     int unclean = 0;
+    // A lock inside of the database that cannot be given back makes every later statement wait for
+    // it, ten seconds each: a few of these are enough, and none in a short test.
+    int waits = wanted >= calls ? 2 : 0;
     for (int n = 1; n <= calls; ++n) {
         if (static_cast<int>(random() % static_cast<unsigned>(calls)) >= wanted)
+            continue;
+        const FileCall& chosen = all[static_cast<size_t>(n) - 1];
+        if (chosen.name == QLatin1String("unlock") && chosen.file.endsWith(QLatin1String("-shm")) &&
+            --waits < 0)
             continue;
         fresh();
         Attempt run;
         FileCall failed;
         int call = 0;
-        QElapsedTimer timer;
-        timer.start();
         perform(run, [&](const FileCall& c) {
             if (++call != n)
                 return 0;
@@ -206,9 +211,6 @@ TEST_F(FaultSweep, EachCallFailsOnce) {
         SCOPED_TRACE("call " + std::to_string(n) + ": " + failed.name.toStdString() + " of " +
                      failed.file.toStdString());
         ++kinds[failed.name];
-        if (timer.elapsed() > 5000)
-            std::printf("  %s of %s makes the run wait %lld s\n", qPrintable(failed.name),
-                        qPrintable(failed.file), static_cast<long long>(timer.elapsed() / 1000));
         unclean += !run.clean();
         expectWords(run);
         const bool isLog = failed.file == QLatin1String("ALVMUUTOS.LOG");
