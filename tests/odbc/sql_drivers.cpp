@@ -44,6 +44,23 @@ QString sqlType(const data::TFieldCacheItem& field, const QString& single) {
     }
 }
 
+// What an INSERT leaves out is the kind's empty value, as in a record.
+QString sqlDefault(const data::TFieldCacheItem& field) {
+    switch (field.kind()) {
+        case data::Kind::Date:
+        case data::Kind::Time:
+        case data::Kind::Timestamp:
+        case data::Kind::RawBytes:
+        case data::Kind::VarBinary:
+            return {};
+        case data::Kind::String:
+        case data::Kind::Memo:
+            return QStringLiteral(" DEFAULT ''");
+        default:
+            return QStringLiteral(" DEFAULT 0");
+    }
+}
+
 data::TableSource sourceOf(const QString& name) {
     for (data::TableSource& table : data::allTableSources()) {
         if (table.name.compare(name, Qt::CaseInsensitive) == 0)
@@ -107,7 +124,8 @@ void SqlEngine::createTables(const QStringList& tables) const {
         const QString single(m_name == kVirtuoso ? "REAL" : "FLOAT");
         QStringList columns;
         for (const data::TFieldCacheItem& field : sqlFields(table))
-            columns += quoted(field.name) + QLatin1Char(' ') + sqlType(field, single);
+            columns +=
+                quoted(field.name) + QLatin1Char(' ') + sqlType(field, single) + sqlDefault(field);
         exec(*m_database, QStringLiteral("CREATE TABLE %1 (%2)")
                               .arg(quoted(name), columns.join(QStringLiteral(", "))));
     }

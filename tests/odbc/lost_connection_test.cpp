@@ -1,0 +1,218 @@
+// Servers that are not there, never answer or go away: errors in time, and the next statement
+// connects anew. A relay between driver and server plays the network.
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QRegularExpression>
+#include <array>
+#include <atomic>
+#include <thread>
+
+#include "tests/odbc/sql_drivers.h"
+
+namespace {
+
+using data::DataError;
+using data::ErrorKind;
+
+int connectedTo(quint16 port) {
+    const int made = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    if (::connect(made, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
+        throw std::runtime_error("the server cannot be reached");
+    return made;
+}
+
+/// Listens on loopback and passes one connection after another on to a server, until told to be
+/// silent or to hang up.
+class Relay {
+  public:
+    explicit Relay(quint16 serverPort) : m_serverPort(serverPort) {
+        m_listener = ::socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        if (::bind(m_listener, reinterpret_cast<sockaddr*>(&address), size) != 0 ||
+            ::listen(m_listener, 8) != 0 ||
+            ::getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &size) != 0)
+            throw std::runtime_error("no port to listen on");
+        m_port = ntohs(address.sin_port);
+        m_thread = std::thread([this] { work(); });
+    }
+    ~Relay() {
+        m_ends = true;
+        m_thread.join();
+        hangUp();
+        ::close(m_listener);
+    }
+    Relay(const Relay&) = delete;
+    Relay& operator=(const Relay&) = delete;
+
+    quint16 port() const { return m_port; }
+    std::atomic<bool> isSilent{false};  ///< nothing is passed on; connections are still taken
+    std::atomic<bool> drops{false};     ///< hangs up once
+
+  private:
+    void hangUp() {
+        for (const auto& [client, server] : m_pairs) {
+            ::close(client);
+            ::close(server);
+        }
+        m_pairs.clear();
+    }
+    void work() {
+        while (!m_ends) {
+            if (drops.exchange(false))
+                hangUp();
+            std::vector<pollfd> watched{{m_listener, POLLIN, 0}};
+            for (const auto& [client, server] : m_pairs) {
+                watched.push_back({client, POLLIN, 0});
+                watched.push_back({server, POLLIN, 0});
+            }
+            if (isSilent)
+                watched.resize(1);
+            if (::poll(watched.data(), watched.size(), 20) <= 0)
+                continue;
+            for (size_t i = 1; i < watched.size(); ++i) {
+                std::array<char, 65536> bytes{};
+                if (watched[i].revents == 0)
+                    continue;
+                const ssize_t count = ::read(watched[i].fd, bytes.data(), bytes.size());
+                const auto& pair = m_pairs[(i - 1) / 2];
+                const int other = watched[i].fd == pair.first ? pair.second : pair.first;
+                if (count <= 0)
+                    ::shutdown(other, SHUT_WR);
+                else if (::send(other, bytes.data(), static_cast<size_t>(count), MSG_NOSIGNAL) < 0)
+                    ::shutdown(watched[i].fd, SHUT_RD);
+            }
+            if (watched[0].revents != 0) {
+                const int client = ::accept(m_listener, nullptr, nullptr);
+                m_pairs.emplace_back(client, isSilent ? -1 : connectedTo(m_serverPort));
+            }
+        }
+    }
+
+    quint16 m_serverPort;
+    int m_listener = -1;
+    quint16 m_port = 0;
+    std::vector<std::pair<int, int>> m_pairs;
+    std::atomic<bool> m_ends{false};
+    std::thread m_thread;
+};
+
+struct Server {
+    const char* name;
+    const char* portKey;   // of odbc.ini: what stands before the port
+    const char* redirect;  // connection attributes that lead to port %1 instead
+};
+
+constexpr std::array<Server, 2> kServers{
+    {{"virtuoso", "Address = 127.0.0.1:", "HOST=127.0.0.1:%1"}, {"mariadb", "PORT = ", "PORT=%1"}}};
+
+class LostConnection : public ::testing::TestWithParam<Server> {
+  protected:
+    void SetUp() override {
+        if (!test::SqlEngine::isAvailable(QLatin1String(GetParam().name)))
+            GTEST_SKIP() << "the SQL servers are not running";
+        QFile sources(qEnvironmentVariable("ODBCINI"));
+        ASSERT_TRUE(sources.open(QIODevice::ReadOnly));
+        const QRegularExpression port(QLatin1String(GetParam().portKey) + QStringLiteral("(\\d+)"));
+        const auto found = port.match(QString::fromUtf8(sources.readAll()));
+        ASSERT_TRUE(found.hasMatch());
+        m_relay = std::make_unique<Relay>(found.captured(1).toUShort());
+    }
+    data::client::OdbcSettings settings() const {
+        data::client::OdbcSettings settings;
+        settings.dataSource = QStringLiteral("taksavaihe-") + QLatin1String(GetParam().name);
+        settings.attributes = QString::fromLatin1(GetParam().redirect).arg(m_relay->port());
+        settings.connectLimit = std::chrono::milliseconds(3000);
+        settings.statementLimit = std::chrono::milliseconds(3000);
+        return settings;
+    }
+    /// The error of a call, which must come within the limit.
+    template <typename Call>
+    void expectLost(Call call) {
+        QElapsedTimer timer;
+        timer.start();
+        try {
+            call();
+            ADD_FAILURE() << "no error";
+        } catch (const DataError& error) {
+            EXPECT_EQ(error.kind(), ErrorKind::NoConnection) << error.what();
+            EXPECT_FALSE(error.detail().isEmpty());
+        }
+        EXPECT_LT(timer.elapsed(), 4500);
+    }
+    std::unique_ptr<Relay> m_relay;
+};
+
+TEST_P(LostConnection, ServerThatTakesTheConnectionAndNeverAnswers) {
+    m_relay->isSilent = true;
+    expectLost([&] { data::client::OdbcConnection::connect(settings()); });
+}
+
+TEST_P(LostConnection, ServerThatFallsSilentInAStatement) {
+    test::OdbcDatabase database(settings());
+    EXPECT_EQ(test::rows(database, "select 1"), test::Rows{"1"});
+    m_relay->isSilent = true;
+    expectLost([&] { test::rows(database, "select 2"); });
+    m_relay->isSilent = false;
+    EXPECT_EQ(test::rows(database, "select 3"), test::Rows{"3"});
+}
+
+TEST_P(LostConnection, DroppedConnectionIsToldOnceAndThenRestored) {
+    test::OdbcDatabase database(settings());
+    data::TUniQuery query(&database);
+    query.sql().setText("select :a + 1");
+    query.paramByName("a").setInteger(1);
+    query.open();
+    query.close();
+    m_relay->drops = true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    expectLost([&] { query.open(); });
+    query.open();
+    EXPECT_EQ(query.recordCount(), 1);
+    // a transaction does not go on behind the caller's back
+    expectLost([&] {
+        database.inTransaction([&] {
+            m_relay->drops = true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+            try {
+                query.open();
+                ADD_FAILURE() << "no error";
+            } catch (const DataError& error) {
+                EXPECT_EQ(error.kind(), ErrorKind::NoConnection);
+            }
+            query.open();
+        });
+    });
+    EXPECT_EQ(test::rows(database, "select 4"), test::Rows{"4"});
+}
+
+INSTANTIATE_TEST_SUITE_P(Servers, LostConnection, ::testing::ValuesIn(kServers),
+                         [](const auto& server) { return std::string(server.param.name); });
+
+TEST(OdbcFailures, UnknownDataSourceAndServerThatIsNotThere) {
+    data::client::OdbcSettings settings;
+    settings.dataSource = QStringLiteral("taksavaihe-puuttuu");
+    try {
+        data::client::OdbcConnection::connect(settings);
+        ADD_FAILURE() << "no error";
+    } catch (const DataError& error) {
+        EXPECT_EQ(error.kind(), ErrorKind::NoConnection);
+        EXPECT_EQ(error.table(), settings.dataSource);
+        EXPECT_TRUE(error.finnish().contains(u"Tarkista")) << error.what();
+    }
+}
+
+}  // namespace
