@@ -49,15 +49,18 @@ std::shared_ptr<const CallLibrary> CallLibrary::load(const QString& library,
         const std::shared_ptr<CallLibrary> loaded(new CallLibrary(name));
         if (loaded->resolve())
             return loaded;
-        reason = loaded->m_library.errorString();
+        // What is said of a usual name tells only the last of the places that were tried.
+        reason = library.isEmpty()
+                     ? QStringLiteral(" is not there")
+                     : QStringLiteral(" cannot be loaded: ") + loaded->m_library.errorString();
     }
     const QString list = names.join(QStringLiteral(", "));
-    throw DataError(ErrorKind::NoConnection, company,
-                    QStringLiteral("the record engine's client library (%1) cannot be loaded: %2; "
-                                   "the setting %3 names another")
-                        .arg(list, reason, QLatin1String(kSetting)))
-        .inFinnish(QStringLiteral("tietuekannan asiakaskirjastoa (%1) ei voi ladata: %2")
-                       .arg(list, reason),
+    throw DataError(
+        ErrorKind::NoConnection, company,
+        QStringLiteral("the record engine's client library (%1)%2; the setting %3 names "
+                       "another")
+            .arg(list, reason, QLatin1String(kSetting)))
+        .inFinnish(QStringLiteral("tietuekannan asiakaskirjastoa (%1) ei voi ladata").arg(list),
                    QStringLiteral("Asenna tietokannan asiakasohjelmisto tähän koneeseen tai nimeä "
                                   "kirjasto asetuksessa %1.")
                        .arg(QLatin1String(kSetting)));
