@@ -6,22 +6,24 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 usage() {
     cat <<'USAGE'
-Usage: scripts/debian.sh [--no-check]
+Usage: scripts/debian.sh [--no-check | --no-build]
 
 Builds the package with cpack into build-debian/. Then makes a clean Debian root with debootstrap
 (needs root; about 1 GB in a temporary folder, removed at the end), installs the package there with
 apt and runs both programs: a demo company, a batch run, the main window on an invisible display.
 
   --no-check   only builds the package
+  --no-build   only checks the package that build-debian/ holds
 
 DEBIAN_MIRROR names the place packages come from (default: that of this machine).
 USAGE
 }
 
-check=yes
+build=yes check=yes
 case "${1:-}" in
     "") ;;
     --no-check) check=no ;;
+    --no-build) build=no ;;
     --help | -h)
         usage
         exit 0
@@ -34,12 +36,13 @@ esac
 
 # shellcheck disable=SC2086,SC2154
 install_packages $packages_build $packages_debian
-cmake -G Ninja -S . -B build-debian -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=OFF \
-    -DCMAKE_INSTALL_PREFIX=/usr
-cmake --build build-debian --target taksavaihe zavdb compressed_files
-rm -f build-debian/*.deb
-# The package is put together from what is built above; nothing else of the build goes into it.
-(cd build-debian && cpack -G DEB -D CPACK_CMAKE_GENERATOR=Ninja)
+if [ "$build" = yes ]; then
+    cmake -G Ninja -S . -B build-debian -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=OFF \
+        -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_SKIP_INSTALL_ALL_DEPENDENCY=ON
+    cmake --build build-debian --target taksavaihe zavdb compressed_files
+    rm -f build-debian/*.deb
+    (cd build-debian && cpack -G DEB)
+fi
 package=$(ls build-debian/taksavaihe_*.deb)
 ls -l "$package"
 lintian --no-tag-display-limit "$package" || true
@@ -47,6 +50,7 @@ lintian --no-tag-display-limit "$package" || true
 
 # --- a clean root
 root=$(mktemp -d)
+chmod 755 "$root"
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }

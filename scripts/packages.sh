@@ -10,7 +10,8 @@ packages_servers="virtuoso-opensource-7-bin libvirtodbc0 mariadb-server-core mar
 packages_lint="clang clang-format clang-tidy"
 packages_windows="g++-mingw-w64-x86-64-posix qt6-base-dev-tools nsis xz-utils"
 packages_windows_qt="$packages_windows cmake ninja-build qt6-base-dev dpkg-dev tcl gcc make perl"
-packages_windows_smoke="wine wine64 fonts-wine fonts-liberation xvfb openbox imagemagick"
+packages_windows_smoke="wine wine64 fonts-wine fonts-liberation xvfb openbox imagemagick xdotool
+    libsqliteodbc unixodbc"
 packages_debian="debootstrap dpkg-dev file lintian desktop-file-utils appstream"
 packages_nightly="cppcheck valgrind"
 packages_soak="eatmydata"

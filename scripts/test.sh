@@ -74,6 +74,8 @@ if [ "$all" = yes ]; then
     export UBSAN_OPTIONS=print_stacktrace=1
     build_and_test "Sanitizers" build-asan -DCMAKE_BUILD_TYPE=Debug "-DCMAKE_CXX_FLAGS_DEBUG=-g1 -O1" \
         -DTAKSAVAIHE_SANITIZE=ON
+    heading "Windows programs under wine"
+    scripts/windows.sh --smoke --if-qt-is-there || failed+=("windows")
     heading "Lint"
     scripts/lint.sh --changed --minutes 8 || failed+=("lint")
 fi

@@ -77,7 +77,9 @@ prepare_qt
 cmake -G Ninja -S . -B build-win-host -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=OFF >/dev/null
 cmake --build build-win-host --target dictc
 cmake --preset windows >/dev/null
-cmake --build --preset windows
+targets=(taksavaihe zavdb)
+[ "$smoke" = no ] || targets+=(hold_record client_peer)
+cmake --build --preset windows --target "${targets[@]}"
 
 version=$(sed -n 's/^project(taksavaihe VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
 release=$PWD/build-windows/release
@@ -103,5 +105,8 @@ if [ "$packages" = yes ]; then
     ls -l "$release/$name".*
 fi
 if [ "$smoke" = yes ]; then
+    # shellcheck disable=SC2086,SC2154
+    install_packages $packages_windows_smoke
+    cp build-windows/bin/{hold_record.exe,client_peer.dll} "$release/"
     tests/windows/smoke.sh "$release" build/bin
 fi

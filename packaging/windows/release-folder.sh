@@ -25,9 +25,9 @@ find_library() {
     done | head -n 1
 }
 
-# Windows' own libraries are those that the compiler has import libraries for.
+# Windows' own libraries are its API sets and those that the compiler has import libraries for.
 is_systems_own() {
-    [ -e "/usr/$tool/lib/lib${1%.dll}.a" ] || [ -e "/usr/$tool/lib/lib$1.a" ] ||
+    [[ $1 == api-ms-win-* ]] || [ -e "/usr/$tool/lib/lib${1%.dll}.a" ] || [ -e "/usr/$tool/lib/lib$1.a" ] ||
         [ -e "/usr/$tool/lib/lib${1%.drv}.a" ]
 }
 

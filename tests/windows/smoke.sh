@@ -6,8 +6,9 @@ usage() {
     cat <<'USAGE'
 Usage: tests/windows/smoke.sh RELEASE LINUX-PROGRAMS [--pictures FOLDER] [--products N]
 
-RELEASE is the folder that scripts/windows.sh makes (Taksavaihe/, the installer, hold_record.exe),
-LINUX-PROGRAMS one with taksavaihe and zavdb of the same sources.
+RELEASE is the folder that scripts/windows.sh --smoke makes (Taksavaihe/, hold_record.exe,
+client_peer.dll, the installer when there is one), LINUX-PROGRAMS one with taksavaihe, zavdb and
+zavsql.so of the same sources.
 
   --pictures FOLDER  saves pictures of the main window and the change form there
   --products N       size of the companies (default 400)
@@ -235,6 +236,45 @@ check "  and its tables read" win zavdb.exe check Pitkä
 batch_list "" "" >"$program/ALVMUUTOS.INI"
 check "  and the program opens it" same_text "$(status_of win taksavaihe.exe Pitkä /E)" 0
 
+# --- the shops' engine: its client library and ODBC under the names that they have on Windows
+driver=$(find /usr/lib -name libsqlite3odbc.so -print -quit)
+if [ -n "$driver" ] && [ -e "$linux/zavsql.so" ]; then
+    cp "$release/client_peer.dll" "$program/w64btrv.dll"
+    mkdir -p "$drive/Yritykset/Kauppa"
+    printf 'Kauppa\tC:\\Yritykset\\Toinen\n' >"$work/databases"
+    printf '[Kauppa]\nDriver=%s\nDatabase=%s\nLoadExt=%s\n' "$driver" \
+        "$drive/Yritykset/Toinen/YRITYS.ZDB" "$linux/zavsql.so" >"$work/odbc.ini"
+    export ODBCINI=$work/odbc.ini CLIENT_PEER_DATABASES=Z:${work//\//\\}\\databases
+    timeout 60 wine reg add 'HKCU\Software\Taksavaihe\Aliases\Kauppa' /v PhysicalName \
+        /d 'C:\Yritykset\Kauppa' /f >/dev/null 2>&1
+    check "tables through w64btrv.dll" same_text "$(win zavdb.exe export Kauppa TRYHMA)" \
+        "$(win zavdb.exe export Toinen TRYHMA)"
+    check "statements through odbc32.dll" same_text \
+        "$(win zavdb.exe sql Kauppa 'select NUMERO, HINTA from TUOTE where LVV = 5')" \
+        "$(win zavdb.exe sql Toinen 'select NUMERO, HINTA from TUOTE where LVV = 5')"
+else
+    echo "LEFT OUT: the shops' engine (libsqlite3odbc.so or $linux/zavsql.so is missing)"
+fi
+
+# --- the installer
+installer=$(find "$release" -maxdepth 1 -name 'taksavaihe-*.exe' -print -quit)
+if [ -n "$installer" ]; then
+    target=$drive/Asennus/Taksavaihe
+    setup() { timeout 180 wine "$installer" /S '/D=C:\Asennus\Taksavaihe' >/dev/null 2>&1; }
+    check "the installer installs" setup
+    check "  the release folder's files and an uninstaller" same_text "$(cd "$target" && find . -type f | LC_ALL=C sort)" \
+        "$( (cd "$release/Taksavaihe" && find . -type f && echo ./poista.exe) | LC_ALL=C sort)"
+    check "  a start menu entry" test -n "$(find "$drive/ProgramData" "$drive/users" -name 'Taksavaihe.lnk' -print -quit)"
+    batch_list Alv255 "" >"$target/ALVMUUTOS.INI"
+    touch "$target/vanha.dll"
+    check "an upgrade" setup
+    check "  keeps ALVMUUTOS.INI" same_text "$(cat "$target/ALVMUUTOS.INI")" "$(batch_list Alv255 "")"
+    timeout 120 wine "$target/poista.exe" /S '_?=C:\Asennus\Taksavaihe' >/dev/null 2>&1 || true
+    check "the uninstaller leaves what users saved and nothing else" same_text \
+        "$(cd "$target" && find . -type f | LC_ALL=C sort | tr '\n' ' ')" "./ALVMUUTOS.INI ./vanha.dll "
+    check "  and the companies" win zavdb.exe tables "$company" >/dev/null
+fi
+
 # --- windows
 window_of() { # TITLE: the window's number once it is there
     local found
@@ -262,7 +302,7 @@ if [ -n "$window" ] && [ -n "$pictures" ]; then
     xdotool windowactivate "$window"
     sleep 1
     xdotool key --window "$window" space
-    form=$(window_of "${FORM_TITLE:-Alv-muutos}" || true)
+    form=$(window_of "^ALV muutos" || true)
     sleep 4
     [ -z "$form" ] || import -window "$form" "$pictures/windows_vat_change_form.png"
 fi
