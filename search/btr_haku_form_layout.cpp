@@ -47,12 +47,20 @@ std::optional<int> numberOf(const company::IniFile& file, const QString& section
 }
 
 // The style's own icons are dark lines that a dark window would swallow.
-QIcon inColour(const QIcon& icon, const QColor& colour, double pixelRatio) {
-    QPixmap shape = icon.pixmap(QSize(kIconSize, kIconSize), pixelRatio);
-    QPainter painter(&shape);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(QRect(QPoint(0, 0), shape.deviceIndependentSize().toSize()), colour);
-    return shape;
+QIcon inTextColours(const QIcon& icon, const QWidget& widget) {
+    QIcon coloured;
+    const auto add = [&](QIcon::Mode mode, QPalette::ColorGroup group) {
+        QPixmap shape = icon.pixmap(QSize(kIconSize, kIconSize), widget.devicePixelRatioF());
+        QPainter painter(&shape);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        painter.fillRect(QRect(QPoint(0, 0), shape.deviceIndependentSize().toSize()),
+                         widget.palette().color(group, QPalette::ButtonText));
+        painter.end();
+        coloured.addPixmap(shape, mode);
+    };
+    add(QIcon::Normal, QPalette::Active);
+    add(QIcon::Disabled, QPalette::Disabled);
+    return coloured;
 }
 
 QString formsIni() {
@@ -161,10 +169,8 @@ void TBtrHakuForm::buildNavigator() {
     DBNavigator1->setIconSize({kIconSize, kIconSize});
     const auto add = [this](QStyle::StandardPixmap icon, const QString& name, const QString& tip,
                             auto&& work) {
-        QAction* action = DBNavigator1->addAction(
-            inColour(style()->standardIcon(icon), palette().color(QPalette::ButtonText),
-                     devicePixelRatioF()),
-            tip);
+        QAction* action =
+            DBNavigator1->addAction(inTextColours(style()->standardIcon(icon), *this), tip);
         action->setObjectName(name);
         connect(action, &QAction::triggered, this, work);
         return action;

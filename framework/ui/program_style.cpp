@@ -14,7 +14,8 @@ constexpr int kTitleLeft = 11;
 constexpr int kTitleTop = 7;
 constexpr int kTitleGap = 2;  // between the title and the contents
 constexpr double kCorner = 4.0;
-constexpr int kItemAir = 4;  // of a row in a list, above and below together
+constexpr int kDarkGround = 100;  // lightness, of 255
+constexpr int kItemAir = 4;       // of a row in a list, above and below together
 
 QColor between(const QColor& from, const QColor& to, double share) {
     const auto mix = [share](int a, int b) { return static_cast<int>(a + (b - a) * share); };
@@ -68,6 +69,29 @@ void ProgramStyle::polish(QPalette& palette) {
     QProxyStyle::polish(palette);
     palette.setColor(QPalette::Disabled, QPalette::PlaceholderText,
                      palette.color(QPalette::Disabled, QPalette::Text));
+}
+
+// The base style outlines check boxes and radio buttons in a darker shade of the ground, which is
+// nothing to see on a dark one.
+void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+                                 QPainter* painter, const QWidget* widget) const {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const bool check = element == PE_IndicatorCheckBox;
+    const QColor ground = option->palette.color(QPalette::Window);
+    if ((!check && element != PE_IndicatorRadioButton) || ground.lightness() > kDarkGround)
+        return;
+    const double share = (option->state & State_Enabled) != State_None ? 0.5 : 0.25;
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setBrush(Qt::NoBrush);
+    painter->setPen(
+        between(ground, option->palette.color(QPalette::Active, QPalette::WindowText), share));
+    const QRectF outline = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    if (check)
+        painter->drawRect(outline);
+    else
+        painter->drawEllipse(outline);
+    painter->restore();
 }
 
 void ProgramStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,

@@ -13,8 +13,9 @@ namespace {
 
 constexpr int kFrameHeight = 40;  // title bar and borders of the desktop, about
 // Beyond this the form no longer grows with its window: rows too far apart are hard to follow.
-constexpr QSize kLargestContent(1560, 860);
+constexpr QSize kLargestContent(1560, 800);
 constexpr int kProgressWidth = 260;
+constexpr int kMostStretch = 1000;
 
 }  // namespace
 
@@ -59,8 +60,8 @@ QLayout* TAlvMuutosLomake::buildGroups() {
     groups->addWidget(buildPurchaseOrders(m_controls, m_content), 2, kRight);
     groups->addWidget(buildLogging(m_controls, m_content), 3, kMiddle, 1, 2);
 
-    // As many rows of controls as each row of groups has.
-    const int stretches[] = {5, 5, 3, 1};
+    // As high as they are, so that all grow alike.
+    const int stretches[] = {15, 20, 12, 5};
     for (int row = 0; row < 4; ++row)
         groups->setRowStretch(row, stretches[row]);
     groups->setColumnStretch(kMiddle, 1);
@@ -107,7 +108,7 @@ void TAlvMuutosLomake::buildLayout() {
     area->setFrameShape(QFrame::NoFrame);
     area->setFocusPolicy(Qt::NoFocus);  // no stop of the tab key
     area->setWidgetResizable(true);
-    area->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    area->setAlignment(Qt::AlignCenter);
     m_content = new QWidget(area);
     m_content->setMaximumSize(kLargestContent);
     auto* body = new QVBoxLayout(m_content);
@@ -121,7 +122,14 @@ void TAlvMuutosLomake::buildLayout() {
     window->setContentsMargins(0, 0, 0, 0);
     window->setSpacing(kGutter);
     window->addWidget(area, 1);
-    window->addLayout(buildFoot());
+    auto* foot = new QWidget(this);
+    foot->setLayout(buildFoot());
+    foot->setMaximumWidth(kLargestContent.width());
+    auto* footLine = new QHBoxLayout;  // under the content, also where that is in the middle
+    footLine->addStretch(1);
+    footLine->addWidget(foot, kMostStretch);
+    footLine->addStretch(1);
+    window->addLayout(footLine);
 
     for (QPushButton* button : findChildren<QPushButton*>())
         button->setAutoDefault(true);  // Enter presses the button that has the focus

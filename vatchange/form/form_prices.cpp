@@ -1,5 +1,4 @@
 #include <QHBoxLayout>
-#include <QVBoxLayout>
 
 #include "vatchange/form/form_controls.h"
 
@@ -9,7 +8,6 @@ namespace {
 
 constexpr int kTitleCharacters = 17;  // of a price level's name; a longer one is shortened
 constexpr int kLimitDecimals = 2;
-constexpr int kFootRows = 3;
 
 // Widths that all rows of the table share; the nine levels are widgets of their own.
 struct Columns {
@@ -30,11 +28,12 @@ QLabel* cell(const QString& text, int width, QWidget* parent) {
     return label;
 }
 
-QHBoxLayout* tableRow() {
-    auto* row = new QHBoxLayout;
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(kColumnGap);
-    return row;
+// A row of the table as a widget: rows that are widgets share what room a larger window gives.
+QHBoxLayout* tableRow(QWidget* row) {
+    auto* cells = new QHBoxLayout(row);
+    cells->setContentsMargins(0, 0, 0, 0);
+    cells->setSpacing(kColumnGap);
+    return cells;
 }
 
 PriceLevelBox* levelRow(FormControls& controls, int level, const Columns& columns,
@@ -66,71 +65,61 @@ PriceLevelBox* levelRow(FormControls& controls, int level, const Columns& column
     return box;
 }
 
-void purchaseRow(QVBoxLayout* column, FormControls& controls, int tag, const QString& caption,
-                 const QString& stem, const Columns& columns, QWidget* parent) {
-    QHBoxLayout* row = tableRow();
-    QLabel* label = cell(caption, columns.name, parent);
+QWidget* purchaseRow(FormControls& controls, int tag, const QString& caption, const QString& stem,
+                     const Columns& columns, QWidget* parent) {
+    auto* row = new QWidget(parent);
+    QHBoxLayout* cells = tableRow(row);
+    QLabel* label = cell(caption, columns.name, row);
     framework::DecimalEdit* edit =
-        coefficientEdit(controls, tag, stem + QStringLiteral("Edit"), caption, parent);
+        coefficientEdit(controls, tag, stem + QStringLiteral("Edit"), caption, row);
     label->setBuddy(edit);
-    row->addWidget(label);
-    row->addWidget(edit);
-    row->addSpacing(columns.source + kColumnGap);
+    cells->addWidget(label);
+    cells->addWidget(edit);
+    cells->addSpacing(columns.source + kColumnGap);
     framework::CheckBox* keep =
         keepVat0Box(controls, tag, QStringLiteral("SailytaAlv0_CheckBox") + stem,
-                    QStringLiteral("Säilytä alv0 hinta"), {}, parent);
+                    QStringLiteral("Säilytä alv0 hinta"), {}, row);
     keep->setAccessibleName(caption + QStringLiteral(", säilytä alv0 hinta"));
-    row->addWidget(keep);
-    row->addStretch();
-    column->addLayout(row, 1);
+    cells->addWidget(keep);
+    cells->addStretch();
+    return row;
 }
 
-framework::DecimalEdit* limitEdit(int width, QWidget* parent) {
-    auto* edit = new framework::DecimalEdit(kLimitDecimals, 0.0, parent);
+QWidget* limitRow(FormControls& controls, const Columns& columns, QWidget* parent) {
+    auto* row = new QWidget(parent);
+    QHBoxLayout* cells = tableRow(row);
+    QLabel* label = cell(QStringLiteral("Hinnanmuutosraja"), columns.name, row);
+    auto* edit = new framework::DecimalEdit(kLimitDecimals, 0.0, row);
     edit->setObjectName(QStringLiteral("PriceChangeLimitEdit"));
-    edit->setAccessibleName(QStringLiteral("Hinnanmuutosraja"));
+    edit->setAccessibleName(label->text());
     edit->setToolTip(
         QStringLiteral("Muuttaa tuotteen verolliset hinnat vain hintatasoilta, joiden hinta on "
                        "vähintään hinnanmuutosraja."));
-    edit->setFixedWidth(width);
-    return edit;
+    edit->setFixedWidth(controls.coefficient(1)->maximumWidth());
+    label->setBuddy(edit);
+    controls.priceChangeLimit = edit;
+    cells->addWidget(label);
+    cells->addWidget(edit);
+    cells->addStretch();
+    return row;
 }
 
-// Below the table: the limit and two choices, and beside them what the shortcut keys do.
-QLayout* priceFoot(FormControls& controls, const Columns& columns, QWidget* parent) {
-    QLabel* label = cell(QStringLiteral("Hinnanmuutosraja"), columns.name, parent);
-    controls.priceChangeLimit = limitEdit(controls.coefficient(1)->maximumWidth(), parent);
-    label->setBuddy(controls.priceChangeLimit);
-    controls.keepPricelistVat0 = namedCheckBox(
-        QStringLiteral("DoNotUpdateCustomerPricelistVAT0"),
-        QStringLiteral("Älä päivitä asiakashinnaston alv0 hintaa"),
-        QStringLiteral("Asiakashinnaston alv0 hintaa ei päivitetä vaikka verollinen hinta "
-                       "muuttuisi."),
-        parent);
-    controls.shelfLabels =
-        namedCheckBox(QStringLiteral("VieHr"), QStringLiteral("Vie hyllynreunaetiketteihin"),
-                      QStringLiteral("Muutettu tuote kirjoitetaan HR etiketteihin."), parent);
-    controls.shelfLabels->setChecked(true);
-    auto* keys = new QLabel(QStringLiteral("Pikanäppäimet:\n"
-                                           "Alt - 1 asettaa kertoimeksi 1.255/1.24,\n"
-                                           "Alt - 2 asettaa kertoimeksi 1.255/1.14"),
-                            parent);
-    keys->setObjectName(QStringLiteral("PikanappaimetLabel"));
+framework::CheckBox* footChoice(const QString& objectName, const QString& caption,
+                                const QString& hint, QWidget* parent) {
+    framework::CheckBox* box = namedCheckBox(objectName, caption, hint, parent);
+    box->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
+    return box;
+}
 
-    QHBoxLayout* limit = tableRow();
-    limit->addWidget(label);
-    limit->addWidget(controls.priceChangeLimit);
-    limit->addStretch();
-    auto* rows = new QVBoxLayout;
-    rows->setSpacing(kRowGap);
-    rows->addLayout(limit, 1);
-    rows->addWidget(controls.keepPricelistVat0, 1);
-    rows->addWidget(controls.shelfLabels, 1);
-    auto* foot = new QHBoxLayout;
-    foot->setSpacing(2 * kColumnGap);
-    foot->addLayout(rows);
-    foot->addWidget(keys, 1, Qt::AlignLeft | Qt::AlignVCenter);
-    return foot;
+QWidget* headingRow(const Columns& columns, int coefficientWidth, QWidget* parent) {
+    auto* row = new QWidget(parent);
+    QHBoxLayout* cells = tableRow(row);
+    cells->addWidget(cell(QStringLiteral("Hintataso"), columns.name, row));
+    cells->addWidget(cell(QStringLiteral("Kerroin"), coefficientWidth, row));
+    cells->addWidget(cell(QStringLiteral("Hinnan lähde"), columns.source, row));
+    cells->addWidget(cell(QStringLiteral("Säilytä alv0 hinta"), columns.keep, row));
+    cells->addStretch();
+    return row;
 }
 
 }  // namespace
@@ -140,27 +129,43 @@ QGroupBox* buildPrices(FormControls& controls, QWidget* parent) {
         QStringLiteral("Hintojen muutoskertoimet. Hinnan lähde määrää muutetaanko hintaa vai ei "),
         parent);
     const Columns columns(box);
-    auto* column = new QVBoxLayout(box);
-    column->setContentsMargins(kGroupMargin, kRowGap, kGroupMargin, kGutter);
-    column->setSpacing(kRowGap);
-
-    QHBoxLayout* headings = tableRow();
-    headings->addWidget(cell(QStringLiteral("Hintataso"), columns.name, box));
-    auto* coefficientHeading = new QLabel(QStringLiteral("Kerroin"), box);
-    headings->addWidget(coefficientHeading);
-    headings->addWidget(cell(QStringLiteral("Hinnan lähde"), columns.source, box));
-    headings->addWidget(cell(QStringLiteral("Säilytä alv0 hinta"), columns.keep, box));
-    headings->addStretch();
-    column->addLayout(headings);
-
+    QGridLayout* grid = groupGrid(box);
+    grid->setHorizontalSpacing(2 * kColumnGap);
+    int row = 1;
+    const auto addWholeRow = [&](QWidget* widget) { grid->addWidget(widget, row++, 0, 1, 2); };
     for (int level = 1; level <= kPriceLevels; ++level)
-        column->addWidget(levelRow(controls, level, columns, box), 1);
-    coefficientHeading->setFixedWidth(controls.coefficient(1)->maximumWidth());
-    purchaseRow(column, controls, kPurchaseTag, QStringLiteral("Ostohinta"),
-                QStringLiteral("Ostohinta"), columns, box);
-    purchaseRow(column, controls, kLastPurchaseTag, QStringLiteral("Viim. ostohinta"),
-                QStringLiteral("ViimOstohinta"), columns, box);
-    column->addLayout(priceFoot(controls, columns, box), kFootRows);
+        addWholeRow(levelRow(controls, level, columns, box));
+    grid->addWidget(headingRow(columns, controls.coefficient(1)->maximumWidth(), box), 0, 0, 1, 2);
+    addWholeRow(purchaseRow(controls, kPurchaseTag, QStringLiteral("Ostohinta"),
+                            QStringLiteral("Ostohinta"), columns, box));
+    addWholeRow(purchaseRow(controls, kLastPurchaseTag, QStringLiteral("Viim. ostohinta"),
+                            QStringLiteral("ViimOstohinta"), columns, box));
+
+    // Below the table: the limit and two choices, and beside them what the shortcut keys do.
+    const int foot = row;
+    grid->addWidget(limitRow(controls, columns, box), row++, 0);
+    controls.keepPricelistVat0 = footChoice(
+        QStringLiteral("DoNotUpdateCustomerPricelistVAT0"),
+        QStringLiteral("Älä päivitä asiakashinnaston alv0 hintaa"),
+        QStringLiteral("Asiakashinnaston alv0 hintaa ei päivitetä vaikka verollinen hinta "
+                       "muuttuisi."),
+        box);
+    grid->addWidget(controls.keepPricelistVat0, row++, 0);
+    controls.shelfLabels =
+        footChoice(QStringLiteral("VieHr"), QStringLiteral("Vie hyllynreunaetiketteihin"),
+                   QStringLiteral("Muutettu tuote kirjoitetaan HR etiketteihin."), box);
+    controls.shelfLabels->setChecked(true);
+    grid->addWidget(controls.shelfLabels, row++, 0);
+    auto* keys = new QLabel(QStringLiteral("Pikanäppäimet:\n"
+                                           "Alt - 1 asettaa kertoimeksi 1.255/1.24,\n"
+                                           "Alt - 2 asettaa kertoimeksi 1.255/1.14"),
+                            box);
+    keys->setObjectName(QStringLiteral("PikanappaimetLabel"));
+    grid->addWidget(keys, foot, 1, row - foot, 1, Qt::AlignLeft | Qt::AlignVCenter);
+
+    for (int r = 1; r < row; ++r)
+        grid->setRowStretch(r, 1);
+    grid->setColumnStretch(1, 1);
     return box;
 }
 

@@ -35,7 +35,9 @@ QLabel* heading(const QString& text, int width, QWidget* parent) {
     return label;
 }
 
+// A row that grows with its window, its controls in the middle.
 QHBoxLayout* flatRow(QWidget* box) {
+    box->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     auto* row = new QHBoxLayout(box);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(kColumnGap);
