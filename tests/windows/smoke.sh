@@ -141,7 +141,7 @@ export_tables() { # win|lin zavdb[.exe] COMPANY FOLDER
     mkdir -p "$4"
     for table in $(lin zavdb tables "$3" | cut -d' ' -f1); do
         "$1" "$2" export "$3" "$table" >"$4/$table" || return 1
-        sed -i -E 's/\b'"$(date +%Y-%m-%d)"' [0-9]{2}:[0-9]{2}:[0-9]{2}\b/RUN/' "$4/$table"
+        sed -i -E 's/\b'"$(date +%Y-%m-%d)"'[ ,][0-9]{2}:[0-9]{2}:[0-9]{2}\b/RUN/' "$4/$table"
     done
 }
 same_tables() { # COMPANY WHEN
@@ -301,7 +301,7 @@ if [ -n "$window" ] && [ -n "$pictures" ]; then
     import -window "$window" "$pictures/windows_main_window.png"
     xdotool windowactivate "$window"
     sleep 1
-    xdotool key --window "$window" space
+    xdotool key space  # the first button has the focus
     form=$(window_of "^ALV muutos" || true)
     sleep 4
     [ -z "$form" ] || import -window "$form" "$pictures/windows_vat_change_form.png"
