@@ -57,7 +57,6 @@ enum Status : int {
     kOk = 0,
     kInvalidOperation = 1,
     kKeyNotFound = 4,
-    kDuplicateKeyValue = 5,
     kInvalidFileName = 11,
     kEndOfFile = 9,
     kFileNotFound = 12,

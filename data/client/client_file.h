@@ -60,7 +60,6 @@ class ClientFile : public RecordFile {
     // Reading along a key: the cursor is put on a record, then read on from there.
     int move(int operation, int key, const QByteArray& keyBytes = {});
     bool found(int status) const;
-    int lastBefore(int key, int operation, const QByteArray& keyBytes);
     bool standOn(int key, const StoredRecord& record);
     enum class Stand {
         On,

@@ -66,12 +66,8 @@ std::vector<StoredRecord> ClientFile::fromEnd(int key, Direction direction, int 
     return readOn(key, direction, max, Stand::Before, std::nullopt);
 }
 
-// The record before the first one that `operation` finds: the last one when it finds none. Among
-// records of one value this is sure to be the last.
-int ClientFile::lastBefore(int key, int operation, const QByteArray& keyBytes) {
-    return move(found(move(operation, key, keyBytes)) ? kGetPrevious : kGetLast, key);
-}
-
+// Among records of one value the engine finds the first by "greater", the last by "less". In a
+// descending key both follow the key, not the values.
 std::vector<StoredRecord> ClientFile::seek(int key, SeekOp op, const KeyValues& values, int max) {
     checkKey(key);
     const KeyOrder& order = orderOf(key);
@@ -97,11 +93,11 @@ std::vector<StoredRecord> ClientFile::seek(int key, SeekOp op, const KeyValues& 
             status = move(kGetGreater, key, high());
             break;
         case SeekOp::LessOrEqual:
-            status = lastBefore(key, kGetGreater, high());
+            status = move(kGetLessOrEqual, key, high());
             direction = Direction::Backward;
             break;
         case SeekOp::Less:
-            status = lastBefore(key, kGetGreaterOrEqual, low());
+            status = move(kGetLess, key, low());
             direction = Direction::Backward;
             break;
     }
@@ -136,9 +132,7 @@ ClientFile::Stand ClientFile::standBeside(int key, const StoredRecord& from, Dir
             return *stand;
     }
     const bool forward = direction == Direction::Forward;
-    const QByteArray keyBytes = order.keyOf(from.bytes);
-    int status =
-        forward ? move(kGetGreaterOrEqual, key, keyBytes) : lastBefore(key, kGetGreater, keyBytes);
+    int status = move(forward ? kGetGreaterOrEqual : kGetLessOrEqual, key, order.keyOf(from.bytes));
     while (found(status)) {
         if (order.compare(m_current, from.bytes, order.segmentCount()) != 0)
             return Stand::Before;
