@@ -12,7 +12,6 @@ namespace shell {
 QLayout* TMainForm::buildFoot() {
     auto* version = new QLabel(QStringLiteral("Versio %1").arg(buildStamp()), this);
     version->setObjectName(QStringLiteral("lblVersion"));
-    version->setForegroundRole(QPalette::PlaceholderText);
     auto* help = new QPushButton(QStringLiteral("&Ohje"), this);
     help->setObjectName(QStringLiteral("Ohje"));
     help->setToolTip(QStringLiteral("Avaa käyttöohjeen (F1)"));

@@ -24,9 +24,9 @@ constexpr qreal kSmallPoints = 8;
 const QColor kQuiet(0x55, 0x55, 0x55);
 
 const QString kStyle = QStringLiteral(
-    "h1 { font-size: 17pt; margin-top: 0; margin-bottom: 4pt; }"
-    "h2 { font-size: 12pt; margin-top: 14pt; margin-bottom: 4pt; color: #1f4e79; }"
-    "p { margin-top: 0; margin-bottom: 4pt; }"
+    "h1 { font-size: 17pt; margin-top: 0; margin-bottom: 4px; }"
+    "h2 { font-size: 12pt; margin-top: 16px; margin-bottom: 5px; color: #1f4e79; }"
+    "p { margin-top: 0; margin-bottom: 4px; }"
     "th { background-color: #e8eef5; text-align: left; }"
     "th, td { border-bottom: 1px solid #c4c4c4; padding: 2px 4px; }");
 
