@@ -2,7 +2,7 @@
 # The Debian packages that the scripts need; sourced by them.
 
 packages_build="g++ cmake ninja-build ccache qt6-base-dev libsqlite3-dev unixodbc-dev
-    fonts-dejavu-core"
+    fonts-dejavu-core qt6-translations-l10n"
 packages_test="libgtest-dev libgmock-dev git python3 xvfb"
 # the SQL engines that the tests run against, and their ODBC drivers
 packages_servers="virtuoso-opensource-7-bin libvirtodbc0 mariadb-server-core mariadb-client-core
