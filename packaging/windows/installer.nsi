@@ -2,7 +2,7 @@
 ; makensis -DVERSION=1.2.3 -DFOLDER=release-folder -DLIST=files.nsh -DOUTFILE=setup.exe installer.nsi
 ; LIST has the instructions that delete the release folder's files again, one a file.
 
-Unicode true
+Target amd64-unicode
 SetCompressor /SOLID lzma
 ManifestDPIAware true
 RequestExecutionLevel admin
