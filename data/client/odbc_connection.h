@@ -26,8 +26,8 @@ struct OdbcSettings {
 class OdbcLink;
 
 /// One connection to a SQL database over the ODBC driver manager. A connection that is lost is told
-/// by the statement that met it (DataError NoConnection); the next statement connects anew. No
-/// statement is ever sent twice. For one thread.
+/// by the statement that met it (DataError NoConnection); the next statement connects anew. A
+/// statement is sent again only when a lock refused it and it has changed nothing. For one thread.
 class OdbcConnection {
   public:
     /// @throws DataError(NoConnection) with the driver manager's or the driver's text.
@@ -47,7 +47,8 @@ class OdbcConnection {
     /// What is peculiar to the engine that the data source names.
     const Dialect& dialect() const;
 
-    /// How long a statement waits for a lock where the server can be told; default 2000 ms.
+    /// How long a statement waits for a lock; default 2000 ms. A server that waits by itself and
+    /// cannot be told how long waits to the statement's limit.
     void setLockWait(std::chrono::milliseconds wait);
 
     /// Called before each statement that returns no rows when the dialect says that record locks of

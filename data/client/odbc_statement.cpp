@@ -1,8 +1,16 @@
 #include "data/client/odbc_statement.h"
 
+#include <thread>
 #include <utility>
 
 namespace data::client {
+
+namespace {
+
+// Between two tries to write a record that somebody else holds.
+constexpr std::chrono::milliseconds kLockPause{20};
+
+}  // namespace
 
 OdbcStatement::OdbcStatement(std::shared_ptr<OdbcLink> link, const QString& sql)
     : m_link(std::move(link)), m_sql(sql), m_prepared(m_link->prepare(sql)) {
@@ -49,13 +57,31 @@ const std::vector<SqlColumn>& OdbcStatement::columns() const {
 }
 
 qint64 OdbcStatement::run(bool fetches) {
+    const bool writes = !m_prepared->rewritten().returnsRows;
+    if (!writes || !m_link->dialect().recordLocksStopSql)
+        return runOnce(fetches);
+    if (m_link->beforeWrite)
+        m_link->beforeWrite();
+    // Such an engine tells of a record that somebody else holds at once; the statement has changed
+    // nothing then.
+    const auto end = std::chrono::steady_clock::now() + m_link->lockWait();
+    for (;;) {
+        try {
+            return runOnce(fetches);
+        } catch (const DataError& error) {
+            if (error.kind() != ErrorKind::Locked || m_link->isInTransaction() ||
+                std::chrono::steady_clock::now() >= end)
+                throw;
+        }
+        std::this_thread::sleep_for(kLockPause);
+    }
+}
+
+qint64 OdbcStatement::runOnce(bool fetches) {
     if (m_prepared->handles().isLost) {
         m_prepared.reset();
         m_prepared = m_link->prepare(m_sql);
     }
-    if (!m_prepared->rewritten().returnsRows && m_link->beforeWrite &&
-        m_link->dialect().recordLocksStopSql)
-        m_link->beforeWrite();
     // The job may outlive this statement when the driver never comes back.
     struct Outcome {
         std::vector<Value> values;

@@ -27,7 +27,9 @@ class OdbcLink {
     void guarded(const PreparedOdbc& statement, std::function<void()> job);
 
     void inTransaction(const std::function<void()>& body);
+    bool isInTransaction() const { return m_inTransaction; }
     const Dialect& dialect() const { return *m_dialect; }
+    std::chrono::milliseconds lockWait() const { return m_lockWait; }
     void setLockWait(std::chrono::milliseconds wait);
     /// Ends the session; statements that are still in use fail from now on.
     void close();
@@ -69,6 +71,7 @@ class OdbcStatement : public SqlStatement {
 
   private:
     qint64 run(bool fetches);
+    qint64 runOnce(bool fetches);
 
     std::shared_ptr<OdbcLink> m_link;
     QString m_sql;

@@ -265,6 +265,43 @@ TEST_P(SqlBehaviour, WhatAnotherConnectionHoldsIsALockErrorAfterTheWait) {
     EXPECT_EQ(rows(db(), "select Prosentti from ALVKANTA"), Rows{"27"});
 }
 
+// A program that edits a record holds the statements of others that come by the loadable module.
+TEST(LoadableModule, KeepsTheRecordLocksOfTheEngine) {
+    if (!test::SqlEngine::isAvailable(QStringLiteral("sqlite")))
+        GTEST_SKIP() << "the ODBC drivers are not set up";
+    const test::SqlEngine engine(QStringLiteral("sqlite"), {});
+    data::Database& sql = engine.database();
+    for (const int i : {1, 2})
+        exec(sql,
+             QStringLiteral("insert into ALVKANTA (luokka, Prosentti) values (%1, 24)").arg(i));
+    EXPECT_THROW(exec(sql, "insert into ALVKANTA (luokka, Prosentti) values (1, 10)"), DataError);
+    const auto program = data::openEmbedded(QStringLiteral("KOE"), engine.folder());
+    const auto records = program->openTable(QStringLiteral("ALVKANTA"));
+    const auto found = records->seek(0, data::SeekOp::Equal, {1}, 1);
+    ASSERT_EQ(found.size(), 1U);
+    ASSERT_TRUE(records->lock(found[0].id, std::chrono::milliseconds(0)));
+    EXPECT_EQ(exec(sql, "update ALVKANTA set Prosentti=14 where luokka=2"), 1);
+    sql.setLockWait(std::chrono::milliseconds(300));
+    QElapsedTimer timer;
+    timer.start();
+    try {
+        exec(sql, "update ALVKANTA set Prosentti=14");
+        ADD_FAILURE() << "no lock";
+    } catch (const DataError& error) {
+        EXPECT_EQ(error.kind(), ErrorKind::Locked) << error.what();
+    }
+    EXPECT_GE(timer.elapsed(), 300);
+    EXPECT_LT(timer.elapsed(), 2000);
+    // the refused statement holds nothing, and the engine's own program goes on
+    records->update(found[0].id, found[0].bytes);
+    const auto second = records->seek(0, data::SeekOp::Equal, {2}, 1);
+    EXPECT_TRUE(records->lock(second.at(0).id, std::chrono::milliseconds(0)));
+    records->unlock(second.at(0).id);
+    records->unlock(found[0].id);
+    EXPECT_EQ(exec(sql, "update ALVKANTA set Prosentti=14"), 2);
+    EXPECT_EQ(rows(*program, "select Prosentti from ALVKANTA"), (Rows{"14", "14"}));
+}
+
 INSTANTIATE_TEST_SUITE_P(Engines, SqlBehaviour,
                          ::testing::Values("embedded", "sqlite", "virtuoso", "mariadb"),
                          [](const auto& engine) { return std::string(engine.param); });

@@ -55,6 +55,7 @@ class SqlEngine {
         std::chrono::milliseconds statementLimit = std::chrono::seconds(60)) const;
     data::Database& database() const { return *m_database; }
     const QString& name() const { return m_name; }
+    QString folder() const { return m_folder.path(); }  ///< of the embedded engine's file
     data::client::OdbcSettings settings() const;
 
   private:

@@ -1,0 +1,83 @@
+// What the dialects make of statements, as far as a running server would not tell.
+
+#include <gtest/gtest.h>
+
+#include <sql.h>
+
+#include "data/client/dialect.h"
+#include "data/client/prepared_odbc.h"
+
+namespace {
+
+using data::client::ColumnKind;
+using data::client::Dialect;
+using data::client::dialectFor;
+
+std::string rewritten(const char* database, const char* sql) {
+    const auto isDate = [](const QString& name) {
+        return name.compare(QLatin1String("loppu"), Qt::CaseInsensitive) == 0;
+    };
+    return dialectFor(QLatin1String(database))
+        .rewritten(QString::fromUtf8(sql), isDate)
+        .text.toStdString();
+}
+
+TEST(Dialects, ShopsEngineGetsItsStatementsAsTheyStand) {
+    const char* text = "select top 0 round(a,2), x$f from t where loppu='' and b='a;''?:b' -- :c\n";
+    EXPECT_EQ(rewritten("some other engine", text),
+              std::string(text).substr(0, std::string(text).find(" --")));
+    const auto sql =
+        dialectFor("Something else").rewritten("update t set a=:x, b=:X where c=:y;", {});
+    EXPECT_EQ(sql.text, "update t set a=?, b=? where c=?");
+    EXPECT_EQ(sql.parameters, (QStringList{"x", "X", "y"}));
+    EXPECT_FALSE(sql.returnsRows);
+}
+
+TEST(Dialects, CallsAreSpeltOutAtAnyDepthAndMalformedOnesLeftAlone) {
+    // round in floor, a parameter inside, an argument with a comma of its own
+    EXPECT_EQ(rewritten("MariaDB", "select floor(round(f(a,b),1))"),
+              "select (FLOOR((CASE WHEN (f(a,b))<0 THEN -1e0 ELSE 1e0 END*"
+              "(FLOOR(ABS(f(a,b))*10e0+0.5e0)+0e0)/10e0))+0e0)");
+    const auto twice = dialectFor("MariaDB").rewritten("select round(:a)", {});
+    EXPECT_EQ(twice.parameters, (QStringList{"a", "a"}));
+    EXPECT_EQ(rewritten("MariaDB", "select round(a, b)"), "select round(a, b)");
+    EXPECT_EQ(rewritten("MariaDB", "select round((a)"), "select round((a)");
+    EXPECT_EQ(rewritten("MariaDB", "select round , 1.5, 'round(1.5)', 12"),
+              "select round , 1.5e0, 'round(1.5)', 12");
+}
+
+TEST(Dialects, EmptyDates) {
+    const struct {
+        const char* sql;
+        const char* made;
+    } cases[] = {
+        {"select a from t where t.loppu='' or Loppu >= '20240901'",
+         "select a from t where t.loppu IS NULL or Loppu >= {d '2024-09-01'}"},
+        {"delete from t where loppu < '2024-09-01'",
+         "delete from t where (loppu < {d '2024-09-01'} OR loppu IS NULL)"},
+        {"update t set loppu='', a='20240901' where loppu > ''",
+         "update t set loppu = NULL, a='20240901' where loppu IS NOT NULL"},
+        {"update t set loppu = '20241301'", "update t set loppu = '20241301'"},  // no date: stays
+    };
+    for (const auto& one : cases)
+        EXPECT_EQ(rewritten("OpenLink Virtuoso VDBMS", one.sql), one.made);
+}
+
+TEST(Dialects, TypesAndErrors) {
+    EXPECT_EQ(data::client::columnKind(2008, 0), ColumnKind::Whole16);
+    EXPECT_EQ(data::client::columnKind(SQL_DECIMAL, 0), ColumnKind::Whole);
+    EXPECT_EQ(data::client::columnKind(SQL_DECIMAL, 2), ColumnKind::Real);
+    const Dialect& shops = dialectFor("some other engine");
+    using data::ErrorKind;
+    EXPECT_EQ(odbcErrorKind(shops, "HY000", 84, {}), ErrorKind::Locked);
+    EXPECT_EQ(odbcErrorKind(shops, "S1000", -3110, {}), ErrorKind::NoConnection);
+    EXPECT_EQ(odbcErrorKind(shops, "08S01", 0, {}), ErrorKind::NoConnection);
+    EXPECT_EQ(odbcErrorKind(shops, "HYT00", 0, {}), ErrorKind::Locked);
+    EXPECT_EQ(odbcErrorKind(shops, "S0002", 0, {}), ErrorKind::NoSuchTable);
+    EXPECT_EQ(odbcErrorKind(dialectFor("MariaDB"), "HY000", 1205, {}), ErrorKind::Locked);
+    // the shops' engine takes Windows-1252 alone
+    EXPECT_EQ(data::client::toDriver(QString::fromUtf8("ä€"), shops), QByteArray("\xE4\x80"));
+    EXPECT_THROW(data::client::toDriver(QString::fromUtf8("ł"), shops), data::DataError);
+}
+
+}  // namespace
