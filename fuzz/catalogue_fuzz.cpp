@@ -24,6 +24,12 @@ using Rows = std::map<QString, std::vector<QByteArray>>;
 // The beginnings of rows are given: their numbers, names and flags; the rest is zeros.
 Rows takeRows(const uint8_t* data, size_t size) {
     static const QString kTables[] = {data::kFileTable, data::kFieldTable, data::kIndexTable};
+    static const std::map<QString, int> kLengths = [] {
+        std::map<QString, int> lengths;
+        for (const QString& table : kTables)
+            lengths[table] = data::compiledLayout(table).recordLength();
+        return lengths;
+    }();
     Rows rows;
     size_t at = 0;
     while (at < size) {
@@ -31,7 +37,7 @@ Rows takeRows(const uint8_t* data, size_t size) {
         const size_t length = std::min<size_t>(data[at] & 0x3F, size - at - 1);
         QByteArray row(reinterpret_cast<const char*>(data + at + 1),
                        static_cast<qsizetype>(length));
-        row.resize(data::compiledLayout(table).recordLength(), '\0');
+        row.resize(kLengths.at(table), '\0');
         rows[table].push_back(row);
         at += 1 + length;
     }
