@@ -55,6 +55,8 @@ void keepHeadingsWithText(QTextDocument& document) {
         QTextBlockFormat format = block.blockFormat();
         format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
         cursor.setBlockFormat(format);
+        // all of it anew: a layout of the change alone leaves out lines further down
+        document.markContentsDirty(0, document.characterCount());
     }
 }
 

@@ -78,6 +78,29 @@ TEST(RunReport, TellsWhatARunWithFailuresDid) {
     expectParts(changeReport(report).html, {"ei ole ajettu muutosta"});
 }
 
+int pagesOf(const QString& html, const QString& file) {
+    framework::writePdf({html, {}, {}, {}}, file);
+    static const QRegularExpression kPage(str("/Type /Page\\b"));
+    return static_cast<int>(QString::fromLatin1(test::fileBytes(file)).count(kPage));
+}
+
+// Wherever a heading stands, what comes after it is there: a page has room for about 85 lines.
+TEST(Pdf, HeadingsMovedToTheNextPageTakeTheRestAlong) {
+    test::CompanyFolder company;
+    for (int before = 40; before <= 60; ++before) {
+        vatchange::ReportHtml html;
+        for (int i = 0; i < before; ++i)
+            html.row(QString::number(i), str("x"));
+        html.section(str("Otsikko"));
+        html.beginTable({str("Mitä"), str("Rivejä")}, 1);
+        html.tableRow({str("a"), str("1")});
+        html.section(str("Toinen"));
+        for (int i = 0; i < 400; ++i)
+            html.logLine(str("rivi"));
+        EXPECT_GE(pagesOf(html.take(), company.file(str("raportti.pdf"))), 5) << before;
+    }
+}
+
 TEST(Pdf, LongTablesAndLinesGoOnOverPages) {
     test::CompanyFolder company;
     vatchange::ReportHtml html;
@@ -88,9 +111,7 @@ TEST(Pdf, LongTablesAndLinesGoOnOverPages) {
     for (int i = 0; i < 200; ++i)
         html.logLine(str("rivi"));
     const QString file = company.file(str("raportti.pdf"));
-    framework::writePdf({html.take(), {}, {}, {}}, file);
-    static const QRegularExpression kPage(str("/Type /Page\\b"));
-    const auto pages = QString::fromLatin1(test::fileBytes(file)).count(kPage);
+    const int pages = pagesOf(html.take(), file);
     EXPECT_GE(pages, 4);
     EXPECT_LE(pages, 8);
     EXPECT_THROW(framework::writePdf({}, company.file(str("puuttuu/x.pdf"))), data::DataError);
