@@ -234,7 +234,7 @@ std::optional<RecordId> ClientFile::visitStored(std::optional<RecordId> after, i
         if (!step(m_storedAt ? kStepNext : kStepFirst))
             break;
         last = m_storedAt;
-        if (!see(*last, whole(std::move(record))))
+        if (!see(*last, whole(std::exchange(record, {}))))
             break;
     }
     return last;

@@ -15,8 +15,8 @@ constexpr int kAgentPlace = 12;
 constexpr int kNumberPlace = 14;
 constexpr std::array<char, 2> kAgent{'T', 'V'};
 
-constexpr int kVersionBlockSize = 5;  // version and revision as words, a letter
-constexpr int kVersionBlocks = 3;
+constexpr qsizetype kVersionBlockSize = 5;  // version and revision as words, a letter
+constexpr qsizetype kVersionBlocks = 3;
 
 std::array<char, kClientIdSize> newClientId() {
     static std::atomic<quint16> last{0};

@@ -4,7 +4,26 @@
 #include <exception>
 #include <utility>
 
+#ifndef _WIN32
+#include <csignal>
+#endif
+
 namespace data::client {
+
+namespace {
+
+// A driver that writes to a server which hung up is to be told so by its call; the signal for it
+// would end the program.
+void ignoreBrokenConnections() {
+#ifndef _WIN32
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+#endif
+}
+
+}  // namespace
 
 // What the two threads hand to each other; the semaphores order the access.
 struct GuardedThread::Desk {
@@ -26,6 +45,7 @@ GuardedThread::~GuardedThread() {
 }
 
 void GuardedThread::work(const std::shared_ptr<Desk>& desk) {
+    ignoreBrokenConnections();
     for (;;) {
         desk->given.acquire();
         if (!desk->job)

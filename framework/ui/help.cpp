@@ -75,14 +75,20 @@ QVariant HelpBrowser::loadResource(int type, const QUrl& name) {
 
 void HelpBrowser::doSetSource(const QUrl& name, QTextDocument::ResourceType type) {
     QTextBrowser::doSetSource(name, type);
-    if (!m_loaded) {
-        m_loaded = true;
+    if (!headingsAreNamed()) {
         nameHeadings();
         scrollToAnchor(name.fragment());
     }
 }
 
+bool HelpBrowser::headingsAreNamed() const {
+    const QTextBlock first = document()->begin();  // the manual begins with a heading
+    return first.begin().fragment().charFormat().isAnchor();
+}
+
 void HelpBrowser::nameHeadings() {
+    // A page that was edited is loaded anew, without these names, at the next step within it.
+    const QSignalBlocker notAnEdit(document());
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
         if (block.blockFormat().headingLevel() == 0)
             continue;

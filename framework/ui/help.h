@@ -27,10 +27,10 @@ class HelpBrowser : public QTextBrowser {
 
   private:
     void follow(const QUrl& link);
+    bool headingsAreNamed() const;
     void nameHeadings();
 
     const HelpManual& m_manual;
-    bool m_loaded = false;
 };
 
 /// The window of the users' manual: contents at the left, search in the text, back and forward.

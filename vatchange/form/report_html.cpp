@@ -10,9 +10,12 @@ void ReportHtml::title(const QString& text) {
     m_text += QStringLiteral("<h1>%1</h1>").arg(text.toHtmlEscaped());
 }
 
-void ReportHtml::section(const QString& title) {
+void ReportHtml::section(const QString& title, Page page) {
     closeTable();
-    m_text += QStringLiteral("<h2>%1</h2>").arg(title.toHtmlEscaped());
+    m_text += QStringLiteral("<h2%2>%1</h2>")
+                  .arg(title.toHtmlEscaped(),
+                       page == Page::New ? QStringLiteral(" style='page-break-before: always'")
+                                         : QString());
 }
 
 void ReportHtml::paragraph(const QString& text) {

@@ -9,7 +9,8 @@ namespace vatchange {
 class ReportHtml {
   public:
     void title(const QString& text);
-    void section(const QString& title);
+    enum class Page { Same, New };
+    void section(const QString& title, Page page = Page::Same);
     void paragraph(const QString& text);
     /// A line of a log, in small type.
     void logLine(const QString& text);

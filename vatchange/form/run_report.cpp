@@ -76,7 +76,7 @@ void logPart(ReportHtml& html, const RunRecord& run) {
 
 void runPart(ReportHtml& html, const ChangeReport& report) {
     const RunRecord& run = *report.lastRun;
-    html.section(QStringLiteral("Viimeisin ajo"));
+    html.section(QStringLiteral("Viimeisin ajo"), ReportHtml::Page::New);
     html.row(QStringLiteral("Määrittely"), nameOrUnsaved(run.definitionName));
     html.row(QStringLiteral("Alkoi"), momentText(run.started));
     html.row(QStringLiteral("Päättyi"),
