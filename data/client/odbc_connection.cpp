@@ -30,8 +30,8 @@ OdbcLink::~OdbcLink() {
 }
 
 void OdbcLink::connect() {
-    m_cache.clear();
     m_session.reset();
+    m_cache.clear();
     m_session = std::make_shared<OdbcSession>(m_settings);
     m_dialect = m_session->handles()->dialect;
     sendLockWait();
@@ -52,8 +52,8 @@ OdbcSession& OdbcLink::session() {
 
 void OdbcLink::close() {
     m_isClosed = true;
-    m_cache.clear();
     m_session.reset();
+    m_cache.clear();
 }
 
 std::shared_ptr<PreparedOdbc> OdbcLink::prepare(const QString& sql) {
@@ -69,8 +69,13 @@ std::shared_ptr<PreparedOdbc> OdbcLink::prepare(const QString& sql) {
         present.handles(), sql,
         m_dialect->rewritten(sql, [this](const QString& name) { return isDateColumn(name); }));
     const SQLULEN seconds = driverSeconds(present.statementLimit());
-    present.guarded([statement, seconds] { statement->prepare(seconds); }, present.statementLimit(),
-                    sql);
+    try {
+        present.guarded([statement, seconds] { statement->prepare(seconds); },
+                        present.statementLimit(), sql);
+    } catch (const DataError&) {
+        discard(std::move(statement));
+        throw;
+    }
     return statement;
 }
 
@@ -78,16 +83,21 @@ void OdbcLink::giveBack(std::shared_ptr<PreparedOdbc> statement) {
     if (!statement || !m_session || &statement->handles() != m_session->handles().get() ||
         m_session->isLost())
         return;
-    std::shared_ptr<PreparedOdbc> unwanted;
-    if (!statement->isResultOpen()) {
-        m_cache.push_back(std::move(statement));
-        if (m_cache.size() <= kMaxCachedStatements)
-            return;
-        unwanted = std::move(m_cache.front());
-        m_cache.erase(m_cache.begin());
-    } else {
-        unwanted = std::move(statement);
+    if (statement->isResultOpen()) {
+        discard(std::move(statement));
+        return;
     }
+    m_cache.push_back(std::move(statement));
+    if (m_cache.size() <= kMaxCachedStatements)
+        return;
+    std::shared_ptr<PreparedOdbc> oldest = std::move(m_cache.front());
+    m_cache.erase(m_cache.begin());
+    discard(std::move(oldest));
+}
+
+void OdbcLink::discard(std::shared_ptr<PreparedOdbc> unwanted) {
+    if (m_session->isLost())
+        return;
     try {
         const QString where = unwanted->sql();
         m_session->guarded([own = std::move(unwanted)]() mutable { own.reset(); },

@@ -97,16 +97,20 @@ void connectHandles(OdbcHandles& handles, const OdbcSettings& settings) {
 }  // namespace
 
 OdbcHandles::~OdbcHandles() {
-    if (isAbandoned)
-        return;
-    if (isConnected)
+    if (!isAbandoned)
+        close();
+}
+
+void OdbcHandles::close() {
+    isLost = true;
+    if (std::exchange(isConnected, false))
         odbcCall("SQLDisconnect", SQLDisconnect, connection);
     if (connection != SQL_NULL_HDBC)
         odbcCall("SQLFreeHandle", SQLFreeHandle, SQLSMALLINT(SQL_HANDLE_DBC),
-                 SQLHANDLE(connection));
+                 SQLHANDLE(std::exchange(connection, nullptr)));
     if (environment != SQL_NULL_HENV)
         odbcCall("SQLFreeHandle", SQLFreeHandle, SQLSMALLINT(SQL_HANDLE_ENV),
-                 SQLHANDLE(environment));
+                 SQLHANDLE(std::exchange(environment, nullptr)));
 }
 
 void OdbcHandles::fail(SQLSMALLINT handleType, SQLHANDLE handle, const QString& where) {
@@ -137,13 +141,9 @@ OdbcSession::OdbcSession(const OdbcSettings& settings)
 OdbcSession::~OdbcSession() {
     if (m_thread.isAbandoned())
         return;
-    // The handles go in the job, unless statements that are still in use keep them.
-    const std::weak_ptr<OdbcHandles> left = m_handles;
     try {
-        if (m_thread.run([own = std::move(m_handles)]() mutable { own.reset(); }, kCloseLimit))
-            return;
-        if (const std::shared_ptr<OdbcHandles> handles = left.lock())
-            handles->isAbandoned = true;
+        if (!m_thread.run([handles = m_handles] { handles->close(); }, kCloseLimit))
+            m_handles->isAbandoned = true;
     } catch (const std::exception& error) {
         traceOdbc(QString::fromUtf8(error.what()));
     }

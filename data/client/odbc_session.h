@@ -10,12 +10,16 @@
 
 namespace data::client {
 
-/// The driver manager's handles of one connection. Goes when the last statement on it does.
+/// The driver manager's handles of one connection. Statements on it may outlive its session; it is
+/// closed by then, and theirs with it.
 struct OdbcHandles {
     OdbcHandles() = default;
     ~OdbcHandles();
     OdbcHandles(const OdbcHandles&) = delete;
     OdbcHandles& operator=(const OdbcHandles&) = delete;
+
+    /// Disconnects, which frees the handles of statements as well, and marks the connection as lost.
+    void close();
 
     /// Throws the DataError of the last call on a handle; a connection that is gone is marked.
     /// `where` names the statement or data source.

@@ -39,6 +39,8 @@ class OdbcLink {
   private:
     OdbcSession& session();
     void connect();
+    /// Frees a statement's handle, off this thread.
+    void discard(std::shared_ptr<PreparedOdbc> unwanted);
     void sendLockWait();
     bool isDateColumn(const QString& name);
     void readDateColumns();

@@ -71,7 +71,8 @@ PreparedOdbc::PreparedOdbc(std::shared_ptr<OdbcHandles> handles, QString sql,
       m_parameters(static_cast<size_t>(m_rewritten.parameters.size())) {}
 
 PreparedOdbc::~PreparedOdbc() {
-    if (m_statement != SQL_NULL_HSTMT && !m_handles->isAbandoned)
+    // a connection that is gone takes its statements along
+    if (m_statement != SQL_NULL_HSTMT && !m_handles->isAbandoned && !m_handles->isLost)
         odbcCall("SQLFreeHandle", SQLFreeHandle, SQLSMALLINT(SQL_HANDLE_STMT),
                  SQLHANDLE(m_statement));
 }

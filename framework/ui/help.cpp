@@ -11,6 +11,7 @@
 #include <QShortcut>
 #include <QSplitter>
 #include <QTextBlock>
+#include <QTextTable>
 #include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -77,6 +78,7 @@ void HelpBrowser::doSetSource(const QUrl& name, QTextDocument::ResourceType type
     QTextBrowser::doSetSource(name, type);
     if (!headingsAreNamed()) {
         nameHeadings();
+        ruleTables();
         scrollToAnchor(name.fragment());
     }
 }
@@ -101,6 +103,26 @@ void HelpBrowser::nameHeadings() {
     }
     QTextCursor start(document());
     setTextCursor(start);
+}
+
+// Thin lines between the cells, and air around their texts.
+void HelpBrowser::ruleTables() {
+    const QSignalBlocker notAnEdit(document());
+    for (QTextFrame* frame : document()->rootFrame()->childFrames()) {
+        auto* table = qobject_cast<QTextTable*>(frame);
+        if (table == nullptr)
+            continue;
+        QTextTableFormat format = table->format();
+        format.setBorderCollapse(true);
+        format.setBorder(1);
+        format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
+        format.setBorderBrush(palette().color(QPalette::Mid));
+        format.setCellSpacing(0);
+        format.setCellPadding(4);
+        format.setTopMargin(4);
+        format.setBottomMargin(10);
+        table->setFormat(format);
+    }
 }
 
 void HelpBrowser::follow(const QUrl& link) {

@@ -29,6 +29,7 @@ class HelpBrowser : public QTextBrowser {
     void follow(const QUrl& link);
     bool headingsAreNamed() const;
     void nameHeadings();
+    void ruleTables();
 
     const HelpManual& m_manual;
 };

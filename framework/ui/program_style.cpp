@@ -64,9 +64,13 @@ void drawCard(const QStyleOptionGroupBox& box, QPainter* painter, const QWidget*
 
 ProgramStyle::ProgramStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
 
-// Hints inside edits fade with the edits that are disabled.
+// Hints inside edits are readable on any ground, and fade with the edits that are disabled.
 void ProgramStyle::polish(QPalette& palette) {
     QProxyStyle::polish(palette);
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
+        palette.setColor(group, QPalette::PlaceholderText,
+                         between(palette.color(group, QPalette::Base),
+                                 palette.color(group, QPalette::Text), 0.55));
     palette.setColor(QPalette::Disabled, QPalette::PlaceholderText,
                      palette.color(QPalette::Disabled, QPalette::Text));
 }
