@@ -28,9 +28,7 @@ QStringList CallLibrary::usualNames() {
 #elif defined(Q_OS_WIN)
     return {QStringLiteral("w3btrv7.dll")};
 #else
-    return {QStringLiteral("libpsqlmif.so"),
-            QStringLiteral("/usr/local/lib64/libpsqlmif.so"),
-            QStringLiteral("/usr/local/lib/libpsqlmif.so")};
+    return {QStringLiteral("libpsqlmif.so")};
 #endif
 }
 

@@ -35,6 +35,7 @@ struct Dialect {
     bool emptyDateIsNull;      ///< date columns hold NULL where the shops' hold the empty date
     bool describesParameters;  ///< and takes no text for a date or time among them
     bool taggedResults;        ///< doubles come in too few digits: see taggedQuery()
+    bool losesRows;            ///< unless a query with subqueries joins its tables as they stand
     bool recordLocksStopSql;   ///< a record lock of the client library stops this program's SQL too
     const char* attributes;    ///< more of the connection string; nullptr: none
     const char* onConnect;     ///< statement run on each new connection; nullptr: none

@@ -194,6 +194,14 @@ void spellOutRounding(SqlTokens& tokens) {
     tokens = made;
 }
 
+void keepOrderOfTables(SqlTokens& tokens) {
+    const auto selects = std::count_if(tokens.begin(), tokens.end(), [](const SqlToken& token) {
+        return token.kind == SqlToken::Word && token.is(QLatin1String("select"));
+    });
+    if (selects > 1 && returnsRows(tokens))
+        tokens.append(symbols(QStringLiteral(" option (order)")));
+}
+
 QList<bool> datesToNull(SqlTokens& tokens,
                         const std::function<bool(const QString&)>& isDateColumn) {
     SqlTokens made;

@@ -21,6 +21,9 @@ void topToLimit(SqlTokens& tokens);
 /// round() and floor() in doubles, halves away from zero, and decimal literals as doubles.
 void spellOutRounding(SqlTokens& tokens);
 
+/// A query with subqueries is told to join its tables in the order in which they stand.
+void keepOrderOfTables(SqlTokens& tokens);
+
 /// Dates compared with texts, and set, in a database whose empty date is NULL and sorts before all
 /// others. @return for each token whether it is a parameter that stands for a date.
 QList<bool> datesToNull(SqlTokens& tokens, const std::function<bool(const QString&)>& isDateColumn);

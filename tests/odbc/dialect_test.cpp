@@ -63,6 +63,15 @@ TEST(Dialects, EmptyDates) {
         EXPECT_EQ(rewritten("OpenLink Virtuoso VDBMS", one.sql), one.made);
 }
 
+TEST(Dialects, QueriesWithSubqueries) {
+    const std::string made = "select a from t where b in (select c from u) option (order)";
+    EXPECT_EQ(rewritten("OpenLink Virtuoso VDBMS", "select a from t where b in (select c from u);"),
+              made);
+    for (const char* same : {"select 'select' from t", "update t set a = (select 1)"})
+        EXPECT_EQ(rewritten("OpenLink Virtuoso VDBMS", same), same);
+    EXPECT_EQ(rewritten("MariaDB", "select (select 1)"), "select (select 1)");
+}
+
 TEST(Dialects, TypesAndErrors) {
     EXPECT_EQ(data::client::columnKind(2008, 0), ColumnKind::Whole16);
     EXPECT_EQ(data::client::columnKind(SQL_DECIMAL, 0), ColumnKind::Whole);
