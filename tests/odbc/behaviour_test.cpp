@@ -302,6 +302,38 @@ TEST(LoadableModule, KeepsTheRecordLocksOfTheEngine) {
     EXPECT_EQ(rows(*program, "select Prosentti from ALVKANTA"), (Rows{"14", "14"}));
 }
 
+QStringList& traced() {
+    static QStringList lines;
+    return lines;
+}
+
+TEST(Tracing, TellsCallsStatementsAndErrorsButNoPassword) {
+    if (!test::SqlEngine::isAvailable(text(u8"sqlite")))
+        GTEST_SKIP() << "no driver";
+    const test::SqlEngine engine(text(u8"sqlite"), {text(u8"ALVKANTA")});
+    data::client::OdbcSettings settings = engine.settings();
+    settings.password = text(u8"salainen");
+    traced().clear();
+    const QtMessageHandler previous = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& line) { traced().append(line); });
+    data::client::OdbcConnection::setTracing(true);
+    try {
+        test::OdbcDatabase database(settings);
+        exec(database, text(u8"update ALVKANTA set Prosentti=1"));
+        exec(database, text(u8"update PUUTTUU set Prosentti=1"));
+        ADD_FAILURE() << "no error";
+    } catch (const DataError& error) {
+        EXPECT_EQ(error.kind(), ErrorKind::NoSuchTable);
+    }
+    data::client::OdbcConnection::setTracing(false);
+    qInstallMessageHandler(previous);
+    const QString all = traced().join(u'\n');
+    for (const char8_t* part : {u8"odbc SQLDriverConnect = 0 (", u8"odbc SQLExecute = ",
+                                u8"update ALVKANTA set", u8"no such table", u8"SQLDisconnect"})
+        EXPECT_TRUE(all.contains(text(part))) << all.toStdString();
+    EXPECT_FALSE(all.contains(settings.password));
+}
+
 INSTANTIATE_TEST_SUITE_P(Engines, SqlBehaviour,
                          ::testing::Values("embedded", "sqlite", "virtuoso", "mariadb"),
                          [](const auto& engine) { return std::string(engine.param); });
