@@ -295,7 +295,7 @@ window_of() { # TITLE: the window's number once it is there
 }
 batch_list Alv255 "" >"$program/ALVMUUTOS.INI"
 start=$(milliseconds)
-win taksavaihe.exe "$company" /U &
+{ win taksavaihe.exe "$company" /U; } 2>/dev/null &
 check "the main window opens" window_of "Alvluokkien ja hintojen muutokset" >"$work/window"
 times="$times; start to the main window: $(($(milliseconds) - start)) ms"
 window=$(grep -oE '^[0-9]+$' "$work/window" || true)
