@@ -1,6 +1,6 @@
 #!/bin/bash
 # What takes too long for every change: the fuzzers, clang-tidy over everything, cppcheck, hundreds of
-# kills, power losses and faults, other programs at work, a large company, valgrind.
+# kills, power losses and faults, other programs at work, a large company, threads, valgrind.
 # Usage: nightly.sh [MINUTES]   (for each fuzzer, default 10)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -33,6 +33,20 @@ TAKSAVAIHE_FAULTS=100000 TAKSAVAIHE_DISTURBANCES=200 TAKSAVAIHE_ROUNDS=500 QT_QP
 
 heading "A large company"
 scripts/soak.sh --products 1000000 || failed+=("soak.sh")
+
+heading "Threads"
+# shellcheck disable=SC2086
+install_packages $packages_servers
+(
+    . scripts/sql_servers.sh
+    trap stop_sql_servers EXIT
+    start_sql_servers
+    cmake -G Ninja -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTAKSAVAIHE_TESTS=ON \
+        -DCMAKE_CXX_FLAGS=-fsanitize=thread
+    cmake --build build-tsan --target client_tests odbc_tests
+    export QT_QPA_PLATFORM=offscreen TSAN_OPTIONS=halt_on_error=1
+    build-tsan/bin/client_tests && build-tsan/bin/odbc_tests
+) || failed+=("threads")
 
 heading "valgrind"
 scripts/valgrind.sh || failed+=("valgrind")

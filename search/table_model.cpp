@@ -128,12 +128,8 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
     const auto place = static_cast<size_t>(index.column());
     const GridColumn& column = m_columns[place];
     const data::TField* field = m_fields[place];
-    if (role == Qt::TextAlignmentRole) {
-        const bool right =
-            (field != nullptr && !column.text && isNumber(field->kind())) || column.alignRight;
-        return QVariant::fromValue(Qt::Alignment(right ? Qt::AlignRight | Qt::AlignVCenter
-                                                       : Qt::AlignLeft | Qt::AlignVCenter));
-    }
+    if (role == Qt::TextAlignmentRole)
+        return alignment(place);
     if (role != Qt::DisplayRole)
         return {};
     const StoredRecord* found = find(index.row() + m_offset);
@@ -150,6 +146,14 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
     return field != nullptr ? field->displayText(found->bytes) : QString();
 }
 
+QVariant TableModel::alignment(size_t column) const {
+    const data::TField* field = m_fields[column];
+    const bool isNumbers = field != nullptr && !m_columns[column].text && isNumber(field->kind());
+    return QVariant::fromValue(Qt::Alignment(isNumbers || m_columns[column].alignRight
+                                                 ? Qt::AlignRight | Qt::AlignVCenter
+                                                 : Qt::AlignLeft | Qt::AlignVCenter));
+}
+
 QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation == Qt::Vertical || section < 0 || section >= columnCount())
         return {};
@@ -158,6 +162,8 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
         return shown.title.isEmpty() ? shown.field : shown.title;
     if (role == Qt::ToolTipRole)
         return shown.field;
+    if (role == Qt::TextAlignmentRole)
+        return alignment(static_cast<size_t>(section));
     return {};
 }
 

@@ -69,6 +69,8 @@ class TableModel : public QAbstractTableModel {
     void failed(const QString& text);
 
   private:
+    /// Of a column's cells and its heading.
+    QVariant alignment(size_t column) const;
     using Page = std::vector<data::StoredRecord>;
 
     const data::StoredRecord* find(qint64 row) const;

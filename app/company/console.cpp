@@ -17,6 +17,11 @@ bool given(DWORD which) {
     return handle != nullptr && handle != INVALID_HANDLE_VALUE;
 }
 
+// A stream that cannot be led there stays where it goes: nowhere.
+bool leadToConsole(FILE* stream) {
+    return std::freopen("CONOUT$", "w", stream) != nullptr;
+}
+
 }  // namespace
 
 Console::Console() {
@@ -24,9 +29,9 @@ Console::Console() {
     const bool error = given(STD_ERROR_HANDLE);
     if ((!output || !error) && AttachConsole(ATTACH_PARENT_PROCESS)) {
         if (!output)
-            std::freopen("CONOUT$", "w", stdout);
+            leadToConsole(stdout);
         if (!error)
-            std::freopen("CONOUT$", "w", stderr);
+            leadToConsole(stderr);
     }
     m_codePage = GetConsoleOutputCP();
     if (m_codePage != 0)

@@ -1,7 +1,8 @@
 #include "data/client/guarded_thread.h"
 
-#include <QSemaphore>
+#include <condition_variable>
 #include <exception>
+#include <mutex>
 #include <utility>
 
 #ifndef _WIN32
@@ -25,12 +26,24 @@ void ignoreBrokenConnections() {
 
 }  // namespace
 
-// What the two threads hand to each other; the semaphores order the access.
+// What the two threads hand to each other. The thread has what lies there while it is given a job,
+// the caller at all other times.
 struct GuardedThread::Desk {
-    QSemaphore given;
-    QSemaphore done;
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool isGiven = false;
+    bool isAbandoned = false;   // there will be no further job
     std::function<void()> job;  // empty: the thread is to end
     std::exception_ptr failure;
+
+    void give(std::function<void()> next) {
+        {
+            const std::lock_guard lock(mutex);
+            job = std::move(next);
+            isGiven = true;
+        }
+        changed.notify_all();
+    }
 };
 
 GuardedThread::GuardedThread()
@@ -39,37 +52,42 @@ GuardedThread::GuardedThread()
 GuardedThread::~GuardedThread() {
     if (m_abandoned)
         return;
-    m_desk->job = nullptr;
-    m_desk->given.release();
+    m_desk->give(nullptr);
     m_thread.join();
 }
 
 void GuardedThread::work(const std::shared_ptr<Desk>& desk) {
     ignoreBrokenConnections();
+    std::unique_lock lock(desk->mutex);
     for (;;) {
-        desk->given.acquire();
+        desk->changed.wait(lock, [&desk] { return desk->isGiven; });
         if (!desk->job)
             return;
-        desk->failure = nullptr;
+        std::function<void()> job = std::exchange(desk->job, nullptr);
+        lock.unlock();
+        std::exception_ptr failure;
         try {
-            desk->job();
+            job();
         } catch (...) {
-            desk->failure = std::current_exception();
+            failure = std::current_exception();
         }
-        desk->job = nullptr;
-        desk->done.release();
+        job = nullptr;  // what it holds may call the driver when it goes
+        lock.lock();
+        desk->failure = std::exchange(failure, nullptr);
+        desk->isGiven = desk->isAbandoned;
+        desk->changed.notify_all();
     }
 }
 
 bool GuardedThread::run(std::function<void()> job, std::chrono::milliseconds limit) {
     if (m_abandoned)
         return false;
-    m_desk->job = std::move(job);
-    m_desk->given.release();
-    if (!m_desk->done.tryAcquire(1, limit)) {
+    m_desk->give(std::move(job));
+    std::unique_lock lock(m_desk->mutex);
+    if (!m_desk->changed.wait_for(lock, limit, [this] { return !m_desk->isGiven; })) {
         m_abandoned = true;
+        m_desk->isAbandoned = true;
         m_thread.detach();
-        m_desk->given.release();  // it finds no job after this one, and ends
         return false;
     }
     if (m_desk->failure)

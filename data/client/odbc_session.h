@@ -18,7 +18,8 @@ struct OdbcHandles {
     OdbcHandles(const OdbcHandles&) = delete;
     OdbcHandles& operator=(const OdbcHandles&) = delete;
 
-    /// Disconnects, which frees the handles of statements as well, and marks the connection as lost.
+    /// Disconnects, which frees the handles of statements as well, and marks the connection as
+    /// lost.
     void close();
 
     /// Throws the DataError of the last call on a handle; a connection that is gone is marked.

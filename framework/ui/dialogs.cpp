@@ -74,7 +74,9 @@ ProgramDialogs programDialogs;
 DialogHandler* currentHandler = nullptr;
 
 DialogHandler& handler() {
-    return currentHandler != nullptr ? *currentHandler : programDialogs;
+    if (currentHandler != nullptr)
+        return *currentHandler;
+    return programDialogs;
 }
 
 }  // namespace

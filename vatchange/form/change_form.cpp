@@ -72,6 +72,7 @@ void TAlvMuutosLomake::readCompanyTables() {
         source->setAccessibleName(name + QStringLiteral(", hinnan lähde"));
         source->addRow(QStringLiteral("0"), m_levelNames[0]);
         for (int row = 1; row <= kPriceLevels; ++row)
+            // cppcheck-suppress containerOutOfBounds ; the table has a place for level 0
             source->addRow(kPriceColumns[static_cast<std::size_t>(row)], m_levelNames[row]);
     }
 
@@ -226,6 +227,7 @@ void TAlvMuutosLomake::SailytaAlv0_CheckBox1Click(int tag, bool checked) {
     const auto source = ratePercent(static_cast<int>(m_controls.sourceClass->value()));
     coefficient->setValue(keepVat0Coefficient(source.value_or(0.0), *target));
     if (tag <= kPriceLevels)
+        // cppcheck-suppress containerOutOfBounds
         m_controls.source(tag)->setKey(kPriceColumns[static_cast<std::size_t>(tag)]);
 }
 

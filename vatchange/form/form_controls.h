@@ -98,10 +98,15 @@ struct FormControls {
     framework::CheckBox* leaveWebShop = nullptr;
 
     framework::DecimalEdit* coefficient(int tag) const {
+        // cppcheck-suppress CastIntegerToAddressAtReturn ; it takes arrays of pointers for numbers
         return coefficients[static_cast<std::size_t>(tag - 1)];
     }
-    framework::CheckBox* keep(int tag) const { return keepVat0[static_cast<std::size_t>(tag - 1)]; }
+    framework::CheckBox* keep(int tag) const {
+        // cppcheck-suppress CastIntegerToAddressAtReturn
+        return keepVat0[static_cast<std::size_t>(tag - 1)];
+    }
     framework::LookupCombo* source(int tag) const {
+        // cppcheck-suppress CastIntegerToAddressAtReturn
         return sources[static_cast<std::size_t>(tag - 1)];
     }
 };
