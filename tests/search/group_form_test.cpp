@@ -1,5 +1,7 @@
 #include <QScrollBar>
+#include <QSettings>
 
+#include "app/company/user_settings.h"
 #include "search/group_haku.h"
 #include "tests/search/product_support.h"
 
@@ -125,6 +127,7 @@ TEST_F(GroupForms, ColumnsAndCaptions) {
 }
 
 TEST_F(GroupForms, ClientSizes) {
+    company::userSettings()->clear();  // places of windows that other tests have closed
     search::TTrHakuForm productGroups;
     EXPECT_EQ(productGroups.width(), 360);
     search::TPrHakuForm mainGroups;
