@@ -37,6 +37,7 @@ using namespace data;
 constexpr int kOk = 0;
 constexpr int kInvalidOperation = 1;
 constexpr int kFileNotOpen = 3;
+constexpr int kSessionLost = 95;
 constexpr int kFileNotFound = 12;
 constexpr int kWrongOwner = 51;
 constexpr int kDatabaseNameNotFound = 172;
@@ -186,8 +187,10 @@ bool isSilent(int operation, const CallBuffers& buffers) {
 }
 
 int run(int operation, char* block, CallBuffers& buffers, int key, const QByteArray& clientId) {
-    if (isSilent(operation, buffers))
+    if (isSilent(operation, buffers)) {
         std::this_thread::sleep_for(kSilence);
+        return kSessionLost;
+    }
     const std::lock_guard guard(g_mutex);
     switch (operation) {
         case 0:
