@@ -1,6 +1,7 @@
 #include "data/client/sql_rewriting.h"
 
 #include <QDate>
+#include <algorithm>
 #include <optional>
 
 namespace data::client {
