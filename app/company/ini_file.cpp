@@ -151,7 +151,8 @@ IniFile IniFile::read(const QString& fileName) {
         return {};
     if (!file.open(QIODevice::ReadOnly))
         throw data::DataError(data::ErrorKind::Io, fileName, file.errorString());
-    const QByteArray bytes = file.read(kMaxSize + 1);
+    // read() makes room for all that it is allowed to read, also where the file is a few lines
+    const QByteArray bytes = file.read(std::min<qint64>(file.size(), kMaxSize) + 1);
     if (file.error() != QFileDevice::NoError)
         throw data::DataError(data::ErrorKind::Io, fileName, file.errorString());
     return parse(bytes, fileName);
