@@ -189,7 +189,8 @@ IniFile IniFile::parse(const QByteArray& bytes, const QString& fileName) {
         if (close < 0)
             throw damaged(fileName, QStringLiteral("line %1: section name \"%2\" lacks its ]")
                                         .arg(QString::number(lineNumber), content.left(80)));
-        sections.push_back({lineText, withoutBlanks(content.sliced(1, close - 1)).toString(), {}});
+        // trimmed as names are that are looked for: also of no-break spaces
+        sections.push_back({lineText, content.sliced(1, close - 1).trimmed().toString(), {}});
     }
     return ini;
 }
