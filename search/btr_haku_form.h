@@ -182,7 +182,7 @@ class TBtrHakuForm : public QDialog {
     void recordSearch(const GridColumn& column);
     void applyFilter();
     void PassiivisetClick();
-    QString lookupExpression(const ColumnLookup& lookup, const QString& text);
+    QString lookupExpression(const ColumnLookup& lookup, const QString& name);
 
     // rows
     void currentChanged(int row);

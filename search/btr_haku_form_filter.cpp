@@ -126,13 +126,13 @@ void TBtrHakuForm::dropText(const QString& text, int place, bool onIndicator) {
         }
         const data::TField* field = Hakutable->findField(column.field);
         const auto lookup = columnLookup(column.field);
-        if (lookup && (!lookup->digitsOnly || isDigitText(text))) {
+        const QString name = splitOperator(text).value;
+        if (lookup && (!lookup->digitsOnly || isDigitText(name))) {
             const data::TField* local = Hakutable->findField(lookup->localField);
-            const DroppedText dropped = splitOperator(text);
             const bool asNumber = local != nullptr && local->kind() != data::Kind::String &&
-                                  isNumericText(dropped.value) && !lookup->digitsOnly;
+                                  isNumericText(name) && !lookup->digitsOnly;
             setUserFilter(asNumber ? dropExpression(lookup->localField, local->kind(), text)
-                                   : lookupExpression(*lookup, text));
+                                   : lookupExpression(*lookup, name));
             return;
         }
         if (field == nullptr) {
@@ -143,11 +143,11 @@ void TBtrHakuForm::dropText(const QString& text, int place, bool onIndicator) {
     });
 }
 
-// The rows of the lookup table whose shown value begins with the text, as conditions on their keys.
-QString TBtrHakuForm::lookupExpression(const ColumnLookup& lookup, const QString& text) {
+// The rows of the lookup table whose shown value begins with a name, as conditions on their keys.
+QString TBtrHakuForm::lookupExpression(const ColumnLookup& lookup, const QString& name) {
     data::TtbTable table;
     company::openCompanyTable(table, lookup.table);
-    const TextMatch match(text, false);
+    const TextMatch match(name, false);
     const auto matches = match.onField(table, lookup.shownField);
     QStringList terms;
     for (table.first(); !table.eof(); table.next()) {
@@ -155,9 +155,8 @@ QString TBtrHakuForm::lookupExpression(const ColumnLookup& lookup, const QString
             terms.append(
                 lookupTerm(lookup.localField, table.fieldByName(lookup.keyField).asString()));
     }
-    if (terms.isEmpty())  // nothing there has that name, so no record may be shown
-        return lookup.localField + QStringLiteral("<>") + lookup.localField;
-    return terms.join(QStringLiteral(" or "));
+    // When nothing there has that name, no record may be shown.
+    return terms.isEmpty() ? noRecord(lookup.localField) : terms.join(QStringLiteral(" or "));
 }
 
 // --- record by record

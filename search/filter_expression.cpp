@@ -61,6 +61,10 @@ QString lookupTerm(const QString& field, const QString& key) {
     return field + QLatin1Char('=') + quoted(key) + QStringLiteral("' ");
 }
 
+QString noRecord(const QString& field) {
+    return QStringLiteral("%1='0' and %1<>'0'").arg(field);
+}
+
 QString composedFilter(const QString& base, const QString& user, bool showPassive) {
     if (!showPassive && !base.isEmpty())
         return user.isEmpty() ? base : base + QStringLiteral(" and (") + user + QLatin1Char(')');

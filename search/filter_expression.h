@@ -31,6 +31,9 @@ QString dropExpression(const QString& field, data::Kind kind, const QString& tex
 /// A condition on a quoted key value, as lookups make one each matching row.
 QString lookupTerm(const QString& field, const QString& key);
 
+/// A condition on a text or number field that no record fulfils.
+QString noRecord(const QString& field);
+
 /// The table's filter: base and user filter, as passive records are hidden (`showPassive` false) or
 /// shown. Shown, the base filter goes, but for its central store condition.
 QString composedFilter(const QString& base, const QString& user, bool showPassive);

@@ -192,7 +192,12 @@ TEST_F(ProductForm, DropsOnGroupNamesAndShelfPlaces) {
     } cases[] = {
         {"mak", "RYHMA", "101 102"},
         {"7", "RYHMA", "100"},
+        {">=8", "RYHMA", "101 102"},
+        {"=mak", "RYHMA", "101 102"},  // names know no comparison: its signs are left out
+        {"<>mak", "RYHMA", "101 102"},
+        {"xyz", "RYHMA", ""},  // no group has that name
         {"tukku", "TOIMITTAJA", "100"},
+        {"AB", "TOIMITTAJA", ""},     // a code, and no name begins with it
         {"A", "Hyllypaikka", "100"},  // 102 lies in another store, 103 is passive
         {"a1", "Hyllypaikka", "100"},
         {"*A", "Hyllypaikka", "100 101"},
