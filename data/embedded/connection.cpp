@@ -40,7 +40,8 @@ Connection::InternalUse::~InternalUse() {
 
 Connection::Connection(const QString& fileName) : m_fileName(fileName) {
     if (!QFileInfo::exists(fileName))
-        throw DataError(ErrorKind::NoConnection, fileName, QStringLiteral("no such file"));
+        throw DataError(ErrorKind::NoConnection, fileName, QStringLiteral("no such file"))
+            .inFinnish(QStringLiteral("tiedostoa ei ole"));
     m_handle = SqliteHandle(fileName, SqliteHandle::Mode::ReadWrite);
     m_db = m_handle.get();
     checkFile();
@@ -74,18 +75,26 @@ void Connection::checkFile() {
     sqlite3_busy_timeout(db, kBusyTimeoutMs);
     if (pragma(db, "application_id", m_fileName) != kApplicationId)
         throw DataError(ErrorKind::Damaged, m_fileName,
-                        QStringLiteral("not a company database of this program"));
+                        QStringLiteral("not a company database of this program"))
+            .inFinnish(QStringLiteral("tiedosto ei ole tämän ohjelman yritystietokanta"));
     const qint64 version = pragma(db, "user_version", m_fileName);
     if (version > kFormatVersion)
         throw DataError(ErrorKind::Engine, m_fileName,
                         QStringLiteral("format version %1 is newer than this program's %2")
                             .arg(version)
-                            .arg(kFormatVersion));
+                            .arg(kFormatVersion))
+            .inFinnish(
+                QStringLiteral("tietokannan muoto %1 on uudempi kuin tämän ohjelman muoto %2")
+                    .arg(version)
+                    .arg(kFormatVersion),
+                QStringLiteral("Ota käyttöön ohjelman uudempi versio."));
     if (version < 1)
         throw DataError(ErrorKind::Damaged, m_fileName,
-                        QStringLiteral("unknown format version %1").arg(version));
+                        QStringLiteral("unknown format version %1").arg(version))
+            .inFinnish(QStringLiteral("tietokannan muoto %1 on tuntematon").arg(version));
     if (sqlite3_db_readonly(db, "main") == 1)
-        throw DataError(ErrorKind::ReadOnly, m_fileName, QStringLiteral("the file is read-only"));
+        throw DataError(ErrorKind::ReadOnly, m_fileName, QStringLiteral("the file is read-only"))
+            .inFinnish(QStringLiteral("tiedosto on vain luettavissa"));
 }
 
 void Connection::configure() {
@@ -102,6 +111,8 @@ void Connection::configure() {
     sqlite3_db_config(db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    // VACUUM, which asks no leave, works through an attached file.
+    sqlite3_limit(db, SQLITE_LIMIT_ATTACHED, 0);
     registerFunctions(db);
     registerVirtualTables(*this);
     sqlite3_set_authorizer(db, authorize, this);
@@ -111,8 +122,10 @@ void Connection::configure() {
 // and transactions are the engine's own.
 int Connection::authorize(void* self, int action, const char* first, const char* second,
                           const char* /*database*/, const char* /*trigger*/) {
-    if (!static_cast<Connection*>(self)->m_checksNames)
+    auto* connection = static_cast<Connection*>(self);
+    if (!connection->m_checksNames)
         return SQLITE_OK;
+    connection->m_askedLeave = true;
     switch (action) {
         case SQLITE_SELECT:
         case SQLITE_RECURSIVE:
@@ -164,6 +177,7 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     const char* tail = nullptr;
     clearFailure();
     m_checksNames = true;
+    m_askedLeave = false;
     const int code = sqlite3_prepare_v3(db(), text.constData(), static_cast<int>(text.size()),
                                         SQLITE_PREPARE_PERSISTENT, &statement, &tail);
     m_checksNames = false;
@@ -173,6 +187,15 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     }
     if (statement == nullptr)
         throw DataError(ErrorKind::Syntax, QString(), QStringLiteral("the statement is empty"));
+    // VACUUM and the like ask no leave; what INSERT ... RETURNING returns nobody would read.
+    if (!m_askedLeave ||
+        (sqlite3_stmt_readonly(statement) == 0 && sqlite3_column_count(statement) > 0)) {
+        sqlite3_finalize(statement);
+        throw DataError(ErrorKind::Syntax, QString(),
+                        QStringLiteral("only SELECT, INSERT, UPDATE and DELETE without RETURNING "
+                                       "are run: \"%1\"")
+                            .arg(sql.trimmed()));
+    }
     sqlite3_stmt* second = nullptr;
     const int rest = sqlite3_prepare_v2(db(), tail, -1, &second, nullptr);
     sqlite3_finalize(second);

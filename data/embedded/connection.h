@@ -130,6 +130,7 @@ class Connection {
     TransientIndexes m_transientIndexes;
     std::exception_ptr m_failure;
     bool m_checksNames = false;
+    bool m_askedLeave = false;  // SQLite asked authorize() about the statement being prepared
     bool m_inTransaction = false;
     int m_sqlTables = 0;
     int m_cursors = 0;

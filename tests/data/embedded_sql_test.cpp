@@ -1,4 +1,7 @@
+#include <QFile>
+
 #include "data/clock.h"
+#include "data/sql/uni_query.h"
 #include "tests/data/embedded_fixture.h"
 
 using namespace data;
@@ -359,6 +362,20 @@ TEST_F(EmbeddedSql, WhatTheUsersSqlMayNotDo) {
                             "attach ':memory:' as m", "select * from sqlite_master"}) {
         EXPECT_NE(errorOf([&] { run(sql); }).kind(), ErrorKind::Syntax) << sql;
     }
+    const QString copy = folder() + "/kopio.db";
+    for (const QString& sql : {QString("vacuum"), QString("/* */ VACUUM main -- "),
+                               "vacuum into '" + copy + "'", "vacuum into (select '" + copy + "')",
+                               QString("insert into tryhma (nro) values (1) returning nro")}) {
+        EXPECT_THROW(run(sql), DataError) << sql.toStdString();
+        TUniQuery query(db.get());
+        query.sql().add(sql);
+        EXPECT_THROW(query.execSql(), DataError) << sql.toStdString();
+    }
+    EXPECT_FALSE(QFile::exists(copy));
+    EXPECT_EQ(rows("/* */ with x(n) as (select count(*) from tryhma) select n from x"),
+              QStringList{"0"});
+    EXPECT_EQ(run("with x(n) as (values (7)) insert into tryhma (nro) select n from x"), 1);
+    EXPECT_EQ(rows("values (1), (2)"), (QStringList{"1", "2"}));
     EXPECT_EQ(errorOf([&] { db->prepare("select from"); }).kind(), ErrorKind::Syntax);
     EXPECT_EQ(errorOf([&] { db->prepare(" ; "); }).kind(), ErrorKind::Syntax);
     EXPECT_EQ(errorOf([&] { db->prepare("select 1; select 2"); }).kind(), ErrorKind::Syntax);
