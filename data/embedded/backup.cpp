@@ -1,4 +1,5 @@
 #include <QFile>
+#include <QTemporaryDir>
 
 #include "data/embedded/company_file.h"
 #include "data/embedded/connection.h"
@@ -55,24 +56,15 @@ void backupEmbedded(const QString& folder, const QString& targetFile,
     using namespace embedded;
     if (QFile::exists(targetFile))
         throw DataError(ErrorKind::Io, targetFile, QStringLiteral("the file exists already"));
-    const QString unfinished = targetFile + QStringLiteral(".part");
-    QFile::remove(unfinished);
-    const auto removeUnfinished = [&unfinished] {
-        QFile::remove(unfinished);
-        QFile::remove(unfinished + QStringLiteral("-journal"));
-    };
-    try {
-        if (!copyPages(companyFile(folder), unfinished, progress)) {
-            removeUnfinished();
-            return;
-        }
-        if (!QFile::rename(unfinished, targetFile))
-            throw DataError(ErrorKind::Io, targetFile,
-                            QStringLiteral("the finished copy cannot be named"));
-    } catch (...) {
-        removeUnfinished();
-        throw;
-    }
+    // In a folder of its own beside the target: no other file can be in its way.
+    const QTemporaryDir workshop(targetFile + QStringLiteral(".XXXXXX"));
+    if (!workshop.isValid())
+        throw DataError(ErrorKind::Io, targetFile, workshop.errorString());
+    const QString unfinished = companyFile(workshop.path());
+    if (copyPages(companyFile(folder), unfinished, progress) &&
+        !QFile::rename(unfinished, targetFile))
+        throw DataError(ErrorKind::Io, targetFile,
+                        QStringLiteral("the finished copy cannot be named"));
 }
 
 }  // namespace data

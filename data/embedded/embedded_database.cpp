@@ -25,7 +25,8 @@ class EmbeddedDatabase : public Database {
             if (!stored.contains(foldedName(table)))
                 throw DataError(
                     ErrorKind::Damaged, table,
-                    QStringLiteral("the catalogue lists the table, but it is not stored"));
+                    QStringLiteral("the catalogue lists the table, but it is not stored"))
+                    .inFinnish(QStringLiteral("taulu on luettelossa, mutta sitä ei ole"));
         }
     }
 

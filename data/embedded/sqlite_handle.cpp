@@ -7,6 +7,11 @@
 
 #include "data/system_path.h"
 
+#ifndef Q_OS_WIN
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
 namespace data::embedded {
 
 namespace {
@@ -20,8 +25,44 @@ const char*& fileSystemName() {
     return name;
 }
 
+/// SQLite makes files that the owner alone may write, whatever the umask; a company is shared by
+/// those whom the umask lets write. Files beside it take the database's rights from SQLite.
+void makeFile([[maybe_unused]] const QString& fileName) {
+#ifndef Q_OS_WIN
+    // Only a new file: closing any other would end the locks that this process has on it. What
+    // stands in the way is told when SQLite opens the file.
+    const int file = ::open(QFile::encodeName(fileName).constData(),
+                            O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0664);
+    if (file >= 0)
+        ::close(file);
+#endif
+}
+
 bool startsWith(const char* text, const char* prefix) {
     return text != nullptr && std::strncmp(text, prefix, std::strlen(prefix)) == 0;
+}
+
+/// What a failure of the file itself is in Finnish; SQLite's own words are English.
+DataError inFinnish(const DataError& error, int code) {
+    switch (code & 0xFF) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return error.inFinnish(QStringLiteral("tietokanta on varattu"));
+        case SQLITE_READONLY:
+            return error.inFinnish(QStringLiteral("tietokanta on vain luettavissa"));
+        case SQLITE_FULL:
+            return error.inFinnish(QStringLiteral("tietokannalle ei ole tilaa"));
+        case SQLITE_IOERR:
+            return error.inFinnish(QStringLiteral("levyn luku tai kirjoitus ei onnistu"));
+        case SQLITE_CORRUPT:
+            return error.inFinnish(QStringLiteral("tietokantatiedosto on vioittunut"));
+        case SQLITE_NOTADB:
+            return error.inFinnish(QStringLiteral("tiedosto ei ole tietokanta"));
+        case SQLITE_CANTOPEN:
+            return error.inFinnish(QStringLiteral("tiedostoa ei voi avata"));
+        default:
+            return error;
+    }
 }
 
 }  // namespace
@@ -64,12 +105,16 @@ void throwSqlite(sqlite3* db, int code, const QString& table) {
     const int extended = db != nullptr && (sqlite3_extended_errcode(db) & 0xFF) == (code & 0xFF)
                              ? sqlite3_extended_errcode(db)
                              : code;
-    throw DataError(errorKind(extended, message), table, QString::fromUtf8(message), extended);
+    throw inFinnish(
+        DataError(errorKind(extended, message), table, QString::fromUtf8(message), extended),
+        extended);
 }
 
 SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX |
                       (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    if (mode == Mode::Create)
+        makeFile(fileName);
     const int code =
         sqlite3_open_v2(systemPath(fileName).toUtf8().constData(), &m_db, flags, fileSystemName());
     if (code != SQLITE_OK) {
@@ -77,7 +122,7 @@ SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {
             QString::fromUtf8(m_db != nullptr ? sqlite3_errmsg(m_db) : sqlite3_errstr(code));
         const ErrorKind kind = errorKind(code, nullptr);
         sqlite3_close(std::exchange(m_db, nullptr));
-        throw DataError(kind, fileName, detail, code);
+        throw inFinnish(DataError(kind, fileName, detail, code), code);
     }
     sqlite3_extended_result_codes(m_db, 1);
 }

@@ -22,7 +22,8 @@ class SqliteHandle {
     enum class Mode { ReadWrite, Create };
 
     SqliteHandle() = default;
-    /// @throws DataError(NoConnection, Io ...) naming the file.
+    /// A file that is made may be read and written by owner and group and read by all, as far as
+    /// the umask lets them. @throws DataError(NoConnection, Io ...) naming the file.
     SqliteHandle(const QString& fileName, Mode mode);
     ~SqliteHandle();
     SqliteHandle(SqliteHandle&& other) noexcept;

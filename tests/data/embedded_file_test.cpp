@@ -7,6 +7,7 @@
 
 #ifndef _WIN32
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
@@ -211,10 +212,42 @@ TEST_F(EmbeddedFile, BackupIsConsistentAndNeverReplaces) {
     EXPECT_EQ(rows("select nimi from tryhma"), QStringList{"aikana"});
     EXPECT_EQ(checkEmbedded(folder() + "/kopio"), QStringList());
     EXPECT_EQ(errorOf([&] { backupEmbedded(folder(), copy, {}); }).kind(), ErrorKind::Io);
+    // a file of the same name and more is somebody else's
+    writeBytes(folder() + "/toinen.zdb.part", "muun");
+    backupEmbedded(folder(), folder() + "/toinen.zdb", {});
+    EXPECT_EQ(QDir(folder()).entryList({"toinen*"}, QDir::AllEntries | QDir::Hidden, QDir::Name),
+              (QStringList{"toinen.zdb", "toinen.zdb.part"}));
     const QString stopped = folder() + "/kesken.zdb";
     backupEmbedded(folder(), stopped, [](int, int) { return false; });
     EXPECT_EQ(QDir(folder()).entryList({"kesken*"}), QStringList());
 }
+
+#ifndef _WIN32
+// Those of a group work on one company where their umask lets them; nobody else ever writes it.
+TEST_F(EmbeddedFile, RightsFollowTheUmask) {
+    const struct {
+        mode_t mask;
+        mode_t rights;
+    } cases[] = {{002, 0664}, {022, 0644}, {077, 0600}, {0, 0664}};
+    const auto rightsOf = [](const QString& name) -> mode_t {
+        struct stat status = {};
+        EXPECT_EQ(::stat(QFile::encodeName(name).constData(), &status), 0) << name.toStdString();
+        return status.st_mode & 07777;
+    };
+    const mode_t before = ::umask(0);
+    for (const auto& c : cases) {
+        const QTemporaryDir company;
+        ::umask(c.mask);
+        createEmbedded(company.path(), allTableSources());
+        const auto open = openEmbedded("X", company.path());
+        for (const char* suffix : {"", "-wal", "-lock"})
+            EXPECT_EQ(rightsOf(company.filePath("YRITYS.ZDB") + suffix), c.rights) << suffix;
+        backupEmbedded(company.path(), company.filePath("kopio"), {});
+        EXPECT_EQ(rightsOf(company.filePath("kopio")), c.rights);
+    }
+    ::umask(before);
+}
+#endif
 
 #ifndef _WIN32
 // A program that is killed in the middle of its writing: what it reported as written is there, and
