@@ -88,6 +88,17 @@ DataError::DataError(ErrorKind kind, QString table, QString detail, int nativeCo
       m_detail(std::move(detail)),
       m_nativeCode(nativeCode) {}
 
+DataError::DataError(ErrorKind kind, const QString& message, std::string what)
+    : std::runtime_error(what),
+      m_kind(kind),
+      m_detail(message),
+      m_nativeCode(0),
+      m_verbatim(true) {}
+
+DataError DataError::verbatim(ErrorKind kind, const QString& message) {
+    return {kind, message, message.toStdString()};
+}
+
 DataError DataError::inFinnish(const QString& detail, const QString& remedy) const {
     DataError error(*this);
     error.m_finnishDetail = detail;
@@ -96,6 +107,8 @@ DataError DataError::inFinnish(const QString& detail, const QString& remedy) con
 }
 
 QString DataError::finnish() const {
+    if (m_verbatim)
+        return m_detail;
     const Wording& wording = wordingOf(m_kind);
     QString line = compose(wording.finnish, oneLine(m_table),
                            oneLine(m_finnishDetail.isEmpty() ? m_detail : m_finnishDetail),
@@ -108,6 +121,8 @@ QString DataError::finnish() const {
 }
 
 QString DataError::english() const {
+    if (m_verbatim)
+        return m_detail;
     return englishLine(m_kind, m_table, m_detail, m_nativeCode);
 }
 

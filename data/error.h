@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <stdexcept>
+#include <string>
 
 namespace data {
 
@@ -29,6 +30,9 @@ class DataError : public std::runtime_error {
   public:
     DataError(ErrorKind kind, QString table, QString detail, int nativeCode = 0);
 
+    /// An error that is told by this message alone, word for word, in either language.
+    static DataError verbatim(ErrorKind kind, const QString& message);
+
     ErrorKind kind() const { return m_kind; }
     /// Table (or file) concerned; empty when none is.
     const QString& table() const { return m_table; }
@@ -48,12 +52,15 @@ class DataError : public std::runtime_error {
     QString english() const;
 
   private:
+    DataError(ErrorKind kind, const QString& message, std::string what);
+
     ErrorKind m_kind;
     QString m_table;
     QString m_detail;
     int m_nativeCode;
     QString m_finnishDetail;
     QString m_finnishRemedy;
+    bool m_verbatim = false;
 };
 
 }  // namespace data

@@ -151,9 +151,10 @@ bool TTblResReader::readBlock(const QByteArray& block, const QString& tableName,
     cursor.skipName();
     const int version = cursor.version();
     if (version == kOldVersion)
-        throw DataError(ErrorKind::Damaged, QString(),
-                        QStringLiteral("Error - Resource [") + tableName + QStringLiteral("] ") +
-                            QStringLiteral(" in old format. Re-compile with RESMAIN.EXE"));
+        throw DataError::verbatim(
+            ErrorKind::Damaged, QStringLiteral("Error - Resource [") + tableName +
+                                    QStringLiteral("] ") +
+                                    QStringLiteral(" in old format. Re-compile with RESMAIN.EXE"));
     if (version != kVersion)
         return false;
     fields = readEntries(cursor);
