@@ -17,6 +17,12 @@ SQLULEN driverSeconds(std::chrono::milliseconds limit) {
     return static_cast<SQLULEN>(std::max<qint64>(1, limit.count() / 1000 - 1));
 }
 
+DataError lostInTransaction(const QString& dataSource) {
+    return DataError(ErrorKind::NoConnection, dataSource,
+                     QStringLiteral("the connection was lost in the transaction"))
+        .inFinnish(QStringLiteral("yhteys katkesi kesken tapahtuman"));
+}
+
 }  // namespace
 
 // --- the link
@@ -40,11 +46,11 @@ void OdbcLink::connect() {
 OdbcSession& OdbcLink::session() {
     if (m_isClosed)
         throw DataError(ErrorKind::NoConnection, m_settings.dataSource,
-                        QStringLiteral("the connection was closed"));
+                        QStringLiteral("the connection was closed"))
+            .inFinnish(QStringLiteral("yhteys on suljettu"));
     if (!m_session || m_session->isLost()) {
         if (m_inTransaction)
-            throw DataError(ErrorKind::NoConnection, m_settings.dataSource,
-                            QStringLiteral("the connection was lost in the transaction"));
+            throw lostInTransaction(m_settings.dataSource);
         connect();
     }
     return *m_session;
@@ -110,7 +116,8 @@ void OdbcLink::discard(std::shared_ptr<PreparedOdbc> unwanted) {
 void OdbcLink::guarded(const PreparedOdbc& statement, std::function<void()> job) {
     if (!m_session || &statement.handles() != m_session->handles().get())
         throw DataError(ErrorKind::NoConnection, m_settings.dataSource,
-                        QStringLiteral("the connection was lost while a result was read"));
+                        QStringLiteral("the connection was lost while a result was read"))
+            .inFinnish(QStringLiteral("yhteys katkesi, kun tulosta luettiin"));
     m_session->guarded(std::move(job), m_session->statementLimit(), statement.sql());
 }
 
@@ -124,10 +131,14 @@ void OdbcLink::inTransaction(const std::function<void()>& body) {
     const auto end = [this](bool commit) {
         m_inTransaction = false;
         if (m_session->isLost())
-            throw DataError(ErrorKind::NoConnection, m_settings.dataSource,
-                            QStringLiteral("the connection was lost in the transaction"));
-        m_session->endTransaction(commit);
-        m_session->setAutoCommit(true);
+            throw lostInTransaction(m_settings.dataSource);
+        try {
+            m_session->endTransaction(commit);
+            m_session->setAutoCommit(true);
+        } catch (const DataError&) {
+            leaveTransaction();
+            throw;
+        }
     };
     try {
         body();
@@ -140,6 +151,21 @@ void OdbcLink::inTransaction(const std::function<void()>& body) {
         throw;
     }
     end(true);
+}
+
+// Undone first: the switch to automatic commits would store what was not committed. A session that
+// cannot do it is not used again: its next statements would belong to a transaction that never
+// ends.
+void OdbcLink::leaveTransaction() {
+    if (m_session->isLost())
+        return;
+    try {
+        m_session->endTransaction(false);
+        m_session->setAutoCommit(true);
+    } catch (const DataError& error) {
+        traceOdbc(error.english());
+        m_session->handles()->isLost = true;
+    }
 }
 
 void OdbcLink::setLockWait(std::chrono::milliseconds wait) {

@@ -73,7 +73,8 @@ void connectHandles(OdbcHandles& handles, const OdbcSettings& settings) {
     if (!odbcSucceeded(odbcCall("SQLAllocHandle", SQLAllocHandle, SQLSMALLINT(SQL_HANDLE_ENV),
                                 SQLHANDLE(SQL_NULL_HANDLE), &handles.environment)))
         throw DataError(ErrorKind::NoConnection, settings.dataSource,
-                        QStringLiteral("the ODBC driver manager does not start"));
+                        QStringLiteral("the ODBC driver manager does not start"))
+            .inFinnish(QStringLiteral("ODBC-ajurinhallinta ei käynnisty"));
     odbcCall("SQLSetEnvAttr", SQLSetEnvAttr, handles.environment, SQLINTEGER(SQL_ATTR_ODBC_VERSION),
              asPointer(SQL_OV_ODBC3), SQLINTEGER(0));
     if (!odbcSucceeded(odbcCall("SQLAllocHandle", SQLAllocHandle, SQLSMALLINT(SQL_HANDLE_DBC),
@@ -157,7 +158,12 @@ void OdbcSession::guarded(std::function<void()> job, std::chrono::milliseconds l
         throw DataError(ErrorKind::NoConnection, m_dataSource,
                         QStringLiteral("no answer within %1 s: \"%2\"")
                             .arg(static_cast<double>(limit.count()) / 1000)
-                            .arg(where));
+                            .arg(where))
+            .inFinnish(
+                QStringLiteral("ei vastausta %1 sekunnissa: \"%2\"")
+                    .arg(static_cast<double>(limit.count()) / 1000)
+                    .arg(where),
+                QStringLiteral("Tarkista, että tietokantapalvelin on käynnissä ja verkko toimii."));
     }
 }
 

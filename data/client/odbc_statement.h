@@ -41,6 +41,7 @@ class OdbcLink {
     void connect();
     /// Frees a statement's handle, off this thread.
     void discard(std::shared_ptr<PreparedOdbc> unwanted);
+    void leaveTransaction();
     void sendLockWait();
     bool isDateColumn(const QString& name);
     void readDateColumns();
