@@ -10,12 +10,12 @@
 
 #include "app/company/company.h"
 #include "app/company/connection_module.h"
-#include "data/record/value_conversion.h"
 #include "framework/core/settings_table.h"
 #include "framework/ui/dialogs.h"
 #include "search/drag_source.h"
 #include "search/search_grid.h"
 #include "search/table_model.h"
+#include "search/product_settings.h"
 
 namespace search {
 
@@ -28,10 +28,6 @@ const QString kPassive = QStringLiteral("passiivinen");
 bool& choosing() {
     static bool going = false;
     return going;
-}
-
-bool isOn(const QString& setting) {
-    return data::valueToBoolean(setting.trimmed());
 }
 
 class Hourglass {
@@ -80,9 +76,9 @@ void TBtrHakuForm::FormCreate() {
     }
     data::Database& database = company::companyDatabase();
     AlueRajaus->setChecked(
-        isOn(framework::zavIniValue(database, kZavSection, QStringLiteral("ALUERAJAUS"))));
+        isSettingOn(framework::zavIniValue(database, kZavSection, QStringLiteral("ALUERAJAUS"))));
     m_searchSecondName =
-        isOn(framework::zavIniValue(database, kZavSection, QStringLiteral("niminimi2haku")));
+        isSettingOn(framework::zavIniValue(database, kZavSection, QStringLiteral("niminimi2haku")));
     const QChar start = startCharacter(
         framework::zavIniValue(database, kZavSection, QStringLiteral("HakuAlkuMerkki")));
     TAlkuMerkkiEdit::setProgramStartCharacter(start);

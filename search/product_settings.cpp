@@ -8,13 +8,13 @@ namespace {
 
 const QString kGeneralSection = QStringLiteral("ASETUKSIA");
 
-bool isOn(const QString& value) {
-    const QString text = value.trimmed();
-    return !text.isEmpty() && text != QLatin1String("0") &&
-           text.compare(QLatin1String("false"), Qt::CaseInsensitive) != 0;
-}
-
 }  // namespace
+
+bool isSettingOn(const QString& text) {
+    const QString value = text.trimmed();
+    return !value.isEmpty() && value != QLatin1String("0") &&
+           value.compare(QLatin1String("false"), Qt::CaseInsensitive) != 0;
+}
 
 ProductSettings readProductSettings(data::Database& database) {
     const auto value = [&](const char* key, const QString& fallback) {
@@ -25,15 +25,15 @@ ProductSettings readProductSettings(data::Database& database) {
     const int store = value("Myymala", QStringLiteral("1")).trimmed().toInt(&isNumber);
     if (isNumber)
         settings.store = store;
-    settings.purchasePricesHidden = isOn(value("OstoHintaEiNay", QStringLiteral("0")));
+    settings.purchasePricesHidden = isSettingOn(value("OstoHintaEiNay", QStringLiteral("0")));
     settings.priceFormat = value("Tuotehintamuoto", QStringLiteral("#######.##"));
     settings.webShopInUse = webShopInUse(database);
     return settings;
 }
 
 bool webShopInUse(data::Database& database) {
-    return isOn(framework::zavIniValue(database, QStringLiteral("VERKKOKAUPPA"),
-                                       QStringLiteral("Kaytossa"), QStringLiteral("0")));
+    return isSettingOn(framework::zavIniValue(database, QStringLiteral("VERKKOKAUPPA"),
+                                              QStringLiteral("Kaytossa"), QStringLiteral("0")));
 }
 
 }  // namespace search

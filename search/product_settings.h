@@ -17,6 +17,9 @@ struct ProductSettings {
 
 ProductSettings readProductSettings(data::Database& database);
 
+/// What the text of a yes-or-no setting means.
+bool isSettingOn(const QString& text);
+
 /// Whether the company sells in a web shop.
 bool webShopInUse(data::Database& database);
 

@@ -162,6 +162,19 @@ TEST_F(SearchFormTest, RangesByTheKindOfTheKey) {
 
 TEST_F(SearchFormTest, DropsMakeFilters) {
     drop(QStringLiteral("2"), "RYHMA");
+TEST_F(SearchFormTest, YesAndNoOfTheSettings) {
+    m_company.exec(
+        QStringLiteral("insert into ini values ('ZAV.INI', 'ASETUKSIA', 'ALUERAJAUS', '')"));
+    const std::pair<const char*, bool> cases[] = {{"", false}, {"0", false}, {" False ", false},
+                                                  {"1", true}, {"K", true},  {"on", true}};
+    for (const auto& [text, on] : cases) {
+        m_company.exec(QStringLiteral("update ini set data = '%1' where avain = 'ALUERAJAUS'")
+                           .arg(QLatin1String(text)));
+        create();
+        EXPECT_EQ(m_form->AlueRajaus->isChecked(), on) << text;
+    }
+}
+
     EXPECT_EQ(numbers(), QStringList({"200", "341"}));
     EXPECT_EQ(m_form->Hakutable->filter(), QStringLiteral("passiivinen = false and (RYHMA=2)"));
     drop(QStringLiteral("kahvi"), "NIMI");  // replaces the first condition
