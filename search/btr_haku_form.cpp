@@ -5,17 +5,19 @@
 #include <QDebug>
 #include <QDrag>
 #include <QHeaderView>
+#include <QPointer>
 #include <QScrollBar>
 #include <algorithm>
+#include <utility>
 
 #include "app/company/company.h"
 #include "app/company/connection_module.h"
 #include "framework/core/settings_table.h"
 #include "framework/ui/dialogs.h"
 #include "search/drag_source.h"
+#include "search/product_settings.h"
 #include "search/search_grid.h"
 #include "search/table_model.h"
-#include "search/product_settings.h"
 
 namespace search {
 
@@ -122,8 +124,9 @@ void TBtrHakuForm::connectControls() {
         bar->setValue(bar->value() + by);
     });
     connect(m_model.get(), &TableModel::countChanged, this, &TBtrHakuForm::updateNavigator);
-    connect(m_model.get(), &TableModel::failed, this,
-            [this](const QString& text) { framework::Dialogs::error(this, text); });
+    connect(m_model.get(), &TableModel::outdated, this,
+            [this] { guarded([this] { showRechecked(); }); });
+    connect(m_model.get(), &TableModel::failed, this, &TBtrHakuForm::tellError);
     for (QWidget* watched : {static_cast<QWidget*>(SearchEdit), static_cast<QWidget*>(Suodatin),
                              static_cast<QWidget*>(DBGrid1), static_cast<QWidget*>(IndexCombo),
                              static_cast<QWidget*>(AlueRajaus), static_cast<QWidget*>(Passiiviset),
@@ -138,7 +141,23 @@ void TBtrHakuForm::connectControls() {
 }
 
 bool TBtrHakuForm::guarded(const std::function<void()>& work) {
-    return framework::reportErrors(this, work);
+    try {
+        work();
+        return true;
+    } catch (const std::exception& error) {
+        tellError(framework::errorText(error));
+    }
+    return false;
+}
+
+// Closing the box activates the window. That activation reads nothing anew: a table that cannot be
+// read would bring one box after the other, and the window could not be left any more.
+void TBtrHakuForm::tellError(const QString& text) {
+    const QPointer<TBtrHakuForm> self(this);
+    m_ownActivation = true;
+    framework::Dialogs::error(this, text);
+    if (self && isActiveWindow())  // activated already
+        m_ownActivation = false;
 }
 
 // --- what descendants may replace
@@ -180,11 +199,19 @@ void TBtrHakuForm::currentChanged(int row) {
     updateNavigator();
 }
 
-// Makes the table stand on a row's record.
-void TBtrHakuForm::placeTable(int row) {
+// Makes the table stand on a row's record. @return false, with the table where it was, when the row
+// is not known yet or its record is gone.
+bool TBtrHakuForm::placeTable(int row) {
     const auto record = m_model->record(row);
-    if (record)
-        Hakutable->gotoBookmark({record->id, record->bytes});
+    return record && Hakutable->gotoBookmark({record->id, record->bytes});
+}
+
+// Whether the table's record, read just now, still is the row that was shown: it belongs to the
+// view, and its place was not given to another record.
+bool TBtrHakuForm::isStillShown(const data::StoredRecord& shown) const {
+    return m_model->rows().isWanted(Hakutable->recordId(), Hakutable->recordBytes()) &&
+           Hakutable->fieldByName(m_resultField).asString() ==
+               RecordRow(recordLayout(), shown).text(m_resultField);
 }
 
 void TBtrHakuForm::goToRow(int row) {
@@ -228,21 +255,39 @@ void TBtrHakuForm::refreshRows(bool all) {
         return;
     const Hourglass hourglass;
     dropCaches();
-    const bool same = !all && Hakutable->recordCount() == m_model->rows().total();
     Hakutable->refresh();
-    if (same) {
-        m_model->reread();
+    const RecordRows& rows = m_model->rows();
+    if (all || (rows.isPlain() && Hakutable->recordCount() != rows.total())) {
+        showRows(rows.range(), rows.accept());
         return;
     }
-    const RecordRows& rows = m_model->rows();
-    showRows(rows.range(), rows.accept());
+    m_model->reread();
+    m_model->recheck();
+}
+
+// What was changed elsewhere has brought other rows: the current one stays where it is seen.
+void TBtrHakuForm::showRechecked() {
+    if (choosing())  // the table stands on what is handed over; the next activation looks again
+        return;
+    QScrollBar* bar = DBGrid1->verticalScrollBar();
+    const int above = DBGrid1->currentIndex().row() - bar->value();
+    const std::optional<data::StoredRecord> stay = currentRecord();
+    m_model->showRechecked();
+    const int row = std::max(stay ? m_model->rowOf(*stay) : 0, 0);
+    goToRow(row);
+    bar->setValue(row - above);
+}
+
+// The record that the table stands on.
+std::optional<data::StoredRecord> TBtrHakuForm::currentRecord() const {
+    if (Hakutable->isEmpty())
+        return std::nullopt;
+    return data::StoredRecord{Hakutable->recordId(), Hakutable->recordBytes()};
 }
 
 // Shows other rows, staying on the current record where it is among them.
 void TBtrHakuForm::showRows(std::optional<RecordRows::Range> range, RecordRows::Accept accept) {
-    std::optional<data::StoredRecord> stay;
-    if (!Hakutable->isEmpty())
-        stay = data::StoredRecord{Hakutable->recordId(), Hakutable->recordBytes()};
+    const std::optional<data::StoredRecord> stay = currentRecord();
     m_model->show(Hakutable->indexName().toInt(), std::move(range), std::move(accept));
     const bool isFirst = !m_shown;
     m_shown = true;
@@ -311,7 +356,16 @@ void TBtrHakuForm::DBGrid1DblClick() {
     } const going;
     qDebug().noquote() << "sender is" << DBGrid1->metaObject()->className();
     guarded([this] {
-        placeTable(DBGrid1->currentIndex().row());
+        const int row = DBGrid1->currentIndex().row();
+        const auto shown = m_model->record(row);
+        if (!shown && !m_model->rows().isKnown(row)) {
+            goToRow(row);  // still blank: once it is read, the next time chooses it
+            return;
+        }
+        if (!placeTable(row) || !isStillShown(*shown)) {
+            rowIsGone(shown);
+            return;
+        }
         if (!Jatahakuauki->isChecked()) {
             if (isModal())
                 accept();
@@ -321,6 +375,16 @@ void TBtrHakuForm::DBGrid1DblClick() {
         if (m_choose)
             m_choose(DBGrid1, *Hakutable);
     });
+}
+
+// The row to be chosen is no longer what it shows: nothing is chosen in its stead.
+void TBtrHakuForm::rowIsGone(const std::optional<data::StoredRecord>& shown) {
+    refreshRows(true);
+    if (shown)
+        goToRow(std::max(m_model->rowOf(*shown), 0));
+    framework::Dialogs::message(
+        this, QStringLiteral("Riviä ei voi valita: se on poistettu tai sitä on muutettu muualla. "
+                             "Rivit luettiin uudelleen."));
 }
 
 void TBtrHakuForm::Peruuta() {
@@ -362,7 +426,8 @@ void TBtrHakuForm::showEvent(QShowEvent* event) {
 
 bool TBtrHakuForm::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate && m_created) {
-        if (m_activatedOnce)
+        const bool own = std::exchange(m_ownActivation, false);
+        if (m_activatedOnce && !own && !choosing())
             guarded([this] { refreshRows(false); });
         m_activatedOnce = true;
     }

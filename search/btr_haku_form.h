@@ -189,9 +189,14 @@ class TBtrHakuForm : public QDialog {
     void wantVisible();
     void showRows(std::optional<RecordRows::Range> range, RecordRows::Accept accept);
     void describeRows();
-    void placeTable(int row);
+    std::optional<data::StoredRecord> currentRecord() const;
+    bool placeTable(int row);
+    bool isStillShown(const data::StoredRecord& shown) const;
     void goToRow(int row);
     void refreshRows(bool all);
+    void showRechecked();
+    void rowIsGone(const std::optional<data::StoredRecord>& shown);
+    void tellError(const QString& text);
     void DBGrid1DblClick();
     void Peruuta();
     void startRowDrag();
@@ -209,6 +214,7 @@ class TBtrHakuForm : public QDialog {
     bool m_created = false;
     bool m_shown = false;          // rows have been shown once
     bool m_activatedOnce = false;  // the first activation shows what was just read
+    bool m_ownActivation = false;  // the next one is the window's own doing: nothing is read anew
     bool m_leaving = false;
     bool m_recordFiltering = false;  // the rows are those of a record-by-record search
     bool m_searchSecondName = false;

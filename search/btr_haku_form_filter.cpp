@@ -199,9 +199,7 @@ bool TBtrHakuForm::searchRecords(std::function<bool(const data::StoredRecord&)> 
             return false;
         return PerusSuodata(RecordRow(recordLayout(), record));
     };
-    std::optional<data::StoredRecord> stay;
-    if (!Hakutable->isEmpty())
-        stay = data::StoredRecord{Hakutable->recordId(), Hakutable->recordBytes()};
+    const std::optional<data::StoredRecord> stay = currentRecord();
     bool found = false;
     {
         // QDialog would end its modal loop when it is hidden; the window only leaves the screen.
@@ -216,6 +214,7 @@ bool TBtrHakuForm::searchRecords(std::function<bool(const data::StoredRecord&)> 
             wait.hide();
             HakuLabel->hide();
             if (wasVisible) {
+                m_ownActivation = true;     // the rows have just been read
                 QWidget::setVisible(true);  // NOLINT(bugprone-parent-virtual-call): as above
                 raise();
                 activateWindow();

@@ -51,6 +51,10 @@ class RecordRows {
     bool isCountExact() const { return isPlain() || (m_startReached && m_endReached); }
     /// Whether the row's record can be told now.
     bool isKnown(qint64 row) const;
+    /// Whether a record, as it is now, belongs to the view.
+    bool isWanted(data::RecordId id, const QByteArray& bytes) const;
+    /// Whether the known rows are the same records in the same order.
+    bool hasSameRows(const RecordRows& other) const { return m_ids == other.m_ids; }
 
     /// Walks on, for as long as the deadline lets it. @return false when nothing is left to do.
     /// `change` tells what became of the row numbers.
@@ -78,7 +82,6 @@ class RecordRows {
 
   private:
     void begin(const data::StoredRecord& first, qint64 itsPlace);
-    bool isWanted(data::RecordId id, const QByteArray& bytes) const;
     void beginFromStart();
     bool walk(data::Direction direction, const QDeadlineTimer& deadline);
     void take(const data::StoredRecord& record, data::Direction direction);

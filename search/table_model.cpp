@@ -183,6 +183,7 @@ void TableModel::learnFirstRows() {
 void TableModel::show(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept) {
     RecordRows fresh(m_table.file());
     fresh.show(key, std::move(range), std::move(accept));
+    m_recheck.reset();
     beginResetModel();
     m_rows = std::move(fresh);
     learnFirstRows();
@@ -197,6 +198,7 @@ bool TableModel::search(int key, std::optional<RecordRows::Range> range, RecordR
     fresh.show(key, std::move(range), std::move(accept));
     if (!fresh.learnAll(goOn))
         return false;
+    m_recheck.reset();
     beginResetModel();
     m_rows = std::move(fresh);
     restarted();
@@ -292,6 +294,37 @@ void TableModel::reread() {
         Q_EMIT dataChanged(index(0, 0), index(m_rowCount - 1, columnCount() - 1));
 }
 
+void TableModel::recheck() {
+    if (m_rows.isPlain())
+        return;
+    RecordRows fresh(m_table.file());
+    fresh.show(m_rows.key(), m_rows.range(), m_rows.accept());
+    m_recheck = std::move(fresh);
+    m_idle.start();
+}
+
+void TableModel::showRechecked() {
+    Q_ASSERT(m_recheck && m_recheck->isCountExact());
+    beginResetModel();
+    m_rows = std::move(*m_recheck);
+    m_recheck.reset();
+    restarted();
+    endResetModel();
+    Q_EMIT countChanged();
+}
+
+// @return whether there is more to walk.
+bool TableModel::learnRechecked(const QDeadlineTimer& deadline) {
+    RecordRows::Change ignored;
+    if (m_recheck->learn(deadline, ignored))
+        return true;
+    if (m_recheck->hasSameRows(m_rows))
+        m_recheck.reset();
+    else
+        Q_EMIT outdated();
+    return false;
+}
+
 void TableModel::learnAll() {
     bool more = true;
     while (more) {
@@ -307,9 +340,13 @@ void TableModel::idle() {
     RecordRows::Change change;
     bool more = false;
     try {
-        more = m_rows.learn(QDeadlineTimer(kIdleSliceMs), change);
+        const QDeadlineTimer slice(kIdleSliceMs);
+        more = m_recheck && m_rows.isCountExact()
+                   ? learnRechecked(slice)
+                   : m_rows.learn(slice, change) || m_recheck.has_value();
     } catch (const data::DataError& error) {
         m_idle.stop();
+        m_recheck.reset();
         apply(change);
         Q_EMIT failed(framework::errorText(error));
         return;

@@ -59,6 +59,12 @@ class TableModel : public QAbstractTableModel {
     bool want(int first, int last, bool mayRestart);
     /// Reads the records anew, keeping row numbers.
     void reread();
+    /// Walks a view that is not plain anew in idle time, beside the rows shown, and tells
+    /// outdated() when it has found others: what was changed elsewhere comes in or goes, and where
+    /// nothing was, the rows stay as they are.
+    void recheck();
+    /// Shows what recheck() has found; selection and current row go.
+    void showRechecked();
     /// Walks on until every row is known, however long it takes.
     void learnAll();
 
@@ -66,6 +72,7 @@ class TableModel : public QAbstractTableModel {
     /// So many rows were inserted (or, negative, taken away) before the known ones.
     void rowsShifted(int by);
     void countChanged();
+    void outdated();
     void failed(const QString& text);
 
   private:
@@ -76,6 +83,7 @@ class TableModel : public QAbstractTableModel {
     const data::StoredRecord* find(qint64 row) const;
     void apply(const RecordRows::Change& change);
     void idle();
+    bool learnRechecked(const QDeadlineTimer& deadline);
     void restarted();
     void learnFirstRows();
     int toRow(std::optional<qint64> row, bool wasRestarted);
@@ -85,6 +93,7 @@ class TableModel : public QAbstractTableModel {
     std::vector<GridColumn> m_columns;
     std::vector<const data::TField*> m_fields;  // by column; null: computed
     mutable RecordRows m_rows;
+    std::optional<RecordRows> m_recheck;  // the same view, walked anew
     int m_rowCount = 0;
     qint64 m_offset = 0;  // from the row numbers told to m_rows', while a change is being told
     mutable QCache<qint64, Page> m_pages;
