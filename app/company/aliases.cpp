@@ -1,22 +1,22 @@
 #include "app/company/aliases.h"
 
-#include <QSettings>
+#include <QVariant>
 #include <algorithm>
-#include <memory>
 #include <vector>
 
 #include "app/company/company.h"
-#include "app/company/ini_file.h"
-#include "app/company/user_settings.h"
+#include "app/company/settings_store.h"
 #include "data/error.h"
 
 namespace company {
 
 namespace {
 
-const QString kAliases = QStringLiteral("Aliases/");
-const QString kPhysicalName = QStringLiteral("/PhysicalName");
-const QString kLocalFilePath = QStringLiteral("/LocalFilePath");
+const QString kAliases = QStringLiteral("Aliases");
+const QString kPhysicalName = QStringLiteral("PhysicalName");
+const QString kLocalFilePath = QStringLiteral("LocalFilePath");
+
+using Use = SettingsStore::Use;
 
 /// The settings of an alias that are written only where they are set.
 struct OptionalSetting {
@@ -24,62 +24,19 @@ struct OptionalSetting {
     QString Alias::*value;
 };
 constexpr OptionalSetting kOptionalSettings[] = {
-    {"/OwnerName", &Alias::ownerName},   {"/Server", &Alias::server},
-    {"/DataSource", &Alias::dataSource}, {"/UserName", &Alias::userName},
-    {"/Password", &Alias::password},     {"/OdbcAttributes", &Alias::odbcAttributes},
+    {"OwnerName", &Alias::ownerName},   {"Server", &Alias::server},
+    {"DataSource", &Alias::dataSource}, {"UserName", &Alias::userName},
+    {"Password", &Alias::password},     {"OdbcAttributes", &Alias::odbcAttributes},
 };
 constexpr qsizetype kMaxNameLength = 80;
 
-using Store = std::unique_ptr<QSettings>;
-
-void requireHealthy(const QSettings& store) {
-    if (store.status() == QSettings::FormatError)
-        throw data::DataError(data::ErrorKind::Damaged, store.fileName(),
-                              QStringLiteral("the settings file is damaged"));
-    if (store.status() == QSettings::AccessError)
-        throw data::DataError(data::ErrorKind::Io, store.fileName(),
-                              QStringLiteral("the settings file cannot be read or written"));
-}
-
-#ifndef Q_OS_WIN
-/// QSettings takes a file that it cannot open for a missing one, and tells of a damaged one only
-/// the first time in a process; then it would write what it could read of it in its place.
-void requireReadable(const QString& fileName) {
-    if (const int line = IniFile::read(fileName).strayLine(); line > 0)
-        throw data::DataError(data::ErrorKind::Damaged, fileName,
-                              QStringLiteral("line %1 is no setting").arg(line));
-}
-#endif
-
-/// The places that may know an alias, the one that is written first.
-std::vector<Store> openStores() {
-    std::vector<Store> stores;
-#ifdef Q_OS_WIN
-    // The user's part is one for programs of 32 and 64 bits. The machine's part is two: what a
-    // 32-bit program registers for all users stands in its own.
-    const QString user = QStringLiteral("HKEY_CURRENT_USER\\Software\\Taksavaihe");
-    const QString machine = QStringLiteral("HKEY_LOCAL_MACHINE\\Software\\Taksavaihe");
-    stores.push_back(std::make_unique<QSettings>(user, QSettings::NativeFormat));
-    stores.push_back(std::make_unique<QSettings>(machine, QSettings::Registry64Format));
-    stores.push_back(std::make_unique<QSettings>(machine, QSettings::Registry32Format));
-#else
-    const QString file = userSettingsFolder() + QStringLiteral("/aliases.ini");
-    requireReadable(file);
-    stores.push_back(std::make_unique<QSettings>(file, QSettings::IniFormat));
-#endif
-    return stores;
-}
-
-QStringList namesIn(QSettings& store) {
-    store.beginGroup(kAliases);
-    QStringList names = store.childGroups();
-    store.endGroup();
-    return names;
+QString groupOf(const QString& name) {
+    return kAliases + u'/' + name;
 }
 
 /// The name as the store writes it; empty when it has none such.
-QString spellingIn(QSettings& store, const QString& name) {
-    const QStringList names = namesIn(store);
+QString spellingIn(const SettingsStore& store, const QString& name) {
+    const QStringList names = store.groupsIn(kAliases);
     if (names.contains(name))
         return name;
     const auto found = std::find_if(names.begin(), names.end(), [&name](const QString& known) {
@@ -88,20 +45,14 @@ QString spellingIn(QSettings& store, const QString& name) {
     return found == names.end() ? QString() : *found;
 }
 
-Alias readAlias(const QSettings& store, const QString& name) {
-    const QString key = kAliases + name;
-    Alias alias{name,
-                store.value(key + kPhysicalName).toString(),
-                store.value(key + kLocalFilePath).toString(),
-                {}};
+Alias readAlias(const SettingsStore& store, const QString& name) {
+    const auto read = [&, group = groupOf(name)](const QString& key) {
+        return store.value(group, key).value_or(QString());
+    };
+    Alias alias{name, read(kPhysicalName), read(kLocalFilePath), {}};
     for (const OptionalSetting& setting : kOptionalSettings)
-        alias.*setting.value = store.value(key + QLatin1String(setting.key)).toString();
+        alias.*setting.value = read(QLatin1String(setting.key));
     return alias;
-}
-
-void writeThrough(QSettings& store) {
-    store.sync();
-    requireHealthy(store);
 }
 
 enum class NameFault { None, Empty, Blanks, Long, Control, Separator, Dots, Switch };
@@ -130,8 +81,8 @@ NameFault nameFault(const QString& name) {
 
 QStringList aliasNames() {
     QStringList names;
-    for (const Store& store : openStores()) {
-        for (const QString& name : namesIn(*store)) {
+    for (const SettingsStore& store : SettingsStore::openAll(Use::Read)) {
+        for (const QString& name : store.groupsIn(kAliases)) {
             const bool known = std::any_of(names.begin(), names.end(), [&name](const QString& n) {
                 return sameIgnoringAsciiCase(n, name);
             });
@@ -144,10 +95,10 @@ QStringList aliasNames() {
 }
 
 std::optional<Alias> findAlias(const QString& name) {
-    for (const Store& store : openStores()) {
-        const QString spelling = spellingIn(*store, name);
+    for (const SettingsStore& store : SettingsStore::openAll(Use::Read)) {
+        const QString spelling = spellingIn(store, name);
         if (!spelling.isEmpty())
-            return readAlias(*store, spelling);
+            return readAlias(store, spelling);
     }
     return std::nullopt;
 }
@@ -155,27 +106,29 @@ std::optional<Alias> findAlias(const QString& name) {
 void storeAlias(const Alias& alias) {
     if (const QString problem = aliasNameProblem(alias.name); !problem.isEmpty())
         throw data::DataError(data::ErrorKind::BadValue, QString(), problem);
-    const std::vector<Store> stores = openStores();
-    QSettings& store = *stores.front();
+    std::vector<SettingsStore> stores = SettingsStore::openAll(Use::Write);
+    SettingsStore& store = stores.front();
     if (const QString old = spellingIn(store, alias.name); !old.isEmpty())
-        store.remove(kAliases + old);
-    const QString key = kAliases + alias.name;
-    store.setValue(key + kPhysicalName, alias.physicalName);
-    store.setValue(key + kLocalFilePath, alias.localFilePath);
+        store.removeGroup(groupOf(old));
+    const QString group = groupOf(alias.name);
+    store.add(group, kPhysicalName, alias.physicalName);
+    store.add(group, kLocalFilePath, alias.localFilePath);
     for (const OptionalSetting& setting : kOptionalSettings)
         if (const QString& value = alias.*setting.value; !value.isEmpty())
-            store.setValue(key + QLatin1String(setting.key), value);
-    writeThrough(store);
+            store.add(group, QLatin1String(setting.key), value);
+    store.save();
 }
 
 bool removeAlias(const QString& name) {
+    if (!findAlias(name))
+        return false;
     bool removed = false;
-    for (const Store& store : openStores()) {
-        const QString spelling = spellingIn(*store, name);
+    for (SettingsStore& store : SettingsStore::openAll(Use::Write)) {
+        const QString spelling = spellingIn(store, name);
         if (spelling.isEmpty())
             continue;
-        store->remove(kAliases + spelling);
-        writeThrough(*store);
+        store.removeGroup(groupOf(spelling));
+        store.save();
         removed = true;
     }
     return removed;
@@ -231,8 +184,8 @@ QString aliasNameProblemFinnish(const QString& name) {
 }
 
 QString engineSetting(const QString& key) {
-    for (const Store& store : openStores()) {
-        const QString value = store->value(QStringLiteral("Engine/") + key).toString();
+    for (const SettingsStore& store : SettingsStore::openAll(Use::Read)) {
+        const QString value = store.value(QStringLiteral("Engine"), key).value_or(QString());
         if (!value.isEmpty())
             return value;
     }
@@ -240,10 +193,10 @@ QString engineSetting(const QString& key) {
 }
 
 bool localDefinitions(const QString& formName) {
-    const QString key = QStringLiteral("Lomakkeet/%1/PaikallinenMaaritys").arg(formName);
-    for (const Store& store : openStores()) {
-        if (store->contains(key))
-            return store->value(key).toBool();
+    const QString group = QStringLiteral("Lomakkeet/") + formName;
+    for (const SettingsStore& store : SettingsStore::openAll(Use::Read)) {
+        if (const auto value = store.value(group, QStringLiteral("PaikallinenMaaritys")))
+            return QVariant(*value).toBool();
     }
     return false;
 }

@@ -100,6 +100,12 @@ data::DataError damaged(const QString& fileName, const QString& what) {
     return {data::ErrorKind::Damaged, fileName, what};
 }
 
+IniFile::Entry entryOf(const Section& section, const Line& line) {
+    const QStringView text =
+        withoutBlanks(QStringView(line.text).sliced(line.text.indexOf(u'=') + 1));
+    return {section.name, line.key, text.toString()};
+}
+
 [[noreturn]] void failWrite(const QSaveFile& file) {
     data::ErrorKind kind = data::ErrorKind::Io;
     if (file.error() == QFileDevice::PermissionsError)
@@ -125,6 +131,33 @@ struct IniFile::Data {
             std::find_if(sections.begin() + 1, sections.end(),
                          [&name](const Section& section) { return sameName(section.name, name); });
         return found == sections.end() ? nullptr : &*found;
+    }
+
+    /// Adds a line behind the last key of a section, which is made when it is missing.
+    void add(const QString& section, Line line) {
+        Section* target = find(section);
+        if (!target) {
+            // An empty line sets the new section off from what stands before it.
+            if (Section& last = sections.back();
+                !(last.lines.empty() ? last.header.isEmpty() : last.lines.back().text.isEmpty()))
+                last.lines.push_back({});
+            sections.push_back({u'[' + section + u']', section, {}});
+            target = &sections.back();
+        }
+        const auto lastKey = std::find_if(target->lines.rbegin(), target->lines.rend(),
+                                          [](const Line& known) { return !known.key.isEmpty(); });
+        target->lines.insert(lastKey.base(), std::move(line));
+    }
+
+    QString text() const {
+        QString text;
+        for (const Section& section : sections) {
+            if (!section.header.isEmpty())
+                text += section.header + lineEnd;
+            for (const Line& line : section.lines)
+                text += line.text + lineEnd;
+        }
+        return text;
     }
 
     Line* find(const QString& sectionName, const QString& key) {
@@ -196,13 +229,7 @@ IniFile IniFile::parse(const QByteArray& bytes, const QString& fileName) {
 }
 
 QByteArray IniFile::toBytes() const {
-    QString text;
-    for (const Section& section : m_data->sections) {
-        if (!section.header.isEmpty())
-            text += section.header + m_data->lineEnd;
-        for (const Line& line : section.lines)
-            text += line.text + m_data->lineEnd;
-    }
+    const QString text = m_data->text();
     QByteArray bytes;
     if (!data::toWindows1252(text, bytes) || (bytes.isValidUtf8() && !isAscii(bytes)))
         bytes = text.toUtf8();
@@ -213,6 +240,16 @@ void IniFile::write(const QString& fileName) const {
     QSaveFile file(fileName);
     const QByteArray bytes = toBytes();
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+        failWrite(file);
+}
+
+void IniFile::writePrivate(const QString& fileName) const {
+    QSaveFile file(fileName);
+    const QByteArray bytes = m_data->text().toUtf8();
+    // before there is anything to read
+    if (!file.open(QIODevice::WriteOnly) ||
+        !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) ||
+        file.write(bytes) != bytes.size() || !file.commit())
         failWrite(file);
 }
 
@@ -256,18 +293,29 @@ void IniFile::setValue(const QString& section, const QString& key, const QString
             *line = {line->key + u'=' + writtenValue(clean), line->key, clean};
         return;
     }
-    Section* target = m_data->find(section);
-    if (!target) {
-        // An empty line sets the new section off from what stands before it.
-        if (Section& last = m_data->sections.back();
-            !(last.lines.empty() ? last.header.isEmpty() : last.lines.back().text.isEmpty()))
-            last.lines.push_back({});
-        m_data->sections.push_back({u'[' + section + u']', section, {}});
-        target = &m_data->sections.back();
+    m_data->add(section, {key + u'=' + writtenValue(clean), key, clean});
+}
+
+std::vector<IniFile::Entry> IniFile::entries() const {
+    std::vector<Entry> all;
+    for (const Section& section : m_data->sections) {
+        for (const Line& line : section.lines) {
+            if (!line.key.isEmpty())
+                all.push_back(entryOf(section, line));
+        }
     }
-    const auto lastKey = std::find_if(target->lines.rbegin(), target->lines.rend(),
-                                      [](const Line& line) { return !line.key.isEmpty(); });
-    target->lines.insert(lastKey.base(), {key + u'=' + writtenValue(clean), key, clean});
+    return all;
+}
+
+void IniFile::add(const Entry& entry) {
+    m_data->add(entry.section, parseLine(entry.key + u'=' + entry.text));
+}
+
+void IniFile::remove(const std::function<bool(const Entry&)>& unwanted) {
+    for (Section& section : m_data->sections)
+        std::erase_if(section.lines, [&](const Line& line) {
+            return !line.key.isEmpty() && unwanted(entryOf(section, line));
+        });
 }
 
 bool IniFile::removeKey(const QString& section, const QString& key) {

@@ -3,8 +3,10 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace company {
 
@@ -37,6 +39,8 @@ class IniFile {
     /// one. The folder must exist.
     /// @throws data::DataError(Io, DiskFull, ReadOnly) naming the file.
     void write(const QString& fileName) const;
+    /// As write, but in UTF-8, and only the user may read the file.
+    void writePrivate(const QString& fileName) const;
     QByteArray toBytes() const;
 
     QStringList sections() const;                    ///< in file order, names of equal meaning once
@@ -47,6 +51,17 @@ class IniFile {
     void setValue(const QString& section, const QString& key, const QString& value);
     bool removeKey(const QString& section, const QString& key);
     bool removeSection(const QString& section);
+    /// A key with what follows its "=" in the file, without blanks and tabs at the ends: for files
+    /// whose names and values have a spelling of their own. Empty section: before any.
+    struct Entry {
+        QString section;
+        QString key;
+        QString text;
+    };
+    std::vector<Entry> entries() const;  ///< in file order, those of equal names too
+    /// Adds a key after the section's last one, whatever keys it has.
+    void add(const Entry& entry);
+    void remove(const std::function<bool(const Entry&)>& unwanted);
     bool hasSection(const QString& section) const;
     /// Number of the first line (of a section, or of the file) that is no key, comment or section
     /// name nor empty: it may be what is left of a key. 0 when there is none. Lines count from 1,

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFileInfo>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <vector>
 
@@ -14,6 +16,7 @@
 #include "tests/support/company_folder.h"
 
 #ifndef Q_OS_WIN
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
@@ -120,6 +123,102 @@ TEST_F(AliasesTest, NamesAndFoldersComeBackAndCaseIsIgnored) {
     EXPECT_FALSE(removeAlias(str("demo")));
     EXPECT_FALSE(findAlias(str("demo")));
 }
+
+#ifndef Q_OS_WIN
+// What a person writes into the file counts as it stands, whatever is saved afterwards.
+TEST_F(AliasesTest, AHandWrittenFileLosesNothing) {
+    const struct {
+        const char* text;
+        const char* value;
+    } values[] = {{"/srv/a,b", "/srv/a,b"},
+                  {"Server=h;Port=1583", "Server=h;Port=1583"},
+                  {"\"Server=h;Port=1583\"", "Server=h;Port=1583"},
+                  {"\"/srv/kauppa\"", "/srv/kauppa"},
+                  {"\"C:\\oma\\\"", "C:\\oma\\"},
+                  {"Driver=\"a;b\";Port=1", "Driver=\"a;b\";Port=1"},
+                  {"\"a\" and \"b\"", "\"a\" and \"b\""},
+                  {"C:\\oma\\Kauppa", "C:\\oma\\Kauppa"},
+                  {"C:\\\\oma", "C:\\oma"},
+                  {"100 % ä # x", "100 % ä # x"},
+                  {"@a", "@a"},
+                  {"@@a", "@a"}};
+    const char* const names[] = {"Iso Kauppa Äijä", "a.b-c_d", "50% alv", "%C4%20%U20AC"};
+    const char* const meant[] = {"Iso Kauppa Äijä", "a.b-c_d", "50% alv", "Ä €"};
+    for (const auto& v : values) {
+        QByteArray text("; oma huomautus\n[Engine]\nClientLibrary=/opt/lib,1.so\n\n[Aliases]\n");
+        for (const char* name : names)
+            text += QByteArray(name) + "\\PhysicalName=" + v.text + "\n" + name +
+                    "\\odbcattributes = " + v.text + '\n';
+        text += QByteArray("[Aliases\\Oma osasto]\nPhysicalName=") + v.text + '\n';
+        QDir().mkpath(userSettingsFolder());
+        test::writeFile(settingsFile(), text);
+        for (int round = 0; round < 2; ++round) {
+            EXPECT_EQ(aliasNames().size(), 5 + round);
+            for (const char* name : meant) {
+                const auto alias = findAlias(str(name));
+                ASSERT_TRUE(alias) << name;
+                EXPECT_EQ(alias->physicalName, str(v.value)) << name;
+                EXPECT_EQ(alias->odbcAttributes, str(v.value)) << name;
+            }
+            EXPECT_EQ(findAlias(str("Oma osasto"))->physicalName, str(v.value));
+            EXPECT_EQ(engineSetting(str("ClientLibrary")), str("/opt/lib,1.so"));
+            storeAlias({str("uusi"), str(v.value), {}, {}});
+            EXPECT_EQ(findAlias(str("uusi"))->physicalName, str(v.value));
+        }
+        EXPECT_TRUE(test::fileBytes(settingsFile()).startsWith("; oma huomautus\n[Engine]\n"));
+        EXPECT_TRUE(removeAlias(str("oma osasto")));
+        EXPECT_FALSE(findAlias(str("Oma osasto")));
+    }
+}
+
+// The file stays one that the toolkit's own INI files are, which earlier versions wrote.
+TEST_F(AliasesTest, TheFileIsSpelledAsItAlwaysWas) {
+    const char* const texts[] = {"Äijän Öljy & Rauta",
+                                 "a,b;c=d",
+                                 " reunoilla ",
+                                 "\"a\" \\ b\\",
+                                 "100 %20 € \xF0\x9F\x98\x80",
+                                 "@Invalid()",
+                                 "@@x",
+                                 "rivi\nrivi\t\x01"
+                                 "f",
+                                 "[x] #y"};
+    const auto settings = [this] {
+        return std::make_unique<QSettings>(settingsFile(), QSettings::IniFormat);
+    };
+    int number = 0;
+    for (const char* text : texts) {
+        const QString theirs = QStringLiteral("Koe %1 äÄ%=.\"€").arg(++number);
+        const QString ours = QStringLiteral("Oma %1 General [ä]").arg(number);
+        settings()->setValue(str("Aliases/") + theirs + str("/PhysicalName"), str(text));
+        ASSERT_TRUE(findAlias(theirs)) << text;
+        EXPECT_EQ(findAlias(theirs)->physicalName, str(text));
+        storeAlias({ours, str(text), str(text), {}});
+        EXPECT_EQ(findAlias(ours)->localFilePath, str(text));
+        EXPECT_EQ(settings()->value(str("Aliases/") + ours + str("/PhysicalName")).toString(),
+                  str(text));
+        EXPECT_EQ(settings()->value(str("Aliases/") + theirs + str("/PhysicalName")).toString(),
+                  str(text));
+    }
+    EXPECT_EQ(aliasNames().size(), 2 * number);
+}
+
+TEST_F(AliasesTest, OnlyTheUserReadsHisPasswords) {
+    const mode_t before = ::umask(0);
+    storeAlias({str("eka"), str("/a"), {}, {}, {}, {}, {}, str("salainen")});
+    const auto own = QFile::ReadOwner | QFile::WriteOwner;
+    const auto rights = [](const QString& name) {
+        return QFileInfo(name).permissions() &
+               ~(QFile::ReadUser | QFile::WriteUser | QFile::ExeUser);
+    };
+    EXPECT_EQ(rights(settingsFile()), own);
+    EXPECT_EQ(rights(userSettingsFolder()), own | QFile::ExeOwner);
+    QFile(settingsFile()).setPermissions(own | QFile::ReadGroup | QFile::ReadOther);
+    storeAlias({str("toka"), str("/a"), {}, {}});
+    EXPECT_EQ(rights(settingsFile()), own);
+    ::umask(before);
+}
+#endif
 
 TEST_F(AliasesTest, AnotherSettingsFolderIsAnotherList) {
     storeAlias({str("eka"), str("/a"), {}, {}});
