@@ -28,15 +28,9 @@ TZavDbConnectionModule::Notice& processNotice() {
     return notice;
 }
 
-data::DataError noConnection(const QString& dataSource, const QString& detail) {
-    return {data::ErrorKind::NoConnection, dataSource, detail};
-}
-
-/// What an attempt met, as the failure of the company's connection.
-data::DataError connectionFailure(const QString& dataSource, const data::DataError& error) {
-    if (error.kind() == data::ErrorKind::NoConnection)
-        return error;
-    return {data::ErrorKind::NoConnection, dataSource, error.english(), error.nativeCode()};
+data::DataError noConnection(const QString& dataSource, const QString& detail,
+                             const QString& finnish) {
+    return data::DataError(data::ErrorKind::NoConnection, dataSource, detail).inFinnish(finnish);
 }
 
 std::chrono::milliseconds secondsOf(const QString& setting, std::chrono::milliseconds usual) {
@@ -73,19 +67,20 @@ data::Database& UniConnection::database() const {
     if (m_database)
         return *m_database;
     if (!m_failure)
-        throw noConnection(m_dataSource, QStringLiteral("the connection has not been opened"));
+        throw noConnection(m_dataSource, QStringLiteral("the connection has not been opened"),
+                           QStringLiteral("yhteyttä ei ole avattu"));
     throw *m_failure;
 }
 
 TZavDbConnectionModule::TZavDbConnectionModule(Opener opener, Notice notice)
     : m_opener(std::move(opener)),
       m_notice(std::move(notice)),
-      m_monitor(hasSwitch(QStringLiteral("/unimonitor"))),
-      m_queryDebug(!m_monitor && hasSwitch(QStringLiteral("/uniquerydebug"))) {
+      m_monitor(hasSwitch(QStringLiteral("/unimonitor"))) {
     m_owned.push_back(std::make_unique<UniConnection>());
     m_main = m_owned.front().get();
-    if (m_monitor)
-        data::client::OdbcConnection::setTracing(true);
+    data::client::OdbcConnection::setTracing(m_monitor);
+    data::TUniQuery::setDebugOfAll(m_monitor || hasSwitch(QStringLiteral("/uniquerydebug")) ||
+                                   hasSwitchAfterFirst(QStringLiteral("/UNIDACDEBUG")));
 }
 
 TZavDbConnectionModule::~TZavDbConnectionModule() = default;
@@ -144,8 +139,7 @@ void TZavDbConnectionModule::AlustaUnidacConnection(UniConnection& connection,
             connection.m_database = m_opener(dataSource);
             connection.m_failure.reset();
         } catch (const data::DataError& error) {
-            connection.m_failure =
-                std::make_unique<data::DataError>(connectionFailure(dataSource, error));
+            connection.m_failure = std::make_unique<data::DataError>(error);
         }
         if (m_monitor)
             qDebug().noquote() << "connect" << dataSource << "attempt" << attempt
@@ -159,21 +153,25 @@ void TZavDbConnectionModule::AlustaUnidacConnection(UniConnection& connection,
 std::unique_ptr<data::TUniQuery> TZavDbConnectionModule::LuoUniQuery(const QString& dataSource,
                                                                      bool debug) {
     auto query = std::make_unique<data::TUniQuery>(&connection(dataSource).database());
-    query->setDebug(debug || m_monitor || m_queryDebug ||
-                    hasSwitchAfterFirst(QStringLiteral("/UNIDACDEBUG")));
+    query->setDebug(debug);
     return query;
+}
+
+std::unique_ptr<data::TUniScript> TZavDbConnectionModule::LuoUniScript(const QString& dataSource) {
+    return std::make_unique<data::TUniScript>(&connection(dataSource).database());
 }
 
 std::unique_ptr<data::Database> TZavDbConnectionModule::openByAlias(const QString& dataSource) {
     const std::optional<Alias> alias = findAlias(dataSource);
     if (!alias)
-        throw noConnection(dataSource, QStringLiteral("no company of this name is registered"));
+        throw noConnection(dataSource, QStringLiteral("no company of this name is registered"),
+                           QStringLiteral("sen nimistä yritystä ei ole luettelossa"));
     const QString& folder = alias->physicalName;
-    if (folder.isEmpty())
-        throw noConnection(dataSource, QStringLiteral("no data folder is registered for it"));
-    if (!QFileInfo(folder).isDir())
-        throw noConnection(dataSource, QStringLiteral("folder \"%1\" does not exist").arg(folder));
-    if (data::hasEmbeddedDatabase(folder))
+    if (!folder.isEmpty() && !QFileInfo(folder).isDir())
+        throw noConnection(dataSource, QStringLiteral("folder \"%1\" does not exist").arg(folder),
+                           QStringLiteral("kansiota \"%1\" ei ole").arg(folder));
+    // Without a folder it is one that the shops' engine knows by its name.
+    if (!folder.isEmpty() && data::hasEmbeddedDatabase(folder))
         return data::openEmbedded(alias->name, folder);
     return data::client::openShopDatabase(shopSettings(*alias));
 }

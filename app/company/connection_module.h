@@ -41,6 +41,8 @@ class TZavDbConnectionModule {
 
     static constexpr int kConnectAttempts = 4;
 
+    /// The command line's "/unimonitor", "/uniquerydebug" and, at a place after the first,
+    /// "/UNIDACDEBUG" switch the process's traces to the debugger output on.
     explicit TZavDbConnectionModule(Opener opener = openByAlias, Notice notice = nullptr);
     ~TZavDbConnectionModule();
 
@@ -63,13 +65,17 @@ class TZavDbConnectionModule {
     UniConnection& connection(const QString& dataSource);
     UniConnection& LuoYhteys(const QString& dataSource);
 
-    /// A new query bound to the connection of that name. Traced when asked for, or when
-    /// "/UNIDACDEBUG" stands in the parameter list at a place after the first.
+    /// A new query bound to the connection of that name, traced when asked for. The module's
+    /// switches trace every query of the process.
     std::unique_ptr<data::TUniQuery> LuoUniQuery(const QString& dataSource, bool debug = false);
 
+    /// A new script bound in the same way.
+    std::unique_ptr<data::TUniScript> LuoUniScript(const QString& dataSource);
+
     /// The engine is chosen by the alias: an embedded company where its folder holds a database
-    /// file, else a company of the shops' engine. @throws data::DataError(NoConnection) when there
-    /// is no such company or folder, or its engine cannot be reached; what embedded files throw.
+    /// file, else (also without a folder) a company of the shops' engine.
+    /// @throws data::DataError(NoConnection) when there is no such company or folder, or its engine
+    /// cannot be reached; what embedded files throw.
     static std::unique_ptr<data::Database> openByAlias(const QString& dataSource);
 
   private:
@@ -80,8 +86,7 @@ class TZavDbConnectionModule {
     std::vector<std::unique_ptr<UniConnection>> m_owned;
     UniConnection* m_main;
     std::vector<UniConnection*> m_list;
-    bool m_monitor;     // "/unimonitor": connections and statements are traced
-    bool m_queryDebug;  // "/uniquerydebug": statements only
+    bool m_monitor;  // "/unimonitor": connections and the calls of their engine are traced too
 };
 
 /// The current company's database, connected on first use.

@@ -12,7 +12,7 @@ namespace data::client {
 /// name and the ODBC data source, unless the latter is given.
 struct ShopDatabaseSettings {
     QString name;
-    QString folder;         ///< data folder; the run's mark is a lock on a file of it
+    QString folder;         ///< data folder (empty: the working folder); holds the run's lock
     QString ownerName;      ///< owner name of the record files; mostly empty
     QString server;         ///< host that the record engine runs on; empty: this machine
     QString clientLibrary;  ///< the record engine's client library; empty: its usual names

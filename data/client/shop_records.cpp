@@ -29,6 +29,8 @@ QString catalogueFileOf(const QString& tableName) {
 
 // The name of a file of the folder as it is written there; empty when there is none.
 QString fileIn(const QString& folder, const QString& name) {
+    if (folder.isEmpty())
+        return {};  // not the working folder
     const QStringList names = QDir(folder).entryList(QDir::Files);
     const auto found = std::find_if(names.begin(), names.end(), [&name](const QString& candidate) {
         return candidate.compare(name, Qt::CaseInsensitive) == 0;

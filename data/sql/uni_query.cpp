@@ -123,7 +123,7 @@ void TUniQuery::prepareAndBind() {
     if (m_database == nullptr)
         throw DataError(ErrorKind::NoConnection, QString(),
                         QStringLiteral("the query has no connection"));
-    if (m_debug) {
+    if (m_debug || s_debugOfAll) {
         qDebug().noquote() << m_parsedText;
         for (const auto& param : m_params)
             qDebug().noquote().nospace()
@@ -234,6 +234,16 @@ qint64 TUniQuery::execSql() {
         throw;
     }
     return m_rowsAffected;
+}
+
+// --- the script
+
+void TUniScript::execute() {
+    for (const QString& statement : scriptStatements(m_sql.text())) {
+        TUniQuery query(m_database);
+        query.sql().add(statement);
+        query.execSql();
+    }
 }
 
 }  // namespace data

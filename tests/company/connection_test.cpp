@@ -99,20 +99,99 @@ TEST_F(ConnectionTest, TheAliasChoosesTheEngineOrSaysWhyNot) {
     storeAlias({str("tyhjä"), empty.path(), {}, {}});
     storeAlias({str("poissa"), empty.filePath(str("poissa")), {}, {}});
     storeAlias({str("kansioton"), {}, {}, {}});
-    const std::pair<const char*, const char*> cases[] = {{"tyhjä", "client library"},
-                                                         {"poissa", "does not exist"},
-                                                         {"kansioton", "no data folder"},
-                                                         {"tuntematon", "registered"}};
-    for (const auto& [name, reason] : cases) {
+    const QString workingFolder = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(m_company.path()));  // its database is nobody's here
+    const struct {
+        const char* name;
+        const char* reason;
+        const char* finnish;
+    } cases[] = {{"tyhjä", "client library", ""},
+                 {"poissa", "does not exist", "poissa\" ei ole"},
+                 {"kansioton", "client library", ""},
+                 {"tuntematon", "registered", "sen nimistä yritystä ei ole luettelossa"}};
+    for (const auto& [name, reason, finnish] : cases) {
         try {
             TZavDbConnectionModule::openByAlias(str(name));
             ADD_FAILURE() << name << " was opened";
         } catch (const data::DataError& error) {
             EXPECT_EQ(error.kind(), data::ErrorKind::NoConnection) << name;
             EXPECT_TRUE(error.detail().contains(str(reason))) << error.what();
+            EXPECT_TRUE(error.finnish().contains(str(finnish))) << error.finnish().toStdString();
         }
         removeAlias(str(name));
     }
+    QDir::setCurrent(workingFolder);
+}
+
+TEST_F(ConnectionTest, WhatIsWrongWithTheFileIsToldInFinnishWithItsOwnRemedy) {
+    const QString file = m_company.file(data::kEmbeddedFileName);
+    const auto told = [&] {
+        TZavDbConnectionModule module;
+        module.Yhdista(currentCompany().name, true, false);
+        try {
+            module.UniDacConnection().database();
+        } catch (const data::DataError& error) {
+            return error.finnish();
+        }
+        return QString();
+    };
+    EXPECT_EQ(told(), QString());
+    {
+        QFile database(file);
+        ASSERT_TRUE(database.open(QIODevice::ReadWrite) && database.seek(60));
+        ASSERT_EQ(database.write(QByteArray::fromHex("00000063")), 4);  // user_version 99
+    }
+    EXPECT_EQ(told(), str("Tietokanta hylkäsi toiminnon: ") + file +
+                          str(": tietokannan muoto 99 on uudempi kuin tämän ohjelman muoto 1. "
+                              "Ota käyttöön ohjelman uudempi versio."));
+    test::writeFile(file, QByteArray("jotain muuta\n").repeated(1000));
+    EXPECT_EQ(told(), str("Tiedot ovat vioittuneet: ") + file +
+                          str(": tiedosto ei ole tietokanta (virhekoodi 26). Palauta varmuuskopio "
+                              "tai ota yhteys tukeen."));
+}
+
+QStringList& traced() {
+    static QStringList lines;
+    return lines;
+}
+
+TEST_F(ConnectionTest, SwitchesTraceTheQueriesOfTheProgram) {
+    const struct {
+        QStringList parameters;
+        bool connection;
+        bool statements;
+    } cases[] = {{{str("KOE"), str("/E")}, false, false},
+                 {{str("/unimonitor")}, true, true},
+                 {{str("KOE"), str("-UniMonitor"), str("/uniquerydebug")}, true, true},
+                 {{str("/uniquerydebug"), str("KOE")}, false, true},
+                 {{str("KOE"), str("/UNIQUERYDEBUG")}, false, true},
+                 {{str("/UNIDACDEBUG"), str("KOE")}, false, false},
+                 {{str("KOE"), str("/unidacdebug")}, false, true}};
+    for (const auto& c : cases) {
+        setParameters(c.parameters);
+        traced().clear();
+        const QtMessageHandler previous =
+            qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& line) {
+                traced().append(line);
+            });
+        {
+            TZavDbConnectionModule module(opener(0), notice());
+            module.Yhdista(str("KOE"), true, false);
+            data::TUniQuery query(&module.UniDacConnection().database());
+            query.sql().add(str("select nimi from tryhma where nro = :nro"));
+            query.paramByName(str("nro")).setInteger(7);
+            query.open();
+        }
+        qInstallMessageHandler(previous);
+        const std::string where = c.parameters.join(u' ').toStdString();
+        EXPECT_EQ(traced().contains(str("connect KOE attempt 1 connected")), c.connection) << where;
+        EXPECT_EQ(traced().contains(str("select nimi from tryhma where nro = :nro")), c.statements)
+            << where;
+        EXPECT_EQ(traced().contains(str("  :nro = 7")), c.statements) << where;
+        m_asked.clear();
+    }
+    setParameters({});
+    const TZavDbConnectionModule untraced(opener(0), notice());
 }
 
 TEST_F(ConnectionTest, RecordTablesOpenWithTheOwnersName) {
@@ -146,6 +225,21 @@ void run(data::Database& database, const QString& statement) {
     data::TUniQuery query(&database);
     query.sql().add(statement);
     query.execSql();
+}
+
+TEST_F(ConnectionTest, AScriptRunsItsStatementsInOrderToTheFirstThatFails) {
+    TZavDbConnectionModule module(opener(0), notice());
+    const auto script = module.LuoUniScript(str("eka"));
+    script->sql().add(str("insert into ini values ('a;b', '1', '--', 'x'); -- ei; mitään"));
+    script->sql().add(str("/* ; */ ;update ini set data = 'y'\nwhere sektio = '1';"));
+    script->execute();
+    data::Database& database = module.connection(str("eka")).database();
+    EXPECT_EQ(marks(database), str("a;b|1|--|y|\n"));
+    script->sql().setText(
+        str("delete from ini; delete from puuttuu; insert into ini values ('c', "
+            "'', '', '')"));
+    EXPECT_THROW(script->execute(), data::DataError);
+    EXPECT_EQ(marks(database), QString());
 }
 
 TEST_F(ConnectionTest, RunMark) {

@@ -111,9 +111,16 @@ int forgetCompany(const Arguments& arguments) {
     company::removeAlias(arguments.at(0));
     return 0;
 }
+QString embeddedFolder(const QString& name) {
+    const QString folder = companyFolder(name);
+    if (folder.isEmpty())
+        throw CommandError(QStringLiteral("No data folder is registered for \"%1\".").arg(name));
+    return folder;
+}
+
 
 int backUp(const Arguments& arguments) {
-    const QString folder = companyFolder(arguments.at(0));
+    const QString folder = embeddedFolder(arguments.at(0));
     const QString target = QFileInfo(arguments.at(1)).absoluteFilePath();
     if (QFileInfo::exists(target))
         throw CommandError(QStringLiteral("%1 exists already.").arg(target));
@@ -122,7 +129,7 @@ int backUp(const Arguments& arguments) {
 }
 
 int checkCompany(const Arguments& arguments) {
-    const QString folder = companyFolder(arguments.at(0));
+    const QString folder = embeddedFolder(arguments.at(0));
     const QStringList findings = data::checkEmbedded(folder);
     for (const QString& finding : findings)
         printLine(finding);

@@ -64,6 +64,8 @@ void copyFolder(const QString& source, const QString& target, QStringList& notes
 }  // namespace
 
 void copyCompanyFiles(const QString& source, const QString& target, QStringList& notes) {
+    if (source.isEmpty())
+        return;  // a company of the shops' engine without a folder
     copyFolder(source, target, notes);
     const QStringList folders = QDir(source).entryList({kDefinitionsFolder}, QDir::Dirs);
     for (const QString& folder : folders)
