@@ -1,6 +1,7 @@
 #include "app/company/unfinished_note.h"
 
 #include <QFile>
+#include <QRegularExpression>
 
 #include "app/company/company.h"
 #include "app/company/ini_file.h"
@@ -18,6 +19,46 @@ const QString kStarted = QStringLiteral("Alkoi");
 const QString kComputer = QStringLiteral("Kone");
 const QString kTimeFormat = QStringLiteral("yyyy-MM-dd hh:mm:ss");
 
+template <typename Action>
+void guarded(Action&& action) {
+    try {
+        action();
+    } catch (const data::DataError& error) {
+        reportLogError(error.finnish());
+    }
+}
+
+/// A damaged file must not keep a new note from being written.
+IniFile readOrNew() {
+    try {
+        return IniFile::read(unfinishedNoteName());
+    } catch (const data::DataError& error) {
+        if (error.kind() != data::ErrorKind::Damaged)
+            throw;
+        reportLogError(error.finnish());
+        return {};
+    }
+}
+
+QStringList noteSections(const IniFile& file) {
+    static const QRegularExpression kNotes(u'^' + kSection);
+    return file.sections().filter(kNotes);
+}
+
+void removeNotes(IniFile& file, const QString& definition) {
+    for (const QString& section : noteSections(file)) {
+        if (file.value(section, kDefinition).value_or(QString()) == definition)
+            file.removeSection(section);
+    }
+}
+
+QString freeSection(const IniFile& file) {
+    QString section = kSection;
+    for (int n = 2; file.hasSection(section); ++n)
+        section = kSection + u' ' + QString::number(n);
+    return section;
+}
+
 }  // namespace
 
 QString unfinishedNoteName() {
@@ -25,39 +66,50 @@ QString unfinishedNoteName() {
 }
 
 void writeUnfinishedNote(const QString& definition) {
-    IniFile note;
-    note.setValue(kSection, kDefinition, definition);
-    note.setValue(kSection, kStarted, data::Clock::now().toString(kTimeFormat));
-    note.setValue(kSection, kComputer, computerName());
-    try {
-        note.write(unfinishedNoteName());
-    } catch (const data::DataError& error) {
-        reportLogError(error.finnish());
-    }
+    guarded([&definition] {
+        IniFile file = readOrNew();
+        removeNotes(file, definition);
+        const QString section = freeSection(file);
+        file.setValue(section, kDefinition, definition);
+        file.setValue(section, kStarted, data::Clock::now().toString(kTimeFormat));
+        file.setValue(section, kComputer, computerName());
+        file.write(unfinishedNoteName());
+    });
 }
 
-void removeUnfinishedNote() {
-    QFile file(unfinishedNoteName());
-    if (file.exists() && !file.remove())
-        reportLogError(QStringLiteral("Tiedostoa \"%1\" ei voi poistaa: %2")
-                           .arg(file.fileName(), file.errorString()));
+void removeUnfinishedNote(const QString& definition) {
+    guarded([&definition] {
+        if (!QFile::exists(unfinishedNoteName()))
+            return;
+        IniFile notes = readOrNew();
+        removeNotes(notes, definition);
+        if (!noteSections(notes).isEmpty()) {
+            notes.write(unfinishedNoteName());
+            return;
+        }
+        QFile file(unfinishedNoteName());
+        if (!file.remove())
+            reportLogError(QStringLiteral("Tiedostoa \"%1\" ei voi poistaa: %2")
+                               .arg(file.fileName(), file.errorString()));
+    });
 }
 
-std::optional<UnfinishedNote> readUnfinishedNote() {
-    const QString fileName = unfinishedNoteName();
-    if (!QFile::exists(fileName))
-        return std::nullopt;
-    UnfinishedNote note;
-    try {
-        const IniFile file = IniFile::read(fileName);
-        note.definition = file.value(kSection, kDefinition).value_or(QString());
-        note.started =
-            QDateTime::fromString(file.value(kSection, kStarted).value_or(QString()), kTimeFormat);
-        note.computer = file.value(kSection, kComputer).value_or(QString());
-    } catch (const data::DataError& error) {
-        reportLogError(error.finnish());
-    }
-    return note;
+std::vector<UnfinishedNote> readUnfinishedNotes() {
+    if (!QFile::exists(unfinishedNoteName()))
+        return {};
+    std::vector<UnfinishedNote> notes;
+    guarded([&notes] {
+        const IniFile file = IniFile::read(unfinishedNoteName());
+        for (const QString& section : noteSections(file)) {
+            notes.push_back({file.value(section, kDefinition).value_or(QString()),
+                             QDateTime::fromString(
+                                 file.value(section, kStarted).value_or(QString()), kTimeFormat),
+                             file.value(section, kComputer).value_or(QString())});
+        }
+    });
+    if (notes.empty())
+        notes.emplace_back();
+    return notes;
 }
 
 QString unfinishedNoteText(const UnfinishedNote& note) {

@@ -112,31 +112,40 @@ TEST_F(LogsTest, LinesOfTwoProgramsStandWhole) {
 }
 #endif
 
-TEST_F(LogsTest, UnfinishedNote) {
-    EXPECT_FALSE(readUnfinishedNote());
-    removeUnfinishedNote();
-    writeUnfinishedNote(str(" Määrittely [1] "));
-    auto note = readUnfinishedNote();
-    ASSERT_TRUE(note);
-    EXPECT_EQ(note->definition, str(" Määrittely [1] "));
-    EXPECT_EQ(note->started, m_now);
-    EXPECT_EQ(note->computer, computerName());
-    removeUnfinishedNote();
-    EXPECT_FALSE(readUnfinishedNote());
+TEST_F(LogsTest, UnfinishedNotes) {
+    EXPECT_TRUE(readUnfinishedNotes().empty());
+    removeUnfinishedNote(str("x"));
+    const QString definition = str(" Määrittely [1] ");
+    writeUnfinishedNote(definition);
+    writeUnfinishedNote(str("Toinen"));
+    writeUnfinishedNote(definition);  // again: one note a definition, this one the newest
+    const auto notes = readUnfinishedNotes();
+    ASSERT_EQ(notes.size(), 2);
+    EXPECT_EQ(notes[0].definition, str("Toinen"));
+    EXPECT_EQ(notes[1].definition, definition);
+    EXPECT_EQ(notes[1].started, m_now);
+    EXPECT_EQ(notes[1].computer, computerName());
+    removeUnfinishedNote(str("Toinen"));
+    EXPECT_EQ(readUnfinishedNotes().size(), 1);
+    removeUnfinishedNote(definition);
+    EXPECT_FALSE(QFile::exists(unfinishedNoteName()));
     EXPECT_TRUE(m_errors.isEmpty());
 
     test::writeFile(unfinishedNoteName(), QByteArray("[AJO\0", 5));
-    note = readUnfinishedNote();
-    ASSERT_TRUE(note);
-    EXPECT_FALSE(note->started.isValid());
-    EXPECT_EQ(unfinishedNoteText(*note), str("Edellinen ajo jäi kesken"));
+    const auto damaged = readUnfinishedNotes();
+    ASSERT_EQ(damaged.size(), 1);
+    EXPECT_FALSE(damaged[0].started.isValid());
+    EXPECT_EQ(unfinishedNoteText(damaged[0]), str("Edellinen ajo jäi kesken"));
     EXPECT_EQ(m_errors.size(), 1);
+    writeUnfinishedNote(str("x"));
+    EXPECT_EQ(readUnfinishedNotes().front().definition, str("x"));
+    EXPECT_EQ(m_errors.size(), 1) << "told once";
 
     ASSERT_TRUE(QFile::remove(unfinishedNoteName()) &&
                 QDir().mkpath(unfinishedNoteName() + str("/x")));
     writeUnfinishedNote(str("x"));
-    removeUnfinishedNote();
-    EXPECT_EQ(m_errors.size(), 3);
+    removeUnfinishedNote(str("x"));
+    EXPECT_EQ(m_errors.size(), 2);
 }
 
 }  // namespace

@@ -229,9 +229,29 @@ TEST(StoppedRun, KeepsWhatIsDoneAndSaysSo) {
     EXPECT_FALSE(company::ExecutionMarkExists(company.database()));
     ASSERT_EQ(company.ports.messages.size(), 1);
     EXPECT_TRUE(company.ports.messages.front().startsWith(QStringLiteral("Ajo keskeytettiin.")));
-    EXPECT_TRUE(company.ports.messages.front().contains(QStringLiteral("tuotteet 2 kpl")));
+    EXPECT_TRUE(company.ports.messages.front().contains(QStringLiteral("voimaan: tuotteet 2, ")));
     EXPECT_EQ(company.ports.lines.last(), company.ports.messages.front());
-    EXPECT_FALSE(company::readUnfinishedNote());
+    EXPECT_TRUE(company::readUnfinishedNotes().empty());
+}
+
+TEST(StoppedRun, NamesTheRowsOfAStepThatFailed) {
+    RunCompany company;
+    for (int store = 1; store <= 2; ++store)
+        company.exec(QStringLiteral("insert into MYYMALAHINNAT (Myymala, Tuote, Hinta1) "
+                                    "values (%1, 'A%1', 12.4)")
+                         .arg(store));
+    addProducts(company, 2);
+    bool failed = false;
+    company.ports.onStatus = [&failed](const QString& text) {
+        if (text == QStringLiteral("myymalahinnat 2 A2")) {
+            failed = true;
+            throw data::DataError(data::ErrorKind::Io, QStringLiteral("MYYMALAHINNAT"), QString());
+        }
+    };
+    company.ports.stop = [&failed] { return failed; };
+    EXPECT_EQ(company.run(plainDefinition()).failedSteps, 1);
+    EXPECT_TRUE(company.ports.messages.last().endsWith(
+        QStringLiteral("voimaan: myymälähintojen rivit 1.")));
 }
 
 TEST(RunMark, OnlyTheProgramItselfWritesIt) {
@@ -247,26 +267,55 @@ TEST(RunMark, OnlyTheProgramItselfWritesIt) {
 }
 
 TEST(UnfinishedRun, IsNotedAndToldToTheNext) {
+    const auto noted = [] { return !company::readUnfinishedNotes().empty(); };
+    const auto start = QStringLiteral("Edellinen ajo jäi kesken, määrittely Alv255");
     RunCompany company;
     addProducts(company, 1);
-    bool noted = false;
-    company.ports.onStatus = [&noted](const QString&) {
-        noted = company::readUnfinishedNote().has_value();
-    };
+    bool notedInside = false;
+    company.ports.onStatus = [&](const QString&) { notedInside = noted(); };
     EXPECT_TRUE(company.run(plainDefinition()).clean());
-    EXPECT_TRUE(noted);
-    EXPECT_FALSE(company::readUnfinishedNote());
+    EXPECT_TRUE(notedInside);
+    EXPECT_FALSE(noted());
 
-    company::writeUnfinishedNote(QStringLiteral("Alv255"));
-    ChangeDefinition refused = plainDefinition();
-    refused.targetClass = 0;
-    EXPECT_TRUE(company.run(refused).refused);
-    EXPECT_TRUE(company::readUnfinishedNote()) << "a refused run leaves the earlier note";
+    company.ports.definition = QStringLiteral("Alv255");
+    company::writeUnfinishedNote(company.ports.definition);
+    ChangeDefinition definition = plainDefinition();
+    definition.targetClass = 0;
+    EXPECT_TRUE(company.run(definition).refused);
+    EXPECT_TRUE(noted()) << "a refused run leaves the earlier note";
+    definition = plainDefinition();
+    definition.campaigns = true;
+    company.ports.isUnattended = false;
+    company.ports.answers = {"no"};
+    EXPECT_TRUE(company.run(definition).refused);
+    EXPECT_TRUE(company.ports.questions.first().startsWith(start));
+    company.ports.isUnattended = true;
     company.ports.lines.clear();
-    EXPECT_TRUE(company.run(plainDefinition()).clean());
-    EXPECT_TRUE(company.ports.lines.front().startsWith(QStringLiteral("Edellinen ajo jäi kesken")));
-    EXPECT_TRUE(company.ports.lines.front().contains(QStringLiteral("Alv255")));
-    EXPECT_FALSE(company::readUnfinishedNote());
+    EXPECT_TRUE(company.run(definition).clean());
+    EXPECT_TRUE(company.ports.lines.front().startsWith(start));
+    EXPECT_FALSE(noted());
+}
+
+TEST(UnfinishedRun, ProductsLeftBehindWithChangedDependentRows) {
+    RunCompany company;
+    addProducts(company, 2);
+    company.exec(
+        "insert into ASALE (AsiakasNumero, Tuote, Hinta, Tyyppi) values (1, 'A2', 100, 1)");
+    auto other = company.otherProgram();
+    auto file = other->openTable(QStringLiteral("TUOTE"));
+    const auto record = file->seek(0, data::SeekOp::Equal, {QStringLiteral("A2")}, 1);
+    ASSERT_TRUE(file->lock(record.front().id, std::chrono::milliseconds(0)));
+    EXPECT_EQ(company.run(plainDefinition()).skippedProducts, 1);
+    EXPECT_TRUE(company::readUnfinishedNotes().empty()) << "a rerun changes no row again";
+
+    ChangeDefinition definition = plainDefinition();
+    definition.customerPriceLists = true;
+    EXPECT_EQ(company.run(definition).skippedProducts, 1);
+    ASSERT_EQ(company::readUnfinishedNotes().size(), 1);
+    EXPECT_TRUE(company.ports.lines.last().contains("asiakashinnastojen rivit 1."));
+    company.ports.definition = QStringLiteral("Toinen");
+    company.run(plainDefinition());
+    EXPECT_EQ(company::readUnfinishedNotes().size(), 1) << "of the first definition still";
 }
 
 }  // namespace

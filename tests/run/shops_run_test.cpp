@@ -69,6 +69,32 @@ TEST_F(ShopsRun, PassesItsOwnLocksAndNotThoseOfOthers) {
     EXPECT_EQ(price("A2"), 20);
 }
 
+TEST_F(ShopsRun, LocksThatAreLostOnTheWayDoNotEndTheRun) {
+    test::PeerDatabases others;  // take the place of the sound one
+    others.add(QStringLiteral("taker"), m_company.folder(), QStringLiteral("taker"));
+    others.add(QStringLiteral("stuck"), m_company.folder(), QStringLiteral("stuck"));
+    m_settings.name = QStringLiteral("taker");
+    {
+        // each record is somebody else's between its reading and its update
+        const auto shop = client::openShopDatabase(m_settings);
+        const vatchange::RunResult result =
+            vatchange::runChange(*shop, test::plainDefinition(), m_company.ports);
+        EXPECT_EQ(result.skippedNumbers, (QStringList{"A1", "A2"}));
+        EXPECT_EQ(result.failedSteps, 0);
+        EXPECT_EQ(price("A1"), 10);
+    }
+    m_settings.name = QStringLiteral("stuck");
+    const auto shop = client::openShopDatabase(m_settings);
+    m_company.ports.onStatus = [this](const QString& text) {
+        if (text == QStringLiteral("Tuote A1"))  // nothing left to change under the lock
+            m_company.exec(QStringLiteral("update TUOTE set LVV=2 where NUMERO='A1'"));
+    };
+    const vatchange::RunResult result =
+        vatchange::runChange(*shop, test::plainDefinition(), m_company.ports);
+    EXPECT_EQ(result.failedSteps, 1) << "the products: the session is lost";
+    EXPECT_EQ(price("A2"), 20);
+}
+
 TEST_F(ShopsRun, OneRunOfACompanyAtATime) {
     const auto first = client::openShopDatabase(m_settings);
     const auto second = client::openShopDatabase(m_settings);

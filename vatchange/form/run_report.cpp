@@ -50,8 +50,12 @@ void troubles(ReportHtml& html, const RunResult& result) {
         if (const qint64 more = result.skippedProducts - result.skippedNumbers.size(); more > 0)
             text += QStringLiteral(" ja %1 muuta, katso loki").arg(countText(more));
         html.paragraph(text);
-        html.paragraph(QStringLiteral(
-            "Tuotteet olivat auki toisessa ohjelmassa. Sulje ne ja aja määrittely uudelleen."));
+        html.paragraph(
+            QStringLiteral("Tuotteet olivat auki toisessa ohjelmassa. Sulje ne ja aja määrittely "
+                           "uudelleen. Ota siitä "
+                           "sitä ennen pois asiakashinnastot, kampanjat, toistuvaislaskutus ja "
+                           "määräalennukset, jos "
+                           "niiden rivejä on jo muutettu: uusi ajo kertoisi ne uudestaan."));
     }
 }
 

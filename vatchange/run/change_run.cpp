@@ -38,23 +38,76 @@ bool attempt(RunContext& run, const ErrorWording& wording, Step&& step) {
     return run.stopRequested() || guarded(run, wording, step);
 }
 
-/// The note of an unfinished run, from before the first change to the end of the run.
+bool changesDependents(const ChangeDefinition& definition) {
+    return definition.customerPriceLists || definition.campaigns || definition.recurringInvoicing ||
+           definition.quantityDiscounts;
+}
+
+/// Tells of earlier runs that left rows changed whose product still waits. @return false when the
+/// user does not want to go on.
+bool earlierRunsAllow(RunContext& run) {
+    QStringList notes;
+    for (const company::UnfinishedNote& note : company::readUnfinishedNotes())
+        notes += company::unfinishedNoteText(note) + u'.';
+    if (notes.isEmpty())
+        return true;
+    const QString text =
+        notes.join(u' ') +
+        QStringLiteral(
+            " Asiakashinnastojen, kampanjoiden, toistuvaislaskutuksen ja "
+            "määräalennusten rivit, joiden tuotteella on vielä vanha alv-luokka, on "
+            "voitu jo kertoa kertoimella: tarkasta ne, ettei tämä ajo kerro niitä "
+            "uudestaan.");
+    run.ports.log(text);
+    if (run.ports.unattended() || !changesDependents(run.definition) ||
+        run.ports.ask(text + QStringLiteral("\r\rJatketaanko?")))
+        return true;
+    run.result.refusal = text;
+    return false;
+}
+
+/// "kampanjarivit 3, tuotteet 12": what the run has changed so far; empty when nothing.
+QString changedSoFar(const RunResult& result) {
+    QStringList kinds;
+    for (const ChangedRows& kind : result.changed) {
+        if (kind.rows > 0)
+            kinds += kind.what.front().toLower() + kind.what.sliced(1) + u' ' +
+                     QString::number(kind.rows);
+    }
+    return kinds.join(QStringLiteral(", "));
+}
+
+/// The note of an unfinished run, from before the first change to the end of the run. It stays when
+/// products were left behind whose dependent rows are changed already.
 class RunInProgress {
   public:
-    explicit RunInProgress(const RunContext& run) {
-        if (const auto note = company::readUnfinishedNote()) {
-            run.ports.log(
-                company::unfinishedNoteText(*note) +
-                QStringLiteral(". Asiakashinnastojen, kampanjoiden, toistuvaislaskutuksen ja "
-                               "määräalennusten rivit, joiden tuotteella on vielä vanha "
-                               "alv-luokka, on voitu jo kertoa kertoimella: tarkasta ne, ettei "
-                               "tämä ajo kerro niitä uudestaan."));
-        }
+    explicit RunInProgress(const RunContext& run) : m_run(run) {
         company::writeUnfinishedNote(run.ports.definitionName());
     }
-    ~RunInProgress() { company::removeUnfinishedNote(); }
+    ~RunInProgress() {
+        if (m_dependents.isEmpty() || m_run.result.clean())
+            company::removeUnfinishedNote(m_run.ports.definitionName());
+    }
     RunInProgress(const RunInProgress&) = delete;
     RunInProgress& operator=(const RunInProgress&) = delete;
+
+    /// Called when the dependent tables are done and nothing else is yet.
+    void dependentsDone() { m_dependents = changedSoFar(m_run.result); }
+
+    /// Warns of a second run of the definition, where it would change dependent rows again.
+    void warnOfRerun() const {
+        if (m_dependents.isEmpty() || m_run.result.clean())
+            return;
+        m_run.ports.log(QStringLiteral("Ajo jäi vajaaksi, ja jo kerrottuja rivejä ovat: ") +
+                        m_dependents +
+                        QStringLiteral(". Uusi ajo kertoisi uudestaan ne, joiden tuotteella on "
+                                       "vielä vanha alv-luokka: ota nämä taulut pois "
+                                       "määrittelystä ennen uutta ajoa."));
+    }
+
+  private:
+    const RunContext& m_run;
+    QString m_dependents;
 };
 
 /// Reads the label table's columns when labels will be written. A label table that cannot be read
@@ -98,6 +151,7 @@ void convertProductsAndGroups(RunContext& run, bool quantityDiscountColumns) {
     if (run.stopRequested())
         return;
     run.ports.log(QStringLiteral("Aloitetaan tuotteiden päivitys"));
+    run.changedRows(QStringLiteral("Tuotteet")) = 0;  // before what goes with products
     const bool converted = attempt(run, {QStringLiteral("Virhe tuotetietojen muutoksessa -> ")},
                                    [&] { convertProducts(run, quantityDiscountColumns); });
     if (!converted) {
@@ -105,8 +159,6 @@ void convertProductsAndGroups(RunContext& run, bool quantityDiscountColumns) {
                       QString::number(run.result.products) + QStringLiteral(" kpl"));
     }
     run.changedRows(QStringLiteral("Tuotteet")) = run.result.products;
-    run.done +=
-        QStringLiteral("tuotteet ") + QString::number(run.result.products) + QStringLiteral(" kpl");
 }
 
 void convertOrders(RunContext& run) {
@@ -130,23 +182,22 @@ void writeMark(RunContext& run) {
 }
 
 void reportStop(RunContext& run) {
-    QString text = QStringLiteral("Ajo keskeytettiin. ");
-    if (run.done.isEmpty())
-        text += QStringLiteral("Mitään ei ehditty muuttaa.");
-    else
-        text += QStringLiteral("Tehdyt muutokset jäävät voimaan: ") +
-                run.done.join(QStringLiteral(", ")) + u'.';
-    run.ports.NaytaViesti(text);
+    const QString changed = changedSoFar(run.result);
+    run.ports.NaytaViesti(
+        QStringLiteral("Ajo keskeytettiin. ") +
+        (changed.isEmpty() ? QStringLiteral("Yhtään riviä ei ehditty muuttaa.")
+                           : QStringLiteral("Tehdyt muutokset jäävät voimaan: ") + changed + u'.'));
 }
 
 void runSteps(RunContext& run) {
-    const RunInProgress inProgress(run);
+    RunInProgress inProgress(run);
     const bool quantityDiscountColumns = prepareShelfLabels(run);
     run.ports.log(QStringLiteral("Aloitetaan taksavaiheet, parametrit ->"));
     run.ports.log(QStringLiteral("Rajaus: ") + run.condition + QStringLiteral(" Pyöristys: ") +
                   roundingText(run.definition));
     run.ports.log(QStringLiteral("Aloitetaan taksavaihe"));
     convertDependentTables(run);
+    inProgress.dependentsDone();
     if (run.definition.products)
         convertProductsAndGroups(run, quantityDiscountColumns);
     convertOrders(run);
@@ -160,6 +211,7 @@ void runSteps(RunContext& run) {
         reportStop(run);
     else
         writeMark(run);
+    inProgress.warnOfRerun();
 }
 
 /// Claims the company for this run. @return why that is not possible; empty when it is done.
@@ -194,7 +246,7 @@ RunResult runChange(data::Database& database, const ChangeDefinition& definition
         return result;
     }
     RunContext run(database, definition, ports, result);
-    if (checkDefinition(run))
+    if (checkDefinition(run) && earlierRunsAllow(run))
         runSteps(run);
     else
         result.refused = true;

@@ -8,14 +8,6 @@
 
 namespace vatchange {
 
-namespace {
-
-void rowsDone(RunContext& run, const QString& what, qint64 rows) {
-    run.done += what + u' ' + QString::number(rows) + QStringLiteral(" riviä");
-}
-
-}  // namespace
-
 void convertCustomerPriceLists(RunContext& run) {
     run.ports.log(QStringLiteral("Aloitetaan asiakashinnastojen päivitys"));
     run.ports.status(QStringLiteral("Päivitetään asiakashinnasto"));
@@ -58,7 +50,6 @@ void convertCustomerPriceLists(RunContext& run) {
     run.walk(rows, convertRow);
     if (run.definition.productLog)
         run.ports.log(rowCountLine(converted));
-    rowsDone(run, QStringLiteral("asiakashinnastot"), converted);
 }
 
 void convertCampaigns(RunContext& run) {
@@ -88,7 +79,7 @@ void convertCampaigns(RunContext& run) {
         ++converted;
         run.ports.log(campaignLine(product.asString(), row.asInteger(), sales, purchase));
     };
-    rowsDone(run, QStringLiteral("kampanjat"), run.walk(rows, convertRow));
+    run.walk(rows, convertRow);
 }
 
 void convertRecurringInvoices(RunContext& run) {
@@ -123,7 +114,7 @@ void convertRecurringInvoices(RunContext& run) {
         run.ports.log(
             recurringInvoiceLine(customer.asInteger(), product.asString(), price, total, purchase));
     };
-    rowsDone(run, QStringLiteral("toistuvaislaskutus"), run.walk(rows, convertRow));
+    run.walk(rows, convertRow);
 }
 
 void convertQuantityDiscounts(RunContext& run) {
@@ -151,7 +142,7 @@ void convertQuantityDiscounts(RunContext& run) {
         ++converted;
         run.ports.log(quantityDiscountLine(name.asString(), number.asInteger(), value, purchase));
     };
-    rowsDone(run, QStringLiteral("määräalet"), run.walk(rows, convertRow));
+    run.walk(rows, convertRow);
 }
 
 }  // namespace vatchange

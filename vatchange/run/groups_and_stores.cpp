@@ -15,7 +15,6 @@ void updateProductGroups(RunContext& run) {
         query.paramByName(QStringLiteral("UUSIVERO")).setInteger(run.definition.targetClass);
         rows += query.execSql();
     }
-    run.done += QStringLiteral("tuoteryhmien alv-kenttiä ") + QString::number(rows);
 }
 
 void updateStorePrices(RunContext& run) {
@@ -40,7 +39,7 @@ void updateStorePrices(RunContext& run) {
     data::TUniQuery update(&run.database);
     update.sql().add(storePriceUpdate(assignments));
     qint64& changed = run.changedRows(QStringLiteral("Myymälähintojen rivit"));
-    const qint64 visited = run.walk(rows, [&] {
+    run.walk(rows, [&] {
         const QString number = product.asString();
         run.ports.status(QStringLiteral("myymalahinnat ") + QString::number(store.asInteger()) +
                          u' ' + number);
@@ -48,8 +47,6 @@ void updateStorePrices(RunContext& run) {
         update.execSql();
         ++changed;
     });
-    run.done +=
-        QStringLiteral("myymälähinnat ") + QString::number(visited) + QStringLiteral(" riviä");
 }
 
 }  // namespace vatchange

@@ -25,10 +25,6 @@ OrderPorts orderPorts(RunContext& run, const QString& rows) {
     return ports;
 }
 
-void orderStepDone(RunContext& run, const QString& orders) {
-    run.done += orders + (run.result.cancelled ? QStringLiteral(" osaksi") : QString());
-}
-
 }  // namespace
 
 void convertSalesOrders(RunContext& run) {
@@ -45,7 +41,6 @@ void convertSalesOrders(RunContext& run) {
     arguments.deliveryLimit = definition.salesOrderDeliveryLimit;
     AlvMuutosMyyntitilauksiin(run.database, arguments,
                               orderPorts(run, QStringLiteral("Myyntitilausten rivit")));
-    orderStepDone(run, QStringLiteral("myyntitilaukset"));
 }
 
 void convertPurchaseOrders(RunContext& run) {
@@ -60,7 +55,6 @@ void convertPurchaseOrders(RunContext& run) {
     arguments.targetClass = definition.targetClass;
     AlvMuutosOstotilauksiin(run.database, arguments,
                             orderPorts(run, QStringLiteral("Ostotilausten rivit")));
-    orderStepDone(run, QStringLiteral("ostotilaukset"));
 }
 
 }  // namespace vatchange

@@ -1,3 +1,5 @@
+#include <QScopeGuard>
+
 #include "data/clock.h"
 #include "vatchange/rules/price_rules.h"
 #include "vatchange/rules/statements.h"
@@ -16,6 +18,14 @@ void checkProductCodes(RunContext& run) {
     const auto& number = rows.fieldByName(QStringLiteral("numero"));
     const auto& name = rows.fieldByName(QStringLiteral("nimi"));
     WebShopMarks marks(run.database, run.ports);
+    const auto counts = qScopeGuard([&run, &marks] {
+        if (!marks.failure().isEmpty()) {
+            ++run.result.failedSteps;
+            run.result.failures += marks.failure();
+        }
+        if (marks.written() > 0)
+            run.changedRows(QStringLiteral("Verkkokaupan muutosmerkinnät")) += marks.written();
+    });
     data::TUniQuery update(&run.database);
     qint64& removed = run.changedRows(QStringLiteral("Verkkokaupasta poistetut tuotteet"));
 
@@ -43,15 +53,8 @@ void checkProductCodes(RunContext& run) {
             marks.mark(code, u'P');
         ++removed;
     });
-    if (!marks.failure().isEmpty()) {
-        ++run.result.failedSteps;
-        run.result.failures += marks.failure();
-    }
-    if (marks.written() > 0)
-        run.changedRows(QStringLiteral("Verkkokaupan muutosmerkinnät")) += marks.written();
     run.ports.log(QStringLiteral("Verkkokauppa -valinta poistettiin ") + QString::number(removed) +
                   QStringLiteral(" tuotteelta"));
-    run.done += QStringLiteral("verkkokaupasta poistettuja tuotteita ") + QString::number(removed);
 }
 
 }  // namespace vatchange

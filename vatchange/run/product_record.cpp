@@ -1,5 +1,7 @@
 #include "vatchange/run/product_record.h"
 
+#include <QtGlobal>
+
 #include "data/record/record_codec.h"
 
 namespace vatchange {
@@ -84,9 +86,14 @@ ProductRecords::Outcome ProductRecords::lock(const QString& number, LockedProduc
     return Outcome::Locked;
 }
 
-void ProductRecords::release() {
-    if (m_locked)
+void ProductRecords::release() noexcept {
+    if (!m_locked)
+        return;
+    try {
         m_file->unlock(*m_locked);
+    } catch (const std::exception& error) {
+        qWarning("ProductRecords: unlock failed: %s", error.what());
+    }
     m_locked.reset();
 }
 

@@ -29,7 +29,8 @@ class ProductRecords {
     enum class Outcome { Locked, HeldByOther, Gone };
     /// Locks the product and reads it. After Locked the lock is held until release().
     Outcome lock(const QString& number, LockedProduct& product);
-    void release();
+    /// A lock that cannot be given back goes with the session; the product's outcome stands.
+    void release() noexcept;
 
   private:
     int requireField(const char* name) const;

@@ -1,3 +1,4 @@
+#include <QScopeGuard>
 #include <array>
 #include <memory>
 
@@ -151,10 +152,22 @@ class ProductConversion {
         if (!product.classes.any())
             return false;
         converted = m_run.prices.convert(product.prices);
-        if (!m_run.database.statementsPassRecordLocks())
-            m_records.release();
-        m_updates.of(product.classes).run(number, converted);
-        return true;
+        PreparedUpdate& change = m_updates.of(product.classes);
+        if (m_run.database.statementsPassRecordLocks()) {
+            change.run(number, converted);
+            return true;
+        }
+        m_records.release();
+        try {
+            change.run(number, converted);
+            return true;
+        } catch (const data::DataError& error) {
+            if (error.kind() != data::ErrorKind::Locked)
+                throw;
+        }
+        // somebody else took the record after it was given back for the statement
+        m_run.passOverProduct(number);
+        return false;
     }
 
     RunContext& m_run;
@@ -173,6 +186,7 @@ void convertProducts(RunContext& run, bool quantityDiscountColumns) {
     rows.open();
     const auto& number = rows.fieldByName(QStringLiteral("NUMERO"));
     ProductConversion conversion(run, quantityDiscountColumns);
+    const auto counts = qScopeGuard([&conversion] { conversion.finish(); });
     const qint64 total = rows.recordCount();
     qint64 visited = 0;
     for (; !rows.eof() && !run.stopRequested(); rows.next()) {
@@ -180,7 +194,6 @@ void convertProducts(RunContext& run, bool quantityDiscountColumns) {
             break;
         run.ports.progress(++visited, total);
     }
-    conversion.finish();
     if (!run.result.cancelled) {
         run.ports.NaytaViesti(QStringLiteral("Tuotetiedot muutettu ( ") +
                               QString::number(run.result.products) + QStringLiteral(" kpl)"));

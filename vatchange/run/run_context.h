@@ -39,7 +39,6 @@ struct RunContext {
     const QString condition;    ///< product selection
     VatClasses classes;         ///< known once the checks have passed
     double targetFactor = 1.0;  ///< VAT factor of the target class
-    QStringList done;           ///< what each step has changed, for the message of a stopped run
 
     /// The counter of a kind of changed rows; new ones begin at 0. Valid as long as the result.
     qint64& changedRows(const QString& what);

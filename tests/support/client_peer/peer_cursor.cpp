@@ -29,6 +29,7 @@ constexpr int kConflict = 80;
 constexpr int kLockError = 81;
 constexpr int kLostPosition = 82;
 constexpr int kIncompatibleLock = 93;
+constexpr int kSessionLost = 95;
 constexpr int kRecordLocked = 84;
 
 constexpr int kLockBiasStep = 100;
@@ -70,7 +71,10 @@ PeerCursor::PeerCursor(std::shared_ptr<embedded::Connection> connection,
     : m_connection(std::move(connection)),
       m_table(table),
       m_file(m_connection, table),
-      m_peculiarities(peculiarities) {}
+      m_peculiarities(std::move(peculiarities)) {
+    if (const auto& taker = m_peculiarities.taker)
+        m_taker = std::make_unique<embedded::EmbeddedRecordFile>(taker, taker->table(table.name()));
+}
 
 int PeerCursor::run(int operation, CallBuffers& buffers, int key) {
     const int bias = operation / kLockBiasStep * kLockBiasStep;
@@ -336,11 +340,19 @@ int PeerCursor::remove() {
     return kOk;
 }
 
+void PeerCursor::giveBack(RecordId id) {
+    m_file.unlock(id);
+    if (m_taker)
+        m_taker->lock(id, std::chrono::milliseconds(0));
+}
+
 int PeerCursor::unlock(CallBuffers& buffers, int key) {
+    if (m_peculiarities.stuck)
+        return kSessionLost;
     if (key >= 0) {  // the single lock
         if (!m_singleLock)
             return kLockError;
-        m_file.unlock(*m_singleLock);
+        giveBack(*m_singleLock);
         m_singleLock.reset();
         return kOk;
     }
@@ -350,12 +362,12 @@ int PeerCursor::unlock(CallBuffers& buffers, int key) {
         const auto held = m_locks.find(qFromLittleEndian<quint32>(buffers.data));
         if (held == m_locks.end())
             return kLockError;
-        m_file.unlock(*held);
+        giveBack(*held);
         m_locks.erase(held);
         return kOk;
     }
     for (const RecordId id : m_locks)
-        m_file.unlock(id);
+        giveBack(id);
     m_locks.clear();
     return kOk;
 }

@@ -23,6 +23,9 @@ struct Peculiarities {
     bool movedKey = false;     ///< say that key 0 begins a byte later than it does
     bool linked = false;       ///< say that records of one value are in the order of insertion
     bool plain = false;        ///< know no extended reading
+    bool stuck = false;        ///< lose the session when a lock is given back
+    /// Another session, which locks what is given back.
+    std::shared_ptr<data::embedded::Connection> taker = {};
 };
 
 /// One open file: a table of an embedded company, worked on as the record engine's files are.
@@ -44,6 +47,7 @@ class PeerCursor {
     int update(CallBuffers& buffers);
     int remove();
     int unlock(CallBuffers& buffers, int key);
+    void giveBack(data::RecordId id);
     int stat(CallBuffers& buffers);
     int givePosition(CallBuffers& buffers);
 
@@ -57,6 +61,7 @@ class PeerCursor {
     data::embedded::RecordTable& m_table;
     mutable data::embedded::EmbeddedRecordFile m_file;
     Peculiarities m_peculiarities;
+    std::unique_ptr<data::embedded::EmbeddedRecordFile> m_taker;
     std::optional<data::StoredRecord> m_current;
     int m_currentKey = -1;
     std::optional<data::RecordId> m_physical;
