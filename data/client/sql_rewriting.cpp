@@ -98,7 +98,9 @@ std::optional<Call> spelt(const SqlTokens& tokens, qsizetype name) {
     bool isNumber = true;
     const int decimals =
         arguments.size() == 2 ? textOf(arguments[1]).trimmed().toInt(&isNumber) : 0;
-    if (!isNumber)
+    // more digits than any number has: left to the engine, not written out in zeros
+    constexpr int kMostDecimals = 30;
+    if (!isNumber || decimals < -kMostDecimals || decimals > kMostDecimals)
         return std::nullopt;
     return Call{roundedHalvesAway(arguments[0], decimals), close + 1};
 }
