@@ -4,6 +4,7 @@
 #include "app/company/command_line.h"
 #include "app/company/connection_module.h"
 #include "app/company/console.h"
+#include "app/company/file_rights.h"
 #include "app/shell/build_stamp.h"
 #include "app/shell/start_up.h"
 #include "framework/ui/program_style.h"
@@ -13,6 +14,7 @@ extern const qint64 kProgramBuildTime;
 
 int main(int argc, char** argv) {
     const company::Console console;
+    company::withholdWritingFromOthers();
     shell::setBuildTime(shell::imageTime().value_or(kProgramBuildTime));
     QStringList parameters;
     for (int i = 1; i < argc; ++i)

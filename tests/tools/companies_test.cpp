@@ -3,6 +3,10 @@
 #include "data/dictionary/tbl_res_reader.h"
 #include "tests/tools/zavdb_program.h"
 
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
+
 namespace {
 
 using test::ZavdbProgram;
@@ -119,6 +123,23 @@ TEST_F(ZavdbProgram, ABackupIsACompanyOfItsOwn) {
 TEST_F(ZavdbProgram, ADamagedDatabaseIsAnErrorOfEveryCommand) {
     done({"create", "A", "a"});
     QFile database(path("a/YRITYS.ZDB"));
+#ifndef _WIN32
+TEST_F(ZavdbProgram, NothingIsWritableForEverybody) {
+    const mode_t before = ::umask(0);
+    done({"create", "A", "a/b"});
+    done({"copy", "A", "Copy", "copy"});
+    done({"backup", "A", "backup.zdb"});
+    ::umask(before);
+    for (const char* name : {"a", "a/b", "a/b/YRITYS.ZDB", "a/b/YRITYS.ZDB-lock", "copy",
+                             "copy/YRITYS.ZDB", "backup.zdb", "config/Taksavaihe"}) {
+        const QFileInfo info(path(name));
+        EXPECT_TRUE(info.exists()) << name;
+        EXPECT_FALSE(info.permissions() & QFile::WriteOther) << name;
+    }
+    EXPECT_TRUE(QFileInfo(path("copy/YRITYS.ZDB")).permissions() & QFile::WriteGroup);
+}
+#endif
+
     ASSERT_TRUE(database.resize(database.size() / 2));
     for (const QStringList& command :
          {QStringList{"check", "A"}, QStringList{"backup", "A", "copy"}}) {

@@ -2,6 +2,12 @@
 
 #include "tests/tools/zavdb_program.h"
 
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 namespace {
 
 class Transfer : public test::ZavdbProgram {
@@ -165,10 +171,55 @@ TEST_F(Transfer, OneStatementOnTheCompanysTables) {
           "create table X(a)", "pragma user_version = 9", "attach 'x.db' as x", "begin",
           "delete from rec_ALVKANTA", "delete from \"rec_ALVKANTA\"",
           "update ALVKANTA set nosuch = 1", "select * from NOSUCH", "selec 1",
-          "update ALVKANTA set luokka = 1", "select * from ALVKANTA where luokka = :x"})
+          "update ALVKANTA set luokka = 1", "select * from ALVKANTA where luokka = :x", "vacuum",
+          "vacuum into 'x.db'", "delete from ALVKANTA returning luokka"})
         refused({"sql", "A", statement}, {});
+    EXPECT_FALSE(QFile::exists(path("x.db")));
     EXPECT_EQ(exported("ALVKANTA"), before);
     done({"check", "A"});
 }
+
+#ifndef _WIN32
+TEST_F(Transfer, APipeIsWrittenIntoAndStaysOne) {
+    importRows("ALVKANTA", "luokka,Prosentti\n1,24\n");
+    const QByteArray name = QFile::encodeName(path("pipe"));
+    ASSERT_EQ(::mkfifo(name.constData(), 0600), 0);
+    const int pipe = ::open(name.constData(), O_RDWR | O_NONBLOCK);  // room for 64 KB
+    ASSERT_GE(pipe, 0);
+    for (QStringList command :
+         {QStringList{"export", "A", "ALVKANTA"}, QStringList{"save", "A", "ALVKANTA"},
+          QStringList{"dictionary", "A", "ALVKANTA"}}) {
+        done(command + QStringList{path("pipe")});
+        QByteArray bytes(65536, '\0');
+        bytes.truncate(std::max<qsizetype>(0, ::read(pipe, bytes.data(), 65536)));
+        done(command + QStringList{path("plain")});
+        QFile plain(path("plain"));
+        ASSERT_TRUE(plain.open(QIODevice::ReadOnly));
+        EXPECT_EQ(bytes, plain.readAll()) << command.constFirst().toStdString();
+        struct stat status = {};
+        ASSERT_EQ(::lstat(name.constData(), &status), 0);
+        EXPECT_TRUE(S_ISFIFO(status.st_mode)) << command.constFirst().toStdString();
+    }
+    ::close(pipe);
+    refused({"export", "A", "ALVKANTA", path("a")}, {path("a"), "cannot be written"});
+}
+
+TEST_F(Transfer, OutputThatIsLostIsAnError) {
+    if (!QFile::exists("/dev/full"))
+        GTEST_SKIP() << "no full device";
+    for (const QStringList& command :
+         {QStringList{"list"}, QStringList{"tables", "A"}, QStringList{"fields", "A", "TUOTE"},
+          QStringList{"check", "A"}, QStringList{"sql", "A", "select Nro from HINTATASO"},
+          QStringList{"sql", "A", "delete from HINTATASO where Nro > 99"},
+          QStringList{"export", "A", "HINTATASO"}, QStringList{"--help"}}) {
+        for (const char* redirection : {"> /dev/full", ">&-"}) {
+            const test::ProgramResult result = run(command, {}, redirection);
+            EXPECT_EQ(result.status, 1) << command.join(u' ').toStdString() << redirection;
+            EXPECT_NE(result.err, QByteArray()) << command.join(u' ').toStdString() << redirection;
+        }
+    }
+    done({"check", "A"});
+}
+#endif
 
 }  // namespace

@@ -27,7 +27,9 @@ class ZavdbProgram : public ::testing::Test {
         return folder + QStringLiteral("/zavdb");
     }
 
-    ProgramResult run(const QStringList& arguments, const QStringList& environment = {}) {
+    /// `redirection`: as the shell has it behind a command, ">&-".
+    ProgramResult run(const QStringList& arguments, const QStringList& environment = {},
+                      const QString& redirection = {}) {
         QProcess process;
         QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
         variables.insert(QStringLiteral("XDG_CONFIG_HOME"), path("config"));
@@ -35,7 +37,11 @@ class ZavdbProgram : public ::testing::Test {
             variables.insert(setting.section(u'=', 0, 0), setting.section(u'=', 1));
         process.setProcessEnvironment(variables);
         process.setWorkingDirectory(m_folder.path());
-        process.start(program(), arguments);
+        if (redirection.isEmpty())
+            process.start(program(), arguments);
+        else
+            process.start(QStringLiteral("/bin/sh"),
+                          QStringList{"-c", "\"$0\" \"$@\" " + redirection, program()} + arguments);
         ProgramResult result;
         if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit) {
             ADD_FAILURE() << "zavdb " << arguments.join(u' ').toStdString() << ": "

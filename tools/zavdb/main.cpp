@@ -3,12 +3,35 @@
 #ifdef Q_OS_WIN
 #include <fcntl.h>
 #include <io.h>
+#else
+#include <fcntl.h>
+#include <unistd.h>
 #endif
 
 #include "app/company/console.h"
+#include "app/company/file_rights.h"
 #include "tools/zavdb/command.h"
 
+namespace {
+
+/// A standard stream that was closed would be the next file that is opened, and output would go
+/// there. What takes its place can only be read, so that output is an error.
+void fillClosedStreams() {
+#ifndef Q_OS_WIN
+    int descriptor = 0;
+    do {
+        descriptor = ::open("/dev/null", O_RDONLY);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    if (descriptor >= 0)
+        ::close(descriptor);
+#endif
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+    fillClosedStreams();
+    company::withholdWritingFromOthers();
     const company::Console console;
 #ifdef Q_OS_WIN
     // exported files are the same bytes on every platform
@@ -23,5 +46,10 @@ int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("zavdb"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TAKSAVAIHE_VERSION));
-    return tools::runZavdb(application.arguments().mid(1));
+    const int status = tools::runZavdb(application.arguments().mid(1));
+    if (status == 0 && (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)) {
+        tools::printError(QStringLiteral("Standard output cannot be written."));
+        return 1;
+    }
+    return status;
 }

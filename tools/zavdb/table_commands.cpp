@@ -1,5 +1,4 @@
 #include <QFile>
-#include <QSaveFile>
 #include <QTextStream>
 #include <algorithm>
 #include <cstdio>
@@ -9,6 +8,7 @@
 #include "tools/zavdb/command.h"
 #include "tools/zavdb/csv.h"
 #include "tools/zavdb/field_listing.h"
+#include "tools/zavdb/output_file.h"
 
 namespace tools {
 
@@ -40,11 +40,8 @@ int dictionary(const Arguments& arguments) {
         const std::unique_ptr<data::RecordFile> records = openTable(*database, table);
         blocks += data::compileBlock(records->layout().tableName(), describedFields(*records));
     }
-    const QString& fileName = arguments.positional.constLast();
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(blocks) != blocks.size() || !file.commit())
-        throw CommandError(
-            QStringLiteral("%1 cannot be written: %2").arg(fileName, file.errorString()));
+    writeFile(arguments.positional.constLast(),
+              [&blocks](QIODevice& output) { return output.write(blocks); });
     return 0;
 }
 

@@ -1,9 +1,8 @@
 #include <QFile>
-#include <QSaveFile>
 #include <cstdio>
-#include <functional>
 
 #include "tools/zavdb/command.h"
+#include "tools/zavdb/output_file.h"
 #include "tools/zavdb/sequential_transfer.h"
 #include "tools/zavdb/table_export.h"
 #include "tools/zavdb/table_import.h"
@@ -20,21 +19,6 @@ int importRows(const Arguments& arguments) {
         importTable(*database, arguments.at(1), arguments.at(2), arguments.has(kReplace));
     printLine(QStringLiteral("%1 imported.").arg(counted(rows, QStringLiteral("row"))));
     return 0;
-}
-
-/// Writes a new file through `write` and puts it in the place of an old one when it is whole.
-qint64 writeFile(const QString& fileName, const std::function<qint64(QIODevice&)>& write) {
-    QSaveFile output(fileName);
-    const auto refused = [&] {
-        return CommandError(
-            QStringLiteral("%1 cannot be written: %2").arg(fileName, output.errorString()));
-    };
-    if (!output.open(QIODevice::WriteOnly))
-        throw refused();
-    const qint64 rows = write(output);
-    if (!output.commit())
-        throw refused();
-    return rows;
 }
 
 int exportRows(const Arguments& arguments) {
@@ -94,7 +78,8 @@ std::vector<Command> transferCommands() {
          QStringLiteral("NAME TABLE [FILE.csv]"),
          QStringLiteral("Writes every field of a table as CSV, rows in the order of key 0"),
          QStringLiteral("Without a file the rows go to standard output. What \"import --replace\" "
-                        "reads back gives the same file again."),
+                        "reads back gives the same file again.\nA file that exists is replaced "
+                        "when the new one is whole; a device or pipe is written into."),
          2,
          3,
          {},
