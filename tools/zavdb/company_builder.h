@@ -21,6 +21,8 @@ void buildCompany(const QString& name, const QString& folder,
 
 /// @throws CommandError when the name cannot be a company's, or is taken.
 void requireFreeName(const QString& name);
+/// The folder of a command, in full. @throws CommandError when it is empty.
+QString absoluteFolder(const QString& folder);
 /// @throws CommandError when the folder holds a company, or is no folder.
 void requireFreeFolder(const QString& folder);
 /// Puts the company of an absolute folder on the list.

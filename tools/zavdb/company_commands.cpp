@@ -38,20 +38,19 @@ std::vector<data::TableSource> tablesWithout(const QStringList& leftOut) {
                 throw CommandError(
                     QStringLiteral("Table %1 cannot be left out: no company works without it.")
                         .arg(essential));
-        const auto found =
-            std::find_if(tables.begin(), tables.end(),
-                         [&](const data::TableSource& t) { return sameTable(t.name, name); });
-        if (found == tables.end())
+        if (std::none_of(tables.begin(), tables.end(),
+                         [&](const data::TableSource& t) { return sameTable(t.name, name); }))
             throw CommandError(QStringLiteral("There is no table \"%1\" to leave out.").arg(name));
-        tables.erase(found);
     }
+    std::erase_if(tables, [&leftOut](const data::TableSource& table) {
+        return leftOut.contains(table.name, Qt::CaseInsensitive);
+    });
     return tables;
 }
 
 int createCompany(const Arguments& arguments) {
-    QStringList leftOut = arguments.options.value(kWithout);
-    leftOut.removeDuplicates();
-    buildCompany(arguments.at(0), arguments.at(1), tablesWithout(leftOut), nullptr);
+    buildCompany(arguments.at(0), arguments.at(1), tablesWithout(arguments.options.value(kWithout)),
+                 nullptr);
     return 0;
 }
 
@@ -97,7 +96,7 @@ int listCompanies(const Arguments&) {
 
 int addCompany(const Arguments& arguments) {
     const QString& name = arguments.at(0);
-    const QString folder = QDir::cleanPath(QFileInfo(arguments.at(1)).absoluteFilePath());
+    const QString folder = absoluteFolder(arguments.at(1));
     requireFreeName(name);
     if (!data::hasEmbeddedDatabase(folder))
         throw CommandError(QStringLiteral("The folder %1 holds no company.").arg(folder));
@@ -111,13 +110,13 @@ int forgetCompany(const Arguments& arguments) {
     company::removeAlias(arguments.at(0));
     return 0;
 }
+
 QString embeddedFolder(const QString& name) {
     const QString folder = companyFolder(name);
     if (folder.isEmpty())
         throw CommandError(QStringLiteral("No data folder is registered for \"%1\".").arg(name));
     return folder;
 }
-
 
 int backUp(const Arguments& arguments) {
     const QString folder = embeddedFolder(arguments.at(0));

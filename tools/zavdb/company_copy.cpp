@@ -29,7 +29,7 @@ class CompanyCopier {
     CompanyCopier(data::Database& source, QString targetName, const QString& folder)
         : m_source(source),
           m_targetName(std::move(targetName)),
-          m_folder(QDir::cleanPath(QFileInfo(folder).absoluteFilePath())),
+          m_folder(absoluteFolder(folder)),
           m_work(QDir(m_folder).filePath(kCopyFolder)),
           m_lock(QDir(m_work).filePath(QStringLiteral("lock"))) {
         m_lock.setStaleLockTime(0);  // held by a process that lives, however long

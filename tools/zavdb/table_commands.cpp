@@ -64,7 +64,7 @@ int sql(const Arguments& arguments) {
             QStringLiteral("The statement is refused: parameter \":%1\" has no value.")
                 .arg(parameters.constFirst()));
     if (statement->columns().empty()) {
-        printLine(counted(statement->execute(), QStringLiteral("row")));
+        printLine(QStringLiteral("%1 rows").arg(statement->execute()));
         return 0;
     }
     QFile output;

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "data/record/record_codec.h"
+#include "data/record/windows1252.h"
 #include "tools/zavdb/catalogue_check.h"
 #include "tools/zavdb/command.h"
 #include "tools/zavdb/csv.h"
@@ -15,9 +16,9 @@ namespace {
 
 using data::TFieldCacheItem;
 
-constexpr qsizetype kShownValue = 60;
+constexpr qsizetype kShownValue = 300;  // longer than any text field but the memos
 
-/// A value as an error message shows it: without line breaks, and not longer than a line.
+/// A value as an error message shows it: without line breaks, memos not whole.
 QString shown(QString value) {
     if (value.size() > kShownValue)
         value = value.left(kShownValue) + QStringLiteral("...");
@@ -64,7 +65,7 @@ class Importer {
         prepareEmptyRecord();
         qint64 rows = 0;
         while (m_reader.next()) {
-            if (m_reader.isBlank() && m_columns.size() > 1)
+            if (m_reader.isBlank())
                 continue;
             insertRow();
             ++rows;
@@ -87,7 +88,8 @@ class Importer {
     QString text(int cell, const QString& field) const {
         QString result;
         if (!decodeUtf8(m_reader.field(cell), result))
-            fail(QStringLiteral("field %1: the text is not valid UTF-8").arg(field));
+            fail(QStringLiteral("field %1: the text is not valid UTF-8: %2")
+                     .arg(field, shown(data::fromWindows1252(m_reader.field(cell).toByteArray()))));
         return result;
     }
 
