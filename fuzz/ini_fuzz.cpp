@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "app/company/ini_file.h"
+#include "app/company/settings_text.h"
 #include "data/error.h"
 
 using company::IniFile;
@@ -23,6 +24,17 @@ void requireSame(const IniFile& a, const IniFile& b) {
     }
 }
 
+/// What is spelled for the settings file reads back; what a file says, whatever it is, reads.
+void requireSpelling(const QString& text) {
+    if (company::plainValue(company::writtenValue(text)) != text ||
+        company::plainPath(company::writtenPath(text)) != text)
+        std::abort();
+    const QString value = company::plainValue(text);
+    if (company::plainValue(company::writtenValue(value)) != value)
+        std::abort();
+    company::plainPath(text);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
@@ -33,8 +45,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
         IniFile ini = IniFile::parse(input, QStringLiteral("fuzz.ini"));
         requireSame(ini, IniFile::parse(ini.toBytes(), {}));
 
+        for (const IniFile::Entry& entry : ini.entries()) {
+            requireSpelling(entry.key);
+            requireSpelling(entry.text);
+        }
+
         // The input as a value, in an old place and in a new one.
         const QString value = QString::fromUtf8(input);
+        requireSpelling(value);
         if (const QStringList sections = ini.sections(); !sections.isEmpty()) {
             if (const QStringList keys = ini.keys(sections.first()); !keys.isEmpty())
                 ini.setValue(sections.first(), keys.last(), value);
