@@ -88,7 +88,7 @@ DataError::DataError(ErrorKind kind, QString table, QString detail, int nativeCo
       m_detail(std::move(detail)),
       m_nativeCode(nativeCode) {}
 
-DataError::DataError(ErrorKind kind, const QString& message, std::string what)
+DataError::DataError(std::string what, ErrorKind kind, const QString& message)
     : std::runtime_error(what),
       m_kind(kind),
       m_detail(message),
@@ -96,7 +96,7 @@ DataError::DataError(ErrorKind kind, const QString& message, std::string what)
       m_verbatim(true) {}
 
 DataError DataError::verbatim(ErrorKind kind, const QString& message) {
-    return {kind, message, message.toStdString()};
+    return {message.toStdString(), kind, message};
 }
 
 DataError DataError::inFinnish(const QString& detail, const QString& remedy) const {

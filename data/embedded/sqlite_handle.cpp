@@ -113,7 +113,7 @@ void throwSqlite(sqlite3* db, int code, const QString& table) {
 SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX |
                       (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
-    if (mode == Mode::Create)
+    if (mode == Mode::Create && fileName != QLatin1String(":memory:"))
         makeFile(fileName);
     const int code =
         sqlite3_open_v2(systemPath(fileName).toUtf8().constData(), &m_db, flags, fileSystemName());
