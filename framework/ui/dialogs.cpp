@@ -8,16 +8,33 @@
 
 #include "data/error.h"
 
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+#endif
+
 namespace framework {
 
 namespace {
+
+// Windows open also where no screen shows them: a task that runs with nobody logged on, and a
+// service, have a window station of their own.
+bool stationIsVisible() {
+#ifdef Q_OS_WIN
+    USEROBJECTFLAGS flags{};
+    return GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &flags, sizeof flags,
+                                     nullptr) != 0 &&
+           (flags.dwFlags & WSF_VISIBLE) != 0;
+#else
+    return true;
+#endif
+}
 
 class ProgramDialogs : public DialogHandler {
   public:
     bool someoneThere() const override {
         static const QStringList kInvisible = {QStringLiteral("offscreen"),
                                                QStringLiteral("minimal")};
-        return !kInvisible.contains(QGuiApplication::platformName());
+        return !kInvisible.contains(QGuiApplication::platformName()) && stationIsVisible();
     }
 
     void message(QWidget* parent, MessageKind kind, const QString& text) override {

@@ -14,8 +14,8 @@ enum class MessageKind { Information, Warning, Error };
 class DialogHandler {
   public:
     virtual ~DialogHandler() = default;
-    /// False when nobody can see a window (an offscreen platform): then nothing may wait for an
-    /// answer.
+    /// False when nobody can see a window (an offscreen platform, a Windows task without a logged
+    /// on user): then nothing may wait for an answer.
     virtual bool someoneThere() const = 0;
     virtual void message(QWidget* parent, MessageKind kind, const QString& text) = 0;
     virtual bool ask(QWidget* parent, const QString& text) = 0;
