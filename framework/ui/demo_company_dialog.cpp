@@ -99,7 +99,8 @@ DemoCompanyDialog::DemoCompanyDialog(QWidget* parent)
     column->addLayout(buttons);
     column->setSizeConstraint(QLayout::SetFixedSize);
 
-    connect(m_makeButton, &QPushButton::clicked, this, &DemoCompanyDialog::make);
+    connect(m_makeButton, &QPushButton::clicked, this,
+            [this] { reportErrors(this, [this] { make(); }); });
     connect(cancel, &QPushButton::clicked, this, &DemoCompanyDialog::reject);
     connect(&m_tool, &QProcess::finished, this, &DemoCompanyDialog::finished);
     setWorking(false);

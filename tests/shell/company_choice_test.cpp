@@ -7,6 +7,8 @@
 #include <QSpinBox>
 #include <QTest>
 
+#include "app/company/user_settings.h"
+#include "data/error.h"
 #include "data/sql/uni_query.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/demo_company_dialog.h"
@@ -90,6 +92,17 @@ TEST_F(DemoCompany, WhatCannotBeMadeIsRefusedAndLeavesNothing) {
     }
     EXPECT_TRUE(m_dialog.isVisible());
     EXPECT_FALSE(company::findAlias(str("Kokeilu")));
+    const QString aliases = company::userSettingsFolder() + str("/aliases.ini");
+    const QByteArray sound = test::fileBytes(aliases);
+    test::writeFile(aliases, "[rikki\n");
+    try {
+        company::findAlias(str("Kokeilu"));
+        ADD_FAILURE() << "a damaged list of companies is read";
+    } catch (const data::DataError& e) {
+        m_dialogs.expectMessage(e.finnish());
+    }
+    QTest::mouseClick(make(), Qt::LeftButton);
+    test::writeFile(aliases, sound);
 }
 
 TEST_F(DemoCompany, StoppingLeavesNothingBehind) {
