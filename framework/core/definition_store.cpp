@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <utility>
+#include <vector>
 
 #include "app/company/aliases.h"
 #include "app/company/company.h"
@@ -32,6 +33,26 @@ void change(const QString& fileName, const std::function<bool(company::IniFile&)
     company::IniFile file = company::IniFile::read(fileName);
     if (edit(file))
         file.write(fileName);
+}
+
+/// The definition's name as the file writes it; nothing when there is none of that name.
+std::optional<QString> nameInFile(const company::IniFile& file, const QString& name) {
+    const QString wanted = name.trimmed();
+    for (const QString& known : file.sections()) {
+        if (!known.isEmpty() && known.compare(wanted, Qt::CaseInsensitive) == 0)
+            return known;
+    }
+    return std::nullopt;
+}
+
+/// A line that is no setting would keep the definition from being loaded again.
+void dropStrayLines(company::IniFile& ini, const QString& name) {
+    std::vector<std::pair<QString, QString>> settings;
+    for (const QString& key : ini.keys(name))
+        settings.emplace_back(key, ini.value(name, key).value_or(QString()));
+    ini.removeSection(name);
+    for (const auto& [key, value] : settings)
+        ini.setValue(name, key, value);
 }
 
 /// Makes the folder of the file where only this one is missing: a missing company folder is an
@@ -87,21 +108,24 @@ QStringList DefinitionStore::GetValues(const QString& formName) const {
     return names;
 }
 
+bool DefinitionStore::has(const QString& formName, const QString& name) const {
+    return nameInFile(company::IniFile::read(fileName(formName)), name).has_value();
+}
+
 std::optional<SavedDefinition> DefinitionStore::load(const QString& formName,
                                                      const QString& name) const {
     const QString path = fileName(formName);
     const company::IniFile file = company::IniFile::read(path);
-    const QString wanted = name.trimmed();
-    const QStringList names = file.sections();
-    const auto found = std::find_if(names.begin(), names.end(), [&wanted](const QString& known) {
-        return known.compare(wanted, Qt::CaseInsensitive) == 0;
-    });
-    if (found == names.end() || wanted.isEmpty())
+    const auto found = nameInFile(file, name);
+    if (!found)
         return std::nullopt;
     if (const int line = file.strayLine(*found); line > 0)
         throw data::DataError(data::ErrorKind::Damaged, path,
                               QStringLiteral("line %1 of definition \"%2\" is no setting")
-                                  .arg(QString::number(line), *found));
+                                  .arg(QString::number(line), *found))
+            .inFinnish(QStringLiteral("rivi %1 määrittelyssä \"%2\" ei ole asetus")
+                           .arg(QString::number(line), *found),
+                       QStringLiteral("Korjaa rivi tai talleta määrittely uudelleen."));
     SavedDefinition definition;
     definition.name = *found;
     for (const QString& key : file.keys(definition.name)) {
@@ -121,6 +145,8 @@ void DefinitionStore::save(const QString& formName, const SavedDefinition& defin
         throw data::DataError(data::ErrorKind::BadValue, file, problem);
     makeFolder(file);
     change(file, [&](company::IniFile& ini) {
+        if (ini.strayLine(name) > 0)
+            dropStrayLines(ini, nameInFile(ini, name).value_or(name));
         ini.setValue(name, kDescription, definition.description);
         for (auto it = definition.values.constBegin(); it != definition.values.constEnd(); ++it)
             ini.setValue(name, it.key(), it.value());

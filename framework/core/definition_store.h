@@ -35,12 +35,14 @@ class DefinitionStore {
     QString fileName(const QString& formName) const;
 
     QStringList GetValues(const QString& formName) const;  ///< names, sorted
+    bool has(const QString& formName, const QString& name) const;
     /// Nothing when there is no definition of that name. A line of it that is no setting is an
     /// error: a damaged definition must not run with defaults in place of its values.
     std::optional<SavedDefinition> load(const QString& formName, const QString& name) const;
     /// Replaces the values of the definition of that name, or adds it at the end; keys of the file
-    /// that `definition` does not have are kept. @throws data::DataError(BadValue) for a name that
-    /// nameProblem refuses, (Locked) when another program does not let go of the file.
+    /// that `definition` does not have are kept, lines of it that are no settings are not. @throws
+    /// data::DataError(BadValue) for a name that nameProblem refuses, (Locked) when another program
+    /// does not let go of the file.
     void save(const QString& formName, const SavedDefinition& definition);
     bool remove(const QString& formName, const QString& name);
 

@@ -14,7 +14,7 @@ namespace framework {
 
 TPerusForm::TPerusForm(const QString& formName, QWidget* parent)
     : QWidget(parent, Qt::Window),
-      LatausCombo(new QComboBox(this)),
+      LatausCombo(new ChoiceCombo(this)),
       Talletus(new QPushButton(QStringLiteral("&Talleta..."), this)),
       Esikatsele(new QPushButton(QStringLiteral("&Esikatsele"), this)),
       Tulosta(new QPushButton(QStringLiteral("Tul&osta"), this)),
@@ -51,10 +51,8 @@ SavedDefinition TPerusForm::currentDefinition(const QString& name,
 void TPerusForm::applyDefinition(const SavedDefinition& definition) {
     const auto unreadable = setControlValues(*this, definition, m_defaults);
     m_loaded = definition;
-    {
-        const QSignalBlocker silence(LatausCombo);
-        LatausCombo->setCurrentIndex(LatausCombo->findText(definition.name, Qt::MatchFixedString));
-    }
+    showLoadedName();
+    showDescription(definition.description);
     afterLoad();
     m_known = controlValues(*this);
     if (unreadable.empty())
@@ -70,6 +68,7 @@ void TPerusForm::applyDefinition(const SavedDefinition& definition) {
 void TPerusForm::definitionsChanged(const SavedDefinition& saved) {
     m_loaded = saved;
     m_known = controlValues(*this);
+    showDescription(saved.description);
     refreshNames();
 }
 
@@ -77,6 +76,11 @@ void TPerusForm::refreshNames() {
     const QSignalBlocker silence(LatausCombo);
     LatausCombo->clear();
     LatausCombo->addItems(TRapMaarForm::GetValues(formName()));
+    showLoadedName();
+}
+
+void TPerusForm::showLoadedName() {
+    const QSignalBlocker silence(LatausCombo);
     LatausCombo->setCurrentIndex(LatausCombo->findText(m_loaded.name, Qt::MatchFixedString));
 }
 
@@ -84,7 +88,16 @@ void TPerusForm::restoreLastState() {
     m_defaults = controlValues(*this);
     m_known = m_defaults;
     refreshNames();
-    TRapMaarForm::LataaArvot(*this, QString());
+    std::optional<SavedDefinition> usual;
+    try {
+        usual = DefinitionStore().load(formName(), DefinitionStore::kDefaultName);
+    } catch (const data::DataError& e) {
+        NaytaViesti(QStringLiteral("Määrittelyä \"%1\" ei voitu lukea, käytetään oletusarvoja: ")
+                        .arg(DefinitionStore::kDefaultName) +
+                    e.finnish());
+    }
+    if (usual)
+        applyDefinition(*usual);
 }
 
 void TPerusForm::NaytaViesti(const QString& text) {
@@ -92,13 +105,15 @@ void TPerusForm::NaytaViesti(const QString& text) {
 }
 
 void TPerusForm::LatausComboActivated() {
-    reportErrors(this, [this] {
+    const bool done = reportErrors(this, [this] {
         const QString name = LatausCombo->currentText();
         if (TRapMaarForm::LataaArvot(*this, name))
             return;
         Dialogs::warning(this, QStringLiteral("Määrittelyä \"%1\" ei enää ole.").arg(name));
         refreshNames();
     });
+    if (!done)
+        showLoadedName();
 }
 
 void TPerusForm::TalletusClick() {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QComboBox>
 #include <QMap>
 #include <QPushButton>
 #include <QWidget>
 
 #include "framework/core/definition_store.h"
+#include "framework/ui/choice_controls.h"
 #include "framework/ui/control_values.h"
 #include "framework/ui/pdf_report.h"
 
@@ -22,7 +22,7 @@ class TPerusForm : public QWidget {
     explicit TPerusForm(const QString& formName, QWidget* parent = nullptr);
 
     QString formName() const { return objectName(); }
-    QComboBox* LatausCombo;
+    ChoiceCombo* LatausCombo;
     QPushButton* Talletus;
     QPushButton* Esikatsele;
     QPushButton* Tulosta;
@@ -44,10 +44,13 @@ class TPerusForm : public QWidget {
     void refreshNames();
 
   protected:
-    /// Remembers the present values as the controls' defaults and loads "Normaali" if there is one.
+    /// Remembers the present values as the controls' defaults and loads "Normaali" if there is one;
+    /// a damaged one is reported, and the defaults stay.
     void restoreLastState();
     /// After every load: the form refreshes what depends on its controls.
     virtual void afterLoad() {}
+    /// The definition in the controls was loaded or saved: it may have another description.
+    virtual void showDescription(const QString& /*description*/) {}
     /// Before the controls are saved, reported or carried out: whether the text being typed can be
     /// taken. A form that refuses tells why.
     virtual bool acceptTyped() { return true; }
@@ -62,6 +65,7 @@ class TPerusForm : public QWidget {
     void PdfClick();
     void SahkopostiClick();
     QString reportFileName() const;
+    void showLoadedName();
 
     QMap<QString, QString> m_defaults;
     QMap<QString, QString> m_known;  ///< the values as last loaded or saved

@@ -19,6 +19,10 @@ bool CheckBox::setSavedValue(const QString& value) {
     return true;
 }
 
+void ChoiceCombo::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}
+
 bool LookupCombo::setKey(const QString& key) {
     const int index = findData(key);
     if (index < 0)
@@ -33,13 +37,9 @@ bool LookupCombo::setSavedValue(const QString& value) {
 }
 
 void LookupCombo::focusOutEvent(QFocusEvent* event) {
-    QComboBox::focusOutEvent(event);
+    ChoiceCombo::focusOutEvent(event);
     if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
         Q_EMIT exited();
-}
-
-void LookupCombo::wheelEvent(QWheelEvent* event) {
-    event->ignore();  // scrolling past a combo must not change a price source
 }
 
 RadioGroup::RadioGroup(const QString& caption, const QStringList& items, int chosen,

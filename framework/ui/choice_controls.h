@@ -22,11 +22,21 @@ class CheckBox : public QCheckBox, public SavedControl {
     bool setSavedValue(const QString& value) override;
 };
 
-/// A look-up combo: shows names, its value is the key of the chosen row.
-class LookupCombo : public QComboBox, public SavedControl {
+/// A drop-down list that the mouse wheel passes over: scrolling must not choose.
+class ChoiceCombo : public QComboBox {
     Q_OBJECT
   public:
-    explicit LookupCombo(QWidget* parent = nullptr) : QComboBox(parent) {}
+    using QComboBox::QComboBox;
+
+  protected:
+    void wheelEvent(QWheelEvent* event) override;
+};
+
+/// A look-up combo: shows names, its value is the key of the chosen row.
+class LookupCombo : public ChoiceCombo, public SavedControl {
+    Q_OBJECT
+  public:
+    explicit LookupCombo(QWidget* parent = nullptr) : ChoiceCombo(parent) {}
     void addRow(const QString& key, const QString& name) { addItem(name, key); }
     QString key() const { return currentData().toString(); }
     /// @return false, with the choice unchanged, when no row has the key.
@@ -40,7 +50,6 @@ class LookupCombo : public QComboBox, public SavedControl {
 
   protected:
     void focusOutEvent(QFocusEvent* event) override;
-    void wheelEvent(QWheelEvent* event) override;
 };
 
 /// One choice of several, saved as the item's index.

@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include "data/error.h"
 #include "framework/core/definition_store.h"
 #include "framework/ui/base_form.h"
 #include "framework/ui/dialogs.h"
@@ -15,6 +16,7 @@ namespace framework {
 namespace {
 constexpr int kNameColumn = 0;
 constexpr int kDescriptionColumn = 1;
+constexpr int kDescriptionRole = Qt::UserRole;  // the column may show what is wrong instead
 constexpr int kMargin = 14;
 constexpr int kButtonWidth = 96;
 }  // namespace
@@ -30,9 +32,7 @@ TRapMaarForm::TRapMaarForm(TPerusForm& form)
     setWindowTitle(QStringLiteral("Määritysarvojen talletus"));
 
     m_name->setObjectName(QStringLiteral("NimiEdit"));
-    m_name->setMaxLength(60);
     m_description->setObjectName(QStringLiteral("SeliteEdit"));
-    m_description->setMaxLength(200);
     auto* fields = new QFormLayout;
     fields->addRow(QStringLiteral("&Nimi"), m_name);
     fields->addRow(QStringLiteral("&Selite"), m_description);
@@ -91,8 +91,8 @@ QStringList TRapMaarForm::GetValues(const QString& formName) {
 }
 
 bool TRapMaarForm::LataaArvot(TPerusForm& form, const QString& name) {
-    const auto definition = DefinitionStore().load(
-        form.formName(), name.isEmpty() ? DefinitionStore::kDefaultName : name);
+    const auto definition =
+        DefinitionStore().load(form.formName(), DefinitionStore::nameToLoad(name));
     if (!definition)
         return false;
     form.applyDefinition(*definition);
@@ -110,9 +110,15 @@ void TRapMaarForm::refresh() {
     m_list->clear();
     const DefinitionStore store;
     for (const QString& name : store.GetValues(m_form.formName())) {
-        const auto definition = store.load(m_form.formName(), name);
-        auto* row =
-            new QTreeWidgetItem(m_list, {name, definition ? definition->description : QString()});
+        auto* row = new QTreeWidgetItem(m_list, {name});
+        try {
+            if (const auto definition = store.load(m_form.formName(), name)) {
+                row->setText(kDescriptionColumn, definition->description);
+                row->setData(kDescriptionColumn, kDescriptionRole, definition->description);
+            }
+        } catch (const data::DataError& e) {  // it can still be replaced or deleted
+            row->setText(kDescriptionColumn, QStringLiteral("(vioittunut) ") + e.finnish());
+        }
         row->setToolTip(kDescriptionColumn, row->text(kDescriptionColumn));
     }
     m_list->resizeColumnToContents(kNameColumn);
@@ -128,7 +134,7 @@ QTreeWidgetItem* TRapMaarForm::itemOf(const QString& name) const {
 void TRapMaarForm::pick() {
     if (const QTreeWidgetItem* row = m_list->currentItem()) {
         m_name->setText(row->text(kNameColumn));
-        m_description->setText(row->text(kDescriptionColumn));
+        m_description->setText(row->data(kDescriptionColumn, kDescriptionRole).toString());
     }
 }
 

@@ -84,6 +84,11 @@ TEST_F(DefinitionStoreTest, BadNamesAndFilesChangeNothing) {
     test::writeFile(m_file, "[a]\nVieHr=1\nTuotel\n[b]\n");
     EXPECT_THROW(m_store.load(kForm, str("a")), data::DataError);
     EXPECT_TRUE(m_store.load(kForm, str("b")));
+    EXPECT_TRUE(m_store.has(kForm, str(" A ")));
+    EXPECT_FALSE(m_store.has(kForm, str(" ")));
+    m_store.save(kForm, {str("A"), {}, {{str("Tuoteloki"), str("1")}}});  // mends it
+    EXPECT_EQ(m_store.load(kForm, str("a"))->values,
+              (QMap<QString, QString>{{str("VieHr"), str("1")}, {str("Tuoteloki"), str("1")}}));
     const QByteArray damaged("[a]\nx=1\n[b\ny=2\n");
     test::writeFile(m_file, damaged);
     EXPECT_THROW(m_store.GetValues(kForm), data::DataError);

@@ -206,8 +206,11 @@ void TAlvMuutosLomake::afterLoad() {
     for (int tag = 1; tag <= kPriceLevels; ++tag)
         validateSource(tag);
     normaliseCoefficients();
-    m_description->setText(loadedDefinition().description);
-    m_description->setToolTip(loadedDefinition().description);
+}
+
+void TAlvMuutosLomake::showDescription(const QString& description) {
+    m_description->setText(description);
+    m_description->setToolTip(description);
 }
 
 void TAlvMuutosLomake::SailytaAlv0_CheckBox1Click(int tag, bool checked) {
@@ -274,11 +277,13 @@ bool TAlvMuutosLomake::checkEdit(QWidget* widget) {
 }
 
 bool TAlvMuutosLomake::acceptTyped() {
-    // A button pressed by its mnemonic leaves the focus in the edit; what is typed there counts as
-    // left now.
-    QWidget* edit = m_pendingExit != nullptr ? m_pendingExit.data() : focusWidget();
+    // A button pressed by its mnemonic leaves the focus where it is; what was typed or chosen there
+    // counts as left now.
+    QWidget* control = m_pendingExit != nullptr ? m_pendingExit.data() : focusWidget();
     m_pendingExit.clear();
-    return checkEdit(edit);
+    if (const auto* source = qobject_cast<framework::LookupCombo*>(control))
+        validateSource(source->property(kTagProperty).toInt());
+    return checkEdit(control);
 }
 
 ChangeDefinition TAlvMuutosLomake::definitionFromForm() const {

@@ -52,6 +52,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void afterLoad() override;
+    void showDescription(const QString& description) override;
     bool acceptTyped() override;
     framework::Report report() const override;
 
