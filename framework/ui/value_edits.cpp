@@ -17,6 +17,10 @@
 
 namespace framework {
 
+namespace {
+constexpr int kMostDecimals = 14;
+}  // namespace
+
 void ExitEdit::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
     switch (event->reason()) {
@@ -82,38 +86,54 @@ void NumberEdit::dropEvent(QDropEvent* event) {
 }
 
 DecimalEdit::DecimalEdit(int decimals, double value, QWidget* parent)
-    : ExitEdit(parent), m_decimals(decimals), m_value(value) {
-    setValidator(new QRegularExpressionValidator(
-        QRegularExpression(QStringLiteral("[0-9]{0,12}([.,][0-9]{0,%1})?").arg(decimals)), this));
+    : ExitEdit(parent),
+      m_decimals(decimals),
+      m_value(value),
+      m_typed(new QRegularExpressionValidator(this)) {
+    setValidator(m_typed);
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    setText(shown(value));
+    showValue(value);
     connect(this, &QLineEdit::textEdited, this, &DecimalEdit::readTyped);
 }
 
-QString DecimalEdit::shown(double value) const {
+void DecimalEdit::showValue(double value) {
     QLocale locale;
     locale.setNumberOptions(QLocale::OmitGroupSeparator);
-    QString text = locale.toString(value, 'f', m_decimals);
+    const bool fits = QString::number(value, 'f', m_decimals).toDouble() == value;
+    const int decimals = fits ? m_decimals : kMostDecimals;
+    QString text = locale.toString(value, 'f', decimals);
     const QString point = locale.decimalPoint();
-    if (!text.contains(point))
-        return text;
-    while (text.endsWith(locale.zeroDigit()))
-        text.chop(1);
-    if (text.endsWith(point))
-        text.chop(point.size());
-    return text;
+    if (text.contains(point)) {
+        while (text.endsWith(locale.zeroDigit()))
+            text.chop(1);
+        if (text.endsWith(point))
+            text.chop(point.size());
+    }
+    limitDecimals(decimals);
+    setText(text);
+}
+
+void DecimalEdit::limitDecimals(int decimals) {
+    m_typed->setRegularExpression(
+        QRegularExpression(QStringLiteral("[0-9]{0,12}([.,][0-9]{0,%1})?").arg(decimals)));
 }
 
 void DecimalEdit::setValue(double value) {
     m_value = value;
     m_readable = true;
-    setText(shown(value));
+    showValue(value);
 }
 
 void DecimalEdit::readTyped(const QString& typed) {
     QString text = typed.trimmed();
     text.replace(QLatin1Char(','), QLatin1Char('.'));
-    const double number = text.toDouble(&m_readable);
+    if (text.section(QLatin1Char('.'), 1).size() <= m_decimals)
+        limitDecimals(m_decimals);  // the longer text of a set value is gone
+    double number = 0.0;
+    if (text.isEmpty())
+        m_readable = m_emptyIsZero;
+    else
+        number = text.toDouble(&m_readable);
     if (m_readable)
         m_value = number;
 }
@@ -133,7 +153,7 @@ bool DecimalEdit::setSavedValue(const QString& value) {
 
 void DecimalEdit::commit() {
     if (m_readable)
-        setText(shown(m_value));
+        showValue(m_value);
 }
 
 namespace {

@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QLineEdit>
+#include <QRegularExpressionValidator>
 
 #include "framework/ui/saved_control.h"
 
@@ -61,12 +62,15 @@ class NumberEdit : public ExitEdit, public SavedControl {
 };
 
 /// A decimal number. It keeps the exact double behind the text: what was set reads back to the last
-/// bit although the text shows fewer decimals. Decimal comma and point are both taken on typing,
-/// the user's locale is shown. Alt and a digit, released with no other modifier, is a shortcut.
+/// bit. So many decimals can be typed; a set value with more of them shows up to 14. Decimal comma
+/// and point are both taken on typing, the user's locale is shown. Alt and a digit, released with
+/// no other modifier, is a shortcut.
 class DecimalEdit : public ExitEdit, public SavedControl {
     Q_OBJECT
   public:
     explicit DecimalEdit(int decimals, double value, QWidget* parent = nullptr);
+    /// An emptied text means 0 from now on; otherwise it is no number.
+    void setEmptyIsZero() { m_emptyIsZero = true; }
     /// The value shown, or, while the text is no number, the last one that was.
     double value() const { return m_value; }
     void setValue(double value);
@@ -85,12 +89,15 @@ class DecimalEdit : public ExitEdit, public SavedControl {
     void keyReleaseEvent(QKeyEvent* event) override;
 
   private:
-    QString shown(double value) const;
+    void showValue(double value);
+    void limitDecimals(int decimals);
     void readTyped(const QString& text);
 
     int m_decimals;
     double m_value;
+    QRegularExpressionValidator* m_typed;
     bool m_readable = true;
+    bool m_emptyIsZero = false;
 };
 
 /// A date or nothing. Typed in the user's order or as yyyy-mm-dd, or picked from a calendar.

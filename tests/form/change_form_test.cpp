@@ -10,6 +10,7 @@
 #include "framework/ui/definition_window.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/shop_company.h"
+#include "tests/support/window_checks.h"
 
 using framework::DefinitionStore;
 using framework::TRapMaarForm;
@@ -90,6 +91,7 @@ TEST_F(ChangeForm, WhatIsTypedIsSavedAndComesBackInANewForm) {
         QTest::mouseClick(window.findChild<QWidget*>(str("TalletaButton")), Qt::LeftButton);
         EXPECT_EQ(window.result(), QDialog::Accepted);
         EXPECT_EQ(form->LatausCombo->currentText(), str("Syyskuu"));
+        EXPECT_EQ(form->findChild<QLabel*>(str("SeliteLabel"))->text(), str("24 -> 25,5"));
     }
 
     const auto saved = DefinitionStore().load(TAlvMuutosLomake::kFormName, str("SYYSKUU"));
@@ -161,6 +163,48 @@ TEST_F(ChangeForm, SavingOverAnotherDefinitionAsksAndDeletingTakesItAway) {
     QTest::mouseClick(again.findChild<QWidget*>(str("PoistaButton")), Qt::LeftButton);
     EXPECT_TRUE(TRapMaarForm::GetValues(TAlvMuutosLomake::kFormName).isEmpty());
     EXPECT_EQ(form->LatausCombo->count(), 0);
+}
+
+TEST_F(ChangeForm, ADamagedDefinitionDoesNotDisableTheOthers) {
+    const QString name =
+        str("Määrittely, jonka nimi on pidempi kuin kuusikymmentä merkkiä: 24 -> 25,5");
+    saveDefinition(str("Normaali"), {{str("Tuoteloki"), str("1")}});
+    saveDefinition(name, {{str("Kampanjat"), str("1")}});
+    const QString file = DefinitionStore().fileName(TAlvMuutosLomake::kFormName);
+    test::writeFile(file, "[Normaali]\nTuoteloki=1\nVieH\n" +
+                              test::fileBytes(file).mid(test::fileBytes(file).indexOf("[M")));
+    const QString problem = str("Tiedot ovat vioittuneet: %1: rivi 3 määrittelyssä \"Normaali\" ei "
+                                "ole asetus. Korjaa rivi tai talleta määrittely uudelleen.")
+                                .arg(file);
+    m_dialogs.expectMessage(
+        str("Määrittelyä \"Normaali\" ei voitu lukea, käytetään oletusarvoja: ") + problem);
+    const auto form = newForm();
+    EXPECT_FALSE(form->definitionFromForm().productLog);
+    ASSERT_TRUE(TRapMaarForm::LataaArvot(*form, name));
+    m_dialogs.expectMessage(problem);
+    form->LatausCombo->setCurrentText(str("Normaali"));
+    Q_EMIT form->LatausCombo->activated(form->LatausCombo->currentIndex());
+    EXPECT_EQ(form->LatausCombo->currentText(), name);
+    EXPECT_TRUE(form->definitionFromForm().campaigns);
+
+    {
+        TRapMaarForm window(*form);  // saves under the whole name that it was loaded by
+        QTest::mouseClick(window.findChild<QWidget*>(str("TalletaButton")), Qt::LeftButton);
+        EXPECT_EQ(TRapMaarForm::GetValues(TAlvMuutosLomake::kFormName),
+                  QStringList({name, str("Normaali")}));
+    }
+    TRapMaarForm window(*form);
+    window.show();
+    auto* list = window.findChild<QTreeWidget*>(str("MaaritysLista"));
+    QTreeWidgetItem* damaged = list->topLevelItem(1);
+    EXPECT_EQ(damaged->text(1), str("(vioittunut) ") + problem);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(damaged).center());
+    EXPECT_EQ(window.findChild<QLineEdit*>(str("NimiEdit"))->text(), str("Normaali"));
+    EXPECT_EQ(window.findChild<QLineEdit*>(str("SeliteEdit"))->text(), QString());
+    m_dialogs.expectQuestion(str("Määritys \"Normaali\" on jo talletettu. Korvataanko se?"), true);
+    QTest::mouseClick(window.findChild<QWidget*>(str("TalletaButton")), Qt::LeftButton);
+    EXPECT_TRUE(TRapMaarForm::LataaArvot(*form, QString()));
+    EXPECT_EQ(form->LatausCombo->currentText(), str("Normaali"));
 }
 
 TEST_F(ChangeForm, MissingKeysMeanDefaultsAndUnreadableValuesAreReported) {
@@ -334,6 +378,49 @@ TEST_F(ChangeForm, KeepingTheVatFreePriceSetsCoefficientAndSource) {
     leave(c.source(3));
     EXPECT_FALSE(c.keep(3)->isChecked());
     EXPECT_EQ(c.coefficient(3)->value(), 1.0);
+
+    // so does pressing a button by its mnemonic, which leaves the focus in the combo
+    c.source(1)->setKey(str("hinta"));
+    c.coefficient(1)->setValue(1.2);
+    c.source(1)->setFocus();
+    c.source(1)->setCurrentIndex(0);
+    c.targetClass->setValue(3);
+    m_dialogs.expectMessage(str("Lähteen ALV -luokka on sama kuin kohteen ALV -luokka!"));
+    QTest::keyClick(c.source(1), Qt::Key_M, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_dialogs.allCame(); }));
+    EXPECT_EQ(c.coefficient(1)->value(), 1.0);
+}
+
+TEST_F(ChangeForm, ThePriceChangeLimitIsWhatItShows) {
+    saveDefinition(str("Koe"), {{str("PriceChangeLimitEdit"), str("10.005")}});
+    const auto form = newForm();
+    framework::DecimalEdit* limit = form->controls().priceChangeLimit;
+    ASSERT_TRUE(TRapMaarForm::LataaArvot(*form, str("Koe")));
+    EXPECT_EQ(limit->text(), str("10,005"));
+    EXPECT_EQ(limit->value(), 10.005);
+    limit->setFocus();
+    QTest::keyClick(limit, Qt::Key_1, Qt::AltModifier);
+    EXPECT_EQ(limit->text(), str("1,01209677419355"));
+    type(limit, str("12,345"));  // two decimals can be typed
+    leave(limit);
+    EXPECT_EQ(limit->text(), str("12,34"));
+    EXPECT_EQ(limit->value(), 12.34);
+    type(limit, str(""));  // no limit
+    EXPECT_EQ(form->definitionFromForm().priceChangeLimit, 0.0);
+    leave(limit);
+    EXPECT_EQ(limit->text(), str("0"));
+}
+
+TEST_F(ChangeForm, TheWheelChoosesNothing) {
+    saveDefinition(str("A"), {});
+    saveDefinition(str("B"), {});
+    const auto form = newForm();
+    ASSERT_TRUE(TRapMaarForm::LataaArvot(*form, str("A")));
+    for (QComboBox* list : {static_cast<QComboBox*>(form->LatausCombo),
+                            static_cast<QComboBox*>(form->controls().source(1))}) {
+        test::turnWheel(*list);
+        EXPECT_EQ(list->currentIndex(), 0) << list->objectName().toStdString();
+    }
 }
 
 TEST_F(ChangeForm, ClassLabelsFollowTheEdits) {

@@ -4,10 +4,12 @@
 
 #include <QAbstractButton>
 #include <QAccessible>
+#include <QCoreApplication>
 #include <QGroupBox>
 #include <QKeySequence>
 #include <QLabel>
 #include <QMap>
+#include <QWheelEvent>
 #include <QWidget>
 
 namespace test {
@@ -65,6 +67,13 @@ inline void expectNothingClipped(const QWidget& window) {
         EXPECT_GE(widget->width(), widget->minimumSizeHint().width()) << described(*widget);
         EXPECT_GE(widget->height(), widget->minimumSizeHint().height()) << described(*widget);
     }
+}
+
+/// A notch of the mouse wheel, towards the next row of a list.
+inline void turnWheel(QWidget& widget) {
+    QWheelEvent notch(widget.rect().center(), widget.mapToGlobal(widget.rect().center()), {},
+                      QPoint(0, -120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&widget, &notch);
 }
 
 }  // namespace test

@@ -90,6 +90,7 @@ QWidget* limitRow(FormControls& controls, const Columns& columns, QWidget* paren
     QHBoxLayout* cells = tableRow(row);
     QLabel* label = cell(QStringLiteral("Hinnanmuutosraja"), columns.name, row);
     auto* edit = new framework::DecimalEdit(kLimitDecimals, 0.0, row);
+    edit->setEmptyIsZero();
     edit->setObjectName(QStringLiteral("PriceChangeLimitEdit"));
     edit->setAccessibleName(label->text());
     edit->setToolTip(
