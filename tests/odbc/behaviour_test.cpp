@@ -265,6 +265,24 @@ TEST_P(SqlBehaviour, WhatAnotherConnectionHoldsIsALockErrorAfterTheWait) {
     EXPECT_EQ(rows(db(), "select Prosentti from ALVKANTA"), Rows{"27"});
 }
 
+// What is wrong with a transaction may show only when it is stored.
+TEST(Transactions, OneThatCannotBeStoredLeavesNothingOpen) {
+    if (!test::SqlEngine::isAvailable(QStringLiteral("sqlite")))
+        GTEST_SKIP() << "the ODBC drivers are not set up";
+    const test::SqlEngine engine(QStringLiteral("sqlite"), {});
+    data::client::OdbcSettings settings = engine.settings();
+    settings.attributes = QStringLiteral("Database=%1/oma.db;FKSupport=1").arg(engine.folder());
+    test::OdbcDatabase database(settings);
+    exec(database,
+         "create table koe (a integer primary key, b integer references koe(a) deferrable "
+         "initially deferred)");
+    EXPECT_THROW(database.inTransaction([&] { exec(database, "insert into koe values (1, 9)"); }),
+                 DataError);
+    exec(database, "insert into koe values (2, 2)");
+    test::OdbcDatabase other(settings);
+    EXPECT_EQ(rows(other, "select a from koe"), Rows{"2"});
+}
+
 // A program that edits a record holds the statements of others that come by the loadable module.
 TEST(LoadableModule, KeepsTheRecordLocksOfTheEngine) {
     if (!test::SqlEngine::isAvailable(QStringLiteral("sqlite")))
