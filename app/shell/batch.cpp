@@ -1,10 +1,24 @@
 #include "app/shell/batch.h"
 
-#include <QStringList>
+#include "data/error.h"
 
 namespace shell {
 
 const QString kAlreadyRunText = QStringLiteral("Taksavaihe on kertaalleen ajettu");
+
+namespace {
+
+// Loads a definition. @return why it could not be; empty when it was.
+QString loadProblem(const QString& name, const BatchPorts& ports) {
+    try {
+        return ports.load(name) ? QString() : QStringLiteral("Määrittelyä ei löydy: ") + name;
+    } catch (const data::DataError& e) {
+        return QStringLiteral("Määrittelyä \"%1\" ei voitu lukea, sitä ei ajeta: ").arg(name) +
+               e.finnish();
+    }
+}
+
+}  // namespace
 
 ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports) {
     if (ports.alreadyRun()) {
@@ -27,11 +41,17 @@ ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports) {
         return ExitStatus::Unavailable;
     }
 
+    if (const QStringList problems = ports.problems(); !problems.isEmpty()) {
+        for (const QString& problem : problems)
+            ports.changeLog(problem);
+        return ExitStatus::Failed;
+    }
+
     ports.openForm();
     bool clean = true;
     for (const QString& name : definitions) {
-        if (!ports.load(name)) {
-            ports.changeLog(QStringLiteral("Määrittelyä ei löydy: ") + name);
+        if (const QString problem = loadProblem(name, ports); !problem.isEmpty()) {
+            ports.changeLog(problem);
             clean = false;
             continue;
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <functional>
 
 #include "app/company/definitions_file.h"
@@ -21,9 +22,12 @@ struct BatchPorts {
     /// The run mark keeps the batch from running (never under "/U").
     std::function<bool()> alreadyRun;
     std::function<bool(const QString& definition)> isSaved;
+    /// What start-up could not read, in Finnish: nothing is run then.
+    std::function<QStringList()> problems;
     /// Creates and shows the change form.
     std::function<void()> openForm;
     /// Loads a definition into the form. @return false when it is gone.
+    /// @throws data::DataError when it cannot be read.
     std::function<bool(const QString& definition)> load;
     /// Carries out what is in the form.
     std::function<vatchange::RunResult()> run;
@@ -35,8 +39,8 @@ struct BatchPorts {
 extern const QString kAlreadyRunText;
 
 /// Runs the definitions of the list in its order, empty ones passed over. A definition that fails
-/// does not keep the following ones from running; one that is not saved keeps all of them.
-/// Errors of the ports reach the caller.
+/// or cannot be read does not keep the following ones from running; one that is not saved keeps all
+/// of them. Other errors of the ports reach the caller.
 ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports);
 
 }  // namespace shell

@@ -45,17 +45,36 @@ TMainForm::~TMainForm() {
     delete m_changeForm;
 }
 
-void TMainForm::alusta() {
+QStringList TMainForm::alusta() {
+    m_problems.clear();
+    for (const auto part :
+         {&TMainForm::readNames, &TMainForm::readBatchList, &TMainForm::readVatClasses}) {
+        try {
+            (this->*part)();
+        } catch (const std::exception& e) {
+            m_problems.append(framework::errorText(e));
+        }
+    }
+    return m_problems;
+}
+
+void TMainForm::readNames() {
     const QStringList names = framework::TRapMaarForm::GetValues(TAlvMuutosLomake::kFormName);
+    const company::BatchList shown = batchList();
     m_definitions[0]->clear();
     for (QComboBox* list : m_definitions)
         list->addItems(names);
+    showBatchList(shown);  // a list that gets its first name would show it
+}
 
-    const company::BatchList saved = company::readBatchList(company::AlvMuutosIniName());
-    for (std::size_t i = 0; i < saved.size(); ++i)
-        m_definitions[i]->setEditText(saved[i]);
+void TMainForm::readBatchList() {
+    showBatchList(company::readBatchList(company::AlvMuutosIniName()));
+    m_listRead = true;
+}
 
-    readVatClasses();
+void TMainForm::showBatchList(const company::BatchList& list) {
+    for (std::size_t i = 0; i < list.size(); ++i)
+        m_definitions[i]->setEditText(list[i]);
 }
 
 void TMainForm::readVatClasses() {
@@ -95,6 +114,7 @@ bool TMainForm::alreadyRun() const {
 void TMainForm::openChangeForm() {
     if (m_changeForm == nullptr) {
         m_changeForm = new TAlvMuutosLomake(company::companyDatabase());
+        m_changeForm->Unattended = BatchMode;
         connect(m_changeForm, &TAlvMuutosLomake::closed, this, &TMainForm::changeFormClosed);
         connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this,
                 [this](bool running) { setEnabled(!running); });
@@ -106,7 +126,13 @@ void TMainForm::openChangeForm() {
 
 void TMainForm::changeFormClosed() {
     m_changeForm.clear();  // it frees itself; opening it again creates it anew
-    framework::reportErrors(this, [this] { alusta(); });
+    const QStringList problems = alusta();
+    if (BatchMode) {
+        for (const QString& problem : problems)
+            company::WriteAlvMuutosLog(problem);
+    } else if (!problems.isEmpty()) {
+        framework::Dialogs::error(this, problems.join(QLatin1Char('\n')));
+    }
 }
 
 void TMainForm::BitBtn1Click() {
@@ -126,22 +152,24 @@ ExitStatus TMainForm::runWholeBatch() {
     BatchPorts ports;
     ports.alreadyRun = [this] { return alreadyRun(); };
     ports.isSaved = [](const QString& name) {
-        return framework::DefinitionStore().load(TAlvMuutosLomake::kFormName, name).has_value();
+        return framework::DefinitionStore().has(TAlvMuutosLomake::kFormName, name);
     };
+    ports.problems = [this] { return m_problems; };
     ports.openForm = [this] {
         openChangeForm();
         QCoreApplication::processEvents();
-        m_changeForm->Unattended = true;
     };
     ports.load = [this](const QString& name) {
         if (m_changeForm == nullptr)  // closed by hand between two definitions
             openChangeForm();
-        m_changeForm->Unattended = true;
         m_changeForm->showStatus(name);
         return framework::TRapMaarForm::LataaArvot(*m_changeForm, name);
     };
     ports.run = [this] {
-        if (auto result = m_changeForm->EsikatseleClick())
+        m_inRun = true;
+        auto result = m_changeForm->EsikatseleClick();
+        m_inRun = false;
+        if (result)
             return *std::move(result);
         vatchange::RunResult notRun;
         notRun.refused = true;
@@ -160,13 +188,15 @@ void TMainForm::runBatchAndLeave() {
         const QString text =
             QStringLiteral("Eräajo päättyi virheeseen: ") + framework::errorText(e);
         company::WriteAlvMuutosLog(text);
-        if (framework::Dialogs::someoneThere()) {
+        QTextStream(stderr) << text << '\n';
+        if (m_inRun && framework::Dialogs::someoneThere()) {
             framework::Dialogs::error(this, text);
             return;  // a person at the screen finds the windows as they were
         }
-        QTextStream(stderr) << text << '\n';
     }
-    if (m_exitStatus == ExitStatus::AlreadyRun)
+    if (m_exitStatus == ExitStatus::Failed && !m_problems.isEmpty())
+        QTextStream(stderr) << m_problems.join(QLatin1Char('\n')) << '\n';
+    else if (m_exitStatus == ExitStatus::AlreadyRun)
         QTextStream(stderr) << kAlreadyRunText << '\n';
     else if (m_exitStatus == ExitStatus::Unavailable)
         QTextStream(stderr) << "Eräajon määrittelyä ei löydy, katso " << company::AlvMuutosLogName()
@@ -177,16 +207,20 @@ void TMainForm::runBatchAndLeave() {
 }
 
 void TMainForm::BtnLogClick() {
+    // A log that is not there yet goes to the desktop, too: it says so in its own way.
     const QString fileName = company::AlvMuutosLogName();
-    if (!QFileInfo::exists(fileName)) {
-        framework::Dialogs::message(this, QStringLiteral("Lokia ei ole vielä: ") + fileName);
-        return;
-    }
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(fileName).absoluteFilePath())))
         framework::Dialogs::error(this, QStringLiteral("Lokia ei voitu avata: ") + fileName);
 }
 
 void TMainForm::TalletaClick() {
+    if (!m_listRead) {
+        framework::Dialogs::error(
+            this, QStringLiteral("Talletettua luetteloa ei voitu lukea, joten sitä ei korvata.\n"
+                                 "Korjaa tiedosto ja käynnistä ohjelma uudelleen: ") +
+                      company::AlvMuutosIniName());
+        return;
+    }
     framework::reportErrors(
         this, [this] { company::writeBatchList(company::AlvMuutosIniName(), batchList()); });
 }

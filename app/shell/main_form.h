@@ -27,8 +27,9 @@ class TMainForm : public QWidget {
 
     /// Fills the window: definition names, batch list, VAT classes. Called again when the change
     /// form closes: the names are then added once more to the lists of Maar2..Maar4, and VAT class
-    /// labels only gain findings. @throws data::DataError.
-    void alusta();
+    /// labels only gain findings. Each part is read for itself.
+    /// @return why parts could not be read, in Finnish; empty when all were.
+    QStringList alusta();
     /// Shows the company in use.
     void showCompany();
 
@@ -50,6 +51,9 @@ class TMainForm : public QWidget {
     QGroupBox* buildClassPart();
     QLayout* buildButtons();
     QLayout* buildFoot();
+    void readNames();
+    void readBatchList();
+    void showBatchList(const company::BatchList& list);
     void readVatClasses();
     bool alreadyRun() const;
     void openChangeForm();
@@ -62,7 +66,10 @@ class TMainForm : public QWidget {
     QLabel* m_company = nullptr;
     QPushButton* m_open = nullptr;
     QPointer<vatchange::TAlvMuutosLomake> m_changeForm;
+    QStringList m_problems;   ///< what alusta() could not read
+    bool m_listRead = false;  ///< the batch list of the file has been shown: it may be replaced
     bool m_batchStarted = false;
+    bool m_inRun = false;  ///< a batch is carrying out a definition, or an error ended it there
     ExitStatus m_exitStatus = ExitStatus::Done;  ///< of the program, when the window closes
 };
 

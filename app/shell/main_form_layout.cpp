@@ -3,6 +3,7 @@
 #include <QVBoxLayout>
 
 #include "app/shell/main_form.h"
+#include "framework/ui/choice_controls.h"
 #include "framework/ui/dialogs.h"
 
 namespace shell {
@@ -64,7 +65,7 @@ QGroupBox* TMainForm::buildBatchPart() {
         0, 0, 1, 2);
     for (std::size_t i = 0; i < m_definitions.size(); ++i) {
         const int number = static_cast<int>(i) + 1;
-        auto* list = new QComboBox(card);
+        auto* list = new framework::ChoiceCombo(card);
         list->setObjectName(QStringLiteral("Maar%1").arg(number));
         list->setEditable(true);
         list->setInsertPolicy(QComboBox::NoInsert);

@@ -183,13 +183,13 @@ int runProgram(QApplication& application) {
 
     TMainForm mainForm;
     mainForm.BatchMode = batch;
-    try {
-        mainForm.alusta();
-    } catch (const std::exception& e) {
+    const QStringList problems = mainForm.alusta();
+    if (!problems.isEmpty() && !batch) {  // a batch tells of them after it looked at the run mark
         splash.reset();
-        const QString text = framework::errorText(e);
+        const QString text = problems.join(QLatin1Char('\n'));
         if (unattended()) {
-            company::WriteAlvMuutosLog(text);
+            for (const QString& problem : problems)
+                company::WriteAlvMuutosLog(problem);
             return tell(ExitStatus::Failed, text);
         }
         framework::Dialogs::error(&mainForm, text);

@@ -21,6 +21,8 @@ QString str(const char* utf8) {
 // Saved are "a", "b" and "c"; each run of a definition ends as `results` says.
 struct Recorder {
     bool marked = false;
+    QStringList problems;
+    QString damaged;
     std::map<QString, RunResult> results;
     QStringList events;
     QString loaded;
@@ -31,8 +33,11 @@ struct Recorder {
         ports.isSaved = [](const QString& name) {
             return str("abc").contains(name, Qt::CaseInsensitive);
         };
+        ports.problems = [this] { return problems; };
         ports.openForm = [this] { events.append(str("open")); };
         ports.load = [this](const QString& name) {
+            if (name == damaged)
+                throw data::DataError::verbatim(data::ErrorKind::Damaged, str("rivi 3"));
             loaded = name;
             return true;
         };
@@ -60,18 +65,32 @@ TEST(Batch, AnEmptyListOpensTheFormAndLogsNothing) {
     EXPECT_EQ(r.events, QStringList(str("open")));
 }
 
-TEST(Batch, TheMarkComesBeforeUnknownNames) {
+TEST(Batch, TheMarkComesBeforeUnknownNamesAndTheseBeforeProblemsOfTheStart) {
     Recorder r;
     r.marked = true;
+    r.problems = QStringList({str("luokat"), str("luettelo")});
     EXPECT_EQ(r.run({str("x"), str("a")}), ExitStatus::AlreadyRun);
     EXPECT_EQ(r.events, QStringList(str("loki: Taksavaihe on kertaalleen ajettu")));
-}
 
-TEST(Batch, OneUnknownNameKeepsAllFromRunning) {
-    Recorder r;
+    r.marked = false;
+    r.events.clear();
     EXPECT_EQ(r.run({str("a"), str("b"), str("x"), str("y")}), ExitStatus::Unavailable);
     EXPECT_EQ(r.events, QStringList({str("log: Määrittelyä ei löydy, eräajoa ei tehdä: x"),
                                      str("log: Määrittelyä ei löydy, eräajoa ei tehdä: y")}));
+
+    r.events.clear();
+    EXPECT_EQ(r.run({str("a"), str(""), str(""), str("")}), ExitStatus::Failed);
+    EXPECT_EQ(r.events, QStringList({str("log: luokat"), str("log: luettelo")}));
+}
+
+TEST(Batch, ADamagedDefinitionIsRefusedAndTheOthersRun) {
+    Recorder r;
+    r.damaged = str("b");
+    EXPECT_EQ(r.run({str("a"), str("b"), str("c"), str("")}), ExitStatus::Failed);
+    EXPECT_EQ(r.events.mid(3),
+              QStringList({str("log: Määrittelyä \"b\" ei voitu lukea, sitä ei "
+                               "ajeta: rivi 3"),
+                           str("log: Aloitetaan muutos määrittelylle: c"), str("run c")}));
 }
 
 TEST(Batch, WhateverGoesWrongInADefinitionTheNextOnesRunAndTheStatusTells) {

@@ -8,11 +8,13 @@
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
+#include <functional>
 
 #include "framework/core/definition_store.h"
 #include "framework/ui/company_choice.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/shop_company.h"
+#include "tests/support/window_checks.h"
 
 using shell::TMainForm;
 
@@ -129,6 +131,68 @@ TEST_F(MainForm, BatchListComesFromItsFileAndIsSavedThere) {
     EXPECT_NE(m_form.changeForm(), nullptr);
 }
 
+TEST_F(MainForm, ABatchListThatCouldNotBeReadIsNotReplaced) {
+    saveDefinition("Alv255");
+    const QString definitions =
+        framework::DefinitionStore().fileName(vatchange::TAlvMuutosLomake::kFormName);
+    const QString batch = company::AlvMuutosIniName();
+    // a damaged definitions file leaves the batch list and the classes readable
+    company::writeBatchList(batch, {str("Alv255"), str(""), str("B"), str("")});
+    const QByteArray list = test::fileBytes(batch);
+    const QByteArray saved = test::fileBytes(definitions);
+    test::writeFile(definitions, "[rikki\n");
+    EXPECT_TRUE(m_form.alusta().join(QString()).contains(definitions));
+    EXPECT_EQ(m_form.batchList(), company::readBatchList(batch));
+    EXPECT_EQ(label("Alv24Label")->text(), str("Alv 24% - LÖYTYY (3)"));
+    QTest::mouseClick(button("Talleta"), Qt::LeftButton);
+    EXPECT_EQ(test::fileBytes(batch), list);
+
+    test::writeFile(definitions, saved);
+    test::writeFile(batch, "[rikki\n");
+    TMainForm other;
+    EXPECT_TRUE(other.alusta().join(QString()).contains(batch));
+    EXPECT_EQ(other.batchList(), company::BatchList());
+    test::writeFile(batch, list);  // mended meanwhile
+    m_dialogs.expectMessage(str("Talletettua luetteloa ei voitu lukea, joten sitä ei korvata.\n"
+                                "Korjaa tiedosto ja käynnistä ohjelma uudelleen: ") +
+                            batch);
+    other.TalletaClick();
+    EXPECT_EQ(test::fileBytes(batch), list);
+}
+
+TEST_F(MainForm, ABatchShowsNoDialogWhateverItCannotRead) {
+    const struct {
+        const char* text;
+        int status;
+        std::function<void()> damage;  // found when the change form opens or closes
+    } cases[] = {{"[rikki", 0, [] { test::writeFile(company::AlvMuutosIniName(), "[rikki\n"); }},
+                 {"hintatasoa ei löydy: 4", 1,
+                  [this] { m_shop.exec(str("delete from HINTATASO where Nro = 4")); }}};
+    for (const auto& c : cases) {
+        QFile::remove(company::AlvMuutosIniName());
+        TMainForm form;
+        form.alusta();
+        c.damage();
+        form.BatchMode = true;
+        form.show();
+        QTimer::singleShot(20'000, &form, [] { QCoreApplication::exit(-1); });
+        EXPECT_EQ(QCoreApplication::exec(), c.status) << c.text;
+        EXPECT_TRUE(m_shop.logMessages().last().contains(str(c.text))) << c.text;
+    }
+}
+
+TEST_F(MainForm, TheWheelChoosesNothing) {
+    saveDefinition("A");
+    saveDefinition("B");
+    m_form.alusta();
+    m_form.show();
+    for (int i = 1; i <= 4; ++i) {
+        list(i)->setEditText(str("A"));
+        test::turnWheel(*list(i));
+        EXPECT_EQ(list(i)->currentText(), str("A")) << i;
+    }
+}
+
 TEST_F(MainForm, RunMarkKeepsTheChangeFormClosedUntilItIsDeleted) {
     const QString question =
         str("Haluatko varmasti poistaa ajomerkinnän? \n"
@@ -192,12 +256,11 @@ class UrlCatcher : public QObject {
 TEST_F(MainForm, LogOpensInTheDesktopsProgram) {
     UrlCatcher desktop;
     QDesktopServices::setUrlHandler(str("file"), &desktop, "open");
-    m_dialogs.expectMessage(str("Lokia ei ole vielä: ") + company::AlvMuutosLogName());
-    button("BtnLog")->click();
+    button("BtnLog")->click();  // no line was ever written: the desktop says so
     company::WriteAlvMuutosLog(str("rivi"));
     button("BtnLog")->click();
     QDesktopServices::unsetUrlHandler(str("file"));
-    EXPECT_EQ(desktop.urls, QList<QUrl>({QUrl::fromLocalFile(company::AlvMuutosLogName())}));
+    EXPECT_EQ(desktop.urls, QList<QUrl>(2, QUrl::fromLocalFile(company::AlvMuutosLogName())));
 }
 
 TEST(CompanyChoice, ParametersListAndRefresh) {

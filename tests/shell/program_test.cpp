@@ -105,6 +105,27 @@ TEST_F(Program, ExitStatusesTellWhatWentWrong) {
     EXPECT_TRUE(m_shop.logMessages().contains(str("Kohteen ALV -luokka on oltava > 0!")));
 }
 
+TEST_F(Program, DamagedDefinitionsAreTheOnlyOnesNotRun) {
+    const QString file =
+        framework::DefinitionStore().fileName(vatchange::TAlvMuutosLomake::kFormName);
+    const QByteArray sound = test::fileBytes(file);
+    test::writeFile(file, sound + "[Normaali]\nVieH\n");
+    setBatch({str("Normaali"), str("Alv255"), str(""), str("")});
+    EXPECT_EQ(run({m_company, str("/E"), str("/EP")}), 1);
+    EXPECT_EQ(prices(), str("20.24"));
+    EXPECT_EQ(m_shop.logMessages().filter(str("\"Normaali\" ei ole asetus")).size(), 2);
+
+    setBatch({str("Alv255"), str(""), str(""), str("")});
+    EXPECT_EQ(run({m_company, str("/E"), str("/EP"), str("/U")}), 0);
+    // the mark comes before a file that cannot be read at all
+    test::writeFile(file, sound + "[rikki\n");
+    EXPECT_EQ(run({m_company, str("/E")}), 3);
+    EXPECT_TRUE(
+        test::fileBytes(m_shop.file(str("loki.dat"))).contains("Taksavaihe on kertaalleen ajettu"));
+    EXPECT_EQ(run({m_company, str("/E"), str("/U")}), 1);
+    EXPECT_TRUE(m_errors.contains(file)) << m_errors.toStdString();
+}
+
 TEST_F(Program, AnEmptyBatchLeavesNoTrace) {
     EXPECT_EQ(run({m_company, str("/E")}), 0);
     EXPECT_FALSE(QFile::exists(company::AlvMuutosLogName()));
