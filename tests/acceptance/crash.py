@@ -9,6 +9,7 @@ the products, groups, store prices and order rows of an uninterrupted one (heade
 pass over those rows gives them)."""
 
 import argparse
+import itertools
 import os
 import random
 import shutil
@@ -71,6 +72,23 @@ def known(table, row, states):
         return row == unmarked(states[1])
     # the classes of a group are changed by a statement each
     return table == "TRYHMA" and all(value in column for value, column in zip(row, zip(*states)))
+
+
+def summed(number, header, order_rows):
+    """Whether a sales header has the totals of its rows, some of which a pass that was killed may
+    have marked before: those count in the margins, those marked in the last pass do not."""
+    named = [dict(zip(FIELDS["MTRIVI"], row)) for key, row in sorted(order_rows.items()) if key[0] == number]
+    marks = [n for n, row in enumerate(named) if row["Kate"] == 1]
+    header = dict(zip(FIELDS["MT"], header))
+    for before in itertools.product((True, False), repeat=len(marks)):
+        lines = [dict(row) for row in named]
+        for n, was in zip(marks, before):
+            lines[n]["Kate"] = 1.0 if was else 0.0
+        sums = dict(header)
+        acceptance.model.Run.sales_totals(sums, lines, 2)
+        if all(abs(sums[f] - header[f]) < 0.006 for f in ("Summa", "SummaAlv0", "Kate", "KateAlv0")):
+            return True
+    return False
 
 
 def start(company):
@@ -138,7 +156,8 @@ def main():
         done = state(company)
         for t in KEYS:
             for key, row in done[t].items():
-                if row != new[t][key] and row != again[t][key]:
+                if row != new[t][key] and row != again[t][key] and not (
+                        t == "MT" and summed(key[0], row, done["MTRIVI"])):
                     problems.append(f"kill {n}: {t} {key} ends as {row}, uninterrupted {new[t][key]}")
     for line in problems[:20]:
         print(line)
