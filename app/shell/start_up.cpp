@@ -109,18 +109,20 @@ QString answerWithoutWindows(const QStringList& parameters) {
 
 bool preparePlatform(const QStringList& parameters, QString& problem) {
 #if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
-    const bool chosen = !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
-                        anyOf(parameters, {"-platform", "--platform"});
-    if (chosen)
+    const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
+    const bool unattended = company::hasSwitch(QStringLiteral("/E"));
+    if (anyOf(parameters, {"-platform", "--platform"}) || (!chosen.isEmpty() && !unattended))
         return true;
     const bool x11 = !qEnvironmentVariableIsEmpty("DISPLAY");
     const bool wayland = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-    if (company::hasSwitch(QStringLiteral("/E"))) {
+    if (unattended) {
         // Tried in turn: the display that is named may be gone.
         QByteArrayList platforms;
-        if (wayland)
+        if (!chosen.isEmpty())
+            platforms.append(chosen);
+        if (chosen.isEmpty() && wayland)
             platforms.append("wayland");
-        if (x11)
+        if (chosen.isEmpty() && x11)
             platforms.append("xcb");
         platforms.append("offscreen");
         qputenv("QT_QPA_PLATFORM", platforms.join(';'));

@@ -42,13 +42,13 @@ class Program : public ::testing::Test {
         company::writeBatchList(m_folder.filePath(str("ALVMUUTOS.INI")), list);
     }
 
-    int run(const QStringList& parameters, bool offscreen = false) {
+    int run(const QStringList& parameters, const QString& platform = {}) {
         QProcess program;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
             environment.remove(QLatin1String(name));
-        if (offscreen)
-            environment.insert(str("QT_QPA_PLATFORM"), str("offscreen"));
+        if (!platform.isEmpty())
+            environment.insert(str("QT_QPA_PLATFORM"), platform);
         program.setProcessEnvironment(environment);
         program.setWorkingDirectory(QDir::rootPath());
         program.start(m_folder.filePath(str("taksavaihe")), parameters);
@@ -91,7 +91,7 @@ TEST_F(Program, ExitStatusesTellWhatWentWrong) {
     setBatch({str("Alv255"), str("Tyhjä"), str(""), str("")});
     EXPECT_EQ(run({str("/E"), str("Olematon")}), 2);
     EXPECT_TRUE(m_errors.contains(str("Olematon")));
-    EXPECT_EQ(run({str("Olematon")}, true), 2);  // offscreen, no batch: no dialog waits
+    EXPECT_EQ(run({str("Olematon")}, str("offscreen")), 2);  // offscreen, no batch: no dialog waits
     EXPECT_EQ(run({str("/E")}), 2);
 
     setBatch({str("Alv255"), str("Puuttuva"), str(""), str("")});
@@ -135,7 +135,8 @@ TEST_F(Program, AnEmptyBatchLeavesNoTrace) {
 TEST_F(Program, AMissingPriceLevelEndsTheBatchWithALine) {
     setBatch({str("Alv255"), str(""), str(""), str("")});
     m_shop.exec(str("delete from HINTATASO where Nro = 4"));
-    EXPECT_EQ(run({m_company, str("/E")}), 1);
+    // a display that a login shell's settings name, and that is not there
+    EXPECT_EQ(run({m_company, str("/E")}, str("xcb")), 1);
     EXPECT_TRUE(m_shop.logMessages().join(QLatin1Char('\n')).contains(str("hintatasoa ei löydy")));
     EXPECT_EQ(prices(), str("20"));
 }
