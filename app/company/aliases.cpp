@@ -185,7 +185,7 @@ QString aliasNameProblemFinnish(const QString& name) {
 
 QString engineSetting(const QString& key) {
     for (const SettingsStore& store : SettingsStore::openAll(Use::Read)) {
-        const QString value = store.value(QStringLiteral("Engine"), key).value_or(QString());
+        QString value = store.value(QStringLiteral("Engine"), key).value_or(QString());
         if (!value.isEmpty())
             return value;
     }

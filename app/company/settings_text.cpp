@@ -147,7 +147,7 @@ QString writtenValue(const QString& value) {
 }
 
 QString plainValue(const QString& text) {
-    const QString inner = isQuoted(text) ? text.sliced(1, text.size() - 2) : text;
+    QString inner = isQuoted(text) ? text.sliced(1, text.size() - 2) : text;
     const QString value = unescaped(inner);
     if (escaped(value) != inner)
         return inner;

@@ -112,7 +112,7 @@ int forgetCompany(const Arguments& arguments) {
 }
 
 QString embeddedFolder(const QString& name) {
-    const QString folder = companyFolder(name);
+    QString folder = companyFolder(name);
     if (folder.isEmpty())
         throw CommandError(QStringLiteral("No data folder is registered for \"%1\".").arg(name));
     return folder;
