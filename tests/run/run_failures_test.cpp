@@ -313,9 +313,15 @@ TEST(UnfinishedRun, ProductsLeftBehindWithChangedDependentRows) {
     EXPECT_EQ(company.run(definition).skippedProducts, 1);
     ASSERT_EQ(company::readUnfinishedNotes().size(), 1);
     EXPECT_TRUE(company.ports.lines.last().contains("asiakashinnastojen rivit 1."));
+    EXPECT_EQ(company.run(plainDefinition()).skippedProducts, 1);
+    EXPECT_EQ(company::readUnfinishedNotes().size(), 1) << "A2 waits still, its price is changed";
     company.ports.definition = QStringLiteral("Toinen");
     company.run(plainDefinition());
     EXPECT_EQ(company::readUnfinishedNotes().size(), 1) << "of the first definition still";
+    company.ports.definition = QStringLiteral("Koe");
+    file->unlock(record.front().id);
+    EXPECT_TRUE(company.run(plainDefinition()).clean());
+    EXPECT_TRUE(company::readUnfinishedNotes().empty());
 }
 
 }  // namespace
