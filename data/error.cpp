@@ -88,7 +88,7 @@ DataError::DataError(ErrorKind kind, QString table, QString detail, int nativeCo
       m_detail(std::move(detail)),
       m_nativeCode(nativeCode) {}
 
-DataError::DataError(std::string what, ErrorKind kind, const QString& message)
+DataError::DataError(const std::string& what, ErrorKind kind, const QString& message)
     : std::runtime_error(what),
       m_kind(kind),
       m_detail(message),

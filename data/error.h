@@ -52,7 +52,7 @@ class DataError : public std::runtime_error {
     QString english() const;
 
   private:
-    DataError(std::string what, ErrorKind kind, const QString& message);
+    DataError(const std::string& what, ErrorKind kind, const QString& message);
 
     ErrorKind m_kind;
     QString m_table;

@@ -48,7 +48,6 @@ Console::~Console() {
 #else
 
 Console::Console() = default;
-Console::~Console() = default;
 
 #endif
 

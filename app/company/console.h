@@ -11,7 +11,11 @@ namespace company {
 class Console {
   public:
     Console();
+#ifdef Q_OS_WIN
     ~Console();
+#else
+    ~Console() = default;
+#endif
     Console(const Console&) = delete;
     Console& operator=(const Console&) = delete;
 

@@ -191,12 +191,11 @@ Value emptyValue(const TFieldCacheItem& field) {
 }  // namespace
 
 std::pair<qint64, qint64> integerRange(const TFieldCacheItem& field) {
-    const int bits = 8 * std::min<int>(field.storedLength, 8);
-    if (field.storage == Storage::UnsignedBinary)
-        return {0, (qint64{1} << bits) - 1};  // at most 4 bytes
+    const bool isUnsigned = field.storage == Storage::UnsignedBinary;  // of 4 bytes at most
+    const int bits = 8 * std::clamp<int>(field.storedLength, 1, isUnsigned ? 4 : 8);
     const qint64 largest =
-        bits == 64 ? std::numeric_limits<qint64>::max() : (qint64{1} << (bits - 1)) - 1;
-    return {-largest - 1, largest};
+        std::numeric_limits<qint64>::max() >> (isUnsigned ? 63 - bits : 64 - bits);
+    return {isUnsigned ? 0 : -largest - 1, largest};
 }
 
 QString integerProblem(const TFieldCacheItem& field, qint64 value) {
