@@ -116,6 +116,10 @@ struct Server {
     const char* redirect;  // connection attributes that lead to port %1 instead
 };
 
+void PrintTo(const Server& server, std::ostream* out) {
+    *out << server.name;
+}
+
 constexpr std::array<Server, 2> kServers{
     {{"virtuoso", "Address = 127.0.0.1:", "HOST=127.0.0.1:%1"}, {"mariadb", "PORT = ", "PORT=%1"}}};
 
