@@ -45,11 +45,13 @@ QStringList noteSections(const IniFile& file) {
     return file.sections().filter(kNotes);
 }
 
-void removeNotes(IniFile& file, const QString& definition) {
+bool removeNotes(IniFile& file, const QString& definition) {
+    bool removed = false;
     for (const QString& section : noteSections(file)) {
         if (file.value(section, kDefinition).value_or(QString()) == definition)
-            file.removeSection(section);
+            removed = file.removeSection(section) || removed;
     }
+    return removed;
 }
 
 QString freeSection(const IniFile& file) {
@@ -65,16 +67,18 @@ QString unfinishedNoteName() {
     return dataFolderFile(QStringLiteral("ALVMUUTOS.KESKEN"));
 }
 
-void writeUnfinishedNote(const QString& definition) {
-    guarded([&definition] {
+bool writeUnfinishedNote(const QString& definition) {
+    bool isAgain = false;
+    guarded([&] {
         IniFile file = readOrNew();
-        removeNotes(file, definition);
+        isAgain = removeNotes(file, definition);
         const QString section = freeSection(file);
         file.setValue(section, kDefinition, definition);
         file.setValue(section, kStarted, data::Clock::now().toString(kTimeFormat));
         file.setValue(section, kComputer, computerName());
         file.write(unfinishedNoteName());
     });
+    return isAgain;
 }
 
 void removeUnfinishedNote(const QString& definition) {

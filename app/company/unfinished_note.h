@@ -20,7 +20,8 @@ QString unfinishedNoteName();
 
 /// Writes the note of a run that starts now on this computer, in place of an earlier one of the
 /// same definition. None of these calls throws; failures go to the log error report.
-void writeUnfinishedNote(const QString& definition);
+/// @return whether there was an earlier one.
+bool writeUnfinishedNote(const QString& definition);
 /// Takes the definition's note away, and the file with the last one.
 void removeUnfinishedNote(const QString& definition);
 /// The notes that stand there, oldest first; a file that cannot be read comes as one with empty

@@ -118,12 +118,14 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
     if (unattended) {
         // Tried in turn: the display that is named may be gone.
         QByteArrayList platforms;
-        if (!chosen.isEmpty())
+        if (!chosen.isEmpty()) {
             platforms.append(chosen);
-        if (chosen.isEmpty() && wayland)
-            platforms.append("wayland");
-        if (chosen.isEmpty() && x11)
-            platforms.append("xcb");
+        } else {
+            if (wayland)
+                platforms.append("wayland");
+            if (x11)
+                platforms.append("xcb");
+        }
         platforms.append("offscreen");
         qputenv("QT_QPA_PLATFORM", platforms.join(';'));
         return true;

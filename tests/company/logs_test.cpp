@@ -116,9 +116,10 @@ TEST_F(LogsTest, UnfinishedNotes) {
     EXPECT_TRUE(readUnfinishedNotes().empty());
     removeUnfinishedNote(str("x"));
     const QString definition = str(" Määrittely [1] ");
-    writeUnfinishedNote(definition);
-    writeUnfinishedNote(str("Toinen"));
-    writeUnfinishedNote(definition);  // again: one note a definition, this one the newest
+    EXPECT_FALSE(writeUnfinishedNote(definition));
+    EXPECT_FALSE(writeUnfinishedNote(str("Toinen")));
+    EXPECT_TRUE(
+        writeUnfinishedNote(definition));  // again: one note a definition, this one the newest
     const auto notes = readUnfinishedNotes();
     ASSERT_EQ(notes.size(), 2);
     EXPECT_EQ(notes[0].definition, str("Toinen"));

@@ -1,7 +1,5 @@
 #include "vatchange/run/change_run.h"
 
-#include <algorithm>
-
 #include "app/company/run_mark.h"
 #include "app/company/unfinished_note.h"
 #include "data/clock.h"
@@ -79,21 +77,13 @@ QString changedSoFar(const RunResult& result) {
     return kinds.join(QStringLiteral(", "));
 }
 
-bool hasUnfinishedNote(const QString& definition) {
-    const auto notes = company::readUnfinishedNotes();
-    return std::any_of(notes.begin(), notes.end(),
-                       [&definition](const auto& note) { return note.definition == definition; });
-}
-
 /// The note of an unfinished run, from before the first change to the end of the run. It stays when
 /// products were left behind whose dependent rows are changed already, by this run or by one
 /// before.
 class RunInProgress {
   public:
     explicit RunInProgress(const RunContext& run)
-        : m_run(run), m_wasNoted(hasUnfinishedNote(run.ports.definitionName())) {
-        company::writeUnfinishedNote(run.ports.definitionName());
-    }
+        : m_run(run), m_wasNoted(company::writeUnfinishedNote(run.ports.definitionName())) {}
     ~RunInProgress() {
         if ((m_dependents.isEmpty() && !m_wasNoted) || m_run.result.clean())
             company::removeUnfinishedNote(m_run.ports.definitionName());
