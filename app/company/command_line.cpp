@@ -18,15 +18,16 @@ QString withSlash(const QString& parameter) {
 }
 
 bool contains(const QString& name, qsizetype from) {
-    const QString wanted = withSlash(name);
     const QStringList& list = stored();
     return std::any_of(list.begin() + std::min(from, list.size()), list.end(),
-                       [&wanted](const QString& parameter) {
-                           return sameIgnoringAsciiCase(withSlash(parameter), wanted);
-                       });
+                       [&name](const QString& parameter) { return sameSwitch(parameter, name); });
 }
 
 }  // namespace
+
+bool sameSwitch(const QString& parameter, const QString& name) {
+    return sameIgnoringAsciiCase(withSlash(parameter), withSlash(name));
+}
 
 void setParameters(const QStringList& parameters) {
     stored() = parameters;

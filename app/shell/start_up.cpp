@@ -2,6 +2,8 @@
 
 #include <QDialog>
 #include <QTextStream>
+#include <algorithm>
+#include <array>
 #include <memory>
 
 #include "app/company/command_line.h"
@@ -40,7 +42,8 @@ const QString kHelp = QStringLiteral(
     "  --help, --version\n"
     "\n"
     "Eräajon paluuarvo: 0 kaikki onnistui, 1 määrittely hylättiin tai jokin epäonnistui,\n"
-    "2 yritystä, sen tietokantaa tai eräajon määrittelyä ei löydy, 3 muutos on jo ajettu.\n");
+    "2 yritystä, sen tietokantaa tai eräajon määrittelyä ei löydy tai valitsin on tuntematon,\n"
+    "3 muutos on jo ajettu.\n");
 
 bool anyOf(const QStringList& parameters, std::initializer_list<const char*> wanted) {
     for (const char* text : wanted) {
@@ -53,6 +56,23 @@ bool anyOf(const QStringList& parameters, std::initializer_list<const char*> wan
 int tell(ExitStatus status, const QString& text) {
     QTextStream(stderr) << text << '\n';
     return static_cast<int>(status);
+}
+
+// Switches that the program does not know, as they were typed. A batch must not run with one: what
+// it was to do instead ("rehearse only") would not be done.
+QStringList unknownSwitches() {
+    static constexpr std::array kKnown = {
+        "/E", "/U", "/EP", "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
+    QStringList unknown;
+    for (const QString& parameter : company::parameters()) {
+        const bool isSwitch =
+            parameter.startsWith(QLatin1Char('/')) || parameter.startsWith(QLatin1Char('-'));
+        if (isSwitch && std::none_of(kKnown.begin(), kKnown.end(), [&](const char* known) {
+                return company::sameSwitch(parameter, QLatin1String(known));
+            }))
+            unknown += parameter;
+    }
+    return unknown;
 }
 
 // The parameter that was meant as the company's name, for the error text.
@@ -152,6 +172,12 @@ int runProgram(QApplication& application) {
         otherMessages = qInstallMessageHandler(leaveOutPlatformComplaints);
     company::setLogErrorReport([](const QString& text) { QTextStream(stderr) << text << '\n'; });
     company::TZavDbConnectionModule::setNotice(framework::showNotice);
+    if (const QStringList unknown = unknownSwitches(); !unknown.isEmpty()) {
+        const int status = tell(ExitStatus::Unavailable, QStringLiteral("Tuntematon valitsin: ") +
+                                                             unknown.join(QStringLiteral(", ")));
+        if (batch)
+            return status;
+    }
 
     auto splash = std::make_unique<framework::TZAVLogoForm>();
     splash->AsetaTiedot(kProgramTitle, kProgramVersion);

@@ -93,6 +93,13 @@ TEST_F(Program, ExitStatusesTellWhatWentWrong) {
     EXPECT_TRUE(m_errors.contains(str("Olematon")));
     EXPECT_EQ(run({str("Olematon")}, str("offscreen")), 2);  // offscreen, no batch: no dialog waits
     EXPECT_EQ(run({str("/E")}), 2);
+    for (const char* unknown : {"/KOEAJO", "/e2", "--koeajo"}) {
+        setBatch({str("Alv255"), str(""), str(""), str("")});
+        EXPECT_EQ(run({m_company, str("/E"), str(unknown)}), 2) << unknown;
+        EXPECT_TRUE(m_errors.contains(str(unknown)));
+        EXPECT_FALSE(QFile::exists(company::AlvMuutosLogName()));
+    }
+    EXPECT_EQ(prices(), str("20"));
 
     setBatch({str("Alv255"), str("Puuttuva"), str(""), str("")});
     EXPECT_EQ(run({m_company, str("-e")}), 2);
