@@ -5,6 +5,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 
+#include "framework/ui/close_deferral.h"
 #include "search/drag_source.h"
 
 namespace search {
@@ -53,6 +54,7 @@ void TAlkuMerkkiEdit::mouseMoveEvent(QMouseEvent* event) {
     m_mayDrag = false;
     auto* drag = new QDrag(this);
     drag->setMimeData(dragData(objectName(), text()));
+    const framework::CloseDeferral deferral(this);
     drag->exec(Qt::CopyAction);
 }
 

@@ -13,6 +13,7 @@
 #include "app/company/company.h"
 #include "app/company/connection_module.h"
 #include "framework/core/settings_table.h"
+#include "framework/ui/close_deferral.h"
 #include "framework/ui/dialogs.h"
 #include "search/drag_source.h"
 #include "search/product_settings.h"
@@ -344,6 +345,7 @@ void TBtrHakuForm::startRowDrag() {
     auto* drag = new QDrag(DBGrid1);
     drag->setMimeData(
         dragData(DBGrid1->objectName(), RecordRow(recordLayout(), *record).text(m_resultField)));
+    const framework::CloseDeferral deferral(this);
     drag->exec(Qt::CopyAction);
 }
 

@@ -10,6 +10,7 @@
 #include <set>
 
 #include "app/company/company.h"
+#include "framework/ui/close_deferral.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/window_place.h"
 #include "search/btr_haku_form.h"
@@ -222,6 +223,7 @@ void TBtrHakuForm::columnMenu(const QPoint& place) {
     menu.addSeparator();
     menu.addAction(Tallenna);
     menu.addAction(Tallennakorkeus);
+    const framework::CloseDeferral deferral(this);
     menu.exec(DBGrid1->horizontalHeader()->mapToGlobal(place));
 }
 

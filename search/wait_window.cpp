@@ -16,6 +16,7 @@ constexpr int kSteps = 1000;
 
 WaitWindow::WaitWindow(QWidget* owner)
     : QWidget(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint),
+      m_ownerStaysOpen(owner),
       m_progress(new QProgressBar(this)) {
     setObjectName(QStringLiteral("HakuOdotus"));
     setWindowModality(Qt::ApplicationModal);

@@ -3,6 +3,8 @@
 #include <QProgressBar>
 #include <QWidget>
 
+#include "framework/ui/close_deferral.h"
+
 namespace search {
 
 /// The window shown during a search record by record: "Haku käynnissä", how far it has come, and
@@ -19,6 +21,7 @@ class WaitWindow : public QWidget {
     void closeEvent(QCloseEvent* event) override;
 
   private:
+    framework::CloseDeferral m_ownerStaysOpen;
     QProgressBar* m_progress;
     bool m_brokenOff = false;
 };

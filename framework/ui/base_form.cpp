@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 
 #include "data/error.h"
+#include "framework/ui/close_deferral.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/mail.h"
@@ -117,8 +118,12 @@ void TPerusForm::LatausComboActivated() {
 }
 
 void TPerusForm::TalletusClick() {
-    if (acceptTyped())
-        reportErrors(this, [this] { TRapMaarForm(*this).exec(); });
+    if (!acceptTyped())
+        return;
+    reportErrors(this, [this] {
+        const CloseDeferral deferral(this);
+        TRapMaarForm(*this).exec();
+    });
 }
 
 QString TPerusForm::reportFileName() const {
@@ -141,6 +146,7 @@ void TPerusForm::SahkopostiClick() {
     if (!acceptTyped())
         return;
     reportErrors(this, [this] {
+        const CloseDeferral deferral(this);
         // The mail program reads the file when the message is sent, perhaps after this program's
         // end: the folder stays, the system cleans it up with its other temporary files.
         QTemporaryDir folder(QDir::temp().filePath(QStringLiteral("taksavaihe-XXXXXX")));

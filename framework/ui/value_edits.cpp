@@ -15,6 +15,8 @@
 #include <QWidgetAction>
 #include <cmath>
 
+#include "framework/ui/close_deferral.h"
+
 namespace framework {
 
 namespace {
@@ -269,6 +271,7 @@ void DateEdit::pickFromCalendar() {
         setDate(picked);
         popup.close();
     });
+    const CloseDeferral deferral(this);
     popup.exec(mapToGlobal(QPoint(0, height())));
 }
 

@@ -3,7 +3,6 @@
 #include <QCloseEvent>
 #include <QLocale>
 #include <QSignalBlocker>
-#include <QTimer>
 #include <cmath>
 
 #include "app/company/command_line.h"
@@ -86,30 +85,31 @@ void TAlvMuutosLomake::readCompanyTables() {
 
 void TAlvMuutosLomake::connectControls() {
     for (framework::NumberEdit* edit : {m_controls.sourceClass, m_controls.targetClass}) {
-        connect(edit, &QLineEdit::textChanged, this,
-                [this] { framework::reportErrors(this, [this] { refreshClassLabels(); }); });
+        connect(edit, &QLineEdit::textChanged, this, [this] {
+            framework::reportErrors(this, [this] {
+                refreshClassLabels();
+                followClasses();
+            });
+        });
     }
     for (QCheckBox* on : {m_controls.subGroup.on, m_controls.productGroup.on,
                           m_controls.mainGroup.on, m_controls.productRange})
         connect(on, &QCheckBox::toggled, this, &TAlvMuutosLomake::refreshRestrictionBoxes);
 
-    auto shortcuts = [this](framework::DecimalEdit* edit) {
-        connect(edit, &framework::DecimalEdit::altDigitReleased, this, [edit](int digit) {
-            if (const auto coefficient = shortcutCoefficient(digit))
-                edit->setValue(*coefficient);
-        });
-        connect(edit, &framework::ExitEdit::exited, this, [this, edit] {
-            m_pendingExit = edit;
-            QTimer::singleShot(0, this, &TAlvMuutosLomake::checkPendingExit);
-        });
+    auto shortcuts = [this](framework::DecimalEdit* edit, std::size_t tag) {
+        connect(edit, &framework::DecimalEdit::altDigitReleased, this,
+                [this, edit, tag](int digit) {
+                    if (const auto coefficient = shortcutCoefficient(digit)) {
+                        edit->setValue(*coefficient);
+                        m_computed.reset(tag);
+                    }
+                });
+        connect(edit, &QLineEdit::textEdited, this, [this, tag] { m_computed.reset(tag); });
     };
-    for (framework::DecimalEdit* edit : m_controls.coefficients)
-        shortcuts(edit);
-    shortcuts(m_controls.priceChangeLimit);
-    connect(m_controls.deliveryLimit, &framework::ExitEdit::exited, this, [this] {
-        m_pendingExit = m_controls.deliveryLimit;
-        QTimer::singleShot(0, this, &TAlvMuutosLomake::checkPendingExit);
-    });
+    for (int tag = 1; tag <= kCoefficients; ++tag)
+        shortcuts(m_controls.coefficient(tag), static_cast<std::size_t>(tag));
+    shortcuts(m_controls.priceChangeLimit, 0);
+    watchExits();
 
     for (int tag = 1; tag <= kLastPurchaseTag; ++tag) {
         connect(m_controls.keep(tag), &QCheckBox::toggled, this, [this, tag](bool checked) {
@@ -118,7 +118,7 @@ void TAlvMuutosLomake::connectControls() {
     }
     for (int tag = 1; tag <= kPriceLevels; ++tag) {
         connect(m_controls.source(tag), &framework::LookupCombo::exited, this, [this, tag] {
-            if (!m_returningFocus)
+            if (!m_exits.isRefusing())
                 validateSource(tag);
         });
     }
@@ -201,11 +201,17 @@ void TAlvMuutosLomake::normaliseCoefficients() {
 }
 
 void TAlvMuutosLomake::afterLoad() {
+    m_exits.forgetAll();
     refreshRestrictionBoxes();
     refreshClassLabels();
     for (int tag = 1; tag <= kPriceLevels; ++tag)
         validateSource(tag);
     normaliseCoefficients();
+    const auto computed = coefficientOfClasses();
+    for (int tag = 1; tag <= kLastPurchaseTag; ++tag) {
+        m_computed[static_cast<std::size_t>(tag)] =
+            m_controls.keep(tag)->isChecked() && computed == m_controls.coefficient(tag)->value();
+    }
 }
 
 void TAlvMuutosLomake::showDescription(const QString& description) {
@@ -215,6 +221,8 @@ void TAlvMuutosLomake::showDescription(const QString& description) {
 
 void TAlvMuutosLomake::SailytaAlv0_CheckBox1Click(int tag, bool checked) {
     framework::DecimalEdit* coefficient = m_controls.coefficient(tag);
+    m_exits.forget(coefficient);
+    m_computed.reset(static_cast<std::size_t>(tag));
     if (!checked) {
         coefficient->setValue(1.0);
         return;
@@ -229,61 +237,72 @@ void TAlvMuutosLomake::SailytaAlv0_CheckBox1Click(int tag, bool checked) {
     }
     const auto source = ratePercent(static_cast<int>(m_controls.sourceClass->value()));
     coefficient->setValue(keepVat0Coefficient(source.value_or(0.0), *target));
+    m_computed.set(static_cast<std::size_t>(tag));
     if (tag <= kPriceLevels)
         // cppcheck-suppress containerOutOfBounds
         m_controls.source(tag)->setKey(kPriceColumns[static_cast<std::size_t>(tag)]);
 }
 
-void TAlvMuutosLomake::checkPendingExit() {
-    QWidget* edit = m_pendingExit;
-    m_pendingExit.clear();
-    if (edit != nullptr)
-        checkEdit(edit);
+// The coefficient that keeps the VAT-free price with the classes in the form. Nothing while one of
+// them does not exist, as happens while a number is being typed; source class 0 has rate 0.
+std::optional<double> TAlvMuutosLomake::coefficientOfClasses() const {
+    const auto sourceClass = static_cast<int>(m_controls.sourceClass->value());
+    const auto source = ratePercent(sourceClass);
+    const auto target = ratePercent(static_cast<int>(m_controls.targetClass->value()));
+    if (!target || (!source && sourceClass != 0))
+        return std::nullopt;
+    return keepVat0Coefficient(source.value_or(0.0), *target);
 }
 
-bool TAlvMuutosLomake::checkEdit(QWidget* widget) {
-    const auto refuse = [this](QLineEdit* edit, const QString& text) {
-        m_pendingExit.clear();
-        framework::Dialogs::warning(this, text);
-        m_returningFocus = true;
-        edit->setFocus();
-        m_returningFocus = false;
-        edit->selectAll();
-        return false;
-    };
-    if (widget == m_controls.deliveryLimit && !m_controls.deliveryLimit->isReadable()) {
-        return refuse(m_controls.deliveryLimit,
-                      QStringLiteral("Päivämäärä ( %1 ) ei kelpaa, korjaa päivämäärä!")
-                          .arg(m_controls.deliveryLimit->text()));
+void TAlvMuutosLomake::followClasses() {
+    if (m_computed.none())
+        return;
+    const auto coefficient = coefficientOfClasses();
+    for (int tag = 1; coefficient && tag <= kLastPurchaseTag; ++tag) {
+        if (m_computed.test(static_cast<std::size_t>(tag)) && m_controls.keep(tag)->isChecked())
+            m_controls.coefficient(tag)->setValue(*coefficient);
     }
-    auto* edit = qobject_cast<framework::DecimalEdit*>(widget);
-    if (edit == nullptr)
-        return true;
+}
+
+void TAlvMuutosLomake::watchExits() {
+    for (framework::DecimalEdit* edit : m_controls.coefficients)
+        m_exits.watch(edit, [this, edit] { return checkCoefficient(edit); });
+    framework::DecimalEdit* limit = m_controls.priceChangeLimit;
+    m_exits.watch(limit, [this, limit] { return checkCoefficient(limit); });
+    m_exits.watch(m_controls.deliveryLimit, [this] { return checkDeliveryLimit(); });
+}
+
+QString TAlvMuutosLomake::checkDeliveryLimit() {
+    if (m_controls.deliveryLimit->isReadable())
+        return {};
+    return QStringLiteral("Päivämäärä ( %1 ) ei kelpaa, korjaa päivämäärä!")
+        .arg(m_controls.deliveryLimit->text());
+}
+
+// Only the price levels have a range; a text that is no number gives way to the last one that was.
+QString TAlvMuutosLomake::checkCoefficient(framework::DecimalEdit* edit) {
     const int tag = edit->property(kTagProperty).toInt();
-    if (tag >= 1 && tag <= kPriceLevels) {
-        if (edit->isReadable() && acceptableLevelCoefficient(edit->value()))
-            return true;
-        const QLocale locale;
-        return refuse(edit,
-                      QStringLiteral("Hintakerroin ( %1 ) ei ole sallituissa rajoissa, korjaa "
-                                     "hintakerroin!\r(kertoimen on oltava vähintään %2 ja enintään "
-                                     "%3 )")
-                          .arg(edit->text(), locale.toString(kLowestLevelCoefficient, 'f', 2),
-                               locale.toString(kHighestLevelCoefficient, 'f', 2)));
+    if (tag < 1 || tag > kPriceLevels) {
+        if (!edit->isReadable())
+            edit->setValue(edit->value());
+        return {};
     }
-    if (!edit->isReadable())
-        edit->setValue(edit->value());
-    return true;
+    if (edit->isReadable() && acceptableLevelCoefficient(edit->value()))
+        return {};
+    const QLocale locale;
+    return QStringLiteral(
+               "Hintakerroin ( %1 ) ei ole sallituissa rajoissa, korjaa hintakerroin!\r"
+               "(kertoimen on oltava vähintään %2 ja enintään %3 )")
+        .arg(edit->text(), locale.toString(kLowestLevelCoefficient, 'f', 2),
+             locale.toString(kHighestLevelCoefficient, 'f', 2));
 }
 
 bool TAlvMuutosLomake::acceptTyped() {
-    // A button pressed by its mnemonic leaves the focus where it is; what was typed or chosen there
-    // counts as left now.
-    QWidget* control = m_pendingExit != nullptr ? m_pendingExit.data() : focusWidget();
-    m_pendingExit.clear();
-    if (const auto* source = qobject_cast<framework::LookupCombo*>(control))
+    // A button pressed by its mnemonic leaves the focus where it is; what was chosen there counts
+    // as left now.
+    if (const auto* source = qobject_cast<framework::LookupCombo*>(focusWidget()))
         validateSource(source->property(kTagProperty).toInt());
-    return checkEdit(control);
+    return m_exits.checkAll();
 }
 
 ChangeDefinition TAlvMuutosLomake::definitionFromForm() const {

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <QElapsedTimer>
-#include <QPointer>
+#include <bitset>
 #include <optional>
 
 #include "data/engine.h"
 #include "framework/ui/base_form.h"
+#include "framework/ui/exit_checks.h"
 #include "vatchange/form/form_controls.h"
 #include "vatchange/form/search_windows.h"
 #include "vatchange/run/run_record.h"
@@ -14,6 +15,12 @@ namespace vatchange {
 
 /// The VAT change form: holds one change definition in its controls, saves and loads it, and
 /// carries it out. While a run goes on, everything but "Keskeytä" is disabled.
+///
+/// A coefficient that ticking keep-VAT0 computed follows the VAT classes until a person types
+/// another, by key or shortcut, or unticks the box. It is computed again whenever a class is
+/// changed and both classes exist (source class 0 stands for rate 0); while the number being typed
+/// is no class yet, it stays as it is. A loaded coefficient follows the classes when it is the one
+/// that the tick would compute; loading itself computes none.
 class TAlvMuutosLomake : public framework::TPerusForm {
     Q_OBJECT
   public:
@@ -76,8 +83,11 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void validateSource(int tag);
     void normaliseCoefficients();
     void SailytaAlv0_CheckBox1Click(int tag, bool checked);
-    void checkPendingExit();
-    bool checkEdit(QWidget* edit);
+    std::optional<double> coefficientOfClasses() const;
+    void followClasses();
+    void watchExits();
+    QString checkDeliveryLimit();
+    QString checkCoefficient(framework::DecimalEdit* edit);
     void setRunning(bool running);
     void showProgress(const QString& status, qint64 done, qint64 total, const QString& remaining);
     bool confirmClosing();
@@ -92,8 +102,8 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     QPushButton* m_interrupt = nullptr;
     QPushButton* m_close = nullptr;
     std::optional<RunRecord> m_lastRun;
-    QPointer<QWidget> m_pendingExit;  ///< left, not yet checked
-    bool m_returningFocus = false;    ///< a refused edit takes the focus back: no exit
+    framework::ExitChecks m_exits{*this};
+    std::bitset<kCoefficients + 1> m_computed;  ///< by tag: coefficients of followClasses()
     bool m_running = false;
     bool m_cancelRequested = false;
     bool m_closeWhenDone = false;

@@ -93,6 +93,7 @@ std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick() {
 void TAlvMuutosLomake::setRunning(bool running) {
     m_running = running;
     m_content->setEnabled(!running);
+    m_exits.dropExits();  // what is disabled loses the focus
     Esikatsele->setEnabled(!running);
     m_close->setEnabled(!running);
     m_interrupt->setEnabled(running);

@@ -1,0 +1,85 @@
+#include "framework/ui/program_dialogs.h"
+
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTextStream>
+
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+#endif
+
+namespace framework {
+
+namespace {
+
+// Windows open also where no screen shows them: a task that runs with nobody logged on, and a
+// service, have a window station of their own.
+bool stationIsVisible() {
+#ifdef Q_OS_WIN
+    USEROBJECTFLAGS flags{};
+    return GetUserObjectInformationW(GetProcessWindowStation(), UOI_FLAGS, &flags, sizeof flags,
+                                     nullptr) != 0 &&
+           (flags.dwFlags & WSF_VISIBLE) != 0;
+#else
+    return true;
+#endif
+}
+
+QMessageBox::Icon icon(MessageKind kind) {
+    switch (kind) {
+        case MessageKind::Information:
+            return QMessageBox::Information;
+        case MessageKind::Warning:
+            return QMessageBox::Warning;
+        case MessageKind::Error:
+            break;
+    }
+    return QMessageBox::Critical;
+}
+
+QString title(const QWidget* parent) {
+    return parent != nullptr ? parent->window()->windowTitle() : QStringLiteral("Taksavaihe");
+}
+
+}  // namespace
+
+bool ProgramDialogs::someoneThere() const {
+    static const QStringList kInvisible = {QStringLiteral("offscreen"), QStringLiteral("minimal")};
+    return !kInvisible.contains(QGuiApplication::platformName()) && stationIsVisible();
+}
+
+void ProgramDialogs::message(QWidget* parent, MessageKind kind, const QString& text) {
+    if (!someoneThere()) {
+        QTextStream(stderr) << text << '\n';
+        return;
+    }
+    QMessageBox box(icon(kind), title(parent), text, QMessageBox::Ok, parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    box.exec();
+}
+
+bool ProgramDialogs::ask(QWidget* parent, const QString& text) {
+    if (!someoneThere())
+        return false;
+    QMessageBox box(QMessageBox::Question, title(parent), text, QMessageBox::NoButton, parent);
+    box.setTextFormat(Qt::PlainText);
+    const QPushButton* yes =
+        box.addButton(QStringLiteral("&Kyllä"), QMessageBox::ButtonRole::YesRole);
+    QPushButton* no = box.addButton(QStringLiteral("&Ei"), QMessageBox::ButtonRole::NoRole);
+    box.setDefaultButton(no);
+    box.setEscapeButton(no);
+    box.exec();
+    return box.clickedButton() == yes;
+}
+
+QString ProgramDialogs::saveFileName(QWidget* parent, const QString& dialogTitle,
+                                     const QString& suggested, const QString& filter) {
+    if (!someoneThere())
+        return {};
+    return QFileDialog::getSaveFileName(parent, dialogTitle, suggested, filter);
+}
+
+}  // namespace framework
