@@ -172,6 +172,18 @@ def make_company(r, products, orders):
                        "Ostohinta": money(r), "Prosentti": r.choice([0, 0, 1]),
                        "Loppu": r.choice(["", "2024-08-31", "2024-09-01", "2025-01-01"])}
                       for n in some(products // 2)]
+    # Rows that share their update's key: another period, a percentage beside a price, an ended
+    # campaign, the price that another row is about to get, and rows equal in every column.
+    for rows, start, end, percent, price in (
+            (t["ASALE"], "Alkaa", "Loppuu", "Prosentteina", "Hinta"),
+            (t["KAMPPANJA"], "Alku", "Loppu", "Prosentti", "Myyntihinta")):
+        for row in r.sample(rows, len(rows) // 2):
+            twin = dict(row, **r.choice([
+                {}, {percent: 1 - row[percent]}, {start: "2024-05-01", end: "2024-08-31"},
+                {start: "2024-10-01", end: "2025-06-30"}]))
+            if r.random() < 0.8:
+                twin[price] = r.choice([f32(money(r)), f32(round(row[price] * 1.0120967741935485, 2))])
+            rows.append(twin)
     t["VAKIOLASKUTUS"] = [{"Id": i + 1, "Asiakas": r.randint(1, 9), "Tuote": n, "ahinta": money(r),
                            "Yhteensa": money(r), "ostohinta": money(r), "ahintaalv0": money(r)}
                           for i, n in enumerate(some(products // 3))]
