@@ -143,7 +143,7 @@ def make_company(r, products, orders):
     while len(numbers) < products:
         numbers.add(r.choice(["{:06d}", "T{}", "Ä{}", "A-{}", "R {}", "K/{}", "t{}", "64{:011d}"])
                     .format(r.randint(1, 10 ** 6)))
-    numbers = sorted(numbers, key=lambda x: r.random())
+    numbers = sorted(sorted(numbers), key=lambda x: r.random())
     t["TUOTE"] = []
     for n in numbers:
         p = {f: money(r) for f in model.LEVEL_FIELDS + ["KESKIHINTA", "VIIMOSTOHINTA", "ANNOSHINTA"]}
@@ -157,11 +157,11 @@ def make_company(r, products, orders):
     some = lambda k: [r.choice(numbers + ["EIOLE"]) for _ in range(k)]
     t["HR"] = [{"Tyyppi": r.choice([1, 1, 2]), "Tuote": n, "Maara": 2.0, "TulPvm": "2024-01-05",
                 "TulAika": 5, "H3": 4.5, "MaaraAle": "x", "MaaraAleHinta": 3.0, "Pantti": 0.2}
-               for n in set(some(products // 4))]
+               for n in sorted(set(some(products // 4)))]
     t["MYYMALAHINNAT"] = [
         dict({f"Hinta{i}": money(r) for i in range(1, 10)}, Myymala=m, Tuote=n,
              **{f"Hinta{i}Alv0": money(r) for i in range(1, 10)})
-        for m in (1, 2, 3) for n in set(some(products // 3))]
+        for m in (1, 2, 3) for n in sorted(set(some(products // 3)))]
     t["ASALE"] = [{"AsiakasNumero": r.randint(0, 30) if r.random() < .5 else r.randint(1, 5),
                    "Tuote": n, "Hinta": money(r), "Prosentteina": r.choice([0, 0, 0, 1]),
                    "Tyyppi": r.choice([1, 1, 1, 2]), "Maara": r.choice([0.0, 1.0, 2.5]),

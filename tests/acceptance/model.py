@@ -173,15 +173,13 @@ class Run:
         groups = {g for g in d.groups if any(r["Nro"] == g for r in self.tab["ASRYHMA"])}
         in_groups = {c["Asiakas"] for c in self.tab["ASIAKAS"] if c["Ryhma"] in groups}
         types = (1, 2) if d.on("WebKauppaAsHinCheckBox") else (1,)
-        work = []
         for r in self.tab["ASALE"]:
-            if (r["Tuote"] in self.chosen and r["Tyyppi"] == 1 and not r["Prosentteina"]
+            if not (r["Tuote"] in self.chosen and r["Tyyppi"] == 1 and not r["Prosentteina"]
                     and r["Hinta"] > 0 and not r["OstohintaLahtoinen"]):
-                if groups and not ((r["AsikasTyyppi"] == 0 and r["AsiakasNumero"] in in_groups) or
-                                   (r["AsikasTyyppi"] in types and r["AsiakasNumero"] in groups)):
-                    continue
-                work.append(dict(r))
-        for r in work:
+                continue
+            if groups and not ((r["AsikasTyyppi"] == 0 and r["AsiakasNumero"] in in_groups) or
+                               (r["AsikasTyyppi"] in types and r["AsiakasNumero"] in groups)):
+                continue
             r["Hinta"] = self.price(0, r["Hinta"])
             r["OstoHinta"] = f32(d.ko * r["OstoHinta"])
             if not d.on("DoNotUpdateCustomerPricelistVAT0"):
