@@ -79,7 +79,7 @@ void convertCustomerPriceLists(RunContext& run) {
 
     data::TUniQuery update(&run.database);
     update.sql().add(kCustomerPriceUpdate);
-    SharedKeyRows shared(run.database, customerPriceTable(), rows);
+    SharedKeyRows shared(run.database, customerPriceTable(), run.condition, rows);
     LostRows lost(run, QStringLiteral("Virhe asiakashinnaston päivityksessä: "));
     qint64& converted = run.changedRows(QStringLiteral("Asiakashinnastojen rivit"));
     const auto convertRow = [&] {
@@ -131,7 +131,7 @@ void convertCampaigns(RunContext& run) {
 
     data::TUniQuery update(&run.database);
     update.sql().add(kCampaignUpdate);
-    SharedKeyRows shared(run.database, campaignTable(), rows);
+    SharedKeyRows shared(run.database, campaignTable(), run.condition, rows);
     LostRows lost(run, QStringLiteral("Virhe kampanjan päivityksessä: "));
     qint64& converted = run.changedRows(QStringLiteral("Kampanjarivit"));
     const auto convertRow = [&] {

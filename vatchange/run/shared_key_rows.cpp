@@ -21,9 +21,13 @@ QString keyText(const data::KeyValues& key) {
     return text;
 }
 
-QString sharedKeysQuery(const SharedKeyTable& table) {
-    const QString columns = table.keyColumns.join(QStringLiteral(", "));
+QString sharedKeysQuery(const SharedKeyTable& table, const QString& productCondition) {
+    QStringList qualified;
+    for (const QString& column : table.keyColumns)
+        qualified += table.name + u'.' + column;
+    const QString columns = qualified.join(QStringLiteral(", "));
     return QStringLiteral("select ") + columns + QStringLiteral(" from ") + table.name +
+           QStringLiteral(", TUOTE where (tuote = numero) and ") + productCondition +
            QStringLiteral(" group by ") + columns + QStringLiteral(" having count(*) > 1");
 }
 
@@ -59,12 +63,13 @@ bool sameKeyValue(const data::TField& field, const data::Value& value) {
 
 }  // namespace
 
-SharedKeyRows::SharedKeyRows(data::Database& database, SharedKeyTable table, data::TUniQuery& rows)
+SharedKeyRows::SharedKeyRows(data::Database& database, SharedKeyTable table,
+                             const QString& productCondition, data::TUniQuery& rows)
     : m_database(database), m_description(std::move(table)), m_row(keyColumns(rows)) {
     if (rows.recordCount() == 0)
         return;
     data::TUniQuery shared(&database);
-    shared.sql().add(sharedKeysQuery(m_description));
+    shared.sql().add(sharedKeysQuery(m_description, productCondition));
     shared.open();
     const Columns columns = keyColumns(shared);
     for (; !shared.eof(); shared.next())
@@ -144,7 +149,7 @@ SharedKeyRows::Records SharedKeyRows::read(const data::KeyValues& key) {
     for (; !m_table->eof(); m_table->next()) {
         if (belongs(key)) {
             found.records.push_back({amounts()});
-            found.places.push_back(m_table->bookmark());
+            found.ids.push_back(m_table->recordId());
         }
     }
     m_table->cancelRange();
@@ -158,19 +163,30 @@ bool SharedKeyRows::update(const std::vector<AmountChange>& changes) {
     auto found = m_records.find(text);
     if (found == m_records.end())
         found = m_records.emplace(text, read(key)).first;
-    Records& records = found->second;
+    Records& group = found->second;
 
     Amounts before;
     for (const AmountChange& change : changes)
         before.push_back(change.before);
-    const auto record = recordOfRow(before, records.records, m_tolerances);
-    if (!record)
+    const auto place = recordOfRow(before, group.records, m_tolerances);
+    if (!place)
         return false;
-    records.records[*record].taken = true;
-    if (!m_table->gotoBookmark(records.places[*record]))
+    KeyRecord& record = group.records[*place];
+    record.taken = true;
+    const Amounts stored = record.amounts;
+    const data::RecordId id = group.ids[*place];
+    if (++group.taken == group.records.size())
+        group = {};
+    return change(id, key, stored, changes);
+}
+
+/// Writes the changes when the record is still what it was.
+bool SharedKeyRows::change(data::RecordId id, const data::KeyValues& key, const Amounts& stored,
+                           const std::vector<AmountChange>& changes) {
+    if (!m_table->gotoBookmark({id, {}}))
         return false;
     m_table->edit();
-    if (!belongs(key) || amounts() != records.records[*record].amounts) {
+    if (!belongs(key) || amounts() != stored) {
         m_table->cancel();
         return false;
     }
