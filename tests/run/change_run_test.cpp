@@ -280,7 +280,7 @@ TEST(ChangeRun, RowsThatShareTheirKeyKeepToThemselves) {
     EXPECT_TRUE(result.clean());
     test::expectSharedKeysChanged(company, before);
     ASSERT_EQ(result.changed.size(), 2);
-    EXPECT_EQ(result.changed[0].rows, 6);
+    EXPECT_EQ(result.changed[0].rows, 8);
     EXPECT_EQ(result.changed[1].rows, 4);
     EXPECT_EQ(company.ports.linesWith("Kampanja: A1 1;"), 4);
 }

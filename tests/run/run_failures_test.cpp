@@ -271,7 +271,7 @@ TEST(FailingRun, RowOfASharedKeyThatSomebodyElseHoldsOrChanges) {
     EXPECT_EQ(result.failedSteps, 1) << "told in the log row by row, counted once";
     EXPECT_EQ(result.failures.size(), 1);
     EXPECT_EQ(company.ports.linesWith("Virhe asiakashinnaston päivityksessä: Asiakas 1 "), 2);
-    EXPECT_TRUE(company.ports.hasLine(" ( 4 rivi)"));
+    EXPECT_TRUE(company.ports.hasLine(" ( 6 rivi)"));
     EXPECT_EQ(company.number("select Hinta from ASALE where Huom='next'"), 81);
     EXPECT_EQ(company.number("select count(*) from ASALE where Hinta = 5.06"), 2);
 }

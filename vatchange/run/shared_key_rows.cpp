@@ -4,21 +4,24 @@ namespace vatchange {
 
 namespace {
 
-/// A key as one text. Letter case and trailing blanks are left out, since an engine may compare
-/// without them: a row that is taken for shared though it is not is changed all the same.
+/// A key as one text.
 QString keyText(const data::KeyValues& key) {
     QString text;
     for (const data::Value& value : key) {
-        QString part;
-        if (value.typeId() == QMetaType::Double)
-            part = QString::number(value.toDouble() + 0.0, 'g', 17);  // -0 is 0
-        else
-            part = value.toString().toCaseFolded();
+        QString part = value.typeId() == QMetaType::Double
+                           ? QString::number(value.toDouble() + 0.0, 'g', 17)  // -0 is 0
+                           : value.toString();
         while (part.endsWith(u' '))
             part.chop(1);
         text += part + u'\n';
     }
     return text;
+}
+
+/// The same for keys that an engine may hold equal, as it may leave out letter case. A row that is
+/// taken for shared though it is not is changed all the same.
+QString looseKeyText(const data::KeyValues& key) {
+    return keyText(key).toCaseFolded();
 }
 
 QString sharedKeysQuery(const SharedKeyTable& table, const QString& productCondition) {
@@ -73,7 +76,7 @@ SharedKeyRows::SharedKeyRows(data::Database& database, SharedKeyTable table,
     shared.open();
     const Columns columns = keyColumns(shared);
     for (; !shared.eof(); shared.next())
-        m_keys += keyText(valuesOf(columns));
+        m_keys += looseKeyText(valuesOf(columns));
 }
 
 SharedKeyRows::Columns SharedKeyRows::keyColumns(data::TUniQuery& query) const {
@@ -84,7 +87,7 @@ SharedKeyRows::Columns SharedKeyRows::keyColumns(data::TUniQuery& query) const {
 }
 
 bool SharedKeyRows::holdsCurrentRow() const {
-    return !m_keys.isEmpty() && m_keys.contains(keyText(valuesOf(m_row)));
+    return !m_keys.isEmpty() && m_keys.contains(looseKeyText(valuesOf(m_row)));
 }
 
 void SharedKeyRows::open() {
