@@ -143,7 +143,7 @@ def make_company(r, products, orders):
     while len(numbers) < products:
         numbers.add(r.choice(["{:06d}", "T{}", "Ä{}", "A-{}", "R {}", "K/{}", "t{}", "64{:011d}"])
                     .format(r.randint(1, 10 ** 6)))
-    numbers = sorted(numbers, key=lambda x: r.random())
+    numbers = sorted(sorted(numbers), key=lambda x: r.random())
     t["TUOTE"] = []
     for n in numbers:
         p = {f: money(r) for f in model.LEVEL_FIELDS + ["KESKIHINTA", "VIIMOSTOHINTA", "ANNOSHINTA"]}
@@ -157,11 +157,11 @@ def make_company(r, products, orders):
     some = lambda k: [r.choice(numbers + ["EIOLE"]) for _ in range(k)]
     t["HR"] = [{"Tyyppi": r.choice([1, 1, 2]), "Tuote": n, "Maara": 2.0, "TulPvm": "2024-01-05",
                 "TulAika": 5, "H3": 4.5, "MaaraAle": "x", "MaaraAleHinta": 3.0, "Pantti": 0.2}
-               for n in set(some(products // 4))]
+               for n in sorted(set(some(products // 4)))]
     t["MYYMALAHINNAT"] = [
         dict({f"Hinta{i}": money(r) for i in range(1, 10)}, Myymala=m, Tuote=n,
              **{f"Hinta{i}Alv0": money(r) for i in range(1, 10)})
-        for m in (1, 2, 3) for n in set(some(products // 3))]
+        for m in (1, 2, 3) for n in sorted(set(some(products // 3)))]
     t["ASALE"] = [{"AsiakasNumero": r.randint(0, 30) if r.random() < .5 else r.randint(1, 5),
                    "Tuote": n, "Hinta": money(r), "Prosentteina": r.choice([0, 0, 0, 1]),
                    "Tyyppi": r.choice([1, 1, 1, 2]), "Maara": r.choice([0.0, 1.0, 2.5]),
@@ -172,6 +172,18 @@ def make_company(r, products, orders):
                        "Ostohinta": money(r), "Prosentti": r.choice([0, 0, 1]),
                        "Loppu": r.choice(["", "2024-08-31", "2024-09-01", "2025-01-01"])}
                       for n in some(products // 2)]
+    # Rows that share their update's key: another period, a percentage beside a price, an ended
+    # campaign, the price that another row is about to get, and rows equal in every column.
+    for rows, start, end, percent, price in (
+            (t["ASALE"], "Alkaa", "Loppuu", "Prosentteina", "Hinta"),
+            (t["KAMPPANJA"], "Alku", "Loppu", "Prosentti", "Myyntihinta")):
+        for row in r.sample(rows, len(rows) // 2):
+            twin = dict(row, **r.choice([
+                {}, {percent: 1 - row[percent]}, {start: "2024-05-01", end: "2024-08-31"},
+                {start: "2024-10-01", end: "2025-06-30"}]))
+            if r.random() < 0.8:
+                twin[price] = r.choice([f32(money(r)), f32(round(row[price] * 1.0120967741935485, 2))])
+            rows.append(twin)
     t["VAKIOLASKUTUS"] = [{"Id": i + 1, "Asiakas": r.randint(1, 9), "Tuote": n, "ahinta": money(r),
                            "Yhteensa": money(r), "ostohinta": money(r), "ahintaalv0": money(r)}
                           for i, n in enumerate(some(products // 3))]

@@ -173,34 +173,24 @@ class Run:
         groups = {g for g in d.groups if any(r["Nro"] == g for r in self.tab["ASRYHMA"])}
         in_groups = {c["Asiakas"] for c in self.tab["ASIAKAS"] if c["Ryhma"] in groups}
         types = (1, 2) if d.on("WebKauppaAsHinCheckBox") else (1,)
-        work = []
         for r in self.tab["ASALE"]:
-            if (r["Tuote"] in self.chosen and r["Tyyppi"] == 1 and not r["Prosentteina"]
+            if not (r["Tuote"] in self.chosen and r["Tyyppi"] == 1 and not r["Prosentteina"]
                     and r["Hinta"] > 0 and not r["OstohintaLahtoinen"]):
-                if groups and not ((r["AsikasTyyppi"] == 0 and r["AsiakasNumero"] in in_groups) or
-                                   (r["AsikasTyyppi"] in types and r["AsiakasNumero"] in groups)):
-                    continue
-                work.append(dict(r))
-        key = lambda r: (r["Tuote"], r["AsiakasNumero"], r["Maara"], r["AsikasTyyppi"])
-        where = {}
-        for r in self.tab["ASALE"]:
-            where.setdefault(key(r), []).append(r)
-        for w in work:
-            price = self.price(0, w["Hinta"])
-            purchase = d.ko * w["OstoHinta"]
-            vat0 = (w["HintaAlv0"] if d.on("DoNotUpdateCustomerPricelistVAT0")
-                    else price / self.factor(d.t))
-            for r in where[key(w)]:
-                r["Hinta"], r["HintaAlv0"], r["OstoHinta"] = price, vat0, f32(purchase)
+                continue
+            if groups and not ((r["AsikasTyyppi"] == 0 and r["AsiakasNumero"] in in_groups) or
+                               (r["AsikasTyyppi"] in types and r["AsiakasNumero"] in groups)):
+                continue
+            r["Hinta"] = self.price(0, r["Hinta"])
+            r["OstoHinta"] = f32(d.ko * r["OstoHinta"])
+            if not d.on("DoNotUpdateCustomerPricelistVAT0"):
+                r["HintaAlv0"] = r["Hinta"] / self.factor(d.t)
 
     def campaigns(self):
-        work = [dict(r) for r in self.tab["KAMPPANJA"] if r["Tuote"] in self.chosen
-                and not r["Prosentti"] and (r["Loppu"] == "" or r["Loppu"] >= "2024-09-01")]
-        for w in work:
-            sale, purchase = self.price(0, w["Myyntihinta"]), self.d.ko * w["Ostohinta"]
-            for r in self.tab["KAMPPANJA"]:
-                if (r["Tuote"], r["RiviNro"]) == (w["Tuote"], w["RiviNro"]):
-                    r["Myyntihinta"], r["Ostohinta"] = f32(sale), purchase
+        for r in self.tab["KAMPPANJA"]:
+            if (r["Tuote"] in self.chosen and not r["Prosentti"]
+                    and (r["Loppu"] == "" or r["Loppu"] >= "2024-09-01")):
+                r["Myyntihinta"] = f32(self.price(0, r["Myyntihinta"]))
+                r["Ostohinta"] = self.d.ko * r["Ostohinta"]
 
     def recurring(self):
         for r in self.tab["VAKIOLASKUTUS"]:

@@ -1,6 +1,6 @@
 // A whole definition on a server's SQL ends as on the embedded engine, cell for cell. The products'
-// locks and rereads go to the same server's table; marks for the web shop to an embedded company
-// beside it.
+// locks and rereads go to the same server's table; marks for the web shop, and the records of price
+// rows that share their key, to an embedded company beside it.
 
 #include <algorithm>
 #include <set>
@@ -120,7 +120,8 @@ void expectSame(const test::Rows& expected, const test::Rows& got, const QString
 
 // The server's clock is not the program's: columns that hold a time of day are left out; so are the
 // bytes that the embedded engine's bits stand in, which are columns of their own on a server.
-test::Rows sortedRows(data::Database& database, const QString& table) {
+test::Rows sortedRows(data::Database& database, const QString& table,
+                      const QString& condition = QStringLiteral("1 = 1")) {
     const data::TableSource source = sourceOf(table);
     const auto holdsBits = [&source](const data::TFieldCacheItem& field) {
         return std::any_of(source.fields.begin(), source.fields.end(), [&](const auto& bit) {
@@ -135,8 +136,9 @@ test::Rows sortedRows(data::Database& database, const QString& table) {
         if (!isTime && !holdsBits(field))
             names += field.name;
     }
-    test::Rows found = test::rows(
-        database, QStringLiteral("select %1 from %2").arg(names.join(QStringLiteral(", ")), table));
+    test::Rows found =
+        test::rows(database, QStringLiteral("select %1 from %2 where %3")
+                                 .arg(names.join(QStringLiteral(", ")), table, condition));
     std::sort(found.begin(), found.end());
     return found;
 }
@@ -163,6 +165,26 @@ vatchange::ChangeDefinition everything(vatchange::RoundingStep step, vatchange::
     return definition;
 }
 
+const QString kShared = QStringLiteral("tuote = 'JAETTU'");
+
+/// Price rows that share their update's key, with amounts that a driver may hand over rounded.
+void addSharedKeys(data::Database& database) {
+    data::TUniQuery query(&database);
+    const auto insert = [&query](const QString& into, const QString& values) {
+        query.sql().setText(QStringLiteral("insert into %1 values (%2)").arg(into, values));
+        query.execSql();
+    };
+    insert(QStringLiteral("TUOTE (NUMERO, RYHMA, LVV)"), QStringLiteral("'JAETTU', 1, 1"));
+    for (const char* row : {"1.0/3, 0.1, 0", "2.0/3, 1234.567, 0", "15, 0, 1", "1.0/3, 0.2, 0"})
+        insert(QStringLiteral("ASALE (AsiakasNumero, Tuote, AsikasTyyppi, Tyyppi, Maara, Hinta, "
+                              "OstoHinta, Prosentteina)"),
+               QStringLiteral("1, 'JAETTU', 1, 1, 0.7, ") + QLatin1String(row));
+    for (const char* row :
+         {"0.1, 1.0/3, ''", "1234.567, 2.0/3, '2024-09-01'", "0.1, 3, '2024-08-31'"})
+        insert(QStringLiteral("KAMPPANJA (Tuote, RiviNro, Myyntihinta, Ostohinta, Loppu)"),
+               QStringLiteral("'JAETTU', 1, ") + QLatin1String(row));
+}
+
 class DefinitionRun : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(DefinitionRun, EndsAsOnTheEmbeddedEngine) {
@@ -178,6 +200,7 @@ TEST_P(DefinitionRun, EndsAsOnTheEmbeddedEngine) {
     {
         const auto company = data::openEmbedded(QStringLiteral("KOE"), folder.path());
         tools::demo::fill(*company, {300, 7}, [](const QString&, qint64) {});
+        addSharedKeys(*company);
     }
     data::backupEmbedded(folder.path(), beside.filePath(data::kEmbeddedFileName),
                          [](int, int) { return true; });
@@ -201,8 +224,15 @@ TEST_P(DefinitionRun, EndsAsOnTheEmbeddedEngine) {
     EXPECT_TRUE(second.clean()) << got.lines.join(u'\n').right(2000).toStdString();
     EXPECT_GT(first.products, 100);
     EXPECT_EQ(first.products, second.products);
-    for (const QString& table : tables)
-        expectSame(sortedRows(*embedded, table), sortedRows(server, table), table);
+    EXPECT_EQ(got.lines.filter(QStringLiteral("JAETTU")).size(), 3 + 2 + 1) << "prices, product";
+    for (const QString& table : tables) {
+        const bool shares = table == QLatin1String("ASALE") || table == QLatin1String("KAMPPANJA");
+        const QString own = shares ? QStringLiteral("not ") + kShared : QStringLiteral("1 = 1");
+        expectSame(sortedRows(*embedded, table, own), sortedRows(server, table, own), table);
+        if (shares)
+            expectSame(sortedRows(*embedded, table, kShared), sortedRows(*records, table, kShared),
+                       table);
+    }
     expectSame(sortedRows(*embedded, QStringLiteral("WEBKLIITOS")),
                sortedRows(*records, QStringLiteral("WEBKLIITOS")), QStringLiteral("WEBKLIITOS"));
     // the engines' own order of rows is free where a statement gives none

@@ -20,6 +20,20 @@ void addProducts(RunCompany& company, int count) {
                          .arg(i));
 }
 
+/// A record that another program holds as long as this lives.
+class HeldRecord {
+  public:
+    HeldRecord(const RunCompany& company, const QString& table, const data::KeyValues& key)
+        : m_program(company.otherProgram()), m_file(m_program->openTable(table)) {
+        const auto found = m_file->seek(0, data::SeekOp::Equal, key, 1);
+        EXPECT_TRUE(!found.empty() && m_file->lock(found.front().id, std::chrono::milliseconds(0)));
+    }
+
+  private:
+    std::unique_ptr<data::Database> m_program;
+    std::unique_ptr<data::RecordFile> m_file;
+};
+
 TEST(RefusedRun, ClassChecksChangeNothing) {
     struct Case {
         int source;
@@ -137,8 +151,8 @@ TEST(FailingRun, EveryStepIsCaughtByItself) {
     definition.salesOrders = definition.purchaseOrders = definition.checkProductCodes = true;
     company.ports.program = QStringLiteral("Taksavaihe");
     const RunResult result = company.run(definition);
-    EXPECT_EQ(result.failedSteps, 7);
-    EXPECT_EQ(result.failures.size(), 7);
+    EXPECT_EQ(result.failedSteps, 9) << "the groups' three fields count each";
+    EXPECT_EQ(result.failures.size(), 9);
     EXPECT_TRUE(result.failures.first().startsWith("Virhe asiakashinnaston päivityksessä: "));
     EXPECT_EQ(result.products, 1);
     EXPECT_TRUE(result.markWritten) << "a reported error does not keep the mark back";
@@ -166,33 +180,100 @@ TEST(FailingRun, EveryStepIsCaughtByItself) {
     EXPECT_TRUE(company.ports.hasLine("Verkkokauppa -valinta poistettiin 0 tuotteelta"));
 }
 
-TEST(FailingRun, LabelFailureEndsTheProductsUnlessTheUserGoesOn) {
-    const auto start = QStringLiteral("Virhe hr ");
-    {
-        RunCompany company({"HR"});
-        addProducts(company, 2);
-        ChangeDefinition definition = plainDefinition();
-        definition.checkProductCodes = true;
-        const RunResult result = company.run(definition);
-        EXPECT_GT(result.failedSteps, 0);
-        EXPECT_EQ(result.products, 1) << "changed, but its label failed";
-        EXPECT_GE(company.ports.linesWith(start), 1);
-        EXPECT_EQ(company.number("select count(*) from TUOTE where LVV=3"), 1);
-        EXPECT_TRUE(company.ports.hasLine("Verkkokauppa -valinta poistettiin 0 tuotteelta"));
-    }
-    {
+TEST(FailingRun, EachClassFieldOfTheGroupsByItself) {
+    RunCompany company;
+    company.exec("insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (10, 3, 2, 2)");
+    company.exec("insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (11, 2, 3, 2)");
+    company.exec("insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (12, 2, 2, 3)");
+    company.database().setLockWait(std::chrono::milliseconds(10));
+    const HeldRecord held(company, "TRYHMA", {10});
+    const RunResult result = company.run(plainDefinition());
+    EXPECT_EQ(result.failedSteps, 1);
+    EXPECT_EQ(company.ports.linesWith("Virhe tuoteryhmän päivityksessä: "), 1);
+    EXPECT_EQ(company.number("select VERO from TRYHMA where Nro=10"), 3);
+    EXPECT_EQ(company.number("select ALV2 from TRYHMA where Nro=11"), 6);
+    EXPECT_EQ(company.number("select OSTOVERO from TRYHMA where Nro=12"), 6);
+}
+
+TEST(FailingRun, WithoutALabelTableProductsGoOnWithoutLabels) {
+    for (const bool unattended : {true, false}) {
         RunCompany company({"HR"});
         addProducts(company, 3);
-        company.ports.isUnattended = false;
-        company.ports.answers = {"yes", "no"};
-        EXPECT_EQ(company.run(plainDefinition()).products, 2);
-        EXPECT_EQ(company.ports.questions, (QStringList{"Jatketaanko? ", "Jatketaanko? "}));
+        company.ports.isUnattended = unattended;  // nobody is asked
+        const RunResult result = company.run(plainDefinition());
+        EXPECT_EQ(result.products, 3);
+        EXPECT_FALSE(result.cancelled);
+        EXPECT_EQ(result.failedSteps, 1);
+        EXPECT_EQ(company.ports.linesWith("Virhe hr "), 1);
+        EXPECT_TRUE(company.ports.lines.front().startsWith("Virhe hr ")) << "before any change";
     }
     RunCompany company({"HR"});
     addProducts(company, 2);
     ChangeDefinition definition = plainDefinition();
     definition.writeShelfLabels = false;
     EXPECT_TRUE(company.run(definition).clean()) << "without labels nobody needs the table";
+}
+
+TEST(FailingRun, LabelThatFailsEndsTheProductsOrTheRun) {
+    ChangeDefinition definition = plainDefinition();
+    definition.checkProductCodes = true;
+    const auto checked = QStringLiteral("Verkkokauppa -valinta poistettiin 0 tuotteelta");
+    for (const bool unattended : {true, false}) {
+        RunCompany company;
+        addProducts(company, 3);
+        company.exec("insert into HR (Tyyppi, Tuote) values (1, 'A1')");
+        company.exec("insert into HR (Tyyppi, Tuote) values (1, 'A2')");
+        company.database().setLockWait(std::chrono::milliseconds(10));
+        const HeldRecord first(company, "HR", {1, "A1"});
+        const HeldRecord second(company, "HR", {1, "A2"});
+        company.ports.program = QStringLiteral("taksavaihe");
+        company.ports.isUnattended = unattended;
+        company.ports.answers = QStringList{"yes", "no"};
+        const RunResult result = company.run(definition);
+        EXPECT_EQ(result.failedSteps, 1);
+        EXPECT_EQ(company.ports.hasLine(checked), unattended);
+        EXPECT_EQ(company::ExecutionMarkExists(company.database()), unattended);
+        EXPECT_EQ(result.cancelled, !unattended);
+        if (unattended) {
+            EXPECT_EQ(result.products, 1) << "changed, but its label failed";
+            continue;
+        }
+        EXPECT_EQ(result.products, 2);
+        EXPECT_EQ(company.ports.questions, (QStringList{"Jatketaanko? ", "Jatketaanko? "}));
+        EXPECT_EQ(company.ports.messages.last(),
+                  "Ajo keskeytettiin hyllynreunaetiketin virheen jälkeen. Tehdyt muutokset jäävät "
+                  "voimaan: tuotteet 2, verkkokaupan muutosmerkinnät 2.");
+    }
+}
+
+TEST(FailingRun, RowOfASharedKeyThatSomebodyElseHoldsOrChanges) {
+    {
+        RunCompany company;
+        ChangeDefinition definition = test::addSharedKeys(company);
+        const auto before = company.everything();
+        const HeldRecord held(company, "ASALE", {1, "A1", 0, 0.0});  // the first of its key
+        const RunResult result = company.run(definition);
+        EXPECT_EQ(result.failedSteps, 1);
+        EXPECT_EQ(company.ports.linesWith("Virhe asiakashinnaston päivityksessä: "), 1);
+        EXPECT_EQ(company.everything().at("ASALE"), before.at("ASALE"));
+    }
+    RunCompany company;
+    ChangeDefinition definition = test::addSharedKeys(company);
+    definition.productLog = true;
+    company.ports.stop = [&company] {  // between the first row and the others
+        if (company.ports.linesWith("Asiakas 1 ") == 1) {
+            company.exec("update ASALE set Hinta = 81 where Huom = 'next'");
+            company.exec("delete from ASALE where Huom = 'period'");
+        }
+        return false;
+    };
+    const RunResult result = company.run(definition);
+    EXPECT_EQ(result.failedSteps, 1) << "told in the log row by row, counted once";
+    EXPECT_EQ(result.failures.size(), 1);
+    EXPECT_EQ(company.ports.linesWith("Virhe asiakashinnaston päivityksessä: Asiakas 1 "), 2);
+    EXPECT_TRUE(company.ports.hasLine(" ( 6 rivi)"));
+    EXPECT_EQ(company.number("select Hinta from ASALE where Huom='next'"), 81);
+    EXPECT_EQ(company.number("select count(*) from ASALE where Hinta = 5.06"), 2);
 }
 
 TEST(FailingRun, MarksThatCannotBeWrittenAreReportedOnce) {

@@ -37,7 +37,8 @@ QString campaignQuery(const QString& condition) {
     return QStringLiteral(
                "SELECT KAMPPANJA.Tuote, KAMPPANJA.Rivinro, KAMPPANJA.MyyntiHinta, "
                "KAMPPANJA.OstoHInta from KAMPPANJA, Tuote where (tuote = numero) and (prosentti = "
-               "0) and (loppu='' or loppu>='20240901' ) and ") +
+               "0) and (loppu='' or loppu>='") +
+           kCampaignsEndingFrom.toString(QStringLiteral("yyyyMMdd")) + QStringLiteral("' ) and ") +
            condition;
 }
 

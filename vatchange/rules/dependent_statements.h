@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDate>
 #include <QString>
 
 #include "vatchange/rules/change_definition.h"
@@ -17,6 +18,8 @@ inline const QString kCustomerPriceUpdate = QStringLiteral(
     "where tuote = :tuote and AsiakasNumero = :asiakasNumero and maara = :maara and AsikasTyyppi = "
     ":Asiakastyyppi");
 
+/// Campaigns that end before this day, the change date, are left alone.
+inline const QDate kCampaignsEndingFrom(2024, 9, 1);
 /// Fixed-price campaigns that have not ended before the change date.
 QString campaignQuery(const QString& condition);
 inline const QString kCampaignUpdate = QStringLiteral(

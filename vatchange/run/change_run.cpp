@@ -5,7 +5,6 @@
 #include "data/clock.h"
 #include "vatchange/rules/log_texts.h"
 #include "vatchange/run/run_context.h"
-#include "vatchange/run/shelf_labels.h"
 
 namespace vatchange {
 
@@ -111,15 +110,17 @@ class RunInProgress {
     QString m_dependents;
 };
 
-/// Reads the label table's columns when labels will be written. A label table that cannot be read
-/// is reported here; products are changed all the same, up to the first that needs a label.
-bool prepareShelfLabels(RunContext& run) {
-    bool quantityDiscountColumns = false;
+/// Finds the label table when labels will be written. One that cannot be read is told here, once:
+/// the products are changed without labels.
+LabelTable prepareShelfLabels(RunContext& run) {
+    LabelTable labels = LabelTable::NotWritten;
     if (run.definition.products && run.definition.writeShelfLabels) {
-        attempt(run, {QStringLiteral("Virhe hr päivityksessä ")},
-                [&] { quantityDiscountColumns = hasQuantityDiscountColumns(run.database); });
+        attempt(run,
+                {QStringLiteral("Virhe hr päivityksessä "),
+                 QStringLiteral(" Tuotteet muutetaan ilman hyllynreunaetikettejä.")},
+                [&] { labels = findLabelTable(run.database); });
     }
-    return quantityDiscountColumns;
+    return labels;
 }
 
 void convertDependentTables(RunContext& run) {
@@ -142,19 +143,21 @@ void convertDependentTables(RunContext& run) {
     }
 }
 
-void convertProductsAndGroups(RunContext& run, bool quantityDiscountColumns) {
+void convertProductsAndGroups(RunContext& run, LabelTable labels) {
     if (run.stopRequested())
         return;
     run.ports.log(QStringLiteral("Aloitetaan tuoteryhmien päivitys"));
-    attempt(run, {QStringLiteral("Virhe tuoteryhmän päivityksessä: ")},
-            [&] { updateProductGroups(run); });
+    for (const GroupUpdate& update : groupUpdates(run.definition)) {
+        attempt(run, {QStringLiteral("Virhe tuoteryhmän päivityksessä: ")},
+                [&] { updateProductGroups(run, update); });
+    }
     attempt(run, {QStringLiteral("Virhe alvien muutoksessa ->")}, [&] { updateStorePrices(run); });
     if (run.stopRequested())
         return;
     run.ports.log(QStringLiteral("Aloitetaan tuotteiden päivitys"));
     run.changedRows(QStringLiteral("Tuotteet")) = 0;  // before what goes with products
     const bool converted = attempt(run, {QStringLiteral("Virhe tuotetietojen muutoksessa -> ")},
-                                   [&] { convertProducts(run, quantityDiscountColumns); });
+                                   [&] { convertProducts(run, labels); });
     if (!converted) {
         run.ports.log(QStringLiteral("Ennen virhettä muutettiin tuotteita ") +
                       QString::number(run.result.products) + QStringLiteral(" kpl"));
@@ -184,15 +187,16 @@ void writeMark(RunContext& run) {
 
 void reportStop(RunContext& run) {
     const QString changed = changedSoFar(run.result);
+    const QString cause = run.stopCause.isEmpty() ? QString() : u' ' + run.stopCause;
     run.ports.NaytaViesti(
-        QStringLiteral("Ajo keskeytettiin. ") +
+        QStringLiteral("Ajo keskeytettiin") + cause + QStringLiteral(". ") +
         (changed.isEmpty() ? QStringLiteral("Yhtään riviä ei ehditty muuttaa.")
                            : QStringLiteral("Tehdyt muutokset jäävät voimaan: ") + changed + u'.'));
 }
 
 void runSteps(RunContext& run) {
     RunInProgress inProgress(run);
-    const bool quantityDiscountColumns = prepareShelfLabels(run);
+    const LabelTable labels = prepareShelfLabels(run);
     run.ports.log(QStringLiteral("Aloitetaan taksavaiheet, parametrit ->"));
     run.ports.log(QStringLiteral("Rajaus: ") + run.condition + QStringLiteral(" Pyöristys: ") +
                   roundingText(run.definition));
@@ -200,7 +204,7 @@ void runSteps(RunContext& run) {
     convertDependentTables(run);
     inProgress.dependentsDone();
     if (run.definition.products)
-        convertProductsAndGroups(run, quantityDiscountColumns);
+        convertProductsAndGroups(run, labels);
     convertOrders(run);
     if (run.definition.checkProductCodes) {
         attempt(run, {QStringLiteral("Virhe tuotekoodien tarkastuksessa: ")}, [&] {

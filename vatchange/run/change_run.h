@@ -21,7 +21,7 @@ struct ChangedRows {
 struct RunResult {
     bool refused =
         false;  ///< an early-date, class or second-run check stopped it before any change
-    bool cancelled = false;   ///< stopped by the user between two rows
+    bool cancelled = false;   ///< stopped by the user, between two rows or after a failed label
     int failedSteps = 0;      ///< steps that reported an error
     int skippedProducts = 0;  ///< products whose record was locked by somebody else
     qint64 products = 0;      ///< products converted

@@ -2,11 +2,66 @@
 
 #include "vatchange/rules/log_texts.h"
 #include "vatchange/run/run_context.h"
+#include "vatchange/run/shared_key_rows.h"
 
 // The four price tables beside the products. Each step reads its rows once, then writes them back
-// one by one with the values computed from what was read.
+// one by one with the values computed from what was read. Recurring invoices and quantity discounts
+// are updated by their unique numbers; customer prices and campaigns by columns that several rows
+// may share.
 
 namespace vatchange {
+
+namespace {
+
+SharedKeyTable customerPriceTable() {
+    return {QStringLiteral("ASALE"),
+            {QStringLiteral("AsiakasNumero"), QStringLiteral("Tuote"),
+             QStringLiteral("AsikasTyyppi"), QStringLiteral("Maara")},
+            {QStringLiteral("Hinta"), QStringLiteral("HintaAlv0"), QStringLiteral("OstoHinta")},
+            [](const data::TtbTable& record) {
+                return record.fieldByName(QStringLiteral("Tyyppi")).asInteger() == 1 &&
+                       record.fieldByName(QStringLiteral("Prosentteina")).asInteger() == 0 &&
+                       record.fieldByName(QStringLiteral("Hinta")).asFloat() > 0 &&
+                       record.fieldByName(QStringLiteral("OstohintaLahtoinen")).asInteger() == 0;
+            }};
+}
+
+SharedKeyTable campaignTable() {
+    return {QStringLiteral("KAMPPANJA"),
+            {QStringLiteral("Tuote"), QStringLiteral("RiviNro")},
+            {QStringLiteral("Myyntihinta"), QStringLiteral("Ostohinta")},
+            [](const data::TtbTable& record) {
+                const QDate end = record.fieldByName(QStringLiteral("Loppu")).asDate();
+                return record.fieldByName(QStringLiteral("Prosentti")).asInteger() == 0 &&
+                       (!end.isValid() || end >= kCampaignsEndingFrom);
+            }};
+}
+
+/// Tells of a row that was no longer as it was read: every one in the log, the step fails once.
+class LostRows {
+  public:
+    LostRows(RunContext& run, const QString& step) : m_run(run), m_step(step) {}
+
+    void add(const QString& row) {
+        const QString text = m_step + row +
+                             QStringLiteral(
+                                 ": riviä ei muutettu, koska muu ohjelma on muuttanut tai "
+                                 "poistanut sen ajon aikana");
+        m_run.ports.log(text);
+        if (m_told)
+            return;
+        m_told = true;
+        ++m_run.result.failedSteps;
+        m_run.result.failures += text;
+    }
+
+  private:
+    RunContext& m_run;
+    const QString m_step;
+    bool m_told = false;
+};
+
+}  // namespace
 
 void convertCustomerPriceLists(RunContext& run) {
     run.ports.log(QStringLiteral("Aloitetaan asiakashinnastojen päivitys"));
@@ -24,6 +79,8 @@ void convertCustomerPriceLists(RunContext& run) {
 
     data::TUniQuery update(&run.database);
     update.sql().add(kCustomerPriceUpdate);
+    SharedKeyRows shared(run.database, customerPriceTable(), run.condition, rows);
+    LostRows lost(run, QStringLiteral("Virhe asiakashinnaston päivityksessä: "));
     qint64& converted = run.changedRows(QStringLiteral("Asiakashinnastojen rivit"));
     const auto convertRow = [&] {
         const AmountChange price{oldPrice.asFloat(), run.prices.dependentPrice(oldPrice.asFloat())};
@@ -32,20 +89,28 @@ void convertCustomerPriceLists(RunContext& run) {
             priceVat0.after = price.after / run.targetFactor;
         const AmountChange purchase{oldPurchase.asFloat(),
                                     run.prices.dependentPurchasePrice(oldPurchase.asFloat())};
-        update.paramByName(QStringLiteral("uusihinta")).setFloat(price.after);
-        update.paramByName(QStringLiteral("uusihintaalv0")).setFloat(priceVat0.after);
-        update.paramByName(QStringLiteral("uusiostohinta")).setFloat(purchase.after);
-        update.paramByName(QStringLiteral("tuote")).setString(product.asString());
-        update.paramByName(QStringLiteral("asiakasNumero")).setInteger(customer.asInteger());
-        update.paramByName(QStringLiteral("maara")).setFloat(quantity.asFloat());
-        update.paramByName(QStringLiteral("Asiakastyyppi")).setInteger(customerType.asInteger());
-        update.execSql();
-        ++converted;
-        if (run.definition.productLog) {
-            run.ports.log(customerPriceLine(static_cast<int>(customerType.asInteger()),
-                                            customer.asInteger(), product.asString(),
-                                            quantity.asFloat(), price, priceVat0, purchase));
+        const auto line = [&] {
+            return customerPriceLine(static_cast<int>(customerType.asInteger()),
+                                     customer.asInteger(), product.asString(), quantity.asFloat(),
+                                     price, priceVat0, purchase);
+        };
+        if (!shared.holdsCurrentRow()) {
+            update.paramByName(QStringLiteral("uusihinta")).setFloat(price.after);
+            update.paramByName(QStringLiteral("uusihintaalv0")).setFloat(priceVat0.after);
+            update.paramByName(QStringLiteral("uusiostohinta")).setFloat(purchase.after);
+            update.paramByName(QStringLiteral("tuote")).setString(product.asString());
+            update.paramByName(QStringLiteral("asiakasNumero")).setInteger(customer.asInteger());
+            update.paramByName(QStringLiteral("maara")).setFloat(quantity.asFloat());
+            update.paramByName(QStringLiteral("Asiakastyyppi"))
+                .setInteger(customerType.asInteger());
+            update.execSql();
+        } else if (!shared.update({price, priceVat0, purchase})) {
+            lost.add(line());
+            return;
         }
+        ++converted;
+        if (run.definition.productLog)
+            run.ports.log(line());
     };
     run.walk(rows, convertRow);
     if (run.definition.productLog)
@@ -66,18 +131,26 @@ void convertCampaigns(RunContext& run) {
 
     data::TUniQuery update(&run.database);
     update.sql().add(kCampaignUpdate);
+    SharedKeyRows shared(run.database, campaignTable(), run.condition, rows);
+    LostRows lost(run, QStringLiteral("Virhe kampanjan päivityksessä: "));
     qint64& converted = run.changedRows(QStringLiteral("Kampanjarivit"));
     const auto convertRow = [&] {
         const AmountChange sales{oldSales.asFloat(), run.prices.dependentPrice(oldSales.asFloat())};
         const AmountChange purchase{oldPurchase.asFloat(),
                                     run.prices.dependentPurchasePrice(oldPurchase.asFloat())};
-        update.paramByName(QStringLiteral("uusihinta")).setFloat(sales.after);
-        update.paramByName(QStringLiteral("ostohinta")).setFloat(purchase.after);
-        update.paramByName(QStringLiteral("tuote")).setString(product.asString());
-        update.paramByName(QStringLiteral("rivi")).setInteger(row.asInteger());
-        update.execSql();
+        const QString line = campaignLine(product.asString(), row.asInteger(), sales, purchase);
+        if (!shared.holdsCurrentRow()) {
+            update.paramByName(QStringLiteral("uusihinta")).setFloat(sales.after);
+            update.paramByName(QStringLiteral("ostohinta")).setFloat(purchase.after);
+            update.paramByName(QStringLiteral("tuote")).setString(product.asString());
+            update.paramByName(QStringLiteral("rivi")).setInteger(row.asInteger());
+            update.execSql();
+        } else if (!shared.update({sales, purchase})) {
+            lost.add(line);
+            return;
+        }
         ++converted;
-        run.ports.log(campaignLine(product.asString(), row.asInteger(), sales, purchase));
+        run.ports.log(line);
     };
     run.walk(rows, convertRow);
 }

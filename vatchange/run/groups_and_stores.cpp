@@ -1,20 +1,17 @@
-#include "vatchange/rules/statements.h"
 #include "vatchange/run/run_context.h"
 
 namespace vatchange {
 
-void updateProductGroups(RunContext& run) {
+void updateProductGroups(RunContext& run, const GroupUpdate& update) {
     qint64& rows = run.changedRows(QStringLiteral("Tuoteryhmien alv-kentät"));
-    for (const GroupUpdate& update : groupUpdates(run.definition)) {
-        if (!update.status.isEmpty())
-            run.ports.status(update.status);
-        run.ports.log(update.log);
-        data::TUniQuery query(&run.database);
-        query.sql().add(update.statement);
-        query.paramByName(QStringLiteral("VANHAVERO")).setInteger(run.definition.sourceClass);
-        query.paramByName(QStringLiteral("UUSIVERO")).setInteger(run.definition.targetClass);
-        rows += query.execSql();
-    }
+    if (!update.status.isEmpty())
+        run.ports.status(update.status);
+    run.ports.log(update.log);
+    data::TUniQuery query(&run.database);
+    query.sql().add(update.statement);
+    query.paramByName(QStringLiteral("VANHAVERO")).setInteger(run.definition.sourceClass);
+    query.paramByName(QStringLiteral("UUSIVERO")).setInteger(run.definition.targetClass);
+    rows += query.execSql();
 }
 
 void updateStorePrices(RunContext& run) {

@@ -4,10 +4,8 @@
 
 #include "data/clock.h"
 #include "vatchange/rules/log_texts.h"
-#include "vatchange/rules/statements.h"
 #include "vatchange/run/product_record.h"
 #include "vatchange/run/run_context.h"
-#include "vatchange/run/shelf_labels.h"
 #include "vatchange/run/webshop_marks.h"
 
 namespace vatchange {
@@ -97,11 +95,11 @@ class LockRelease {
 /// The products step of one run.
 class ProductConversion {
   public:
-    ProductConversion(RunContext& run, bool quantityDiscountColumns)
+    ProductConversion(RunContext& run, LabelTable labels)
         : m_run(run),
           m_records(run.database, run.definition.sourceClass),
           m_updates(run),
-          m_labels(run.database, run.ports, quantityDiscountColumns),
+          m_labels(run.database, run.ports, labels),
           m_marks(run.database, run.ports) {}
 
     /// @return false when the step must end.
@@ -117,9 +115,11 @@ class ProductConversion {
             m_run.ports.log(productLine(number, m_run.prices, product.prices, converted));
         if (!m_run.definition.leaveWebShop && product.inWebShop)
             m_marks.mark(number, u'M');
-        if (m_run.definition.writeShelfLabels && product.labels > 0)
-            return m_labels.write(number, product.labels);
-        return true;
+        if (product.labels <= 0 || m_labels.write(number, product.labels))
+            return true;
+        if (!m_run.ports.unattended())  // the user was asked
+            m_run.stop(QStringLiteral("hyllynreunaetiketin virheen jälkeen"));
+        return false;
     }
 
     /// Tells the result what went besides the products themselves.
@@ -179,13 +179,13 @@ class ProductConversion {
 
 }  // namespace
 
-void convertProducts(RunContext& run, bool quantityDiscountColumns) {
+void convertProducts(RunContext& run, LabelTable labels) {
     run.ports.status(QStringLiteral("Päivitetään tuotteet"));
     data::TUniQuery rows(&run.database);
     rows.sql().add(productQuery(run.condition));
     rows.open();
     const auto& number = rows.fieldByName(QStringLiteral("NUMERO"));
-    ProductConversion conversion(run, quantityDiscountColumns);
+    ProductConversion conversion(run, labels);
     const auto counts = qScopeGuard([&conversion] { conversion.finish(); });
     const qint64 total = rows.recordCount();
     qint64 visited = 0;

@@ -1,7 +1,6 @@
 #include "vatchange/run/run_context.h"
 
 #include "vatchange/rules/selection.h"
-#include "vatchange/rules/statements.h"
 
 namespace vatchange {
 
@@ -52,6 +51,11 @@ bool RunContext::stopRequested() {
     if (ports.cancelled())
         result.cancelled = true;
     return result.cancelled;
+}
+
+void RunContext::stop(const QString& cause) {
+    result.cancelled = true;
+    stopCause = cause;
 }
 
 QString errorText(const std::exception& error) {

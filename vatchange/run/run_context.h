@@ -9,8 +9,10 @@
 #include "data/sql/uni_query.h"
 #include "vatchange/rules/change_definition.h"
 #include "vatchange/rules/price_rules.h"
+#include "vatchange/rules/statements.h"
 #include "vatchange/run/change_run.h"
 #include "vatchange/run/run_ports.h"
+#include "vatchange/run/shelf_labels.h"
 
 namespace vatchange {
 
@@ -47,6 +49,9 @@ struct RunContext {
 
     /// Between two rows: lets window messages be processed, then tells whether to stop.
     bool stopRequested();
+    /// Ends the run as the user's stop does. `cause` says after what, for the closing message.
+    void stop(const QString& cause);
+    QString stopCause;
 
     /// Walks an open query's rows; stops when the user does. @return rows visited.
     template <typename Row>
@@ -75,10 +80,10 @@ void convertCustomerPriceLists(RunContext& run);
 void convertCampaigns(RunContext& run);
 void convertRecurringInvoices(RunContext& run);
 void convertQuantityDiscounts(RunContext& run);
-void updateProductGroups(RunContext& run);
+/// One of the three class fields of the product groups.
+void updateProductGroups(RunContext& run, const GroupUpdate& update);
 void updateStorePrices(RunContext& run);
-/// `quantityDiscountColumns`: the label table has the columns of quantity discounts.
-void convertProducts(RunContext& run, bool quantityDiscountColumns);
+void convertProducts(RunContext& run, LabelTable labels);
 void convertSalesOrders(RunContext& run);
 void convertPurchaseOrders(RunContext& run);
 void checkProductCodes(RunContext& run);

@@ -14,20 +14,24 @@ void bind(data::TUniQuery& query, const QString& number, qint64 labels) {
 
 }  // namespace
 
-bool hasQuantityDiscountColumns(data::Database& database) {
+LabelTable findLabelTable(data::Database& database) {
     data::TUniQuery columns(&database);
     columns.sql().add(kLabelColumnsQuery);
     columns.open();
-    return columns.findField(QStringLiteral("maaraalehinta")) != nullptr;
+    return columns.findField(QStringLiteral("maaraalehinta")) != nullptr
+               ? LabelTable::WithQuantityDiscounts
+               : LabelTable::Plain;
 }
 
-ShelfLabels::ShelfLabels(data::Database& database, RunPorts& ports, bool quantityDiscountColumns)
-    : m_ports(ports), m_update(&database), m_insert(&database) {
-    m_update.sql().add(labelUpdate(quantityDiscountColumns));
+ShelfLabels::ShelfLabels(data::Database& database, RunPorts& ports, LabelTable table)
+    : m_ports(ports), m_table(table), m_update(&database), m_insert(&database) {
+    m_update.sql().add(labelUpdate(table == LabelTable::WithQuantityDiscounts));
     m_insert.sql().add(kLabelInsert);
 }
 
 bool ShelfLabels::write(const QString& number, qint64 labels) {
+    if (m_table == LabelTable::NotWritten)
+        return true;
     try {
         bind(m_update, number, labels);
         if (m_update.execSql() > 0) {
