@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "app/company/company.h"
 #include "app/company/settings_store.h"
+#include "app/company/text_order.h"
 #include "data/error.h"
 
 namespace company {

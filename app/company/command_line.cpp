@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "app/company/company.h"
+#include "app/company/text_order.h"
 
 namespace company {
 

@@ -1,9 +1,6 @@
 #include "app/company/company.h"
 
-#include <QCollator>
 #include <QDir>
-#include <QLocale>
-#include <algorithm>
 
 #include "app/company/aliases.h"
 
@@ -14,11 +11,6 @@ namespace {
 Company& current() {
     static Company company;
     return company;
-}
-
-char16_t foldAscii(QChar c) {
-    const char16_t unit = c.unicode();
-    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
 }
 
 }  // namespace
@@ -48,20 +40,6 @@ QChar platformSeparator() {
 
 QString dataFolderFile(const QString& fileName) {
     return withTrailingSeparator(current().dataFolder, platformSeparator()) + fileName;
-}
-
-bool sameIgnoringAsciiCase(const QString& a, const QString& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](QChar x, QChar y) { return foldAscii(x) == foldAscii(y); });
-}
-
-void sortForFinnishEyes(QStringList& names) {
-    QCollator collator(QLocale(QLocale::Finnish, QLocale::Finland));
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    std::sort(names.begin(), names.end(), [&collator](const QString& a, const QString& b) {
-        const int order = collator.compare(a, b);
-        return order != 0 ? order < 0 : a < b;
-    });
 }
 
 }  // namespace company

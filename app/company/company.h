@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 namespace company {
 
@@ -29,11 +28,5 @@ QChar platformSeparator();
 /// A file of the company's data folder: the folder by the rule above, then the name. With an empty
 /// folder the name alone, so the file is sought in the working folder.
 QString dataFolderFile(const QString& fileName);
-
-/// Equality that ignores the case of the letters a to z only.
-bool sameIgnoringAsciiCase(const QString& a, const QString& b);
-
-/// Orders names as a Finnish reader expects: case ignored, å, ä, ö after z.
-void sortForFinnishEyes(QStringList& names);
 
 }  // namespace company

@@ -10,6 +10,7 @@
 #include "app/company/aliases.h"
 #include "app/company/command_line.h"
 #include "app/company/company.h"
+#include "app/company/text_order.h"
 #include "data/client/odbc_connection.h"
 #include "data/client/shop_database.h"
 #include "data/embedded/embedded_database.h"

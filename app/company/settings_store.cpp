@@ -13,9 +13,9 @@
 #include <QLockFile>
 #include <chrono>
 
-#include "app/company/company.h"
 #include "app/company/ini_file.h"
 #include "app/company/settings_text.h"
+#include "app/company/text_order.h"
 #endif
 
 namespace company {

@@ -4,7 +4,6 @@
 #include <cstdlib>
 
 #include "data/client/sql_rewriting.h"
-#include "data/embedded/sqlite_handle.h"
 
 namespace data::client {
 
@@ -145,12 +144,37 @@ ErrorKind mariaDbKind(int native, ErrorKind otherwise) {
 
 // SQLite's codes, with the driver's name before the message.
 ErrorKind sqliteKind(int native, const QString& message) {
-    if (native == SQLITE_CONSTRAINT)
-        return ErrorKind::DuplicateKey;
-    if (native == SQLITE_MISMATCH)
-        return ErrorKind::BadValue;
     const QString text = message.section(QLatin1Char(']'), 1);
-    return embedded::errorKind(native, text.toUtf8().constData());
+    switch (native & 0xFF) {
+        case 1:  // an error in the statement
+            if (text.startsWith(QLatin1String("no such table")))
+                return ErrorKind::NoSuchTable;
+            if (text.startsWith(QLatin1String("no such column")) ||
+                text.startsWith(QLatin1String("table ")))  // "table T has no column named C"
+                return ErrorKind::NoSuchField;
+            return ErrorKind::Syntax;
+        case 5:  // busy, locked
+        case 6:
+            return ErrorKind::Locked;
+        case 8:
+            return ErrorKind::ReadOnly;
+        case 10:
+            return ErrorKind::Io;
+        case 11:  // corrupt, not a database
+        case 26:
+            return ErrorKind::Damaged;
+        case 13:
+            return ErrorKind::DiskFull;
+        case 14:  // cannot open
+            return ErrorKind::NoConnection;
+        case 19:  // a constraint; of the extended codes those of keys
+            return native == 19 || native == 1555 || native == 2067 ? ErrorKind::DuplicateKey
+                                                                    : ErrorKind::Engine;
+        case 20:  // a value of another type
+            return ErrorKind::BadValue;
+        default:
+            return ErrorKind::Engine;
+    }
 }
 
 // Status codes of the record engine, which its SQL hands on.

@@ -5,7 +5,7 @@
 
 #include "data/client/odbc_connection.h"
 #include "data/client/shop_records.h"
-#include "data/embedded/record_locks.h"
+#include "data/lock/lock_file.h"
 
 namespace data::client {
 
@@ -47,8 +47,7 @@ class ShopDatabase : public Database {
 
     bool beginRun() override {
         if (!m_runLock)
-            m_runLock = std::make_unique<embedded::RecordLocks>(
-                QDir(m_settings.folder).filePath(kRunLockFile));
+            m_runLock = std::make_unique<LockFile>(QDir(m_settings.folder).filePath(kRunLockFile));
         return m_runLock->beginRun();
     }
     void endRun() override {
@@ -64,7 +63,7 @@ class ShopDatabase : public Database {
     ShopDatabaseSettings m_settings;
     ShopRecords m_records;
     std::unique_ptr<OdbcConnection> m_sql;
-    std::unique_ptr<embedded::RecordLocks> m_runLock;
+    std::unique_ptr<LockFile> m_runLock;
 };
 
 }  // namespace

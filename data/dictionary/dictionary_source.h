@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "data/dictionary/field_cache_item.h"
-#include "data/record/record_layout.h"
+#include "data/dictionary/key_def.h"
 
 namespace data {
 

@@ -1,16 +1,12 @@
 #include "data/embedded/record_locks.h"
 
 #include <algorithm>
-#include <system_error>
 #include <thread>
-
-#include "data/system_path.h"
 
 namespace data::embedded {
 
 namespace {
 
-constexpr std::int64_t kRunByte = 0;
 constexpr int kIdBits = 40;
 constexpr RecordId kLastId = (RecordId{1} << kIdBits) - 1;
 // The system walks a list of ranges at every lock, so that many of them cost more than they save.
@@ -20,10 +16,6 @@ constexpr std::chrono::milliseconds kLongestPause{20};
 
 std::int64_t byteOf(const RecordAddress& record) {
     return (static_cast<std::int64_t>(record.table + 1) << kIdBits) + record.id;
-}
-
-std::filesystem::path pathOf(const QString& fileName) {
-    return std::filesystem::path(systemPath(fileName).toStdU16String());
 }
 
 // Calls `attempt` until it succeeds or the time comes.
@@ -43,22 +35,10 @@ bool keepTrying(std::chrono::steady_clock::time_point end, Attempt attempt) {
 
 }  // namespace
 
-RecordLocks::RecordLocks(const QString& lockFile) try
-    : m_file(pathOf(lockFile)), m_fileName(lockFile) {
-} catch (const std::filesystem::filesystem_error& error) {
-    const bool refused = error.code() == std::errc::permission_denied ||
-                         error.code() == std::errc::read_only_file_system;
-    throw DataError(refused ? ErrorKind::ReadOnly : ErrorKind::Io, lockFile,
-                    QString::fromStdString(error.code().message()), error.code().value());
-}
+RecordLocks::RecordLocks(const QString& lockFile) : m_file(lockFile) {}
 
 bool RecordLocks::lockBytes(const RecordAddress& record, std::int64_t length) {
-    try {
-        return m_file.tryLock(byteOf(record), length);
-    } catch (const std::system_error& error) {
-        throw DataError(ErrorKind::Io, m_fileName, QString::fromStdString(error.code().message()),
-                        error.code().value());
-    }
+    return m_file.tryLock(byteOf(record), length);
 }
 
 bool RecordLocks::isTaken(const RecordAddress& record) const {
@@ -185,25 +165,6 @@ bool RecordLocks::waitForConflict(std::chrono::steady_clock::time_point end) {
             m_file.unlock(byteOf(probe), 1);
         return true;
     });
-}
-
-bool RecordLocks::beginRun() {
-    if (m_runs == 0) {
-        try {
-            if (!m_file.tryLock(kRunByte, 1))
-                return false;
-        } catch (const std::system_error& error) {
-            throw DataError(ErrorKind::Io, m_fileName,
-                            QString::fromStdString(error.code().message()), error.code().value());
-        }
-    }
-    ++m_runs;
-    return true;
-}
-
-void RecordLocks::endRun() {
-    if (m_runs > 0 && --m_runs == 0)
-        m_file.unlock(kRunByte, 1);
 }
 
 }  // namespace data::embedded

@@ -7,8 +7,8 @@
 #include <set>
 #include <unordered_map>
 
-#include "data/embedded/byte_range_lock.h"
 #include "data/engine.h"
+#include "data/lock/lock_file.h"
 
 namespace data::embedded {
 
@@ -50,8 +50,8 @@ class RecordLocks {
     /// @return false when the time came.
     bool waitForConflict(std::chrono::steady_clock::time_point end);
 
-    bool beginRun();
-    void endRun();
+    bool beginRun() { return m_file.beginRun(); }
+    void endRun() { m_file.endRun(); }
 
   private:
     /// Locked ranges [first, last] of ids by first, none touching another.
@@ -65,13 +65,11 @@ class RecordLocks {
     static void add(std::map<RecordId, RecordId>& ranges, RecordId id);
     void unlockExceptHeld(int table, RecordId first, RecordId last);
 
-    ByteRangeLock m_file;
-    QString m_fileName;
+    LockFile m_file;
     std::map<RecordAddress, int> m_held;  // with the number of holds
     std::map<int, TableRanges> m_statement;
     std::optional<RecordAddress> m_conflict;
     bool m_conflictIsTable = false;
-    int m_runs = 0;
 };
 
 }  // namespace data::embedded

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "data/dictionary/field_cache_item.h"
+#include "data/dictionary/key_def.h"
 
 namespace data {
 
@@ -31,20 +32,6 @@ class RecordLayout {
     std::vector<TFieldCacheItem> m_fields;
     int m_recordLength = 0;
     QHash<QString, int> m_byName;  // folded name
-};
-
-/// One segment of a key: a field and how it is ordered.
-struct KeySegment {
-    int fieldIndex = 0;  ///< index into the layout's fields
-    bool ignoreCase = false;
-    bool descending = false;
-};
-
-/// A numbered key of a table.
-struct KeyDef {
-    int number = 0;
-    bool unique = false;
-    std::vector<KeySegment> segments;
 };
 
 }  // namespace data

@@ -12,6 +12,7 @@
 #include "app/company/aliases.h"
 #include "app/company/company.h"
 #include "app/company/ini_file.h"
+#include "app/company/text_order.h"
 #include "data/error.h"
 
 namespace framework {

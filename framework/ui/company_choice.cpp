@@ -8,6 +8,7 @@
 #include "app/company/aliases.h"
 #include "app/company/command_line.h"
 #include "app/company/company.h"
+#include "app/company/text_order.h"
 #include "framework/ui/demo_company_dialog.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/window_place.h"

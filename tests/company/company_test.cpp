@@ -11,6 +11,7 @@
 #include "app/company/aliases.h"
 #include "app/company/command_line.h"
 #include "app/company/run_mark.h"
+#include "app/company/text_order.h"
 #include "app/company/user_settings.h"
 #include "data/error.h"
 #include "tests/support/company_folder.h"

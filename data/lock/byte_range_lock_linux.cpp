@@ -1,4 +1,4 @@
-#include "data/embedded/byte_range_lock.h"
+#include "data/lock/byte_range_lock.h"
 
 #ifndef _WIN32
 
@@ -11,7 +11,7 @@
 // Open-file-description locks: owned by the open file and not by the process, so that two
 // connections of one process exclude each other and closing one leaves the other's locks alone.
 
-namespace data::embedded {
+namespace data {
 
 namespace {
 
@@ -53,6 +53,6 @@ void ByteRangeLock::unlock(std::int64_t offset, std::int64_t length) noexcept {
     ::fcntl(m_descriptor, F_OFD_SETLK, &range);
 }
 
-}  // namespace data::embedded
+}  // namespace data
 
 #endif

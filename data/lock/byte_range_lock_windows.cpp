@@ -1,4 +1,4 @@
-#include "data/embedded/byte_range_lock.h"
+#include "data/lock/byte_range_lock.h"
 
 #ifdef _WIN32
 
@@ -7,7 +7,7 @@
 
 #include <system_error>
 
-namespace data::embedded {
+namespace data {
 
 namespace {
 
@@ -56,6 +56,6 @@ void ByteRangeLock::unlock(std::int64_t offset, std::int64_t length) noexcept {
                    static_cast<DWORD>(length >> 32), &place);
 }
 
-}  // namespace data::embedded
+}  // namespace data
 
 #endif

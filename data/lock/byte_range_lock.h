@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 
-namespace data::embedded {
+namespace data {
 
 /// Exclusive byte-range locks of the operating system on one file, which is made when missing. They
 /// exclude every other ByteRangeLock on the file, in this process too, and vanish with the object
@@ -33,4 +33,4 @@ class ByteRangeLock {
 #endif
 };
 
-}  // namespace data::embedded
+}  // namespace data

@@ -1,0 +1,53 @@
+#include "data/lock/lock_file.h"
+
+#include <system_error>
+
+#include "data/error.h"
+#include "data/system_path.h"
+
+namespace data {
+
+namespace {
+
+constexpr std::int64_t kRunByte = 0;
+
+std::filesystem::path pathOf(const QString& fileName) {
+    return std::filesystem::path(systemPath(fileName).toStdU16String());
+}
+
+}  // namespace
+
+LockFile::LockFile(const QString& fileName) try : m_lock(pathOf(fileName)), m_fileName(fileName) {
+} catch (const std::filesystem::filesystem_error& error) {
+    const bool refused = error.code() == std::errc::permission_denied ||
+                         error.code() == std::errc::read_only_file_system;
+    throw DataError(refused ? ErrorKind::ReadOnly : ErrorKind::Io, fileName,
+                    QString::fromStdString(error.code().message()), error.code().value());
+}
+
+bool LockFile::tryLock(std::int64_t offset, std::int64_t length) {
+    try {
+        return m_lock.tryLock(offset, length);
+    } catch (const std::system_error& error) {
+        throw DataError(ErrorKind::Io, m_fileName, QString::fromStdString(error.code().message()),
+                        error.code().value());
+    }
+}
+
+void LockFile::unlock(std::int64_t offset, std::int64_t length) noexcept {
+    m_lock.unlock(offset, length);
+}
+
+bool LockFile::beginRun() {
+    if (m_runs == 0 && !tryLock(kRunByte, 1))
+        return false;
+    ++m_runs;
+    return true;
+}
+
+void LockFile::endRun() {
+    if (m_runs > 0 && --m_runs == 0)
+        unlock(kRunByte, 1);
+}
+
+}  // namespace data
