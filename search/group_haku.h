@@ -23,7 +23,7 @@ class GroupHakuForm : public TBtrHakuForm {
     GroupHakuForm(const Kind& kind, QWidget* parent);
 
     void afterOpen() override;
-    CellColours cellColours(const RecordRow& record, const GridColumn& column) const override;
+    CellColours cellColours(const GridRow& row, const GridColumn& column) const override;
     void dropCaches() override;
 
   private:

@@ -7,7 +7,7 @@ namespace search {
 
 namespace {
 
-using Text = QString (ProductTexts::*)(const RecordRow&);
+using Text = QString (ProductTexts::*)(const GridRow&);
 
 struct Column {
     const char16_t* field;
@@ -60,7 +60,7 @@ GridColumn gridColumn(const Column& column, ProductTexts& texts) {
     result.visible = column.visible;
     result.alignRight = column.alignRight;
     if (column.text != nullptr)
-        result.text = [&texts, text = column.text](const RecordRow& product) {
+        result.text = [&texts, text = column.text](const GridRow& product) {
             return (texts.*text)(product);
         };
     return result;

@@ -137,7 +137,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
         return QString();
     if (column.text) {
         try {
-            return column.text(RecordRow(m_table.layout(), *found));
+            return column.text(GridRow(m_table.layout(), *found));
         } catch (const data::DataError& error) {  // of another table that the column reads
             tellFailure(framework::errorText(error));
             return QString();
@@ -159,7 +159,7 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
         return {};
     const GridColumn& shown = column(section);
     if (role == Qt::DisplayRole)
-        return shown.title.isEmpty() ? shown.field : shown.title;
+        return shown.heading();
     if (role == Qt::ToolTipRole)
         return shown.field;
     if (role == Qt::TextAlignmentRole)
@@ -171,7 +171,7 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
 
 void TableModel::learnFirstRows() {
     const QDeadlineTimer deadline(kFirstRowsMs);
-    RecordRows::Change change;
+    ViewRows::Change change;
     if (!m_rows.isPlain()) {
         // One slice, and more only while there is nothing to show.
         bool more = m_rows.learn(QDeadlineTimer(0), change);
@@ -180,9 +180,9 @@ void TableModel::learnFirstRows() {
     }
 }
 
-void TableModel::show(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept) {
-    RecordRows fresh(m_table.file());
-    fresh.show(key, std::move(range), std::move(accept));
+void TableModel::show(int key, std::optional<KeyRange> range, RowTest test) {
+    ViewRows fresh(m_table.file());
+    fresh.show(key, std::move(range), std::move(test));
     m_recheck.reset();
     beginResetModel();
     m_rows = std::move(fresh);
@@ -192,10 +192,10 @@ void TableModel::show(int key, std::optional<RecordRows::Range> range, RecordRow
     Q_EMIT countChanged();
 }
 
-bool TableModel::search(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept,
+bool TableModel::search(int key, std::optional<KeyRange> range, RowTest test,
                         const std::function<bool(double)>& goOn) {
-    RecordRows fresh(m_table.file());
-    fresh.show(key, std::move(range), std::move(accept));
+    ViewRows fresh(m_table.file());
+    fresh.show(key, std::move(range), std::move(test));
     if (!fresh.learnAll(goOn))
         return false;
     m_recheck.reset();
@@ -219,7 +219,7 @@ void TableModel::restarted() {
 int TableModel::toRow(std::optional<qint64> row, bool wasRestarted) {
     if (wasRestarted) {
         beginResetModel();
-        RecordRows::Change change;
+        ViewRows::Change change;
         const QDeadlineTimer deadline(kWantMs);
         while (!m_rows.isKnown(row.value_or(0)) && m_rows.learn(QDeadlineTimer(0), change) &&
                !deadline.hasExpired()) {
@@ -251,7 +251,7 @@ int TableModel::lastRow() {
     if (!m_rows.isCountExact() && !m_rows.isKnown(m_rows.count() - 1)) {
         m_rows.startAtEnd();
         beginResetModel();
-        RecordRows::Change change;
+        ViewRows::Change change;
         const QDeadlineTimer deadline(kWantMs);
         while (!m_rows.isKnown(m_rows.count() - 1) && m_rows.learn(QDeadlineTimer(0), change) &&
                !deadline.hasExpired()) {
@@ -270,14 +270,14 @@ bool TableModel::want(int first, int last, bool mayRestart) {
         return false;
     if (!mayRestart || m_rows.isKnown(first) || m_rows.isKnown(last)) {
         // Next to the known rows: a moment of walking mostly brings them.
-        RecordRows::Change change;
+        ViewRows::Change change;
         m_rows.learn(QDeadlineTimer(kWantMs), change);
         apply(change);
         return false;
     }
     beginResetModel();
     m_rows.startAtRow(first);
-    RecordRows::Change change;
+    ViewRows::Change change;
     const QDeadlineTimer deadline(kWantMs);
     while (!m_rows.isKnown(last) && m_rows.learn(QDeadlineTimer(0), change) &&
            !deadline.hasExpired()) {
@@ -297,8 +297,8 @@ void TableModel::reread() {
 void TableModel::recheck() {
     if (m_rows.isPlain())
         return;
-    RecordRows fresh(m_table.file());
-    fresh.show(m_rows.key(), m_rows.range(), m_rows.accept());
+    ViewRows fresh(m_table.file());
+    fresh.show(m_rows.key(), m_rows.range(), m_rows.test());
     m_recheck = std::move(fresh);
     m_idle.start();
 }
@@ -315,7 +315,7 @@ void TableModel::showRechecked() {
 
 // @return whether there is more to walk.
 bool TableModel::learnRechecked(const QDeadlineTimer& deadline) {
-    RecordRows::Change ignored;
+    ViewRows::Change ignored;
     if (m_recheck->learn(deadline, ignored))
         return true;
     if (m_recheck->hasSameRows(m_rows))
@@ -328,7 +328,7 @@ bool TableModel::learnRechecked(const QDeadlineTimer& deadline) {
 void TableModel::learnAll() {
     bool more = true;
     while (more) {
-        RecordRows::Change change;
+        ViewRows::Change change;
         more = m_rows.learn(QDeadlineTimer(kProgressMs), change);
         apply(change);
     }
@@ -337,7 +337,7 @@ void TableModel::learnAll() {
 // --- idle time
 
 void TableModel::idle() {
-    RecordRows::Change change;
+    ViewRows::Change change;
     bool more = false;
     try {
         const QDeadlineTimer slice(kIdleSliceMs);
@@ -357,7 +357,7 @@ void TableModel::idle() {
 }
 
 // Tells what became of the row numbers.
-void TableModel::apply(const RecordRows::Change& change) {
+void TableModel::apply(const ViewRows::Change& change) {
     if (change.before != 0) {
         m_pages.clear();
         const int by = asRow(std::llabs(change.before));

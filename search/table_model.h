@@ -9,7 +9,7 @@
 
 #include "data/record/tb_table.h"
 #include "search/grid_column.h"
-#include "search/record_rows.h"
+#include "search/view_rows.h"
 
 namespace search {
 
@@ -33,16 +33,18 @@ class TableModel : public QAbstractTableModel {
     void setColumns(std::vector<GridColumn> columns);
     const std::vector<GridColumn>& columns() const { return m_columns; }
     const GridColumn& column(int place) const { return m_columns[static_cast<size_t>(place)]; }
+    /// The table's field of a column; nullptr for a computed column.
+    const data::TField* field(int place) const { return m_fields[static_cast<size_t>(place)]; }
     int columnOf(const QString& field) const;  ///< -1: none; case ignored
 
     /// Shows other rows; selection and current row go. @throws data::DataError; the rows stay then.
-    void show(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept);
+    void show(int key, std::optional<KeyRange> range, RowTest test);
     /// The same, walking all records at once; `goOn`, called some times a second with the share
     /// done (0 to 1), breaks off by false: then nothing has changed. @return whether all was
     /// walked.
-    bool search(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept,
+    bool search(int key, std::optional<KeyRange> range, RowTest test,
                 const std::function<bool(double)>& goOn);
-    const RecordRows& rows() const { return m_rows; }
+    const ViewRows& rows() const { return m_rows; }
     bool isCountExact() const { return m_rows.isCountExact(); }
 
     /// The record of a row; nothing while it is not known.
@@ -81,7 +83,7 @@ class TableModel : public QAbstractTableModel {
     using Page = std::vector<data::StoredRecord>;
 
     const data::StoredRecord* find(qint64 row) const;
-    void apply(const RecordRows::Change& change);
+    void apply(const ViewRows::Change& change);
     void idle();
     bool learnRechecked(const QDeadlineTimer& deadline);
     void restarted();
@@ -92,8 +94,8 @@ class TableModel : public QAbstractTableModel {
     data::TtbTable& m_table;
     std::vector<GridColumn> m_columns;
     std::vector<const data::TField*> m_fields;  // by column; null: computed
-    mutable RecordRows m_rows;
-    std::optional<RecordRows> m_recheck;  // the same view, walked anew
+    mutable ViewRows m_rows;
+    std::optional<ViewRows> m_recheck;  // the same view, walked anew
     int m_rowCount = 0;
     qint64 m_offset = 0;  // from the row numbers told to m_rows', while a change is being told
     mutable QCache<qint64, Page> m_pages;

@@ -4,7 +4,7 @@
 #include <QKeyEvent>
 
 #include "app/company/connection_module.h"
-#include "search/only_instance.h"
+#include "data/record/record_codec.h"
 #include "search/product_grid.h"
 #include "search/product_shelf.h"
 
@@ -17,11 +17,6 @@ const QString kShowStockKey = QStringLiteral("NaytaSaldot");
 const QString kShelfPlaceColumn = QStringLiteral("Hyllypaikka");
 
 constexpr QSize kDefaultSize(960, 600);
-
-QPointer<TTuoteHakuForm>& onlyForm() {
-    static QPointer<TTuoteHakuForm> only;
-    return only;
-}
 
 bool sameField(const QString& a, const char* b) {
     return a.compare(QLatin1String(b), Qt::CaseInsensitive) == 0;
@@ -69,7 +64,7 @@ void TTuoteHakuForm::addStockBox() {
 }
 
 TTuoteHakuForm* TTuoteHakuForm::instanssi(QWidget* parent) {
-    return onlyInstance(onlyForm(), parent);
+    return onlyForm<TTuoteHakuForm>(parent);
 }
 
 void TTuoteHakuForm::NaytaLomake(QWidget* parent) {
@@ -80,8 +75,8 @@ void TTuoteHakuForm::NaytaLomake(QWidget* parent) {
 }
 
 void TTuoteHakuForm::SuljeHaku() {
-    if (!onlyForm().isNull())
-        onlyForm()->close();
+    if (TTuoteHakuForm* form = onlyForm<TTuoteHakuForm>())
+        form->close();
 }
 
 qint64 TTuoteHakuForm::tuotelaji(const QString& product) {
@@ -140,9 +135,14 @@ bool TTuoteHakuForm::dropOnColumn(const QString& text, const GridColumn& column)
 void TTuoteHakuForm::searchShelfPlace(const QString& text) {
     QSet<QString> products =
         productsByShelfPlace(company::companyDatabase(), m_texts->settings().store, text);
-    searchRecords([this, products = std::move(products)](const data::StoredRecord& record) {
-        return products.contains(RecordRow(recordLayout(), record).text(QStringLiteral("NUMERO")));
-    });
+    const data::TFieldCacheItem& number =
+        recordLayout().field(recordLayout().indexOf(QStringLiteral("NUMERO")));
+    searchRecords(
+        [&number, products = std::move(products)](data::RecordId, const QByteArray& bytes) {
+            return products.contains(
+                data::readText(number, reinterpret_cast<const uchar*>(bytes.constData())));
+        },
+        text);
 }
 
 bool TTuoteHakuForm::filterKey(QKeyEvent& event) {

@@ -245,7 +245,7 @@ TEST_F(ProductForm, ShownAndClosedAsTheOneWindow) {
 TEST_F(ProductForm, ColumnThatCannotBeReadIsToldOnceAndStaysEmpty) {
     search::TTuoteHakuForm form;
     search::GridColumn broken{str("NIMI"), str("Nimi")};
-    broken.text = [](const search::RecordRow&) -> QString {
+    broken.text = [](const search::GridRow&) -> QString {
         throw data::DataError(data::ErrorKind::Io, str("VARSALDO"), str("read error"));
     };
     form.model().setColumns({broken});

@@ -397,7 +397,7 @@ TEST_F(SearchFormTest, TypingWheelAndSelection) {
     QStringList chosen;
     for (const data::StoredRecord& record : m_form->Valitut())
         chosen.append(
-            RecordRow(m_form->Hakutable->layout(), record).text(QStringLiteral("NUMERO")));
+            GridRow(m_form->Hakutable->layout(), record).text(QStringLiteral("NUMERO")));
     EXPECT_EQ(chosen, QStringList({"34", "341", "35"}));
 }
 

@@ -8,8 +8,15 @@
 
 #include "data/engine.h"
 #include "search/key_places.h"
+#include "search/row_test.h"
 
 namespace search {
+
+/// A part of a key: from values of its leading fields to values of the same, both included.
+struct KeyRange {
+    data::KeyValues low;
+    data::KeyValues high;
+};
 
 /// The rows of a view over one table: the records in the order of a key, within a range of it, that
 /// a test accepts.
@@ -18,14 +25,8 @@ namespace search {
 /// (learn()): the walk begins at the first row, or at the place where somebody looks, and goes on
 /// to both ends. What it has met are the known rows; before and after them stand rows whose number
 /// is estimated until the walk has reached that end. Memory: 8 bytes a known row.
-class RecordRows {
+class ViewRows {
   public:
-    struct Range {
-        data::KeyValues low;
-        data::KeyValues high;
-    };
-    using Accept = data::RecordFile::Visitor;
-
     /// How the numbers of rows changed: rows inserted (or, negative, taken away) before the first
     /// known row and after the last one; `learned` rows turned from estimated to known.
     struct Change {
@@ -35,17 +36,17 @@ class RecordRows {
         bool any() const { return before != 0 || after != 0 || learned; }
     };
 
-    explicit RecordRows(data::RecordFile& file) : m_file(&file), m_places(file) {}
+    explicit ViewRows(data::RecordFile& file) : m_file(&file), m_places(file) {}
 
     /// Another view. The first known rows are not there yet: call learn() or start().
     /// @throws data::DataError(BadValue) for a range that is none of the key's; the view stays.
-    void show(int key, std::optional<Range> range, Accept accept);
+    void show(int key, std::optional<KeyRange> range, RowTest test);
     int key() const { return m_places.key(); }
-    bool isPlain() const { return !m_range && !m_accept; }
+    bool isPlain() const { return !m_range && !m_test; }
     /// Records of the table, as counted when the view began.
     qint64 total() const { return m_places.count(); }
-    const std::optional<Range>& range() const { return m_range; }
-    const Accept& accept() const { return m_accept; }
+    const std::optional<KeyRange>& range() const { return m_range; }
+    const RowTest& test() const { return m_test; }
 
     qint64 count() const;
     bool isCountExact() const { return isPlain() || (m_startReached && m_endReached); }
@@ -54,7 +55,7 @@ class RecordRows {
     /// Whether a record, as it is now, belongs to the view.
     bool isWanted(data::RecordId id, const QByteArray& bytes) const;
     /// Whether the known rows are the same records in the same order.
-    bool hasSameRows(const RecordRows& other) const { return m_ids == other.m_ids; }
+    bool hasSameRows(const ViewRows& other) const { return m_ids == other.m_ids; }
 
     /// Walks on, for as long as the deadline lets it. @return false when nothing is left to do.
     /// `change` tells what became of the row numbers.
@@ -95,8 +96,8 @@ class RecordRows {
 
     data::RecordFile* m_file;
     KeyPlaces m_places;
-    std::optional<Range> m_range;
-    Accept m_accept;
+    std::optional<KeyRange> m_range;
+    RowTest m_test;
 
     std::deque<data::RecordId> m_ids;  // the known rows
     // Records that searches among the known rows looked at: they look at the same ones again.

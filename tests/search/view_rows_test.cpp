@@ -1,4 +1,4 @@
-#include "search/record_rows.h"
+#include "search/view_rows.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 
 #include "data/record/record_codec.h"
 #include "data/record/tb_table.h"
-#include "search/record_row.h"
+#include "search/grid_row.h"
 #include "search/table_model.h"
 #include "tests/support/shop_company.h"
 
@@ -21,9 +21,9 @@ namespace {
 
 constexpr int kProducts = 6000;  // some steps of KeyPlaces, and many walks' slices
 
-class RecordRowsTest : public ::testing::Test {
+class ViewRowsTest : public ::testing::Test {
   protected:
-    RecordRowsTest() {
+    ViewRowsTest() {
         m_file = m_company.database().openTable(QStringLiteral("TUOTE"));
         const data::RecordLayout& layout = m_file->layout();
         m_company.database().inTransaction([&] {
@@ -51,8 +51,8 @@ class RecordRowsTest : public ::testing::Test {
     }
 
     // The rows that a plain walk of the key finds.
-    std::vector<data::RecordId> expected(int key, const std::optional<RecordRows::Range>& range,
-                                         const RecordRows::Accept& accept) const {
+    std::vector<data::RecordId> expected(int key, const std::optional<KeyRange>& range,
+                                         const RowTest& accept) const {
         std::vector<data::RecordId> ids;
         for (const StoredRecord& record : m_file->fromEnd(key, Direction::Forward, kProducts)) {
             if (range && (m_file->compare(key, record.bytes, range->low) < 0 ||
@@ -64,7 +64,7 @@ class RecordRowsTest : public ::testing::Test {
         return ids;
     }
 
-    RecordRows::Accept groupBelow(int bound) const {
+    RowTest groupBelow(int bound) const {
         return [this, bound](data::RecordId, const QByteArray& bytes) {
             return data::readInteger(field("RYHMA"),
                                      reinterpret_cast<const uchar*>(bytes.constData())) < bound;
@@ -76,7 +76,7 @@ class RecordRowsTest : public ::testing::Test {
 };
 
 // What the engine counts along a key is what a walk record by record counts.
-TEST_F(RecordRowsTest, SkippingAndCountingAgreeWithWalking) {
+TEST_F(ViewRowsTest, SkippingAndCountingAgreeWithWalking) {
     std::mt19937 random(4);
     for (const int key : {0, 1, 5}) {
         const std::vector<StoredRecord> all = m_file->fromEnd(key, Direction::Forward, kProducts);
@@ -114,13 +114,13 @@ TEST_F(RecordRowsTest, SkippingAndCountingAgreeWithWalking) {
 
 // Wherever the walk begins and however it goes on, it ends with the same rows, and what it calls
 // known on the way is right relative to its first known row.
-TEST_F(RecordRowsTest, EveryWalkEndsWithTheSameRows) {
-    const RecordRows::Range names{{QStringLiteral("N2")}, {QStringLiteral("N2ú")}};
-    const RecordRows::Range nothing{{QStringLiteral("X")}, {QStringLiteral("Y")}};
+TEST_F(ViewRowsTest, EveryWalkEndsWithTheSameRows) {
+    const KeyRange names{{QStringLiteral("N2")}, {QStringLiteral("N2ú")}};
+    const KeyRange nothing{{QStringLiteral("X")}, {QStringLiteral("Y")}};
     const struct {
         int key;
-        std::optional<RecordRows::Range> range;
-        RecordRows::Accept accept;
+        std::optional<KeyRange> range;
+        RowTest accept;
     } views[] = {
         {0, std::nullopt, {}},
         {5, std::nullopt, groupBelow(3)},
@@ -134,14 +134,14 @@ TEST_F(RecordRowsTest, EveryWalkEndsWithTheSameRows) {
     for (const auto& view : views) {
         const std::vector<data::RecordId> all = expected(view.key, view.range, view.accept);
         for (int start = 0; start < 4; ++start) {
-            RecordRows rows(*m_file);
+            ViewRows rows(*m_file);
             rows.show(view.key, view.range, view.accept);
             if (start == 1)
                 rows.startAtEnd();
             else if (start > 1 && rows.count() > 0)
                 rows.startAtRow(
                     static_cast<qint64>(random() % static_cast<unsigned>(rows.count())));
-            RecordRows::Change change;
+            ViewRows::Change change;
             qint64 count = rows.count();
             bool more = true;
             while (more) {
@@ -165,7 +165,7 @@ TEST_F(RecordRowsTest, EveryWalkEndsWithTheSameRows) {
 }
 
 // A place looked for before the count is known is shown at once, and turns exact later.
-TEST_F(RecordRowsTest, PlacesBeforeTheCountIsKnown) {
+TEST_F(ViewRowsTest, PlacesBeforeTheCountIsKnown) {
     data::TtbTable table;
     company::openCompanyTable(table, QStringLiteral("TUOTE"));
     TableModel model(table);
@@ -195,7 +195,7 @@ TEST_F(RecordRowsTest, PlacesBeforeTheCountIsKnown) {
 }
 
 // A record that another program removes leaves a blank row, not a wrong one.
-TEST_F(RecordRowsTest, RemovedRecordsAreBlankUntilRefreshed) {
+TEST_F(ViewRowsTest, RemovedRecordsAreBlankUntilRefreshed) {
     data::TtbTable table;
     company::openCompanyTable(table, QStringLiteral("TUOTE"));
     TableModel model(table);
