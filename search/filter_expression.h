@@ -41,7 +41,7 @@ struct DropTarget {
 };
 DropAction dropAction(const QString& text, const DropTarget& target);
 
-/// A dropped text taken apart.
+/// The parts of a dropped text.
 struct DroppedText {
     QString op;     ///< leading "<", ">" and "=", at most ten; "=" when there is none
     QString value;  ///< the rest
@@ -56,8 +56,8 @@ bool isNumericText(const QString& text);
 /// Only digits and "-".
 bool isDigitText(const QString& text);
 
-/// The condition that a text dropped on a data field makes: a numeric text on an integer field is
-/// compared unquoted, all else quoted, with "*" for a string field, so that beginnings match.
+/// The condition for a text dropped on a data field: a number on an integer field is not quoted,
+/// anything else is, with a "*" at the end for a string field, so that prefixes match.
 QString dropExpression(const QString& field, data::Kind kind, const QString& text);
 
 /// A condition on a quoted key value: one for each matching row of a lookup.

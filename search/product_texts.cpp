@@ -108,8 +108,7 @@ QString ProductTexts::averagePurchasePrice(const GridRow& product) {
                                        : QString();
 }
 
-// The purchase price is the average one, as everywhere in the program where none is said to be the
-// last.
+// "Purchase price" without "last" means the average one throughout the program.
 QString ProductTexts::purchasePriceWithoutVat(const GridRow& product) {
     if (!purchasePriceShown(product))
         return {};

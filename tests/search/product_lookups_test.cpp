@@ -88,21 +88,23 @@ TEST_F(ProductLookups, WhatAProductRowShowsFromOtherTables) {
 }
 
 TEST_F(ProductLookups, SettingsOfTheSettingsTable) {
-    search::ProductSettings settings = search::readProductSettings(m_shop.database());
-    EXPECT_EQ(settings.store, 1);
-    EXPECT_FALSE(settings.purchasePricesHidden);
-    EXPECT_FALSE(settings.webShopInUse);
-    EXPECT_EQ(settings.priceFormat.toStdString(), "#######.##");
-
+    const auto is = [&](int store, bool hidden, bool webShop, const char* format) {
+        const search::ProductSettings found = search::readProductSettings(m_shop.database());
+        EXPECT_EQ(found.store, store);
+        EXPECT_EQ(found.purchasePricesHidden, hidden);
+        EXPECT_EQ(found.webShopInUse, webShop);
+        EXPECT_EQ(found.priceFormat.toStdString(), format);
+    };
+    is(1, false, false, "#######.##");
     for (const char* values :
          {"'ASETUKSIA', 'Myymala', ' 12 '", "'ASETUKSIA', 'OstoHintaEiNay', '1'",
           "'ASETUKSIA', 'Tuotehintamuoto', '##.###'", "'VERKKOKAUPPA', 'Kaytossa', 'K'"})
         m_shop.exec(QStringLiteral("insert into ini values ('ZAV.INI', %1)").arg(str(values)));
-    settings = search::readProductSettings(m_shop.database());
-    EXPECT_EQ(settings.store, 12);
-    EXPECT_TRUE(settings.purchasePricesHidden);
-    EXPECT_TRUE(settings.webShopInUse);
-    EXPECT_EQ(settings.priceFormat.toStdString(), "##.###");
+    is(12, true, true, "##.###");
+    const std::pair<const char*, bool> texts[] = {{"", false}, {"0", false}, {" False ", false},
+                                                  {"1", true}, {"K", true},  {"on", true}};
+    for (const auto& [text, on] : texts)
+        EXPECT_EQ(search::isSettingOn(str(text)), on) << text;
 }
 
 }  // namespace

@@ -139,40 +139,30 @@ TEST_F(SearchFormTest, CompletesWhatIsTyped) {
     EXPECT_FALSE(m_form->Timer->isActive());
 }
 
-TEST_F(SearchFormTest, RangesByTheKindOfTheKey) {
+TEST_F(SearchFormTest, EnterRestrictsToARange) {
     test::ScriptedDialogs dialogs;
-    QTest::keyClicks(m_form->Suodatin, QStringLiteral("34"));
-    QTest::keyClick(m_form->Suodatin, Qt::Key_Return);
-    EXPECT_EQ(numbers().size(), 5);  // without "Käytä aluerajausta" Enter restricts nothing
+    const auto enter = [this](const char* text) {
+        m_form->Suodatin->setText(QLatin1String(text));
+        QTest::keyClick(m_form->Suodatin, Qt::Key_Return);
+        return numbers();
+    };
+    EXPECT_EQ(enter("34").size(), 5);  // not without "Käytä aluerajausta"
     m_form->AlueRajaus->click();
-    QTest::keyClick(m_form->Suodatin, Qt::Key_Return);
-    EXPECT_EQ(numbers(), QStringList({"34", "341"}));
+    EXPECT_EQ(enter("34"), QStringList({"34", "341"}));
+    EXPECT_EQ(m_form->EhtoLabel->text(), QStringLiteral("alue: 34"));
     m_form->Suodatin->clear();
     EXPECT_EQ(numbers().size(), 5);
 
     m_form->selectIndex(2);  // RYHMA, NUMERO
-    QTest::keyClicks(m_form->Suodatin, QStringLiteral("2x"));
     dialogs.expectMessage(QStringLiteral("Virheellinen numero 2x"));
-    QTest::keyClick(m_form->Suodatin, Qt::Key_Return);
-    EXPECT_EQ(numbers().size(), 5);
-    m_form->Suodatin->setText(QStringLiteral("2"));
-    QTest::keyClick(m_form->Suodatin, Qt::Key_Enter);
-    EXPECT_EQ(numbers(), QStringList({"200", "341"}));
+    EXPECT_EQ(enter("2x").size(), 5);
+    EXPECT_EQ(enter("2"), QStringList({"200", "341"}));
     m_form->AlueRajaus->click();
     EXPECT_EQ(numbers().size(), 5);
-}
-
-TEST_F(SearchFormTest, YesAndNoOfTheSettings) {
-    m_company.exec(
-        QStringLiteral("insert into ini values ('ZAV.INI', 'ASETUKSIA', 'ALUERAJAUS', '')"));
-    const std::pair<const char*, bool> cases[] = {{"", false}, {"0", false}, {" False ", false},
-                                                  {"1", true}, {"K", true},  {"on", true}};
-    for (const auto& [text, on] : cases) {
-        m_company.exec(QStringLiteral("update ini set data = '%1' where avain = 'ALUERAJAUS'")
-                           .arg(QLatin1String(text)));
-        create();
-        EXPECT_EQ(m_form->AlueRajaus->isChecked(), on) << text;
-    }
+    m_form->AlueRajaus->click();
+    enter("2");
+    m_form->selectIndex(0);  // the range was the other key's
+    EXPECT_EQ(numbers().size(), 5);
 }
 
 TEST_F(SearchFormTest, DropsMakeFilters) {
@@ -372,6 +362,20 @@ TEST_F(SearchFormTest, ClosingAnErrorOfTheActivationReadsNothingAnew) {
     }
 }
 
+TEST_F(SearchFormTest, SettingsOfTheWindow) {
+    for (const char* setting :
+         {"'ALUERAJAUS', '1'", "'niminimi2haku', '1'", "'HakuAlkuMerkki', '36'"})
+        m_company.exec(QStringLiteral("insert into ini values ('ZAV.INI', 'ASETUKSIA', %1)")
+                           .arg(QLatin1String(setting)));
+    m_company.exec(QStringLiteral("update TUOTE set Nimi2 = 'Kahvikuppi' where NUMERO = '35'"));
+    create();
+    EXPECT_TRUE(m_form->AlueRajaus->isChecked());
+    QTest::keyClicks(m_form->Suodatin, QStringLiteral("$12"));
+    EXPECT_EQ(m_form->Suodatin->text(), QStringLiteral("12"));
+    drop(QStringLiteral("*kahvi"), "NIMI");
+    EXPECT_EQ(numbers(), QStringList({"34", "341", "35", "ABC"}));
+}
+
 TEST_F(SearchFormTest, TypingWheelAndSelection) {
     QTest::keyClick(m_form->DBGrid1, Qt::Key_K);
     EXPECT_EQ(m_form->Suodatin->text(), QStringLiteral("k"));
@@ -396,44 +400,36 @@ TEST_F(SearchFormTest, TypingWheelAndSelection) {
     EXPECT_EQ(m_form->Valittuja(), 3);
     QStringList chosen;
     for (const data::StoredRecord& record : m_form->Valitut())
-        chosen.append(
-            GridRow(m_form->Hakutable->layout(), record).text(QStringLiteral("NUMERO")));
+        chosen.append(GridRow(m_form->Hakutable->layout(), record).text(QStringLiteral("NUMERO")));
     EXPECT_EQ(chosen, QStringList({"34", "341", "35"}));
 }
 
 TEST_F(SearchFormTest, LayoutIsKept) {
     QHeaderView* header = m_form->DBGrid1->horizontalHeader();
+    const auto column = [this](const char* field) {
+        return m_form->model().columnOf(QLatin1String(field));
+    };
     for (int i = 4; i < header->count(); ++i)
         header->setSectionHidden(i, true);
-    header->moveSection(header->visualIndex(m_form->model().columnOf(QStringLiteral("NIMI"))), 0);
-    header->setSectionHidden(m_form->model().columnOf(QStringLiteral("NIMI")), false);
-    header->resizeSection(m_form->model().columnOf(QStringLiteral("NUMERO")), 111);
+    header->moveSection(header->visualIndex(column("NIMI")), 0);
+    header->setSectionHidden(column("NIMI"), false);
+    header->resizeSection(column("NUMERO"), 111);
     m_form->resize(700, 333);
     m_form->selectIndex(1);
     m_form->Tallenna->trigger();
-    const int columns = saved(QStringLiteral("Sarakkeita")).toInt();
-    EXPECT_GE(columns, 4);
-    EXPECT_EQ(saved(QStringLiteral("Sarake0")), QStringLiteral("NIMI"));
-    EXPECT_EQ(saved(QStringLiteral("Sarake1")), QStringLiteral("NUMERO"));
-    EXPECT_EQ(saved(QStringLiteral("W_NUMERO")), QStringLiteral("111"));
-    EXPECT_EQ(saved(QStringLiteral("Lajittelu")), QStringLiteral("1"));
-    EXPECT_EQ(saved(QStringLiteral("Lomakeleveys")), QStringLiteral("700"));
     EXPECT_EQ(saved(QStringLiteral("LomakeKorkeus")), QStringLiteral("(none)"));
-
-    // Fewer columns: the keys of the surplus ones go.
-    header->setSectionHidden(m_form->model().columnOf(QStringLiteral("RYHMA")), true);
+    header->setSectionHidden(column("RYHMA"), true);
     m_form->Tallennakorkeus->trigger();
-    EXPECT_EQ(saved(QStringLiteral("Sarakkeita")).toInt(), columns - 1);
-    EXPECT_EQ(saved(QStringLiteral("Sarake%1").arg(columns - 1)), QStringLiteral("(none)"));
-    EXPECT_EQ(saved(QStringLiteral("LomakeKorkeus")), QStringLiteral("333"));
 
     create();
     EXPECT_EQ(m_form->size(), QSize(700, 333));
     EXPECT_EQ(m_form->IndexCombo->currentIndex(), 1);
     EXPECT_EQ(m_form->Hakutable->indexName(), QStringLiteral("1"));
-    EXPECT_EQ(m_form->model().column(0).field, QStringLiteral("NIMI"));
+    EXPECT_EQ(column("NIMI"), 0);
     EXPECT_EQ(m_form->DBGrid1->columnWidth(1), 111);
-    EXPECT_TRUE(m_form->DBGrid1->isColumnHidden(m_form->model().columnOf(QStringLiteral("RYHMA"))));
+    for (const auto& [field, hidden] :
+         {std::pair("NIMI", false), std::pair("NUMERO", false), std::pair("RYHMA", true)})
+        EXPECT_EQ(m_form->DBGrid1->isColumnHidden(column(field)), hidden) << field;
 }
 
 TEST(AlkuMerkkiEdit, SwallowsItsStartCharacter) {

@@ -194,6 +194,23 @@ TEST_F(ViewRowsTest, PlacesBeforeTheCountIsKnown) {
     EXPECT_EQ(model.record(model.rowCount() - 1)->id, all.back());
 }
 
+// A failure while the new rows are read leaves the shown ones.
+TEST_F(ViewRowsTest, RowsStayWhenOthersCannotBeRead) {
+    data::TtbTable table;
+    company::openCompanyTable(table, QStringLiteral("TUOTE"));
+    TableModel model(table);
+    const QAbstractItemModelTester tester(&model,
+                                          QAbstractItemModelTester::FailureReportingMode::Fatal);
+    model.setColumns({{QStringLiteral("NUMERO"), {}}});
+    model.show(0, std::nullopt, {});
+    const RowTest broken = [](data::RecordId, const QByteArray&) -> bool {
+        throw data::DataError(data::ErrorKind::Io, QStringLiteral("TUOTE"), {});
+    };
+    EXPECT_THROW(model.show(0, std::nullopt, broken), data::DataError);
+    EXPECT_EQ(model.rowCount(), kProducts);
+    EXPECT_EQ(model.index(7, 0).data().toString(), QStringLiteral("00007"));
+}
+
 // A record that another program removes leaves a blank row, not a wrong one.
 TEST_F(ViewRowsTest, RemovedRecordsAreBlankUntilRefreshed) {
     data::TtbTable table;
