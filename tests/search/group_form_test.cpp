@@ -7,33 +7,23 @@
 
 namespace {
 
-QString str(const char* text) {
-    return QString::fromUtf8(text);
-}
+using test::str;
 
 class GroupForms : public ::testing::Test {
   protected:
     GroupForms() {
-        for (const char* sql :
-             {"insert into TRYHMA (Nro, Nimi, OnWebKaupassa) values (10, 'Juomat', 1)",
-              "insert into TRYHMA (Nro, Nimi, OnWebKaupassa) values (20, 'Tupakka', 0)",
-              "insert into TRYHMA (Nro, Nimi, OnWebKaupassa) values (30, 'Lehdet', 0)",
-              "insert into PRYHMA (NRO, nimi, tili, OnWebKaupassa, WebKauppaJarjestys) "
-              "values (1, 'Elintarvikkeet', '3000', 1, 10)",
-              "insert into PRYHMA (NRO, nimi, OnWebKaupassa) values (2, 'Palvelut', 0)",
-              "insert into PRYHMA (NRO, nimi, OnWebKaupassa) values (3, 'Muut', 0)",
-              "insert into ALIRYHMA (Nro, Nimi, TuoteRyhma, Verkkokaupassa) "
-              "values (1001, 'Kahvit', 10, 1)",
-              "insert into ALIRYHMA (Nro, Nimi, TuoteRyhma, Verkkokaupassa) "
-              "values (2001, 'Sikarit', 20, 0)",
-              "insert into ALIRYHMA (Nro, Nimi, TuoteRyhma, Verkkokaupassa) "
-              "values (2002, 'Nuuska', 20, 0)"})
-            m_shop.exec(str(sql));
+        for (const char* groups :
+             {"TRYHMA (Nro, Nimi, OnWebKaupassa) values (10, 'Juomat', 1)",
+              "TRYHMA (Nro, Nimi, OnWebKaupassa) values (20, 'Tupakka', 0)",
+              "TRYHMA (Nro, Nimi, OnWebKaupassa) values (30, 'Lehdet', 0)",
+              "PRYHMA (NRO, nimi, OnWebKaupassa) values (1, 'Elintarvikkeet', 1)",
+              "PRYHMA (NRO, nimi, OnWebKaupassa) values (2, 'Palvelut', 0)",
+              "PRYHMA (NRO, nimi, OnWebKaupassa) values (3, 'Muut', 0)",
+              "ALIRYHMA (Nro, Nimi, Verkkokaupassa) values (1001, 'Kahvit', 1)",
+              "ALIRYHMA (Nro, Nimi, Verkkokaupassa) values (2001, 'Sikarit', 0)",
+              "ALIRYHMA (Nro, Nimi, Verkkokaupassa) values (2002, 'Nuuska', 0)"})
+            m_shop.exec(str("insert into ") + str(groups));
     }
-    void useWebShop() {
-        m_shop.exec(str("insert into ini values ('ZAV.INI', 'VERKKOKAUPPA', 'Kaytossa', '1')"));
-    }
-
     /// The colour of each cell's lower left corner (no text and no frame there), by rows: 'R' for
     /// pure red, '.' for anything else.
     static QString redCells(search::TBtrHakuForm& form) {
@@ -69,7 +59,7 @@ TEST_F(GroupForms, RowsOutsideTheWebShopAreRedButTheFocusedCell) {
     check(search::TTrHakuForm(), 0, 0, "....|....|....");
     check(search::TPrHakuForm(), 0, 0, "....|RRRR|RRRR");
     check(search::TArHakuForm(), 0, 0, "....|....|....");
-    useWebShop();
+    m_shop.exec(str("insert into ini values ('ZAV.INI', 'VERKKOKAUPPA', 'Kaytossa', '1')"));
     check(search::TTrHakuForm(), 1, 2, "....|RR.R|RRRR");
     check(search::TPrHakuForm(), 1, 2, "....|RR.R|RRRR");
     check(search::TArHakuForm(), 2, 0, "....|RRRR|.RRR");
@@ -103,25 +93,6 @@ TEST_F(GroupForms, WindowsAndColumns) {
     check(search::TArHakuForm(), "Aliryhmän haku", {505, 336}, "Verkkokaupassa",
           "Nro Nimi TuoteRyhma Verkkokaupassa");
     check(search::TTrHakuForm(), "Tuoteryhmän haku", {360, 450}, "OnWebKaupassa", nullptr);
-}
-
-TEST_F(GroupForms, OneInstanceUntilItIsDestroyed) {
-    QWidget owner;
-    search::TTrHakuForm* first = search::TTrHakuForm::instanssi(&owner);
-    EXPECT_EQ(search::TTrHakuForm::instanssi(&owner), first);
-    first->lisaaKayttaja(str("Koe"));
-    first->show();
-    first->close();  // kept for its user
-    EXPECT_EQ(search::TTrHakuForm::instanssi(&owner), first);
-
-    first->poistaKayttaja(str("Koe"));
-    first->show();
-    first->close();
-    search::TTrHakuForm* second = search::TTrHakuForm::instanssi(&owner);
-    EXPECT_NE(second, first);
-    delete second;
-    QPointer<search::TTrHakuForm> third = search::TTrHakuForm::instanssi(&owner);
-    EXPECT_FALSE(third.isNull());
 }
 
 }  // namespace

@@ -217,7 +217,8 @@ TEST(SearchParts, LayoutIsReadAndWritten) {
                              .arg(column.width));
         return texts.join(u' ').toStdString();
     };
-    const std::vector<GridColumn> own = {{str("A"), {}, 10}, {str("B"), {}, 20, false}, {str("C"), {}}};
+    const std::vector<GridColumn> own = {
+        {str("A"), {}, 10}, {str("B"), {}, 20, false}, {str("C"), {}}};
     const struct {
         const char* saved;
         const char* columns;
