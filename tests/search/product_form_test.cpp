@@ -35,7 +35,9 @@ class ProductForm : public ::testing::Test {
               "insert into VARSALDO (VARASTO, TUOTE, SALDO, Hyllypaikka) "
               "values (1, '102', 77, 'A9')",
               "insert into VARSALDO (VARASTO, TUOTE, SALDO, Hyllypaikka) "
-              "values (2, '103', 1, 'A3')"})
+              "values (2, '103', 1, 'A3')",
+              "insert into VARSALDO (VARASTO, TUOTE, SALDO, Hyllypaikka) "
+              "values (3, '101', 1, 'A8')"})
             m_shop.exec(str(sql));
         set("ASETUKSIA", "Myymala", "2");
     }
@@ -186,7 +188,7 @@ TEST_F(ProductForm, DropsOnGroupNamesAndShelfPlaces) {
         {"xyz", "RYHMA", ""},           // no group has that name
         {"tukku", "TOIMITTAJA", "100"},
         {"AB", "TOIMITTAJA", ""},     // a code, and no name begins with it
-        {"A", "Hyllypaikka", "100"},  // 102 lies in another store, 103 is passive
+        {"A", "Hyllypaikka", "100"},  // 101 and 102: other stores; 103 is passive
         {"a1", "Hyllypaikka", "100"},
         {"*A", "Hyllypaikka", "100 101"},
         {">=B", "Hyllypaikka", "101"},
