@@ -177,12 +177,12 @@ int main(int argc, char** argv) {
 
     std::mt19937 random(7);
     std::vector<QString> numbers;
-    const search::RecordRows& rows = form->model().rows();
+    const search::ViewRows& rows = form->model().rows();
     for (int i = 0; i < 200; ++i) {
         const auto record =
             form->model().record(static_cast<int>(random() % static_cast<unsigned>(rows.count())));
         numbers.push_back(
-            search::RecordRow(file->layout(), *record).text(QStringLiteral("NUMERO")));
+            search::GridRow(file->layout(), *record).text(QStringLiteral("NUMERO")));
     }
     const int screen = form->DBGrid1->viewport()->height() / form->DBGrid1->rowHeight(0);
     std::vector<double> raw;

@@ -4,22 +4,22 @@
 
 namespace search {
 
-/// An edit that swallows one start character (what a bar code reader sends before the code), taken
-/// from the program's settings when the edit is created. A text can be dragged out of it with the
-/// left button, without Shift (with Shift the mouse selects as in any edit).
+/// An edit that ignores one start character (which a bar code reader sends before the code), taken
+/// from the program's settings when the edit is created. Its text can be dragged with the left
+/// button; with Shift the mouse selects as in any edit.
 class TAlkuMerkkiEdit : public QLineEdit {
     Q_OBJECT
   public:
     explicit TAlkuMerkkiEdit(QWidget* parent = nullptr);
 
-    /// The start character of new edits; a null character swallows none.
+    /// The start character of new edits; a null character: none.
     static void setProgramStartCharacter(QChar character);
     static QChar programStartCharacter();
 
     QChar startCharacter() const { return m_start; }
     void setStartCharacter(QChar character) { m_start = character; }
 
-    /// Pixels that the mouse moves before a drag begins.
+    /// Pixels the mouse must move to start a drag.
     static constexpr int kDragDistance = 20;
 
   protected:

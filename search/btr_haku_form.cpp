@@ -1,11 +1,9 @@
 #include "search/btr_haku_form.h"
 
 #include <QApplication>
-#include <QCloseEvent>
 #include <QDebug>
 #include <QDrag>
-#include <QHeaderView>
-#include <QPointer>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <algorithm>
 #include <utility>
@@ -15,23 +13,22 @@
 #include "framework/core/settings_table.h"
 #include "framework/ui/close_deferral.h"
 #include "framework/ui/dialogs.h"
+#include "framework/ui/window_place.h"
 #include "search/drag_source.h"
 #include "search/product_settings.h"
-#include "search/search_grid.h"
-#include "search/table_model.h"
+
+// The life of the generic search window: creation, layout, rows, choosing, closing.
 
 namespace search {
 
 namespace {
 
-const QString kZavSection = QStringLiteral("ASETUKSIA");
+constexpr QSize kDefaultSize(640, 480);
+
 const QString kPassive = QStringLiteral("passiivinen");
 
-// One choice at a time in the whole program: what a handler opens may not choose again through it.
-bool& choosing() {
-    static bool going = false;
-    return going;
-}
+// One choice at a time in the whole program: a window that a handler opens may not choose too.
+bool choosing = false;
 
 class Hourglass {
   public:
@@ -41,7 +38,11 @@ class Hourglass {
     Hourglass& operator=(const Hourglass&) = delete;
 };
 
-// The start character is one character or its code.
+QString formsIni() {
+    return company::dataFolderFile(QStringLiteral("FORMS.INI"));
+}
+
+// The setting is the character itself, or its code.
 QChar startCharacter(const QString& setting) {
     const QString text = setting.trimmed();
     if (text.size() == 1 && !text.front().isDigit())
@@ -51,60 +52,70 @@ QChar startCharacter(const QString& setting) {
 
 }  // namespace
 
+TBtrHakuForm::View::View(TBtrHakuForm& form)
+    : model(form.m_table),
+      cursor(*form.DBGrid1, model, form.m_table),
+      keys(form.m_table, model),
+      header(*form.DBGrid1, model,
+             [&form](const QString& field) { return form.columnAllowed(field); }) {}
+
 TBtrHakuForm::TBtrHakuForm(const QString& componentName, QWidget* parent)
-    : QDialog(parent), Hakutable(nullptr), m_table(std::make_unique<data::TtbTable>()) {
-    Hakutable = m_table.get();
+    : QDialog(parent), SearchControls(static_cast<QDialog&>(*this)), Hakutable(&m_table) {
     setObjectName(componentName);
-    buildControls();
+    setWindowTitle(QStringLiteral("Tuotteiden selailu"));
+    setWindowFlags(windowFlags() | Qt::WindowMinMaxButtonsHint);
+    resize(kDefaultSize);
 }
 
 TBtrHakuForm::~TBtrHakuForm() {
     DBGrid1->setModel(nullptr);
 }
 
+// --- creation
+
 void TBtrHakuForm::FormCreate() {
-    if (m_created)
+    if (m_view)
         return;
     const Hourglass hourglass;
-    company::openCompanyTable(*m_table, m_tableName);
-    m_created = true;
-    m_model = std::make_unique<TableModel>(*m_table);
-    m_hasPassive = Hakutable->findField(kPassive) != nullptr;
-    Passiiviset->setVisible(m_hasPassive);
+    company::openCompanyTable(*Hakutable, m_tableName);
+    m_view = std::make_unique<View>(*this);
+    Passiiviset->setVisible(Hakutable->findField(kPassive) != nullptr);
     if (m_resultField.isEmpty())
         m_resultField = Hakutable->indexFields(QStringLiteral("0")).value(0);
     for (const auto& field : Hakutable->fields()) {
         if (field->kind() == data::Kind::Float && field->displayFormat().isEmpty())
             field->setDisplayFormat(QStringLiteral("#0.00"));
     }
-    data::Database& database = company::companyDatabase();
-    AlueRajaus->setChecked(
-        isSettingOn(framework::zavIniValue(database, kZavSection, QStringLiteral("ALUERAJAUS"))));
-    m_searchSecondName =
-        isSettingOn(framework::zavIniValue(database, kZavSection, QStringLiteral("niminimi2haku")));
-    const QChar start = startCharacter(
-        framework::zavIniValue(database, kZavSection, QStringLiteral("HakuAlkuMerkki")));
-    TAlkuMerkkiEdit::setProgramStartCharacter(start);
-    Suodatin->setStartCharacter(start);
+    readSettings();
     afterOpen();
 
-    DBGrid1->setModel(m_model.get());
-    auto* grid = static_cast<SearchGrid*>(DBGrid1);
-    grid->setColours([this](int row, int column) -> CellColours {
-        const auto record = m_model->record(row);
-        return record ? cellColours(RecordRow(recordLayout(), *record), m_model->column(column))
+    DBGrid1->setModel(&model());
+    DBGrid1->setColours([this](int row, int column) -> CellColours {
+        const auto record = model().record(row);
+        return record ? cellColours(GridRow(recordLayout(), *record), model().column(column))
                       : CellColours{};
     });
     fillIndexes();
     Lataus();
     Hakutable->setIndexName(QString::number(IndexCombo->currentData().toInt()));
     connectControls();
-    applyFilter();
+    applyFilter(changedFilter());
     SearchEdit->setFocus();
 }
 
+void TBtrHakuForm::readSettings() {
+    const auto setting = [](const char* key) {
+        return framework::zavIniValue(company::companyDatabase(), QStringLiteral("ASETUKSIA"),
+                                      QLatin1String(key));
+    };
+    AlueRajaus->setChecked(isSettingOn(setting("ALUERAJAUS")));
+    m_bothNames = isSettingOn(setting("niminimi2haku"));
+    const QChar start = startCharacter(setting("HakuAlkuMerkki"));
+    TAlkuMerkkiEdit::setProgramStartCharacter(start);
+    Suodatin->setStartCharacter(start);
+}
+
 void TBtrHakuForm::connectControls() {
-    auto* grid = static_cast<SearchGrid*>(DBGrid1);
     connect(IndexCombo, &QComboBox::activated, this, &TBtrHakuForm::IndexComboCloseUp);
     connect(SearchEdit, &QLineEdit::textChanged, this, &TBtrHakuForm::SearchEditChange);
     connect(Timer, &QTimer::timeout, this, &TBtrHakuForm::TimerTimer);
@@ -112,33 +123,49 @@ void TBtrHakuForm::connectControls() {
     connect(AlueRajaus, &QCheckBox::toggled, this, &TBtrHakuForm::AlueRajausClick);
     connect(Passiiviset, &QCheckBox::clicked, this, &TBtrHakuForm::PassiivisetClick);
     connect(DBGrid1, &QTableView::doubleClicked, this, &TBtrHakuForm::DBGrid1DblClick);
-    connect(grid, &SearchGrid::dragWanted, this, &TBtrHakuForm::startRowDrag);
-    connect(grid, &SearchGrid::textDropped, this, [this](const QString& text, int column) {
+    connect(DBGrid1, &SearchGrid::dragWanted, this, &TBtrHakuForm::startRowDrag);
+    connect(DBGrid1, &SearchGrid::textDropped, this, [this](const QString& text, int column) {
         const bool onIndicator = column < 0;
         dropText(text, onIndicator ? std::max(DBGrid1->currentIndex().column(), 0) : column,
                  onIndicator);
     });
-    connect(grid, &SearchGrid::scrolled, this, &TBtrHakuForm::wantVisible);
-    connect(m_model.get(), &TableModel::rowsShifted, this, [this](int by) {
+    connect(DBGrid1, &SearchGrid::scrolled, this,
+            [this] { guarded([this] { m_view->cursor.wantVisible(); }); });
+    connect(DBGrid1->horizontalHeader(), &QWidget::customContextMenuRequested, this,
+            &TBtrHakuForm::columnMenu);
+    connect(DBGrid1->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &TBtrHakuForm::currentChanged);
+    connect(&model(), &TableModel::rowsShifted, this, [this](int by) {
         QScrollBar* bar = DBGrid1->verticalScrollBar();
-        const QSignalBlocker silence(bar);
+        const QSignalBlocker blocker(bar);
         bar->setValue(bar->value() + by);
     });
-    connect(m_model.get(), &TableModel::countChanged, this, &TBtrHakuForm::updateNavigator);
-    connect(m_model.get(), &TableModel::outdated, this,
-            [this] { guarded([this] { showRechecked(); }); });
-    connect(m_model.get(), &TableModel::failed, this, &TBtrHakuForm::tellError);
+    connect(&model(), &TableModel::countChanged, this, &TBtrHakuForm::updateNavigator);
+    connect(&model(), &TableModel::outdated, this, [this] {
+        // While choosing, the table stands on the chosen record; the next activation looks again.
+        if (!choosing)
+            guarded([this] { m_view->cursor.showRechecked(); });
+    });
+    connect(&model(), &TableModel::failed, this, &TBtrHakuForm::tellError);
+    connect(Tallenna, &QAction::triggered, this, [this] { TallennaClick(false); });
+    connect(Tallennakorkeus, &QAction::triggered, this, [this] { TallennaClick(true); });
+    connectNavigator();
     for (QWidget* watched : {static_cast<QWidget*>(SearchEdit), static_cast<QWidget*>(Suodatin),
                              static_cast<QWidget*>(DBGrid1), static_cast<QWidget*>(IndexCombo),
                              static_cast<QWidget*>(AlueRajaus), static_cast<QWidget*>(Passiiviset),
                              static_cast<QWidget*>(Jatahakuauki)})
         watched->installEventFilter(this);
-    connect(DBGrid1->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            [this](const QModelIndex& current, const QModelIndex& previous) {
-                if (previous.row() != current.row())
-                    currentChanged(current.row());
-                DBGrid1->verticalHeader()->viewport()->update();
-            });
+}
+
+void TBtrHakuForm::connectNavigator() {
+    const auto on = [this](QAction* action, auto work) {
+        connect(action, &QAction::triggered, this, [this, work] { guarded(work); });
+    };
+    on(nbFirst, [this] { goToRow(0); });
+    on(nbPrior, [this] { goToRow(m_view->cursor.row() - 1); });
+    on(nbNext, [this] { goToRow(m_view->cursor.row() + 1); });
+    on(nbLast, [this] { goToRow(model().lastRow()); });
+    on(nbRefresh, [this] { refreshRows(true); });
 }
 
 bool TBtrHakuForm::guarded(const std::function<void()>& work) {
@@ -151,14 +178,14 @@ bool TBtrHakuForm::guarded(const std::function<void()>& work) {
     return false;
 }
 
-// Closing the box activates the window. That activation reads nothing anew: a table that cannot be
-// read would bring one box after the other, and the window could not be left any more.
+// Closing the box activates the window. That activation must not reread: a table that cannot be
+// read would show one box after the other, and the window could not be left any more.
 void TBtrHakuForm::tellError(const QString& text) {
     const QPointer<TBtrHakuForm> self(this);
-    m_ownActivation = true;
+    m_nextActivation = NextActivation::KeepsRows;
     framework::Dialogs::error(this, text);
-    if (self && isActiveWindow())  // activated already
-        m_ownActivation = false;
+    if (self && isActiveWindow())  // already activated
+        m_nextActivation = NextActivation::Rereads;
 }
 
 // --- what descendants may replace
@@ -177,10 +204,10 @@ bool TBtrHakuForm::columnAllowed(const QString&) const {
 }
 void TBtrHakuForm::saveExtra(company::IniFile&, const QString&) const {}
 void TBtrHakuForm::loadExtra(const company::IniFile&, const QString&) {}
-bool TBtrHakuForm::PerusSuodata(const RecordRow&) const {
+bool TBtrHakuForm::PerusSuodata(const GridRow&) const {
     return true;
 }
-CellColours TBtrHakuForm::cellColours(const RecordRow&, const GridColumn&) const {
+CellColours TBtrHakuForm::cellColours(const GridRow&, const GridColumn&) const {
     return {};
 }
 std::optional<ColumnLookup> TBtrHakuForm::columnLookup(const QString&) const {
@@ -193,144 +220,86 @@ bool TBtrHakuForm::filterKey(QKeyEvent&) {
     return false;
 }
 
+// --- layout
+
+void TBtrHakuForm::Lataus() {
+    const company::IniFile file = company::IniFile::read(formsIni());
+    loadExtra(file, objectName());
+    FormLayout layout = readLayout(file, objectName(), defaultColumns());
+    model().setColumns(std::move(layout.columns));
+    m_view->header.apply();
+    // The user's settings keep the window's place; a saved layout gives its size.
+    framework::rememberPlace(*this, objectName());
+    resize(layout.width.value_or(width()), layout.height.value_or(height()));
+    if (layout.order && *layout.order < IndexCombo->count())
+        IndexCombo->setCurrentIndex(*layout.order);
+}
+
+void TBtrHakuForm::Tallennus(bool withHeight) {
+    company::IniFile file = company::IniFile::read(formsIni());
+    writeLayout(file, objectName(),
+                {.columns = m_view->header.columns(),
+                 .width = width(),
+                 .height = withHeight ? std::optional(height()) : std::nullopt,
+                 .order = IndexCombo->currentIndex()});
+    saveExtra(file, objectName());
+    file.write(formsIni());
+}
+
+void TBtrHakuForm::TallennaClick(bool withHeight) {
+    guarded([&] { Tallennus(withHeight); });
+}
+
+// The menu of the column headings: which columns are shown.
+void TBtrHakuForm::columnMenu(const QPoint& place) {
+    QMenu menu(this);
+    m_view->header.fillMenu(menu);
+    menu.addSeparator();
+    menu.addAction(Tallenna);
+    menu.addAction(Tallennakorkeus);
+    const framework::CloseDeferral deferral(this);
+    menu.exec(DBGrid1->horizontalHeader()->mapToGlobal(place));
+}
+
 // --- rows
 
-void TBtrHakuForm::currentChanged(int row) {
-    guarded([&] { placeTable(row); });
-    updateNavigator();
-}
-
-// Makes the table stand on a row's record. @return false, with the table where it was, when the row
-// is not known yet or its record is gone.
-bool TBtrHakuForm::placeTable(int row) {
-    const auto record = m_model->record(row);
-    return record && Hakutable->gotoBookmark({record->id, record->bytes});
-}
-
-// Whether the table's record, read just now, still is the row that was shown: it belongs to the
-// view, and its place was not given to another record.
-bool TBtrHakuForm::isStillShown(const data::StoredRecord& shown) const {
-    return m_model->rows().isWanted(Hakutable->recordId(), Hakutable->recordBytes()) &&
-           Hakutable->fieldByName(m_resultField).asString() ==
-               RecordRow(recordLayout(), shown).text(m_resultField);
-}
-
 void TBtrHakuForm::goToRow(int row) {
-    if (m_model->rowCount() == 0)
-        return;
-    row = std::clamp(row, 0, m_model->rowCount() - 1);
-    m_model->want(row, row, true);
-    row = std::min(row, m_model->rowCount() - 1);
-    int column = DBGrid1->currentIndex().column();
-    if (column < 0)
-        column = std::max(DBGrid1->horizontalHeader()->logicalIndexAt(1), 0);
-    const QModelIndex cell = m_model->index(row, column);
-    DBGrid1->selectionModel()->setCurrentIndex(
-        cell, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    const int horizontal = DBGrid1->horizontalScrollBar()->value();
-    DBGrid1->scrollTo(cell);
-    DBGrid1->horizontalScrollBar()->setValue(horizontal);
-    placeTable(row);
+    m_view->cursor.goTo(row);
 }
 
-// Rows have come into sight.
-void TBtrHakuForm::wantVisible() {
-    const int first = DBGrid1->rowAt(0);
-    if (first < 0)
-        return;
-    const int last = DBGrid1->rowAt(DBGrid1->viewport()->height() - 1);
-    const bool mayRestart = DBGrid1->selectionModel()->selectedRows().size() <= 1;
-    const int top = DBGrid1->verticalScrollBar()->value();
-    guarded([&] {
-        if (!m_model->want(first, last < 0 ? m_model->rowCount() - 1 : last, mayRestart))
-            return;
-        // The rows are others, and the current one has followed the scroll bar.
-        const QSignalBlocker silence(DBGrid1->verticalScrollBar());
-        goToRow(first);
-        DBGrid1->verticalScrollBar()->setValue(top);
-    });
+void TBtrHakuForm::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    if (previous.row() != current.row()) {
+        guarded([&] { m_view->cursor.placeTable(current.row()); });
+        updateNavigator();
+    }
+    DBGrid1->verticalHeader()->viewport()->update();
 }
 
 void TBtrHakuForm::refreshRows(bool all) {
-    if (!m_created)
+    if (!m_view)
         return;
     const Hourglass hourglass;
     dropCaches();
     Hakutable->refresh();
-    const RecordRows& rows = m_model->rows();
+    const ViewRows& rows = model().rows();
     if (all || (rows.isPlain() && Hakutable->recordCount() != rows.total())) {
-        showRows(rows.range(), rows.accept());
+        showRows(m_filter, rows.test());
         return;
     }
-    m_model->reread();
-    m_model->recheck();
-}
-
-// What was changed elsewhere has brought other rows: the current one stays where it is seen.
-void TBtrHakuForm::showRechecked() {
-    if (choosing())  // the table stands on what is handed over; the next activation looks again
-        return;
-    QScrollBar* bar = DBGrid1->verticalScrollBar();
-    const int above = DBGrid1->currentIndex().row() - bar->value();
-    const std::optional<data::StoredRecord> stay = currentRecord();
-    m_model->showRechecked();
-    const int row = std::max(stay ? m_model->rowOf(*stay) : 0, 0);
-    goToRow(row);
-    bar->setValue(row - above);
-}
-
-// The record that the table stands on.
-std::optional<data::StoredRecord> TBtrHakuForm::currentRecord() const {
-    if (Hakutable->isEmpty())
-        return std::nullopt;
-    return data::StoredRecord{Hakutable->recordId(), Hakutable->recordBytes()};
-}
-
-// Shows other rows, staying on the current record where it is among them.
-void TBtrHakuForm::showRows(std::optional<RecordRows::Range> range, RecordRows::Accept accept) {
-    const std::optional<data::StoredRecord> stay = currentRecord();
-    m_model->show(Hakutable->indexName().toInt(), std::move(range), std::move(accept));
-    const bool isFirst = !m_shown;
-    m_shown = true;
-    const int row = stay && !isFirst ? m_model->rowOf(*stay) : 0;
-    goToRow(std::max(row, 0));
+    model().reread();
+    model().recheck();
 }
 
 void TBtrHakuForm::updateNavigator() {
-    const int row = DBGrid1->currentIndex().row();
-    const int rows = m_model->rowCount();
-    m_first->setEnabled(row > 0);
-    m_prior->setEnabled(row > 0);
-    m_next->setEnabled(row < rows - 1);
-    m_last->setEnabled(row < rows - 1);
-    m_count->setText(m_model->isCountExact()
-                         ? QStringLiteral("%L1 riviä").arg(rows)
-                         : QStringLiteral("noin %L1 riviä, lasketaan...").arg(rows));
-}
-
-// --- what a caller gets
-
-std::vector<data::StoredRecord> TBtrHakuForm::Valitut() {
-    std::vector<int> rows;
-    for (const QItemSelectionRange& range : DBGrid1->selectionModel()->selection()) {
-        for (int row = range.top(); row <= range.bottom(); ++row)
-            rows.push_back(row);
-    }
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    std::vector<data::StoredRecord> records;
-    for (const int row : rows) {
-        if (auto record = m_model->record(row))
-            records.push_back(std::move(*record));
-    }
-    return records;
-}
-
-int TBtrHakuForm::Valittuja() const {
-    int count = 0;
-    for (const QItemSelectionRange& range : DBGrid1->selectionModel()->selection())
-        count += range.height();
-    return count;
+    const int row = m_view->cursor.row();
+    const int rows = model().rowCount();
+    nbFirst->setEnabled(row > 0);
+    nbPrior->setEnabled(row > 0);
+    nbNext->setEnabled(row < rows - 1);
+    nbLast->setEnabled(row < rows - 1);
+    RiviLabel->setText(model().isCountExact()
+                           ? QStringLiteral("%L1 riviä").arg(rows)
+                           : QStringLiteral("noin %L1 riviä, lasketaan...").arg(rows));
 }
 
 data::Value TBtrHakuForm::KenttaArvo(const QString& field) const {
@@ -339,51 +308,60 @@ data::Value TBtrHakuForm::KenttaArvo(const QString& field) const {
 }
 
 void TBtrHakuForm::startRowDrag() {
-    const auto record = m_model->record(DBGrid1->currentIndex().row());
+    const auto record = model().record(m_view->cursor.row());
     if (!record)
         return;
     auto* drag = new QDrag(DBGrid1);
     drag->setMimeData(
-        dragData(DBGrid1->objectName(), RecordRow(recordLayout(), *record).text(m_resultField)));
+        dragData(DBGrid1->objectName(), GridRow(recordLayout(), *record).text(m_resultField)));
     const framework::CloseDeferral deferral(this);
     drag->exec(Qt::CopyAction);
 }
 
+// --- choosing
+
 void TBtrHakuForm::DBGrid1DblClick() {
-    if (choosing() || Hakutable->isEmpty() || m_model->rowCount() == 0)
+    if (choosing || Hakutable->isEmpty() || model().rowCount() == 0)
         return;
-    struct Going {
-        Going() { choosing() = true; }
-        ~Going() { choosing() = false; }
-    } const going;
+    const QScopedValueRollback<bool> one(choosing, true);
     qDebug().noquote() << "sender is" << DBGrid1->metaObject()->className();
-    guarded([this] {
-        const int row = DBGrid1->currentIndex().row();
-        const auto shown = m_model->record(row);
-        if (!shown && !m_model->rows().isKnown(row)) {
-            goToRow(row);  // still blank: once it is read, the next time chooses it
-            return;
-        }
-        if (!placeTable(row) || !isStillShown(*shown)) {
-            rowIsGone(shown);
-            return;
-        }
-        if (!Jatahakuauki->isChecked()) {
-            if (isModal())
-                accept();
-            else
-                close();
-        }
-        if (m_choose)
-            m_choose(DBGrid1, *Hakutable);
-    });
+    guarded([this] { choose(); });
 }
 
-// The row to be chosen is no longer what it shows: nothing is chosen in its stead.
+void TBtrHakuForm::choose() {
+    const int row = m_view->cursor.row();
+    const auto shown = model().record(row);
+    if (!shown && !model().rows().isKnown(row)) {
+        goToRow(row);  // still blank: reads it, and the next time chooses it
+        return;
+    }
+    if (!m_view->cursor.placeTable(row) || !isStillShown(*shown)) {
+        rowIsGone(shown);
+        return;
+    }
+    if (!Jatahakuauki->isChecked()) {
+        if (isModal())
+            accept();
+        else
+            close();
+    }
+    if (m_choose)
+        m_choose(DBGrid1, *Hakutable);
+}
+
+// Whether the table's record, read just now, still is the row that was shown: it belongs to the
+// view, and its place was not given to another record.
+bool TBtrHakuForm::isStillShown(const data::StoredRecord& shown) const {
+    return model().rows().isWanted(Hakutable->recordId(), Hakutable->recordBytes()) &&
+           Hakutable->fieldByName(m_resultField).asString() ==
+               GridRow(recordLayout(), shown).text(m_resultField);
+}
+
+// The row is no longer what it shows: nothing is chosen instead.
 void TBtrHakuForm::rowIsGone(const std::optional<data::StoredRecord>& shown) {
     refreshRows(true);
     if (shown)
-        goToRow(std::max(m_model->rowOf(*shown), 0));
+        m_view->cursor.goTo(shown);
     framework::Dialogs::message(
         this, QStringLiteral("Riviä ei voi valita: se on poistettu tai sitä on muutettu muualla. "
                              "Rivit luettiin uudelleen."));
@@ -396,7 +374,7 @@ void TBtrHakuForm::Peruuta() {
         close();
 }
 
-// --- users and the form's life
+// --- users and closing
 
 void TBtrHakuForm::lisaaKayttaja(const QString& caller) {
     if (!OnkoKayttajia(caller) && !caller.isEmpty())
@@ -414,8 +392,8 @@ bool TBtrHakuForm::OnkoKayttajia(const QString& caller) const {
 
 void TBtrHakuForm::done(int result) {
     Timer->stop();
-    if (m_users.isEmpty() && !m_leaving) {
-        m_leaving = true;
+    if (m_users.isEmpty() && m_stage != Stage::Leaving) {
+        m_stage = Stage::Leaving;
         deleteLater();
     }
     QDialog::done(result);
@@ -427,11 +405,10 @@ void TBtrHakuForm::showEvent(QShowEvent* event) {
 }
 
 bool TBtrHakuForm::event(QEvent* event) {
-    if (event->type() == QEvent::WindowActivate && m_created) {
-        const bool own = std::exchange(m_ownActivation, false);
-        if (m_activatedOnce && !own && !choosing())
+    if (event->type() == QEvent::WindowActivate && m_view) {
+        const auto now = std::exchange(m_nextActivation, NextActivation::Rereads);
+        if (now == NextActivation::Rereads && !choosing)
             guarded([this] { refreshRows(false); });
-        m_activatedOnce = true;
     }
     return QDialog::event(event);
 }

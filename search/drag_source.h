@@ -5,9 +5,9 @@
 
 namespace search {
 
-/// The data of a drag: a text, and the name of the control it comes from.
+/// Drag data: a text and the name of the control it comes from.
 QMimeData* dragData(const QString& sourceName, const QString& text);
-/// Name of the control that a drag of this program comes from; empty for any other drag.
+/// Name of the control that the drag comes from; empty for drags of other programs.
 QString dragSource(const QMimeData& data);
 
 }  // namespace search

@@ -27,6 +27,34 @@ QString quoted(QString text) {
 
 }  // namespace
 
+SearchText asetaSuodatin(const QString& dropped, const QString& inEdit) {
+    const bool anywhere =
+        dropped.startsWith(QLatin1Char('*')) || inEdit.startsWith(QLatin1Char('#'));
+    return {anywhere ? dropped.mid(1) : dropped, anywhere};
+}
+
+bool isRecordSearch(const QString& dropped, bool onIndicator) {
+    return onIndicator || dropped.startsWith(QLatin1Char('*')) ||
+           dropped.startsWith(QLatin1Char('#'));
+}
+
+DropAction dropAction(const QString& text, const DropTarget& target) {
+    if (auto own = ownExpression(text))
+        return {DropAction::Kind::Filter, *own};
+    const QString name = splitOperator(text).value;
+    if (const auto& lookup = target.lookup; lookup && (!lookup->digitsOnly || isDigitText(name))) {
+        const bool asNumber = target.localKind && target.localKind != data::Kind::String &&
+                              isNumericText(name) && !lookup->digitsOnly;
+        if (!asNumber)
+            return {DropAction::Kind::Lookup, name};
+        return {DropAction::Kind::Filter,
+                dropExpression(lookup->localField, *target.localKind, text)};
+    }
+    if (!target.kind)
+        return {DropAction::Kind::RecordSearch};
+    return {DropAction::Kind::Filter, dropExpression(target.field, *target.kind, text)};
+}
+
 DroppedText splitOperator(const QString& text) {
     int length = 0;
     while (length < text.size() && length < kMaxOperator &&

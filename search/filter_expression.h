@@ -4,19 +4,51 @@
 #include <optional>
 
 #include "data/dictionary/field_cache_item.h"
+#include "search/column_lookup.h"
 
-/// Texts of filters: what a dropped text becomes, and how it goes together with the caller's own
-/// filter. Pure functions.
+/// Filter texts: what a dropped text becomes, and how the user's filter is combined with the
+/// caller's. Pure functions.
 namespace search {
 
-/// A dropped text taken apart.
+/// What a record-by-record search looks for.
+struct SearchText {
+    QString text;
+    bool anywhere = false;  ///< anywhere in the field; else at its start
+};
+/// A leading "*" of the dropped text, or a "#" at the start of the filter edit's text, asks for a
+/// match anywhere; the dropped text's first character is then left out.
+SearchText asetaSuodatin(const QString& dropped, const QString& inEdit);
+
+/// Whether a drop searches record by record whatever the column is.
+bool isRecordSearch(const QString& dropped, bool onIndicator);
+
+/// What a drop on a column does.
+struct DropAction {
+    enum class Kind {
+        Filter,       ///< `text` becomes the user's filter
+        Lookup,       ///< the column's lookup is searched for `text`
+        RecordSearch  ///< the column has no field: its shown texts are searched
+    };
+    Kind kind = Kind::Filter;
+    QString text = {};
+};
+/// The column that a text was dropped on.
+struct DropTarget {
+    QString field;                   ///< its name
+    std::optional<data::Kind> kind;  ///< nothing: a computed column
+    std::optional<ColumnLookup> lookup = {};
+    std::optional<data::Kind> localKind = {};  ///< of the lookup's local field
+};
+DropAction dropAction(const QString& text, const DropTarget& target);
+
+/// The parts of a dropped text.
 struct DroppedText {
     QString op;     ///< leading "<", ">" and "=", at most ten; "=" when there is none
     QString value;  ///< the rest
 };
 DroppedText splitOperator(const QString& text);
 
-/// A whole filter of the user's own: what follows a leading "!".
+/// A complete filter typed by the user: what follows a leading "!".
 std::optional<QString> ownExpression(const QString& text);
 
 /// Whether a text counts as a number: only "01234567890,.-+".
@@ -24,18 +56,18 @@ bool isNumericText(const QString& text);
 /// Only digits and "-".
 bool isDigitText(const QString& text);
 
-/// The condition that a text dropped on a data field makes: a numeric text on an integer field is
-/// compared unquoted, all else quoted, with "*" for a string field, so that beginnings match.
+/// The condition for a text dropped on a data field: a number on an integer field is not quoted,
+/// anything else is, with a "*" at the end for a string field, so that prefixes match.
 QString dropExpression(const QString& field, data::Kind kind, const QString& text);
 
-/// A condition on a quoted key value, as lookups make one each matching row.
+/// A condition on a quoted key value: one for each matching row of a lookup.
 QString lookupTerm(const QString& field, const QString& key);
 
-/// A condition on a text or number field that no record fulfils.
+/// A condition that no record fulfils; the field is a text or a number.
 QString noRecord(const QString& field);
 
-/// The table's filter: base and user filter, as passive records are hidden (`showPassive` false) or
-/// shown. Shown, the base filter goes, but for its central store condition.
+/// The table's filter from base and user filter. While passive records are shown, the base filter
+/// is left out except for its central store condition.
 QString composedFilter(const QString& base, const QString& user, bool showPassive);
 
 }  // namespace search

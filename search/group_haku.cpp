@@ -3,7 +3,6 @@
 #include <span>
 
 #include "app/company/connection_module.h"
-#include "search/only_instance.h"
 #include "search/product_settings.h"
 
 namespace search {
@@ -54,9 +53,9 @@ void GroupHakuForm::dropCaches() {
     readWebShopSettings();
 }
 
-CellColours GroupHakuForm::cellColours(const RecordRow& record, const GridColumn& column) const {
-    if (!m_coloured || record.flag(m_webShopFlag))
-        return TBtrHakuForm::cellColours(record, column);
+CellColours GroupHakuForm::cellColours(const GridRow& row, const GridColumn& column) const {
+    if (!m_coloured || row.flag(m_webShopFlag))
+        return TBtrHakuForm::cellColours(row, column);
     return {kNotInWebShop, {}};
 }
 
@@ -69,8 +68,7 @@ TTrHakuForm::TTrHakuForm(QWidget* parent)
 }
 
 TTrHakuForm* TTrHakuForm::instanssi(QWidget* parent) {
-    static QPointer<TTrHakuForm> only;
-    return onlyInstance(only, parent);
+    return onlyForm<TTrHakuForm>(parent);
 }
 
 TPrHakuForm::TPrHakuForm(QWidget* parent)
@@ -82,8 +80,7 @@ TPrHakuForm::TPrHakuForm(QWidget* parent)
 }
 
 TPrHakuForm* TPrHakuForm::instanssi(QWidget* parent) {
-    static QPointer<TPrHakuForm> only;
-    return onlyInstance(only, parent);
+    return onlyForm<TPrHakuForm>(parent);
 }
 
 std::vector<GridColumn> TPrHakuForm::defaultColumns() const {
@@ -113,8 +110,7 @@ TArHakuForm::TArHakuForm(QWidget* parent)
 }
 
 TArHakuForm* TArHakuForm::instanssi(QWidget* parent) {
-    static QPointer<TArHakuForm> only;
-    return onlyInstance(only, parent);
+    return onlyForm<TArHakuForm>(parent);
 }
 
 std::vector<GridColumn> TArHakuForm::defaultColumns() const {

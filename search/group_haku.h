@@ -4,9 +4,8 @@
 
 namespace search {
 
-/// What the three group windows have in common: they return "Nro", show the web shop flag as "K" or
-/// "E", and paint the rows of groups that are not in the web shop red, so that the user sees which
-/// groups the web shop does not show.
+/// Base of the three group windows: they return "Nro", show the web shop flag as "K" or "E", and
+/// paint the rows of groups that the web shop does not show red.
 class GroupHakuForm : public TBtrHakuForm {
     Q_OBJECT
   public:
@@ -16,14 +15,14 @@ class GroupHakuForm : public TBtrHakuForm {
         QString table;
         QString webShopFlag;
         QSize clientSize;
-        bool alwaysColoured;  ///< also while the web shop integration is not in use
+        bool alwaysColoured;  ///< even without the web shop integration
     };
 
   protected:
     GroupHakuForm(const Kind& kind, QWidget* parent);
 
     void afterOpen() override;
-    CellColours cellColours(const RecordRow& record, const GridColumn& column) const override;
+    CellColours cellColours(const GridRow& row, const GridColumn& column) const override;
     void dropCaches() override;
 
   private:
@@ -39,11 +38,11 @@ class TTrHakuForm : public GroupHakuForm {
     Q_OBJECT
   public:
     explicit TTrHakuForm(QWidget* parent = nullptr);
-    /// The program's one window of this kind, created when there is none. @throws data::DataError
+    /// The program's only window of this class, created on demand. @throws data::DataError
     static TTrHakuForm* instanssi(QWidget* parent = nullptr);
 };
 
-/// Main groups; painted whether or not the web shop integration is in use.
+/// Main groups; coloured with or without the web shop integration.
 class TPrHakuForm : public GroupHakuForm {
     Q_OBJECT
   public:

@@ -7,21 +7,21 @@
 
 namespace search {
 
-/// Which record stands at which place of a key, and the other way round, for all records of a
-/// table. Remembers a record every kStep places (about 1 KB each) as they become known, so that a
-/// place between them is found by counting along the key a short way.
+/// Maps places in a key's order to records and back, for all records of a table. Keeps every
+/// kStep-th record (about 1 KB each) once it is known; from there a place is found by counting a
+/// short distance along the key.
 class KeyPlaces {
   public:
     static constexpr qint64 kStep = 2048;
 
     explicit KeyPlaces(data::RecordFile& file, int key = 0) : m_file(&file), m_key(key) {}
 
-    /// Begins anew: another key, or another number of records.
+    /// Starts over with a key; counts the records again.
     void reset(int key);
     int key() const { return m_key; }
     qint64 count() const { return m_count; }
 
-    /// Learns one more place. @return false when all are known.
+    /// Reads the next kept record. @return false when there is none left.
     bool learn();
 
     /// The record at a place (0 is the first); nothing beyond the end.
@@ -29,7 +29,7 @@ class KeyPlaces {
     /// How many records stand before this one.
     qint64 placeOf(const data::StoredRecord& record);
 
-    /// Compares two places: by key value, then in the order of insertion.
+    /// Key order: by key value, then by order of insertion.
     int compare(const data::StoredRecord& a, const data::StoredRecord& b) const;
     /// The values of a record's key fields.
     data::KeyValues keyValues(const data::StoredRecord& record) const;

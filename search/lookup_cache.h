@@ -10,12 +10,11 @@
 
 namespace search {
 
-/// A window's view of another table: some fields of the record that has a key, read by that key the
-/// first time somebody asks and kept, the longest unused dropped first. A table that the company
-/// does not have counts as empty.
+/// Some fields of another table's records, read by key on first use and kept (least recently used
+/// dropped first). A table that the company does not have counts as empty.
 class LookupCache {
   public:
-    /// Records kept, found or not.
+    /// Lookups kept, including those that found nothing.
     static constexpr int kBound = 4096;
 
     using Row = std::vector<data::Value>;
@@ -28,7 +27,7 @@ class LookupCache {
     /// @throws data::DataError when the table cannot be read, or lacks a field.
     const Row* find(const data::KeyValues& values);
 
-    /// Reads everything afresh from now on.
+    /// Forgets what was read.
     void clear() { m_rows.clear(); }
     qsizetype size() const { return m_rows.size(); }
 

@@ -8,7 +8,7 @@ namespace search {
 
 namespace {
 
-// Which key of TUOTE holds what.
+// Keys of TUOTE.
 const QString kNumberKey = QStringLiteral("1");
 const QString kNameKey = QStringLiteral("5");
 
@@ -30,7 +30,7 @@ QString quantityText(double quantity, const StockUnit& unit, QChar decimalSepara
     const double settled = std::round(quantity * 1e6) / 1e6;
     const double whole = std::trunc(settled);
     const double left = std::abs((settled - whole) * unit.portionSize * unit.stockFactor);
-    // The part is shown without its sign: less than a whole unit missing has to show one.
+    // The part has no sign of its own, so a shortage of less than a unit gets it here.
     const QString sign = settled < 0 && whole == 0 ? QStringLiteral("-") : QString();
     return sign + data::formatNumber(QStringLiteral("0"), whole, decimalSeparator) +
            QStringLiteral("P ") +

@@ -7,18 +7,18 @@ namespace search {
 
 namespace {
 
-using Text = QString (ProductTexts::*)(const RecordRow&);
+using Text = QString (ProductTexts::*)(const GridRow&);
 
 struct Column {
     const char16_t* field;
     const char16_t* title;  // empty: the field's name
     int width;
     bool visible = true;
-    Text text = nullptr;  // none: the field's own text
+    Text text = nullptr;  // null: the field's own text
     bool alignRight = false;
 };
 
-/// The columns that stand before the other fields of the table.
+// Before the other fields of the table.
 constexpr Column kFirstColumns[] = {
     {u"NUMERO", u"Numero", 120},
     {u"RYHMA", u"Tuoteyhmä", 140, true, &ProductTexts::productGroup},
@@ -42,7 +42,7 @@ constexpr Column kFirstColumns[] = {
     {u"NIMIKASSALLA", u"Nimi kassalla", 220},
 };
 
-/// The columns behind the table's fields; their names are no fields of it.
+// After the fields of the table.
 constexpr Column kComputedColumns[] = {
     {u"Saldo", u"", 80, true, &ProductTexts::balance, true},
     {u"Tilattu", u"", 80, true, &ProductTexts::ordered, true},
@@ -60,7 +60,7 @@ GridColumn gridColumn(const Column& column, ProductTexts& texts) {
     result.visible = column.visible;
     result.alignRight = column.alignRight;
     if (column.text != nullptr)
-        result.text = [&texts, text = column.text](const RecordRow& product) {
+        result.text = [&texts, text = column.text](const GridRow& product) {
             return (texts.*text)(product);
         };
     return result;

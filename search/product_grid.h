@@ -7,7 +7,7 @@
 
 namespace search {
 
-/// The columns of the product window: the everyday ones first, then the other fields of the table
+/// The columns of the product window: the most used first, then the other fields of the table
 /// (`tableFields`, in their order), then the computed ones. `texts` must outlive them.
 std::vector<GridColumn> productGrid(std::vector<GridColumn> tableFields, ProductTexts& texts);
 

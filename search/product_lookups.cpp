@@ -52,7 +52,7 @@ std::optional<StockBalance> ProductLookups::stock(int store, const QString& prod
                         values[3].toDouble()};
 }
 
-// The stock record has room for one place; several may be written into it, apart by blanks.
+// One field, which may hold several places separated by blanks.
 QStringList ProductLookups::shelfPlaces(int store, const QString& product) {
     const LookupCache::Row* row = m_stock.find({store, product});
     return row == nullptr ? QStringList()

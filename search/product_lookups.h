@@ -7,27 +7,26 @@
 
 namespace search {
 
-/// What the product window shows from other tables, each record read by its key when a row that
-/// needs it is shown, and kept.
+/// What the product window shows from other tables, read by key when a row needs it, and cached.
 class ProductLookups {
   public:
     explicit ProductLookups(data::Database& database);
 
-    /// Names of groups and suppliers; empty when there is none of that key.
+    /// Names of groups and suppliers; empty when the key does not exist.
     QString productGroupName(qint64 number);
     QString mainGroupName(qint64 number);
     QString subGroupName(qint64 number);
     QString supplierName(const QString& code);
     /// Percent of a VAT class; 0 when there is no such class.
     double vatPercent(qint64 vatClass);
-    /// The product's stock in a store; nothing when the store has never had it.
+    /// The product's stock in a store; nothing when the store has no stock record of it.
     std::optional<StockBalance> stock(int store, const QString& product);
     /// The product's shelf places in a store.
     QStringList shelfPlaces(int store, const QString& product);
     /// The product's kind (TuoteLaji); 0 when it has none.
     qint64 productKind(const QString& product);
 
-    /// Reads everything afresh from now on.
+    /// Forgets what was read.
     void clear();
 
   private:

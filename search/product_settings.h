@@ -6,8 +6,8 @@
 
 namespace search {
 
-/// What the search windows of products and groups read from the settings table; docs/settings.md
-/// tells the administrator of each.
+/// Settings of the product and group search windows, from the settings table; docs/settings.md
+/// describes them.
 struct ProductSettings {
     int store = 1;  ///< the store whose stock is shown
     bool purchasePricesHidden = false;
@@ -17,7 +17,7 @@ struct ProductSettings {
 
 ProductSettings readProductSettings(data::Database& database);
 
-/// What the text of a yes-or-no setting means.
+/// Value of a yes-or-no setting: on unless empty, "0" or "false".
 bool isSettingOn(const QString& text);
 
 /// Whether the company sells in a web shop.

@@ -11,7 +11,7 @@ namespace search {
 namespace {
 
 const QString kShelfPlace = QStringLiteral("Hyllypaikka");
-constexpr int kStoreKey = 0;  // VARASTO TUOTE
+constexpr int kStoreKey = 0;  // VARASTO, TUOTE
 
 const uchar* bytesOf(const QByteArray& record) {
     return reinterpret_cast<const uchar*>(record.constData());
@@ -27,7 +27,7 @@ QSet<QString> productsByShelfPlace(data::Database& database, int store, const QS
 
     QSet<QString> products;
     const data::KeyValues storeOnly{store};
-    // @return false behind the store's records.
+    // @return false after the store's last record.
     const auto take = [&](const QByteArray& record) {
         if (stock->compare(kStoreKey, record, storeOnly) != 0)
             return false;

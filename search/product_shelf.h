@@ -7,9 +7,9 @@
 
 namespace search {
 
-/// Numbers of the products whose shelf place in a store matches a text: begins with it, or, after
-/// "<", ">", "<=", ">=" or "<>", compares so with its beginning. Case is ignored. Reads the store's
-/// stock records once.
+/// Numbers of the products whose shelf place in a store begins with a text; a leading "<", ">",
+/// "<=", ">=" or "<>" compares instead, as in a filter. Case is ignored. Reads all stock records of
+/// the store.
 QSet<QString> productsByShelfPlace(data::Database& database, int store, const QString& text);
 
 }  // namespace search

@@ -13,7 +13,7 @@ QChar decimalSeparator() {
     return QLocale().decimalPoint().front();
 }
 
-StockUnit stockUnit(const RecordRow& product) {
+StockUnit stockUnit(const GridRow& product) {
     return {product.text(QStringLiteral("VARASTOYKS")), product.number(QStringLiteral("ANNOSKOKO")),
             product.number(QStringLiteral("VARASTOKERROIN"))};
 }
@@ -22,7 +22,7 @@ QString moneyText(double price) {
     return data::formatNumber(QStringLiteral("#0.00"), price, decimalSeparator());
 }
 
-QString productNumber(const RecordRow& product) {
+QString productNumber(const GridRow& product) {
     return product.text(QStringLiteral("NUMERO"));
 }
 
@@ -36,81 +36,80 @@ void ProductTexts::reread(ProductSettings settings) {
     m_lookups.clear();
 }
 
-QString ProductTexts::productGroup(const RecordRow& product) {
+QString ProductTexts::productGroup(const GridRow& product) {
     return m_lookups.productGroupName(product.integer(QStringLiteral("RYHMA")));
 }
 
-QString ProductTexts::mainGroup(const RecordRow& product) {
+QString ProductTexts::mainGroup(const GridRow& product) {
     return m_lookups.mainGroupName(product.integer(QStringLiteral("PAARYHMA")));
 }
 
-QString ProductTexts::subGroup(const RecordRow& product) {
+QString ProductTexts::subGroup(const GridRow& product) {
     return m_lookups.subGroupName(product.integer(QStringLiteral("AliRyhma")));
 }
 
-QString ProductTexts::supplier(const RecordRow& product) {
+QString ProductTexts::supplier(const GridRow& product) {
     return m_lookups.supplierName(product.text(QStringLiteral("TOIMITTAJA")));
 }
 
-std::optional<StockBalance> ProductTexts::stock(const RecordRow& product) {
+std::optional<StockBalance> ProductTexts::stock(const GridRow& product) {
     if (!m_stockShown)
         return std::nullopt;
     return m_lookups.stock(m_settings.store, productNumber(product));
 }
 
-QString ProductTexts::quantity(const RecordRow& product, double (*part)(const StockBalance&)) {
+QString ProductTexts::quantity(const GridRow& product, double (*part)(const StockBalance&)) {
     const std::optional<StockBalance> found = stock(product);
     return found ? quantityText(part(*found), stockUnit(product), decimalSeparator()) : QString();
 }
 
-QString ProductTexts::balance(const RecordRow& product) {
+QString ProductTexts::balance(const GridRow& product) {
     return quantity(product, [](const StockBalance& stock) { return stock.balance; });
 }
 
-QString ProductTexts::ordered(const RecordRow& product) {
+QString ProductTexts::ordered(const GridRow& product) {
     return quantity(product, [](const StockBalance& stock) { return stock.ordered; });
 }
 
-QString ProductTexts::reserved(const RecordRow& product) {
+QString ProductTexts::reserved(const GridRow& product) {
     return quantity(product, [](const StockBalance& stock) { return stock.reserved; });
 }
 
-QString ProductTexts::free(const RecordRow& product) {
+QString ProductTexts::free(const GridRow& product) {
     return quantity(product, &freeQuantity);
 }
 
-QString ProductTexts::situation(const RecordRow& product) {
+QString ProductTexts::situation(const GridRow& product) {
     const std::optional<StockBalance> found = stock(product);
     return found ? stockSituationText(*found, stockUnit(product), decimalSeparator()) : QString();
 }
 
-QString ProductTexts::shelfPlaces(const RecordRow& product) {
+QString ProductTexts::shelfPlaces(const GridRow& product) {
     return m_lookups.shelfPlaces(m_settings.store, productNumber(product)).join(QLatin1Char(' '));
 }
 
-QString ProductTexts::priceWithoutVat(const RecordRow& product) {
+QString ProductTexts::priceWithoutVat(const GridRow& product) {
     return priceWithoutVatText(product.number(QStringLiteral("HINTA")),
                                m_lookups.vatPercent(product.integer(QStringLiteral("LVV"))),
                                decimalSeparator());
 }
 
-bool ProductTexts::purchasePriceShown(const RecordRow& product) const {
+bool ProductTexts::purchasePriceShown(const GridRow& product) const {
     return !m_settings.purchasePricesHidden && !product.flag(QStringLiteral("OstohintaEiNay"));
 }
 
-QString ProductTexts::lastPurchasePrice(const RecordRow& product) {
+QString ProductTexts::lastPurchasePrice(const GridRow& product) {
     return purchasePriceShown(product) ? moneyText(product.number(QStringLiteral("VIIMOSTOHINTA")))
                                        : QString();
 }
 
-QString ProductTexts::averagePurchasePrice(const RecordRow& product) {
+QString ProductTexts::averagePurchasePrice(const GridRow& product) {
     return purchasePriceShown(product) ? moneyText(product.number(QStringLiteral("KESKIHINTA")))
                                        : QString();
 }
 
-// The purchase price is the average one, as everywhere in the program where none is said to be the
-// last.
-QString ProductTexts::purchasePriceWithoutVat(const RecordRow& product) {
+// "Purchase price" without "last" means the average one throughout the program.
+QString ProductTexts::purchasePriceWithoutVat(const GridRow& product) {
     if (!purchasePriceShown(product))
         return {};
     return priceWithoutVatText(product.number(QStringLiteral("KESKIHINTA")),

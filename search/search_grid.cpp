@@ -16,6 +16,17 @@ const QString kDropSource = QStringLiteral("Suodatin");
 constexpr int kIndicatorWidth = 16;
 constexpr int kWheelStep = 120;
 
+bool isFilterText(const QDropEvent& event) {
+    return dragSource(*event.mimeData()) == kDropSource;
+}
+
+void answer(QDropEvent& event, bool accept) {
+    if (accept)
+        event.acceptProposedAction();
+    else
+        event.ignore();
+}
+
 // The indicator column: a triangle at the current row.
 class Indicator : public QHeaderView {
   public:
@@ -47,8 +58,7 @@ class Indicator : public QHeaderView {
     QTableView* m_grid;
 };
 
-// Cells with colours of their own keep them when their row is selected; the focused cell never
-// shows them.
+// Coloured cells keep their colour in a selected row; the focused cell is never coloured.
 class ColouredCells : public QStyledItemDelegate {
   public:
     ColouredCells(QTableView* grid, SearchGrid::Colours colours)
@@ -116,7 +126,7 @@ void SearchGrid::mousePressEvent(QMouseEvent* event) {
 
 void SearchGrid::mouseMoveEvent(QMouseEvent* event) {
     if (!m_mayDrag || !(event->buttons() & Qt::LeftButton))
-        return;  // rows are not selected by moving the mouse: that drags
+        return;  // moving the mouse drags, it does not select
     if ((event->position().toPoint() - m_pressed).manhattanLength() < kDragDistance)
         return;
     m_mayDrag = false;
@@ -141,69 +151,49 @@ void SearchGrid::wheelEvent(QWheelEvent* event) {
         QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
-// --- drops: only from a filter edit, and only on a cell or the indicator
+// --- drops: only from the filter edit, only on a cell or the indicator
 
 void SearchGrid::dragEnterEvent(QDragEnterEvent* event) {
-    if (dragSource(*event->mimeData()) == kDropSource)
-        event->acceptProposedAction();
-    else
-        event->ignore();
+    answer(*event, isFilterText(*event));
 }
 
 void SearchGrid::dragMoveEvent(QDragMoveEvent* event) {
-    const bool mine = dragSource(*event->mimeData()) == kDropSource;
-    if (mine && indexAt(event->position().toPoint()).isValid())
-        event->acceptProposedAction();
-    else
-        event->ignore();
+    answer(*event, isFilterText(*event) && indexAt(event->position().toPoint()).isValid());
 }
 
 void SearchGrid::dropEvent(QDropEvent* event) {
     const QModelIndex cell = indexAt(event->position().toPoint());
-    if (dragSource(*event->mimeData()) != kDropSource || !cell.isValid()) {
-        event->ignore();
+    take(*event, cell.isValid(), cell.column());
+}
+
+void SearchGrid::take(QDropEvent& event, bool onRow, int column) {
+    answer(event, onRow && isFilterText(event));
+    if (!event.isAccepted())
         return;
-    }
-    event->acceptProposedAction();
-    // After the drag has ended: what follows may show windows.
-    const QString text = event->mimeData()->text();
-    const int column = cell.column();
+    // After the drag has ended, because the receiver may open windows.
     QMetaObject::invokeMethod(
-        this, [this, text, column] { Q_EMIT textDropped(text, column); }, Qt::QueuedConnection);
+        this, [this, text = event.mimeData()->text(), column] { Q_EMIT textDropped(text, column); },
+        Qt::QueuedConnection);
 }
 
 bool SearchGrid::eventFilter(QObject* watched, QEvent* event) {
+    const auto onRow = [this](const QDropEvent& drop) {
+        return verticalHeader()->logicalIndexAt(drop.position().toPoint()) >= 0;
+    };
     if (watched != verticalHeader()->viewport())
         return QTableView::eventFilter(watched, event);
-    switch (event->type()) {
-        case QEvent::DragEnter:
-            dragEnterEvent(static_cast<QDragEnterEvent*>(event));
-            return true;
-        case QEvent::DragMove: {
-            auto* move = static_cast<QDragMoveEvent*>(event);
-            const int row = verticalHeader()->logicalIndexAt(move->position().toPoint());
-            if (row >= 0 && dragSource(*move->mimeData()) == kDropSource)
-                move->acceptProposedAction();
-            else
-                move->ignore();
-            return true;
-        }
-        case QEvent::Drop: {
-            auto* drop = static_cast<QDropEvent*>(event);
-            const int row = verticalHeader()->logicalIndexAt(drop->position().toPoint());
-            if (row < 0 || dragSource(*drop->mimeData()) != kDropSource) {
-                drop->ignore();
-                return true;
-            }
-            drop->acceptProposedAction();
-            const QString text = drop->mimeData()->text();
-            QMetaObject::invokeMethod(
-                this, [this, text] { Q_EMIT textDropped(text, -1); }, Qt::QueuedConnection);
-            return true;
-        }
-        default:
-            return QTableView::eventFilter(watched, event);
+    if (event->type() == QEvent::DragEnter) {
+        dragEnterEvent(static_cast<QDragEnterEvent*>(event));
+    } else if (event->type() == QEvent::DragMove) {
+        auto& move = static_cast<QDragMoveEvent&>(*event);
+        answer(move, isFilterText(move) && onRow(move));
+    } else if (event->type() == QEvent::Drop) {
+        auto& drop = static_cast<QDropEvent&>(*event);
+        take(drop, onRow(drop), -1);
+    } else {
+        return QTableView::eventFilter(watched, event);
     }
+    return true;
 }
 
 }  // namespace search

@@ -9,18 +9,18 @@
 
 namespace search {
 
-/// The grid of a search window: whole rows, several at a time, read only. Rows are dragged out of
-/// it with the left button; the wheel moves the current row. The narrow column at the left shows
-/// the current row.
+/// The grid of a search window: read only, selects whole rows, several at a time. Rows are dragged
+/// with the left button; the wheel moves the current row; the indicator column at the left marks
+/// it.
 class SearchGrid : public QTableView {
     Q_OBJECT
   public:
     explicit SearchGrid(QWidget* parent = nullptr);
 
-    /// Pixels that the mouse moves before a drag begins.
+    /// Pixels the mouse must move to start a drag.
     static constexpr int kDragDistance = 5;
 
-    /// The colours of a cell; asked while it is painted.
+    /// The colours of a cell; called while it is painted.
     using Colours = std::function<CellColours(int row, int column)>;
     void setColours(Colours colours);
 
@@ -40,9 +40,11 @@ class SearchGrid : public QTableView {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    void take(QDropEvent& event, bool onRow, int column);
+
     QPoint m_pressed;
     bool m_mayDrag = false;
-    int m_wheel = 0;  // eighths of a degree not yet turned into rows
+    int m_wheel = 0;  // eighths of a degree left over
 };
 
 }  // namespace search

@@ -1,5 +1,6 @@
 #include "search/table_model.h"
 
+#include <QScopeGuard>
 #include <algorithm>
 #include <limits>
 
@@ -12,8 +13,8 @@ using data::StoredRecord;
 namespace {
 
 constexpr int kIdleSliceMs = 10;
-constexpr int kFirstRowsMs = 30;  // for the rows of the first screen, before it is painted
-constexpr int kWantMs = 15;       // for rows that come into sight
+constexpr int kFirstRowsMs = 30;  // for the first screen, before it is painted
+constexpr int kWantMs = 15;       // for rows scrolled into view
 constexpr int kFirstRows = 64;
 constexpr int kProgressMs = 100;
 
@@ -67,7 +68,7 @@ int TableModel::columnOf(const QString& field) const {
     return found == m_columns.end() ? -1 : static_cast<int>(found - m_columns.begin());
 }
 
-// The record of a row, from the pages kept; null while it is not known.
+// The record of a row, through the page cache; null while it is not known.
 const StoredRecord* TableModel::find(qint64 row) const {
     const qint64 number = row / kPageRows;
     Page* page = m_pages.object(number);
@@ -77,7 +78,7 @@ const StoredRecord* TableModel::find(qint64 row) const {
             m_blanksShown = true;
             return nullptr;
         }
-        // The page from its first known row on: rows before that one stay empty records.
+        // Rows of the page before its first known one stay empty records.
         qint64 first = number * kPageRows;
         auto fresh = std::make_unique<Page>();
         while (!m_rows.isKnown(first)) {
@@ -105,7 +106,7 @@ const StoredRecord* TableModel::find(qint64 row) const {
     return &(*page)[place];
 }
 
-// Once for all cells of the rows: painting must not bring a dialog a cell.
+// Once for all rows: painting must not open a dialog for every cell.
 void TableModel::tellFailure(const QString& text) const {
     if (m_failureTold)
         return;
@@ -137,8 +138,8 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
         return QString();
     if (column.text) {
         try {
-            return column.text(RecordRow(m_table.layout(), *found));
-        } catch (const data::DataError& error) {  // of another table that the column reads
+            return column.text(GridRow(m_table.layout(), *found));
+        } catch (const data::DataError& error) {  // from another table that the column reads
             tellFailure(framework::errorText(error));
             return QString();
         }
@@ -159,7 +160,7 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
         return {};
     const GridColumn& shown = column(section);
     if (role == Qt::DisplayRole)
-        return shown.title.isEmpty() ? shown.field : shown.title;
+        return shown.heading();
     if (role == Qt::ToolTipRole)
         return shown.field;
     if (role == Qt::TextAlignmentRole)
@@ -169,45 +170,61 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
 
 // --- other rows
 
-void TableModel::learnFirstRows() {
+// One slice; more only while the first screen is not full.
+void TableModel::learnFirstRows(ViewRows& rows) {
     const QDeadlineTimer deadline(kFirstRowsMs);
-    RecordRows::Change change;
-    if (!m_rows.isPlain()) {
-        // One slice, and more only while there is nothing to show.
-        bool more = m_rows.learn(QDeadlineTimer(0), change);
-        while (more && !deadline.hasExpired() && !m_rows.isKnown(kFirstRows))
-            more = m_rows.learn(QDeadlineTimer(0), change);
-    }
+    ViewRows::Change change;
+    bool more = !rows.isPlain() && rows.learn(QDeadlineTimer(0), change);
+    while (more && !deadline.hasExpired() && !rows.isKnown(kFirstRows))
+        more = rows.learn(QDeadlineTimer(0), change);
 }
 
-void TableModel::show(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept) {
-    RecordRows fresh(m_table.file());
-    fresh.show(key, std::move(range), std::move(accept));
-    m_recheck.reset();
-    beginResetModel();
-    m_rows = std::move(fresh);
-    learnFirstRows();
-    restarted();
-    endResetModel();
-    Q_EMIT countChanged();
+void TableModel::show(int key, std::optional<KeyRange> range, RowTest test) {
+    ViewRows fresh(m_table.file());
+    fresh.show(key, std::move(range), std::move(test));
+    learnFirstRows(fresh);
+    takeRows(std::move(fresh));
 }
 
-bool TableModel::search(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept,
+bool TableModel::search(int key, std::optional<KeyRange> range, RowTest test,
                         const std::function<bool(double)>& goOn) {
-    RecordRows fresh(m_table.file());
-    fresh.show(key, std::move(range), std::move(accept));
+    ViewRows fresh(m_table.file());
+    fresh.show(key, std::move(range), std::move(test));
     if (!fresh.learnAll(goOn))
         return false;
-    m_recheck.reset();
-    beginResetModel();
-    m_rows = std::move(fresh);
-    restarted();
-    endResetModel();
-    Q_EMIT countChanged();
+    takeRows(std::move(fresh));
     return true;
 }
 
-// All rows are others: within a reset.
+void TableModel::takeRows(ViewRows&& rows) {
+    replaceRows([&] {
+        m_rows = std::move(rows);
+        m_recheck.reset();
+    });
+}
+
+// Replaces all rows in a reset, which ends also when reading fails.
+void TableModel::replaceRows(const std::function<void()>& work) {
+    beginResetModel();
+    const auto end = qScopeGuard([this] {
+        restarted();
+        endResetModel();
+        Q_EMIT countChanged();
+    });
+    work();
+}
+
+// Walks until a row is known, for a short time.
+ViewRows::Change TableModel::learnUntil(const std::function<qint64()>& row) {
+    ViewRows::Change change;
+    const QDeadlineTimer deadline(kWantMs);
+    while (!m_rows.isKnown(row()) && m_rows.learn(QDeadlineTimer(0), change) &&
+           !deadline.hasExpired()) {
+    }
+    return change;
+}
+
+// After all rows were replaced, within a reset.
 void TableModel::restarted() {
     m_pages.clear();
     m_failureTold = false;
@@ -217,19 +234,12 @@ void TableModel::restarted() {
 }
 
 int TableModel::toRow(std::optional<qint64> row, bool wasRestarted) {
-    if (wasRestarted) {
-        beginResetModel();
-        RecordRows::Change change;
-        const QDeadlineTimer deadline(kWantMs);
-        while (!m_rows.isKnown(row.value_or(0)) && m_rows.learn(QDeadlineTimer(0), change) &&
-               !deadline.hasExpired()) {
-        }
-        if (row)
-            row = *row + change.before;
-        restarted();
-        endResetModel();
-        Q_EMIT countChanged();
-    }
+    if (wasRestarted)
+        replaceRows([&] {
+            const ViewRows::Change change = learnUntil([&] { return row.value_or(0); });
+            if (row)
+                row = *row + change.before;
+        });
     if (!row || m_rowCount == 0)
         return -1;
     return std::min(asRow(*row), m_rowCount - 1);
@@ -248,18 +258,12 @@ int TableModel::nearest(const data::KeyValues& values) {
 }
 
 int TableModel::lastRow() {
-    if (!m_rows.isCountExact() && !m_rows.isKnown(m_rows.count() - 1)) {
-        m_rows.startAtEnd();
-        beginResetModel();
-        RecordRows::Change change;
-        const QDeadlineTimer deadline(kWantMs);
-        while (!m_rows.isKnown(m_rows.count() - 1) && m_rows.learn(QDeadlineTimer(0), change) &&
-               !deadline.hasExpired()) {
-        }
-        restarted();
-        endResetModel();
-        Q_EMIT countChanged();
-    }
+    const auto last = [this] { return m_rows.count() - 1; };
+    if (!m_rows.isCountExact() && !m_rows.isKnown(last()))
+        replaceRows([&] {
+            m_rows.startAtEnd();
+            learnUntil(last);
+        });
     return m_rowCount - 1;
 }
 
@@ -269,22 +273,16 @@ bool TableModel::want(int first, int last, bool mayRestart) {
     if (m_rowCount == 0 || (m_rows.isKnown(first) && m_rows.isKnown(last)))
         return false;
     if (!mayRestart || m_rows.isKnown(first) || m_rows.isKnown(last)) {
-        // Next to the known rows: a moment of walking mostly brings them.
-        RecordRows::Change change;
+        // Next to the known rows: walking on for a moment usually reaches them.
+        ViewRows::Change change;
         m_rows.learn(QDeadlineTimer(kWantMs), change);
         apply(change);
         return false;
     }
-    beginResetModel();
-    m_rows.startAtRow(first);
-    RecordRows::Change change;
-    const QDeadlineTimer deadline(kWantMs);
-    while (!m_rows.isKnown(last) && m_rows.learn(QDeadlineTimer(0), change) &&
-           !deadline.hasExpired()) {
-    }
-    restarted();
-    endResetModel();
-    Q_EMIT countChanged();
+    replaceRows([&] {
+        m_rows.startAtRow(first);
+        learnUntil([last] { return last; });
+    });
     return true;
 }
 
@@ -297,25 +295,20 @@ void TableModel::reread() {
 void TableModel::recheck() {
     if (m_rows.isPlain())
         return;
-    RecordRows fresh(m_table.file());
-    fresh.show(m_rows.key(), m_rows.range(), m_rows.accept());
+    ViewRows fresh(m_table.file());
+    fresh.show(m_rows.key(), m_rows.range(), m_rows.test());
     m_recheck = std::move(fresh);
     m_idle.start();
 }
 
 void TableModel::showRechecked() {
     Q_ASSERT(m_recheck && m_recheck->isCountExact());
-    beginResetModel();
-    m_rows = std::move(*m_recheck);
-    m_recheck.reset();
-    restarted();
-    endResetModel();
-    Q_EMIT countChanged();
+    takeRows(ViewRows(std::move(*m_recheck)));
 }
 
-// @return whether there is more to walk.
+// @return whether the walk is unfinished.
 bool TableModel::learnRechecked(const QDeadlineTimer& deadline) {
-    RecordRows::Change ignored;
+    ViewRows::Change ignored;
     if (m_recheck->learn(deadline, ignored))
         return true;
     if (m_recheck->hasSameRows(m_rows))
@@ -328,7 +321,7 @@ bool TableModel::learnRechecked(const QDeadlineTimer& deadline) {
 void TableModel::learnAll() {
     bool more = true;
     while (more) {
-        RecordRows::Change change;
+        ViewRows::Change change;
         more = m_rows.learn(QDeadlineTimer(kProgressMs), change);
         apply(change);
     }
@@ -337,7 +330,7 @@ void TableModel::learnAll() {
 // --- idle time
 
 void TableModel::idle() {
-    RecordRows::Change change;
+    ViewRows::Change change;
     bool more = false;
     try {
         const QDeadlineTimer slice(kIdleSliceMs);
@@ -356,8 +349,8 @@ void TableModel::idle() {
     apply(change);
 }
 
-// Tells what became of the row numbers.
-void TableModel::apply(const RecordRows::Change& change) {
+// Announces a change of the row numbers.
+void TableModel::apply(const ViewRows::Change& change) {
     if (change.before != 0) {
         m_pages.clear();
         const int by = asRow(std::llabs(change.before));

@@ -9,20 +9,19 @@
 
 #include "data/record/tb_table.h"
 #include "search/grid_column.h"
-#include "search/record_rows.h"
+#include "search/view_rows.h"
 
 namespace search {
 
-/// The rows of a search grid over an open record table: pages by key, keeps at most kPages pages of
-/// records, and learns what it need not know at once (row numbers behind a filter, places along the
-/// key) in slices of idle time. Rows that are not known yet are blank.
+/// The item model of a search grid over an open record table. Reads rows in pages, keeps at most
+/// kPages of them, and walks filtered views in slices of idle time. Rows not known yet are blank.
 class TableModel : public QAbstractTableModel {
     Q_OBJECT
   public:
     static constexpr int kPageRows = 64;
     static constexpr int kPages = 48;
 
-    /// The table must be open and live on.
+    /// The table must be open and outlive the model.
     explicit TableModel(data::TtbTable& table, QObject* parent = nullptr);
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -33,16 +32,18 @@ class TableModel : public QAbstractTableModel {
     void setColumns(std::vector<GridColumn> columns);
     const std::vector<GridColumn>& columns() const { return m_columns; }
     const GridColumn& column(int place) const { return m_columns[static_cast<size_t>(place)]; }
+    /// The table's field of a column; nullptr for a computed column.
+    const data::TField* field(int place) const { return m_fields[static_cast<size_t>(place)]; }
     int columnOf(const QString& field) const;  ///< -1: none; case ignored
 
-    /// Shows other rows; selection and current row go. @throws data::DataError; the rows stay then.
-    void show(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept);
-    /// The same, walking all records at once; `goOn`, called some times a second with the share
-    /// done (0 to 1), breaks off by false: then nothing has changed. @return whether all was
-    /// walked.
-    bool search(int key, std::optional<RecordRows::Range> range, RecordRows::Accept accept,
+    /// Shows other rows; clears selection and current row. @throws data::DataError; the rows stay
+    /// then.
+    void show(int key, std::optional<KeyRange> range, RowTest test);
+    /// The same, walking all records at once. `goOn`, called some times a second with the share
+    /// done (0 to 1), cancels by returning false. @return false when cancelled: the rows stay then.
+    bool search(int key, std::optional<KeyRange> range, RowTest test,
                 const std::function<bool(double)>& goOn);
-    const RecordRows& rows() const { return m_rows; }
+    const ViewRows& rows() const { return m_rows; }
     bool isCountExact() const { return m_rows.isCountExact(); }
 
     /// The record of a row; nothing while it is not known.
@@ -53,23 +54,21 @@ class TableModel : public QAbstractTableModel {
     int nearest(const data::KeyValues& values);
     /// The last row, made known. -1 when there is none.
     int lastRow();
-    /// Makes rows known that somebody wants to see, as far as that is quickly done. With
-    /// `mayRestart`, rows far from the known ones replace all rows (a reset). @return whether it
-    /// did.
+    /// Makes visible rows known as far as a few milliseconds allow. With `mayRestart`, a walk for
+    /// rows far from the known ones starts over there (a reset). @return whether it did.
     bool want(int first, int last, bool mayRestart);
-    /// Reads the records anew, keeping row numbers.
+    /// Rereads the records, keeping row numbers.
     void reread();
-    /// Walks a view that is not plain anew in idle time, beside the rows shown, and tells
-    /// outdated() when it has found others: what was changed elsewhere comes in or goes, and where
-    /// nothing was, the rows stay as they are.
+    /// Walks a filtered view again in idle time, beside the rows shown, and emits outdated() when
+    /// it found other records. Without changes the rows stay as they are.
     void recheck();
-    /// Shows what recheck() has found; selection and current row go.
+    /// Shows what recheck() has found; clears selection and current row.
     void showRechecked();
-    /// Walks on until every row is known, however long it takes.
+    /// Walks until every row is known, however long that takes.
     void learnAll();
 
   Q_SIGNALS:
-    /// So many rows were inserted (or, negative, taken away) before the known ones.
+    /// Rows were inserted (negative: removed) before the known ones.
     void rowsShifted(int by);
     void countChanged();
     void outdated();
@@ -81,21 +80,24 @@ class TableModel : public QAbstractTableModel {
     using Page = std::vector<data::StoredRecord>;
 
     const data::StoredRecord* find(qint64 row) const;
-    void apply(const RecordRows::Change& change);
+    void apply(const ViewRows::Change& change);
     void idle();
     bool learnRechecked(const QDeadlineTimer& deadline);
     void restarted();
-    void learnFirstRows();
+    static void learnFirstRows(ViewRows& rows);
+    ViewRows::Change learnUntil(const std::function<qint64()>& row);
+    void takeRows(ViewRows&& rows);
+    void replaceRows(const std::function<void()>& work);
     int toRow(std::optional<qint64> row, bool wasRestarted);
     void tellFailure(const QString& text) const;
 
     data::TtbTable& m_table;
     std::vector<GridColumn> m_columns;
     std::vector<const data::TField*> m_fields;  // by column; null: computed
-    mutable RecordRows m_rows;
-    std::optional<RecordRows> m_recheck;  // the same view, walked anew
+    mutable ViewRows m_rows;
+    std::optional<ViewRows> m_recheck;  // the same view, walked again
     int m_rowCount = 0;
-    qint64 m_offset = 0;  // from the row numbers told to m_rows', while a change is being told
+    qint64 m_offset = 0;  // from told row numbers to m_rows', while a change is announced
     mutable QCache<qint64, Page> m_pages;
     mutable bool m_blanksShown = false;
     mutable bool m_failureTold = false;

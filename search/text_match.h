@@ -8,25 +8,25 @@
 
 namespace search {
 
-/// Whether a field of a record holds a text: at the start of the field's text, or anywhere. Case is
-/// ignored. Text fields are matched on their bytes, all others by the text that is shown.
+/// Searches a field for a text, at the start of the field or anywhere, ignoring case. Text fields
+/// are compared by bytes, others by the text that is shown.
 class TextMatch {
   public:
     TextMatch(const QString& text, bool anywhere);
 
-    /// Matches a text field's bytes of Windows-1252.
+    /// A text field's bytes, in Windows-1252.
     bool matchesBytes(QByteArrayView bytes) const;
     bool matchesText(const QString& shown) const;
 
-    /// A test of records by one of their fields. The table must live on, open.
+    /// Tests records by one of their fields. The table must stay open.
     std::function<bool(const QByteArray& record)> onField(const data::TtbTable& table,
                                                           const QString& field) const;
 
   private:
     QString m_text;
     bool m_anywhere;
-    bool m_possible;       // in Windows-1252 at all
-    QByteArray m_weights;  // of the text's bytes
+    bool m_possible;       // the text exists in Windows-1252
+    QByteArray m_weights;  // case-folded bytes of the text
 };
 
 }  // namespace search

@@ -4,7 +4,7 @@
 #include <QKeyEvent>
 
 #include "app/company/connection_module.h"
-#include "search/only_instance.h"
+#include "data/record/record_codec.h"
 #include "search/product_grid.h"
 #include "search/product_shelf.h"
 
@@ -18,16 +18,11 @@ const QString kShelfPlaceColumn = QStringLiteral("Hyllypaikka");
 
 constexpr QSize kDefaultSize(960, 600);
 
-QPointer<TTuoteHakuForm>& onlyForm() {
-    static QPointer<TTuoteHakuForm> only;
-    return only;
-}
-
 bool sameField(const QString& a, const char* b) {
     return a.compare(QLatin1String(b), Qt::CaseInsensitive) == 0;
 }
 
-/// The row of a window's layout that a control stands in.
+// The row of the window's layout that holds a control.
 QBoxLayout* rowOf(QWidget* control, QLayout* layout) {
     for (int i = 0; i < layout->count(); ++i) {
         auto* row = qobject_cast<QBoxLayout*>(layout->itemAt(i)->layout());
@@ -69,7 +64,7 @@ void TTuoteHakuForm::addStockBox() {
 }
 
 TTuoteHakuForm* TTuoteHakuForm::instanssi(QWidget* parent) {
-    return onlyInstance(onlyForm(), parent);
+    return onlyForm<TTuoteHakuForm>(parent);
 }
 
 void TTuoteHakuForm::NaytaLomake(QWidget* parent) {
@@ -80,8 +75,8 @@ void TTuoteHakuForm::NaytaLomake(QWidget* parent) {
 }
 
 void TTuoteHakuForm::SuljeHaku() {
-    if (!onlyForm().isNull())
-        onlyForm()->close();
+    if (TTuoteHakuForm* form = onlyForm<TTuoteHakuForm>())
+        form->close();
 }
 
 qint64 TTuoteHakuForm::tuotelaji(const QString& product) {
@@ -130,7 +125,7 @@ std::optional<ColumnLookup> TTuoteHakuForm::columnLookup(const QString& field) c
 }
 
 bool TTuoteHakuForm::dropOnColumn(const QString& text, const GridColumn& column) {
-    // A whole expression of the user's own needs no column.
+    // A complete filter expression does not depend on the column.
     if (column.field != kShelfPlaceColumn || text.startsWith(QLatin1Char('!')))
         return TBtrHakuForm::dropOnColumn(text, column);
     searchShelfPlace(text);
@@ -140,9 +135,14 @@ bool TTuoteHakuForm::dropOnColumn(const QString& text, const GridColumn& column)
 void TTuoteHakuForm::searchShelfPlace(const QString& text) {
     QSet<QString> products =
         productsByShelfPlace(company::companyDatabase(), m_texts->settings().store, text);
-    searchRecords([this, products = std::move(products)](const data::StoredRecord& record) {
-        return products.contains(RecordRow(recordLayout(), record).text(QStringLiteral("NUMERO")));
-    });
+    const data::TFieldCacheItem& number =
+        recordLayout().field(recordLayout().indexOf(QStringLiteral("NUMERO")));
+    searchRecords(
+        [&number, products = std::move(products)](data::RecordId, const QByteArray& bytes) {
+            return products.contains(
+                data::readText(number, reinterpret_cast<const uchar*>(bytes.constData())));
+        },
+        text);
 }
 
 bool TTuoteHakuForm::filterKey(QKeyEvent& event) {

@@ -16,17 +16,17 @@ class TTuoteHakuForm : public TBtrHakuForm {
     explicit TTuoteHakuForm(QWidget* parent = nullptr);
     ~TTuoteHakuForm() override;
 
-    /// The program's one product window, created when there is none. @throws data::DataError
+    /// The program's only product window, created on demand. @throws data::DataError
     static TTuoteHakuForm* instanssi(QWidget* parent = nullptr);
-    /// Shows instanssi() in front.
+    /// Shows instanssi() and brings it to the front.
     static void NaytaLomake(QWidget* parent = nullptr);
     /// Closes the window when there is one.
     static void SuljeHaku();
 
-    /// Whether the stock columns show anything. Kept with the layout.
+    /// Whether the stock columns are filled. Saved with the layout.
     QCheckBox* NaytaSaldot;
 
-    /// The product's kind, from the further product data.
+    /// The product's kind (TUOTE2).
     qint64 tuotelaji(const QString& product);
 
   protected:

@@ -42,17 +42,17 @@ WaitWindow::WaitWindow(QWidget* owner)
 bool WaitWindow::goOn(double share) {
     m_progress->setValue(static_cast<int>(share * kSteps));
     QCoreApplication::processEvents();
-    return !m_brokenOff;
+    return !m_cancelled;
 }
 
 void WaitWindow::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape)
-        m_brokenOff = true;
+        m_cancelled = true;
     event->accept();
 }
 
 void WaitWindow::closeEvent(QCloseEvent* event) {
-    m_brokenOff = true;
+    m_cancelled = true;
     event->ignore();
 }
 

@@ -7,13 +7,13 @@
 
 namespace search {
 
-/// The window shown during a search record by record: "Haku käynnissä", how far it has come, and
-/// Escape breaks off.
+/// The window shown during a record-by-record search: "Haku käynnissä", progress, and Escape to
+/// cancel.
 class WaitWindow : public QWidget {
     Q_OBJECT
   public:
     explicit WaitWindow(QWidget* owner);
-    /// Shows how much is done (0 to 1) and takes key presses. @return false when broken off.
+    /// Shows the share done (0 to 1) and processes events. @return false when cancelled.
     bool goOn(double share);
 
   protected:
@@ -23,7 +23,7 @@ class WaitWindow : public QWidget {
   private:
     framework::CloseDeferral m_ownerStaysOpen;
     QProgressBar* m_progress;
-    bool m_brokenOff = false;
+    bool m_cancelled = false;
 };
 
 }  // namespace search

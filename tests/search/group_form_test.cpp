@@ -7,35 +7,25 @@
 
 namespace {
 
-QString str(const char* text) {
-    return QString::fromUtf8(text);
-}
+using test::str;
 
 class GroupForms : public ::testing::Test {
   protected:
     GroupForms() {
-        for (const char* sql :
-             {"insert into TRYHMA (Nro, Nimi, OnWebKaupassa) values (10, 'Juomat', 1)",
-              "insert into TRYHMA (Nro, Nimi, OnWebKaupassa) values (20, 'Tupakka', 0)",
-              "insert into TRYHMA (Nro, Nimi, OnWebKaupassa) values (30, 'Lehdet', 0)",
-              "insert into PRYHMA (NRO, nimi, tili, OnWebKaupassa, WebKauppaJarjestys) "
-              "values (1, 'Elintarvikkeet', '3000', 1, 10)",
-              "insert into PRYHMA (NRO, nimi, OnWebKaupassa) values (2, 'Palvelut', 0)",
-              "insert into PRYHMA (NRO, nimi, OnWebKaupassa) values (3, 'Muut', 0)",
-              "insert into ALIRYHMA (Nro, Nimi, TuoteRyhma, Verkkokaupassa) "
-              "values (1001, 'Kahvit', 10, 1)",
-              "insert into ALIRYHMA (Nro, Nimi, TuoteRyhma, Verkkokaupassa) "
-              "values (2001, 'Sikarit', 20, 0)",
-              "insert into ALIRYHMA (Nro, Nimi, TuoteRyhma, Verkkokaupassa) "
-              "values (2002, 'Nuuska', 20, 0)"})
-            m_shop.exec(str(sql));
+        for (const char* groups :
+             {"TRYHMA (Nro, Nimi, OnWebKaupassa) values (10, 'Juomat', 1)",
+              "TRYHMA (Nro, Nimi, OnWebKaupassa) values (20, 'Tupakka', 0)",
+              "TRYHMA (Nro, Nimi, OnWebKaupassa) values (30, 'Lehdet', 0)",
+              "PRYHMA (NRO, nimi, OnWebKaupassa) values (1, 'Elintarvikkeet', 1)",
+              "PRYHMA (NRO, nimi, OnWebKaupassa) values (2, 'Palvelut', 0)",
+              "PRYHMA (NRO, nimi, OnWebKaupassa) values (3, 'Muut', 0)",
+              "ALIRYHMA (Nro, Nimi, Verkkokaupassa) values (1001, 'Kahvit', 1)",
+              "ALIRYHMA (Nro, Nimi, Verkkokaupassa) values (2001, 'Sikarit', 0)",
+              "ALIRYHMA (Nro, Nimi, Verkkokaupassa) values (2002, 'Nuuska', 0)"})
+            m_shop.exec(str("insert into ") + str(groups));
     }
-    void useWebShop() {
-        m_shop.exec(str("insert into ini values ('ZAV.INI', 'VERKKOKAUPPA', 'Kaytossa', '1')"));
-    }
-
-    /// The colour of each cell's lower left corner (no text and no frame there), by rows: 'R' for
-    /// pure red, '.' for anything else.
+    /// Which cells are red in their lower left corner, where no text is, by rows: 'R' or '.'. The
+    /// focus frame may tint a cell.
     static QString redCells(search::TBtrHakuForm& form) {
         QTableView& grid = *form.DBGrid1;
         grid.horizontalScrollBar()->setValue(0);
@@ -47,7 +37,8 @@ class GroupForms : public ::testing::Test {
             for (int column = 0; column < 4; ++column) {
                 const QRect cell = grid.visualRect(grid.model()->index(row, column));
                 const QPoint place(cell.left() + 2, cell.bottom() - 3);
-                cells += image.pixelColor(place) == QColor(255, 0, 0) ? u'R' : u'.';
+                const QColor colour = image.pixelColor(place);
+                cells += colour.red() > 2 * std::max(colour.green(), colour.blue()) ? u'R' : u'.';
             }
             rows += cells;
         }
@@ -59,123 +50,50 @@ class GroupForms : public ::testing::Test {
 };
 
 TEST_F(GroupForms, RowsOutsideTheWebShopAreRedButTheFocusedCell) {
-    useWebShop();
-    const auto check = [](search::TBtrHakuForm& form) {
+    const auto check = [](search::TBtrHakuForm&& form, int row, int column, const char* red) {
         test::showForm(form);
         form.resize(900, 400);
         form.DBGrid1->setFocus();
-        QApplication::processEvents();
-        form.DBGrid1->setCurrentIndex(form.model().index(0, 0));
-        EXPECT_EQ(redCells(form).toStdString(), "....|RRRR|RRRR")
-            << form.objectName().toStdString();
-        form.DBGrid1->setCurrentIndex(form.model().index(1, 2));
-        EXPECT_EQ(redCells(form).toStdString(), "....|RR.R|RRRR")
-            << form.objectName().toStdString();
-    };
-    search::TTrHakuForm productGroups;
-    check(productGroups);
-    search::TPrHakuForm mainGroups;
-    check(mainGroups);
-    search::TArHakuForm subGroups;
-    check(subGroups);
-}
-
-TEST_F(GroupForms, WithoutTheWebShopOnlyMainGroupsAreRed) {
-    const auto check = [](search::TBtrHakuForm& form, const char* red) {
-        test::showForm(form);
-        form.resize(900, 400);
-        form.DBGrid1->setCurrentIndex(form.model().index(0, 0));
+        form.DBGrid1->setCurrentIndex(form.model().index(row, column));
         EXPECT_EQ(redCells(form).toStdString(), red) << form.objectName().toStdString();
     };
-    search::TTrHakuForm productGroups;
-    check(productGroups, "....|....|....");
-    search::TPrHakuForm mainGroups;
-    check(mainGroups, "....|RRRR|RRRR");
-    search::TArHakuForm subGroups;
-    check(subGroups, "....|....|....");
+    check(search::TTrHakuForm(), 0, 0, "....|....|....");
+    check(search::TPrHakuForm(), 0, 0, "....|RRRR|RRRR");
+    check(search::TArHakuForm(), 0, 0, "....|....|....");
+    m_shop.exec(str("insert into ini values ('ZAV.INI', 'VERKKOKAUPPA', 'Kaytossa', '1')"));
+    check(search::TTrHakuForm(), 1, 2, "....|RR.R|RRRR");
+    check(search::TPrHakuForm(), 1, 2, "....|RR.R|RRRR");
+    check(search::TArHakuForm(), 2, 0, "....|RRRR|.RRR");
 }
 
-TEST_F(GroupForms, ColumnsAndCaptions) {
-    search::TPrHakuForm mainGroups;
-    EXPECT_EQ(mainGroups.windowTitle().toStdString(), "Pääryhmän haku");
-    QStringList shown;
-    QStringList hidden;
-    for (int column = 0; column < mainGroups.model().columnCount(); ++column) {
-        const QString field = mainGroups.model().column(column).field;
-        (mainGroups.DBGrid1->isColumnHidden(column) ? hidden : shown).append(field);
-    }
-    EXPECT_EQ(shown.join(u' ').toStdString(),
-              "NRO nimi tili OnWebKaupassa WebKauppaJarjestys MuutosPvm MuutosKlo Nimi2 "
-              "KeittioRyhma");
-    EXPECT_EQ(hidden.join(u' ').toStdString(), "Osasto RyhmaTyyppi Jemma");
-    EXPECT_EQ(test::columnTexts(mainGroups, str("OnWebKaupassa")).join(u' ').toStdString(),
-              "K E E");
+TEST_F(GroupForms, WindowsAndColumns) {
+    company::userSettings()->clear();  // places of windows that other tests have closed
+    const auto check = [](const search::TBtrHakuForm& form, const char* caption, QSize size,
+                          const char* flag, const char* columns) {
+        EXPECT_EQ(form.windowTitle().toStdString(), caption);
+        EXPECT_EQ(form.width(), size.width()) << caption;
+        EXPECT_EQ(form.height(), size.height()) << caption;
+        EXPECT_EQ(form.resultField(), str("Nro")) << caption;
+        EXPECT_EQ(test::columnTexts(form, str(flag)), QStringList({"K", "E", "E"})) << caption;
+        QStringList fields;
+        for (int i = 0; i < form.model().columnCount(); ++i)
+            fields.append((form.DBGrid1->isColumnHidden(i) ? str("-") : str("")) +
+                          form.model().column(i).field);
+        if (columns != nullptr) {
+            EXPECT_EQ(fields.join(u' ').toStdString(), columns);
+        } else {
+            EXPECT_EQ(fields.size(), 41) << "every field of the table";
+        }
+    };
+    const search::TPrHakuForm mainGroups;
+    check(mainGroups, "Pääryhmän haku", {512, 470}, "OnWebKaupassa",
+          "NRO nimi tili OnWebKaupassa WebKauppaJarjestys MuutosPvm MuutosKlo -Osasto Nimi2 "
+          "-RyhmaTyyppi -Jemma KeittioRyhma");
     EXPECT_EQ(mainGroups.model().headerData(3, Qt::Horizontal, Qt::DisplayRole).toString(),
               str("Verkkokaupassa"));
-
-    search::TArHakuForm subGroups;
-    EXPECT_EQ(subGroups.windowTitle().toStdString(), "Aliryhmän haku");
-    EXPECT_EQ(subGroups.model().columnCount(), 4);
-    EXPECT_EQ(test::columnTexts(subGroups, str("Verkkokaupassa")).join(u' ').toStdString(),
-              "K E E");
-
-    search::TTrHakuForm productGroups;
-    EXPECT_EQ(productGroups.windowTitle().toStdString(), "Tuoteryhmän haku");
-    EXPECT_EQ(productGroups.model().columnCount(), 41);  // every field of the table
-    EXPECT_EQ(test::columnTexts(productGroups, str("OnWebKaupassa")).join(u' ').toStdString(),
-              "K E E");
-}
-
-TEST_F(GroupForms, ClientSizes) {
-    company::userSettings()->clear();  // places of windows that other tests have closed
-    search::TTrHakuForm productGroups;
-    EXPECT_EQ(productGroups.width(), 360);
-    search::TPrHakuForm mainGroups;
-    EXPECT_EQ(mainGroups.size(), QSize(512, 470));
-    search::TArHakuForm subGroups;
-    EXPECT_EQ(subGroups.size(), QSize(505, 336));
-}
-
-TEST_F(GroupForms, ChoiceGivesTheGroupNumber) {
-    QString chosen;
-    search::TArHakuForm form;
-    form.setChooseHandler([&](QTableView* sender, const data::TtbTable& record) {
-        EXPECT_EQ(sender, form.DBGrid1);
-        chosen = record.fieldByName(form.resultField()).asString();
-    });
-    form.Jatahakuauki->setChecked(true);
-    test::showForm(form);
-    const QRect cell = form.DBGrid1->visualRect(form.model().index(1, 1));
-    QTest::mouseClick(form.DBGrid1->viewport(), Qt::LeftButton, {}, cell.center());
-    QTest::mouseDClick(form.DBGrid1->viewport(), Qt::LeftButton, {}, cell.center());
-    EXPECT_EQ(chosen.toStdString(), "2001");
-    EXPECT_TRUE(form.isVisible());
-
-    form.Jatahakuauki->setChecked(false);
-    form.DBGrid1->setFocus();
-    QTest::keyClick(form.DBGrid1, Qt::Key_Down);
-    QTest::keyClick(form.DBGrid1, Qt::Key_Return);
-    EXPECT_EQ(chosen.toStdString(), "2002");
-    EXPECT_FALSE(form.isVisible());
-}
-
-TEST_F(GroupForms, OneInstanceUntilItIsDestroyed) {
-    QWidget owner;
-    search::TTrHakuForm* first = search::TTrHakuForm::instanssi(&owner);
-    EXPECT_EQ(search::TTrHakuForm::instanssi(&owner), first);
-    first->lisaaKayttaja(str("Koe"));
-    first->show();
-    first->close();  // kept for its user
-    EXPECT_EQ(search::TTrHakuForm::instanssi(&owner), first);
-
-    first->poistaKayttaja(str("Koe"));
-    first->show();
-    first->close();
-    search::TTrHakuForm* second = search::TTrHakuForm::instanssi(&owner);
-    EXPECT_NE(second, first);
-    delete second;
-    QPointer<search::TTrHakuForm> third = search::TTrHakuForm::instanssi(&owner);
-    EXPECT_FALSE(third.isNull());
+    check(search::TArHakuForm(), "Aliryhmän haku", {505, 336}, "Verkkokaupassa",
+          "Nro Nimi TuoteRyhma Verkkokaupassa");
+    check(search::TTrHakuForm(), "Tuoteryhmän haku", {360, 450}, "OnWebKaupassa", nullptr);
 }
 
 }  // namespace

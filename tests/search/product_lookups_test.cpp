@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "search/lookup_cache.h"
-#include "search/product_lookups.h"
 #include "search/product_settings.h"
 #include "tests/support/shop_company.h"
 
@@ -13,8 +12,7 @@ QString str(const char* text) {
     return QString::fromUtf8(text);
 }
 
-class ProductLookups : public ::testing::Test {
-  protected:
+struct ProductLookups : ::testing::Test {
     test::ShopCompany m_shop;
 };
 
@@ -53,56 +51,24 @@ TEST_F(ProductLookups, TableOrFieldThatTheCompanyLacks) {
     EXPECT_THROW(wrong.find({1}), data::DataError);
 }
 
-TEST_F(ProductLookups, WhatAProductRowShowsFromOtherTables) {
-    for (const char* sql :
-         {"insert into TRYHMA (Nro, Nimi) values (7, 'Seitsemäs')",
-          "insert into PRYHMA (NRO, nimi) values (7, 'Päällimmäinen')",
-          "insert into ALIRYHMA (Nro, Nimi) values (70007, 'Alimmainen')",
-          "insert into TOIMITTAJA (Tunnus, Nimi) values ('AB1', 'Tukku Oy')",
-          "insert into TUOTE2 (Numero, Tuotelaji) values ('100', 4)",
-          "insert into VARSALDO (VARASTO, TUOTE, SALDO, ODOTUS, TILATTU, VARATTU, Hyllypaikka) "
-          "values (1, '100', 5, 1, 2, 3, 'A1-2  B3')",
-          "insert into VARSALDO (VARASTO, TUOTE, SALDO) values (2, '100', 9)"})
-        m_shop.exec(str(sql));
-    search::ProductLookups lookups(m_shop.database());
-    EXPECT_EQ(lookups.productGroupName(7).toStdString(), "Seitsemäs");
-    EXPECT_EQ(lookups.mainGroupName(7).toStdString(), "Päällimmäinen");
-    EXPECT_EQ(lookups.subGroupName(70007).toStdString(), "Alimmainen");
-    EXPECT_EQ(lookups.supplierName(str("AB1")).toStdString(), "Tukku Oy");
-    EXPECT_EQ(lookups.supplierName(str("AB")).toStdString(), "");
-    EXPECT_EQ(lookups.vatPercent(6), 25.5);
-    EXPECT_EQ(lookups.vatPercent(99), 0);
-    EXPECT_EQ(lookups.productKind(str("100")), 4);
-    EXPECT_EQ(lookups.productKind(str("101")), 0);
-
-    const auto stock = lookups.stock(1, str("100"));
-    ASSERT_TRUE(stock);
-    EXPECT_EQ(stock->balance, 5);
-    EXPECT_EQ(stock->waiting, 1);
-    EXPECT_EQ(stock->ordered, 2);
-    EXPECT_EQ(stock->reserved, 3);
-    EXPECT_EQ(lookups.shelfPlaces(1, str("100")), QStringList({str("A1-2"), str("B3")}));
-    EXPECT_EQ(lookups.stock(2, str("100"))->balance, 9);
-    EXPECT_FALSE(lookups.stock(3, str("100")));
-    EXPECT_TRUE(lookups.shelfPlaces(2, str("100")).isEmpty());
-}
-
 TEST_F(ProductLookups, SettingsOfTheSettingsTable) {
-    search::ProductSettings settings = search::readProductSettings(m_shop.database());
-    EXPECT_EQ(settings.store, 1);
-    EXPECT_FALSE(settings.purchasePricesHidden);
-    EXPECT_FALSE(settings.webShopInUse);
-    EXPECT_EQ(settings.priceFormat.toStdString(), "#######.##");
-
+    const auto is = [&](int store, bool hidden, bool webShop, const char* format) {
+        const search::ProductSettings found = search::readProductSettings(m_shop.database());
+        EXPECT_EQ(found.store, store);
+        EXPECT_EQ(found.purchasePricesHidden, hidden);
+        EXPECT_EQ(found.webShopInUse, webShop);
+        EXPECT_EQ(found.priceFormat.toStdString(), format);
+    };
+    is(1, false, false, "#######.##");
     for (const char* values :
          {"'ASETUKSIA', 'Myymala', ' 12 '", "'ASETUKSIA', 'OstoHintaEiNay', '1'",
           "'ASETUKSIA', 'Tuotehintamuoto', '##.###'", "'VERKKOKAUPPA', 'Kaytossa', 'K'"})
         m_shop.exec(QStringLiteral("insert into ini values ('ZAV.INI', %1)").arg(str(values)));
-    settings = search::readProductSettings(m_shop.database());
-    EXPECT_EQ(settings.store, 12);
-    EXPECT_TRUE(settings.purchasePricesHidden);
-    EXPECT_TRUE(settings.webShopInUse);
-    EXPECT_EQ(settings.priceFormat.toStdString(), "##.###");
+    is(12, true, true, "##.###");
+    const std::pair<const char*, bool> texts[] = {{"", false}, {"0", false}, {" False ", false},
+                                                  {"1", true}, {"K", true},  {"on", true}};
+    for (const auto& [text, on] : texts)
+        EXPECT_EQ(search::isSettingOn(str(text)), on) << text;
 }
 
 }  // namespace

@@ -10,6 +10,10 @@
 
 namespace test {
 
+inline QString str(const char* text) {
+    return QString::fromUtf8(text);
+}
+
 /// What a cell of a search window shows; fails when there is no such column.
 inline QString cellText(const search::TBtrHakuForm& form, int row, const QString& field) {
     const int column = form.model().columnOf(field);

@@ -6,11 +6,11 @@
 
 namespace search {
 
-/// One record of the browsed table, read by field name (case ignored). A view: the layout and the
-/// record must live on. A field that the table lacks reads as the empty value.
-class RecordRow {
+/// Reads a row of the browsed table by field name (case ignored); a missing field reads as empty.
+/// Holds references: layout and record must outlive it.
+class GridRow {
   public:
-    RecordRow(const data::RecordLayout& layout, const data::StoredRecord& record)
+    GridRow(const data::RecordLayout& layout, const data::StoredRecord& record)
         : m_layout(&layout), m_record(&record) {}
 
     data::Value value(const QString& field) const;  ///< invalid when the table has no such field

@@ -1,11 +1,11 @@
-#include "search/record_row.h"
+#include "search/grid_row.h"
 
 #include "data/record/record_codec.h"
 #include "data/record/value_conversion.h"
 
 namespace search {
 
-data::Value RecordRow::value(const QString& field) const {
+data::Value GridRow::value(const QString& field) const {
     const int index = m_layout->indexOf(field);
     if (index < 0 || m_record->bytes.isEmpty())
         return {};
@@ -13,19 +13,19 @@ data::Value RecordRow::value(const QString& field) const {
                            reinterpret_cast<const uchar*>(m_record->bytes.constData()));
 }
 
-qint64 RecordRow::integer(const QString& field) const {
+qint64 GridRow::integer(const QString& field) const {
     return data::valueToInteger(value(field));
 }
 
-double RecordRow::number(const QString& field) const {
+double GridRow::number(const QString& field) const {
     return data::valueToFloat(value(field));
 }
 
-bool RecordRow::flag(const QString& field) const {
+bool GridRow::flag(const QString& field) const {
     return data::valueToBoolean(value(field));
 }
 
-QString RecordRow::text(const QString& field) const {
+QString GridRow::text(const QString& field) const {
     const int index = m_layout->indexOf(field);
     return index < 0 ? QString() : data::valueToText(m_layout->field(index), value(field));
 }

@@ -1,4 +1,4 @@
-#include "search/record_rows.h"
+#include "search/view_rows.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 
 #include "data/record/record_codec.h"
 #include "data/record/tb_table.h"
-#include "search/record_row.h"
+#include "search/grid_row.h"
 #include "search/table_model.h"
 #include "tests/support/shop_company.h"
 
@@ -19,12 +19,16 @@ using data::StoredRecord;
 
 namespace {
 
+QString str(const char* text) {
+    return QString::fromUtf8(text);
+}
+
 constexpr int kProducts = 6000;  // some steps of KeyPlaces, and many walks' slices
 
-class RecordRowsTest : public ::testing::Test {
+class ViewRowsTest : public ::testing::Test {
   protected:
-    RecordRowsTest() {
-        m_file = m_company.database().openTable(QStringLiteral("TUOTE"));
+    ViewRowsTest() {
+        m_file = m_company.database().openTable(str("TUOTE"));
         const data::RecordLayout& layout = m_file->layout();
         m_company.database().inTransaction([&] {
             QByteArray empty(layout.recordLength(), '\0');
@@ -34,13 +38,10 @@ class RecordRowsTest : public ::testing::Test {
                 QByteArray record = empty;
                 auto* raw = reinterpret_cast<uchar*>(record.data());
                 // Numbers and names in another order than that of insertion; many equal names.
-                data::writeText(
-                    field("NUMERO"), raw,
-                    QStringLiteral("%1").arg((i * 7919) % kProducts, 5, 10, QLatin1Char('0')),
-                    QStringLiteral("TUOTE"));
-                data::writeText(field("NIMI"), raw, QStringLiteral("N%1").arg(i % 37),
-                                QStringLiteral("TUOTE"));
-                data::writeInteger(field("RYHMA"), raw, i % 10, QStringLiteral("TUOTE"));
+                const QString number = str("%1").arg((i * 7919) % kProducts, 5, 10, QChar(u'0'));
+                data::writeText(field("NUMERO"), raw, number, str("TUOTE"));
+                data::writeText(field("NIMI"), raw, str("N%1").arg(i % 37), str("TUOTE"));
+                data::writeInteger(field("RYHMA"), raw, i % 10, str("TUOTE"));
                 m_file->insert(record);
             }
         });
@@ -51,8 +52,8 @@ class RecordRowsTest : public ::testing::Test {
     }
 
     // The rows that a plain walk of the key finds.
-    std::vector<data::RecordId> expected(int key, const std::optional<RecordRows::Range>& range,
-                                         const RecordRows::Accept& accept) const {
+    std::vector<data::RecordId> expected(int key, const std::optional<KeyRange>& range,
+                                         const RowTest& accept) const {
         std::vector<data::RecordId> ids;
         for (const StoredRecord& record : m_file->fromEnd(key, Direction::Forward, kProducts)) {
             if (range && (m_file->compare(key, record.bytes, range->low) < 0 ||
@@ -64,7 +65,7 @@ class RecordRowsTest : public ::testing::Test {
         return ids;
     }
 
-    RecordRows::Accept groupBelow(int bound) const {
+    RowTest groupBelow(int bound) const {
         return [this, bound](data::RecordId, const QByteArray& bytes) {
             return data::readInteger(field("RYHMA"),
                                      reinterpret_cast<const uchar*>(bytes.constData())) < bound;
@@ -76,7 +77,7 @@ class RecordRowsTest : public ::testing::Test {
 };
 
 // What the engine counts along a key is what a walk record by record counts.
-TEST_F(RecordRowsTest, SkippingAndCountingAgreeWithWalking) {
+TEST_F(ViewRowsTest, SkippingAndCountingAgreeWithWalking) {
     std::mt19937 random(4);
     for (const int key : {0, 1, 5}) {
         const std::vector<StoredRecord> all = m_file->fromEnd(key, Direction::Forward, kProducts);
@@ -114,13 +115,13 @@ TEST_F(RecordRowsTest, SkippingAndCountingAgreeWithWalking) {
 
 // Wherever the walk begins and however it goes on, it ends with the same rows, and what it calls
 // known on the way is right relative to its first known row.
-TEST_F(RecordRowsTest, EveryWalkEndsWithTheSameRows) {
-    const RecordRows::Range names{{QStringLiteral("N2")}, {QStringLiteral("N2ú")}};
-    const RecordRows::Range nothing{{QStringLiteral("X")}, {QStringLiteral("Y")}};
+TEST_F(ViewRowsTest, EveryWalkEndsWithTheSameRows) {
+    const KeyRange names{{str("N2")}, {str("N2ú")}};
+    const KeyRange nothing{{str("X")}, {str("Y")}};
     const struct {
         int key;
-        std::optional<RecordRows::Range> range;
-        RecordRows::Accept accept;
+        std::optional<KeyRange> range;
+        RowTest accept;
     } views[] = {
         {0, std::nullopt, {}},
         {5, std::nullopt, groupBelow(3)},
@@ -134,14 +135,14 @@ TEST_F(RecordRowsTest, EveryWalkEndsWithTheSameRows) {
     for (const auto& view : views) {
         const std::vector<data::RecordId> all = expected(view.key, view.range, view.accept);
         for (int start = 0; start < 4; ++start) {
-            RecordRows rows(*m_file);
+            ViewRows rows(*m_file);
             rows.show(view.key, view.range, view.accept);
             if (start == 1)
                 rows.startAtEnd();
             else if (start > 1 && rows.count() > 0)
                 rows.startAtRow(
                     static_cast<qint64>(random() % static_cast<unsigned>(rows.count())));
-            RecordRows::Change change;
+            ViewRows::Change change;
             qint64 count = rows.count();
             bool more = true;
             while (more) {
@@ -164,50 +165,71 @@ TEST_F(RecordRowsTest, EveryWalkEndsWithTheSameRows) {
     }
 }
 
+// A model over all products, held to the rules of item models.
+struct Model {
+    Model() : table(opened()), model(*table), tester(&model, kFatal) {
+        model.setColumns({{str("NUMERO"), {}}, {str("RYHMA"), {}}});
+    }
+    static std::unique_ptr<data::TtbTable> opened() {
+        auto table = std::make_unique<data::TtbTable>();
+        company::openCompanyTable(*table, str("TUOTE"));
+        return table;
+    }
+    std::string number(int row) const {
+        return model.index(row, 0).data().toString().toStdString();
+    }
+
+    static constexpr auto kFatal = QAbstractItemModelTester::FailureReportingMode::Fatal;
+    std::unique_ptr<data::TtbTable> table;
+    TableModel model;
+    QAbstractItemModelTester tester;
+};
+
 // A place looked for before the count is known is shown at once, and turns exact later.
-TEST_F(RecordRowsTest, PlacesBeforeTheCountIsKnown) {
-    data::TtbTable table;
-    company::openCompanyTable(table, QStringLiteral("TUOTE"));
-    TableModel model(table);
-    const QAbstractItemModelTester tester(&model,
-                                          QAbstractItemModelTester::FailureReportingMode::Fatal);
-    model.setColumns({{QStringLiteral("NUMERO"), {}}, {QStringLiteral("RYHMA"), {}}});
-    model.show(0, std::nullopt, groupBelow(5));
-    const auto number = [&model](int row) { return model.index(row, 0).data().toString(); };
-    EXPECT_EQ(number(0), QStringLiteral("00000"));
-    int row = model.nearest({QStringLiteral("03000")});
-    ASSERT_GE(row, 0);
-    QPersistentModelIndex place(model.index(row, 0));
-    const QString shown = number(row);
-    EXPECT_GE(shown, QStringLiteral("03000"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return model.isCountExact(); }));
+TEST_F(ViewRowsTest, PlacesBeforeTheCountIsKnown) {
+    Model shown;
+    TableModel& model = shown.model;
     const std::vector<data::RecordId> all = expected(0, std::nullopt, groupBelow(5));
+    model.show(0, std::nullopt, groupBelow(5));
+    EXPECT_EQ(shown.number(0), "00000");
+    const int row = model.nearest({str("03000")});
+    ASSERT_GE(row, 0);
+    const std::string found = shown.number(row);
+    EXPECT_GE(found, "03000");
+    const QPersistentModelIndex place(model.index(row, 0));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return model.isCountExact(); }));
     EXPECT_EQ(model.rowCount(), static_cast<int>(all.size()));
-    EXPECT_EQ(place.data().toString(), shown);
+    EXPECT_EQ(shown.number(place.row()), found);
     EXPECT_EQ(model.record(place.row())->id, all[static_cast<size_t>(place.row())]);
 
     model.show(0, std::nullopt, groupBelow(5));
     model.want(model.rowCount() - 3, model.rowCount() - 1, true);
-    row = model.lastRow();
-    EXPECT_EQ(model.record(row)->id, all.back());
+    EXPECT_EQ(model.record(model.lastRow())->id, all.back());
     ASSERT_TRUE(QTest::qWaitFor([&] { return model.isCountExact(); }));
     EXPECT_EQ(model.record(model.rowCount() - 1)->id, all.back());
 }
 
+TEST_F(ViewRowsTest, RowsStayWhenOthersCannotBeRead) {
+    Model shown;
+    shown.model.show(0, std::nullopt, {});
+    const RowTest broken = [](data::RecordId, const QByteArray&) -> bool {
+        throw data::DataError(data::ErrorKind::Io, str("TUOTE"), {});
+    };
+    EXPECT_THROW(shown.model.show(0, std::nullopt, broken), data::DataError);
+    EXPECT_EQ(shown.model.rowCount(), kProducts);
+    EXPECT_EQ(shown.number(7), "00007");
+}
+
 // A record that another program removes leaves a blank row, not a wrong one.
-TEST_F(RecordRowsTest, RemovedRecordsAreBlankUntilRefreshed) {
-    data::TtbTable table;
-    company::openCompanyTable(table, QStringLiteral("TUOTE"));
-    TableModel model(table);
-    model.setColumns({{QStringLiteral("NUMERO"), {}}});
-    model.show(0, std::nullopt, groupBelow(5));
-    model.learnAll();
-    const data::RecordId gone = model.record(2)->id;
-    const QString next = model.index(3, 0).data().toString();
-    m_file->remove(gone);
-    model.reread();
-    EXPECT_EQ(model.index(2, 0).data().toString(), QString());
-    EXPECT_EQ(model.index(3, 0).data().toString(), next);
+TEST_F(ViewRowsTest, RemovedRecordsAreBlankUntilRefreshed) {
+    Model shown;
+    shown.model.show(0, std::nullopt, groupBelow(5));
+    shown.model.learnAll();
+    const std::string next = shown.number(3);
+    m_file->remove(shown.model.record(2)->id);
+    shown.model.reread();
+    EXPECT_EQ(shown.number(2), "");
+    EXPECT_EQ(shown.number(3), next);
 }
 
 }  // namespace

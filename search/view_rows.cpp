@@ -1,4 +1,4 @@
-#include "search/record_rows.h"
+#include "search/view_rows.h"
 
 #include <QElapsedTimer>
 #include <algorithm>
@@ -14,13 +14,13 @@ using data::StoredRecord;
 
 namespace {
 
-// Records looked at between two looks at the clock.
+// Records between two looks at the clock.
 constexpr int kSlice = 256;
 constexpr int kBatch = 16384;
 constexpr int kIdBatch = 65536;
 constexpr size_t kHints = size_t{1} << 23;  // bits
 constexpr int kTellMs = 40;
-// An estimate that is off by less than this share is left alone, so that the scroll bar stays calm.
+// Smaller errors of an estimate are not corrected, so that the scroll bar does not jitter.
 constexpr double kTolerance = 0.15;
 constexpr qint64 kSmallestCorrection = 64;
 constexpr int kWarmLevels = 10;
@@ -28,20 +28,20 @@ constexpr size_t kMostProbes = 4096;  // about 1 KB each
 
 }  // namespace
 
-void RecordRows::show(int key, std::optional<Range> range, Accept accept) {
+void ViewRows::show(int key, std::optional<KeyRange> range, RowTest test) {
     if (range && !range->low.empty()) {
-        m_file->seek(key, SeekOp::GreaterOrEqual, range->low, 1);  // throws for values of no use
+        m_file->seek(key, SeekOp::GreaterOrEqual, range->low, 1);  // throws for bad values
         m_file->seek(key, SeekOp::Greater, range->high, 1);
     }
     m_range = std::move(range);
-    m_accept = std::move(accept);
+    m_test = std::move(test);
     m_places.reset(key);
     limits();
     beginFromStart();
 }
 
-// The places of the range's ends.
-void RecordRows::limits() {
+// The places of the range's two ends.
+void ViewRows::limits() {
     m_low = 0;
     m_high = m_places.count();
     if (!m_range)
@@ -53,7 +53,7 @@ void RecordRows::limits() {
     m_high = std::max(m_high, m_low);
 }
 
-void RecordRows::beginFromStart() {
+void ViewRows::beginFromStart() {
     m_ids.clear();
     m_probes.clear();
     m_first.reset();
@@ -65,7 +65,7 @@ void RecordRows::beginFromStart() {
     m_endReached = m_high == m_low;
     if (!m_range || m_endReached)
         return;
-    // The walk goes on after a record, so the range's first one is taken here.
+    // The walk continues after a record, so the range's first one is taken here.
     const auto low = m_file->seek(key(), SeekOp::GreaterOrEqual, m_range->low, 1);
     m_endReached = low.empty() || side(low.front().bytes) != 0;
     if (m_endReached) {
@@ -76,8 +76,8 @@ void RecordRows::beginFromStart() {
     m_after = std::max<qint64>(m_high - m_endPlace, 0);
 }
 
-// Begins the walk at a record of the range.
-void RecordRows::begin(const StoredRecord& first, qint64 itsPlace) {
+// Restarts the walk at a record of the range.
+void ViewRows::begin(const StoredRecord& first, qint64 itsPlace) {
     const double share =
         m_endPlace > m_firstPlace && !m_ids.empty()
             ? static_cast<double>(m_ids.size()) / static_cast<double>(m_endPlace - m_firstPlace)
@@ -94,15 +94,15 @@ void RecordRows::begin(const StoredRecord& first, qint64 itsPlace) {
     m_first = first;
 }
 
-bool RecordRows::isWanted(RecordId id, const QByteArray& bytes) const {
-    return (!m_accept || m_accept(id, bytes)) && side(bytes) == 0;
+bool ViewRows::isWanted(RecordId id, const QByteArray& bytes) const {
+    return (!m_test || m_test(id, bytes)) && side(bytes) == 0;
 }
 
-bool RecordRows::isAccepted(const StoredRecord& record) const {
-    return !m_accept || m_accept(record.id, record.bytes);
+bool ViewRows::isAccepted(const StoredRecord& record) const {
+    return !m_test || m_test(record.id, record.bytes);
 }
 
-void RecordRows::take(const StoredRecord& record, Direction direction) {
+void ViewRows::take(const StoredRecord& record, Direction direction) {
     const bool forward = direction == Direction::Forward;
     if (isAccepted(record)) {
         if (forward)
@@ -116,8 +116,8 @@ void RecordRows::take(const StoredRecord& record, Direction direction) {
         m_first = record;
 }
 
-// Where a record lies: -1 below the range, 1 above it, 0 in it.
-int RecordRows::side(const QByteArray& bytes) const {
+// -1 below the range, 1 above it, 0 in it.
+int ViewRows::side(const QByteArray& bytes) const {
     if (!m_range)
         return 0;
     if (m_file->compare(key(), bytes, m_range->low) < 0)
@@ -125,19 +125,19 @@ int RecordRows::side(const QByteArray& bytes) const {
     return m_file->compare(key(), bytes, m_range->high) > 0 ? 1 : 0;
 }
 
-qint64 RecordRows::count() const {
+qint64 ViewRows::count() const {
     if (isPlain())
         return m_places.count();
     return m_before + static_cast<qint64>(m_ids.size()) + m_after;
 }
 
-bool RecordRows::isKnown(qint64 row) const {
+bool ViewRows::isKnown(qint64 row) const {
     if (isPlain())
         return row >= 0 && row < m_places.count();
     return row >= m_before && row < m_before + static_cast<qint64>(m_ids.size());
 }
 
-double RecordRows::progress() const {
+double ViewRows::progress() const {
     if (isCountExact() || m_high <= m_low)
         return 1;
     return std::clamp(
@@ -145,8 +145,8 @@ double RecordRows::progress() const {
         1.0);
 }
 
-// One direction of the walk, until its end or the deadline. @return false at its end.
-bool RecordRows::walk(Direction direction, const QDeadlineTimer& deadline) {
+// Walks in one direction until its end or the deadline. @return false at the end.
+bool ViewRows::walk(Direction direction, const QDeadlineTimer& deadline) {
     const bool forward = direction == Direction::Forward;
     bool& reached = forward ? m_endReached : m_startReached;
     while (!reached) {
@@ -158,7 +158,7 @@ bool RecordRows::walk(Direction direction, const QDeadlineTimer& deadline) {
                 return false;
             }
             ++seen;
-            if (!m_accept || m_accept(id, bytes)) {
+            if (!m_test || m_test(id, bytes)) {
                 if (forward)
                     m_ids.push_back(id);
                 else
@@ -181,7 +181,7 @@ bool RecordRows::walk(Direction direction, const QDeadlineTimer& deadline) {
     return false;
 }
 
-bool RecordRows::learn(const QDeadlineTimer& deadline, Change& change) {
+bool ViewRows::learn(const QDeadlineTimer& deadline, Change& change) {
     if (isPlain()) {
         while (m_places.learn()) {
             if (deadline.hasExpired())
@@ -213,11 +213,10 @@ bool RecordRows::learn(const QDeadlineTimer& deadline, Change& change) {
     return !isCountExact();
 }
 
-bool RecordRows::learnAll(const std::function<bool(double)>& goOn) {
-    // Every record is looked at in the order in which reading is fastest; then the key tells the
-    // order of those accepted.
+bool ViewRows::learnAll(const std::function<bool(double)>& goOn) {
+    // First all records in the fastest order of reading; then the accepted ones in key order.
     std::unordered_set<RecordId> accepted;
-    std::vector<bool> hints(kHints);  // spares most looks into the set
+    std::vector<bool> hints(kHints);  // avoids most lookups in the set
     std::optional<RecordId> at;
     qint64 seen = 0;
     QElapsedTimer sinceTold;
@@ -254,8 +253,8 @@ bool RecordRows::learnAll(const std::function<bool(double)>& goOn) {
     return true;
 }
 
-// Brings the estimates into line with the share of records that were accepted so far.
-void RecordRows::estimate(Change& change) {
+// Corrects the estimates by the share of records accepted so far.
+void ViewRows::estimate(Change& change) {
     const qint64 passed = m_endPlace - m_firstPlace;
     const double share =
         passed > 0 ? static_cast<double>(m_ids.size()) / static_cast<double>(passed) : 1.0;
@@ -276,7 +275,7 @@ void RecordRows::estimate(Change& change) {
     m_after = after;
 }
 
-std::vector<StoredRecord> RecordRows::read(qint64 row, int count) {
+std::vector<StoredRecord> ViewRows::read(qint64 row, int count) {
     std::vector<StoredRecord> records;
     if (isPlain()) {
         std::optional<StoredRecord> first = m_places.at(row);
@@ -295,7 +294,7 @@ std::vector<StoredRecord> RecordRows::read(qint64 row, int count) {
     return records;
 }
 
-void RecordRows::startAtRow(qint64 row) {
+void ViewRows::startAtRow(qint64 row) {
     const qint64 rows = count();
     if (isPlain() || rows <= 0)
         return;
@@ -306,13 +305,13 @@ void RecordRows::startAtRow(qint64 row) {
     if (!record)
         return;
     begin(*record, place);
-    // The row asked for is where the walk begins.
+    // The walk begins at exactly this row number.
     const qint64 shift = std::clamp<qint64>(row - m_before, -m_before, m_after);
     m_before += shift;
     m_after -= shift;
 }
 
-void RecordRows::startAtEnd() {
+void ViewRows::startAtEnd() {
     if (isPlain() || isCountExact())
         return;
     const std::optional<StoredRecord> record = m_places.at(m_high - 1);
@@ -320,8 +319,8 @@ void RecordRows::startAtEnd() {
         begin(*record, m_high - 1);
 }
 
-// A record that a search among the known rows looks at; nothing when it is gone.
-const StoredRecord* RecordRows::probe(size_t row) {
+// A record for the binary search among the known rows; null when it is gone.
+const StoredRecord* ViewRows::probe(size_t row) {
     const RecordId id = m_ids[row];
     auto found = m_probes.find(id);
     if (found == m_probes.end()) {
@@ -335,8 +334,8 @@ const StoredRecord* RecordRows::probe(size_t row) {
     return &found->second;
 }
 
-// Reads what every search among these rows begins with.
-void RecordRows::warm(size_t low, size_t high, int levels) {
+// Reads the records that every binary search begins with.
+void ViewRows::warm(size_t low, size_t high, int levels) {
     if (low >= high || levels == 0)
         return;
     const size_t middle = low + (high - low) / 2;
@@ -345,7 +344,7 @@ void RecordRows::warm(size_t low, size_t high, int levels) {
     warm(middle + 1, high, levels - 1);
 }
 
-qint64 RecordRows::rowInKnown(const StoredRecord& record) {
+qint64 ViewRows::rowInKnown(const StoredRecord& record) {
     const data::KeyValues wanted = m_places.keyValues(record);
     size_t low = 0;
     size_t high = m_ids.size();
@@ -361,7 +360,7 @@ qint64 RecordRows::rowInKnown(const StoredRecord& record) {
     return m_before + static_cast<qint64>(low);
 }
 
-std::optional<qint64> RecordRows::rowOf(const StoredRecord& record, bool* restarted) {
+std::optional<qint64> ViewRows::rowOf(const StoredRecord& record, bool* restarted) {
     if (isPlain()) {
         if (count() == 0)
             return std::nullopt;
@@ -390,7 +389,7 @@ std::optional<qint64> RecordRows::rowOf(const StoredRecord& record, bool* restar
     return std::min(rowInKnown(record), m_before + static_cast<qint64>(m_ids.size()) - 1);
 }
 
-std::optional<qint64> RecordRows::nearest(const data::KeyValues& values, bool* restarted) {
+std::optional<qint64> ViewRows::nearest(const data::KeyValues& values, bool* restarted) {
     const auto found = m_file->seek(key(), SeekOp::GreaterOrEqual, values, 1);
     if (!found.empty())
         return rowOf(found.front(), restarted);

@@ -1,0 +1,23 @@
+#include "search/column_lookup.h"
+
+#include "app/company/connection_module.h"
+#include "search/filter_expression.h"
+#include "search/text_match.h"
+
+namespace search {
+
+QString lookupExpression(const ColumnLookup& lookup, const QString& name) {
+    data::TtbTable table;
+    company::openCompanyTable(table, lookup.table);
+    const TextMatch match(name, false);
+    const auto matches = match.onField(table, lookup.shownField);
+    QStringList terms;
+    for (table.first(); !table.eof(); table.next()) {
+        if (matches(table.recordBytes()))
+            terms.append(
+                lookupTerm(lookup.localField, table.fieldByName(lookup.keyField).asString()));
+    }
+    return terms.isEmpty() ? noRecord(lookup.localField) : terms.join(QStringLiteral(" or "));
+}
+
+}  // namespace search

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+#include "search/view_rows.h"
+
+namespace search {
+
+/// What restricts the rows of a search window: the caller's base filter, the user's filter or
+/// record search, a range of the key, passive records. A plain value: the window changes a copy and
+/// keeps it when the rows could be shown.
+class FilterState {
+  public:
+    /// Ends a record search, as every new filter expression does.
+    void setBaseFilter(const QString& expression);
+    const QString& baseFilter() const { return m_base; }
+    void setShowPassive(bool show) { m_showPassive = show; }
+    bool showPassive() const { return m_showPassive; }
+
+    void setUserFilter(const QString& expression);
+    /// Empty without a filter, and during a record search.
+    QString userFilter() const;
+    /// The rows are those that a record search for a text has found; replaces the user's filter.
+    void setRecordSearch(const QString& text);
+    bool isRecordSearch() const { return m_source == Source::RecordSearch; }
+
+    /// `text` is what the user typed for the range.
+    void setRange(KeyRange range, const QString& text);
+    void clearRange() { m_range.reset(); }
+    const std::optional<KeyRange>& range() const { return m_range; }
+
+    /// Whether the user has restricted the rows.
+    bool isRestricted() const;
+    /// Back to the base filter.
+    void clear();
+
+    /// The expression for the table's filter.
+    QString expression() const;
+    /// What the user has restricted the rows by, for the line below them.
+    QString description() const;
+
+  private:
+    enum class Source { None, Expression, RecordSearch };
+
+    QString m_base;
+    bool m_showPassive = false;
+    Source m_source = Source::None;
+    QString m_text;  // the user's filter, or what the record search looked for
+    std::optional<KeyRange> m_range;
+    QString m_rangeText;
+};
+
+}  // namespace search

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTimer>
+#include <QToolBar>
+
+#include "search/alku_merkki_edit.h"
+#include "search/search_grid.h"
+
+namespace search {
+
+/// The controls of a search window and their places in it, under their given names (object names
+/// too). The window owns them.
+struct SearchControls {
+    explicit SearchControls(QDialog& window);
+
+    QComboBox* IndexCombo;
+    QLineEdit* SearchEdit;
+    TAlkuMerkkiEdit* Suodatin;
+    QCheckBox* AlueRajaus;
+    QCheckBox* Passiiviset;
+    QCheckBox* Jatahakuauki;
+    QLabel* HakuLabel;
+    SearchGrid* DBGrid1;
+    QToolBar* DBNavigator1;
+    QTimer* Timer;
+    QAction* Tallenna;
+    QAction* Tallennakorkeus;
+    QAction* nbFirst;
+    QAction* nbPrior;
+    QAction* nbNext;
+    QAction* nbLast;
+    QAction* nbRefresh;
+    QLabel* RiviLabel;  ///< how many rows there are
+    QLabel* EhtoLabel;  ///< what restricts them
+
+  private:
+    void create(QDialog& window);
+    void createNavigator(QDialog& window);
+    void createMenu(QDialog& window);
+    void arrange(QDialog& window);
+};
+
+}  // namespace search

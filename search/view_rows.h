@@ -1,0 +1,118 @@
+#pragma once
+
+#include <QDeadlineTimer>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <unordered_map>
+
+#include "data/engine.h"
+#include "search/key_places.h"
+#include "search/row_test.h"
+
+namespace search {
+
+/// A part of a key, between two values of its leading fields, inclusive.
+struct KeyRange {
+    data::KeyValues low;
+    data::KeyValues high;
+};
+
+/// The rows of a view over one table: the records that a test accepts, in the order of a key,
+/// within a range of it.
+///
+/// A plain view (no range, no test) knows all rows immediately. Any other view is walked in time
+/// slices (learn()), from the first row or from where the user looks, towards both ends. Records
+/// met so far are the known rows; the numbers of rows before and after them are estimates until the
+/// walk reaches that end. Memory: 8 bytes a known row.
+class ViewRows {
+  public:
+    /// Rows inserted (negative: removed) before the first known row and after the last one;
+    /// `learned`: estimated rows became known.
+    struct Change {
+        qint64 before = 0;
+        qint64 after = 0;
+        bool learned = false;
+        bool any() const { return before != 0 || after != 0 || learned; }
+    };
+
+    explicit ViewRows(data::RecordFile& file) : m_file(&file), m_places(file) {}
+
+    /// Another view, not walked yet: learn() follows.
+    /// @throws data::DataError(BadValue) for a range that does not fit the key; the view stays.
+    void show(int key, std::optional<KeyRange> range, RowTest test);
+    int key() const { return m_places.key(); }
+    bool isPlain() const { return !m_range && !m_test; }
+    /// Records of the table, counted when the view was created.
+    qint64 total() const { return m_places.count(); }
+    const std::optional<KeyRange>& range() const { return m_range; }
+    const RowTest& test() const { return m_test; }
+
+    qint64 count() const;
+    bool isCountExact() const { return isPlain() || (m_startReached && m_endReached); }
+    /// Whether the row's record is known.
+    bool isKnown(qint64 row) const;
+    /// Whether a record belongs to the view.
+    bool isWanted(data::RecordId id, const QByteArray& bytes) const;
+    /// Whether the known rows are the same records in the same order.
+    bool hasSameRows(const ViewRows& other) const { return m_ids == other.m_ids; }
+
+    /// Walks on until the deadline. @return false when nothing is left to do. `change` receives the
+    /// change of the row numbers.
+    bool learn(const QDeadlineTimer& deadline, Change& change);
+    /// Walks all records now, so that every row is known. `goOn`, called some times a second with
+    /// the share done (0 to 1), cancels by returning false: the view must be discarded then.
+    bool learnAll(const std::function<bool(double)>& goOn);
+    /// The share of the records (0 to 1) that the walk has passed.
+    double progress() const;
+
+    /// Records of `count` rows from `row` on, as far as known.
+    std::vector<data::StoredRecord> read(qint64 row, int count);
+
+    /// Restarts the walk at the row's estimated place; row numbers become estimates.
+    void startAtRow(qint64 row);
+    /// Restarts the walk at the end of the view.
+    void startAtEnd();
+
+    /// The row of a record or, when it does not belong to the view, of the next one (else the last
+    /// row). May restart the walk at the record (`*restarted`); row numbers are estimates then.
+    /// Nothing while the view is empty.
+    std::optional<qint64> rowOf(const data::StoredRecord& record, bool* restarted);
+    /// The row of the first record whose leading key fields are >= the values.
+    std::optional<qint64> nearest(const data::KeyValues& values, bool* restarted);
+
+  private:
+    void begin(const data::StoredRecord& first, qint64 itsPlace);
+    void beginFromStart();
+    bool walk(data::Direction direction, const QDeadlineTimer& deadline);
+    void take(const data::StoredRecord& record, data::Direction direction);
+    bool isAccepted(const data::StoredRecord& record) const;
+    int side(const QByteArray& bytes) const;
+    void estimate(Change& change);
+    const data::StoredRecord* probe(size_t row);
+    void warm(size_t low, size_t high, int levels);
+    qint64 rowInKnown(const data::StoredRecord& record);
+    void limits();
+
+    data::RecordFile* m_file;
+    KeyPlaces m_places;
+    std::optional<KeyRange> m_range;
+    RowTest m_test;
+
+    std::deque<data::RecordId> m_ids;  // the known rows
+    // Records read by binary searches among the known rows, which start with the same ones.
+    std::unordered_map<data::RecordId, data::StoredRecord> m_probes;
+    std::optional<data::StoredRecord> m_first;  // the ends of the walk so far
+    std::optional<data::StoredRecord> m_last;
+    bool m_startReached = false;
+    bool m_endReached = false;
+    qint64 m_before = 0;  // estimated rows
+    qint64 m_after = 0;
+    // As places of the key: the range, and the walk so far.
+    qint64 m_low = 0;
+    qint64 m_high = 0;
+    qint64 m_firstPlace = 0;
+    qint64 m_endPlace = 0;
+};
+
+}  // namespace search

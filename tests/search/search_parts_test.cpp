@@ -1,0 +1,282 @@
+#include <gtest/gtest.h>
+
+#include "data/record/windows1252.h"
+#include "search/filter_state.h"
+#include "search/form_layout.h"
+#include "search/key_search.h"
+#include "search/text_match.h"
+
+// The parts of a search window that need neither a window nor a company.
+
+using data::Kind;
+using namespace search;
+
+namespace {
+
+QString str(const char* text) {
+    return QString::fromUtf8(text);
+}
+
+// "filter F=1", "lookup name" or "records".
+std::string dropped(const char* text, const DropTarget& target) {
+    const DropAction action = dropAction(str(text), target);
+    const char* const kinds[] = {"filter ", "lookup ", "records"};
+    return kinds[static_cast<int>(action.kind)] + action.text.toStdString();
+}
+
+}  // namespace
+
+TEST(SearchParts, DroppedTexts) {
+    const struct {
+        Kind kind;
+        const char* text;
+        const char* expression;
+    } cases[] = {
+        {Kind::Integer, "12", "F=12"},
+        {Kind::SmallInt, ">=100", "F>=100"},
+        {Kind::Integer, "<>-1,5", "F<>-1,5"},
+        {Kind::Integer, "12a", "F='12a'"},
+        {Kind::Integer, ">", "F>''"},
+        {Kind::String, "ab", "F='ab*'"},
+        {Kind::String, "12", "F='12*'"},
+        {Kind::String, "<m", "F<'m*'"},
+        {Kind::String, "", "F='*'"},
+        {Kind::String, "O'Hara", "F='O''Hara*'"},
+        {Kind::Float, "<=9,95", "F<='9,95'"},
+        {Kind::Date, "1.9.2024", "F='1.9.2024'"},
+        {Kind::Boolean, "true", "F='true'"},
+        {Kind::String, "<<<<<<<<<<<x", "F<<<<<<<<<<'<x*'"},  // at most ten are the operator
+        {Kind::String, "!hinta>3 or lvv=1", "hinta>3 or lvv=1"},
+        {Kind::String, "=!", "F='!*'"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(dropped(c.text, {str("F"), c.kind}), "filter " + std::string(c.expression));
+}
+
+TEST(SearchParts, DropsOnLookedUpAndComputedColumns) {
+    const ColumnLookup lookup{str("G"), str("T"), str("Nro"), str("Nimi")};
+    ColumnLookup digits = lookup;
+    digits.digitsOnly = true;
+    const struct {
+        const char* text;
+        DropTarget target;
+        const char* action;
+    } cases[] = {
+        {"12", {str("F"), Kind::SmallInt, lookup, Kind::SmallInt}, "filter G=12"},
+        {"<>mak", {str("F"), Kind::SmallInt, lookup, Kind::SmallInt}, "lookup mak"},
+        {"12", {str("F"), Kind::String, lookup, Kind::String}, "lookup 12"},
+        {"12", {str("F"), std::nullopt, lookup, std::nullopt}, "lookup 12"},
+        {"12", {str("F"), Kind::Integer, digits, Kind::Integer}, "lookup 12"},
+        {"1,2", {str("F"), Kind::Integer, digits, Kind::Integer}, "filter F=1,2"},
+        {"12", {str("F"), std::nullopt}, "records"},
+        {"!a=1", {str("F"), std::nullopt, lookup, std::nullopt}, "filter a=1"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(dropped(c.text, c.target), c.action) << c.text;
+    EXPECT_EQ(lookupTerm(str("RYHMA"), str("7'")), str("RYHMA='7''' "));
+
+    const struct {
+        const char* text;
+        const char* inEdit;
+        const char* searched;
+        bool anywhere;
+        bool always;  // searched record by record on any column
+    } searches[] = {{"kahvi", "kahvi", "kahvi", false, false},
+                    {"*kahvi", "", "kahvi", true, true},
+                    {"#kahvi", "#kahvi", "kahvi", true, true},
+                    {"#kahvi", "", "#kahvi", false, true}};
+    for (const auto& c : searches) {
+        const SearchText search = asetaSuodatin(str(c.text), str(c.inEdit));
+        EXPECT_EQ(search.text, str(c.searched)) << c.text;
+        EXPECT_EQ(search.anywhere, c.anywhere) << c.text;
+        EXPECT_EQ(isRecordSearch(str(c.text), false), c.always) << c.text;
+        EXPECT_TRUE(isRecordSearch(str(c.text), true));
+    }
+}
+
+TEST(SearchParts, BaseAndUserFilter) {
+    const struct {
+        const char* base;
+        const char* user;
+        bool showPassive;
+        const char* filter;
+    } cases[] = {
+        {"", "", false, ""},
+        {"", "u", false, "u"},
+        {"b", "", false, "b"},
+        {"b", "u", false, "b and (u)"},
+        {"b", "", true, ""},
+        {"b", "u", true, "u"},
+        {"b and Keskusvarasto=true", "", true, "Keskusvarasto=true"},
+        {"b and keskusvarasto=true", "u or v", true, "Keskusvarasto=true and (u or v)"},
+        {"Keskusvarasto=true", "keskusvarasto=false", true, "keskusvarasto=false"},
+        {"Keskusvarasto=true", "u", false, "Keskusvarasto=true and (u)"},
+    };
+    for (const auto& c : cases) {
+        FilterState filter;
+        filter.setBaseFilter(str(c.base));
+        filter.setUserFilter(str(c.user));
+        filter.setShowPassive(c.showPassive);
+        EXPECT_EQ(filter.expression(), str(c.filter)) << c.base << " / " << c.user;
+        filter.clear();
+        filter.setShowPassive(false);
+        EXPECT_EQ(filter.expression(), str(c.base));
+    }
+}
+
+TEST(SearchParts, WhatRestrictsTheRows) {
+    FilterState filter;
+    filter.setBaseFilter(str("b"));
+    const auto is = [&](const char* description, const char* user) {
+        EXPECT_EQ(filter.description(), str(description));
+        EXPECT_EQ(filter.userFilter(), str(user));
+        EXPECT_EQ(filter.isRestricted(), *description != 0);
+    };
+    is("", "");
+    filter.setUserFilter(str("u=1 "));
+    is("u=1", "u=1 ");
+    filter.setRange({{1}, {2}}, str("34"));
+    is("u=1   alue: 34", "u=1 ");
+    filter.setRecordSearch(str("kahvi"));
+    is("haku: kahvi   alue: 34", "");
+    EXPECT_EQ(filter.expression(), str("b"));
+    filter.clearRange();
+    is("haku: kahvi", "");
+    filter.setBaseFilter(str("c"));
+    is("", "");
+    filter.setRange({{1}, {2}}, str("34"));
+    is("alue: 34", "");
+    filter.clear();
+    is("", "");
+}
+
+TEST(SearchParts, RangesByTheKindOfTheKey) {
+    const auto field = [](Kind kind, quint16 size, data::Storage storage) {
+        return data::TFieldCacheItem{.number = 1,
+                                     .name = str("F"),
+                                     .kindWord = static_cast<quint32>(kind),
+                                     .size = size,
+                                     .storedLength = size,
+                                     .storage = storage};
+    };
+    const auto text = field(Kind::String, 3, data::Storage::ZString);
+    const auto date = field(Kind::Date, 4, data::Storage::Date);
+    const auto number = field(Kind::SmallInt, 2, data::Storage::Integer);
+    const auto decimal = field(Kind::Float, 8, data::Storage::Float);
+    const struct {
+        const data::TFieldCacheItem& field;
+        const char* typed;
+        const char* range;    // "low..high", or the message
+        bool isValue = true;  // for the nearest search
+    } cases[] = {
+        {text, "34", "34..34ú"},
+        {text, "abcd", "abc..abc"},
+        {date, " 1.9.2024", "2024-09-01..2024-09-01"},
+        {date, "31.9.2024", "virheellinen päiväys 31.9.2024", false},
+        {number, " 12 ", "12..12"},
+        {number, "2x", "Virheellinen numero 2x", false},
+        {number, "40000", "Virheellinen numero 40000", false},
+        {number, "", "Virheellinen numero ", false},
+        {decimal, "1,5", "Tätä hakuavain tyyppiä ei tueta"},
+        {decimal, "1,5x", "Tätä hakuavain tyyppiä ei tueta", false},
+    };
+    for (const auto& c : cases) {
+        const TextRange found = textRange(c.field, str(c.typed));
+        const auto shown = [](const data::KeyValues& values) { return values.at(0).toString(); };
+        EXPECT_EQ((found.range ? shown(found.range->low) + str("..") + shown(found.range->high)
+                               : found.message)
+                      .toStdString(),
+                  c.range);
+        EXPECT_EQ(keyValue(c.field, str(c.typed)).has_value(), c.isValue) << c.typed;
+    }
+    EXPECT_EQ(keyValue(decimal, str(" 1,5")), data::Value(1.5));
+}
+
+TEST(SearchParts, CompletesWhatIsTypedButNotWhatIsDeleted) {
+    Completion completion;
+    EXPECT_FALSE(completion.textChanged({}));
+    EXPECT_TRUE(completion.textChanged(str("pa")));
+    for (const char* found : {"pa", "p", "xpannu", ""})
+        EXPECT_FALSE(completion.complete(str("pa"), str(found))) << found;
+    EXPECT_EQ(completion.complete(str("pa"), str("Pannu")), str("Pannu"));
+    EXPECT_FALSE(completion.textChanged(str("Pannu")));  // its own change
+    EXPECT_TRUE(completion.textChanged(str("Pak")));
+    completion.aboutToDelete(true);
+    EXPECT_FALSE(completion.textChanged(str("Pa")));
+    completion.aboutToDelete(true);
+    completion.aboutToDelete(false);  // nothing to delete: the next change is typed
+    EXPECT_TRUE(completion.textChanged(str("Pan")));
+}
+
+TEST(SearchParts, LayoutIsReadAndWritten) {
+    const auto columns = [](const FormLayout& layout) {
+        QStringList texts;
+        for (const GridColumn& column : layout.columns)
+            texts.append(QStringLiteral("%1%2:%3")
+                             .arg(column.visible ? str("") : str("-"), column.field)
+                             .arg(column.width));
+        return texts.join(u' ').toStdString();
+    };
+    const std::vector<GridColumn> own = {
+        {str("A"), {}, 10}, {str("B"), {}, 20, false}, {str("C"), {}}};
+    const struct {
+        const char* saved;
+        const char* columns;
+        int width, height, order;  // -1: none
+    } cases[] = {
+        {"", "A:10 -B:20 C:0", -1, -1, -1},
+        {"sarakkeita=2\nSarake0=c\nSARAKE1=A\nW_b=33\nw_A=0", "C:0 A:10 -B:33", -1, -1, -1},
+        {"Sarakkeita=9\nSarake0=X\nSarake1=B\nSarake2=b", "B:20 -A:10 -C:0", -1, -1, -1},
+        {"Sarakkeita=2\nSarake0=X\nW_C=x", "A:10 -B:20 C:0", -1, -1, -1},
+        {"LomakeLeveys=700\nLomakeKorkeus=119\nLajittelu=2", "A:10 -B:20 C:0", 700, -1, 2},
+        {"LomakeLeveys=x\nLomakeKorkeus=120\nLajittelu=-1", "A:10 -B:20 C:0", -1, 120, -1},
+    };
+    for (const auto& c : cases) {
+        const auto file = company::IniFile::parse("[S]\n" + QByteArray(c.saved), {});
+        const FormLayout layout = readLayout(file, str("S"), own);
+        EXPECT_EQ(columns(layout), c.columns) << c.saved;
+        EXPECT_EQ(layout.width.value_or(-1), c.width) << c.saved;
+        EXPECT_EQ(layout.height.value_or(-1), c.height) << c.saved;
+        EXPECT_EQ(layout.order.value_or(-1), c.order) << c.saved;
+    }
+
+    auto file = company::IniFile::parse("[S]\nSarakkeita=4\nSarake2=Y\nSarake3=Z\nW_B=5\n", {});
+    FormLayout layout{.columns = own, .width = 700, .order = -1};
+    writeLayout(file, str("S"), layout);
+    EXPECT_EQ(file.toBytes().toStdString(),
+              "[S]\nSarakkeita=2\nW_B=5\nW_A=10\nSarake0=A\nSarake1=C\nLomakeleveys=700\n"
+              "Lajittelu=0\n");
+    layout.height = 333;
+    writeLayout(file, str("S"), layout);
+    EXPECT_EQ(file.value(str("S"), str("LomakeKorkeus")), str("333"));
+}
+
+TEST(SearchParts, TextsAtTheStartAndAnywhereIgnoringCase) {
+    const struct {
+        const char* held;
+        const char* text;
+        bool atStart;
+        bool anywhere;
+    } cases[] = {
+        {"Äyräsmäki", "äYRÄS", true, true},
+        {"Äyräsmäki", "MÄKI", false, true},
+        {"Äyräsmäki", "maki", false, false},
+        {"ab", "abc", false, false},
+        {"aab", "ab", false, true},
+        {"x", "", true, true},
+        {"", "", true, true},
+        {"", "x", false, false},
+    };
+    for (const auto& c : cases) {
+        QByteArray bytes;
+        ASSERT_TRUE(data::toWindows1252(str(c.held), bytes));
+        for (const bool anywhere : {false, true}) {
+            const TextMatch match(str(c.text), anywhere);
+            const bool expected = anywhere ? c.anywhere : c.atStart;
+            EXPECT_EQ(match.matchesBytes(bytes), expected) << c.held << c.text;
+            EXPECT_EQ(match.matchesText(str(c.held)), expected) << c.held << c.text;
+        }
+    }
+    // No record holds a character that records cannot hold.
+    EXPECT_FALSE(TextMatch(QStringLiteral("Ж"), true).matchesBytes("?"));
+}
