@@ -17,7 +17,7 @@ VatClasses VatClasses::read(data::Database& database) {
     return classes;
 }
 
-double VatClasses::ratePercent(int vatClass) const {
+double VatClasses::ratePercent(qint64 vatClass) const {
     const auto found = m_rates.find(vatClass);
     return found == m_rates.end() ? 0.0 : found->second;
 }

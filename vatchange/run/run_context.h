@@ -7,10 +7,10 @@
 
 #include "data/engine.h"
 #include "data/sql/uni_query.h"
+#include "vatchange/ports/run_ports.h"
 #include "vatchange/rules/change_definition.h"
 #include "vatchange/rules/price_rules.h"
 #include "vatchange/run/change_run.h"
-#include "vatchange/run/run_ports.h"
 
 namespace vatchange {
 
@@ -20,7 +20,7 @@ class VatClasses {
     static VatClasses read(data::Database& database);
 
     bool exists(int vatClass) const { return m_rates.count(vatClass) > 0; }
-    double ratePercent(int vatClass) const;  ///< 0 for a class that there is not
+    double ratePercent(qint64 vatClass) const;  ///< 0 for a class that there is not
 
   private:
     std::map<qint64, double> m_rates;
