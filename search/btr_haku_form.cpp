@@ -12,6 +12,7 @@
 
 #include "app/company/company.h"
 #include "app/company/connection_module.h"
+#include "data/error.h"
 #include "framework/core/settings_table.h"
 #include "framework/ui/dialogs.h"
 #include "search/drag_source.h"
@@ -145,7 +146,7 @@ bool TBtrHakuForm::guarded(const std::function<void()>& work) {
         work();
         return true;
     } catch (const std::exception& error) {
-        tellError(framework::errorText(error));
+        tellError(data::errorText(error));
     }
     return false;
 }

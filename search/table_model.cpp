@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "framework/ui/dialogs.h"
+#include "data/error.h"
 
 namespace search {
 
@@ -90,7 +90,7 @@ const StoredRecord* TableModel::find(qint64 row) const {
             for (StoredRecord& record : m_rows.read(first, wanted))
                 fresh->push_back(std::move(record));
         } catch (const data::DataError& error) {
-            tellFailure(framework::errorText(error));
+            tellFailure(data::errorText(error));
         }
         m_pages.insert(number, fresh.release());
         page = m_pages.object(number);
@@ -139,7 +139,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
         try {
             return column.text(RecordRow(m_table.layout(), *found));
         } catch (const data::DataError& error) {  // of another table that the column reads
-            tellFailure(framework::errorText(error));
+            tellFailure(data::errorText(error));
             return QString();
         }
     }
@@ -348,7 +348,7 @@ void TableModel::idle() {
         m_idle.stop();
         m_recheck.reset();
         apply(change);
-        Q_EMIT failed(framework::errorText(error));
+        Q_EMIT failed(data::errorText(error));
         return;
     }
     if (!more)

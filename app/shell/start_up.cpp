@@ -12,6 +12,7 @@
 #include "app/shell/build_stamp.h"
 #include "app/shell/main_form.h"
 #include "app/shell/program_title.h"
+#include "data/error.h"
 #include "framework/ui/company_choice.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/finnish_texts.h"
@@ -174,7 +175,7 @@ int runProgram(QApplication& application) {
         }
     } catch (const std::exception& e) {
         splash.reset();
-        return refuse(ExitStatus::Unavailable, framework::errorText(e));
+        return refuse(ExitStatus::Unavailable, data::errorText(e));
     }
     splash->repaint();
 
@@ -182,7 +183,7 @@ int runProgram(QApplication& application) {
         company::companyDatabase();
     } catch (const std::exception& e) {
         splash.reset();
-        return refuse(ExitStatus::Unavailable, framework::errorText(e));
+        return refuse(ExitStatus::Unavailable, data::errorText(e));
     }
 
     TMainForm mainForm;

@@ -54,10 +54,4 @@ bool RunContext::stopRequested() {
     return result.cancelled;
 }
 
-QString errorText(const std::exception& error) {
-    if (const auto* dataError = dynamic_cast<const data::DataError*>(&error))
-        return dataError->finnish();
-    return QString::fromUtf8(error.what());
-}
-
 }  // namespace vatchange

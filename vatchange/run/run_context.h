@@ -6,6 +6,7 @@
 #include <map>
 
 #include "data/engine.h"
+#include "data/error.h"
 #include "data/sql/uni_query.h"
 #include "vatchange/ports/run_ports.h"
 #include "vatchange/rules/change_definition.h"
@@ -61,8 +62,7 @@ struct RunContext {
     }
 };
 
-/// An error in Finnish, for messages and the log.
-QString errorText(const std::exception& error);
+using data::errorText;
 
 // The steps, in the order in which a run takes them. A failure is thrown out of the step; rows
 // changed before it stay changed.
