@@ -17,7 +17,7 @@
 #include "data/dictionary/dictionary_source.h"
 #include "data/embedded/embedded_database.h"
 #include "data/record/record_codec.h"
-#include "vatchange/orders/order_module.h"
+#include "vatchange/orders/alv_muutos_mt.h"
 #include "vatchange/orders/order_rules.h"
 #include "vatchange/rules/rounding.h"
 
@@ -109,24 +109,42 @@ class Stopwatch {
     std::clock_t m_clock = std::clock();
 };
 
+class MeasuringPorts : public vatchange::RunPorts {
+  public:
+    explicit MeasuringPorts(Measured& measured) : m_measured(measured) {}
+
+    bool unattended() const override { return true; }
+    void NaytaViesti(const QString&) override {}
+    void showMessage(const QString&) override {}
+    bool ask(const QString&) override { return false; }
+    void log(const QString&) override {}
+    void status(const QString&) override {}
+    void progress(qint64 done, qint64) override {
+        if (done % 1000 == 0)
+            m_measured.megabytes = std::max(m_measured.megabytes, anonymousMegabytes());
+    }
+    void breathe() override {}
+    bool cancelled() const override { return false; }
+    QString programFileName() const override { return {}; }
+    bool skipEarlyDateCheck() const override { return true; }
+
+  private:
+    Measured& m_measured;
+};
+
 Measured convertEmbedded(data::Database& database) {
     Measured measured;
-    vatchange::SalesOrderArguments arguments;
-    arguments.keepVat0 = true;
-    arguments.sourceClass = kSourceClass;
-    arguments.targetClass = kTargetClass;
-    vatchange::OrderPorts ports;
-    ports.log = [](const QString&) {};
-    ports.showMessage = [](const QString&) {};
-    ports.status = [](const QString&) {};
-    ports.progress = [&](qint64 done, qint64) {
-        if (done % 1000 == 0)
-            measured.megabytes = std::max(measured.megabytes, anonymousMegabytes());
+    vatchange::SalesOrderChange change;
+    change.keepVat0 = true;
+    change.sourceClass = kSourceClass;
+    change.targetClass = kTargetClass;
+    const auto factor = [](qint64 vatClass) {
+        return 1 + (vatClass == kTargetClass ? kTargetRate : 24.0) / 100;
     };
-    ports.cancelled = [] { return false; };
-    ports.ratePercent = [](int vatClass) { return vatClass == kTargetClass ? kTargetRate : 24.0; };
+    MeasuringPorts ports(measured);
+    qint64 rows = 0;
     const Stopwatch watch;
-    vatchange::AlvMuutosMyyntitilauksiin(database, arguments, ports);
+    vatchange::AlvMuutosMyyntitilauksiin(database, change, factor, ports, rows);
     watch.stop(measured);
     return measured;
 }

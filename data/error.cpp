@@ -126,4 +126,10 @@ QString DataError::english() const {
     return englishLine(m_kind, m_table, m_detail, m_nativeCode);
 }
 
+QString errorText(const std::exception& error) {
+    if (const auto* dataError = dynamic_cast<const DataError*>(&error))
+        return dataError->finnish();
+    return QString::fromUtf8(error.what());
+}
+
 }  // namespace data

@@ -10,6 +10,7 @@
 
 #include "app/company/company.h"
 #include "app/company/connection_module.h"
+#include "data/error.h"
 #include "framework/core/settings_table.h"
 #include "framework/ui/close_deferral.h"
 #include "framework/ui/dialogs.h"
@@ -173,7 +174,7 @@ bool TBtrHakuForm::guarded(const std::function<void()>& work) {
         work();
         return true;
     } catch (const std::exception& error) {
-        tellError(framework::errorText(error));
+        tellError(data::errorText(error));
     }
     return false;
 }

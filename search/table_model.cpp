@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "framework/ui/dialogs.h"
+#include "data/error.h"
 
 namespace search {
 
@@ -91,7 +91,7 @@ const StoredRecord* TableModel::find(qint64 row) const {
             for (StoredRecord& record : m_rows.read(first, wanted))
                 fresh->push_back(std::move(record));
         } catch (const data::DataError& error) {
-            tellFailure(framework::errorText(error));
+            tellFailure(data::errorText(error));
         }
         m_pages.insert(number, fresh.release());
         page = m_pages.object(number);
@@ -140,7 +140,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
         try {
             return column.text(GridRow(m_table.layout(), *found));
         } catch (const data::DataError& error) {  // from another table that the column reads
-            tellFailure(framework::errorText(error));
+            tellFailure(data::errorText(error));
             return QString();
         }
     }
@@ -341,7 +341,7 @@ void TableModel::idle() {
         m_idle.stop();
         m_recheck.reset();
         apply(change);
-        Q_EMIT failed(framework::errorText(error));
+        Q_EMIT failed(data::errorText(error));
         return;
     }
     if (!more)

@@ -5,7 +5,7 @@
 #include <QFileInfo>
 #include <QTemporaryFile>
 
-#include "app/company/ini_file.h"
+#include "app/company/ini_change.h"
 #include "app/company/user_settings.h"
 #include "data/error.h"
 
@@ -46,14 +46,15 @@ BatchList readBatchList(const QString& fileName) {
 }
 
 void writeBatchList(const QString& fileName, const BatchList& list) {
-    IniFile ini = IniFile::read(fileName);
-    for (size_t i = 0; i < list.size(); ++i)
-        ini.setValue(kSection, keyOf(i), list[i]);
     const QString folder = QFileInfo(fileName).absolutePath();
     if (!QDir().mkpath(folder))  // the user's settings folder may not be there yet
         throw data::DataError(data::ErrorKind::Io, folder,
                               QStringLiteral("the folder cannot be made"));
-    ini.write(fileName);
+    changeIniFile(fileName, [&list](IniFile& ini) {
+        for (size_t i = 0; i < list.size(); ++i)
+            ini.setValue(kSection, keyOf(i), list[i]);
+        return true;
+    });
 }
 
 }  // namespace company

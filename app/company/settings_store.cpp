@@ -10,11 +10,11 @@
 #else
 #include <QDir>
 #include <QFileInfo>
-#include <QLockFile>
 #include <chrono>
 
-#include "app/company/ini_file.h"
+#include "app/company/ini_change.h"
 #include "app/company/settings_text.h"
+#include "app/company/text_order.h"
 #include "app/company/text_order.h"
 #endif
 
@@ -73,7 +73,7 @@ void SettingsStore::save() {
 
 namespace {
 
-// Two programs' changes take some milliseconds each; the lock of one that was killed is taken over.
+// Two programs' changes take some milliseconds each; a script may queue many.
 constexpr std::chrono::milliseconds kLockWait{30000};
 
 /// The user's alone, as the file in it.
@@ -86,17 +86,6 @@ void makeFolder(const QString& folder) {
         !QFileInfo(folder).isDir())
         throw data::DataError(data::ErrorKind::Io, folder,
                               QStringLiteral("the folder cannot be made"));
-}
-
-std::unique_ptr<QLockFile> locked(const QString& fileName) {
-    auto lock = std::make_unique<QLockFile>(fileName + QStringLiteral(".lock"));
-    if (!lock->tryLock(kLockWait)) {
-        const bool held = lock->error() == QLockFile::LockFailedError;
-        throw data::DataError(held ? data::ErrorKind::Locked : data::ErrorKind::Io, fileName,
-                              held ? QStringLiteral("another program is changing it")
-                                   : QStringLiteral("the folder cannot be written"));
-    }
-    return lock;
 }
 
 /// Section and key together are the setting's path; the section "General" is no group.
@@ -130,7 +119,7 @@ std::vector<SettingsStore> SettingsStore::openAll(Use use) {
     data->fileName = userSettingsFolder() + QStringLiteral("/aliases.ini");
     if (use == Use::Write) {
         makeFolder(userSettingsFolder());
-        data->lock = locked(data->fileName);
+        data->lock = lockForChange(data->fileName, kLockWait);
     }
     data->file = IniFile::read(data->fileName);
     if (const int line = data->file.strayLine(); line > 0)

@@ -13,6 +13,7 @@
 #include "app/company/connection_module.h"
 #include "app/company/logs.h"
 #include "app/company/run_mark.h"
+#include "data/error.h"
 #include "framework/core/definition_store.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/dialogs.h"
@@ -52,7 +53,7 @@ QStringList TMainForm::alusta() {
         try {
             (this->*part)();
         } catch (const std::exception& e) {
-            m_problems.append(framework::errorText(e));
+            m_problems.append(data::errorText(e));
         }
     }
     return m_problems;
@@ -185,8 +186,7 @@ void TMainForm::runBatchAndLeave() {
     try {
         m_exitStatus = runWholeBatch();
     } catch (const std::exception& e) {
-        const QString text =
-            QStringLiteral("Eräajo päättyi virheeseen: ") + framework::errorText(e);
+        const QString text = QStringLiteral("Eräajo päättyi virheeseen: ") + data::errorText(e);
         company::WriteAlvMuutosLog(text);
         QTextStream(stderr) << text << '\n';
         if (m_inRun && framework::Dialogs::someoneThere()) {

@@ -14,6 +14,7 @@
 #include "app/shell/build_stamp.h"
 #include "app/shell/main_form.h"
 #include "app/shell/program_title.h"
+#include "data/error.h"
 #include "framework/ui/company_choice.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/finnish_texts.h"
@@ -200,7 +201,7 @@ int runProgram(QApplication& application) {
         }
     } catch (const std::exception& e) {
         splash.reset();
-        return refuse(ExitStatus::Unavailable, framework::errorText(e));
+        return refuse(ExitStatus::Unavailable, data::errorText(e));
     }
     splash->repaint();
 
@@ -208,7 +209,7 @@ int runProgram(QApplication& application) {
         company::companyDatabase();
     } catch (const std::exception& e) {
         splash.reset();
-        return refuse(ExitStatus::Unavailable, framework::errorText(e));
+        return refuse(ExitStatus::Unavailable, data::errorText(e));
     }
 
     TMainForm mainForm;

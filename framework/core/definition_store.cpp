@@ -2,16 +2,13 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QLockFile>
 #include <algorithm>
-#include <chrono>
-#include <functional>
 #include <utility>
 #include <vector>
 
 #include "app/company/aliases.h"
 #include "app/company/company.h"
-#include "app/company/ini_file.h"
+#include "app/company/ini_change.h"
 #include "app/company/text_order.h"
 #include "data/error.h"
 
@@ -20,21 +17,6 @@ namespace framework {
 namespace {
 
 const QString kDescription = QStringLiteral("Selite");
-constexpr std::chrono::milliseconds kLockWait{5000};
-
-/// Rereads the file, changes it and writes it back, while no other program does the same.
-void change(const QString& fileName, const std::function<bool(company::IniFile&)>& edit) {
-    QLockFile lock(fileName + QStringLiteral(".lock"));
-    if (!lock.tryLock(kLockWait)) {
-        const bool held = lock.error() == QLockFile::LockFailedError;
-        throw data::DataError(held ? data::ErrorKind::Locked : data::ErrorKind::Io, fileName,
-                              held ? QStringLiteral("another program is saving into it")
-                                   : QStringLiteral("the folder cannot be written"));
-    }
-    company::IniFile file = company::IniFile::read(fileName);
-    if (edit(file))
-        file.write(fileName);
-}
 
 /// The definition's name as the file writes it; nothing when there is none of that name.
 std::optional<QString> nameInFile(const company::IniFile& file, const QString& name) {
@@ -145,7 +127,7 @@ void DefinitionStore::save(const QString& formName, const SavedDefinition& defin
     if (const QString problem = nameProblem(name); !problem.isEmpty())
         throw data::DataError(data::ErrorKind::BadValue, file, problem);
     makeFolder(file);
-    change(file, [&](company::IniFile& ini) {
+    company::changeIniFile(file, [&](company::IniFile& ini) {
         if (ini.strayLine(name) > 0)
             dropStrayLines(ini, nameInFile(ini, name).value_or(name));
         ini.setValue(name, kDescription, definition.description);
@@ -160,7 +142,7 @@ bool DefinitionStore::remove(const QString& formName, const QString& name) {
     if (!QFileInfo::exists(file))
         return false;
     bool removed = false;
-    change(file, [&](company::IniFile& ini) {
+    company::changeIniFile(file, [&](company::IniFile& ini) {
         removed = ini.removeSection(name.trimmed());
         return removed;
     });

@@ -9,6 +9,7 @@
 #include "app/company/command_line.h"
 #include "app/company/company.h"
 #include "app/company/text_order.h"
+#include "data/error.h"
 #include "framework/ui/demo_company_dialog.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/window_place.h"
@@ -124,7 +125,7 @@ void TYritysValinta::refresh() {
                 m_list->setCurrentItem(row);
         }
     } catch (const std::exception& e) {
-        problem = errorText(e);
+        problem = data::errorText(e);
     }
     if (m_list->currentItem() == nullptr && m_list->topLevelItemCount() > 0)
         m_list->setCurrentItem(m_list->topLevelItem(0));

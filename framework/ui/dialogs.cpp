@@ -67,18 +67,12 @@ void describeByHints(QWidget& window) {
     }
 }
 
-QString errorText(const std::exception& error) {
-    if (const auto* dataError = dynamic_cast<const data::DataError*>(&error))
-        return dataError->finnish();
-    return QString::fromUtf8(error.what());
-}
-
 bool reportErrors(QWidget* parent, const std::function<void()>& work) {
     try {
         work();
         return true;
     } catch (const std::exception& e) {
-        Dialogs::error(parent, errorText(e));
+        Dialogs::error(parent, data::errorText(e));
     }
     return false;
 }

@@ -50,7 +50,4 @@ void describeByHints(QWidget& window);
 /// through the event loop. @return false when it threw.
 bool reportErrors(QWidget* parent, const std::function<void()>& work);
 
-/// The line that tells a person what was thrown: the Finnish text of a data error.
-QString errorText(const std::exception& error);
-
 }  // namespace framework

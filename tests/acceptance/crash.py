@@ -6,7 +6,7 @@ usage: crash.py BIN_DIR [--kills N] [--seed S] [--products N] [--orders N]
 After each kill -9 the company must open and pass `zavdb check`, every record must be old or new,
 never between, every product that the log told of must be new, and a run started again must end with
 the products, groups, store prices and order rows of an uninterrupted one (headers: as a second totals
-pass over those rows gives them)."""
+pass over those rows gives them). Every second kill waits until the run has come to the orders."""
 
 import argparse
 import itertools
@@ -96,6 +96,15 @@ def start(company):
                             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
+def reaches_orders(company, process):
+    """Waits until the run has begun the open orders, its last and shortest steps, or has ended."""
+    name = os.path.join(company.data, "ALVMUUTOS.LOG")
+    while process.poll() is None:
+        if os.path.exists(name) and "Aloitetaan myyntitilausten päivitys" in open(name, encoding="utf-8").read():
+            return
+        time.sleep(0.002)
+
+
 def main():
     a = argparse.ArgumentParser()
     a.add_argument("bins")
@@ -120,18 +129,25 @@ def main():
     shutil.copytree(company.data, fresh)
     old = state(company)
     began = time.monotonic()
-    if start(company).wait() != 0:
+    p = start(company)
+    reaches_orders(company, p)
+    at_orders = time.monotonic() - began
+    if p.wait() != 0:
         raise SystemExit("the uninterrupted run failed")
     took = time.monotonic() - began
     new = state(company)
     start(company).wait()
     again = state(company)  # headers after a second totals pass
-    problems, between, lines = [], 0, 0
+    problems, between, in_orders, lines = [], 0, 0, 0
     for n in range(args.kills):
         shutil.rmtree(company.data)
         shutil.copytree(fresh, company.data)
         p = start(company)
-        time.sleep(r.uniform(0.02, took))
+        if n % 2:
+            reaches_orders(company, p)
+            time.sleep(r.uniform(0, took - at_orders))
+        else:
+            time.sleep(r.uniform(0.02, took))
         p.send_signal(signal.SIGKILL)
         killed = p.wait() == -signal.SIGKILL
         check = company.zavdb("check", "K", check=False)
@@ -140,6 +156,8 @@ def main():
             continue
         half = state(company)
         between += killed and half != old and half != new
+        in_orders += killed and half["TUOTE"] == new["TUOTE"] and any(
+            old[t] != half[t] != new[t] for t in ("MT", "MTRIVI", "WINOT", "WINOTRI"))
         for t in KEYS:
             if t in HEADERS:
                 continue  # summed from rows in whatever state they were
@@ -161,8 +179,8 @@ def main():
                     problems.append(f"kill {n}: {t} {key} ends as {row}, uninterrupted {new[t][key]}")
     for line in problems[:20]:
         print(line)
-    print(f"{args.kills} kills, {between} of them in the middle of the work, {lines} log lines held against "
-          f"their products; a run takes {took:.1f} s")
+    print(f"{args.kills} kills, {between} of them in the middle of the work, {in_orders} within the orders, "
+          f"{lines} log lines held against their products; a run takes {took:.1f} s")
     if not problems:
         shutil.rmtree(folder)
     print(f"{0 if problems else 1} passed, {1 if problems else 0} failed")

@@ -3,7 +3,7 @@
 #include <QFile>
 
 #include "data/sql/result_set.h"
-#include "tests/data/table_fixture.h"
+#include "tests/data/watched_engine.h"
 
 namespace {
 
@@ -71,17 +71,17 @@ class ScriptedStatement : public SqlStatement {
 class QueryTest : public ::testing::Test {
   protected:
     QueryTest() {
-        m_database.makeStatement = [this](const QString& sql) {
+        m_engine.database().makeStatement = [this](const QString& sql) {
             ++m_script.prepared;
             m_sent = sql;
             return std::make_unique<ScriptedStatement>(m_script, sql);
         };
     }
-    Database& database() { return m_database; }
+    Database& database() { return m_engine.database(); }
 
     Script m_script;
     QString m_sent;
-    test::MemoryDatabase m_database{std::make_shared<test::MemoryStore>(test::koeSource()), 1};
+    test::WatchedTestEngine m_engine;
 };
 
 TEST_F(QueryTest, ParametersFollowTheText) {

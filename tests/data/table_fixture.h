@@ -4,9 +4,9 @@
 
 #include <QTemporaryDir>
 
+#include "data/dictionary/dictionary_source.h"
 #include "data/embedded/embedded_database.h"
 #include "data/record/tb_table.h"
-#include "tests/data/memory_engine.h"
 #include "tests/support/client_peer/peer_company.h"
 
 namespace test {
@@ -40,17 +40,6 @@ class Engine {
     virtual ~Engine() = default;
     virtual data::Database& database() = 0;
     virtual data::Database& otherProgram() = 0;
-};
-
-class MemoryTestEngine : public Engine {
-  public:
-    data::Database& database() override { return m_first; }
-    data::Database& otherProgram() override { return m_second; }
-    std::shared_ptr<MemoryStore> store = std::make_shared<MemoryStore>(koeSource());
-
-  private:
-    MemoryDatabase m_first{store, 1};
-    MemoryDatabase m_second{store, 2};
 };
 
 class EmbeddedTestEngine : public Engine {

@@ -1,8 +1,7 @@
-#include "tests/data/table_fixture.h"
-
 #include <QLocale>
 
 #include "data/record/display_format.h"
+#include "tests/data/watched_engine.h"
 
 namespace {
 
@@ -25,16 +24,15 @@ class TableOnEngine : public ::testing::Test {
     }
     T m_engine;
 };
-using Engines =
-    ::testing::Types<test::MemoryTestEngine, test::EmbeddedTestEngine, test::ClientTestEngine>;
+using Engines = ::testing::Types<test::EmbeddedTestEngine, test::ClientTestEngine>;
 TYPED_TEST_SUITE(TableOnEngine, Engines);
 
-class TableTest : public TableOnEngine<test::MemoryTestEngine> {
+class TableTest : public TableOnEngine<test::WatchedTestEngine> {
   protected:
     int readsOf(const std::function<void()>& call) {
-        const int before = m_engine.store->reads;
+        const int before = m_engine.calls.reads;
         call();
-        return m_engine.store->reads - before;
+        return m_engine.calls.reads - before;
     }
 };
 
@@ -153,7 +151,7 @@ TEST_F(TableTest, FailuresLeaveRecordAndStateAsTheyWere) {
     fill(table);
     table.findKey({21});
     const auto failOn = [this](const char* what) {
-        m_engine.store->onCall = [what](const char* call) {
+        m_engine.calls.before = [what](const char* call) {
             if (std::strcmp(call, what) == 0)
                 throw diskError();
         };
@@ -177,19 +175,19 @@ TEST_F(TableTest, FailuresLeaveRecordAndStateAsTheyWere) {
         EXPECT_FALSE(table.hasRange()) << name;
         EXPECT_TRUE(table.filter().isEmpty()) << name;
         EXPECT_EQ(table.state(), TableState::Browse) << name;
-        EXPECT_TRUE(m_engine.store->holders.empty()) << name;
+        EXPECT_EQ(m_engine.calls.locks, 0) << name;
     }
-    m_engine.store->onCall = {};
+    m_engine.calls.before = {};
     table.edit();
     table["Hinta"].setFloat(7.5);
     failOn("write");
     EXPECT_EQ(errorOf([&] { table.post(); }), ErrorKind::Io);
     EXPECT_EQ(table.state(), TableState::Edit);
     EXPECT_EQ(table["Hinta"].asFloat(), 7.5);
-    m_engine.store->onCall = {};
+    m_engine.calls.before = {};
     table.cancel();
     EXPECT_EQ(table["Hinta"].asFloat(), 1);
-    EXPECT_TRUE(m_engine.store->holders.empty());
+    EXPECT_EQ(m_engine.calls.locks, 0);
     // A refused new record is forgotten.
     EXPECT_EQ(errorOf([&] { table.add(30, 1, QStringLiteral("toinen")); }),
               ErrorKind::DuplicateKey);

@@ -4,12 +4,9 @@
 #include <QFile>
 #include <random>
 
-#include "app/company/aliases.h"
-#include "app/company/company.h"
 #include "app/company/logs.h"
-#include "data/embedded/embedded_database.h"
 #include "data/record/record_codec.h"
-#include "data/sql/uni_query.h"
+#include "tests/support/test_company.h"
 
 namespace test {
 
@@ -17,12 +14,6 @@ namespace {
 
 const QString kName = QStringLiteral("Koetusyritys");
 constexpr double kCoefficient = 1.0120967741935485;
-
-void exec(data::Database& database, const QString& sql) {
-    data::TUniQuery query(&database);
-    query.sql().add(sql);
-    query.execSql();
-}
 
 void addProduct(data::Database& database, int number) {
     const QString id = QStringLiteral("T%1").arg(number, 5, 10, QLatin1Char('0'));
@@ -85,12 +76,9 @@ void addOrder(data::Database& database, int order) {
 }  // namespace
 
 void makeFullCompany(const QString& folder, const FullCompanySize& size) {
-    data::createEmbedded(folder, data::allTableSources());
+    createCompany(folder, {{3, 24}, {6, 25.5}});
     const auto database = openCompany(folder);
     database->inTransaction([&] {
-        exec(*database, QStringLiteral("insert into ALVKANTA (luokka, Prosentti) values (3, 24)"));
-        exec(*database,
-             QStringLiteral("insert into ALVKANTA (luokka, Prosentti) values (6, 25.5)"));
         for (int group = 1; group <= 3; ++group)
             exec(*database, QStringLiteral("insert into TRYHMA (Nro, Nimi, VERO, OSTOVERO) "
                                            "values (%1, 'Ryhmä', 3, 3)")
@@ -171,8 +159,7 @@ void LoggingPorts::log(const QString& line) {
     company::WriteAlvMuutosLog(line);
 }
 
-ChangeMorning::ChangeMorning()
-    : m_clock([] { return QDateTime(QDate(2024, 9, 1), QTime(6, 30)); }) {}
+ChangeMorning::ChangeMorning() : m_clock(changeMorning) {}
 
 std::map<QString, double> fieldByKey(data::Database& database, const QString& table,
                                      const QString& field) {

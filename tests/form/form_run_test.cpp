@@ -30,7 +30,7 @@ class FormRun : public ::testing::Test {
         m_form.show();
     }
     QString changed() const {
-        return m_shop.cell(str("select count(*) from TUOTE where LVV = 6 and HINTA = 10.12"));
+        return m_shop.text(str("select count(*) from TUOTE where LVV = 6 and HINTA = 10.12"));
     }
     // Does something while the run goes on, each time the window breathes, until it says true.
     void whileRunning(const std::function<bool()>& action) {

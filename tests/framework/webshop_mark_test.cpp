@@ -4,11 +4,8 @@
 
 #include <QRegularExpression>
 
-#include "data/clock.h"
-#include "data/embedded/embedded_database.h"
-#include "data/sql/uni_query.h"
 #include "framework/core/settings_table.h"
-#include "tests/support/company_folder.h"
+#include "tests/support/test_company.h"
 
 using framework::WebShopMarkWriter;
 
@@ -20,13 +17,7 @@ QString str(const char* utf8) {
 
 class WebShopMarkTest : public ::testing::Test {
   protected:
-    WebShopMarkTest() { data::createEmbedded(m_company.path(), data::allTableSources()); }
-
-    void run(const QString& statement) {
-        data::TUniQuery query(&company::companyDatabase());
-        query.sql().add(statement);
-        query.execSql();
-    }
+    WebShopMarkTest() { m_company.setNow(QDateTime(QDate(2024, 9, 1), QTime(3, 4, 5, 670))); }
 
     /// Rows of a key in the order in which they were written.
     QString rows(const QString& key) {
@@ -41,10 +32,9 @@ class WebShopMarkTest : public ::testing::Test {
         return text;
     }
 
-    test::CompanyFolder m_company;
+    test::TestCompany m_company{{}};
     QStringList m_reports;
     WebShopMarkWriter::Report m_report = [this](const QString& text) { m_reports.append(text); };
-    data::Clock::Override m_clock{[] { return QDateTime(QDate(2024, 9, 1), QTime(3, 4, 5, 670)); }};
 };
 
 TEST_F(WebShopMarkTest, EveryRequestAddsOneRow) {
@@ -95,8 +85,8 @@ TEST_F(WebShopMarkTest, AFailureIsReportedAndTheNextMarkIsWritten) {
 }
 
 TEST_F(WebShopMarkTest, TheLogIsWrittenWhenTheSettingIsOn) {
-    run(str("insert into ini values ('ZAV.INI', 'VERKKOKAUPPA', 'Loki', '1')"));
-    run(str("insert into ini values ('MUU.INI', 'VERKKOKAUPPA', 'Loki', '0')"));
+    m_company.exec(str("insert into ini values ('ZAV.INI', 'VERKKOKAUPPA', 'Loki', '1')"));
+    m_company.exec(str("insert into ini values ('MUU.INI', 'VERKKOKAUPPA', 'Loki', '0')"));
     WebShopMarkWriter writer(company::companyDatabase());
     writer.mark(str("TUOTE"), str("a%1b"), u'P', m_report);
     const QString log = QString::fromUtf8(test::fileBytes(m_company.file(str("WEBKAUPPA.LOG"))));
@@ -108,8 +98,8 @@ TEST_F(WebShopMarkTest, TheLogIsWrittenWhenTheSettingIsOn) {
 
 TEST_F(WebShopMarkTest, SettingsTableValues) {
     data::Database& database = company::companyDatabase();
-    run(str("insert into ini values ('ZAV.INI', 'HAKU', 'O''Hara', 'ä')"));
-    run(str("insert into ini values ('ZAV.INI', 'HAKU', 'tyhjä', '')"));
+    m_company.exec(str("insert into ini values ('ZAV.INI', 'HAKU', 'O''Hara', 'ä')"));
+    m_company.exec(str("insert into ini values ('ZAV.INI', 'HAKU', 'tyhjä', '')"));
     EXPECT_EQ(framework::zavIniValue(database, str("HAKU"), str("O'Hara"), str("x")), str("ä"));
     EXPECT_EQ(framework::zavIniValue(database, str("HAKU"), str("tyhjä"), str("x")), QString());
     EXPECT_EQ(framework::zavIniValue(database, str("HAKU"), str("puuttuu"), str("x")), str("x"));

@@ -150,15 +150,14 @@ TEST(SalesRow, ConvertsAsDerivedByHand) {
         row.kate = single(999);
         row.kateAlv0 = single(999);
 
-        SalesRowChange change;
+        SalesOrderChange change;
         change.sourceClass = 3;
         change.targetClass = c.change.target;
         change.keepVat0 = c.change.keep;
-        change.special = c.change.special;
         change.priceDecimals = c.change.decimals;
         change.salesCoefficient = c.change.sales;
         change.purchaseCoefficient = c.change.purchase;
-        convertSalesRow(row, change, testFactor);
+        convertSalesRow(row, change, c.change.special, testFactor);
 
         EXPECT_EQ(row.verokanta, c.change.target);
         EXPECT_EQ(row.ostoVero, c.expected.ostoVero);
@@ -280,7 +279,7 @@ TEST(PurchaseRow, ConvertsAsDerivedByHand) {
         row.ostoHinta = c.price;
         row.ostoHintaAlv0 = c.vat0;
         row.summa = 999;
-        PurchaseRowChange change;
+        PurchaseOrderChange change;
         change.keepVat0 = c.keep;
         change.sourceClass = 3;
         change.targetClass = 5;

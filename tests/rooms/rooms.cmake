@@ -10,16 +10,18 @@ set(rule_framework "framework;app/company;data")
 set(rule_framework/core "framework/core;app/company;data")
 set(rule_search "search;framework;app/company;data")
 set(rule_vatchange/rules "vatchange/rules")
-set(rule_vatchange/orders "vatchange/orders;vatchange/rules;data;app/company")
-set(rule_vatchange/run "vatchange/run;vatchange/orders;vatchange/rules;framework/core;app/company;data")
+set(rule_vatchange/ports "vatchange/ports")
+set(rule_vatchange/orders "vatchange/orders;vatchange/ports;vatchange/rules;data")
+set(rule_vatchange/run "vatchange/run;vatchange/orders;vatchange/ports;vatchange/rules;framework/core;app/company;data")
 set(rule_vatchange/form "vatchange;search;framework;app/company;data")
 set(rule_app/shell "app;vatchange;search;framework;data")
 set(rule_tools "tools;app/company;data")
-set(rooms data app/company framework framework/core search vatchange/rules vatchange/orders
-    vatchange/run vatchange/form app/shell tools)
+set(rooms data app/company framework framework/core search vatchange/rules vatchange/ports
+    vatchange/orders vatchange/run vatchange/form app/shell tools)
 
 # Rooms without windows: a run is driven and tested without one.
-set(windowless data app/company framework/core vatchange/rules vatchange/orders vatchange/run tools)
+set(windowless data app/company framework/core vatchange/rules vatchange/ports
+    vatchange/orders vatchange/run tools)
 set(window_headers "^Q(Widget|Dialog|Application|MainWindow|MessageBox|Label|PushButton|Painter)$")
 
 set(faults)

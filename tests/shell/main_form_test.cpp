@@ -205,11 +205,11 @@ TEST_F(MainForm, RunMarkKeepsTheChangeFormClosedUntilItIsDeleted) {
 
     m_dialogs.expectQuestion(question, false);
     QTest::mouseClick(button("Button1"), Qt::LeftButton);
-    EXPECT_EQ(m_shop.cell(str("select count(*) from ini where sektio='TAKSAVAIHE'")), str("2"));
+    EXPECT_EQ(m_shop.text(str("select count(*) from ini where sektio='TAKSAVAIHE'")), str("2"));
     m_dialogs.expectQuestion(question, true);
     m_dialogs.expectMessage(str("Ajomerkintä poistettu"));
     QTest::mouseClick(button("Button1"), Qt::LeftButton);
-    EXPECT_EQ(m_shop.cell(str("select count(*) from ini where sektio='TAKSAVAIHE'")), str("0"));
+    EXPECT_EQ(m_shop.text(str("select count(*) from ini where sektio='TAKSAVAIHE'")), str("0"));
     m_dialogs.expectQuestion(question, true);
     m_dialogs.expectMessage(str("Ajomerkintää ei ollut"));
     QTest::mouseClick(button("Button1"), Qt::LeftButton);

@@ -60,7 +60,7 @@ class Program : public ::testing::Test {
     }
 
     bool marked() { return company::ExecutionMarkExists(m_shop.database()); }
-    QString prices() { return m_shop.cell(str("select sum(HINTA) from TUOTE")); }
+    QString prices() { return m_shop.text(str("select sum(HINTA) from TUOTE")); }
 
     test::ShopCompany m_shop;
     QTemporaryDir m_folder;
@@ -76,7 +76,7 @@ TEST_F(Program, ABatchChangesTheCompanyOnceAndMarksIt) {
     EXPECT_EQ(prices(), str("20.24"));
     EXPECT_TRUE(marked());
     EXPECT_EQ(m_shop.logMessages().first(), str("Aloitetaan muutos määrittelylle: ALV255"));
-    EXPECT_EQ(m_shop.cell(str("select count(*) from ini")), str("1"));  // the mark, nothing else
+    EXPECT_EQ(m_shop.text(str("select count(*) from ini")), str("1"));  // the mark, nothing else
 
     const QStringList log = m_shop.logMessages();
     EXPECT_EQ(run(batch), 3);

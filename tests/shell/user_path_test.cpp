@@ -117,16 +117,16 @@ TEST_F(UserPath, FromTheCompanyToTheDeletedMark) {
     type(form->controls().targetClass, "3");
     m_dialogs.expectMessage(same);
     QTest::mouseClick(form->Esikatsele, Qt::LeftButton);
-    EXPECT_EQ(m_shop.cell(str("select count(*) from TUOTE where LVV = 3")), str("3"));
+    EXPECT_EQ(m_shop.text(str("select count(*) from TUOTE where LVV = 3")), str("3"));
     EXPECT_EQ(m_shop.logMessages(), QStringList(same));
 
     // the run: 20 x 1.255 / 1.24 = 20.2419.., to whole cents 20.24; the other groups stay
     type(form->controls().targetClass, "6");
     m_dialogs.expectMessage(str("Tuotetiedot muutettu ( 1 kpl)"));
     QTest::mouseClick(form->Esikatsele, Qt::LeftButton);
-    EXPECT_EQ(m_shop.cell(str("select HINTA from TUOTE where NUMERO = '2' and LVV = 6")),
-              m_shop.cell(str("select 20.24 from TUOTE where NUMERO = '2'")));
-    EXPECT_EQ(m_shop.cell(str("select count(*) from TUOTE where HINTA = 10 and LVV = 3")),
+    EXPECT_EQ(m_shop.text(str("select HINTA from TUOTE where NUMERO = '2' and LVV = 6")),
+              m_shop.text(str("select 20.24 from TUOTE where NUMERO = '2'")));
+    EXPECT_EQ(m_shop.text(str("select count(*) from TUOTE where HINTA = 10 and LVV = 3")),
               str("2"));
     EXPECT_TRUE(m_shop.logMessages().contains(str("Tuotetiedot muutettu ( 1 kpl)")));
 
@@ -143,7 +143,7 @@ TEST_F(UserPath, FromTheCompanyToTheDeletedMark) {
                              true);
     m_dialogs.expectMessage(str("Ajomerkintä poistettu"));
     QTest::mouseClick(main.findChild<QWidget*>(str("Button1")), Qt::LeftButton);
-    EXPECT_EQ(m_shop.cell(str("select count(*) from ini")), str("0"));
+    EXPECT_EQ(m_shop.text(str("select count(*) from ini")), str("0"));
     EXPECT_TRUE(main.close());
     EXPECT_EQ(main.changeForm(), nullptr);
 }

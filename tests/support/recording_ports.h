@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "vatchange/run/run_ports.h"
+#include "vatchange/ports/run_ports.h"
 
 namespace test {
 

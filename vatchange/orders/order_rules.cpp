@@ -25,6 +25,10 @@ double discounted(double amount, double percent) {
     return percent > 0 && percent <= 100 ? amount * (1 - percent / 100) : amount;
 }
 
+double positiveOrOne(double coefficient) {
+    return coefficient > 0 ? coefficient : 1.0;
+}
+
 double netVat0(const SalesRow& row) {
     return discounted(row.ahintaAlv0 * row.maara, row.alennus);
 }
@@ -43,26 +47,28 @@ bool isSalesRowConverted(const SalesRow& row, qint64 sourceClass) {
     return row.verokanta == sourceClass && row.toimitettava != 0;
 }
 
-void convertSalesRow(SalesRow& row, const SalesRowChange& change, const VatFactor& factor) {
+void convertSalesRow(SalesRow& row, const SalesOrderChange& change, bool special,
+                     const VatFactor& factor) {
     row.verokanta = change.targetClass;
     if (row.ostoVero == change.sourceClass)
         row.ostoVero = change.targetClass;
-    row.ostohinta = row.ostohinta * change.purchaseCoefficient;
+    row.ostohinta = row.ostohinta * positiveOrOne(change.purchaseCoefficient);
     row.ostohintaAlv0 = row.ostohinta / factor(row.ostoVero);
 
-    if (change.keepVat0 && !change.special) {
+    if (change.keepVat0 && !special) {
         row.ahinta = factor(row.verokanta) * row.ahintaAlv0;
         row.ahinta = roundHalfAway(row.ahinta, change.priceDecimals);
     } else {
-        if (!change.special) {
-            row.ahinta = row.ahinta * change.salesCoefficient;
-            if (change.salesCoefficient != 1.0)
+        if (!special) {
+            const double coefficient = positiveOrOne(change.salesCoefficient);
+            row.ahinta = row.ahinta * coefficient;
+            if (coefficient != 1.0)
                 row.ahinta = roundHalfAway(row.ahinta, change.priceDecimals);
         }
         row.ahintaAlv0 = row.ahinta / factor(row.verokanta);
     }
 
-    if (!change.special)
+    if (!special)
         row.netto =
             roundBankers(discounted(row.ahinta * row.maara, row.alennus), change.priceDecimals);
     row.kate = row.netto - row.maara * row.ostohinta;
@@ -96,13 +102,13 @@ bool isPurchaseRowConverted(const PurchaseRow& row, qint64 sourceClass) {
     return row.alvLuokka == sourceClass && row.tulematta != 0;
 }
 
-void convertPurchaseRow(PurchaseRow& row, const PurchaseRowChange& change,
+void convertPurchaseRow(PurchaseRow& row, const PurchaseOrderChange& change,
                         const VatFactor& factor) {
     row.alvLuokka = change.targetClass;
     if (change.keepVat0) {
         row.ostoHinta = row.ostoHintaAlv0 * factor(row.alvLuokka);
     } else {
-        row.ostoHinta = row.ostoHinta * change.coefficient;
+        row.ostoHinta = row.ostoHinta * positiveOrOne(change.coefficient);
         row.ostoHintaAlv0 = row.ostoHinta / factor(row.alvLuokka);
     }
     row.summa = row.ostoHinta * row.maara * (1 - row.alennus / 100);

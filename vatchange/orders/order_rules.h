@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QDate>
 #include <functional>
 
 /// The arithmetic of one order row and of an order's totals: values in, values out. Operations are
@@ -61,22 +61,24 @@ struct SalesRow {
     bool countsInTotals() const { return !rakenneEmo && !pakettiLapsi && !onVariKokoEmo; }
 };
 
-/// How the rows of one sales order change.
-struct SalesRowChange {
+/// How the open sales orders are converted.
+struct SalesOrderChange {
     int priceDecimals = 2;
-    bool keepVat0 = false;
-    bool special = false;  ///< the order's charging method keeps sales prices
+    bool keepVat0 = false;  ///< prices follow from the price without VAT
     qint64 sourceClass = 0;
     qint64 targetClass = 0;
-    double purchaseCoefficient = 1.0;
-    double salesCoefficient = 1.0;
+    double purchaseCoefficient = 1.0;  ///< not above 0: 1.0
+    double salesCoefficient = 1.0;     ///< not above 0: 1.0
+    QDate deliveryLimit;               ///< orders delivered earlier are left out; invalid: none
 };
 
 /// True when the row carries the source class and has something left to deliver (a negative
 /// quantity counts).
 bool isSalesRowConverted(const SalesRow& row, qint64 sourceClass);
 
-void convertSalesRow(SalesRow& row, const SalesRowChange& change, const VatFactor& factor);
+/// `special`: the order's charging method keeps the row's sales price and total.
+void convertSalesRow(SalesRow& row, const SalesOrderChange& change, bool special,
+                     const VatFactor& factor);
 
 /// Totals of a sales order's header.
 struct SalesTotals {
@@ -106,16 +108,19 @@ struct PurchaseRow {
     bool variKokoLapsi = false;
 };
 
-struct PurchaseRowChange {
-    bool keepVat0 = false;
+/// How the open purchase orders are converted.
+struct PurchaseOrderChange {
+    int priceDecimals = 2;  ///< of the trace alone; nothing is rounded
+    bool keepVat0 = false;  ///< prices follow from the price without VAT
     qint64 sourceClass = 0;
     qint64 targetClass = 0;
-    double coefficient = 1.0;
+    double coefficient = 1.0;  ///< not above 0: 1.0
 };
 
 bool isPurchaseRowConverted(const PurchaseRow& row, qint64 sourceClass);
 
-void convertPurchaseRow(PurchaseRow& row, const PurchaseRowChange& change, const VatFactor& factor);
+void convertPurchaseRow(PurchaseRow& row, const PurchaseOrderChange& change,
+                        const VatFactor& factor);
 
 /// Sums of a purchase order's header: unrounded doubles until they are stored.
 struct PurchaseTotals {

@@ -5,8 +5,8 @@
 #include <deque>
 
 #include "data/engine.h"
+#include "vatchange/ports/run_ports.h"
 #include "vatchange/rules/change_definition.h"
-#include "vatchange/run/run_ports.h"
 
 namespace vatchange {
 

@@ -16,7 +16,7 @@ VatClasses VatClasses::read(data::Database& database) {
     return classes;
 }
 
-double VatClasses::ratePercent(int vatClass) const {
+double VatClasses::ratePercent(qint64 vatClass) const {
     const auto found = m_rates.find(vatClass);
     return found == m_rates.end() ? 0.0 : found->second;
 }
@@ -56,12 +56,6 @@ bool RunContext::stopRequested() {
 void RunContext::stop(const QString& cause) {
     result.cancelled = true;
     stopCause = cause;
-}
-
-QString errorText(const std::exception& error) {
-    if (const auto* dataError = dynamic_cast<const data::DataError*>(&error))
-        return dataError->finnish();
-    return QString::fromUtf8(error.what());
 }
 
 }  // namespace vatchange

@@ -6,12 +6,13 @@
 #include <map>
 
 #include "data/engine.h"
+#include "data/error.h"
 #include "data/sql/uni_query.h"
+#include "vatchange/ports/run_ports.h"
 #include "vatchange/rules/change_definition.h"
 #include "vatchange/rules/price_rules.h"
 #include "vatchange/rules/statements.h"
 #include "vatchange/run/change_run.h"
-#include "vatchange/run/run_ports.h"
 #include "vatchange/run/shelf_labels.h"
 
 namespace vatchange {
@@ -22,7 +23,7 @@ class VatClasses {
     static VatClasses read(data::Database& database);
 
     bool exists(int vatClass) const { return m_rates.count(vatClass) > 0; }
-    double ratePercent(int vatClass) const;  ///< 0 for a class that there is not
+    double ratePercent(qint64 vatClass) const;  ///< 0 for a class that there is not
 
   private:
     std::map<qint64, double> m_rates;
@@ -66,8 +67,7 @@ struct RunContext {
     }
 };
 
-/// An error in Finnish, for messages and the log.
-QString errorText(const std::exception& error);
+using data::errorText;
 
 // The steps, in the order in which a run takes them. A failure is thrown out of the step; rows
 // changed before it stay changed.

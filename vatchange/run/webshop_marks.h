@@ -1,7 +1,7 @@
 #pragma once
 
 #include "framework/core/webshop_mark.h"
-#include "vatchange/run/run_ports.h"
+#include "vatchange/ports/run_ports.h"
 
 namespace vatchange {
 

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QDateTime>
+#include <QStringList>
+#include <map>
+#include <memory>
+
+#include "data/clock.h"
+#include "data/embedded/embedded_database.h"
+#include "data/sql/uni_query.h"
+#include "tests/support/company_folder.h"
+
+namespace test {
+
+/// Per cent by VAT class.
+using VatRates = std::map<int, double>;
+
+inline qint64 exec(data::Database& database, const QString& sql) {
+    data::TUniQuery query(&database);
+    query.sql().setText(sql);
+    return query.execSql();
+}
+
+/// Makes a company's database in a folder: the VAT classes and no other row.
+inline void createCompany(const QString& folder, const VatRates& rates,
+                          const QStringList& withoutTables = {}) {
+    std::vector<data::TableSource> tables = data::allTableSources();
+    std::erase_if(tables, [&withoutTables](const data::TableSource& table) {
+        return withoutTables.contains(table.name, Qt::CaseInsensitive);
+    });
+    data::createEmbedded(folder, tables);
+    const auto database = data::openEmbedded(QStringLiteral("Koeyritys"), folder);
+    for (const auto& [vatClass, rate] : rates)
+        exec(*database, QStringLiteral("insert into ALVKANTA (luokka, Prosentti) values (%1, %2)")
+                            .arg(vatClass)
+                            .arg(rate));
+}
+
+/// The morning of the change.
+inline QDateTime changeMorning() {
+    return QDateTime(QDate(2024, 9, 1), QTime(6, 30));
+}
+
+/// A company of its own in a temporary folder, in use as the current one while it lives, at half
+/// past six on the morning of the change.
+class TestCompany : public CompanyFolder {
+  public:
+    explicit TestCompany(const VatRates& rates, const QStringList& withoutTables = {})
+        : m_now(changeMorning()), m_clock([this] { return m_now; }) {
+        createCompany(path(), rates, withoutTables);
+    }
+
+    data::Database& database() const { return company::companyDatabase(); }
+    /// A second connection, as another program would have it.
+    std::unique_ptr<data::Database> otherProgram() const {
+        return data::openEmbedded(QStringLiteral("Koeyritys"), path());
+    }
+
+    qint64 exec(const QString& sql) const { return test::exec(database(), sql); }
+    /// First column of the first row. No row fails the test.
+    data::Value cell(const QString& sql) const {
+        data::TUniQuery query(&database());
+        query.sql().setText(sql);
+        query.open();
+        if (query.eof()) {
+            ADD_FAILURE() << "no row: " << sql.toStdString();
+            return {};
+        }
+        return query.fieldByName(query.fieldNames().first()).value();
+    }
+    double number(const QString& sql) const { return cell(sql).toDouble(); }
+    QString text(const QString& sql) const { return cell(sql).toString(); }
+    /// The records of every table, byte for byte.
+    std::map<QString, QList<QByteArray>> everything() const {
+        std::map<QString, QList<QByteArray>> tables;
+        for (const QString& name : database().tableNames()) {
+            const auto file = database().openTable(name);
+            for (const auto& record : file->fromEnd(0, data::Direction::Forward, 1000000))
+                tables[name] += record.bytes;
+        }
+        return tables;
+    }
+
+    void setNow(const QDateTime& now) { m_now = now; }
+
+  private:
+    QDateTime m_now;
+    data::Clock::Override m_clock;
+};
+
+}  // namespace test
