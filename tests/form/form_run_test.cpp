@@ -88,7 +88,7 @@ TEST_F(FormRun, AsksBeforeItRunsADefinitionWithProblems) {
     };
     m_dialogs.expectMessage(
         str("Huomaa: määrittelyn \"Koe\" arvoja ei voitu lukea, käytetään oletusarvoja: "
-            "Kampanjat=on; VieHr=x"));
+            "VieHr=x; Kampanjat=on"));
     load({{str("OstohintaEdit"), str("0")},
           {str("Kampanjat"), str("on")},
           {str("VieHr"), str("x")},
