@@ -195,8 +195,6 @@ QMap<QString, QString> TAlvMuutosLomake::currentValues() const {
 void TAlvMuutosLomake::afterLoad() {
     refreshRestrictionBoxes();
     refreshClassLabels();
-    if (unattended())
-        return;  // the run refuses the definition, or tells of it
     bool carriedOver = false;
     QStringList unreadable;
     for (const LoadFinding& finding : m_definition.findings) {
@@ -209,7 +207,8 @@ void TAlvMuutosLomake::afterLoad() {
         NaytaViesti(
             QStringLiteral("Kertoimia päivitetty edellisen taksavaiheen yhteydessä tallennetuista "
                            "asetuksista"));
-    if (!unreadable.isEmpty()) {
+    // unattended the run refuses the definition, or tells of it
+    if (!unreadable.isEmpty() && !unattended()) {
         NaytaViesti(
             QStringLiteral(
                 "Huomaa: määrittelyn \"%1\" arvoja ei voitu lukea, käytetään oletusarvoja: ")
