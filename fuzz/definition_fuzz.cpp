@@ -1,8 +1,6 @@
-// Any bytes as a form's saved definitions: read, set into the kinds of controls that a definition
-// has, saved and read again. A value is taken or refused; what is taken reads back. The condition
-// that a definition's texts lead to holds nothing of them but whole numbers.
+// Any bytes as a form's saved definitions: read, decoded, judged, saved and read again.
 
-#include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -11,8 +9,7 @@
 
 #include "data/error.h"
 #include "framework/core/definition_store.h"
-#include "framework/ui/choice_controls.h"
-#include "framework/ui/value_edits.h"
+#include "vatchange/definition/definition_problems.h"
 #include "vatchange/rules/selection.h"
 #include "vatchange/rules/statements.h"
 
@@ -25,59 +22,44 @@ void require(bool holds, int line = __builtin_LINE()) {
     std::abort();
 }
 
-struct Controls {
-    framework::CheckBox check;
-    framework::NumberEdit number{9};
-    framework::DecimalEdit decimal{4, 1.0};
-    framework::DateEdit date;
-    framework::TextEdit text;
-    framework::LookupCombo combo;
-    framework::CheckList list;
-    framework::RadioGroup radio{QStringLiteral("r"), {QStringLiteral("a"), QStringLiteral("b")}, 0};
+// What is taken reads back; the statements that a definition's texts lead to hold nothing of them
+// but whole numbers and names of price columns.
+void useDefinition(const framework::SavedDefinition& saved) {
+    const vatchange::DecodedDefinition decoded = vatchange::decodeDefinition(saved);
+    framework::SavedDefinition written;
+    written.values = vatchange::encodeDefinition(decoded.definition, saved);
+    const vatchange::DecodedDefinition again = vatchange::decodeDefinition(written);
+    require(again.unreadable.empty() && again.missing.empty());
+    require(again.definition == decoded.definition);
+    require(vatchange::encodeDefinition(again.definition, written) == written.values);
 
-    Controls() {
-        combo.addRow(QStringLiteral("0"), QStringLiteral("Ei muutosta"));
-        combo.addRow(QStringLiteral("hinta3"), QStringLiteral("Hinta 3"));
-        list.addNumbered(1, QStringLiteral("Yksi"));
-        list.addNumbered(12, QStringLiteral("Kaksitoista"));
-    }
-    std::vector<framework::SavedControl*> all() {
-        return {&check, &number, &decimal, &date, &text, &combo, &list, &radio};
-    }
-};
+    vatchange::LoadedDefinition loaded = vatchange::loadDefinition(saved);
+    require(loaded.findings.size() >= decoded.unreadable.size());
+    require(vatchange::stillHolding(loaded.findings, loaded.definition).size() ==
+            loaded.findings.size());
+    vatchange::ChangeDefinition& definition = loaded.definition;
+    require(vatchange::applyLoadRules(definition).empty());
+    static const vatchange::CompanyFacts facts = {{{1, 3, 6}}, {{1, 2}}};
+    for (const vatchange::DefinitionProblem& problem : vatchange::definitionProblems(loaded, facts))
+        require(!problem.reason.isEmpty());
+    vatchange::definitionNotes(loaded, facts);
+    const bool allCustomers = definition.customerGroups.empty();
+    vatchange::dropMissingGroups(definition, facts);
+    require(definition.customerGroups.empty() == allCustomers);
 
-void setValue(framework::SavedControl& control, const QString& value) {
-    const QString before = control.savedValue();
-    if (!control.setSavedValue(value)) {
-        require(control.savedValue() == before);
-        return;
-    }
-    const QString saved = control.savedValue();
-    require(control.setSavedValue(saved));
-    require(control.savedValue() == saved);
-}
-
-void useValue(Controls& controls, const QString& value) {
-    for (framework::SavedControl* control : controls.all())
-        setValue(*control, value);
-    vatchange::ChangeDefinition definition;
-    for (vatchange::GroupRestriction* group :
-         {&definition.subGroup, &definition.productGroup, &definition.mainGroup}) {
-        group->on = true;
-        group->first = controls.number.value();
-        group->ignored = value;
-    }
-    definition.productRangeOn = true;
-    definition.productFirst = definition.productLast = value;
     static const QRegularExpression harmless(QStringLiteral("^[A-Za-z0-9_ .,()<>=]*$"));
     require(harmless.match(vatchange::selectionCondition(definition)).hasMatch());
     require(harmless.match(vatchange::groupRangeCondition(definition)).hasMatch());
-    definition.levels[0].source = value;
-    definition.levels[0].coefficient = controls.decimal.value();
-    const QString assignments =
-        vatchange::storePriceAssignments(definition, controls.decimal.value());
-    if (!vatchange::isPriceColumn(value))
-        require(assignments.isEmpty());
+    static const QRegularExpression assignment(QStringLiteral("^[A-Za-z0-9_ .,()*/+=]*$"));
+    require(assignment.match(vatchange::storePriceAssignments(definition, 1.255)).hasMatch());
+}
+
+// Any text is tried as the value of each field of the table, too.
+void useText(const QString& text) {
+    framework::SavedDefinition saved;
+    for (const vatchange::ChangeField& field : vatchange::changeFields())
+        saved.values.insert(field.control, text);
+    useDefinition(saved);
 }
 
 }  // namespace
@@ -85,12 +67,6 @@ void useValue(Controls& controls, const QString& value) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size > 4096)
         return 0;
-    static int argc = 1;
-    static char name[] = "fuzz";
-    static char* argv[] = {name, nullptr};
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static const QApplication application(argc, argv);
-    static Controls controls;
     static const QTemporaryDir folder;
     const QString form = QStringLiteral("Lomake");
     framework::DefinitionStore store(folder.path());
@@ -106,8 +82,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             const std::optional<framework::SavedDefinition> saved =
                 store.load(form, definitionName);
             require(saved.has_value());
+            useDefinition(*saved);
             for (const QString& value : saved->values)
-                useValue(controls, value);
+                useText(value);
             if (!framework::DefinitionStore::nameProblem(definitionName).isEmpty())
                 continue;
             store.save(form, *saved);

@@ -13,8 +13,7 @@ QString loadProblem(const QString& name, const BatchPorts& ports) {
     try {
         return ports.load(name) ? QString() : QStringLiteral("Määrittelyä ei löydy: ") + name;
     } catch (const data::DataError& e) {
-        return QStringLiteral("Määrittelyä \"%1\" ei voitu lukea, sitä ei ajeta: ").arg(name) +
-               e.finnish();
+        return QStringLiteral("Määrittelyä ei ajeta: \"%1\": ").arg(name) + e.finnish();
     }
 }
 

@@ -49,16 +49,6 @@ void makeFolder(const QString& fileName) {
 
 }  // namespace
 
-std::optional<QString> SavedDefinition::value(const QString& control) const {
-    if (const auto exact = values.constFind(control); exact != values.constEnd())
-        return *exact;
-    for (auto it = values.constBegin(); it != values.constEnd(); ++it) {
-        if (it.key().compare(control, Qt::CaseInsensitive) == 0)
-            return *it;
-    }
-    return std::nullopt;
-}
-
 DefinitionStore::DefinitionStore() = default;
 
 DefinitionStore::DefinitionStore(QString settingsFolder)

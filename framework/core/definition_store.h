@@ -1,20 +1,12 @@
 #pragma once
 
-#include <QMap>
 #include <QString>
 #include <QStringList>
 #include <optional>
 
-namespace framework {
+#include "framework/core/saved_definition.h"
 
-/// One saved definition: control names with their values, as the file has them.
-struct SavedDefinition {
-    QString name;
-    QString description;            ///< key "Selite"
-    QMap<QString, QString> values;  ///< control name -> value; look up through value()
-    /// The value of a control, name compared without regard to case.
-    std::optional<QString> value(const QString& control) const;
-};
+namespace framework {
 
 /// The store of named parameter sets per form: the file FORM.INI in the folder "MAARITYS" of the
 /// company's data folder (of its local folder when the form's flag PaikallinenMaaritys is set), one

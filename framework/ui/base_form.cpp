@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 
 #include "data/error.h"
+#include "framework/core/definition_store.h"
 #include "framework/ui/close_deferral.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/dialogs.h"
@@ -46,30 +47,23 @@ TPerusForm::TPerusForm(const QString& formName, QWidget* parent)
 
 SavedDefinition TPerusForm::currentDefinition(const QString& name,
                                               const QString& description) const {
-    return {name, description, controlValues(*this)};
+    return {name, description, currentValues()};
 }
 
 void TPerusForm::applyDefinition(const SavedDefinition& definition) {
-    const auto unreadable = setControlValues(*this, definition, m_defaults);
+    showValues(definition);
     m_loaded = definition;
+    m_known = currentValues();
     showLoadedName();
     showDescription(definition.description);
     afterLoad();
-    m_known = controlValues(*this);
-    if (unreadable.empty())
-        return;
-    QStringList items;
-    for (const UnreadableValue& item : unreadable)
-        items.append(item.control + QLatin1Char('=') + item.value);
-    NaytaViesti(QStringLiteral("Määrittelyn \"%1\" arvoja ei voitu lukea, käytetään oletusarvoja: ")
-                    .arg(definition.name) +
-                items.join(QStringLiteral("; ")));
 }
 
-void TPerusForm::definitionsChanged(const SavedDefinition& saved) {
-    m_loaded = saved;
-    m_known = controlValues(*this);
-    showDescription(saved.description);
+void TPerusForm::definitionSaved(const SavedDefinition& definition) {
+    m_loaded = definition;
+    m_known = currentValues();
+    showDescription(definition.description);
+    afterSave();
     refreshNames();
 }
 
@@ -86,16 +80,16 @@ void TPerusForm::showLoadedName() {
 }
 
 void TPerusForm::restoreLastState() {
-    m_defaults = controlValues(*this);
-    m_known = m_defaults;
+    m_known = currentValues();
     refreshNames();
     std::optional<SavedDefinition> usual;
     try {
         usual = DefinitionStore().load(formName(), DefinitionStore::kDefaultName);
     } catch (const data::DataError& e) {
-        NaytaViesti(QStringLiteral("Määrittelyä \"%1\" ei voitu lukea, käytetään oletusarvoja: ")
-                        .arg(DefinitionStore::kDefaultName) +
-                    e.finnish());
+        NaytaViesti(
+            QStringLiteral("Huomaa: määrittelyä \"%1\" ei voitu lukea, käytetään oletusarvoja: ")
+                .arg(DefinitionStore::kDefaultName) +
+            e.finnish());
     }
     if (usual)
         applyDefinition(*usual);
@@ -122,7 +116,7 @@ void TPerusForm::TalletusClick() {
         return;
     reportErrors(this, [this] {
         const CloseDeferral deferral(this);
-        TRapMaarForm(*this).exec();
+        TRapMaarForm(*this, this).exec();
     });
 }
 

@@ -4,9 +4,8 @@
 #include <QPushButton>
 #include <QWidget>
 
-#include "framework/core/definition_store.h"
 #include "framework/ui/choice_controls.h"
-#include "framework/ui/control_values.h"
+#include "framework/ui/definition_owner.h"
 #include "framework/ui/pdf_report.h"
 
 namespace framework {
@@ -14,14 +13,15 @@ namespace framework {
 /// Base of the forms whose controls make a definition that can be saved, loaded and carried out:
 /// the definition choice `LatausCombo` and the buttons `Talletus`, `Esikatsele`, `Tulosta`, `Pdf`
 /// and `Sahkoposti`. A descendant builds its controls, places these, and calls restoreLastState()
-/// at the end of its creation.
-class TPerusForm : public QWidget {
+/// at the end of its creation. What its controls say is known here only as texts by control name;
+/// reading and writing them is the descendant's.
+class TPerusForm : public QWidget, public DefinitionOwner {
     Q_OBJECT
   public:
     /// `formName` is the form's object name and the name of its definitions in the store.
     explicit TPerusForm(const QString& formName, QWidget* parent = nullptr);
 
-    QString formName() const { return objectName(); }
+    QString formName() const override { return objectName(); }
     ChoiceCombo* LatausCombo;
     QPushButton* Talletus;
     QPushButton* Esikatsele;
@@ -29,26 +29,28 @@ class TPerusForm : public QWidget {
     QPushButton* Pdf;
     QPushButton* Sahkoposti;
 
-    /// The definition now in the controls, as loaded or saved last; no name when none was.
-    const SavedDefinition& loadedDefinition() const { return m_loaded; }
-    /// What the controls say, under a name and description.
-    SavedDefinition currentDefinition(const QString& name, const QString& description) const;
-
-    /// Puts a definition into the controls; what could not be read is reported.
-    void applyDefinition(const SavedDefinition& definition);
-    /// Called by the definition window after it has saved or deleted.
-    void definitionsChanged(const SavedDefinition& saved);
-    /// Whether the controls say something else than when they were last loaded or saved.
-    bool hasUnsavedChanges() const { return controlValues(*this) != m_known; }
+    const SavedDefinition& loadedDefinition() const override { return m_loaded; }
+    SavedDefinition currentDefinition(const QString& name,
+                                      const QString& description) const override;
+    void applyDefinition(const SavedDefinition& definition) override;
+    void definitionSaved(const SavedDefinition& definition) override;
     /// Reads the names of the saved definitions into LatausCombo.
-    void refreshNames();
+    void refreshNames() override;
+    /// Whether the controls say something else than when they were last loaded or saved.
+    bool hasUnsavedChanges() const { return currentValues() != m_known; }
 
   protected:
-    /// Remembers the present values as the controls' defaults and loads "Normaali" if there is one;
-    /// a damaged one is reported, and the defaults stay.
+    /// Loads "Normaali" if there is one; a damaged one is reported, and the present values stay.
     void restoreLastState();
-    /// After every load: the form refreshes what depends on its controls.
+    /// What the controls say, by control name, as a definition file has it.
+    virtual QMap<QString, QString> currentValues() const = 0;
+    /// Shows a loaded definition in the controls. No control tells of its change.
+    virtual void showValues(const SavedDefinition& definition) = 0;
+    /// After every load: the form refreshes what depends on its controls and reports what could not
+    /// be read.
     virtual void afterLoad() {}
+    /// After every save of what the controls say.
+    virtual void afterSave() {}
     /// The definition in the controls was loaded or saved: it may have another description.
     virtual void showDescription(const QString& /*description*/) {}
     /// Before the controls are saved, reported or carried out: whether the text being typed can be
@@ -67,7 +69,6 @@ class TPerusForm : public QWidget {
     QString reportFileName() const;
     void showLoadedName();
 
-    QMap<QString, QString> m_defaults;
     QMap<QString, QString> m_known;  ///< the values as last loaded or saved
     SavedDefinition m_loaded;
 };

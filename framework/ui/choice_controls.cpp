@@ -7,18 +7,6 @@
 
 namespace framework {
 
-QString CheckBox::savedValue() const {
-    return isChecked() ? QStringLiteral("1") : QStringLiteral("0");
-}
-
-bool CheckBox::setSavedValue(const QString& value) {
-    const QString trimmed = value.trimmed();
-    if (trimmed != QLatin1String("0") && trimmed != QLatin1String("1"))
-        return false;
-    setChecked(trimmed == QLatin1String("1"));
-    return true;
-}
-
 void ChoiceCombo::wheelEvent(QWheelEvent* event) {
     event->ignore();
 }
@@ -31,19 +19,13 @@ bool LookupCombo::setKey(const QString& key) {
     return true;
 }
 
-bool LookupCombo::setSavedValue(const QString& value) {
-    const QString trimmed = value.trimmed();
-    return setKey(trimmed.isEmpty() ? QStringLiteral("0") : trimmed);
-}
-
 void LookupCombo::focusOutEvent(QFocusEvent* event) {
     ChoiceCombo::focusOutEvent(event);
     if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
         Q_EMIT exited();
 }
 
-RadioGroup::RadioGroup(const QString& caption, const QStringList& items, int chosen,
-                       QWidget* parent)
+RadioGroup::RadioGroup(const QString& caption, const QStringList& items, QWidget* parent)
     : QGroupBox(caption, parent), m_buttons(new QButtonGroup(this)), m_grid(new QGridLayout(this)) {
     setAccessibleName(caption);
     for (const QString& item : items) {
@@ -54,7 +36,6 @@ RadioGroup::RadioGroup(const QString& caption, const QStringList& items, int cho
         m_grid->addWidget(button, row, 0);
     }
     setRows(static_cast<int>(items.size()));
-    setItemIndex(chosen);
 }
 
 void RadioGroup::setRows(int rows) {
@@ -83,60 +64,44 @@ QStringList RadioGroup::items() const {
     return texts;
 }
 
-QString RadioGroup::savedValue() const {
-    return QString::number(itemIndex());
-}
+namespace {
+constexpr int kNumberRole = Qt::UserRole;
+constexpr int kMissingRole = Qt::UserRole + 1;  // a checked number that the list lacks
+}  // namespace
 
-bool RadioGroup::setSavedValue(const QString& value) {
-    bool ok = false;
-    const int index = value.trimmed().toInt(&ok);
-    if (!ok || m_buttons->button(index) == nullptr)
-        return false;
-    setItemIndex(index);
-    return true;
-}
-
-void CheckList::addNumbered(int number, const QString& name) {
+QListWidgetItem* CheckList::addNumbered(int number, const QString& name) {
     auto* row = new QListWidgetItem(QString::number(number) + QLatin1Char('=') + name, this);
     row->setFlags(Qt::ItemIsEnabled | Qt::ItemIsUserCheckable | Qt::ItemIsSelectable);
     row->setCheckState(Qt::Unchecked);
-    row->setData(Qt::UserRole, number);
+    row->setData(kNumberRole, number);
+    return row;
 }
 
 std::vector<int> CheckList::checkedNumbers() const {
     std::vector<int> numbers;
     for (int i = 0; i < count(); ++i) {
         if (item(i)->checkState() == Qt::Checked)
-            numbers.push_back(item(i)->data(Qt::UserRole).toInt());
+            numbers.push_back(item(i)->data(kNumberRole).toInt());
     }
     return numbers;
 }
 
 void CheckList::setCheckedNumbers(const std::vector<int>& numbers) {
-    for (int i = 0; i < count(); ++i) {
-        const int number = item(i)->data(Qt::UserRole).toInt();
-        const bool checked = std::find(numbers.begin(), numbers.end(), number) != numbers.end();
+    std::vector<int> missing = numbers;
+    for (int i = count() - 1; i >= 0; --i) {
+        if (item(i)->data(kMissingRole).toBool()) {
+            delete takeItem(i);
+            continue;
+        }
+        const int number = item(i)->data(kNumberRole).toInt();
+        const bool checked = std::erase(missing, number) > 0;
         item(i)->setCheckState(checked ? Qt::Checked : Qt::Unchecked);
     }
-}
-
-QString CheckList::savedValue() const {
-    QStringList numbers;
-    for (const int number : checkedNumbers())
-        numbers.append(QString::number(number));
-    return numbers.join(QLatin1Char(','));
-}
-
-bool CheckList::setSavedValue(const QString& value) {
-    std::vector<int> numbers;
-    for (const QString& part : value.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-        bool ok = false;
-        numbers.push_back(part.trimmed().toInt(&ok));
-        if (!ok)
-            return false;
+    for (const int number : missing) {
+        QListWidgetItem* row = addNumbered(number, QStringLiteral("(ei löydy)"));
+        row->setData(kMissingRole, true);
+        row->setCheckState(Qt::Checked);
     }
-    setCheckedNumbers(numbers);
-    return true;
 }
 
 }  // namespace framework

@@ -9,18 +9,7 @@
 #include <QStringList>
 #include <vector>
 
-#include "framework/ui/saved_control.h"
-
 namespace framework {
-
-/// A yes/no of a definition: "1" or "0".
-class CheckBox : public QCheckBox, public SavedControl {
-    Q_OBJECT
-  public:
-    using QCheckBox::QCheckBox;
-    QString savedValue() const override;
-    bool setSavedValue(const QString& value) override;
-};
 
 /// A drop-down list that the mouse wheel passes over: scrolling must not choose.
 class ChoiceCombo : public QComboBox {
@@ -33,7 +22,7 @@ class ChoiceCombo : public QComboBox {
 };
 
 /// A look-up combo: shows names, its value is the key of the chosen row.
-class LookupCombo : public ChoiceCombo, public SavedControl {
+class LookupCombo : public ChoiceCombo {
     Q_OBJECT
   public:
     explicit LookupCombo(QWidget* parent = nullptr) : ChoiceCombo(parent) {}
@@ -42,9 +31,6 @@ class LookupCombo : public ChoiceCombo, public SavedControl {
     /// @return false, with the choice unchanged, when no row has the key.
     bool setKey(const QString& key);
 
-    QString savedValue() const override { return key(); }
-    bool setSavedValue(const QString& value) override;
-
   Q_SIGNALS:
     void exited();  ///< the focus moved on to another control of the window
 
@@ -52,12 +38,11 @@ class LookupCombo : public ChoiceCombo, public SavedControl {
     void focusOutEvent(QFocusEvent* event) override;
 };
 
-/// One choice of several, saved as the item's index.
-class RadioGroup : public QGroupBox, public SavedControl {
+/// One choice of several; its value is the item's index.
+class RadioGroup : public QGroupBox {
     Q_OBJECT
   public:
-    RadioGroup(const QString& caption, const QStringList& items, int chosen,
-               QWidget* parent = nullptr);
+    RadioGroup(const QString& caption, const QStringList& items, QWidget* parent = nullptr);
     int itemIndex() const { return m_buttons->checkedId(); }
     void setItemIndex(int index);
     QStringList items() const;
@@ -65,26 +50,20 @@ class RadioGroup : public QGroupBox, public SavedControl {
     /// have their items level.
     void setRows(int rows);
 
-    QString savedValue() const override;
-    bool setSavedValue(const QString& value) override;
-
   private:
     QButtonGroup* m_buttons;
     QGridLayout* m_grid;
 };
 
-/// A list of numbered items with check marks, saved as the checked numbers separated by commas.
-/// Numbers of a saved value that the list lacks are passed over.
-class CheckList : public QListWidget, public SavedControl {
+/// A list of numbered items with check marks. A checked number that the list lacks gets a row of
+/// its own, so that it is seen and can be taken off; the next set of numbers removes it.
+class CheckList : public QListWidget {
     Q_OBJECT
   public:
     explicit CheckList(QWidget* parent = nullptr) : QListWidget(parent) {}
-    void addNumbered(int number, const QString& name);
+    QListWidgetItem* addNumbered(int number, const QString& name);
     std::vector<int> checkedNumbers() const;
     void setCheckedNumbers(const std::vector<int>& numbers);
-
-    QString savedValue() const override;
-    bool setSavedValue(const QString& value) override;
 };
 
 }  // namespace framework

@@ -7,7 +7,6 @@
 
 #include "data/error.h"
 #include "framework/core/definition_store.h"
-#include "framework/ui/base_form.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/window_place.h"
 
@@ -21,8 +20,8 @@ constexpr int kMargin = 14;
 constexpr int kButtonWidth = 96;
 }  // namespace
 
-TRapMaarForm::TRapMaarForm(TPerusForm& form)
-    : QDialog(&form),
+TRapMaarForm::TRapMaarForm(DefinitionOwner& form, QWidget* parent)
+    : QDialog(parent),
       m_form(form),
       m_list(new QTreeWidget(this)),
       m_name(new QLineEdit(this)),
@@ -90,7 +89,7 @@ QStringList TRapMaarForm::GetValues(const QString& formName) {
     return DefinitionStore().GetValues(formName);
 }
 
-bool TRapMaarForm::LataaArvot(TPerusForm& form, const QString& name) {
+bool TRapMaarForm::LataaArvot(DefinitionOwner& form, const QString& name) {
     const auto definition =
         DefinitionStore().load(form.formName(), DefinitionStore::nameToLoad(name));
     if (!definition)
@@ -99,11 +98,11 @@ bool TRapMaarForm::LataaArvot(TPerusForm& form, const QString& name) {
     return true;
 }
 
-void TRapMaarForm::TalletaRapMaaritys(TPerusForm& form, const QString& name,
+void TRapMaarForm::TalletaRapMaaritys(DefinitionOwner& form, const QString& name,
                                       const QString& description) {
     const SavedDefinition definition = form.currentDefinition(name, description);
     DefinitionStore().save(form.formName(), definition);
-    form.definitionsChanged(definition);
+    form.definitionSaved(definition);
 }
 
 void TRapMaarForm::refresh() {

@@ -6,23 +6,23 @@
 #include <QStringList>
 #include <QTreeWidget>
 
+#include "framework/ui/definition_owner.h"
+
 namespace framework {
 
-class TPerusForm;
-
-/// The window of the definition store: saves a form's controls under a name and a description, and
+/// The window of the definition store: saves what a form says under a name and a description, and
 /// deletes saved definitions. The static operations work from the store's files alone.
 class TRapMaarForm : public QDialog {
     Q_OBJECT
   public:
-    explicit TRapMaarForm(TPerusForm& form);
+    explicit TRapMaarForm(DefinitionOwner& form, QWidget* parent = nullptr);
 
     /// Names of the definitions saved for a form, sorted.
     static QStringList GetValues(const QString& formName);
-    /// Loads a definition into a form's controls; without a name the one named "Normaali".
+    /// Loads a definition into a form; without a name the one named "Normaali".
     /// @return false when there is none of that name.
-    static bool LataaArvot(TPerusForm& form, const QString& name);
-    static void TalletaRapMaaritys(TPerusForm& form, const QString& name,
+    static bool LataaArvot(DefinitionOwner& form, const QString& name);
+    static void TalletaRapMaaritys(DefinitionOwner& form, const QString& name,
                                    const QString& description);
 
   private:
@@ -32,7 +32,7 @@ class TRapMaarForm : public QDialog {
     void removeChosen();
     QTreeWidgetItem* itemOf(const QString& name) const;
 
-    TPerusForm& m_form;
+    DefinitionOwner& m_form;
     QTreeWidget* m_list;
     QLineEdit* m_name;
     QLineEdit* m_description;

@@ -36,11 +36,6 @@ void ExitEdit::focusOutEvent(QFocusEvent* event) {
     }
 }
 
-bool TextEdit::setSavedValue(const QString& value) {
-    setText(value);
-    return true;
-}
-
 void TextEdit::dropEvent(QDropEvent* event) {
     if (!m_dropReplaces) {
         ExitEdit::dropEvent(event);
@@ -62,14 +57,6 @@ bool NumberEdit::isNumber(const QString& text) const {
     return text.size() <= m_maxDigits && kDigits.match(text).hasMatch();
 }
 
-bool NumberEdit::setSavedValue(const QString& value) {
-    const QString trimmed = value.trimmed();
-    if (!trimmed.isEmpty() && !isNumber(trimmed))
-        return false;
-    setText(trimmed);
-    return true;
-}
-
 void NumberEdit::commit() {
     setValue(value());
 }
@@ -87,14 +74,11 @@ void NumberEdit::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
 }
 
-DecimalEdit::DecimalEdit(int decimals, double value, QWidget* parent)
-    : ExitEdit(parent),
-      m_decimals(decimals),
-      m_value(value),
-      m_typed(new QRegularExpressionValidator(this)) {
+DecimalEdit::DecimalEdit(int decimals, QWidget* parent)
+    : ExitEdit(parent), m_decimals(decimals), m_typed(new QRegularExpressionValidator(this)) {
     setValidator(m_typed);
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    showValue(value);
+    showValue(m_value);
     connect(this, &QLineEdit::textEdited, this, &DecimalEdit::readTyped);
 }
 
@@ -138,19 +122,6 @@ void DecimalEdit::readTyped(const QString& typed) {
         number = text.toDouble(&m_readable);
     if (m_readable)
         m_value = number;
-}
-
-QString DecimalEdit::savedValue() const {
-    return QString::number(m_value, 'g', QLocale::FloatingPointShortest);
-}
-
-bool DecimalEdit::setSavedValue(const QString& value) {
-    bool ok = false;
-    const double number = value.trimmed().toDouble(&ok);
-    if (!ok || !std::isfinite(number))
-        return false;
-    setValue(number);
-    return true;
 }
 
 void DecimalEdit::commit() {
@@ -235,19 +206,6 @@ QDate DateEdit::parse(const QString& text) {
 
 void DateEdit::setDate(const QDate& date) {
     setText(date.isValid() ? QLocale().toString(date, dateFormat()) : QString());
-}
-
-QString DateEdit::savedValue() const {
-    return date().isValid() ? date().toString(QStringLiteral("yyyy-MM-dd")) : QString();
-}
-
-bool DateEdit::setSavedValue(const QString& value) {
-    const QString trimmed = value.trimmed();
-    const QDate date = QDate::fromString(trimmed, QStringLiteral("yyyy-MM-dd"));
-    if (!trimmed.isEmpty() && !date.isValid())
-        return false;
-    setDate(date);
-    return true;
 }
 
 void DateEdit::commit() {

@@ -4,8 +4,6 @@
 #include <QLineEdit>
 #include <QRegularExpressionValidator>
 
-#include "framework/ui/saved_control.h"
-
 namespace framework {
 
 /// A line edit that tells when the focus moved on to another control of its window (and not to
@@ -24,14 +22,12 @@ class ExitEdit : public QLineEdit {
 };
 
 /// A plain text of a definition.
-class TextEdit : public ExitEdit, public SavedControl {
+class TextEdit : public ExitEdit {
     Q_OBJECT
   public:
     explicit TextEdit(QWidget* parent = nullptr) : ExitEdit(parent) {}
     /// A dragged text takes the place of the whole text, and is not put in where it is dropped.
     void setDropReplaces(bool on) { m_dropReplaces = on; }
-    QString savedValue() const override { return text(); }
-    bool setSavedValue(const QString& value) override;
 
   protected:
     void dropEvent(QDropEvent* event) override;
@@ -42,14 +38,12 @@ class TextEdit : public ExitEdit, public SavedControl {
 
 /// A whole number of at most so many digits; an empty text is 0. A number dragged from a search
 /// window replaces the text.
-class NumberEdit : public ExitEdit, public SavedControl {
+class NumberEdit : public ExitEdit {
     Q_OBJECT
   public:
     explicit NumberEdit(int maxDigits, QWidget* parent = nullptr);
     qint64 value() const { return text().trimmed().toLongLong(); }
     void setValue(qint64 value) { setText(QString::number(value)); }
-    QString savedValue() const override { return text().trimmed(); }
-    bool setSavedValue(const QString& value) override;
 
   protected:
     void commit() override;
@@ -65,20 +59,16 @@ class NumberEdit : public ExitEdit, public SavedControl {
 /// bit. So many decimals can be typed; a set value with more of them shows up to 14. Decimal comma
 /// and point are both taken on typing, the user's locale is shown. Alt and a digit, released with
 /// no other modifier, is a shortcut.
-class DecimalEdit : public ExitEdit, public SavedControl {
+class DecimalEdit : public ExitEdit {
     Q_OBJECT
   public:
-    explicit DecimalEdit(int decimals, double value, QWidget* parent = nullptr);
+    explicit DecimalEdit(int decimals, QWidget* parent = nullptr);
     /// An emptied text means 0 from now on; otherwise it is no number.
     void setEmptyIsZero() { m_emptyIsZero = true; }
     /// The value shown, or, while the text is no number, the last one that was.
     double value() const { return m_value; }
     void setValue(double value);
     bool isReadable() const { return m_readable; }
-
-    /// Shortest decimal form that reads back to the same double, with a decimal point.
-    QString savedValue() const override;
-    bool setSavedValue(const QString& value) override;
 
   Q_SIGNALS:
     void altDigitReleased(int digit);
@@ -94,14 +84,14 @@ class DecimalEdit : public ExitEdit, public SavedControl {
     void readTyped(const QString& text);
 
     int m_decimals;
-    double m_value;
+    double m_value = 0.0;
     QRegularExpressionValidator* m_typed;
     bool m_readable = true;
     bool m_emptyIsZero = false;
 };
 
 /// A date or nothing. Typed in the user's order or as yyyy-mm-dd, or picked from a calendar.
-class DateEdit : public ExitEdit, public SavedControl {
+class DateEdit : public ExitEdit {
     Q_OBJECT
   public:
     explicit DateEdit(QWidget* parent = nullptr);
@@ -110,9 +100,6 @@ class DateEdit : public ExitEdit, public SavedControl {
     void setDate(const QDate& date);
     /// False when there is a text that is no date.
     bool isReadable() const { return text().trimmed().isEmpty() || date().isValid(); }
-
-    QString savedValue() const override;
-    bool setSavedValue(const QString& value) override;
 
   protected:
     void commit() override;

@@ -129,7 +129,7 @@ def make_company(r, products, orders):
     t = {}
     t["ALVKANTA"] = [{"luokka": c, "Selite": f"Alv {p}", "Prosentti": p}
                      for c, p in ((1, 24.0), (2, 14.0), (3, 10.0), (5, 25.5), (6, 24.0), (7, 0.0),
-                                  (90, 13.5))]
+                                  (90, 13.5), (200, 14.5))]
     vat = lambda: r.choice([0, 1, 1, 1, 2, 3, 5, 6, 7])
     t["ASRYHMA"] = [{"Nro": n, "Nimi": f"Ryhmä {n}"} for n in (1, 2, 3, 4)]
     t["ASIAKAS"] = [{"Asiakas": n, "Ryhma": r.randint(0, 5), "Nimi": f"Asiakas {n}"}
@@ -221,8 +221,8 @@ def make_definition(r):
     v = {"LahdeAlvLuokkaEdit": r.choice("1111123607"), "KohdeAlvLuokkaEdit": r.choice("555555527"),
          "PyoristysRadioGroup": str(r.randint(0, 4)), "PyoristysSaantoRadioGroup": str(r.randint(0, 2)),
          "PriceChangeLimitEdit": r.choice(["0", "0", "5", "12.5"])}
-    coefficients = ["1", "1", "1.0120967741935485", "1.00813008", "1.008849557522124", "1.0092592592592593",
-                    "0.95", "1.1", repr(r.uniform(0.9, 1.25))]
+    coefficients = ["1", "1", "1.0120967741935485", "1.00813008", "1.008849557522124", "0.95", "1.1",
+                    repr(r.uniform(0.9, 1.25))]
     for c in model.COEFFICIENTS:
         if r.random() < 0.8:
             v[c] = r.choice(coefficients)
@@ -237,12 +237,23 @@ def make_definition(r):
         v[c] = flag()
     v["Tuotteet"] = flag(0.9)
     v["MTToimPaivaRajaus"] = r.choice(["", "", "2024-09-01"])
-    v["AsRyhmaCheckList"] = r.choice(["", "", "1", "2,3", "4,9", "9"])
+    v["AsRyhmaCheckList"] = r.choice(["", "", "1", "2,3", "4,9", "1,2,9"])
     for kind, top in (("Aliryhma", 40), ("Tuoteryhma", 24), ("Paaryhma", 5)):
         v[kind + "CheckBox"] = flag(0.25)
         v[kind + "AlkuEdit"] = str(r.choice([0, 0, r.randint(1, top)]))
         v[kind + "LoppuEdit"] = str(r.choice([0, 0, r.randint(1, top)]))
-        v["edt" + kind + "Ignore"] = r.choice(["", "", f"{r.randint(1, top)},,0{r.randint(1, top)},"])
+        v["edt" + kind + "Ignore"] = r.choice(["", "", f"{r.randint(1, top)},,0{r.randint(1, top)},",
+                                               f"{r.randint(1, top)}, {r.randint(1, top)},x"])
+    if r.random() < 0.3:  # mistakes: refused where the run would use them
+        control, value = r.choice([
+            ("LahdeAlvLuokkaEdit", "77"), ("LahdeAlvLuokkaEdit", None), ("KohdeAlvLuokkaEdit", "1000"),
+            ("KohdeAlvLuokkaEdit", "200"), ("Hinta1Edit", "1.0092592592592593"), ("Hinta2Edit", "-1"),
+            ("OstohintaEdit", "0"), ("ViimOstohintaEdit", "1,01"), ("PriceChangeLimitEdit", "x"),
+            ("MTToimPaivaRajaus", "1.9.2024"), ("AsRyhmaCheckList", "1;2"), ("AsRyhmaCheckList", "9"),
+            ("Kampanjat", "on")])
+        v.pop(control, None)
+        if value is not None:
+            v[control] = value
     return v
 
 
@@ -303,7 +314,7 @@ def one(seed, args):
             mark = True
             expected_log += run.log
         except model.Refused as e:
-            refusals.append(str(e))
+            refusals.append(e.args[0])
             want_status = 1
         if run.failed:
             want_status = 1
@@ -312,7 +323,11 @@ def one(seed, args):
         problems.append(f"exit status {p.returncode}, expected {want_status}: {p.stderr.strip()}")
     log_name = os.path.join(c.home, "ALVMUUTOS.LOG")
     log = open(log_name, encoding="utf-8").read() if os.path.exists(log_name) else ""
-    for line in refusals + expected_log:
+    for why in [x for x in refusals if not isinstance(x, str)]:
+        if not any("  Määrittelyä ei ajeta: " in x and all(f"{c}={v} (" in x for c, v in why)
+                   for x in log.split("\n")):
+            problems.append(f"log lacks the refusal of {why!r}")
+    for line in [x for x in refusals if isinstance(x, str)] + expected_log:
         if not any(x.endswith("  " + line) for x in log.split("\n")):
             problems.append(f"log lacks: {line!r}")
     marks = [x for x in c.read("INI") if x["Avain"] == "20240901"]

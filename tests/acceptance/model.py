@@ -5,6 +5,7 @@ behind, and the driver compares every cell. Amounts are doubles, one rounding an
 of single precision holds what a single can hold (see f32)."""
 
 import math
+import re
 import struct
 
 PRICE_COLUMNS = ["hinta", "kaksoishinta"] + [f"hinta{n}" for n in range(3, 10)]
@@ -57,13 +58,31 @@ def bankers(v, d):
 
 
 class Refused(Exception):
-    pass
+    """With the run's own message, or with the (control, value) pairs that refuse the definition."""
+
+
+PATTERNS = {"Class": r"\d{1,3}", "Number": r"-?\d+(\.\d+)?(e-?\d+)?", "Date": r"(\d{4}-\d\d-\d\d)?",
+            "Groups": r"(\d+(,\d+)*)?", "Check": "[01]"}
+
+
+def kind_of(control):
+    if control.endswith("AlvLuokkaEdit"):
+        return "Class"
+    if control in COEFFICIENTS or control == "PriceChangeLimitEdit":
+        return "Number"
+    return {"MTToimPaivaRajaus": "Date", "AsRyhmaCheckList": "Groups"}.get(
+        control, "Check" if control in ("Kampanjat", "MaaraAle", "VieHr") else "Text")
 
 
 class Definition:
     """The state of the form after a load: defaults, given values, validation, normalisation."""
 
     def __init__(self, values):
+        self.bad = [(k, v) for k, v in values.items()
+                    if not re.fullmatch(PATTERNS.get(kind_of(k), ".*"), v)]
+        given = values
+        values = {k: v for k, v in values.items() if (k, v) not in self.bad}
+        self.bad += [(k, "") for k in ("LahdeAlvLuokkaEdit", "KohdeAlvLuokkaEdit") if k not in given]
         g = lambda key, default: values.get(key, default)
         self.values = values
         self.level = []
@@ -92,6 +111,25 @@ class Definition:
         self.rule = int(g("PyoristysSaantoRadioGroup", "0"))
         self.groups = [int(x) for x in g("AsRyhmaCheckList", "").split(",") if x]
 
+    def refusals(self, rates, groups):
+        """What must not be run unattended, as (control, value)."""
+        out = list(self.bad)
+        if self.s != 0 and self.s not in rates:
+            out.append(("LahdeAlvLuokkaEdit", str(self.s)))
+        if self.t > 127 and self.on("MtCheckBox"):
+            out.append(("KohdeAlvLuokkaEdit", str(self.t)))
+        products = self.on("Tuotteet", "1")
+        dependents = any(self.on(c) for c in ("asiakashinnasto", "Kampanjat", "MaaraAle",
+                                              "cbVakioLaskutus"))
+        used = {f"Hinta{n}Edit" for n in range(1, 10) if products and self.level[n - 1][0] != "0"}
+        used |= {"Hinta1Edit"} if dependents else set()
+        used |= {"OstohintaEdit"} if products or dependents else set()
+        used |= {"ViimOstohintaEdit"} if products else set()
+        out += [(c, self.values[c]) for c in used if self.coef[c] <= 0]
+        if self.on("asiakashinnasto") and self.groups and not set(self.groups) & groups:
+            out.append(("AsRyhmaCheckList", self.values["AsRyhmaCheckList"]))
+        return out
+
     def on(self, key, default="0"):
         return self.values.get(key, default) == "1"
 
@@ -113,7 +151,7 @@ def selected(d, product):
         elif a or last:
             if v != (a or last):
                 return False
-        ignored = [int(x) for x in d.values.get(ignore, "").split(",") if x.isdigit()]
+        ignored = [int(x) for x in d.values.get(ignore, "").split(",") if x.strip().isdigit()]
         if v in ignored:
             return False
     return d.s in (product["LVV"], product["Alv2"], product["OSTOVERO"])
@@ -139,6 +177,9 @@ class Run:
 
     def run(self):
         d = self.d
+        refusals = d.refusals(self.rates, {r["Nro"] for r in self.tab["ASRYHMA"]})
+        if refusals:
+            raise Refused(refusals)
         if d.t <= 0:
             raise Refused("Kohteen ALV -luokka on oltava > 0!")
         if d.t not in self.rates:

@@ -9,7 +9,7 @@
 #include "data/clock.h"
 #include "data/engine.h"
 #include "tests/support/recording_ports.h"
-#include "vatchange/rules/change_definition.h"
+#include "vatchange/definition/change_definition.h"
 #include "vatchange/run/change_run.h"
 
 namespace test {

@@ -115,7 +115,7 @@ TEST_F(FormKeys, ALoadedOrSavedDefinitionIsNoUnsavedChange) {
     controls().priceChangeLimit->selectAll();
     QTest::keyClicks(controls().priceChangeLimit, str("5"));
     EXPECT_TRUE(m_form->hasUnsavedChanges());
-    m_form->definitionsChanged(m_form->currentDefinition(str("Koe"), {}));
+    m_form->definitionSaved(m_form->currentDefinition(str("Koe"), {}));
     EXPECT_FALSE(m_form->hasUnsavedChanges());
 }
 

@@ -7,6 +7,7 @@
 #include "framework/ui/definition_window.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/shop_company.h"
+#include "vatchange/definition/definition_codec.h"
 #include "vatchange/form/change_form.h"
 
 using vatchange::TAlvMuutosLomake;
@@ -78,16 +79,56 @@ TEST_F(FormRun, RefusalIsShownAndLoggedAndLeavesTheFormEditable) {
     EXPECT_EQ(m_shop.logMessages(), QStringList({text, text}));
 }
 
+TEST_F(FormRun, AsksBeforeItRunsADefinitionWithProblems) {
+    m_shop.addProducts(1);
+    const auto load = [this](const QMap<QString, QString>& changed) {
+        QMap<QString, QString> values = m_form.currentDefinition({}, {}).values;
+        values.insert(changed);
+        m_form.applyDefinition({str("Koe"), {}, values});
+    };
+    m_dialogs.expectMessage(
+        str("Huomaa: määrittelyn \"Koe\" arvoja ei voitu lukea, käytetään oletusarvoja: "
+            "VieHr=x; Kampanjat=on"));
+    load({{str("OstohintaEdit"), str("0")},
+          {str("Kampanjat"), str("on")},
+          {str("VieHr"), str("x")},
+          {str("AsRyhmaCheckList"), str("1,9")}});
+    EXPECT_EQ(m_form.currentDefinition({}, {}).values.value(str("AsRyhmaCheckList")), str("1,9"));
+    m_form.controls().shelfLabels->click();  // settles that one
+    const QString question =
+        str("Määrittelyssä on arvoja, joilla sitä ei pitäisi ajaa:\n"
+            "Kampanjat=on (Kampanja): arvoa ei voi lukea\n"
+            "OstohintaEdit=0 (Ostohinta): kertoimen on oltava suurempi kuin 0\n\n"
+            "Ajetaanko silti?");
+    m_dialogs.expectQuestion(question, false);
+    EXPECT_TRUE(m_form.EsikatseleClick()->refused);
+    EXPECT_EQ(changed(), str("0"));
+
+    m_dialogs.expectQuestion(question, true);
+    m_dialogs.expectMessage(str("Tuotetiedot muutettu ( 1 kpl)"));
+    EXPECT_TRUE(m_form.EsikatseleClick()->clean());
+    EXPECT_EQ(m_shop.logMessages().filter(str("Huomaa: ajetaan silti, ")).size(), 2);
+    EXPECT_TRUE(m_shop.logMessages().contains(
+        str("Huomaa: asiakasryhmää 9 ei enää ole (AsRyhmaCheckList), sitä ei oteta huomioon")));
+
+    // a class that does not exist is no question
+    load({{str("LahdeAlvLuokkaEdit"), str("77")}, {str("OstohintaEdit"), str("1")}});
+    m_dialogs.expectMessage(
+        str("Määrittelyä ei ajeta: LahdeAlvLuokkaEdit=77 (Vanha luokka): luokkaa ei ole olemassa"));
+    EXPECT_TRUE(m_form.EsikatseleClick()->refused);
+}
+
 TEST_F(FormRun, OnlyInterruptingIsPossibleDuringARunAndStopsBetweenTwoProducts) {
     m_shop.addProducts(kProducts);
     auto* interrupt = m_form.findChild<QPushButton*>(str("Keskeyta"));
     const auto* progress = m_form.findChild<QProgressBar*>();
+    const QStringList fields = vatchange::encodeDefinition({}).keys();
     whileRunning([&] {
         if (progress->value() <= 0)  // the first products are still ahead
             return false;
         for (const QWidget* control : m_form.findChildren<QWidget*>()) {
             const bool button = control->inherits("QAbstractButton");
-            const bool value = dynamic_cast<const framework::SavedControl*>(control) != nullptr;
+            const bool value = fields.contains(control->objectName());
             if ((button || value) && control != interrupt) {
                 EXPECT_FALSE(control->isEnabled()) << control->objectName().toStdString();
             }

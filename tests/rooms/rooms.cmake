@@ -2,25 +2,26 @@
 # there, naming the file. Usage: cmake -DROOT=folder -P rooms.cmake
 cmake_policy(SET CMP0057 NEW)
 
-# A room's files include from the room itself and from these. Folders that are not named here take
-# the rule of the folder above them.
+# A room's files include from the room itself and from these folders and headers. Folders that are
+# not named here take the rule of the folder above them.
 set(rule_data "data")
 set(rule_app/company "app/company;data")
 set(rule_framework "framework;app/company;data")
 set(rule_framework/core "framework/core;app/company;data")
 set(rule_search "search;framework;app/company;data")
-set(rule_vatchange/rules "vatchange/rules")
+set(rule_vatchange/definition "vatchange/definition;framework/core/saved_definition.h")
+set(rule_vatchange/rules "vatchange/rules;vatchange/definition")
 set(rule_vatchange/ports "vatchange/ports")
-set(rule_vatchange/orders "vatchange/orders;vatchange/ports;vatchange/rules;data")
-set(rule_vatchange/run "vatchange/run;vatchange/orders;vatchange/ports;vatchange/rules;framework/core;app/company;data")
+set(rule_vatchange/orders "vatchange/orders;vatchange/ports;vatchange/rules;vatchange/definition;data")
+set(rule_vatchange/run "vatchange/run;vatchange/orders;vatchange/ports;vatchange/rules;vatchange/definition;framework/core;app/company;data")
 set(rule_vatchange/form "vatchange;search;framework;app/company;data")
 set(rule_app/shell "app;vatchange;search;framework;data")
 set(rule_tools "tools;app/company;data")
-set(rooms data app/company framework framework/core search vatchange/rules vatchange/ports
-    vatchange/orders vatchange/run vatchange/form app/shell tools)
+set(rooms data app/company framework framework/core search vatchange/definition vatchange/rules
+    vatchange/ports vatchange/orders vatchange/run vatchange/form app/shell tools)
 
 # Rooms without windows: a run is driven and tested without one.
-set(windowless data app/company framework/core vatchange/rules vatchange/ports
+set(windowless data app/company framework/core vatchange/definition vatchange/rules vatchange/ports
     vatchange/orders vatchange/run tools)
 set(window_headers "^Q(Widget|Dialog|Application|MainWindow|MessageBox|Label|PushButton|Painter)$")
 
@@ -43,7 +44,7 @@ foreach(room ${rooms})
                 set(header ${CMAKE_MATCH_1})
                 set(allowed FALSE)
                 foreach(from ${rule_${room}})
-                    if(header MATCHES "^${from}/")
+                    if(header STREQUAL from OR header MATCHES "^${from}/")
                         set(allowed TRUE)
                     endif()
                 endforeach()

@@ -88,6 +88,8 @@ TEST(ChangeRun, ProductsGroupsAndTheirCompany) {
 
     EXPECT_EQ(company.ports.lines,
               (QStringList{
+                  "Huomaa: ulosrajattavissa ryhmissä (edtAliryhmaIgnore) on kohta, joka ei ole "
+                  "ryhmän numero ja jota ei oteta huomioon: x",
                   "Aloitetaan taksavaiheet, parametrit ->",
                   "Rajaus: ( AliRyhma not in ( 5 )) AND ( lvv = 3 OR alv2 = 3 OR ostovero = 3) "
                   "Pyöristys: Normaali, 1 senttiä",

@@ -88,8 +88,7 @@ TEST(Batch, ADamagedDefinitionIsRefusedAndTheOthersRun) {
     r.damaged = str("b");
     EXPECT_EQ(r.run({str("a"), str("b"), str("c"), str("")}), ExitStatus::Failed);
     EXPECT_EQ(r.events.mid(3),
-              QStringList({str("log: Määrittelyä \"b\" ei voitu lukea, sitä ei "
-                               "ajeta: rivi 3"),
+              QStringList({str("log: Määrittelyä ei ajeta: \"b\": rivi 3"),
                            str("log: Aloitetaan muutos määrittelylle: c"), str("run c")}));
 }
 

@@ -34,8 +34,11 @@ class Program : public ::testing::Test {
                                             {str("HintaLahde1"), str("hinta")},
                                             {str("Hinta1Edit"), str("1.0120967741935485")},
                                             {str("Tuotteet"), str("1")}}});
-        framework::DefinitionStore().save(vatchange::TAlvMuutosLomake::kFormName,
-                                          {str("Tyhjä"), {}, {}});
+        framework::DefinitionStore().save(
+            vatchange::TAlvMuutosLomake::kFormName,
+            {str("Ilman kohdetta"),
+             {},
+             {{str("LahdeAlvLuokkaEdit"), str("3")}, {str("KohdeAlvLuokkaEdit"), str("0")}}});
     }
 
     void setBatch(const company::BatchList& list) {
@@ -88,7 +91,7 @@ TEST_F(Program, ABatchChangesTheCompanyOnceAndMarksIt) {
 }
 
 TEST_F(Program, ExitStatusesTellWhatWentWrong) {
-    setBatch({str("Alv255"), str("Tyhjä"), str(""), str("")});
+    setBatch({str("Alv255"), str("Ilman kohdetta"), str(""), str("")});
     EXPECT_EQ(run({str("/E"), str("Olematon")}), 2);
     EXPECT_TRUE(m_errors.contains(str("Olematon")));
     EXPECT_EQ(run({str("Olematon")}, str("offscreen")), 2);  // offscreen, no batch: no dialog waits
@@ -106,7 +109,7 @@ TEST_F(Program, ExitStatusesTellWhatWentWrong) {
     EXPECT_EQ(prices(), str("20"));
     EXPECT_TRUE(m_shop.logMessages().last().endsWith(str("Puuttuva")));
 
-    setBatch({str("Tyhjä"), str("Alv255"), str(""), str("")});  // the first is refused
+    setBatch({str("Ilman kohdetta"), str("Alv255"), str(""), str("")});  // the first is refused
     EXPECT_EQ(run({m_company, str("/E")}), 1);
     EXPECT_EQ(prices(), str("20.24"));
     EXPECT_TRUE(m_shop.logMessages().contains(str("Kohteen ALV -luokka on oltava > 0!")));
@@ -131,6 +134,31 @@ TEST_F(Program, DamagedDefinitionsAreTheOnlyOnesNotRun) {
         test::fileBytes(m_shop.file(str("loki.dat"))).contains("Taksavaihe on kertaalleen ajettu"));
     EXPECT_EQ(run({m_company, str("/E"), str("/U")}), 1);
     EXPECT_TRUE(m_errors.contains(file)) << m_errors.toStdString();
+}
+
+TEST_F(Program, ADefinitionWithProblemsIsRefusedAndChangesNothing) {
+    framework::DefinitionStore store;
+    auto bad = *store.load(vatchange::TAlvMuutosLomake::kFormName, str("Alv255"));
+    bad.name = str("Huono");
+    bad.values.remove(str("LahdeAlvLuokkaEdit"));  // 0 would select every product without a class
+    bad.values.insert(str("OstohintaEdit"), str("1,1"));
+    store.save(vatchange::TAlvMuutosLomake::kFormName, bad);
+    m_shop.exec(str("insert into TUOTE (NUMERO, HINTA, LVV) values ('ilman', 10, 0)"));
+    setBatch({str("Huono"), str(""), str(""), str("")});
+    EXPECT_EQ(run({m_company, str("/E"), str("/EP")}), 1);
+    const QString line =
+        str("Määrittelyä ei ajeta: OstohintaEdit=1,1 (Ostohinta): arvoa ei voi lukea; "
+            "LahdeAlvLuokkaEdit= (Vanha luokka): arvo puuttuu määrittelystä");
+    EXPECT_EQ(m_shop.logMessages(),
+              QStringList({str("Aloitetaan muutos määrittelylle: Huono"), line}));
+    EXPECT_EQ(prices(), str("30"));
+    EXPECT_FALSE(marked());
+
+    setBatch({str("Huono"), str("Alv255"), str(""), str("")});
+    EXPECT_EQ(run({m_company, str("/E"), str("/EP")}), 1);
+    EXPECT_EQ(prices(), str("30.24"));
+    EXPECT_EQ(m_shop.cell(str("select LVV from TUOTE where NUMERO = 'ilman'")), str("0"));
+    EXPECT_TRUE(marked());
 }
 
 TEST_F(Program, AnEmptyBatchLeavesNoTrace) {

@@ -11,7 +11,8 @@
 #include "data/sql/uni_query.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/window_place.h"
-#include "vatchange/form/coefficients.h"
+#include "vatchange/definition/coefficients.h"
+#include "vatchange/form/definition_controls.h"
 #include "vatchange/form/run_report.h"
 
 namespace vatchange {
@@ -25,11 +26,6 @@ QString ratePattern(double percent) {
     return QLocale().toString(tenths / 10.0, 'f', whole ? 0 : 1) + QLatin1Char('%');
 }
 
-GroupRestriction restrictionOf(const RestrictionControls& controls) {
-    return {controls.on->isChecked(), controls.first->value(), controls.last->value(),
-            controls.ignored->text()};
-}
-
 }  // namespace
 
 TAlvMuutosLomake::TAlvMuutosLomake(data::Database& database, QWidget* parent)
@@ -37,11 +33,11 @@ TAlvMuutosLomake::TAlvMuutosLomake(data::Database& database, QWidget* parent)
     setAttribute(Qt::WA_DeleteOnClose);
     buildLayout();
     readCompanyTables();
+    showInControls(*this, m_definition.definition);
     connectControls();
     fitToScreen();
     framework::rememberPlace(*this, formName());
     restoreLastState();
-    TAlvMuutosLomake::afterLoad();
 }
 
 bool TAlvMuutosLomake::unattended() const {
@@ -69,7 +65,7 @@ void TAlvMuutosLomake::readCompanyTables() {
         m_controls.keep(level)->setAccessibleName(name + QStringLiteral(", säilytä alv0 hinta"));
         framework::LookupCombo* source = m_controls.source(level);
         source->setAccessibleName(name + QStringLiteral(", hinnan lähde"));
-        source->addRow(QStringLiteral("0"), m_levelNames[0]);
+        source->addRow(kNoSource, m_levelNames[0]);
         for (int row = 1; row <= kPriceLevels; ++row)
             // cppcheck-suppress containerOutOfBounds ; the table has a place for level 0
             source->addRow(kPriceColumns[static_cast<std::size_t>(row)], m_levelNames[row]);
@@ -178,40 +174,57 @@ void TAlvMuutosLomake::refreshRestrictionBoxes() {
 }
 
 void TAlvMuutosLomake::validateSource(int tag) {
-    if (isPriceColumn(m_controls.source(tag)->key()))
+    PriceLevelChange level = definitionFromForm().levels[static_cast<std::size_t>(tag - 1)];
+    if (!resetWithoutSource(level))
         return;
     const QSignalBlocker silence(m_controls.keep(tag));
-    m_controls.source(tag)->setKey(QStringLiteral("0"));
-    m_controls.keep(tag)->setChecked(false);
-    m_controls.coefficient(tag)->setValue(1.0);
+    m_controls.source(tag)->setKey(level.source);
+    m_controls.keep(tag)->setChecked(level.keepVat0);
+    m_controls.coefficient(tag)->setValue(level.coefficient);
 }
 
-void TAlvMuutosLomake::normaliseCoefficients() {
-    bool changed = false;
-    for (framework::DecimalEdit* edit : m_controls.coefficients) {
-        if (const auto now = carriedOverCoefficient(edit->value())) {
-            edit->setValue(*now);
-            changed = true;
-        }
-    }
-    if (changed && !company::hasSwitch(QStringLiteral("/E")))
-        NaytaViesti(
-            QStringLiteral("Kertoimia päivitetty edellisen taksavaiheen yhteydessä tallennetuista "
-                           "asetuksista"));
+void TAlvMuutosLomake::showValues(const framework::SavedDefinition& definition) {
+    m_definition = loadDefinition(definition);
+    showInControls(*this, m_definition.definition, definition);
+}
+
+QMap<QString, QString> TAlvMuutosLomake::currentValues() const {
+    return textsInControls(*this);
 }
 
 void TAlvMuutosLomake::afterLoad() {
     m_exits.forgetAll();
     refreshRestrictionBoxes();
     refreshClassLabels();
-    for (int tag = 1; tag <= kPriceLevels; ++tag)
-        validateSource(tag);
-    normaliseCoefficients();
     const auto computed = coefficientOfClasses();
     for (int tag = 1; tag <= kLastPurchaseTag; ++tag) {
         m_computed[static_cast<std::size_t>(tag)] =
             m_controls.keep(tag)->isChecked() && computed == m_controls.coefficient(tag)->value();
     }
+    bool carriedOver = false;
+    QStringList unreadable;
+    for (const LoadFinding& finding : m_definition.findings) {
+        if (finding.kind == LoadFinding::Kind::CarriedOver)
+            carriedOver = true;
+        else if (finding.kind != LoadFinding::Kind::MissingClass)
+            unreadable.append(finding.control + QLatin1Char('=') + finding.saved);
+    }
+    if (carriedOver && !company::hasSwitch(QStringLiteral("/E")))
+        NaytaViesti(
+            QStringLiteral("Kertoimia päivitetty edellisen taksavaiheen yhteydessä tallennetuista "
+                           "asetuksista"));
+    // unattended the run refuses the definition, or tells of it
+    if (!unreadable.isEmpty() && !unattended()) {
+        NaytaViesti(
+            QStringLiteral(
+                "Huomaa: määrittelyn \"%1\" arvoja ei voitu lukea, käytetään oletusarvoja: ")
+                .arg(loadedDefinition().name) +
+            unreadable.join(QStringLiteral("; ")));
+    }
+}
+
+void TAlvMuutosLomake::afterSave() {
+    m_definition = {definitionFromForm(), {}};
 }
 
 void TAlvMuutosLomake::showDescription(const QString& description) {
@@ -306,51 +319,14 @@ bool TAlvMuutosLomake::acceptTyped() {
 }
 
 ChangeDefinition TAlvMuutosLomake::definitionFromForm() const {
-    const FormControls& c = m_controls;
-    ChangeDefinition d;
-    d.subGroup = restrictionOf(c.subGroup);
-    d.productGroup = restrictionOf(c.productGroup);
-    d.mainGroup = restrictionOf(c.mainGroup);
-    d.productRangeOn = c.productRange->isChecked();
-    d.productFirst = c.productFirst->text();
-    d.productLast = c.productLast->text();
-    d.customerGroups = c.customerGroups->checkedNumbers();
-    d.sourceClass = static_cast<int>(c.sourceClass->value());
-    d.targetClass = static_cast<int>(c.targetClass->value());
+    return definitionInControls(*this);
+}
 
-    for (int tag = 1; tag <= kPriceLevels; ++tag) {
-        d.levels[static_cast<std::size_t>(tag - 1)] = {
-            c.coefficient(tag)->value(), c.source(tag)->key(), c.keep(tag)->isChecked()};
-    }
-    d.purchaseCoefficient = c.coefficient(kPurchaseTag)->value();
-    d.keepVat0Purchase = c.keep(kPurchaseTag)->isChecked();
-    d.lastPurchaseCoefficient = c.coefficient(kLastPurchaseTag)->value();
-    d.keepVat0LastPurchase = c.keep(kLastPurchaseTag)->isChecked();
-    d.priceChangeLimit = c.priceChangeLimit->value();
-    d.keepCustomerPricelistVat0 = c.keepPricelistVat0->isChecked();
-    d.writeShelfLabels = c.shelfLabels->isChecked();
-
-    d.salesOrderCoefficient = c.coefficient(kSalesOrderTag)->value();
-    d.salesOrderFromVat0 = c.keep(kSalesOrderTag)->isChecked();
-    d.salesOrderDeliveryLimit = c.deliveryLimit->date();
-    d.purchaseOrderCoefficient = c.coefficient(kPurchaseOrderTag)->value();
-    d.purchaseOrderFromVat0 = c.keep(kPurchaseOrderTag)->isChecked();
-
-    d.productLog = c.productLog->isChecked();
-    d.leaveWebShop = c.leaveWebShop->isChecked();
-    d.customerPriceLists = c.customerPriceLists->isChecked();
-    d.webShopCustomerPriceLists = c.webShopPriceLists->isChecked();
-    d.campaigns = c.campaigns->isChecked();
-    d.quantityDiscounts = c.quantityDiscounts->isChecked();
-    d.salesOrders = c.salesOrders->isChecked();
-    d.purchaseOrders = c.purchaseOrders->isChecked();
-    d.products = c.products->isChecked();
-    d.recurringInvoicing = c.recurringInvoicing->isChecked();
-    d.checkProductCodes = c.productCodes->isChecked();
-
-    d.roundingRule = static_cast<RoundingRule>(c.roundingRule->itemIndex());
-    d.roundingStep = static_cast<RoundingStep>(c.roundingStep->itemIndex());
-    return d;
+LoadedDefinition TAlvMuutosLomake::definitionToRun() const {
+    if (!hasUnsavedChanges())
+        return m_definition;
+    const ChangeDefinition edited = definitionFromForm();
+    return {edited, stillHolding(m_definition.findings, edited)};
 }
 
 framework::Report TAlvMuutosLomake::report() const {

@@ -7,6 +7,7 @@
 #include "data/engine.h"
 #include "framework/ui/base_form.h"
 #include "framework/ui/exit_checks.h"
+#include "vatchange/definition/load_rules.h"
 #include "vatchange/form/form_controls.h"
 #include "vatchange/form/search_windows.h"
 #include "vatchange/run/run_record.h"
@@ -38,8 +39,11 @@ class TAlvMuutosLomake : public framework::TPerusForm {
 
     /// What the controls say, as a plain value.
     ChangeDefinition definitionFromForm() const;
+    /// The definition that a run takes, with what its load found: the loaded or saved value while
+    /// the controls show nothing else, the controls' value once they were edited.
+    LoadedDefinition definitionToRun() const;
 
-    /// Carries out the definition in the controls. While another run of this form goes on it does
+    /// Carries out definitionToRun(). While another run of this form goes on it does
     /// nothing.
     std::optional<RunResult> EsikatseleClick();
     bool isRunning() const { return m_running; }
@@ -58,7 +62,10 @@ class TAlvMuutosLomake : public framework::TPerusForm {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    QMap<QString, QString> currentValues() const override;
+    void showValues(const framework::SavedDefinition& definition) override;
     void afterLoad() override;
+    void afterSave() override;
     void showDescription(const QString& description) override;
     bool acceptTyped() override;
     framework::Report report() const override;
@@ -81,7 +88,6 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     std::optional<double> ratePercent(int vatClass) const;
     void showRate(QLabel* label, int vatClass) const;
     void validateSource(int tag);
-    void normaliseCoefficients();
     void SailytaAlv0_CheckBox1Click(int tag, bool checked);
     std::optional<double> coefficientOfClasses() const;
     void followClasses();
@@ -94,7 +100,8 @@ class TAlvMuutosLomake : public framework::TPerusForm {
 
     data::Database& m_database;
     FormControls m_controls;
-    QStringList m_levelNames;  ///< index 0: "Ei muutosta"
+    LoadedDefinition m_definition;  ///< as loaded or saved last
+    QStringList m_levelNames;       ///< index 0: "Ei muutosta"
     QWidget* m_content = nullptr;
     QLabel* m_description = nullptr;  ///< of the loaded definition
     QLabel* m_status = nullptr;

@@ -2,12 +2,23 @@
 
 #include <QLocale>
 
+#include "vatchange/definition/definition_codec.h"
+
 namespace vatchange {
 
 namespace {
 
 QString yesNo(bool on) {
     return on ? QStringLiteral("kyllä") : QStringLiteral("ei");
+}
+
+QString label(const char* control) {
+    return changeField(QLatin1String(control)).label;
+}
+
+QString chosenItem(const char* control, const ChangeDefinition& definition) {
+    const ChangeField& field = changeField(QLatin1String(control));
+    return field.items.value(fieldText(field, definition).toInt()).trimmed().toLower();
 }
 
 QString number(double value) {
@@ -28,7 +39,7 @@ QString restrictionText(const GroupRestriction& restriction) {
                          .arg(restriction.first != 0 ? restriction.first : restriction.last));
     }
     if (!restriction.ignored.isEmpty())
-        parts.append(QStringLiteral("ulosrajatut: ") + restriction.ignored);
+        parts.append(label("edtAliryhmaIgnore") + QStringLiteral(": ") + restriction.ignored);
     return parts.isEmpty() ? QStringLiteral("ei rajausta") : parts.join(QStringLiteral(", "));
 }
 
@@ -83,11 +94,11 @@ void levels(ReportHtml& html, const ChangeDefinition& definition, const QStringL
         html.tableRow({levelName(names, level), levelName(names, levelOf(change.source)),
                        yesNo(change.keepVat0), number(change.coefficient)});
     }
-    html.tableRow({QStringLiteral("Ostohinta"),
+    html.tableRow({label("OstohintaEdit"),
                    {},
                    yesNo(definition.keepVat0Purchase),
                    number(definition.purchaseCoefficient)});
-    html.tableRow({QStringLiteral("Viim. ostohinta"),
+    html.tableRow({label("ViimOstohintaEdit"),
                    {},
                    yesNo(definition.keepVat0LastPurchase),
                    number(definition.lastPurchaseCoefficient)});
@@ -110,50 +121,44 @@ QString orderText(bool on, bool fromVat0, double coefficient) {
 
 void options(ReportHtml& html, const ChangeDefinition& d, const DefinitionNames& names) {
     html.section(QStringLiteral("Mitä muutetaan"));
-    html.row(QStringLiteral("Tuotteet ja ryhmät"), yesNo(d.products));
-    html.row(QStringLiteral("Asiakashinnastot"), yesNo(d.customerPriceLists));
-    html.row(QStringLiteral("Verkkokaupan asiakashinnastot"),
+    html.row(label("Tuotteet"), yesNo(d.products));
+    html.row(label("asiakashinnasto"), yesNo(d.customerPriceLists));
+    html.row(label("WebKauppaAsHinCheckBox"),
              yesNo(d.customerPriceLists && d.webShopCustomerPriceLists));
-    html.row(QStringLiteral("Asiakasryhmät"), customerGroups(d, names));
-    html.row(QStringLiteral("Asiakashinnaston alv0 hinta päivitetään"),
-             yesNo(!d.keepCustomerPricelistVat0));
-    html.row(QStringLiteral("Kampanjat"), yesNo(d.campaigns));
-    html.row(QStringLiteral("Määräalennukset"), yesNo(d.quantityDiscounts));
-    html.row(QStringLiteral("Toistuvaislaskutus"), yesNo(d.recurringInvoicing));
+    html.row(label("AsRyhmaCheckList"), customerGroups(d, names));
+    html.row(label("DoNotUpdateCustomerPricelistVAT0"), yesNo(!d.keepCustomerPricelistVat0));
+    html.row(label("Kampanjat"), yesNo(d.campaigns));
+    html.row(label("MaaraAle"), yesNo(d.quantityDiscounts));
+    html.row(label("cbVakioLaskutus"), yesNo(d.recurringInvoicing));
     QString sales = orderText(d.salesOrders, d.salesOrderFromVat0, d.salesOrderCoefficient);
     if (d.salesOrders && d.salesOrderDeliveryLimit.isValid())
-        sales += QStringLiteral(", toimituspäivä alkaen ") +
+        sales += QStringLiteral(", ") + label("MTToimPaivaRajaus") + u' ' +
                  QLocale().toString(d.salesOrderDeliveryLimit, QLocale::ShortFormat);
-    html.row(QStringLiteral("Myyntitilaukset"), sales);
-    html.row(QStringLiteral("Ostotilaukset"),
+    html.row(label("MtCheckBox"), sales);
+    html.row(label("OtCheckBox"),
              orderText(d.purchaseOrders, d.purchaseOrderFromVat0, d.purchaseOrderCoefficient));
-    html.row(QStringLiteral("Tuotekoodien tarkastus"), yesNo(d.checkProductCodes));
-    html.row(QStringLiteral("Hyllynreunaetiketit"), yesNo(d.writeShelfLabels));
-    html.row(QStringLiteral("Verkkokauppa päivitetään"), yesNo(!d.leaveWebShop));
-    html.row(QStringLiteral("Tuotekohtainen loki"), yesNo(d.productLog));
+    html.row(label("chkCheckWebstoreCompliantProductIds"), yesNo(d.checkProductCodes));
+    html.row(label("VieHr"), yesNo(d.writeShelfLabels));
+    html.row(label("Eiverkkokauppaa"), yesNo(!d.leaveWebShop));
+    html.row(label("Tuoteloki"), yesNo(d.productLog));
 }
 
 }  // namespace
 
 void describeDefinition(ReportHtml& html, const ChangeDefinition& d, const DefinitionNames& names) {
-    static const QStringList kRules = {QStringLiteral("normaali"), QStringLiteral("aina ylös"),
-                                       QStringLiteral("aina alas")};
-    static const QStringList kSteps = {QStringLiteral("0,1"), QStringLiteral("1"),
-                                       QStringLiteral("5"), QStringLiteral("10"),
-                                       QStringLiteral("0,01")};
     html.section(QStringLiteral("Veroluokat ja rajaukset"));
-    html.row(QStringLiteral("Vanha luokka"), classText(d.sourceClass, names));
-    html.row(QStringLiteral("Uusi luokka"), classText(d.targetClass, names));
-    html.row(QStringLiteral("Aliryhmät"), restrictionText(d.subGroup));
-    html.row(QStringLiteral("Tuoteryhmät"), restrictionText(d.productGroup));
-    html.row(QStringLiteral("Pääryhmät"), restrictionText(d.mainGroup));
-    html.row(QStringLiteral("Tuotenumerot"), productRangeText(d));
+    html.row(label("LahdeAlvLuokkaEdit"), classText(d.sourceClass, names));
+    html.row(label("KohdeAlvLuokkaEdit"), classText(d.targetClass, names));
+    html.row(label("AliryhmaCheckBox"), restrictionText(d.subGroup));
+    html.row(label("TuoteryhmaCheckBox"), restrictionText(d.productGroup));
+    html.row(label("PaaryhmaCheckBox"), restrictionText(d.mainGroup));
+    html.row(label("TuotenroCheckBox"), productRangeText(d));
     html.row(QStringLiteral("Päivitettävät tuoteryhmät"), groupRowsText(d.productGroup));
     levels(html, d, names.levels);
     html.section(QStringLiteral("Pyöristys ja raja"));
-    html.row(QStringLiteral("Pyöristyssääntö"), kRules.value(static_cast<int>(d.roundingRule)));
-    html.row(QStringLiteral("Pyöristys (senttiä)"), kSteps.value(static_cast<int>(d.roundingStep)));
-    html.row(QStringLiteral("Hinnanmuutosraja"), number(d.priceChangeLimit));
+    for (const char* choice : {"PyoristysSaantoRadioGroup", "PyoristysRadioGroup"})
+        html.row(label(choice), chosenItem(choice, d));
+    html.row(label("PriceChangeLimitEdit"), number(d.priceChangeLimit));
     options(html, d, names);
 }
 

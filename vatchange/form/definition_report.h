@@ -4,8 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "vatchange/definition/change_definition.h"
 #include "vatchange/form/report_html.h"
-#include "vatchange/rules/change_definition.h"
 
 namespace vatchange {
 

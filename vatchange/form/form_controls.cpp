@@ -6,10 +6,6 @@
 
 namespace vatchange {
 
-namespace {
-constexpr int kCoefficientDecimals = 14;
-}
-
 PriceLevelBox::PriceLevelBox(int titleWidth, QWidget* parent)
     : QWidget(parent), m_label(new QLabel(this)) {
     auto* row = new QHBoxLayout(this);
@@ -49,20 +45,32 @@ void levelRows(QGridLayout* grid, int count, int height) {
     }
 }
 
-framework::CheckBox* namedCheckBox(const QString& objectName, const QString& caption,
-                                   const QString& hint, QWidget* parent) {
-    auto* box = new framework::CheckBox(caption, parent);
-    box->setObjectName(objectName);
-    box->setToolTip(framework::withLineBreaks(hint));
-    box->setAccessibleName(caption);
-    return box;
+void nameControl(QWidget& control, const ChangeField& field) {
+    control.setObjectName(field.control);
+    control.setToolTip(framework::withLineBreaks(field.hint));
+    control.setAccessibleName(field.spoken);
+}
+
+QCheckBox* namedCheckBox(const QString& objectName, QWidget* parent) {
+    return named(new QCheckBox(changeField(objectName).caption, parent), objectName);
+}
+
+framework::NumberEdit* numberEdit(const QString& objectName, QWidget* parent) {
+    return named(new framework::NumberEdit(changeField(objectName).digits, parent), objectName);
+}
+
+framework::DecimalEdit* decimalEdit(const QString& objectName, QWidget* parent) {
+    return named(new framework::DecimalEdit(changeField(objectName).digits, parent), objectName);
+}
+
+framework::RadioGroup* choiceGroup(const QString& objectName, QWidget* parent) {
+    const ChangeField& field = changeField(objectName);
+    return named(new framework::RadioGroup(field.caption, field.items, parent), objectName);
 }
 
 framework::DecimalEdit* coefficientEdit(FormControls& controls, int tag, const QString& objectName,
-                                        const QString& accessibleName, QWidget* parent) {
-    auto* edit = new framework::DecimalEdit(kCoefficientDecimals, 1.0, parent);
-    edit->setObjectName(objectName);
-    edit->setAccessibleName(accessibleName);
+                                        QWidget* parent) {
+    framework::DecimalEdit* edit = decimalEdit(objectName, parent);
     edit->setProperty(kTagProperty, tag);
     edit->setFixedWidth(edit->fontMetrics().horizontalAdvance(QStringLiteral("1,00000000000000")) +
                         18);
@@ -70,12 +78,18 @@ framework::DecimalEdit* coefficientEdit(FormControls& controls, int tag, const Q
     return edit;
 }
 
-framework::CheckBox* keepVat0Box(FormControls& controls, int tag, const QString& objectName,
-                                 const QString& caption, const QString& hint, QWidget* parent) {
-    framework::CheckBox* box = namedCheckBox(objectName, caption, hint, parent);
+QCheckBox* keepVat0Box(FormControls& controls, int tag, const QString& objectName,
+                       QWidget* parent) {
+    QCheckBox* box = namedCheckBox(objectName, parent);
     box->setProperty(kTagProperty, tag);
     controls.keepVat0[static_cast<std::size_t>(tag - 1)] = box;
     return box;
+}
+
+QLabel* captionLabel(QWidget* control, QWidget* parent) {
+    auto* label = new QLabel(changeField(control->objectName()).caption, parent);
+    label->setBuddy(control);
+    return label;
 }
 
 }  // namespace vatchange

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCheckBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -10,7 +11,7 @@
 
 #include "framework/ui/choice_controls.h"
 #include "framework/ui/value_edits.h"
-#include "vatchange/rules/change_definition.h"
+#include "vatchange/definition/definition_fields.h"
 
 namespace vatchange {
 
@@ -48,7 +49,7 @@ class PriceLevelBox : public QWidget {
 
 /// Controls of one kind of group restriction.
 struct RestrictionControls {
-    framework::CheckBox* on = nullptr;
+    QCheckBox* on = nullptr;
     QWidget* box = nullptr;  ///< holds the rest; enabled while `on` is checked
     framework::NumberEdit* first = nullptr;
     framework::NumberEdit* last = nullptr;
@@ -61,7 +62,7 @@ struct FormControls {
     RestrictionControls subGroup;
     RestrictionControls productGroup;
     RestrictionControls mainGroup;
-    framework::CheckBox* productRange = nullptr;
+    QCheckBox* productRange = nullptr;
     QWidget* productRangeBox = nullptr;
     framework::TextEdit* productFirst = nullptr;
     framework::TextEdit* productLast = nullptr;
@@ -76,32 +77,32 @@ struct FormControls {
     std::array<PriceLevelBox*, kPriceLevels> levelBoxes{};
     std::array<framework::LookupCombo*, kPriceLevels> sources{};
     std::array<framework::DecimalEdit*, kCoefficients> coefficients{};
-    std::array<framework::CheckBox*, kCoefficients> keepVat0{};
+    std::array<QCheckBox*, kCoefficients> keepVat0{};
     framework::DecimalEdit* priceChangeLimit = nullptr;
-    framework::CheckBox* keepPricelistVat0 = nullptr;
-    framework::CheckBox* shelfLabels = nullptr;
+    QCheckBox* keepPricelistVat0 = nullptr;
+    QCheckBox* shelfLabels = nullptr;
     framework::DateEdit* deliveryLimit = nullptr;
 
-    framework::CheckBox* customerPriceLists = nullptr;
-    framework::CheckBox* webShopPriceLists = nullptr;
-    framework::CheckBox* campaigns = nullptr;
-    framework::CheckBox* quantityDiscounts = nullptr;
-    framework::CheckBox* salesOrders = nullptr;
-    framework::CheckBox* purchaseOrders = nullptr;
-    framework::CheckBox* products = nullptr;
-    framework::CheckBox* recurringInvoicing = nullptr;
-    framework::CheckBox* productCodes = nullptr;
+    QCheckBox* customerPriceLists = nullptr;
+    QCheckBox* webShopPriceLists = nullptr;
+    QCheckBox* campaigns = nullptr;
+    QCheckBox* quantityDiscounts = nullptr;
+    QCheckBox* salesOrders = nullptr;
+    QCheckBox* purchaseOrders = nullptr;
+    QCheckBox* products = nullptr;
+    QCheckBox* recurringInvoicing = nullptr;
+    QCheckBox* productCodes = nullptr;
 
     framework::RadioGroup* roundingRule = nullptr;
     framework::RadioGroup* roundingStep = nullptr;
-    framework::CheckBox* productLog = nullptr;
-    framework::CheckBox* leaveWebShop = nullptr;
+    QCheckBox* productLog = nullptr;
+    QCheckBox* leaveWebShop = nullptr;
 
     framework::DecimalEdit* coefficient(int tag) const {
         // cppcheck-suppress CastIntegerToAddressAtReturn ; it takes arrays of pointers for numbers
         return coefficients[static_cast<std::size_t>(tag - 1)];
     }
-    framework::CheckBox* keep(int tag) const {
+    QCheckBox* keep(int tag) const {
         // cppcheck-suppress CastIntegerToAddressAtReturn
         return keepVat0[static_cast<std::size_t>(tag - 1)];
     }
@@ -126,14 +127,27 @@ QGridLayout* groupGrid(QGroupBox* box);
 /// Makes the first `count` rows equally high, at least `height`, however much room there is.
 void levelRows(QGridLayout* grid, int count, int height);
 
-/// A check box of a definition with its object name, caption and hint.
-framework::CheckBox* namedCheckBox(const QString& objectName, const QString& caption,
-                                   const QString& hint, QWidget* parent);
+/// Gives the control of a field its object name, hint and accessible name.
+void nameControl(QWidget& control, const ChangeField& field);
+template <typename Control>
+Control* named(Control* control, const QString& objectName) {
+    nameControl(*control, changeField(objectName));
+    return control;
+}
+/// A check box of a definition with its caption.
+QCheckBox* namedCheckBox(const QString& objectName, QWidget* parent);
+/// A whole number's edit.
+framework::NumberEdit* numberEdit(const QString& objectName, QWidget* parent);
+/// A decimal number's edit.
+framework::DecimalEdit* decimalEdit(const QString& objectName, QWidget* parent);
+/// A choice with its items.
+framework::RadioGroup* choiceGroup(const QString& objectName, QWidget* parent);
 /// A coefficient edit of the coefficient table.
 framework::DecimalEdit* coefficientEdit(FormControls& controls, int tag, const QString& objectName,
-                                        const QString& accessibleName, QWidget* parent);
+                                        QWidget* parent);
 /// A keep-VAT0 check box of the table.
-framework::CheckBox* keepVat0Box(FormControls& controls, int tag, const QString& objectName,
-                                 const QString& caption, const QString& hint, QWidget* parent);
+QCheckBox* keepVat0Box(FormControls& controls, int tag, const QString& objectName, QWidget* parent);
+/// The label of a field's control, with its caption.
+QLabel* captionLabel(QWidget* control, QWidget* parent);
 
 }  // namespace vatchange

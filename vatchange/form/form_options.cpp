@@ -1,6 +1,5 @@
 #include <QGridLayout>
 
-#include "framework/ui/dialogs.h"
 #include "vatchange/form/form_controls.h"
 
 namespace vatchange {
@@ -16,63 +15,39 @@ void finishOrderGrid(QGridLayout* grid, const QWidget* edit) {
     grid->setColumnStretch(1, 1);
 }
 
+// A group of an order kind: titled and explained as its coefficient is.
+QGroupBox* orderGroup(FormControls& controls, int tag, const QString& coefficient,
+                      const QString& keepVat0, QWidget* parent) {
+    auto* box = new QGroupBox(changeField(coefficient).caption, parent);
+    QGridLayout* grid = groupGrid(box);
+    framework::DecimalEdit* edit = coefficientEdit(controls, tag, coefficient, box);
+    box->setToolTip(edit->toolTip());
+    grid->addWidget(edit, 0, 0);
+    grid->addWidget(keepVat0Box(controls, tag, keepVat0, box), 1, 0, 1, 2);
+    return box;
+}
+
 }  // namespace
 
 QGroupBox* buildSalesOrders(FormControls& controls, QWidget* parent) {
-    const QString hint = framework::withLineBreaks(
-        QStringLiteral("Uuden verollisen ahinnan laskemiseen käytettävä kerroin.\r\n"
-                       "Jos verollinen ahinta ei muutu, jätä kertoimeksi 1."));
-    auto* box = new QGroupBox(QStringLiteral("Myyntitilauskerroin"), parent);
-    box->setToolTip(hint);
-    QGridLayout* grid = groupGrid(box);
-    framework::DecimalEdit* edit =
-        coefficientEdit(controls, kSalesOrderTag, QStringLiteral("MtKerroinEdit"),
-                        QStringLiteral("Myyntitilauskerroin"), box);
-    edit->setToolTip(hint);
-    framework::CheckBox* keep =
-        keepVat0Box(controls, kSalesOrderTag, QStringLiteral("SailytaAlv0_CheckBoxMT"),
-                    QStringLiteral("Laske verollinen alv0:sta"),
-                    QStringLiteral("Uusi verollinen a-hinta lasketaan kertoimen sijaan alv0 "
-                                   "a-hinnasta."),
-                    box);
-    keep->setAccessibleName(QStringLiteral("Myyntitilaus, laske verollinen alv0:sta"));
-    controls.deliveryLimit = new framework::DateEdit(box);
-    controls.deliveryLimit->setObjectName(QStringLiteral("MTToimPaivaRajaus"));
-    controls.deliveryLimit->setAccessibleName(QStringLiteral("Toimituspäivä alkaen"));
-    controls.deliveryLimit->setToolTip(
-        QStringLiteral("Ajetaan vaan ne joiden toimituspäivä on tämä tai tuoreempi"));
+    QGroupBox* box = orderGroup(controls, kSalesOrderTag, QStringLiteral("MtKerroinEdit"),
+                                QStringLiteral("SailytaAlv0_CheckBoxMT"), parent);
+    auto* grid = static_cast<QGridLayout*>(box->layout());
+    framework::DecimalEdit* edit = controls.coefficient(kSalesOrderTag);
+    controls.deliveryLimit =
+        named(new framework::DateEdit(box), QStringLiteral("MTToimPaivaRajaus"));
     controls.deliveryLimit->setFixedWidth(edit->maximumWidth());
-    auto* label = new QLabel(QStringLiteral("Toimituspäivä alkaen"), box);
-    label->setBuddy(controls.deliveryLimit);
-    grid->addWidget(edit, 0, 0);
-    grid->addWidget(keep, 1, 0, 1, 2);
     grid->addWidget(controls.deliveryLimit, 2, 0);
-    grid->addWidget(label, 2, 1);
+    grid->addWidget(captionLabel(controls.deliveryLimit, box), 2, 1);
     finishOrderGrid(grid, edit);
     return box;
 }
 
 QGroupBox* buildPurchaseOrders(FormControls& controls, QWidget* parent) {
-    const QString hint = framework::withLineBreaks(
-        QStringLiteral("Uuden verollisen a-ostohinnan laskemiseen käytettävä kerroin.\r\n"
-                       "Jos verollinen a-ostohinta ei muutu, jätä kertoimeksi 1."));
-    auto* box = new QGroupBox(QStringLiteral("Ostotilauskerroin"), parent);
-    box->setToolTip(hint);
-    QGridLayout* grid = groupGrid(box);
-    framework::DecimalEdit* edit =
-        coefficientEdit(controls, kPurchaseOrderTag, QStringLiteral("OtKerroinEdit"),
-                        QStringLiteral("Ostotilauskerroin"), box);
-    edit->setToolTip(hint);
-    framework::CheckBox* keep =
-        keepVat0Box(controls, kPurchaseOrderTag, QStringLiteral("SailytaAlv0_CheckBoxOT"),
-                    QStringLiteral("Laske verollinen alv0:sta"),
-                    QStringLiteral("Uusi verollinen a-ostohinta lasketaan kertoimen sijaan alv0 "
-                                   "a-ostohinnasta."),
-                    box);
-    keep->setAccessibleName(QStringLiteral("Ostotilaus, laske verollinen alv0:sta"));
-    grid->addWidget(edit, 0, 0);
-    grid->addWidget(keep, 1, 0, 1, 2);
-    finishOrderGrid(grid, edit);
+    QGroupBox* box = orderGroup(controls, kPurchaseOrderTag, QStringLiteral("OtKerroinEdit"),
+                                QStringLiteral("SailytaAlv0_CheckBoxOT"), parent);
+    finishOrderGrid(static_cast<QGridLayout*>(box->layout()),
+                    controls.coefficient(kPurchaseOrderTag));
     return box;
 }
 
@@ -80,35 +55,17 @@ QGroupBox* buildOptions(FormControls& controls, QWidget* parent) {
     auto* box = new QGroupBox(QStringLiteral("Optiot"), parent);
     QGridLayout* grid = groupGrid(box);
 
-    controls.products =
-        namedCheckBox(QStringLiteral("Tuotteet"), QStringLiteral("Tuotteet ja ryhmät"),
-                      QStringLiteral("Ajetaan tuotehinnat, veroluokat ja ryhmien veroluokat"), box);
-    controls.products->setChecked(true);
-    controls.campaigns = namedCheckBox(QStringLiteral("Kampanjat"), QStringLiteral("Kampanja"),
-                                       QStringLiteral("Ajetaan kampanjat kertoimella"), box);
-    controls.quantityDiscounts =
-        namedCheckBox(QStringLiteral("MaaraAle"), QStringLiteral("Määräale"),
-                      QStringLiteral("Ajetaan määräalennukset kertoimella"), box);
-    controls.recurringInvoicing =
-        namedCheckBox(QStringLiteral("cbVakioLaskutus"), QStringLiteral("Toistuvaislaskutus"),
-                      QStringLiteral("Päivitetään vakio/kausilaskutus myös"), box);
-    controls.productCodes = namedCheckBox(
-        QStringLiteral("chkCheckWebstoreCompliantProductIds"), QStringLiteral("T.kooditarkastus"),
-        QStringLiteral("Tarkasta verkkokauppatuotteiden tuotekoodit kiellettyjen merkkien "
-                       "varalta.\r\nTarkastus tehdään KAIKILLE kannan tuotteille, ei pelkästään "
-                       "taksavaiheessa mukana oleville."),
-        box);
+    controls.products = namedCheckBox(QStringLiteral("Tuotteet"), box);
+    controls.campaigns = namedCheckBox(QStringLiteral("Kampanjat"), box);
+    controls.quantityDiscounts = namedCheckBox(QStringLiteral("MaaraAle"), box);
+    controls.recurringInvoicing = namedCheckBox(QStringLiteral("cbVakioLaskutus"), box);
+    controls.productCodes =
+        namedCheckBox(QStringLiteral("chkCheckWebstoreCompliantProductIds"), box);
     auto* label = new QLabel(QStringLiteral("asiakashinnastot"), box);
-    controls.customerPriceLists =
-        namedCheckBox(QStringLiteral("asiakashinnasto"), QStringLiteral("Asiakashinnasto"),
-                      QStringLiteral("Ajetaan nettoasiakashinnastot hinta1:n kertoimella"), box);
-    controls.webShopPriceLists = namedCheckBox(
-        QStringLiteral("WebKauppaAsHinCheckBox"), QStringLiteral("Verkkokaupan"),
-        QStringLiteral("Ajetaan verkkokaupan asiakashinnastot hinta1:n kertoimella"), box);
-    controls.salesOrders =
-        namedCheckBox(QStringLiteral("MtCheckBox"), QStringLiteral("Myyntitilaus"), {}, box);
-    controls.purchaseOrders =
-        namedCheckBox(QStringLiteral("OtCheckBox"), QStringLiteral("Ostotilaus"), {}, box);
+    controls.customerPriceLists = namedCheckBox(QStringLiteral("asiakashinnasto"), box);
+    controls.webShopPriceLists = namedCheckBox(QStringLiteral("WebKauppaAsHinCheckBox"), box);
+    controls.salesOrders = namedCheckBox(QStringLiteral("MtCheckBox"), box);
+    controls.purchaseOrders = namedCheckBox(QStringLiteral("OtCheckBox"), box);
 
     int row = 0;
     for (QWidget* left :
@@ -135,14 +92,8 @@ QGroupBox* buildLogging(FormControls& controls, QWidget* parent) {
     QGridLayout* grid = groupGrid(box);
     // The group is as wide as two others: its second half begins where the second one's does.
     grid->setHorizontalSpacing(kGutter + 2 * (kGroupMargin + 1));
-    controls.productLog = namedCheckBox(
-        QStringLiteral("Tuoteloki"), QStringLiteral("Loki tuotekohtaisista muutoksista"),
-        QStringLiteral("Kirjoittaa tuotemuutoksista yksityiskohtaisen lokin"), box);
-    controls.leaveWebShop = namedCheckBox(
-        QStringLiteral("Eiverkkokauppaa"), QStringLiteral("Älä päivitä verkkokauppaa"),
-        QStringLiteral("Verkkokaupan muutoksia ei vielä tehdä. Tarpeen silloin jos ajo ajetaan "
-                       "ennakkoon"),
-        box);
+    controls.productLog = namedCheckBox(QStringLiteral("Tuoteloki"), box);
+    controls.leaveWebShop = namedCheckBox(QStringLiteral("Eiverkkokauppaa"), box);
     grid->addWidget(controls.productLog, 0, 0);
     grid->addWidget(controls.leaveWebShop, 0, 1);
     grid->setColumnStretch(0, 1);
@@ -151,17 +102,8 @@ QGroupBox* buildLogging(FormControls& controls, QWidget* parent) {
 }
 
 void buildRounding(FormControls& controls, QWidget* parent) {
-    controls.roundingRule = new framework::RadioGroup(
-        QStringLiteral("Pyöristyssääntö"),
-        {QStringLiteral("Normaali"), QStringLiteral("Aina ylös"), QStringLiteral("Aina alas")},
-        static_cast<int>(RoundingRule::Normal), parent);
-    controls.roundingRule->setObjectName(QStringLiteral("PyoristysSaantoRadioGroup"));
-    controls.roundingStep =
-        new framework::RadioGroup(QStringLiteral("Pyöristys (senttiä)"),
-                                  {QStringLiteral("0,1 "), QStringLiteral("1"), QStringLiteral("5"),
-                                   QStringLiteral("10"), QStringLiteral("0,01")},
-                                  static_cast<int>(RoundingStep::One), parent);
-    controls.roundingStep->setObjectName(QStringLiteral("PyoristysRadioGroup"));
+    controls.roundingRule = choiceGroup(QStringLiteral("PyoristysSaantoRadioGroup"), parent);
+    controls.roundingStep = choiceGroup(QStringLiteral("PyoristysRadioGroup"), parent);
     for (framework::RadioGroup* group : {controls.roundingRule, controls.roundingStep}) {
         group->setRows(kOptionRows);
         group->layout()->setContentsMargins(kGroupMargin, kRowGap, kGroupMargin, kGutter);

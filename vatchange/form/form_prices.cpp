@@ -7,7 +7,6 @@ namespace vatchange {
 namespace {
 
 constexpr int kTitleCharacters = 17;  // of a price level's name; a longer one is shortened
-constexpr int kLimitDecimals = 2;
 
 // Widths that all rows of the table share; the nine levels are widgets of their own.
 struct Columns {
@@ -38,49 +37,37 @@ QHBoxLayout* tableRow(QWidget* row) {
 
 PriceLevelBox* levelRow(FormControls& controls, int level, const Columns& columns,
                         QWidget* parent) {
-    const QString number = QString::number(level);
     const auto index = static_cast<std::size_t>(level - 1);
     auto* box = new PriceLevelBox(columns.name, parent);
-    box->setObjectName(QStringLiteral("Hinta%1GroupBox").arg(number));
+    box->setObjectName(QStringLiteral("Hinta%1GroupBox").arg(level));
     controls.levelBoxes[index] = box;
     auto* row = static_cast<QHBoxLayout*>(box->layout());
-    row->addWidget(coefficientEdit(controls, level, QStringLiteral("Hinta%1Edit").arg(number),
-                                   QStringLiteral("Hinta %1, kerroin").arg(number), box));
+    row->addWidget(coefficientEdit(controls, level, coefficientControl(level), box));
 
-    auto* source = new framework::LookupCombo(box);
-    source->setObjectName(QStringLiteral("HintaLahde") + number);
-    source->setAccessibleName(QStringLiteral("Hinta %1, hinnan lähde").arg(number));
+    auto* source = named(new framework::LookupCombo(box), sourceControl(level));
     source->setProperty(kTagProperty, level);
     source->setFixedWidth(columns.source);
     controls.sources[index] = source;
     row->addWidget(source);
 
-    framework::CheckBox* keep =
-        keepVat0Box(controls, level, QStringLiteral("SailytaAlv0_CheckBox") + number, {},
-                    QStringLiteral("Tuotetiedoissa säilytetään alv0 hinta"), box);
-    keep->setAccessibleName(QStringLiteral("Hinta %1, säilytä alv0 hinta").arg(number));
+    QCheckBox* keep = keepVat0Box(controls, level, keepVat0Control(level), box);
     keep->setFixedWidth(columns.keep);
     row->addWidget(keep);
     row->addStretch();
     return box;
 }
 
-QWidget* purchaseRow(FormControls& controls, int tag, const QString& caption, const QString& stem,
-                     const Columns& columns, QWidget* parent) {
+QWidget* purchaseRow(FormControls& controls, int tag, const QString& coefficient,
+                     const QString& keepVat0, const Columns& columns, QWidget* parent) {
     auto* row = new QWidget(parent);
     QHBoxLayout* cells = tableRow(row);
-    QLabel* label = cell(caption, columns.name, row);
-    framework::DecimalEdit* edit =
-        coefficientEdit(controls, tag, stem + QStringLiteral("Edit"), caption, row);
-    label->setBuddy(edit);
+    framework::DecimalEdit* edit = coefficientEdit(controls, tag, coefficient, row);
+    QLabel* label = captionLabel(edit, row);
+    label->setFixedWidth(columns.name);
     cells->addWidget(label);
     cells->addWidget(edit);
     cells->addSpacing(columns.source + kColumnGap);
-    framework::CheckBox* keep =
-        keepVat0Box(controls, tag, QStringLiteral("SailytaAlv0_CheckBox") + stem,
-                    QStringLiteral("Säilytä alv0 hinta"), {}, row);
-    keep->setAccessibleName(caption + QStringLiteral(", säilytä alv0 hinta"));
-    cells->addWidget(keep);
+    cells->addWidget(keepVat0Box(controls, tag, keepVat0, row));
     cells->addStretch();
     return row;
 }
@@ -88,16 +75,11 @@ QWidget* purchaseRow(FormControls& controls, int tag, const QString& caption, co
 QWidget* limitRow(FormControls& controls, const Columns& columns, QWidget* parent) {
     auto* row = new QWidget(parent);
     QHBoxLayout* cells = tableRow(row);
-    QLabel* label = cell(QStringLiteral("Hinnanmuutosraja"), columns.name, row);
-    auto* edit = new framework::DecimalEdit(kLimitDecimals, 0.0, row);
+    framework::DecimalEdit* edit = decimalEdit(QStringLiteral("PriceChangeLimitEdit"), row);
     edit->setEmptyIsZero();
-    edit->setObjectName(QStringLiteral("PriceChangeLimitEdit"));
-    edit->setAccessibleName(label->text());
-    edit->setToolTip(
-        QStringLiteral("Muuttaa tuotteen verolliset hinnat vain hintatasoilta, joiden hinta on "
-                       "vähintään hinnanmuutosraja."));
     edit->setFixedWidth(controls.coefficient(1)->maximumWidth());
-    label->setBuddy(edit);
+    QLabel* label = captionLabel(edit, row);
+    label->setFixedWidth(columns.name);
     controls.priceChangeLimit = edit;
     cells->addWidget(label);
     cells->addWidget(edit);
@@ -105,9 +87,8 @@ QWidget* limitRow(FormControls& controls, const Columns& columns, QWidget* paren
     return row;
 }
 
-framework::CheckBox* footChoice(const QString& objectName, const QString& caption,
-                                const QString& hint, QWidget* parent) {
-    framework::CheckBox* box = namedCheckBox(objectName, caption, hint, parent);
+QCheckBox* footChoice(const QString& objectName, QWidget* parent) {
+    QCheckBox* box = namedCheckBox(objectName, parent);
     box->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     return box;
 }
@@ -137,25 +118,18 @@ QGroupBox* buildPrices(FormControls& controls, QWidget* parent) {
     for (int level = 1; level <= kPriceLevels; ++level)
         addWholeRow(levelRow(controls, level, columns, box));
     grid->addWidget(headingRow(columns, controls.coefficient(1)->maximumWidth(), box), 0, 0, 1, 2);
-    addWholeRow(purchaseRow(controls, kPurchaseTag, QStringLiteral("Ostohinta"),
-                            QStringLiteral("Ostohinta"), columns, box));
-    addWholeRow(purchaseRow(controls, kLastPurchaseTag, QStringLiteral("Viim. ostohinta"),
-                            QStringLiteral("ViimOstohinta"), columns, box));
+    addWholeRow(purchaseRow(controls, kPurchaseTag, kPurchaseControl,
+                            QStringLiteral("SailytaAlv0_CheckBoxOstohinta"), columns, box));
+    addWholeRow(purchaseRow(controls, kLastPurchaseTag, kLastPurchaseControl,
+                            QStringLiteral("SailytaAlv0_CheckBoxViimOstohinta"), columns, box));
 
     // Below the table: the limit and two choices, and beside them what the shortcut keys do.
     const int foot = row;
     grid->addWidget(limitRow(controls, columns, box), row++, 0);
-    controls.keepPricelistVat0 = footChoice(
-        QStringLiteral("DoNotUpdateCustomerPricelistVAT0"),
-        QStringLiteral("Älä päivitä asiakashinnaston alv0 hintaa"),
-        QStringLiteral("Asiakashinnaston alv0 hintaa ei päivitetä vaikka verollinen hinta "
-                       "muuttuisi."),
-        box);
+    controls.keepPricelistVat0 =
+        footChoice(QStringLiteral("DoNotUpdateCustomerPricelistVAT0"), box);
     grid->addWidget(controls.keepPricelistVat0, row++, 0);
-    controls.shelfLabels =
-        footChoice(QStringLiteral("VieHr"), QStringLiteral("Vie hyllynreunaetiketteihin"),
-                   QStringLiteral("Muutettu tuote kirjoitetaan HR etiketteihin."), box);
-    controls.shelfLabels->setChecked(true);
+    controls.shelfLabels = footChoice(QStringLiteral("VieHr"), box);
     grid->addWidget(controls.shelfLabels, row++, 0);
     auto* keys = new QLabel(QStringLiteral("Pikanäppäimet:\n"
                                            "Alt - 1 asettaa kertoimeksi 1.255/1.24,\n"

@@ -8,8 +8,6 @@ namespace vatchange {
 
 namespace {
 
-constexpr int kGroupDigits = 11;
-constexpr int kClassDigits = 3;
 constexpr int kVisibleGroups = 24;  // characters of a customer group's name
 
 // Widths that the rows of the restrictions share, so that their columns stand in line although each
@@ -51,35 +49,27 @@ QPushButton* searchButton(const QString& caption, const QString& accessibleName,
     return button;
 }
 
-RestrictionControls restriction(const QString& stem, const QString& caption, const Columns& columns,
-                                QWidget* parent) {
-    const QString kind = caption.chopped(1);
+RestrictionControls restriction(const QString& stem, const Columns& columns, QWidget* parent) {
     RestrictionControls controls;
-    controls.on = namedCheckBox(stem + QStringLiteral("CheckBox"), caption, {}, parent);
+    controls.on = namedCheckBox(stem + QStringLiteral("CheckBox"), parent);
     controls.on->setFixedWidth(columns.check);
 
     controls.box = new QWidget(parent);
     controls.box->setObjectName(stem + QStringLiteral("RajausGroupBox"));
     controls.box->setEnabled(false);
-    controls.first = new framework::NumberEdit(kGroupDigits, controls.box);
-    controls.first->setObjectName(stem + QStringLiteral("AlkuEdit"));
-    controls.first->setAccessibleName(kind + QStringLiteral(", alku"));
+    controls.first = numberEdit(stem + QStringLiteral("AlkuEdit"), controls.box);
     controls.first->setFixedWidth(columns.number);
-    controls.last = new framework::NumberEdit(kGroupDigits, controls.box);
-    controls.last->setObjectName(stem + QStringLiteral("LoppuEdit"));
-    controls.last->setAccessibleName(kind + QStringLiteral(", loppu"));
+    controls.last = numberEdit(stem + QStringLiteral("LoppuEdit"), controls.box);
     controls.last->setFixedWidth(columns.number);
+    const QString kind = controls.on->text().chopped(1);  // without "#"
     controls.search =
         searchButton(QStringLiteral("Haku"), kind + QStringLiteral(", haku"), controls.box);
     controls.search->setObjectName(stem + QStringLiteral("HakuButton"));
     controls.search->setFixedWidth(columns.button);
-    controls.ignored = new framework::TextEdit(controls.box);
-    controls.ignored->setObjectName(QStringLiteral("edt") + stem + QStringLiteral("Ignore"));
-    controls.ignored->setPlaceholderText(QStringLiteral("Ulosrajattavat ryhmät"));
+    const QString ignored = QStringLiteral("edt") + stem + QStringLiteral("Ignore");
+    controls.ignored = named(new framework::TextEdit(controls.box), ignored);
+    controls.ignored->setPlaceholderText(changeField(ignored).caption);
     controls.ignored->setMinimumWidth(columns.ignored);
-    controls.ignored->setToolTip(
-        QStringLiteral("Ryhmät, joita ei oteta mukaan. Ilmoita pilkkueroteltu luettelo."));
-    controls.ignored->setAccessibleName(kind + QStringLiteral(", ulosrajattavat ryhmät"));
     controls.ignored->setValidator(new QRegularExpressionValidator(
         QRegularExpression(QStringLiteral("[0-9,]*")), controls.ignored));
 
@@ -92,26 +82,21 @@ RestrictionControls restriction(const QString& stem, const QString& caption, con
 }
 
 void productRange(FormControls& controls, const Columns& columns, QWidget* parent) {
-    controls.productRange = namedCheckBox(QStringLiteral("TuotenroCheckBox"),
-                                          QStringLiteral("Tuotenro (ei käytössä)"), {}, parent);
+    controls.productRange = namedCheckBox(QStringLiteral("TuotenroCheckBox"), parent);
     controls.productRange->setFixedWidth(columns.check);
     controls.productRangeBox = new QWidget(parent);
     controls.productRangeBox->setObjectName(QStringLiteral("TuotenroRajausGroupBox"));
     controls.productRangeBox->setEnabled(false);
     QHBoxLayout* row = flatRow(controls.productRangeBox);
-    const auto edit = [&](const QString& objectName, const QString& accessibleName) {
-        auto* text = new framework::TextEdit(controls.productRangeBox);
-        text->setObjectName(objectName);
-        text->setAccessibleName(accessibleName);
+    const auto edit = [&](const QString& objectName) {
+        auto* text = named(new framework::TextEdit(controls.productRangeBox), objectName);
         text->setDropReplaces(true);
         text->setFixedWidth(columns.number);
         row->addWidget(text);
         return text;
     };
-    controls.productFirst =
-        edit(QStringLiteral("TuotenroAlkuEdit"), QStringLiteral("Tuotenro, alku"));
-    controls.productLast =
-        edit(QStringLiteral("TuotenroLoppuEdit"), QStringLiteral("Tuotenro, loppu"));
+    controls.productFirst = edit(QStringLiteral("TuotenroAlkuEdit"));
+    controls.productLast = edit(QStringLiteral("TuotenroLoppuEdit"));
     controls.productSearch = searchButton(QStringLiteral("Tuotehaku"), QStringLiteral("Tuotehaku"),
                                           controls.productRangeBox);
     controls.productSearch->setObjectName(QStringLiteral("TuotehakuButton"));
@@ -134,12 +119,9 @@ QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
     headings->addStretch();
     grid->addLayout(headings, 0, 1, Qt::AlignBottom);
 
-    controls.subGroup =
-        restriction(QStringLiteral("Aliryhma"), QStringLiteral("Aliryhmä#"), columns, box);
-    controls.productGroup =
-        restriction(QStringLiteral("Tuoteryhma"), QStringLiteral("Tuoteryhmä#"), columns, box);
-    controls.mainGroup =
-        restriction(QStringLiteral("Paaryhma"), QStringLiteral("Pääryhmä#"), columns, box);
+    controls.subGroup = restriction(QStringLiteral("Aliryhma"), columns, box);
+    controls.productGroup = restriction(QStringLiteral("Tuoteryhma"), columns, box);
+    controls.mainGroup = restriction(QStringLiteral("Paaryhma"), columns, box);
     productRange(controls, columns, box);
     int row = 1;
     for (const RestrictionControls* kind :
@@ -152,17 +134,12 @@ QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
     grid->addWidget(controls.productRangeBox, row, 1);
     ++row;
 
-    controls.customerGroups = new framework::CheckList(box);
-    controls.customerGroups->setObjectName(QStringLiteral("AsRyhmaCheckList"));
-    controls.customerGroups->setAccessibleName(QStringLiteral("As. ryhmät"));
-    controls.customerGroups->setToolTip(
-        QStringLiteral("Valitse tästä päivitettävät asiakasryhmät (ei valittu yhtään = kaikki)"));
+    controls.customerGroups = named(new framework::CheckList(box), kCustomerGroupsControl);
     controls.customerGroups->setMinimumWidth(kVisibleGroups *
                                              box->fontMetrics().averageCharWidth());
     // The height is that of the four rows beside it.
     controls.customerGroups->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
-    auto* label = new QLabel(QStringLiteral("As. ryhmät"), box);
-    label->setBuddy(controls.customerGroups);
+    QLabel* label = captionLabel(controls.customerGroups, box);
     grid->setColumnMinimumWidth(2, kColumnGap);
     grid->addWidget(label, 0, 3, Qt::AlignBottom);
     grid->addWidget(controls.customerGroups, 1, 3, row - 1, 1);
@@ -180,14 +157,11 @@ QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent) {
     QGridLayout* grid = groupGrid(box);
 
     const int editWidth = box->fontMetrics().horizontalAdvance(QStringLiteral("00000")) + 12;
-    const auto classRow = [&](int row, const QString& caption, const QString& editName,
-                              const QString& labelName, QLabel*& rate) {
-        auto* edit = new framework::NumberEdit(kClassDigits, box);
-        edit->setObjectName(editName);
-        edit->setAccessibleName(caption);
+    const auto classRow = [&](int row, const QString& editName, const QString& labelName,
+                              QLabel*& rate) {
+        framework::NumberEdit* edit = numberEdit(editName, box);
         edit->setFixedWidth(editWidth);
-        auto* label = new QLabel(caption, box);
-        label->setBuddy(edit);
+        QLabel* label = captionLabel(edit, box);
         rate = new QLabel(box);
         rate->setObjectName(labelName);
         QFont bold = rate->font();
@@ -200,14 +174,9 @@ QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent) {
         return edit;
     };
     controls.sourceClass =
-        classRow(0, QStringLiteral("Vanha luokka"), QStringLiteral("LahdeAlvLuokkaEdit"),
-                 QStringLiteral("LahdeLabel"), controls.sourceRate);
+        classRow(0, kSourceClassControl, QStringLiteral("LahdeLabel"), controls.sourceRate);
     controls.targetClass =
-        classRow(1, QStringLiteral("Uusi luokka"), QStringLiteral("KohdeAlvLuokkaEdit"),
-                 QStringLiteral("KohdeLabel"), controls.targetRate);
-    controls.targetClass->setToolTip(
-        QStringLiteral("Ilmoita uuden verokannan luokka. Jos muutat vain hintoja, muttet luokkaa "
-                       "laita uusi samaksi kuin vanha"));
+        classRow(1, kTargetClassControl, QStringLiteral("KohdeLabel"), controls.targetRate);
     auto* note = new QLabel(QStringLiteral("0 rajaa vain\nveroluokattomat"), box);
     note->setObjectName(QStringLiteral("VeroluokattomatLabel"));
     note->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);

@@ -72,7 +72,7 @@ std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick() {
     if (!unattended() && !acceptTyped())
         return std::nullopt;
 
-    const ChangeDefinition definition = definitionFromForm();
+    const LoadedDefinition definition = definitionToRun();
     m_cancelRequested = false;
     setRunning(true);
     try {

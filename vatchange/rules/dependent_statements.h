@@ -3,7 +3,7 @@
 #include <QDate>
 #include <QString>
 
-#include "vatchange/rules/change_definition.h"
+#include "vatchange/definition/change_definition.h"
 
 namespace vatchange {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "vatchange/rules/change_definition.h"
+#include "vatchange/definition/change_definition.h"
 #include "vatchange/rules/price_rules.h"
 
 namespace vatchange {

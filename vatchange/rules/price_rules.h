@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "vatchange/rules/change_definition.h"
+#include "vatchange/definition/change_definition.h"
 
 namespace vatchange {
 

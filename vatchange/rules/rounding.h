@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vatchange/rules/change_definition.h"
+#include "vatchange/definition/change_definition.h"
 
 namespace vatchange {
 

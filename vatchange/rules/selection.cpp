@@ -1,7 +1,8 @@
 #include "vatchange/rules/selection.h"
 
 #include <QStringList>
-#include <algorithm>
+
+#include "vatchange/definition/ignore_list.h"
 
 namespace vatchange {
 
@@ -27,7 +28,7 @@ void addTerms(QStringList& terms, const QString& column, const GroupRestriction&
         return;
     addRangeTerms(terms, column, restriction);
     QStringList ignored;
-    for (const qint64 number : parseIgnoreList(restriction.ignored))
+    for (const qint64 number : parseIgnoreList(restriction.ignored).numbers)
         ignored += QString::number(number);
     if (!ignored.isEmpty()) {
         terms += QStringLiteral("( ") + column + QStringLiteral(" not in ( ") + ignored.join(u',') +
@@ -36,21 +37,6 @@ void addTerms(QStringList& terms, const QString& column, const GroupRestriction&
 }
 
 }  // namespace
-
-QList<qint64> parseIgnoreList(const QString& text) {
-    QList<qint64> numbers;
-    const QStringList items = text.split(u',');
-    for (const QString& item : items) {
-        const bool digits = std::all_of(item.begin(), item.end(), [](QChar character) {
-            return character >= u'0' && character <= u'9';
-        });
-        bool fits = false;
-        const qint64 number = item.toLongLong(&fits);
-        if (digits && fits)
-            numbers += number;
-    }
-    return numbers;
-}
 
 QString selectionCondition(const ChangeDefinition& definition) {
     QStringList terms;

@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <array>
 
-#include "vatchange/rules/change_definition.h"
+#include "vatchange/definition/change_definition.h"
 
 namespace vatchange {
 

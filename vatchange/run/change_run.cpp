@@ -37,11 +37,6 @@ bool attempt(RunContext& run, const ErrorWording& wording, Step&& step) {
     return run.stopRequested() || guarded(run, wording, step);
 }
 
-bool changesDependents(const ChangeDefinition& definition) {
-    return definition.customerPriceLists || definition.campaigns || definition.recurringInvoicing ||
-           definition.quantityDiscounts;
-}
-
 /// Tells of earlier runs that left rows changed whose product still waits. @return false when the
 /// user does not want to go on.
 bool earlierRunsAllow(RunContext& run) {
@@ -58,7 +53,7 @@ bool earlierRunsAllow(RunContext& run) {
             "voitu jo kertoa kertoimella: tarkasta ne, ettei tämä ajo kerro niitä "
             "uudestaan.");
     run.ports.log(text);
-    if (run.ports.unattended() || !changesDependents(run.definition) ||
+    if (run.ports.unattended() || !run.definition.changesDependents() ||
         run.ports.ask(text + QStringLiteral("\r\rJatketaanko?")))
         return true;
     run.result.refusal = text;
@@ -242,7 +237,7 @@ void releaseCompany(data::Database& database, RunPorts& ports) {
 
 }  // namespace
 
-RunResult runChange(data::Database& database, const ChangeDefinition& definition, RunPorts& ports) {
+RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports) {
     RunResult result;
     result.refusal = claimCompany(database);
     if (!result.refusal.isEmpty()) {
@@ -250,11 +245,17 @@ RunResult runChange(data::Database& database, const ChangeDefinition& definition
         ports.NaytaViesti(result.refusal);
         return result;
     }
+    const CompanyFacts facts = readCompanyFacts(database, loaded.definition);
+    ChangeDefinition definition = loaded.definition;
+    dropMissingGroups(definition, facts);
     RunContext run(database, definition, ports, result);
-    if (checkDefinition(run) && earlierRunsAllow(run))
+    if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) && earlierRunsAllow(run)) {
+        for (const QString& note : definitionNotes(loaded, facts))
+            ports.log(QStringLiteral("Huomaa: ") + note);
         runSteps(run);
-    else
+    } else {
         result.refused = true;
+    }
     releaseCompany(database, ports);
     return result;
 }

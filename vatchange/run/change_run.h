@@ -5,8 +5,8 @@
 #include <deque>
 
 #include "data/engine.h"
+#include "vatchange/definition/load_rules.h"
 #include "vatchange/ports/run_ports.h"
-#include "vatchange/rules/change_definition.h"
 
 namespace vatchange {
 
@@ -19,8 +19,8 @@ struct ChangedRows {
 
 /// How a run of one definition ended.
 struct RunResult {
-    bool refused =
-        false;  ///< an early-date, class or second-run check stopped it before any change
+    bool refused = false;  ///< a check of the definition, date, classes or of a second run stopped
+                           ///< it before any change
     bool cancelled = false;   ///< stopped by the user, between two rows or after a failed label
     int failedSteps = 0;      ///< steps that reported an error
     int skippedProducts = 0;  ///< products whose record was locked by somebody else
@@ -40,10 +40,11 @@ struct RunResult {
     }
 };
 
-/// Runs one change definition against the company's database: checks, dependent price tables,
+/// Runs one change definition against the company's database. Unattended a definition with problems
+/// is refused; a person is asked. Then: checks, dependent price tables,
 /// product groups, store prices, products, open orders, product code check, run mark, in this
 /// order. Each step is caught by itself: its error is reported and the run goes on with the next.
 /// No transaction spans the run. Throws nothing from the database.
-RunResult runChange(data::Database& database, const ChangeDefinition& definition, RunPorts& ports);
+RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports);
 
 }  // namespace vatchange

@@ -1,3 +1,5 @@
+#include <optional>
+
 #include "data/clock.h"
 #include "vatchange/run/run_context.h"
 
@@ -42,7 +44,63 @@ QString classProblem(const RunContext& run) {
     return {};
 }
 
+std::set<int> customerGroups(data::Database& database) {
+    data::TUniQuery query(&database);
+    query.sql().add(QStringLiteral("SELECT NRO FROM ASRYHMA"));
+    query.open();
+    std::set<int> groups;
+    const auto& number = query.fieldByName(QStringLiteral("NRO"));
+    for (; !query.eof(); query.next())
+        groups.insert(static_cast<int>(number.asInteger()));
+    return groups;
+}
+
+/// What `read` gives; nothing when it fails.
+template <typename Read>
+std::optional<std::set<int>> known(Read&& read) {
+    try {
+        return read();
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
 }  // namespace
+
+CompanyFacts readCompanyFacts(data::Database& database, const ChangeDefinition& definition) {
+    CompanyFacts facts;
+    facts.vatClasses = known([&] { return VatClasses::read(database).numbers(); });
+    if (!definition.customerGroups.empty())
+        facts.customerGroups = known([&] { return customerGroups(database); });
+    return facts;
+}
+
+bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
+                         const CompanyFacts& facts) {
+    QStringList problems;
+    bool final = run.ports.unattended();
+    for (const DefinitionProblem& problem : definitionProblems(loaded, facts)) {
+        problems += problem.text();
+        final = final || problem.final;
+    }
+    if (problems.isEmpty())
+        return true;
+    const QString refusal =
+        QStringLiteral("Määrittelyä ei ajeta: ") + problems.join(QStringLiteral("; "));
+    if (final) {
+        run.result.refusal = refusal;
+        run.ports.NaytaViesti(refusal);
+        return false;
+    }
+    if (!run.ports.ask(QStringLiteral("Määrittelyssä on arvoja, joilla sitä ei pitäisi ajaa:\r") +
+                       problems.join(u'\r') + QStringLiteral("\r\rAjetaanko silti?"))) {
+        run.result.refusal = refusal;
+        return false;
+    }
+    for (const QString& problem : problems)
+        run.ports.log(QStringLiteral("Huomaa: ajetaan silti, ") + problem);
+    return true;
+}
 
 bool checkDefinition(RunContext& run) {
     if (!dateAllowsRun(run.ports, run.result.refusal))

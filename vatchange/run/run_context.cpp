@@ -21,6 +21,13 @@ double VatClasses::ratePercent(qint64 vatClass) const {
     return found == m_rates.end() ? 0.0 : found->second;
 }
 
+std::set<int> VatClasses::numbers() const {
+    std::set<int> numbers;
+    for (const auto& [number, rate] : m_rates)
+        numbers.insert(static_cast<int>(number));
+    return numbers;
+}
+
 RunContext::RunContext(data::Database& companyDatabase, const ChangeDefinition& change,
                        RunPorts& runPorts, RunResult& runResult)
     : database(companyDatabase),

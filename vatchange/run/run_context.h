@@ -4,12 +4,13 @@
 #include <QStringList>
 #include <exception>
 #include <map>
+#include <set>
 
 #include "data/engine.h"
 #include "data/error.h"
 #include "data/sql/uni_query.h"
+#include "vatchange/definition/definition_problems.h"
 #include "vatchange/ports/run_ports.h"
-#include "vatchange/rules/change_definition.h"
 #include "vatchange/rules/price_rules.h"
 #include "vatchange/rules/statements.h"
 #include "vatchange/run/change_run.h"
@@ -24,6 +25,7 @@ class VatClasses {
 
     bool exists(int vatClass) const { return m_rates.count(vatClass) > 0; }
     double ratePercent(qint64 vatClass) const;  ///< 0 for a class that there is not
+    std::set<int> numbers() const;
 
   private:
     std::map<qint64, double> m_rates;
@@ -72,6 +74,13 @@ using data::errorText;
 // The steps, in the order in which a run takes them. A failure is thrown out of the step; rows
 // changed before it stay changed.
 
+/// Reads what judging the definition needs. A table that cannot be read is not known: the steps
+/// that need it report that.
+CompanyFacts readCompanyFacts(data::Database& database, const ChangeDefinition& definition);
+/// The problems of the definition: unattended they refuse it, a person is asked. @return false when
+/// it must not run; the reason has been told.
+bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
+                         const CompanyFacts& facts);
 /// Early date and VAT classes. @return false when the run must not start; the reason has been
 /// shown. Reads the VAT classes.
 bool checkDefinition(RunContext& run);

@@ -9,10 +9,10 @@
 
 namespace vatchange {
 
-RunRecord recordRun(data::Database& database, const ChangeDefinition& definition, RunPorts& ports) {
+RunRecord recordRun(data::Database& database, const LoadedDefinition& definition, RunPorts& ports) {
     RunRecord record;
     record.definitionName = ports.definitionName();
-    record.definition = definition;
+    record.definition = definition.definition;
     record.logName = QFileInfo(company::AlvMuutosLogName()).absoluteFilePath();
     record.logFrom = QFileInfo(record.logName).size();
     record.started = data::Clock::now();

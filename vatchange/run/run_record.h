@@ -22,7 +22,7 @@ struct RunRecord {
 };
 
 /// runChange, recorded.
-RunRecord recordRun(data::Database& database, const ChangeDefinition& definition, RunPorts& ports);
+RunRecord recordRun(data::Database& database, const LoadedDefinition& definition, RunPorts& ports);
 
 /// A run's log lines, bounded: of a long run the first and the last ones.
 struct LogExcerpt {

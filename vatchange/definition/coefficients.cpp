@@ -1,4 +1,4 @@
-#include "vatchange/form/coefficients.h"
+#include "vatchange/definition/coefficients.h"
 
 #include <cmath>
 

@@ -19,11 +19,13 @@ struct GroupRestriction {
     bool operator==(const GroupRestriction&) const = default;
 };
 
+/// The price source of a level that does not change.
+inline const QString kNoSource = QStringLiteral("0");
+
 /// What happens to one price level.
 struct PriceLevelChange {
     double coefficient = 1.0;
-    QString source =
-        QStringLiteral("0");  ///< price column the new price is computed from; "0": no change
+    QString source = kNoSource;  ///< price column the new price is computed from
     bool keepVat0 = false;
 
     bool operator==(const PriceLevelChange&) const = default;
@@ -32,7 +34,11 @@ struct PriceLevelChange {
 enum class RoundingRule { Normal = 0, Up = 1, Down = 2 };  ///< item indexes of the form
 enum class RoundingStep { Tenth = 0, One = 1, Five = 2, Ten = 3, Hundredth = 4 };  ///< in cents
 
-/// A change definition: everything that the change form's controls say, as a plain value.
+/// The highest VAT class that an order row can hold: its field is a signed byte.
+inline constexpr int kHighestOrderClass = 127;
+
+/// A change definition: everything that the change form's controls say, as a plain value. Its
+/// initial values are the defaults of a definition.
 struct ChangeDefinition {
     GroupRestriction subGroup;
     GroupRestriction productGroup;
@@ -77,6 +83,11 @@ struct ChangeDefinition {
     RoundingStep roundingStep = RoundingStep::One;
 
     bool operator==(const ChangeDefinition&) const = default;
+
+    /// Whether a table is converted that takes its prices from level 1's coefficient.
+    bool changesDependents() const {
+        return customerPriceLists || campaigns || recurringInvoicing || quantityDiscounts;
+    }
 };
 
 /// The price columns of TUOTE by level; index 0 is "" (no change).

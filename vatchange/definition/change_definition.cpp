@@ -1,4 +1,4 @@
-#include "vatchange/rules/change_definition.h"
+#include "vatchange/definition/change_definition.h"
 
 #include <algorithm>
 

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QMap>
+#include <QString>
+#include <optional>
+
+namespace framework {
+
+/// One saved definition: control names with their values, as the file has them.
+struct SavedDefinition {
+    QString name;
+    QString description;            ///< key "Selite"
+    QMap<QString, QString> values;  ///< control name -> value; look up through value()
+
+    /// The value of a control, name compared without regard to case.
+    std::optional<QString> value(const QString& control) const {
+        if (const auto exact = values.constFind(control); exact != values.constEnd())
+            return *exact;
+        for (auto it = values.constBegin(); it != values.constEnd(); ++it) {
+            if (it.key().compare(control, Qt::CaseInsensitive) == 0)
+                return *it;
+        }
+        return std::nullopt;
+    }
+};
+
+}  // namespace framework
