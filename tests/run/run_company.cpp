@@ -79,12 +79,4 @@ void expectSharedKeysChanged(RunCompany& company,
     EXPECT_TRUE(kept(QStringLiteral("KAMPPANJA"), "perc"));
 }
 
-vatchange::ChangeDefinition plainDefinition() {
-    vatchange::ChangeDefinition definition;
-    definition.sourceClass = 3;
-    definition.targetClass = 6;
-    definition.levels[0] = {k24To25_5, QStringLiteral("hinta"), false};
-    return definition;
-}
-
 }  // namespace test
