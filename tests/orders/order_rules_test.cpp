@@ -42,6 +42,10 @@ struct SalesCase {
 const SalesCase kSalesCases[] = {
     // Ahinta 10, Alv0 10/1.25 = 8; gross 4x10, gross0 4x8; margins 40-4x5, 32-4x4
     {"coefficient 1", {}, {}, {10, 8, 40, 20, 16, 5, 4, 5}},
+    {"coefficients not above 0 are 1",
+     {},
+     {.sales = 0, .purchase = -1},
+     {10, 8, 40, 20, 16, 5, 4, 5}},
     // 10 x 1.255 = 12.55; 4x12.55 = 50.20; 50.20-20; 5/1.255 = 3.98406..; 40-15.93625.. = 24.063..
     {"VAT0 kept, 25.5 %",
      {.ahintaAlv0 = 10},
@@ -261,6 +265,7 @@ TEST(PurchaseRow, ConvertsAsDerivedByHand) {
     const Case cases[] = {
         // 10 stays; 10/1.25; 4x10
         {"coefficient 1", false, 1.0, 4, 0, 10, 9, 10, 8, 40},
+        {"coefficient not above 0 is 1", false, -1.0, 4, 0, 10, 9, 10, 8, 40},
         // 10.0078125 x 1.5 = 15.01171875; /1.25 = 12.009375; nothing is rounded
         {"coefficient 1.5", false, 1.5, 4, 0, 10.0078125, 9, 15.01171875, 12.009375, 60.046875},
         // 9 x 1.25 = 11.25, coefficient not used; 4 x 11.25 x 0.5
