@@ -278,6 +278,7 @@ class Suite:
                 "environment": dict(v.split("=", 1) for v in properties.get("ENVIRONMENT", [])),
                 "folder": properties.get("WORKING_DIRECTORY", tree.build),
                 "alone": "RESOURCE_LOCK" in properties,
+                "apart": [],  # cases that need a process of their own, as ctest gives them
             })
         self.seconds = {}
 
@@ -291,7 +292,11 @@ class Suite:
         environment.update(test["environment"])
         if shard:
             environment.update(GTEST_SHARD_INDEX=str(shard[0]), GTEST_TOTAL_SHARDS=str(shard[1]))
-        command = test["command"] + ([f"--gtest_filter={only}"] if only else [])
+        command = list(test["command"])
+        if only:
+            command.append(f"--gtest_filter={only}")
+        elif test["apart"]:
+            command.append("--gtest_filter=-" + ":".join(test["apart"]))
         limit = 60 + 8 * self.seconds.get(name, 120)
         try:
             code, output = Process.run(command, limit, limited=True, cwd=test["folder"], env=environment)
@@ -306,6 +311,11 @@ class Suite:
             " (hangs)" if code is None else f" (signal {-code})"
         return f"{name}{': ' + case if case else ''}{how}"
 
+    @staticmethod
+    def case_of(failure):
+        case = re.search(r": (\S+)", failure)
+        return case.group(1) if case else None
+
     def measure(self):
         """Runs everything once on the sources as they are."""
         record = os.path.join(os.path.dirname(self.tree.build), "baseline.json")
@@ -315,19 +325,26 @@ class Suite:
                 known = json.load(file)
             if known["state"] == state and set(known["seconds"]) == set(self.tests):
                 self.seconds = known["seconds"]
+                for name, cases in known["apart"].items():
+                    self.tests[name]["apart"] = cases
                 return
         failed = []
-        for name in self.tests:
+        for name, test in self.tests.items():
             start = time.monotonic()
-            failure = self.run(name) and self.run(name)
+            while failure := self.run(name):
+                case = self.case_of(failure)
+                if case and case not in test["apart"] and not self.run(name, only=case):
+                    test["apart"].append(case)
+                elif self.run(name):
+                    failed.append(failure)
+                    break
             self.seconds[name] = round(time.monotonic() - start, 1)
             say(f"  {self.seconds[name]:6.1f} s  {name}")
-            if failure:
-                failed.append(failure)
         if failed:
             raise SystemExit("Tests fail without a fault: " + ", ".join(failed))
         with open(record, "w", encoding="utf-8") as file:
-            json.dump({"state": state, "seconds": self.seconds}, file, indent=1)
+            json.dump({"state": state, "seconds": self.seconds,
+                       "apart": {name: test["apart"] for name, test in self.tests.items()}}, file, indent=1)
 
     def first_failure(self, names):
         """Runs programs in this order, as many at once as there are jobs, until one fails."""
@@ -336,7 +353,8 @@ class Suite:
             test = self.tests[name]
             shards = self.tree.jobs if test["google"] and not test["alone"] and \
                 self.seconds.get(name, 0) > 2 else 1
-            waiting += [(name, (i, shards) if shards > 1 else None) for i in range(shards)]
+            waiting += [(name, (i, shards) if shards > 1 else None, None) for i in range(shards)]
+            waiting += [(name, None, case) for case in test["apart"]]
         failures, lock, stop = [], threading.Lock(), threading.Event()
 
         def work():
@@ -344,8 +362,8 @@ class Suite:
                 with lock:
                     if not waiting:
                         return
-                    name, shard = waiting.pop(0)
-                failure = self.run(name, shard)
+                    name, shard, case = waiting.pop(0)
+                failure = self.run(name, shard, case)
                 if failure and not stop.is_set():
                     with lock:
                         failures.append((name, failure))
@@ -381,8 +399,8 @@ class Suite:
 
     def confirmed(self, name, text):
         """Whether it fails again: a test that fails now and then tells nothing of the fault."""
-        case = re.search(r": (\S+)", text)
-        return bool((case and self.run(name, only=case.group(1))) or self.run(name))
+        case = self.case_of(text)
+        return bool(self.run(name, only=case) if case else self.run(name))
 
 
 class Draw:
