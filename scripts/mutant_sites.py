@@ -21,8 +21,9 @@ LEFT_ALONE = set("""
 """.split())
 # String literals in these are texts for people.
 MESSAGES = set("setText setTitle setWindowTitle setPlaceholderText addAction addTab QLabel QPushButton tr "
-               "QGroupBox QCheckBox QRadioButton addButton setLabelText".split())
-SYMMETRIC = {"max", "min", "qMax", "qMin", "swap", "connect", "disconnect", "minmax"}
+               "QGroupBox QCheckBox QRadioButton addButton setLabelText setHeaderLabels".split())
+SYMMETRIC = {"max", "min", "qMax", "qMin", "swap", "connect", "disconnect", "minmax", "isSameName",
+             "sameField"}
 KEYWORDS = set("""
     if for while switch return sizeof decltype throw catch new delete else do case default break continue
     goto using auto const static constexpr try co_await co_return alignof noexcept template typename operator

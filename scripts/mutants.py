@@ -370,11 +370,15 @@ class Suite:
                     stop.set()
                     Process.end_all()
 
-        threads = [threading.Thread(target=work) for _ in range(self.tree.jobs)]
+        # daemons: a signal ends this program without waiting for them
+        threads = [threading.Thread(target=work, daemon=True) for _ in range(self.tree.jobs)]
         for thread in threads:
             thread.start()
-        for thread in threads:
-            thread.join()
+        try:
+            for thread in threads:
+                thread.join()
+        finally:
+            stop.set()
         return failures[0] if failures else None
 
     def finds(self, module):
