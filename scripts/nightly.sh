@@ -1,6 +1,7 @@
 #!/bin/bash
 # What takes too long for every change: the fuzzers, clang-tidy over everything, cppcheck, hundreds of
-# kills, power losses and faults, other programs at work, a large company, threads, valgrind.
+# kills, power losses and faults, other programs at work, a large company, threads, valgrind, and
+# whether the tests find faults that are put into the code.
 # Usage: nightly.sh [MINUTES]   (for each fuzzer, default 10)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -47,6 +48,9 @@ install_packages $packages_servers
     export QT_QPA_PLATFORM=offscreen TSAN_OPTIONS=halt_on_error=1
     build-tsan/bin/client_tests && build-tsan/bin/odbc_tests
 ) || failed+=("threads")
+
+heading "Code faults that the tests find"
+scripts/mutants.py --count 20 --seed "$(date +%F)" --report build-mutants/report.md || failed+=("mutants.py")
 
 heading "valgrind"
 scripts/valgrind.sh || failed+=("valgrind")

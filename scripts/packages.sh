@@ -13,7 +13,7 @@ packages_windows_qt="$packages_windows cmake ninja-build qt6-base-dev dpkg-dev t
 packages_windows_smoke="wine wine64 fonts-wine fonts-liberation xvfb openbox imagemagick xdotool
     libsqliteodbc unixodbc"
 packages_debian="debootstrap dpkg-dev file lintian desktop-file-utils appstream"
-packages_nightly="cppcheck valgrind"
+packages_nightly="cppcheck valgrind lld"
 packages_soak="eatmydata"
 packages_screenshots="xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick poppler-utils
     faketime fonts-dejavu-core"

@@ -136,6 +136,36 @@ TEST_F(ShopRecordsTest, ACatalogueThatDisagreesWithItsFileIsRefused) {
     }
 }
 
+TEST_F(ShopRecordsTest, AnAnswerThatIsCutOffIsRefused) {
+    ShopRecords records(database(str("lyhyt"), str("cut")));
+    const auto rates = records.openTable(str("ALVKANTA"));
+    const DataError error = errorOf([&] { rates->fromEnd(0, Direction::Forward, 2); });
+    EXPECT_EQ(error.kind(), ErrorKind::Damaged);
+    EXPECT_TRUE(error.detail().contains(str("is cut off"))) << error.what();
+}
+
+TEST_F(ShopRecordsTest, AWalkAlongAKeyEndsWhereItsVisitorSays) {
+    run("insert into ALVKANTA (luokka) values (4)");
+    ShopRecords records(database(str("koe")));
+    const auto rates = records.openTable(str("ALVKANTA"));
+    std::vector<RecordId> inOrder;
+    for (const StoredRecord& record : rates->fromEnd(0, Direction::Forward, 5))
+        inOrder.push_back(record.id);
+    ASSERT_EQ(inOrder.size(), 3);
+    std::vector<RecordId> seen;
+    const auto last =
+        rates->visit(0, std::nullopt, Direction::Forward, 5, [&](RecordId id, const QByteArray&) {
+            seen.push_back(id);
+            return seen.size() < 2;
+        });
+    EXPECT_EQ(seen, std::vector<RecordId>(inOrder.begin(), inOrder.begin() + 2));
+    ASSERT_TRUE(last);
+    EXPECT_EQ(last->id, inOrder[1]);
+    seen.clear();
+    rates->visitIds(0, std::nullopt, 5, [&](RecordId id) { seen.push_back(id); });
+    EXPECT_EQ(seen, inOrder);
+}
+
 TEST_F(ShopRecordsTest, AnEngineThatNeverAnswersEndsAtTheLimit) {
     ShopDatabaseSettings mute = database(str("mykkä"), str("silent"));
     mute.statementLimit = std::chrono::milliseconds(200);

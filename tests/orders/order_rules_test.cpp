@@ -101,8 +101,9 @@ const SalesCase kSalesCases[] = {
      {.ahinta = 10.125, .maara = -1},
      {},
      {10.125, 8.1, -10.12, -5.12, -4.1, 5, 4, 5}},
-    // discounts: 25 % leaves 30 and 24, 50 % leaves 20 and 16 (both margins 0), 100 % nothing;
-    // 0, negative ones and those above 100 are none
+    // discounts: 0.5 % leaves 39.80 and 31.84, 25 % 30 and 24, 50 % 20 and 16 (both margins 0),
+    // 100 % nothing; 0, negative ones and those above 100 are none
+    {"discount 0.5", {.alennus = 0.5}, {}, {10, 8, 39.8, 19.8, 15.84, 5, 4, 5}},
     {"discount 25", {.alennus = 25}, {}, {10, 8, 30, 10, 8, 5, 4, 5}},
     {"discount 50", {.alennus = 50}, {}, {10, 8, 20, 0, 0, 5, 4, 5}},
     {"discount 100", {.alennus = 100}, {}, {10, 8, 0, -20, -16, 5, 4, 5}},

@@ -2,9 +2,9 @@
 // client library would be. The databases it knows stand in the file that the environment variable
 // CLIENT_PEER_DATABASES names, one a line: NAME, a tab, the folder of the embedded company; further
 // columns may say "owner=NAME" (files want this owner name), "silent" (no answer for some seconds)
-// and what Peculiarities are for: "short", "key", "linked", "plain", "stuck", "taker". A database
-// of the name of a folder serves the files of that folder: each table by its location in the
-// catalogue.
+// and what Peculiarities are for: "short", "key", "linked", "plain", "stuck", "cut", "taker". A
+// database of the name of a folder serves the files of that folder: each table by its location in
+// the catalogue.
 
 #include <QDir>
 #include <QFile>
@@ -66,9 +66,9 @@ std::optional<PeerDatabase> findDatabase(const QString& name) {
             if (column.startsWith(QStringLiteral("owner=")))
                 found.owner = column.mid(6);
         found.peculiarities = {
-            columns.contains(QStringLiteral("short")), columns.contains(QStringLiteral("key")),
+            columns.contains(QStringLiteral("short")),  columns.contains(QStringLiteral("key")),
             columns.contains(QStringLiteral("linked")), columns.contains(QStringLiteral("plain")),
-            columns.contains(QStringLiteral("stuck"))};
+            columns.contains(QStringLiteral("stuck")),  columns.contains(QStringLiteral("cut"))};
         if (columns.contains(QStringLiteral("taker")))
             found.peculiarities.taker =
                 std::make_shared<embedded::Connection>(embedded::companyFile(found.folder));

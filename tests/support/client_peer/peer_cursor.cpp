@@ -297,6 +297,8 @@ int PeerCursor::readMany(Direction direction, CallBuffers& buffers, int key) {
         return kDataBufferTooShort;
     if (!found.empty())
         m_current = found.back();
+    if (m_peculiarities.cut)
+        answer.chop(1);
     put(answer, buffers);
     return static_cast<int>(found.size()) < wanted ? kEndOfFile : kOk;
 }

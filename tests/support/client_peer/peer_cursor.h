@@ -24,6 +24,7 @@ struct Peculiarities {
     bool linked = false;       ///< say that records of one value are in the order of insertion
     bool plain = false;        ///< know no extended reading
     bool stuck = false;        ///< lose the session when a lock is given back
+    bool cut = false;          ///< answer extended reads without their last byte
     /// Another session, which locks what is given back.
     std::shared_ptr<data::embedded::Connection> taker = {};
 };
