@@ -11,6 +11,18 @@ target_compile_definitions(taksavaihe_flags INTERFACE
     $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 target_include_directories(taksavaihe_flags INTERFACE ${CMAKE_SOURCE_DIR})
 
+# Test code: optimising it takes longer than it saves when the tests run. What they test is
+# optimised as it is shipped.
+add_library(taksavaihe_test_flags INTERFACE)
+target_link_libraries(taksavaihe_test_flags INTERFACE taksavaihe_flags)
+target_compile_options(taksavaihe_test_flags INTERFACE $<$<CONFIG:Release>:-O0>)
+
+# lld (Debian's package of that name) links in a seventh of the time: 0.09 s a program, not 0.63.
+find_program(TAKSAVAIHE_LLD ld.lld)
+if(TAKSAVAIHE_LLD AND NOT WIN32)
+    add_link_options(-fuse-ld=lld)
+endif()
+
 if(TAKSAVAIHE_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)

@@ -1,9 +1,17 @@
 include(GoogleTest)
-# taksavaihe_test(NAME FROM dir... USES library...): one test program a room. Every test runs without
-# a display and with settings of its own, so plain `ctest` works anywhere. ONE_BY_ONE: its tests share
-# a file beside the program.
+
+# The programs and files that the tests labelled "unit" and "servers" need: what the sanitizer run of
+# every change builds.
+add_custom_target(unit_tests)
+
+# taksavaihe_test(NAME FROM dir... USES library... [LABEL unit|whole|servers] [LOCK name] [AUTOMOC]):
+# one test program a folder. Every test runs without a display and with settings of its own, so plain
+# `ctest` works anywhere.
+#   LABEL    unit (default); whole: whole runs, killed or with faults; servers: needs SQL servers
+#   LOCK     its tests share something (a file beside the program, a server) and run one by one
+#   AUTOMOC  its sources declare Qt objects
 function(taksavaihe_test name)
-    cmake_parse_arguments(TEST "ONE_BY_ONE" "" "FROM;USES" ${ARGN})
+    cmake_parse_arguments(TEST "AUTOMOC" "LABEL;LOCK" "FROM;USES" ${ARGN})
     set(sources)
     foreach(dir ${TEST_FROM})
         file(GLOB found CONFIGURE_DEPENDS ${dir}/*.cpp ${dir}/*.h)
@@ -12,14 +20,21 @@ function(taksavaihe_test name)
     if(NOT sources)
         return()
     endif()
+    if(NOT TEST_LABEL)
+        set(TEST_LABEL unit)
+    endif()
     add_executable(${name} ${sources})
-    target_link_libraries(${name} PRIVATE taksavaihe_flags ${TEST_USES} test_support GTest::gtest)
+    target_link_libraries(${name} PRIVATE taksavaihe_test_flags ${TEST_USES} test_support GTest::gtest)
     taksavaihe_pch(${name} tests)
+    set_target_properties(${name} PROPERTIES AUTOMOC ${TEST_AUTOMOC})
+    if(NOT TEST_LABEL STREQUAL "whole")
+        add_dependencies(unit_tests ${name})
+    endif()
     set(lock)
-    if(TEST_ONE_BY_ONE)
-        set(lock RESOURCE_LOCK ${name})
+    if(TEST_LOCK)
+        set(lock RESOURCE_LOCK ${TEST_LOCK})
     endif()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-        PROPERTIES TIMEOUT 300
+        PROPERTIES TIMEOUT 300 LABELS ${TEST_LABEL}
         ENVIRONMENT "QT_QPA_PLATFORM=offscreen" ${lock})
 endfunction()

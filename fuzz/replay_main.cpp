@@ -1,19 +1,26 @@
-#include <cstddef>
-#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <vector>
 
-// Runs a fuzz target over the files of the folders named on the command line: the collected inputs
-// as an ordinary test. A folder without any file is a fault of its own.
+#include "replay_targets.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
+// Runs one fuzz target over every file of a folder: the collected inputs as an ordinary test.
+// Usage: fuzz_replay TARGET FOLDER. A folder without any file is an error.
 
 namespace {
 
-int replayFolder(const std::filesystem::path& folder) {
+const FuzzTarget* findTarget(const char* name) {
+    for (const FuzzTarget& target : kFuzzTargets) {
+        if (std::strcmp(target.name, name) == 0)
+            return &target;
+    }
+    return nullptr;
+}
+
+int replayFolder(const FuzzTarget& target, const std::filesystem::path& folder) {
     int count = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         if (!entry.is_regular_file())
@@ -22,7 +29,7 @@ int replayFolder(const std::filesystem::path& folder) {
         const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
         std::printf("%s\n", entry.path().filename().string().c_str());
         std::fflush(stdout);  // names the culprit when the next line crashes
-        LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
+        target.run(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
         ++count;
     }
     return count;
@@ -31,15 +38,16 @@ int replayFolder(const std::filesystem::path& folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    int count = 0;
-    for (int i = 1; i < argc; ++i) {
-        const int found = replayFolder(argv[i]);
-        if (found == 0) {
-            std::fprintf(stderr, "%s: no inputs\n", argv[i]);
-            return 1;
-        }
-        count += found;
+    const FuzzTarget* target = argc == 3 ? findTarget(argv[1]) : nullptr;
+    if (target == nullptr) {
+        std::fprintf(stderr, "Usage: fuzz_replay TARGET FOLDER\n");
+        return 2;
+    }
+    const int count = replayFolder(*target, argv[2]);
+    if (count == 0) {
+        std::fprintf(stderr, "%s: no inputs\n", argv[2]);
+        return 1;
     }
     std::printf("%d inputs\n", count);
-    return count > 0 ? 0 : 1;
+    return 0;
 }

@@ -3,6 +3,7 @@
 # from recorded runs. Prints the figures that docs/reliability.md quotes.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/options.sh
 . scripts/packages.sh
 
 usage() {
@@ -21,24 +22,7 @@ USAGE
 }
 
 kills=200 products=3000 orders=600 build=build seed=$RANDOM
-while [ $# -gt 0 ]; do
-    case "$1" in
-        --kills) kills=$2 ;;
-        --products) products=$2 ;;
-        --orders) orders=$2 ;;
-        --seed) seed=$2 ;;
-        --build) build=$2 ;;
-        --help | -h)
-            usage
-            exit 0
-            ;;
-        *)
-            usage >&2
-            exit 2
-            ;;
-    esac
-    shift 2
-done
+parse_options "kills= products= orders= seed= build=" "$@"
 
 if [ ! -x "$build/bin/fault_tests" ] || [ ! -x "$build/bin/taksavaihe" ]; then
     # shellcheck disable=SC2086

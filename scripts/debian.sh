@@ -2,6 +2,7 @@
 # Builds the Debian package; installs and runs it in a clean root.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/options.sh
 . scripts/packages.sh
 
 usage() {
@@ -19,24 +20,12 @@ DEBIAN_MIRROR names the place packages come from (default: that of this machine)
 USAGE
 }
 
-build=yes check=yes
-case "${1:-}" in
-    "") ;;
-    --no-check) check=no ;;
-    --no-build) build=no ;;
-    --help | -h)
-        usage
-        exit 0
-        ;;
-    *)
-        usage >&2
-        exit 2
-        ;;
-esac
+no_build=no no_check=no
+parse_options "no-build no-check" "$@"
 
 # shellcheck disable=SC2086,SC2154
 install_packages $packages_build $packages_debian
-if [ "$build" = yes ]; then
+if [ "$no_build" = no ]; then
     cmake -G Ninja -S . -B build-debian -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=OFF \
         -DCMAKE_INSTALL_PREFIX=/usr -DCMAKE_SKIP_INSTALL_ALL_DEPENDENCY=ON
     cmake --build build-debian --target taksavaihe zavdb compressed_files
@@ -46,7 +35,7 @@ fi
 package=$(ls build-debian/taksavaihe_*.deb)
 ls -l "$package"
 lintian --no-tag-display-limit "$package" || true
-[ "$check" = yes ] || exit 0
+[ "$no_check" = no ] || exit 0
 
 # --- a clean root
 root=$(mktemp -d)

@@ -2,6 +2,7 @@
 # Builds the program, creates the demo company and changes its VAT class from 24 % to 25.5 %.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/options.sh
 . scripts/packages.sh
 
 usage() {
@@ -19,25 +20,7 @@ USAGE
 }
 
 gui=no keep=no products=2000
-while [ $# -gt 0 ]; do
-    case "$1" in
-        --gui) gui=yes ;;
-        --keep) keep=yes ;;
-        --products)
-            products=${2:?--products takes a number}
-            shift
-            ;;
-        --help | -h)
-            usage
-            exit 0
-            ;;
-        *)
-            usage >&2
-            exit 2
-            ;;
-    esac
-    shift
-done
+parse_options "gui keep products=" "$@"
 
 name=Demo
 definition=Alv255

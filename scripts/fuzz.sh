@@ -1,36 +1,26 @@
 #!/bin/bash
 # Fuzzes the readers of outside bytes and texts, each with address and undefined behaviour
 # sanitizers, one after another.
-# Usage: fuzz.sh [--minutes N] [--keep] [TARGET...]
-#   N minutes each (default 30; fractions are allowed); TARGET as in fuzz/TARGET_fuzz.cpp, default
-#   all. Found inputs stay in build-fuzz/found/ and are used again; inputs that break a target are
-#   kept in build-fuzz/crashes/. --keep adds to fuzz/corpus what reaches code that it does not.
-# Exit status 1 when a target broke.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/options.sh
 
-minutes=30
-keep=
-targets=()
-while [ $# -gt 0 ]; do
-    case $1 in
-        --minutes)
-            minutes=${2:?"--minutes needs a number"}
-            shift
-            ;;
-        --keep) keep=1 ;;
-        -h | --help)
-            sed -n '2,9s/^# \{0,1\}//p' "${BASH_SOURCE[0]}"
-            exit 0
-            ;;
-        -*)
-            echo "fuzz.sh: unknown option $1" >&2
-            exit 2
-            ;;
-        *) targets+=("$1") ;;
-    esac
-    shift
-done
+usage() {
+    cat <<'USAGE'
+Usage: scripts/fuzz.sh [--minutes N] [--keep] [TARGET...]
+
+  --minutes N  for each target (default 30; fractions are allowed)
+  --keep       adds to fuzz/corpus/TARGET.tar.xz what reaches code that its inputs do not
+  TARGET       as in fuzz/TARGET_fuzz.cpp (default: all of them)
+
+Found inputs stay in build-fuzz/found/ and are used again; inputs that break a target are kept in
+build-fuzz/crashes/. Exit status 1 when a target broke.
+USAGE
+}
+
+minutes=30 keep=no
+parse_options "minutes= keep ARGUMENTS" "$@"
+targets=("${arguments[@]}")
 seconds=$(awk -v m="$minutes" 'BEGIN { s = int(m * 60); print (s > 0 ? s : 1) }')
 if [ ${#targets[@]} -eq 0 ]; then
     mapfile -t targets < <(find fuzz -maxdepth 1 -name '*_fuzz.cpp' -printf '%f\n' |
@@ -70,11 +60,13 @@ for target in "${targets[@]}"; do
     program=$build/bin/${target}_fuzz
     found=$build/found/$target
     crashes=$build/crashes/$target
+    corpus=$build/corpus/$target
     log=$build/$target.log
     mkdir -p "$found" "$crashes"
+    scripts/corpus.sh unpack "$target" "$corpus"
     begin=$SECONDS
     nice -n 19 "$program" -max_total_time="$seconds" -timeout=25 -rss_limit_mb=2048 \
-        -print_final_stats=1 -artifact_prefix="$crashes/" "$found" "fuzz/corpus/$target" \
+        -print_final_stats=1 -artifact_prefix="$crashes/" "$found" "$corpus" \
         >"$log" 2>&1 || {
         failed+=("$target")
         grep -E 'ERROR|SUMMARY|runtime error|Test unit written' "$log" || tail -n 20 "$log"
@@ -91,13 +83,17 @@ for target in "${targets[@]}"; do
     table+=$'\n'$line
     # the smallest set of inputs that reaches the same
     rm -rf "$found.merged" && mkdir "$found.merged"
-    if nice -n 19 "$program" -merge=1 -timeout=25 "$found.merged" "$found" "fuzz/corpus/$target" \
+    if nice -n 19 "$program" -merge=1 -timeout=25 "$found.merged" "$found" "$corpus" \
         >"$log.merge" 2>&1; then
         rm -rf "$found" && mv "$found.merged" "$found"
     fi
-    if [ -n "$keep" ]; then
-        nice -n 19 "$program" -merge=1 -timeout=25 -max_len=512 "fuzz/corpus/$target" "$found" \
-            >"$log.keep" 2>&1 || failed+=("$target (merge)")
+    if [ "$keep" = yes ]; then
+        if nice -n 19 "$program" -merge=1 -timeout=25 -max_len=512 "$corpus" "$found" \
+            >"$log.keep" 2>&1; then
+            scripts/corpus.sh pack "$target" "$corpus"
+        else
+            failed+=("$target (merge)")
+        fi
     fi
 done
 

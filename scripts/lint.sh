@@ -1,35 +1,33 @@
 #!/bin/bash
-# Runs clang-tidy. Usage: lint.sh [--changed] [--minutes N] [FILE...]
-#   --changed     only the sources that differ from the commit before
-#   --minutes N   stops after N minutes, without complaint about the files that are left
+# Runs clang-tidy over the program's own sources; tests are left to the compilers.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/options.sh
 
-# the program's own sources; tests are left to the compilers
-rooms=('app/*.cpp' 'data/*.cpp' 'framework/*.cpp' 'search/*.cpp' 'tools/*.cpp' 'vatchange/*.cpp')
-changed=no minutes=0 files=()
-while [ $# -gt 0 ]; do
-    case "$1" in
-        --changed) changed=yes ;;
-        --minutes)
-            minutes=${2:?--minutes takes a number}
-            shift
-            ;;
-        *) files+=("$1") ;;
-    esac
-    shift
-done
+usage() {
+    cat <<'USAGE'
+Usage: scripts/lint.sh [--changed] [--minutes N] [FILE...]
+
+  --changed    only the sources that differ from the commit before
+  --minutes N  stops after N minutes, without complaint about the files that are left
+USAGE
+}
+
+sources=('*.cpp' ':!tests' ':!fuzz' ':!bench')
+changed=no minutes=0
+parse_options "changed minutes= ARGUMENTS" "$@"
+files=("${arguments[@]}")
 
 if [ "$changed" = yes ]; then
     if git rev-parse -q --verify HEAD~1 >/dev/null; then
-        mapfile -t files < <(git diff --name-only --diff-filter=d HEAD~1 -- "${rooms[@]}")
+        mapfile -t files < <(git diff --name-only --diff-filter=d HEAD~1 -- "${sources[@]}")
     fi
     [ ${#files[@]} -gt 0 ] || { echo "No source has changed."; exit 0; }
 elif [ ${#files[@]} -eq 0 ]; then
-    mapfile -t files < <(git ls-files "${rooms[@]}")
+    mapfile -t files < <(git ls-files "${sources[@]}")
 fi
 
-# clang-tidy wants clang's command lines
+# clang-tidy wants clang's command lines, without precompiled headers (those are gcc's, or not built)
 cmake --preset tidy >build-tidy.log 2>&1 || { cat build-tidy.log >&2; exit 1; }
 rm -f build-tidy.log
 

@@ -1,13 +1,25 @@
 #!/bin/bash
-# What takes too long for every change: the fuzzers, clang-tidy over everything, cppcheck, hundreds of
-# kills, power losses and faults, other programs at work, a large company, threads, valgrind, and
-# whether the tests find faults that are put into the code.
-# Usage: nightly.sh [MINUTES]   (for each fuzzer, default 10)
+# What takes too long for every change: the fuzzers, a build without precompiled headers, clang-tidy
+# over everything, cppcheck, hundreds of kills, power losses and faults, whole runs under the
+# sanitizers, other programs at work, a large company, threads, valgrind, and whether the tests find
+# faults that are put into the code.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/options.sh
 . scripts/packages.sh
 
-minutes=${1:-10}
+usage() {
+    cat <<'USAGE'
+Usage: scripts/nightly.sh [MINUTES]
+
+  MINUTES  for each fuzzer (default 10)
+
+Inputs that reach new code are added to the archives in fuzz/corpus; commit them.
+USAGE
+}
+
+parse_options ARGUMENTS "$@"
+minutes=${arguments[0]:-10}
 failed=()
 heading() { printf '\n== %s (%s)\n' "$*" "$(date +%H:%M:%S)"; }
 
@@ -15,7 +27,13 @@ heading() { printf '\n== %s (%s)\n' "$*" "$(date +%H:%M:%S)"; }
 install_packages $packages_build $packages_test $packages_lint $packages_nightly
 
 heading "Fuzzers, $minutes minutes each"
-scripts/fuzz.sh --minutes "$minutes" || failed+=("fuzzers")
+scripts/fuzz.sh --keep --minutes "$minutes" || failed+=("fuzzers")
+
+heading "Missing includes"
+cmake --preset no-pch
+# compiled only: every object file, also after a failure
+ninja -C build-no-pch -t targets all | sed -n 's/^\(.*\.o\): CX\?X\?_COMPILER.*/\1/p' |
+    xargs ninja -C build-no-pch -k 0 || failed+=("missing includes")
 
 heading "clang-tidy"
 scripts/lint.sh || failed+=("clang-tidy")
@@ -26,11 +44,16 @@ cppcheck --quiet --std=c++20 --enable=warning,performance,portability --inline-s
     app data framework search vatchange tools || failed+=("cppcheck")
 
 heading "Kills, power losses, faults, two programs"
-cmake -G Ninja -S . -B build -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=ON
+cmake --preset release
 cmake --build build --target taksavaihe zavdb fault_tests
 scripts/crash.sh || failed+=("crash.sh")
 TAKSAVAIHE_FAULTS=100000 TAKSAVAIHE_DISTURBANCES=200 TAKSAVAIHE_ROUNDS=500 QT_QPA_PLATFORM=offscreen \
     build/bin/fault_tests --gtest_filter='FaultSweep.*:TwoPrograms.*' || failed+=("fault_tests")
+
+heading "Whole runs under the sanitizers"
+cmake --preset asan
+cmake --build --preset asan-whole
+ctest --preset asan-whole -j "$(nproc)" || failed+=("whole runs under the sanitizers")
 
 heading "A large company"
 scripts/soak.sh --products 1000000 || failed+=("soak.sh")

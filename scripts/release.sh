@@ -2,6 +2,7 @@
 # Builds everything of a release from a tag.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/options.sh
 
 usage() {
     cat <<'USAGE'
@@ -17,18 +18,14 @@ QT_MINGW_ARCHIVE names the Qt for Windows, see scripts/windows.sh.
 USAGE
 }
 
-case "${1:---help}" in
-    --help | -h)
-        usage
-        exit 0
-        ;;
-esac
-tag=$1
+parse_options ARGUMENTS "$@"
+[ ${#arguments[@]} -ge 1 ] || wrong_usage "Which tag?"
+tag=${arguments[0]}
 if ! commit=$(git rev-parse --verify --quiet "refs/tags/$tag^{commit}"); then
     echo "There is no tag $tag." >&2
     exit 1
 fi
-target=$(realpath -m "${2:-build-release/$tag}")
+target=$(realpath -m "${arguments[1]:-build-release/$tag}")
 version=${tag#v}
 archive=${QT_MINGW_ARCHIVE:-../shared/windows/qt-mingw.tar.xz}
 QT_MINGW_ARCHIVE=$(realpath -m "$archive")

@@ -2,6 +2,7 @@
 # Takes a picture of every window of the program, for the users' manual and the README.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/options.sh
 . scripts/packages.sh
 
 usage() {
@@ -20,26 +21,9 @@ USAGE
 }
 
 build="" into=$PWD/docs/images inside=no
-while [ $# -gt 0 ]; do
-    case "$1" in
-        --build | --into)
-            [ $# -ge 2 ] || { usage >&2; exit 2; }
-            [ "$1" = --build ] && build=$(realpath "$2")
-            [ "$1" = --into ] && into=$(realpath "$2")
-            shift
-            ;;
-        --inside) inside=yes ;;
-        --help | -h)
-            usage
-            exit 0
-            ;;
-        *)
-            usage >&2
-            exit 2
-            ;;
-    esac
-    shift
-done
+parse_options "build= into= inside" "$@"
+[ -z "$build" ] || build=$(realpath "$build")
+into=$(realpath -m "$into")
 
 if [ "$inside" = no ]; then
     # shellcheck disable=SC2086

@@ -4,7 +4,7 @@
 # Prints the figures that docs/reliability.md quotes.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-# shellcheck source=scripts/packages.sh
+. scripts/options.sh
 . scripts/packages.sh
 
 usage() {
@@ -22,25 +22,10 @@ Exit status 1 when memory grows, time does not follow the size or the log disagr
 USAGE
 }
 
-products=2000000 folder='' build=build keep=no preload=(eatmydata)
-while [ $# -gt 0 ]; do
-    case "$1" in
-        --products) products=$2 && shift ;;
-        --folder) folder=$2 && shift ;;
-        --build) build=$2 && shift ;;
-        --flush) preload=() ;;
-        --keep) keep=yes ;;
-        --help | -h)
-            usage
-            exit 0
-            ;;
-        *)
-            usage >&2
-            exit 2
-            ;;
-    esac
-    shift
-done
+products=2000000 folder='' build=build keep=no flush=no
+parse_options "products= folder= build= flush keep" "$@"
+preload=()
+[ "$flush" = yes ] || preload=(eatmydata)
 
 if [ ! -x "$build/bin/taksavaihe" ] || [ ! -x "$build/bin/zavdb" ]; then
     # shellcheck disable=SC2086

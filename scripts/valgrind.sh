@@ -1,9 +1,19 @@
 #!/bin/bash
 # One whole run of a small company and some faults under valgrind: no wrong read or write, no leak.
-# Usage: valgrind.sh [BUILD_DIR]   (default build)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-build=${1:-build}
+. scripts/options.sh
+
+usage() {
+    cat <<'USAGE'
+Usage: scripts/valgrind.sh [--build DIR]
+
+  --build DIR  build folder with the programs and fault_tests (default build)
+USAGE
+}
+
+build=build
+parse_options "build=" "$@"
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT

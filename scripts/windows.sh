@@ -2,6 +2,7 @@
 # Cross-builds the Windows programs and packs them: release folder, zip, installer.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
+. scripts/options.sh
 . scripts/packages.sh
 
 usage() {
@@ -23,22 +24,8 @@ name with .sha256 behind), and otherwise packaging/windows/build-qt.sh builds it
 USAGE
 }
 
-packages=yes smoke=no only_with_qt=no
-for argument in "$@"; do
-    case "$argument" in
-        --no-packages) packages=no ;;
-        --smoke) smoke=yes ;;
-        --if-qt-is-there) only_with_qt=yes ;;
-        --help | -h)
-            usage
-            exit 0
-            ;;
-        *)
-            usage >&2
-            exit 2
-            ;;
-    esac
-done
+no_packages=no smoke=no if_qt_is_there=no
+parse_options "no-packages smoke if-qt-is-there" "$@"
 
 export QT_MINGW=/opt/qt-mingw
 archive=${QT_MINGW_ARCHIVE:-../shared/windows/qt-mingw.tar.xz}
@@ -64,7 +51,7 @@ prepare_qt() {
     fi
 }
 
-if [ "$only_with_qt" = yes ] && [ ! -d "$QT_MINGW/qt-shared" ] && [ ! -f "$archive" ]; then
+if [ "$if_qt_is_there" = yes ] && [ ! -d "$QT_MINGW/qt-shared" ] && [ ! -f "$archive" ]; then
     echo "LEFT OUT: the Windows build, since neither $QT_MINGW nor $archive is there."
     exit 0
 fi
@@ -94,7 +81,7 @@ uninstall_list() {
         -o -type f -printf 'Delete "$INSTDIR/%P"\n') | tr '/' '\\'
 }
 
-if [ "$packages" = yes ]; then
+if [ "$no_packages" = no ]; then
     name=taksavaihe-$version-windows-x64
     rm -f "$release/$name".*
     (cd "$release" && cmake -E tar cf "$name.zip" --format=zip Taksavaihe)

@@ -1,6 +1,8 @@
 #!/bin/bash
 # Runs the Windows programs under wine and compares what they do with what the Linux programs do.
 set -euo pipefail
+# shellcheck source=scripts/options.sh
+. "$(dirname "${BASH_SOURCE[0]}")/../../scripts/options.sh"
 
 usage() {
     cat <<'USAGE'
@@ -15,23 +17,11 @@ zavsql.so of the same sources.
 USAGE
 }
 
-[ $# -ge 2 ] || {
-    usage >&2
-    exit 2
-}
-release=$(realpath "$1") linux=$(realpath "$2") pictures="" products=400
-shift 2
-while [ $# -gt 0 ]; do
-    case "$1" in
-        --pictures) pictures=$(realpath -m "$2") ;;
-        --products) products=$2 ;;
-        *)
-            usage >&2
-            exit 2
-            ;;
-    esac
-    shift 2
-done
+pictures="" products=400
+parse_options "pictures= products= ARGUMENTS" "$@"
+[ ${#arguments[@]} -eq 2 ] || wrong_usage "Two folders are needed."
+release=$(realpath "${arguments[0]}") linux=$(realpath "${arguments[1]}")
+[ -z "$pictures" ] || pictures=$(realpath -m "$pictures")
 
 work=$(mktemp -d)
 jobs_to_end=()
