@@ -7,10 +7,10 @@
 #include <QElapsedTimer>
 #include <cstdio>
 
-#include "data/client/odbc_connection.h"
-#include "data/embedded/embedded_database.h"
 #include "data/record/record_codec.h"
 #include "data/sql/uni_query.h"
+#include "engines/embedded/embedded_database.h"
+#include "engines/shops/odbc_connection.h"
 #include "tools/zavdb/demo/demo_company.h"
 #include "vatchange/run/change_run.h"
 
@@ -19,10 +19,10 @@ namespace {
 class Company : public data::Database {
   public:
     Company(const QString& dataSource, const QString& folder)
-        : m_records(data::openEmbedded(QStringLiteral("KOE"), folder)) {
-        data::client::OdbcSettings settings;
+        : m_records(engines::openEmbedded(QStringLiteral("KOE"), folder)) {
+        engines::shops::OdbcSettings settings;
         settings.dataSource = dataSource;
-        m_sql = data::client::OdbcConnection::connect(settings);
+        m_sql = engines::shops::OdbcConnection::connect(settings);
     }
     QString name() const override { return m_records->name(); }
     QStringList tableNames() override { return m_records->tableNames(); }
@@ -40,7 +40,7 @@ class Company : public data::Database {
 
   private:
     std::unique_ptr<data::Database> m_records;
-    std::unique_ptr<data::client::OdbcConnection> m_sql;
+    std::unique_ptr<engines::shops::OdbcConnection> m_sql;
 };
 
 class SilentPorts : public vatchange::RunPorts {
@@ -136,7 +136,7 @@ int main(int count, char** arguments) {
         const QString source = QString::fromLocal8Bit(arguments[1]);
         const QString folder = QString::fromLocal8Bit(arguments[2]);
         if (count > 3) {
-            data::createEmbedded(folder, data::allTableSources());
+            engines::createEmbedded(folder, data::allTableSources());
             Company company(source, folder);
             tools::demo::fill(company.records(), {std::atoi(arguments[3]), 1},
                               [](const QString&, qint64) {});

@@ -15,8 +15,8 @@
 #include <vector>
 
 #include "data/dictionary/dictionary_source.h"
-#include "data/embedded/embedded_database.h"
 #include "data/record/record_codec.h"
+#include "engines/embedded/embedded_database.h"
 #include "vatchange/orders/alv_muutos_mt.h"
 #include "vatchange/orders/order_rules.h"
 #include "vatchange/rules/rounding.h"
@@ -331,8 +331,8 @@ int main(int argc, char** argv) {
         plain = convertOrdinary(db);
     }
     const QString company = folder.filePath(QStringLiteral("company"));
-    data::createEmbedded(company, data::allTableSources());
-    const auto database = data::openEmbedded(QStringLiteral("bench"), company);
+    engines::createEmbedded(company, data::allTableSources());
+    const auto database = engines::openEmbedded(QStringLiteral("bench"), company);
     fillEmbedded(*database, size);
     const double before = anonymousMegabytes();
     const Measured ours = convertEmbedded(*database);

@@ -21,8 +21,8 @@
 #include <functional>
 #include <random>
 
-#include "app/company/company.h"
-#include "app/company/connection_module.h"
+#include "company/company.h"
+#include "company/connection_module.h"
 #include "data/record/record_codec.h"
 #include "search/group_haku.h"
 #include "search/table_model.h"
@@ -181,8 +181,7 @@ int main(int argc, char** argv) {
     for (int i = 0; i < 200; ++i) {
         const auto record =
             form->model().record(static_cast<int>(random() % static_cast<unsigned>(rows.count())));
-        numbers.push_back(
-            search::GridRow(file->layout(), *record).text(QStringLiteral("NUMERO")));
+        numbers.push_back(search::GridRow(file->layout(), *record).text(QStringLiteral("NUMERO")));
     }
     const int screen = form->DBGrid1->viewport()->height() / form->DBGrid1->rowHeight(0);
     std::vector<double> raw;

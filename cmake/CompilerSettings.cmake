@@ -28,7 +28,7 @@ if(TAKSAVAIHE_SANITIZE)
     add_link_options(-fsanitize=address,undefined)
 endif()
 
-# The rooms carry the fuzzers' coverage too; fuzz/CMakeLists.txt adds the fuzzers themselves.
+# The modules carry the fuzzers' coverage too; fuzz/CMakeLists.txt adds the fuzzers themselves.
 if(TAKSAVAIHE_FUZZ)
     if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
         message(FATAL_ERROR

@@ -23,7 +23,7 @@ enum class ErrorKind {
     Engine         ///< anything else that the engine refuses
 };
 
-/// The one error type of the data room: expected outcomes (not found, end of table) are return
+/// The one error type of the data module: expected outcomes (not found, end of table) are return
 /// values, everything else throws this. Kept as parts, so that a window can say it in Finnish and
 /// a command line in English.
 class DataError : public std::runtime_error {

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "data/catalogue/catalogue.h"
-#include "data/embedded/catalogue.h"
-#include "data/embedded/key_image.h"
-#include "data/engine.h"
+#include "data/engine/engine.h"
 #include "data/record/record_codec.h"
+#include "engines/embedded/catalogue.h"
+#include "engines/embedded/key_image.h"
 
 namespace {
 
@@ -50,7 +50,7 @@ void useTable(const data::TableDescription& table) {
     for (const data::TFieldCacheItem& field : table.layout.fields())
         data::valueToText(field, data::readValue(field, bytes));
     for (const data::KeyDef& key : table.keys) {
-        const data::embedded::KeyImage image(table.layout, key);
+        const engines::embedded::KeyImage image(table.layout, key);
         require(image.build(record).size() <= image.length());
         data::KeyValues values;
         for (const data::KeySegment& segment : key.segments)

@@ -4,8 +4,8 @@
 #include <QCoreApplication>
 #include <cstdlib>
 
-#include "app/company/aliases.h"
-#include "app/company/command_line.h"
+#include "company/aliases.h"
+#include "platform/command_line.h"
 #include "tools/zavdb/command.h"
 
 namespace {
@@ -40,10 +40,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         require(!error.message().isEmpty());
     }
 
-    company::setParameters(words);
+    platform::setParameters(words);
     for (const QString& word : words) {
-        require(company::hasSwitch(word));
-        require(!company::hasSwitchAfterFirst(word) || words.size() > 1);
+        require(platform::hasSwitch(word));
+        require(!platform::hasSwitchAfterFirst(word) || words.size() > 1);
         // a name that is accepted names a folder's entry and nothing else
         if (company::aliasNameProblem(word).isEmpty())
             require(!word.isEmpty() && !word.contains(u'/') && !word.contains(u'\\') &&

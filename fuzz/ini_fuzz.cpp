@@ -2,11 +2,11 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "app/company/ini_file.h"
-#include "app/company/settings_text.h"
 #include "data/error.h"
+#include "platform/ini_file.h"
+#include "platform/settings_text.h"
 
-using company::IniFile;
+using platform::IniFile;
 
 namespace {
 
@@ -26,13 +26,13 @@ void requireSame(const IniFile& a, const IniFile& b) {
 
 /// What is spelled for the settings file reads back; what a file says, whatever it is, reads.
 void requireSpelling(const QString& text) {
-    if (company::plainValue(company::writtenValue(text)) != text ||
-        company::plainPath(company::writtenPath(text)) != text)
+    if (platform::plainValue(platform::writtenValue(text)) != text ||
+        platform::plainPath(platform::writtenPath(text)) != text)
         std::abort();
-    const QString value = company::plainValue(text);
-    if (company::plainValue(company::writtenValue(value)) != value)
+    const QString value = platform::plainValue(text);
+    if (platform::plainValue(platform::writtenValue(value)) != value)
         std::abort();
-    company::plainPath(text);
+    platform::plainPath(text);
 }
 
 }  // namespace

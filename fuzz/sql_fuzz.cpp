@@ -6,18 +6,18 @@
 #include <cstring>
 #include <set>
 
-#include "data/embedded/company_file.h"
-#include "data/embedded/connection.h"
-#include "data/embedded/embedded_database.h"
-#include "data/embedded/record_file.h"
-#include "data/embedded/record_table.h"
-#include "data/embedded/sql_statement.h"
 #include "data/record/record_codec.h"
+#include "engines/embedded/company_file.h"
+#include "engines/embedded/connection.h"
+#include "engines/embedded/embedded_database.h"
+#include "engines/embedded/record_file.h"
+#include "engines/embedded/record_table.h"
+#include "engines/embedded/sql_statement.h"
 
 namespace {
 
 using namespace data;
-using namespace data::embedded;
+using namespace engines::embedded;
 
 void require(bool holds) {
     if (!holds)
@@ -42,7 +42,7 @@ const char* const kTables[] = {"TUOTE", "ALVKANTA", "KAMPPANJA", "UUSIHINTA", "M
 class Company {
   public:
     Company() {
-        createEmbedded(m_folder.path(), allTableSources());
+        engines::createEmbedded(m_folder.path(), allTableSources());
         m_connection = std::make_shared<Connection>(companyFile(m_folder.path()));
         for (const char* row : kRows)
             EmbeddedSqlStatement(m_connection, QString::fromUtf8(row)).execute();

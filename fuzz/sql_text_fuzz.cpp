@@ -3,9 +3,9 @@
 
 #include <cstdlib>
 
-#include "data/client/dialect.h"
-#include "data/embedded/sql_text.h"
 #include "data/sql/uni_query.h"
+#include "engines/embedded/sql_text.h"
+#include "engines/shops/dialect.h"
 
 namespace {
 
@@ -24,10 +24,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QStringList names = data::parameterNames(sql);
     for (const QString& name : names)
         require(!name.isEmpty() && sql.contains(u':' + name));
-    require(data::parameterNames(data::embedded::engineText(sql)).size() <= names.size());
+    require(data::parameterNames(engines::embedded::engineText(sql)).size() <= names.size());
     for (const char* engine : {"", "OpenLink Virtuoso", "MariaDB", "SQLite"}) {
-        const data::client::Dialect& dialect = data::client::dialectFor(QLatin1String(engine));
-        const data::client::RewrittenSql rewritten =
+        const engines::shops::Dialect& dialect = engines::shops::dialectFor(QLatin1String(engine));
+        const engines::shops::RewrittenSql rewritten =
             dialect.rewritten(sql, [](const QString& column) {
                 return column.endsWith(QLatin1String("pvm"), Qt::CaseInsensitive);
             });

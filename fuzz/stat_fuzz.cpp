@@ -2,21 +2,21 @@
 
 #include <cstdlib>
 
-#include "data/client/file_stat.h"
 #include "data/error.h"
+#include "engines/shops/file_stat.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    if (size > static_cast<size_t>(data::client::kMaxStatLength))
+    if (size > static_cast<size_t>(engines::shops::kMaxStatLength))
         return 0;
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     try {
-        const data::client::FileStat stat =
-            data::client::parseFileStat(bytes, QStringLiteral("FUZZ"));
+        const engines::shops::FileStat stat =
+            engines::shops::parseFileStat(bytes, QStringLiteral("FUZZ"));
         int number = 0;
-        for (const data::client::KeyStat& key : stat.keys) {
+        for (const engines::shops::KeyStat& key : stat.keys) {
             if (key.number != number++)
                 std::abort();
-            for (const data::client::SegmentStat& segment : key.segments) {
+            for (const engines::shops::SegmentStat& segment : key.segments) {
                 if (segment.offset < 0 || segment.length < 1 ||
                     segment.offset + segment.length > stat.recordLength ||
                     (!segment.weights.isEmpty() && segment.weights.size() != 256))

@@ -46,13 +46,13 @@ MODULES = (
     ("data/record", ["data/record/"], ["data_tests"]),
     ("data/catalogue", ["data/catalogue/"], ["data_tests", "client_tests"]),
     ("data/sql", ["data/sql/"], ["data_tests"]),
-    ("engines/embedded", ["engines/embedded/", "data/embedded/"], ["embedded_tests", "data_tests"]),
-    ("engines/extension", ["engines/extension/", "data/extension/"], ["odbc_tests", "run_tests"]),
-    ("engines/shops", ["engines/shops/", "data/client/"], ["shops_tests", "client_tests", "odbc_tests"]),
-    ("platform", ["platform/"] + ["app/company/" + name for name in (
+    ("engines/embedded", ["engines/embedded/", "engines/embedded/"], ["embedded_tests", "data_tests"]),
+    ("engines/extension", ["engines/extension/", "engines/extension/"], ["odbc_tests", "run_tests"]),
+    ("engines/shops", ["engines/shops/", "engines/shops/"], ["shops_tests", "client_tests", "odbc_tests"]),
+    ("platform", ["platform/"] + ["company/" + name for name in (
         "append_file", "command_line", "console", "file_rights", "ini_file", "settings_",
         "user_settings")], ["platform_tests", "company_tests"]),
-    ("company", ["company/", "app/company/"], ["company_tests"]),
+    ("company", ["company/", "company/"], ["company_tests"]),
     ("framework/core", ["framework/core/"], ["framework_tests"]),
     ("framework/ui", ["framework/ui/"], ["framework_tests"]),
     ("search", ["search/"], ["search_tests"]),

@@ -35,9 +35,9 @@ if [ "$inside" = no ]; then
         [ -f build/CMakeCache.txt ] ||
             cmake -G Ninja -S . -B build -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=OFF
         # the stamp of a release shortly before the change; the next build writes its own again
-        rm -f build/app/shell/build_time.cpp
+        rm -f build/shell/build_time.cpp
         SOURCE_DATE_EPOCH=1724734800 cmake --build build --target taksavaihe zavdb
-        rm -f build/app/shell/build_time.cpp
+        rm -f build/shell/build_time.cpp
     fi
     mkdir -p "$into"
     own=()

@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/company/company.h"
-#include "app/company/connection_module.h"
+#include "company/company.h"
+#include "company/connection_module.h"
 #include "data/error.h"
 #include "framework/core/settings_table.h"
 #include "framework/ui/close_deferral.h"
@@ -203,8 +203,8 @@ std::vector<GridColumn> TBtrHakuForm::defaultColumns() const {
 bool TBtrHakuForm::columnAllowed(const QString&) const {
     return true;
 }
-void TBtrHakuForm::saveExtra(company::IniFile&, const QString&) const {}
-void TBtrHakuForm::loadExtra(const company::IniFile&, const QString&) {}
+void TBtrHakuForm::saveExtra(platform::IniFile&, const QString&) const {}
+void TBtrHakuForm::loadExtra(const platform::IniFile&, const QString&) {}
 bool TBtrHakuForm::PerusSuodata(const GridRow&) const {
     return true;
 }
@@ -224,7 +224,7 @@ bool TBtrHakuForm::filterKey(QKeyEvent&) {
 // --- layout
 
 void TBtrHakuForm::Lataus() {
-    const company::IniFile file = company::IniFile::read(formsIni());
+    const platform::IniFile file = platform::IniFile::read(formsIni());
     loadExtra(file, objectName());
     FormLayout layout = readLayout(file, objectName(), defaultColumns());
     model().setColumns(std::move(layout.columns));
@@ -237,7 +237,7 @@ void TBtrHakuForm::Lataus() {
 }
 
 void TBtrHakuForm::Tallennus(bool withHeight) {
-    company::IniFile file = company::IniFile::read(formsIni());
+    platform::IniFile file = platform::IniFile::read(formsIni());
     writeLayout(file, objectName(),
                 {.columns = m_view->header.columns(),
                  .width = width(),

@@ -7,8 +7,8 @@
 #include <optional>
 #include <vector>
 
-#include "app/company/ini_file.h"
-#include "data/record/tb_table.h"
+#include "data/table/tb_table.h"
+#include "platform/ini_file.h"
 #include "search/filter_state.h"
 #include "search/form_layout.h"
 #include "search/grid_header.h"
@@ -106,8 +106,8 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     /// Hakutable's fields, lookups of the window.
     virtual void afterOpen() {}
     /// Keys of their own in the form's section of "FORMS.INI".
-    virtual void saveExtra(company::IniFile& file, const QString& section) const;
-    virtual void loadExtra(const company::IniFile& file, const QString& section);
+    virtual void saveExtra(platform::IniFile& file, const QString& section) const;
+    virtual void loadExtra(const platform::IniFile& file, const QString& section);
     /// Accepts or rejects a record in record-by-record search. Called for records that match.
     virtual bool PerusSuodata(const GridRow& row) const;
     virtual CellColours cellColours(const GridRow& row, const GridColumn& column) const;

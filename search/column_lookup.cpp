@@ -1,6 +1,6 @@
 #include "search/column_lookup.h"
 
-#include "app/company/connection_module.h"
+#include "company/connection_module.h"
 #include "search/filter_expression.h"
 #include "search/text_match.h"
 

@@ -24,14 +24,14 @@ QString widthKey(const QString& field) {
     return QStringLiteral("W_") + field;
 }
 
-std::optional<int> numberOf(const company::IniFile& file, const QString& section,
+std::optional<int> numberOf(const platform::IniFile& file, const QString& section,
                             const QString& key, int least) {
     bool isNumber = false;
     const int number = file.value(section, key).value_or(QString()).trimmed().toInt(&isNumber);
     return isNumber && number >= least ? std::optional(number) : std::nullopt;
 }
 
-std::vector<GridColumn> inSavedOrder(std::vector<GridColumn> columns, const company::IniFile& file,
+std::vector<GridColumn> inSavedOrder(std::vector<GridColumn> columns, const platform::IniFile& file,
                                      const QString& section) {
     const int saved = numberOf(file, section, kColumnCount, 0).value_or(0);
     std::vector<GridColumn> ordered;
@@ -59,7 +59,7 @@ std::vector<GridColumn> inSavedOrder(std::vector<GridColumn> columns, const comp
 
 }  // namespace
 
-FormLayout readLayout(const company::IniFile& file, const QString& section,
+FormLayout readLayout(const platform::IniFile& file, const QString& section,
                       std::vector<GridColumn> columns) {
     FormLayout layout{.columns = inSavedOrder(std::move(columns), file, section),
                       .width = numberOf(file, section, kWidth, kSmallestWindow),
@@ -70,7 +70,7 @@ FormLayout readLayout(const company::IniFile& file, const QString& section,
     return layout;
 }
 
-void writeLayout(company::IniFile& file, const QString& section, const FormLayout& layout) {
+void writeLayout(platform::IniFile& file, const QString& section, const FormLayout& layout) {
     const auto write = [&](const QString& key, int number) {
         file.setValue(section, key, QString::number(number));
     };

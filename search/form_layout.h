@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "app/company/ini_file.h"
+#include "platform/ini_file.h"
 #include "search/grid_column.h"
 
 namespace search {
@@ -21,10 +21,10 @@ struct FormLayout {
 /// The saved layout on top of the window's own columns: the saved ones first, in the saved order,
 /// the others behind them, hidden. Names that the window does not have, and numbers that are none
 /// or too small for a window, are passed over; without a saved column the window's own stay.
-FormLayout readLayout(const company::IniFile& file, const QString& section,
+FormLayout readLayout(const platform::IniFile& file, const QString& section,
                       std::vector<GridColumn> columns);
 
 /// Replaces the saved layout. Without a height the saved one stays.
-void writeLayout(company::IniFile& file, const QString& section, const FormLayout& layout);
+void writeLayout(platform::IniFile& file, const QString& section, const FormLayout& layout);
 
 }  // namespace search

@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "app/company/connection_module.h"
+#include "company/connection_module.h"
 #include "search/product_settings.h"
 
 namespace search {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace search {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "data/record/tb_table.h"
+#include "data/table/tb_table.h"
 #include "search/table_model.h"
 
 namespace search {

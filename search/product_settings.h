@@ -2,7 +2,7 @@
 
 #include <QString>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace search {
 

@@ -3,7 +3,7 @@
 #include <QSet>
 #include <QString>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace search {
 

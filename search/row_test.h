@@ -1,6 +1,6 @@
 #pragma once
 
-#include "data/record/tb_table.h"
+#include "data/table/tb_table.h"
 #include "search/filter_expression.h"
 #include "search/grid_column.h"
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "data/record/tb_table.h"
+#include "data/table/tb_table.h"
 #include "search/grid_column.h"
 #include "search/view_rows.h"
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "data/record/record_codec.h"
-#include "data/record/windows1252.h"
+#include "data/windows1252.h"
 
 namespace search {
 

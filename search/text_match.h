@@ -4,7 +4,7 @@
 #include <QString>
 #include <functional>
 
-#include "data/record/tb_table.h"
+#include "data/table/tb_table.h"
 
 namespace search {
 

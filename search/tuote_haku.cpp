@@ -3,7 +3,7 @@
 #include <QBoxLayout>
 #include <QKeyEvent>
 
-#include "app/company/connection_module.h"
+#include "company/connection_module.h"
 #include "data/record/record_codec.h"
 #include "search/product_grid.h"
 #include "search/product_shelf.h"
@@ -100,12 +100,12 @@ void TTuoteHakuForm::afterOpen() {
         Hakutable->fieldByName(QLatin1String(price)).setDisplayFormat(format);
 }
 
-void TTuoteHakuForm::saveExtra(company::IniFile& file, const QString& section) const {
+void TTuoteHakuForm::saveExtra(platform::IniFile& file, const QString& section) const {
     file.setValue(section, kShowStockKey,
                   NaytaSaldot->isChecked() ? QStringLiteral("1") : QStringLiteral("0"));
 }
 
-void TTuoteHakuForm::loadExtra(const company::IniFile& file, const QString& section) {
+void TTuoteHakuForm::loadExtra(const platform::IniFile& file, const QString& section) {
     const QString value = file.value(section, kShowStockKey).value_or(QStringLiteral("1"));
     NaytaSaldot->setChecked(value.trimmed() != QLatin1String("0"));
 }

@@ -33,8 +33,8 @@ class TTuoteHakuForm : public TBtrHakuForm {
     std::vector<GridColumn> defaultColumns() const override;
     bool columnAllowed(const QString& field) const override;
     void afterOpen() override;
-    void saveExtra(company::IniFile& file, const QString& section) const override;
-    void loadExtra(const company::IniFile& file, const QString& section) override;
+    void saveExtra(platform::IniFile& file, const QString& section) const override;
+    void loadExtra(const platform::IniFile& file, const QString& section) override;
     std::optional<ColumnLookup> columnLookup(const QString& field) const override;
     bool dropOnColumn(const QString& text, const GridColumn& column) override;
     bool filterKey(QKeyEvent& event) override;

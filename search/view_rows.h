@@ -6,7 +6,7 @@
 #include <optional>
 #include <unordered_map>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 #include "search/key_places.h"
 #include "search/row_test.h"
 

@@ -7,7 +7,7 @@
 
 #include "data/dictionary/block_format.h"
 #include "data/error.h"
-#include "data/record/windows1252.h"
+#include "data/windows1252.h"
 
 namespace data {
 

@@ -25,7 +25,7 @@ class TTblResBase {
 /// A block is looked up by table name, case ignored, in this order; the first hit is used:
 ///   1. the separately loaded dictionary file, when one is set (setModuleFile),
 ///   2. the program's own resources (":/program/dictionary/NAME"),
-///   3. the resources of the data room itself (":/data/dictionary/NAME").
+///   3. the resources of data/ itself (":/data/dictionary/NAME").
 class TTblResReader {
   public:
     /// Reads the dictionary of `tableName` into `table.FFields` (cleared first).

@@ -5,7 +5,7 @@
 
 #include "data/record/filter_node.h"
 #include "data/record/record_codec.h"
-#include "data/record/windows1252.h"
+#include "data/windows1252.h"
 
 namespace data {
 

@@ -7,7 +7,7 @@
 #include "data/record/filter_node.h"
 #include "data/record/record_codec.h"
 #include "data/record/value_conversion.h"
-#include "data/record/windows1252.h"
+#include "data/windows1252.h"
 
 // Recursive descent over the filter language:
 //   any        = all { "or" all }

@@ -10,7 +10,7 @@
 
 #include "data/error.h"
 #include "data/record/field_text.h"
-#include "data/record/windows1252.h"
+#include "data/windows1252.h"
 
 namespace data {
 

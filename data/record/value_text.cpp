@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "data/record/field_text.h"
-#include "data/record/windows1252.h"
+#include "data/windows1252.h"
 
 namespace data {
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace data {
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace data {
 

@@ -6,11 +6,11 @@
 #include <utility>
 #include <vector>
 
-#include "app/company/aliases.h"
-#include "app/company/company.h"
-#include "app/company/ini_change.h"
-#include "app/company/text_order.h"
+#include "company/aliases.h"
+#include "company/company.h"
+#include "company/ini_change.h"
 #include "data/error.h"
+#include "platform/text_order.h"
 
 namespace framework {
 
@@ -19,7 +19,7 @@ namespace {
 const QString kDescription = QStringLiteral("Selite");
 
 /// The definition's name as the file writes it; nothing when there is none of that name.
-std::optional<QString> nameInFile(const company::IniFile& file, const QString& name) {
+std::optional<QString> nameInFile(const platform::IniFile& file, const QString& name) {
     const QString wanted = name.trimmed();
     for (const QString& known : file.sections()) {
         if (!known.isEmpty() && known.compare(wanted, Qt::CaseInsensitive) == 0)
@@ -29,7 +29,7 @@ std::optional<QString> nameInFile(const company::IniFile& file, const QString& n
 }
 
 /// A line that is no setting would keep the definition from being loaded again.
-void dropStrayLines(company::IniFile& ini, const QString& name) {
+void dropStrayLines(platform::IniFile& ini, const QString& name) {
     std::vector<std::pair<QString, QString>> settings;
     for (const QString& key : ini.keys(name))
         settings.emplace_back(key, ini.value(name, key).value_or(QString()));
@@ -75,20 +75,20 @@ QString DefinitionStore::fileName(const QString& formName) const {
 }
 
 QStringList DefinitionStore::GetValues(const QString& formName) const {
-    QStringList names = company::IniFile::read(fileName(formName)).sections();
+    QStringList names = platform::IniFile::read(fileName(formName)).sections();
     names.removeAll(QString());
-    company::sortForFinnishEyes(names);
+    platform::sortForFinnishEyes(names);
     return names;
 }
 
 bool DefinitionStore::has(const QString& formName, const QString& name) const {
-    return nameInFile(company::IniFile::read(fileName(formName)), name).has_value();
+    return nameInFile(platform::IniFile::read(fileName(formName)), name).has_value();
 }
 
 std::optional<SavedDefinition> DefinitionStore::load(const QString& formName,
                                                      const QString& name) const {
     const QString path = fileName(formName);
-    const company::IniFile file = company::IniFile::read(path);
+    const platform::IniFile file = platform::IniFile::read(path);
     const auto found = nameInFile(file, name);
     if (!found)
         return std::nullopt;
@@ -117,7 +117,7 @@ void DefinitionStore::save(const QString& formName, const SavedDefinition& defin
     if (const QString problem = nameProblem(name); !problem.isEmpty())
         throw data::DataError(data::ErrorKind::BadValue, file, problem);
     makeFolder(file);
-    company::changeIniFile(file, [&](company::IniFile& ini) {
+    company::changeIniFile(file, [&](platform::IniFile& ini) {
         if (ini.strayLine(name) > 0)
             dropStrayLines(ini, nameInFile(ini, name).value_or(name));
         ini.setValue(name, kDescription, definition.description);
@@ -132,7 +132,7 @@ bool DefinitionStore::remove(const QString& formName, const QString& name) {
     if (!QFileInfo::exists(file))
         return false;
     bool removed = false;
-    company::changeIniFile(file, [&](company::IniFile& ini) {
+    company::changeIniFile(file, [&](platform::IniFile& ini) {
         removed = ini.removeSection(name.trimmed());
         return removed;
     });

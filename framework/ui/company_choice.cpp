@@ -5,14 +5,14 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
-#include "app/company/aliases.h"
-#include "app/company/command_line.h"
-#include "app/company/company.h"
-#include "app/company/text_order.h"
+#include "company/aliases.h"
+#include "company/company.h"
 #include "data/error.h"
 #include "framework/ui/demo_company_dialog.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/window_place.h"
+#include "platform/command_line.h"
+#include "platform/text_order.h"
 
 namespace framework {
 
@@ -97,10 +97,10 @@ TYritysValinta::TYritysValinta(QWidget* parent)
 }
 
 bool TYritysValinta::OnParametrina() {
-    for (const QString& parameter : company::parameters()) {
+    for (const QString& parameter : platform::parameters()) {
         for (int row = 0; row < m_list->topLevelItemCount(); ++row) {
             const QString name = m_list->topLevelItem(row)->text(kNameColumn);
-            if (!company::sameIgnoringAsciiCase(parameter, name))
+            if (!platform::sameIgnoringAsciiCase(parameter, name))
                 continue;
             m_list->setCurrentItem(m_list->topLevelItem(row));
             return company::takeIntoUse(name);

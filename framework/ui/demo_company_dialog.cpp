@@ -7,7 +7,7 @@
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
-#include "app/company/aliases.h"
+#include "company/aliases.h"
 #include "framework/ui/dialogs.h"
 
 namespace framework {

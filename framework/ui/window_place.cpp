@@ -3,16 +3,16 @@
 #include <QEvent>
 #include <QSettings>
 
-#include "app/company/command_line.h"
-#include "app/company/user_settings.h"
 #include "framework/ui/dialogs.h"
+#include "platform/command_line.h"
+#include "platform/user_settings.h"
 
 namespace framework {
 
 namespace {
 
 bool someoneWorksHere() {
-    return Dialogs::someoneThere() && !company::hasSwitch(QStringLiteral("/E"));
+    return Dialogs::someoneThere() && !platform::hasSwitch(QStringLiteral("/E"));
 }
 
 class PlaceKeeper : public QObject {
@@ -23,7 +23,7 @@ class PlaceKeeper : public QObject {
     bool eventFilter(QObject*, QEvent* event) override {
         // Minimising hides too, but then the system says so (spontaneous).
         if (event->type() == QEvent::Hide && !event->spontaneous() && someoneWorksHere())
-            company::userSettings()->setValue(m_key, m_window.saveGeometry());
+            platform::userSettings()->setValue(m_key, m_window.saveGeometry());
         return false;
     }
 
@@ -38,7 +38,7 @@ bool rememberPlace(QWidget& window, const QString& name) {
     const QString key = QStringLiteral("Paikat/") + name;
     window.installEventFilter(new PlaceKeeper(window, key));
     return someoneWorksHere() &&
-           window.restoreGeometry(company::userSettings()->value(key).toByteArray());
+           window.restoreGeometry(platform::userSettings()->value(key).toByteArray());
 }
 
 }  // namespace framework

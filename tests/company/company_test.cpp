@@ -1,4 +1,4 @@
-#include "app/company/company.h"
+#include "company/company.h"
 
 #include <gtest/gtest.h>
 
@@ -8,12 +8,12 @@
 #include <QTemporaryDir>
 #include <vector>
 
-#include "app/company/aliases.h"
-#include "app/company/command_line.h"
-#include "app/company/run_mark.h"
-#include "app/company/text_order.h"
-#include "app/company/user_settings.h"
+#include "company/aliases.h"
+#include "company/run_mark.h"
 #include "data/error.h"
+#include "platform/command_line.h"
+#include "platform/text_order.h"
+#include "platform/user_settings.h"
 #include "tests/support/company_folder.h"
 
 #ifndef Q_OS_WIN
@@ -23,6 +23,7 @@
 #endif
 
 using namespace company;
+using namespace platform;
 
 namespace {
 

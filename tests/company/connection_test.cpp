@@ -3,13 +3,14 @@
 #include <QDir>
 #include <stdexcept>
 
-#include "app/company/command_line.h"
-#include "app/company/connection_module.h"
-#include "app/company/run_mark.h"
-#include "data/embedded/embedded_database.h"
+#include "company/connection_module.h"
+#include "company/run_mark.h"
+#include "engines/embedded/embedded_database.h"
+#include "platform/command_line.h"
 #include "tests/support/company_folder.h"
 
 using namespace company;
+using namespace platform;
 
 namespace {
 
@@ -21,7 +22,7 @@ class ConnectionTest : public ::testing::Test {
   protected:
     void SetUp() override {
         setParameters({});
-        data::createEmbedded(m_company.path(), data::allTableSources());
+        engines::createEmbedded(m_company.path(), data::allTableSources());
     }
 
     /// Opens the test's company under any name, after a number of failures.
@@ -31,7 +32,7 @@ class ConnectionTest : public ::testing::Test {
             if (m_asked.size() <= failures)
                 throw data::DataError(data::ErrorKind::NoConnection, name,
                                       str("attempt %1").arg(m_asked.size()));
-            return data::openEmbedded(name, m_company.path());
+            return engines::openEmbedded(name, m_company.path());
         };
     }
 
@@ -124,7 +125,7 @@ TEST_F(ConnectionTest, TheAliasChoosesTheEngineOrSaysWhyNot) {
 }
 
 TEST_F(ConnectionTest, WhatIsWrongWithTheFileIsToldInFinnishWithItsOwnRemedy) {
-    const QString file = m_company.file(data::kEmbeddedFileName);
+    const QString file = m_company.file(engines::kEmbeddedFileName);
     const auto told = [&] {
         TZavDbConnectionModule module;
         module.Yhdista(currentCompany().name, true, false);

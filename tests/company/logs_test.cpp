@@ -1,4 +1,4 @@
-#include "app/company/logs.h"
+#include "company/logs.h"
 
 #include <gtest/gtest.h>
 
@@ -6,9 +6,9 @@
 #include <QRegularExpression>
 #include <vector>
 
-#include "app/company/unfinished_note.h"
+#include "company/unfinished_note.h"
 #include "data/clock.h"
-#include "data/record/windows1252.h"
+#include "data/windows1252.h"
 #include "tests/support/company_folder.h"
 
 #ifndef Q_OS_WIN

@@ -5,7 +5,7 @@
 #include <random>
 
 #include "data/error.h"
-#include "data/record/windows1252.h"
+#include "data/windows1252.h"
 #include "tests/data/record_fields.h"
 
 using data::Kind;

@@ -5,8 +5,8 @@
 #include <QTemporaryDir>
 
 #include "data/dictionary/dictionary_source.h"
-#include "data/embedded/embedded_database.h"
-#include "data/record/tb_table.h"
+#include "data/table/tb_table.h"
+#include "engines/embedded/embedded_database.h"
 #include "tests/support/client_peer/peer_company.h"
 
 namespace test {
@@ -49,13 +49,13 @@ class EmbeddedTestEngine : public Engine {
         for (const data::TableSource& source : data::allTableSources())
             if (source.name.startsWith(QLatin1String("X$")))
                 tables.push_back(source);
-        data::createEmbedded(m_folder.path(), tables);
-        m_first = data::openEmbedded(QStringLiteral("koe"), m_folder.path());
+        engines::createEmbedded(m_folder.path(), tables);
+        m_first = engines::openEmbedded(QStringLiteral("koe"), m_folder.path());
     }
     data::Database& database() override { return *m_first; }
     data::Database& otherProgram() override {
         if (!m_second)
-            m_second = data::openEmbedded(QStringLiteral("koe"), m_folder.path());
+            m_second = engines::openEmbedded(QStringLiteral("koe"), m_folder.path());
         return *m_second;
     }
 
@@ -84,7 +84,7 @@ class ClientTestEngine : public Engine {
 
   private:
     static std::unique_ptr<data::Database> open() {
-        data::client::ShopDatabaseSettings settings;
+        engines::shops::ShopDatabaseSettings settings;
         settings.name = QStringLiteral("koe");
         settings.clientLibrary = PeerDatabases::library();
         return std::make_unique<ClientRecordsDatabase>(settings);

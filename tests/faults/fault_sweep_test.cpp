@@ -12,9 +12,9 @@
 #include <csignal>
 #include <random>
 
-#include "app/company/company.h"
-#include "app/company/logs.h"
-#include "data/embedded/embedded_database.h"
+#include "company/company.h"
+#include "company/logs.h"
+#include "engines/embedded/embedded_database.h"
 #include "tests/faults/failing_calls.h"
 #include "tests/faults/full_company.h"
 #include "tests/support/company_folder.h"
@@ -120,7 +120,7 @@ class FaultSweep : public testing::Test {
     /// may be stored although they were reported as failed, since nothing could be written that
     /// takes them back.
     void expectOldOrNew(const Attempt& run, int inDoubt = 0) const {
-        ASSERT_EQ(data::checkEmbedded(folder()), QStringList());
+        ASSERT_EQ(engines::checkEmbedded(folder()), QStringList());
         const Records left = test::readCompany(folder());
         qint64 products = 0;
         for (const auto& [table, records] : left) {
@@ -163,7 +163,7 @@ class FaultSweep : public testing::Test {
                 continue;
             EXPECT_EQ(records, m_new.at(table)) << table.toStdString();
         }
-        EXPECT_EQ(data::checkEmbedded(folder()), QStringList());
+        EXPECT_EQ(engines::checkEmbedded(folder()), QStringList());
     }
 
     QTemporaryDir m_folder;
@@ -336,7 +336,7 @@ TEST_F(FaultSweep, FolderThatIsMovedAwayMeanwhile) {
     perform(run, test::fullDefinition());
     ASSERT_TRUE(QDir().rename(away, folder()));
     EXPECT_TRUE(run.clean()) << run.ports.messages.join('\n').toStdString();
-    EXPECT_EQ(data::checkEmbedded(folder()), QStringList());
+    EXPECT_EQ(engines::checkEmbedded(folder()), QStringList());
     EXPECT_EQ(test::readCompany(folder()), m_new);
     EXPECT_LT(logLines(), run.ports.lines.size());
     EXPECT_LE(m_logProblems.size(), 2);
@@ -355,7 +355,7 @@ TEST_F(FaultSweep, ClockThatJumps) {
     EXPECT_TRUE(run.clean());
     EXPECT_EQ(run.result.products, kSize.products);
     EXPECT_EQ(logLines(), run.ports.lines.size());
-    EXPECT_EQ(data::checkEmbedded(folder()), QStringList());
+    EXPECT_EQ(engines::checkEmbedded(folder()), QStringList());
 }
 
 }  // namespace

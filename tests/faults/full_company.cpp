@@ -4,7 +4,7 @@
 #include <QFile>
 #include <random>
 
-#include "app/company/logs.h"
+#include "company/logs.h"
 #include "data/record/record_codec.h"
 #include "tests/support/test_company.h"
 
@@ -95,7 +95,7 @@ void makeFullCompany(const QString& folder, const FullCompanySize& size) {
 
 void copyCompany(const QString& from, const QString& to) {
     ASSERT_TRUE(QDir().mkpath(to));
-    const QString file = QLatin1Char('/') + data::kEmbeddedFileName;
+    const QString file = QLatin1Char('/') + engines::kEmbeddedFileName;
     ASSERT_FALSE(QFile::exists(from + file + QStringLiteral("-wal")));
     ASSERT_TRUE(QFile::copy(from + file, to + file));
 }
@@ -109,7 +109,7 @@ void useCompany(const QString& folder) {
 }
 
 std::unique_ptr<data::Database> openCompany(const QString& folder) {
-    return data::openEmbedded(kName, folder);
+    return engines::openEmbedded(kName, folder);
 }
 
 Records readCompany(const QString& folder) {

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "data/clock.h"
-#include "data/engine.h"
+#include "data/engine/engine.h"
 #include "tests/support/recording_ports.h"
 #include "vatchange/definition/change_definition.h"
 #include "vatchange/run/change_run.h"

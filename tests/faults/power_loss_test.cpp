@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <random>
 
-#include "data/embedded/embedded_database.h"
+#include "engines/embedded/embedded_database.h"
 #include "tests/faults/full_company.h"
 #include "tests/faults/recording_files.h"
 
@@ -43,9 +43,9 @@ class PowerLoss : public testing::Test {
         const QString folder = m_folder.filePath(QStringLiteral("yritys"));
         test::makeFullCompany(folder, kSize);
         test::useCompany(folder);
-        QFile file(folder + QLatin1Char('/') + data::kEmbeddedFileName);
+        QFile file(folder + QLatin1Char('/') + engines::kEmbeddedFileName);
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        m_start[data::kEmbeddedFileName] = file.readAll();
+        m_start[engines::kEmbeddedFileName] = file.readAll();
         const test::RecordingFiles recording;
         MarkingPorts ports;
         const vatchange::RunResult result =
@@ -85,8 +85,8 @@ TEST_F(PowerLoss, WhatWasReportedIsThereAndNothingIsHalf) {
         });
     };
     // at least one on the way, one when the last program closes it
-    EXPECT_GE(flushes(data::kEmbeddedFileName), 2);
-    EXPECT_GE(flushes(data::kEmbeddedFileName + QStringLiteral("-wal")), kSize.products);
+    EXPECT_GE(flushes(engines::kEmbeddedFileName), 2);
+    EXPECT_GE(flushes(engines::kEmbeddedFileName + QStringLiteral("-wal")), kSize.products);
 
     const unsigned seed = test::seedOfTest();
     SCOPED_TRACE("TAKSAVAIHE_SEED=" + std::to_string(seed));
@@ -102,7 +102,7 @@ TEST_F(PowerLoss, WhatWasReportedIsThereAndNothingIsHalf) {
             files.apply(events[applied]);
         const QString folder = m_folder.filePath(QStringLiteral("katko"));
         test::writeFiles(folder, files.afterPowerLoss(random));
-        ASSERT_EQ(data::checkEmbedded(folder), QStringList());
+        ASSERT_EQ(engines::checkEmbedded(folder), QStringList());
         const Records left = test::readCompany(folder);
         const Records done = read(files.seen());
         reported += moment.reported;

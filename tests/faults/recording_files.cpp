@@ -9,7 +9,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "data/embedded/sqlite_handle.h"
+#include "engines/embedded/sqlite_handle.h"
 
 namespace test {
 
@@ -178,11 +178,11 @@ RecordingFiles::RecordingFiles() {
     }();
     sqlite3_vfs_register(&vfs, 0);
     recorded().clear();
-    data::embedded::SqliteHandle::setFileSystem(kName);
+    engines::embedded::SqliteHandle::setFileSystem(kName);
 }
 
 RecordingFiles::~RecordingFiles() {
-    data::embedded::SqliteHandle::setFileSystem(nullptr);
+    engines::embedded::SqliteHandle::setFileSystem(nullptr);
 }
 
 void RecordingFiles::mark() {

@@ -9,8 +9,8 @@
 #include <memory>
 #include <set>
 
-#include "data/embedded/embedded_database.h"
-#include "data/record/tb_table.h"
+#include "data/table/tb_table.h"
+#include "engines/embedded/embedded_database.h"
 #include "tests/faults/two_programs.h"
 
 namespace {
@@ -121,7 +121,7 @@ TEST_F(TwoPrograms, EditsDuringRunsAreKeptAndEveryProductIsConvertedOrTold) {
         EXPECT_DOUBLE_EQ(price, std::ldexp(prices.at(number), doublings[number]))
             << number.toStdString();
     m_database.reset();
-    EXPECT_EQ(data::checkEmbedded(folder()), QStringList());
+    EXPECT_EQ(engines::checkEmbedded(folder()), QStringList());
     std::printf("%d runs, %lld products converted and %lld skipped beside %lld edits\n", rounds,
                 static_cast<long long>(converted), static_cast<long long>(skipped),
                 static_cast<long long>(edits));
@@ -155,7 +155,7 @@ TEST_F(TwoPrograms, OfTwoRunsAtOnceOneIsRefused) {
 TEST_F(TwoPrograms, ProgramsThatComeByALinkMeetTheSameLocks) {
     const QString other = m_folder.filePath(QStringLiteral("linkki"));
     ASSERT_TRUE(QDir().mkpath(other));
-    const QString file = QLatin1Char('/') + data::kEmbeddedFileName;
+    const QString file = QLatin1Char('/') + engines::kEmbeddedFileName;
     ASSERT_TRUE(QFile::link(folder() + file, other + file));
     const auto byLink = test::openCompany(other);
     ASSERT_TRUE(m_database->beginRun());

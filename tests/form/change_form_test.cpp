@@ -278,7 +278,7 @@ TEST_F(ChangeForm, CoefficientsOfThePreviousChangeAreCarriedOver) {
         EXPECT_TRUE(m_dialogs.allCame());
     }
     // under "/E" the coefficients change all the same, without a word
-    company::setParameters({str("/e")});
+    platform::setParameters({str("/e")});
     saveDefinition(str("Koe"), {{str("MtKerroinEdit"), str("1.00813008")}});
     const QStringList before = m_shop.logMessages();
     ASSERT_TRUE(TRapMaarForm::LataaArvot(*form, str("Koe")));

@@ -5,8 +5,8 @@
 #include <QDir>
 #include <QSettings>
 
-#include "app/company/user_settings.h"
 #include "data/error.h"
+#include "platform/user_settings.h"
 #include "tests/support/company_folder.h"
 
 using framework::DefinitionStore;
@@ -109,13 +109,13 @@ TEST_F(DefinitionStoreTest, TheFormsFlagMovesThemToTheLocalFolder) {
     ASSERT_TRUE(company::takeIntoUse(company::currentCompany().name));
     EXPECT_EQ(m_store.fileName(kForm), m_file);
     {
-        QSettings settings(company::userSettingsFolder() + str("/aliases.ini"),
+        QSettings settings(platform::userSettingsFolder() + str("/aliases.ini"),
                            QSettings::IniFormat);
         settings.setValue(str("Lomakkeet/AlvMuutosLomake/PaikallinenMaaritys"), 1);
     }
     EXPECT_EQ(m_store.fileName(kForm), local.filePath(str("MAARITYS/AlvMuutosLomake.INI")));
     EXPECT_EQ(m_store.fileName(str("Muu")), m_company.file(str("MAARITYS/Muu.INI")));
-    QSettings(company::userSettingsFolder() + str("/aliases.ini"), QSettings::IniFormat)
+    QSettings(platform::userSettingsFolder() + str("/aliases.ini"), QSettings::IniFormat)
         .remove(str("Lomakkeet"));
 }
 

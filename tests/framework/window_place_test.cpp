@@ -5,8 +5,8 @@
 #include <QGuiApplication>
 #include <QScreen>
 
-#include "app/company/command_line.h"
-#include "app/company/user_settings.h"
+#include "platform/command_line.h"
+#include "platform/user_settings.h"
 #include "tests/support/scripted_dialogs.h"
 
 namespace {
@@ -15,10 +15,10 @@ const QString kName = QStringLiteral("KoeIkkuna");
 
 class WindowPlace : public ::testing::Test {
   protected:
-    WindowPlace() { company::userSettings()->clear(); }
+    WindowPlace() { platform::userSettings()->clear(); }
     ~WindowPlace() override {
-        company::setParameters({});
-        company::userSettings()->clear();
+        platform::setParameters({});
+        platform::userSettings()->clear();
     }
     test::ScriptedDialogs m_dialogs;  // a person is there
 };
@@ -63,19 +63,19 @@ TEST_F(WindowPlace, AnUnattendedRunNeitherReadsNorWrites) {
         window.show();
         window.hide();
     };
-    company::setParameters({QStringLiteral("/E")});
+    platform::setParameters({QStringLiteral("/E")});
     showOnce();
-    EXPECT_TRUE(company::userSettings()->allKeys().isEmpty());
-    company::setParameters({});
+    EXPECT_TRUE(platform::userSettings()->allKeys().isEmpty());
+    platform::setParameters({});
     showOnce();
-    EXPECT_FALSE(company::userSettings()->allKeys().isEmpty());
-    company::setParameters({QStringLiteral("/E")});
+    EXPECT_FALSE(platform::userSettings()->allKeys().isEmpty());
+    platform::setParameters({QStringLiteral("/E")});
     QWidget window;
     EXPECT_FALSE(framework::rememberPlace(window, kName));
 }
 
 TEST_F(WindowPlace, DamagedSettingsAreNoPlace) {
-    company::userSettings()->setValue(QStringLiteral("Paikat/") + kName, QByteArray("rikki"));
+    platform::userSettings()->setValue(QStringLiteral("Paikat/") + kName, QByteArray("rikki"));
     QWidget window;
     EXPECT_FALSE(framework::rememberPlace(window, kName));
 }

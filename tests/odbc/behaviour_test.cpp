@@ -270,7 +270,7 @@ TEST(Transactions, OneThatCannotBeStoredLeavesNothingOpen) {
     if (!test::SqlEngine::isAvailable(QStringLiteral("sqlite")))
         GTEST_SKIP() << "the ODBC drivers are not set up";
     const test::SqlEngine engine(QStringLiteral("sqlite"), {});
-    data::client::OdbcSettings settings = engine.settings();
+    engines::shops::OdbcSettings settings = engine.settings();
     settings.attributes = QStringLiteral("Database=%1/oma.db;FKSupport=1").arg(engine.folder());
     test::OdbcDatabase database(settings);
     exec(database,
@@ -293,7 +293,7 @@ TEST(LoadableModule, KeepsTheRecordLocksOfTheEngine) {
         exec(sql,
              QStringLiteral("insert into ALVKANTA (luokka, Prosentti) values (%1, 24)").arg(i));
     EXPECT_THROW(exec(sql, "insert into ALVKANTA (luokka, Prosentti) values (1, 10)"), DataError);
-    const auto program = data::openEmbedded(QStringLiteral("KOE"), engine.folder());
+    const auto program = engines::openEmbedded(QStringLiteral("KOE"), engine.folder());
     const auto records = program->openTable(QStringLiteral("ALVKANTA"));
     const auto found = records->seek(0, data::SeekOp::Equal, {1}, 1);
     ASSERT_EQ(found.size(), 1U);
@@ -329,12 +329,12 @@ TEST(Tracing, TellsCallsStatementsAndErrorsButNoPassword) {
     if (!test::SqlEngine::isAvailable(text(u8"sqlite")))
         GTEST_SKIP() << "no driver";
     const test::SqlEngine engine(text(u8"sqlite"), {text(u8"ALVKANTA")});
-    data::client::OdbcSettings settings = engine.settings();
+    engines::shops::OdbcSettings settings = engine.settings();
     settings.password = text(u8"salainen");
     traced().clear();
     const QtMessageHandler previous = qInstallMessageHandler(
         [](QtMsgType, const QMessageLogContext&, const QString& line) { traced().append(line); });
-    data::client::OdbcConnection::setTracing(true);
+    engines::shops::OdbcConnection::setTracing(true);
     try {
         test::OdbcDatabase database(settings);
         exec(database, text(u8"update ALVKANTA set Prosentti=1"));
@@ -343,7 +343,7 @@ TEST(Tracing, TellsCallsStatementsAndErrorsButNoPassword) {
     } catch (const DataError& error) {
         EXPECT_EQ(error.kind(), ErrorKind::NoSuchTable);
     }
-    data::client::OdbcConnection::setTracing(false);
+    engines::shops::OdbcConnection::setTracing(false);
     qInstallMessageHandler(previous);
     const QString all = traced().join(u'\n');
     for (const char8_t* part : {u8"odbc SQLDriverConnect = 0 (", u8"odbc SQLExecute = ",

@@ -94,7 +94,7 @@ class SqlProducts : public data::RecordFile {
 /// SQL on a server, records as above.
 class ServerCompany : public test::OdbcDatabase {
   public:
-    ServerCompany(const data::client::OdbcSettings& settings, data::Database& records)
+    ServerCompany(const engines::shops::OdbcSettings& settings, data::Database& records)
         : OdbcDatabase(settings), m_records(records) {}
     std::unique_ptr<data::RecordFile> openTable(const QString& tableName) override {
         if (tableName.compare(QLatin1String("TUOTE"), Qt::CaseInsensitive) == 0)
@@ -196,16 +196,16 @@ TEST_P(DefinitionRun, EndsAsOnTheEmbeddedEngine) {
                              "ALVKANTA",  "INI",           "X$File"};
     test::CompanyFolder folder;
     QTemporaryDir beside;
-    data::createEmbedded(folder.path(), data::allTableSources());
+    engines::createEmbedded(folder.path(), data::allTableSources());
     {
-        const auto company = data::openEmbedded(QStringLiteral("KOE"), folder.path());
+        const auto company = engines::openEmbedded(QStringLiteral("KOE"), folder.path());
         tools::demo::fill(*company, {300, 7}, [](const QString&, qint64) {});
         addSharedKeys(*company);
     }
-    data::backupEmbedded(folder.path(), beside.filePath(data::kEmbeddedFileName),
-                         [](int, int) { return true; });
-    const auto embedded = data::openEmbedded(QStringLiteral("KOE"), folder.path());
-    const auto records = data::openEmbedded(QStringLiteral("SIVU"), beside.path());
+    engines::backupEmbedded(folder.path(), beside.filePath(engines::kEmbeddedFileName),
+                            [](int, int) { return true; });
+    const auto embedded = engines::openEmbedded(QStringLiteral("KOE"), folder.path());
+    const auto records = engines::openEmbedded(QStringLiteral("SIVU"), beside.path());
     const test::SqlEngine engine(name, tables);
     ServerCompany server(engine.settings(), *records);
     for (const QString& table : tables) {

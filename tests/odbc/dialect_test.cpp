@@ -4,14 +4,14 @@
 
 #include <sql.h>
 
-#include "data/client/dialect.h"
-#include "data/client/prepared_odbc.h"
+#include "engines/shops/dialect.h"
+#include "engines/shops/prepared_odbc.h"
 
 namespace {
 
-using data::client::ColumnKind;
-using data::client::Dialect;
-using data::client::dialectFor;
+using engines::shops::ColumnKind;
+using engines::shops::Dialect;
+using engines::shops::dialectFor;
 
 std::string rewritten(const char* database, const char* sql) {
     const auto isDate = [](const QString& name) {
@@ -73,9 +73,9 @@ TEST(Dialects, QueriesWithSubqueries) {
 }
 
 TEST(Dialects, TypesAndErrors) {
-    EXPECT_EQ(data::client::columnKind(2008, 0), ColumnKind::Whole16);
-    EXPECT_EQ(data::client::columnKind(SQL_DECIMAL, 0), ColumnKind::Whole);
-    EXPECT_EQ(data::client::columnKind(SQL_DECIMAL, 2), ColumnKind::Real);
+    EXPECT_EQ(engines::shops::columnKind(2008, 0), ColumnKind::Whole16);
+    EXPECT_EQ(engines::shops::columnKind(SQL_DECIMAL, 0), ColumnKind::Whole);
+    EXPECT_EQ(engines::shops::columnKind(SQL_DECIMAL, 2), ColumnKind::Real);
     const Dialect& shops = dialectFor("some other engine");
     using data::ErrorKind;
     EXPECT_EQ(odbcErrorKind(shops, "HY000", 84, {}), ErrorKind::Locked);
@@ -85,8 +85,8 @@ TEST(Dialects, TypesAndErrors) {
     EXPECT_EQ(odbcErrorKind(shops, "S0002", 0, {}), ErrorKind::NoSuchTable);
     EXPECT_EQ(odbcErrorKind(dialectFor("MariaDB"), "HY000", 1205, {}), ErrorKind::Locked);
     // the shops' engine takes Windows-1252 alone
-    EXPECT_EQ(data::client::toDriver(QString::fromUtf8("ä€"), shops), QByteArray("\xE4\x80"));
-    EXPECT_THROW(data::client::toDriver(QString::fromUtf8("ł"), shops), data::DataError);
+    EXPECT_EQ(engines::shops::toDriver(QString::fromUtf8("ä€"), shops), QByteArray("\xE4\x80"));
+    EXPECT_THROW(engines::shops::toDriver(QString::fromUtf8("ł"), shops), data::DataError);
 }
 
 }  // namespace

@@ -135,8 +135,8 @@ class LostConnection : public ::testing::TestWithParam<Server> {
         ASSERT_TRUE(found.hasMatch());
         m_relay = std::make_unique<Relay>(found.captured(1).toUShort());
     }
-    data::client::OdbcSettings settings() const {
-        data::client::OdbcSettings settings;
+    engines::shops::OdbcSettings settings() const {
+        engines::shops::OdbcSettings settings;
         settings.dataSource = QStringLiteral("taksavaihe-") + QLatin1String(GetParam().name);
         settings.attributes = QString::fromLatin1(GetParam().redirect).arg(m_relay->port());
         settings.connectLimit = std::chrono::milliseconds(3000);
@@ -162,7 +162,7 @@ class LostConnection : public ::testing::TestWithParam<Server> {
 
 TEST_P(LostConnection, ServerThatTakesTheConnectionAndNeverAnswers) {
     m_relay->isSilent = true;
-    expectLost([&] { data::client::OdbcConnection::connect(settings()); });
+    expectLost([&] { engines::shops::OdbcConnection::connect(settings()); });
 }
 
 TEST_P(LostConnection, ServerThatFallsSilentInAStatement) {
@@ -207,10 +207,10 @@ INSTANTIATE_TEST_SUITE_P(Servers, LostConnection, ::testing::ValuesIn(kServers),
                          [](const auto& server) { return std::string(server.param.name); });
 
 TEST(OdbcFailures, UnknownDataSourceAndServerThatIsNotThere) {
-    data::client::OdbcSettings settings;
+    engines::shops::OdbcSettings settings;
     settings.dataSource = QStringLiteral("taksavaihe-puuttuu");
     try {
-        data::client::OdbcConnection::connect(settings);
+        engines::shops::OdbcConnection::connect(settings);
         ADD_FAILURE() << "no error";
     } catch (const DataError& error) {
         EXPECT_EQ(error.kind(), ErrorKind::NoConnection);

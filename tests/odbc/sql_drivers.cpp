@@ -90,25 +90,26 @@ bool SqlEngine::isAvailable(const QString& name) {
 
 SqlEngine::SqlEngine(const QString& name, const QStringList& tables) : m_name(name) {
     if (name == kEmbedded || name == kSqlite)
-        data::createEmbedded(m_folder.path(), data::allTableSources());
+        engines::createEmbedded(m_folder.path(), data::allTableSources());
     m_database = connect();
     if (name != kEmbedded && name != kSqlite)
         createTables(tables);
 }
 
-data::client::OdbcSettings SqlEngine::settings() const {
-    data::client::OdbcSettings settings;
+engines::shops::OdbcSettings SqlEngine::settings() const {
+    engines::shops::OdbcSettings settings;
     settings.dataSource = QStringLiteral("taksavaihe-") + m_name;
     if (m_name == kSqlite)
-        settings.attributes = QStringLiteral("Database=%1;LoadExt=%2")
-                                  .arg(m_folder.filePath(data::kEmbeddedFileName), extensionFile());
+        settings.attributes =
+            QStringLiteral("Database=%1;LoadExt=%2")
+                .arg(m_folder.filePath(engines::kEmbeddedFileName), extensionFile());
     return settings;
 }
 
 std::unique_ptr<data::Database> SqlEngine::connect(std::chrono::milliseconds statementLimit) const {
     if (m_name == kEmbedded)
-        return data::openEmbedded(QStringLiteral("KOE"), m_folder.path());
-    data::client::OdbcSettings wanted = settings();
+        return engines::openEmbedded(QStringLiteral("KOE"), m_folder.path());
+    engines::shops::OdbcSettings wanted = settings();
     wanted.statementLimit = statementLimit;
     return std::make_unique<OdbcDatabase>(wanted);
 }

@@ -7,19 +7,19 @@
 #include <string>
 #include <vector>
 
-#include "data/client/odbc_connection.h"
 #include "data/dictionary/dictionary_source.h"
-#include "data/embedded/embedded_database.h"
-#include "data/engine.h"
+#include "data/engine/engine.h"
 #include "data/sql/uni_query.h"
+#include "engines/embedded/embedded_database.h"
+#include "engines/shops/odbc_connection.h"
 
 namespace test {
 
 /// SQL alone over ODBC, behind the interface that queries are written against.
 class OdbcDatabase : public data::Database {
   public:
-    explicit OdbcDatabase(const data::client::OdbcSettings& settings)
-        : connection(data::client::OdbcConnection::connect(settings)) {}
+    explicit OdbcDatabase(const engines::shops::OdbcSettings& settings)
+        : connection(engines::shops::OdbcConnection::connect(settings)) {}
 
     QString name() const override { return QStringLiteral("odbc"); }
     QStringList tableNames() override { return {}; }
@@ -36,7 +36,7 @@ class OdbcDatabase : public data::Database {
         connection->inTransaction(body);
     }
 
-    std::unique_ptr<data::client::OdbcConnection> connection;
+    std::unique_ptr<engines::shops::OdbcConnection> connection;
 };
 
 /// A SQL engine of the tests, by name: "embedded", "sqlite" (the embedded engine's file through its
@@ -56,7 +56,7 @@ class SqlEngine {
     data::Database& database() const { return *m_database; }
     const QString& name() const { return m_name; }
     QString folder() const { return m_folder.path(); }  ///< of the embedded engine's file
-    data::client::OdbcSettings settings() const;
+    engines::shops::OdbcSettings settings() const;
 
   private:
     void createTables(const QStringList& tables) const;

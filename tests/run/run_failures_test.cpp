@@ -2,8 +2,8 @@
 
 #include <QFile>
 
-#include "app/company/run_mark.h"
-#include "app/company/unfinished_note.h"
+#include "company/run_mark.h"
+#include "company/unfinished_note.h"
 #include "tests/run/run_company.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/company/logs.h"
+#include "company/logs.h"
 #include "tests/run/run_company.h"
 #include "tests/support/company_folder.h"
 

@@ -3,8 +3,8 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 
-#include "data/client/shop_database.h"
-#include "data/embedded/embedded_database.h"
+#include "engines/embedded/embedded_database.h"
+#include "engines/shops/shop_database.h"
 #include "tests/run/run_company.h"
 #include "tests/support/client_peer/peer_company.h"
 
@@ -29,7 +29,7 @@ class ShopsRun : public ::testing::Test {
             throw std::runtime_error("odbc.ini cannot be written");
         sources.write(QStringLiteral("[shop]\nDriver=%1\nDatabase=%2/%3\nLoadExt=%4/zavsql.so\n")
                           .arg(QStringLiteral(TAKSAVAIHE_SQLITE_DRIVER), m_company.folder(),
-                               kEmbeddedFileName, QCoreApplication::applicationDirPath())
+                               engines::kEmbeddedFileName, QCoreApplication::applicationDirPath())
                           .toUtf8());
         qputenv("ODBCINI", sources.fileName().toLocal8Bit());
         m_databases.add(kName, m_company.folder());
@@ -48,11 +48,11 @@ class ShopsRun : public ::testing::Test {
     test::RunCompany m_company;
     QTemporaryDir m_folder;
     test::PeerDatabases m_databases;
-    client::ShopDatabaseSettings m_settings;
+    engines::shops::ShopDatabaseSettings m_settings;
 };
 
 TEST_F(ShopsRun, PassesItsOwnLocksAndNotThoseOfOthers) {
-    const auto shop = client::openShopDatabase(m_settings);
+    const auto shop = engines::shops::openShopDatabase(m_settings);
     EXPECT_FALSE(shop->statementsPassRecordLocks());
     const auto others = m_company.otherProgram();
     const auto products = others->openTable(QStringLiteral("TUOTE"));
@@ -76,7 +76,7 @@ TEST_F(ShopsRun, LocksThatAreLostOnTheWayDoNotEndTheRun) {
     m_settings.name = QStringLiteral("taker");
     {
         // each record is somebody else's between its reading and its update
-        const auto shop = client::openShopDatabase(m_settings);
+        const auto shop = engines::shops::openShopDatabase(m_settings);
         const vatchange::RunResult result =
             vatchange::runChange(*shop, test::plainDefinition(), m_company.ports);
         EXPECT_EQ(result.skippedNumbers, (QStringList{"A1", "A2"}));
@@ -84,7 +84,7 @@ TEST_F(ShopsRun, LocksThatAreLostOnTheWayDoNotEndTheRun) {
         EXPECT_EQ(price("A1"), 10);
     }
     m_settings.name = QStringLiteral("stuck");
-    const auto shop = client::openShopDatabase(m_settings);
+    const auto shop = engines::shops::openShopDatabase(m_settings);
     m_company.ports.onStatus = [this](const QString& text) {
         if (text == QStringLiteral("Tuote A1"))  // nothing left to change under the lock
             m_company.exec(QStringLiteral("update TUOTE set LVV=2 where NUMERO='A1'"));
@@ -99,14 +99,14 @@ TEST_F(ShopsRun, RowsThatShareTheirKeyKeepToThemselves) {
     m_company.exec(QStringLiteral("delete from TUOTE"));
     const vatchange::ChangeDefinition definition = test::addSharedKeys(m_company);
     const auto before = m_company.everything();
-    const auto shop = client::openShopDatabase(m_settings);
+    const auto shop = engines::shops::openShopDatabase(m_settings);
     EXPECT_TRUE(vatchange::runChange(*shop, definition, m_company.ports).clean());
     test::expectSharedKeysChanged(m_company, before);
 }
 
 TEST_F(ShopsRun, OneRunOfACompanyAtATime) {
-    const auto first = client::openShopDatabase(m_settings);
-    const auto second = client::openShopDatabase(m_settings);
+    const auto first = engines::shops::openShopDatabase(m_settings);
+    const auto second = engines::shops::openShopDatabase(m_settings);
     ASSERT_TRUE(first->beginRun());
     EXPECT_FALSE(second->beginRun());
     first->endRun();
@@ -115,7 +115,7 @@ TEST_F(ShopsRun, OneRunOfACompanyAtATime) {
 
 TEST_F(ShopsRun, AnEngineThatFallsSilentFailsStepsAndNotTheRun) {
     m_settings.statementLimit = std::chrono::milliseconds(400);
-    const auto shop = client::openShopDatabase(m_settings);
+    const auto shop = engines::shops::openShopDatabase(m_settings);
     vatchange::ChangeDefinition definition = test::plainDefinition();
     definition.salesOrders = true;
     definition.purchaseOrders = true;

@@ -1,7 +1,7 @@
 #include <QScrollBar>
 #include <QSettings>
 
-#include "app/company/user_settings.h"
+#include "platform/user_settings.h"
 #include "search/group_haku.h"
 #include "tests/search/product_support.h"
 
@@ -67,7 +67,7 @@ TEST_F(GroupForms, RowsOutsideTheWebShopAreRedButTheFocusedCell) {
 }
 
 TEST_F(GroupForms, WindowsAndColumns) {
-    company::userSettings()->clear();  // places of windows that other tests have closed
+    platform::userSettings()->clear();  // places of windows that other tests have closed
     const auto check = [](const search::TBtrHakuForm& form, const char* caption, QSize size,
                           const char* flag, const char* columns) {
         EXPECT_EQ(form.windowTitle().toStdString(), caption);

@@ -1,6 +1,6 @@
 #include <QLocale>
 
-#include "app/company/ini_file.h"
+#include "platform/ini_file.h"
 #include "search/tuote_haku.h"
 #include "tests/search/product_support.h"
 
@@ -136,7 +136,7 @@ TEST_F(ProductForm, StockColumnsCanBeLeftOutAndStayOutWithTheLayout) {
         EXPECT_EQ(test::cellText(form, 0, str("Hyllypaikka")).toStdString(), "A1-2");
         form.Tallenna->trigger();
     }
-    const auto saved = company::IniFile::read(m_shop.file(str("FORMS.INI")));
+    const auto saved = platform::IniFile::read(m_shop.file(str("FORMS.INI")));
     EXPECT_EQ(saved.value(str("TuoteHakuForm"), str("NaytaSaldot")), str("0"));
     search::TTuoteHakuForm form;
     EXPECT_FALSE(form.NaytaSaldot->isChecked());

@@ -76,7 +76,7 @@ class SearchFormTest : public ::testing::Test {
     }
 
     QString saved(const QString& key) const {
-        return company::IniFile::read(m_company.file(str("FORMS.INI")))
+        return platform::IniFile::read(m_company.file(str("FORMS.INI")))
             .value(str("KoeHaku"), key)
             .value_or(str("(none)"));
     }

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "data/record/windows1252.h"
+#include "data/windows1252.h"
 #include "search/filter_state.h"
 #include "search/form_layout.h"
 #include "search/key_search.h"
@@ -232,7 +232,7 @@ TEST(SearchParts, LayoutIsReadAndWritten) {
         {"LomakeLeveys=x\nLomakeKorkeus=120\nLajittelu=-1", "A:10 -B:20 C:0", -1, 120, -1},
     };
     for (const auto& c : cases) {
-        const auto file = company::IniFile::parse("[S]\n" + QByteArray(c.saved), {});
+        const auto file = platform::IniFile::parse("[S]\n" + QByteArray(c.saved), {});
         const FormLayout layout = readLayout(file, str("S"), own);
         EXPECT_EQ(columns(layout), c.columns) << c.saved;
         EXPECT_EQ(layout.width.value_or(-1), c.width) << c.saved;
@@ -240,7 +240,7 @@ TEST(SearchParts, LayoutIsReadAndWritten) {
         EXPECT_EQ(layout.order.value_or(-1), c.order) << c.saved;
     }
 
-    auto file = company::IniFile::parse("[S]\nSarakkeita=4\nSarake2=Y\nSarake3=Z\nW_B=5\n", {});
+    auto file = platform::IniFile::parse("[S]\nSarakkeita=4\nSarake2=Y\nSarake3=Z\nW_B=5\n", {});
     FormLayout layout{.columns = own, .width = 700, .order = -1};
     writeLayout(file, str("S"), layout);
     EXPECT_EQ(file.toBytes().toStdString(),

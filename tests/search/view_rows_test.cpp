@@ -8,7 +8,7 @@
 #include <random>
 
 #include "data/record/record_codec.h"
-#include "data/record/tb_table.h"
+#include "data/table/tb_table.h"
 #include "search/grid_row.h"
 #include "search/table_model.h"
 #include "tests/support/shop_company.h"

@@ -1,13 +1,13 @@
-#include "app/shell/batch.h"
+#include "shell/batch.h"
 
 #include <gtest/gtest.h>
 
 #include <QStringList>
 #include <map>
 
-#include "app/shell/build_stamp.h"
-#include "app/shell/start_up.h"
 #include "data/error.h"
+#include "shell/build_stamp.h"
+#include "shell/start_up.h"
 
 using shell::ExitStatus;
 using vatchange::RunResult;

@@ -7,11 +7,11 @@
 #include <QSpinBox>
 #include <QTest>
 
-#include "app/company/user_settings.h"
 #include "data/error.h"
 #include "data/sql/uni_query.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/demo_company_dialog.h"
+#include "platform/user_settings.h"
 #include "tests/support/company_folder.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/window_checks.h"
@@ -92,7 +92,7 @@ TEST_F(DemoCompany, WhatCannotBeMadeIsRefusedAndLeavesNothing) {
     }
     EXPECT_TRUE(m_dialog.isVisible());
     EXPECT_FALSE(company::findAlias(str("Kokeilu")));
-    const QString aliases = company::userSettingsFolder() + str("/aliases.ini");
+    const QString aliases = platform::userSettingsFolder() + str("/aliases.ini");
     const QByteArray sound = test::fileBytes(aliases);
     test::writeFile(aliases, "[rikki\n");
     try {

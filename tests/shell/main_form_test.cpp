@@ -1,4 +1,4 @@
-#include "app/shell/main_form.h"
+#include "shell/main_form.h"
 
 #include <gtest/gtest.h>
 
@@ -267,17 +267,17 @@ TEST(CompanyChoice, ParametersListAndRefresh) {
     test::ScriptedDialogs dialogs;
     const test::CompanyFolder first(str("Äyräs Oy"));
     const test::CompanyFolder second(str("Beeta"));
-    company::setParameters({str("/E"), str("äyräs oy"), str("BEETA")});
+    platform::setParameters({str("/E"), str("äyräs oy"), str("BEETA")});
     framework::TYritysValinta choice;
     // only the letters a to z match in either case: "äyräs" is not "Äyräs"
     EXPECT_TRUE(choice.OnParametrina());
     EXPECT_EQ(company::currentCompany().name, str("Beeta"));
-    company::setParameters({str("ÄYRÄS OY"), str("Äyräs OY")});
+    platform::setParameters({str("ÄYRÄS OY"), str("Äyräs OY")});
     EXPECT_TRUE(choice.OnParametrina());
     EXPECT_EQ(company::currentCompany().name, str("Äyräs Oy"));
-    company::setParameters({str("Beet")});
+    platform::setParameters({str("Beet")});
     EXPECT_FALSE(choice.OnParametrina());
-    company::setParameters({});
+    platform::setParameters({});
 
     choice.show();
     QApplication::setActiveWindow(&choice);

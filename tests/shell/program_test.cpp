@@ -6,8 +6,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include "app/company/definitions_file.h"
-#include "app/company/run_mark.h"
+#include "company/batch_list.h"
+#include "company/run_mark.h"
 #include "framework/core/definition_store.h"
 #include "tests/support/shop_company.h"
 #include "vatchange/form/change_form.h"
@@ -180,7 +180,7 @@ TEST_F(Program, ACompanyWithoutItsDatabaseIsUnavailable) {
     const test::CompanyFolder empty(str("Tyhjä yritys"));
     EXPECT_EQ(run({str("Tyhjä yritys"), str("/E")}), 2);
     EXPECT_FALSE(m_errors.isEmpty());
-    test::writeFile(empty.file(data::kEmbeddedFileName), "ei tietokanta");
+    test::writeFile(empty.file(engines::kEmbeddedFileName), "ei tietokanta");
     EXPECT_EQ(run({str("Tyhjä yritys"), str("/E")}), 2);
 }
 

@@ -7,10 +7,10 @@
 #include <QTreeWidget>
 #include <QUrl>
 
-#include "app/shell/main_form.h"
 #include "framework/core/definition_store.h"
 #include "framework/ui/company_choice.h"
 #include "framework/ui/definition_window.h"
+#include "shell/main_form.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/shop_company.h"
 #include "tests/support/window_checks.h"

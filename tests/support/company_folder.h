@@ -5,9 +5,9 @@
 #include <QTemporaryDir>
 #include <stdexcept>
 
-#include "app/company/aliases.h"
-#include "app/company/company.h"
-#include "app/company/connection_module.h"
+#include "company/aliases.h"
+#include "company/company.h"
+#include "company/connection_module.h"
 
 namespace test {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/company/command_line.h"
-#include "app/company/logs.h"
+#include "company/logs.h"
+#include "platform/command_line.h"
 #include "tests/support/test_company.h"
 
 namespace test {
@@ -12,12 +12,12 @@ class ShopCompany : public TestCompany {
   public:
     explicit ShopCompany(const QStringList& parameters = {})
         : TestCompany({{1, 10}, {2, 14}, {3, 24}, {6, 25.5}}) {
-        company::setParameters(parameters);
+        platform::setParameters(parameters);
         for (const char* group : {"1, 'Kuluttajat'", "2, 'Yritykset'", "5, 'Henkilökunta'"})
             exec(QStringLiteral("insert into ASRYHMA (Nro, Nimi) values (%1)")
                      .arg(QString::fromUtf8(group)));
     }
-    ~ShopCompany() { company::setParameters({}); }
+    ~ShopCompany() { platform::setParameters({}); }
 
     /// Products 1..count of class 3 at 10 euros.
     void addProducts(int count) const {

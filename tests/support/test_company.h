@@ -8,8 +8,8 @@
 #include <memory>
 
 #include "data/clock.h"
-#include "data/embedded/embedded_database.h"
 #include "data/sql/uni_query.h"
+#include "engines/embedded/embedded_database.h"
 #include "tests/support/company_folder.h"
 
 namespace test {
@@ -30,8 +30,8 @@ inline void createCompany(const QString& folder, const VatRates& rates,
     std::erase_if(tables, [&withoutTables](const data::TableSource& table) {
         return withoutTables.contains(table.name, Qt::CaseInsensitive);
     });
-    data::createEmbedded(folder, tables);
-    const auto database = data::openEmbedded(QStringLiteral("Koeyritys"), folder);
+    engines::createEmbedded(folder, tables);
+    const auto database = engines::openEmbedded(QStringLiteral("Koeyritys"), folder);
     for (const auto& [vatClass, rate] : rates)
         exec(*database, QStringLiteral("insert into ALVKANTA (luokka, Prosentti) values (%1, %2)")
                             .arg(vatClass)
@@ -55,7 +55,7 @@ class TestCompany : public CompanyFolder {
     data::Database& database() const { return company::companyDatabase(); }
     /// A second connection, as another program would have it.
     std::unique_ptr<data::Database> otherProgram() const {
-        return data::openEmbedded(QStringLiteral("Koeyritys"), path());
+        return engines::openEmbedded(QStringLiteral("Koeyritys"), path());
     }
 
     qint64 exec(const QString& sql) const { return test::exec(database(), sql); }

@@ -3,7 +3,7 @@
 #include <csignal>
 #include <random>
 
-#include "data/embedded/embedded_database.h"
+#include "engines/embedded/embedded_database.h"
 #include "tests/support/client_peer/peer_company.h"
 #include "tests/tools/zavdb_program.h"
 #include "tools/zavdb/company_copy.h"
@@ -85,10 +85,10 @@ TEST_F(Copy, UnknownTablesAndUndefinedBytesArriveAsTheyAre) {
     std::vector<data::TableSource> tables = data::allTableSources();
     tables.push_back(oddTable());
     std::erase_if(tables, [](const data::TableSource& t) { return t.name == u"MYYMALAHINNAT"; });
-    data::createEmbedded(path("s"), tables);
+    engines::createEmbedded(path("s"), tables);
     std::mt19937 random(20240901);
     {
-        const auto database = data::openEmbedded(QStringLiteral("S"), path("s"));
+        const auto database = engines::openEmbedded(QStringLiteral("S"), path("s"));
         const auto odd = database->openTable(QStringLiteral("OUTO"));
         database->inTransaction([&] {
             for (int i = 0; i < 3000; ++i) {
@@ -122,8 +122,8 @@ TEST_F(Copy, UnknownTablesAndUndefinedBytesArriveAsTheyAre) {
     EXPECT_TRUE(copy.out.contains("30 tables")) << copy.out.constData();
     EXPECT_EQ(copy.out.contains("differs"), false);
 
-    const auto from = data::openEmbedded(QStringLiteral("S"), path("s"));
-    const auto to = data::openEmbedded(QStringLiteral("T"), path("deep/t"));
+    const auto from = engines::openEmbedded(QStringLiteral("S"), path("s"));
+    const auto to = engines::openEmbedded(QStringLiteral("T"), path("deep/t"));
     ASSERT_EQ(to->tableNames(), from->tableNames());
     for (const QString& name : from->tableNames()) {
         const auto source = from->openTable(name);
@@ -206,7 +206,7 @@ TEST_F(Copy, FromTheShopsEngine) {
     done({"demo", "D", "d", "--products", "150"});
     test::PeerDatabases peer;
     peer.add(QStringLiteral("KAUPPA"), path("d"));
-    data::client::ShopDatabaseSettings settings;
+    engines::shops::ShopDatabaseSettings settings;
     settings.name = QStringLiteral("KAUPPA");
     settings.folder = path("shop");
     settings.clientLibrary = test::PeerDatabases::library();
@@ -219,8 +219,8 @@ TEST_F(Copy, FromTheShopsEngine) {
     EXPECT_TRUE(result.notes.join(u'|').contains("INI: listed in the catalogue without"));
     EXPECT_TRUE(result.notes.join(u'|').contains("catalogue's rows are the copy's own"));
 
-    const auto from = data::openEmbedded(QStringLiteral("D"), path("d"));
-    const auto to = data::openEmbedded(QStringLiteral("Kopio"), path("k"));
+    const auto from = engines::openEmbedded(QStringLiteral("D"), path("d"));
+    const auto to = engines::openEmbedded(QStringLiteral("Kopio"), path("k"));
     EXPECT_EQ(to->tableNames().size(), 29);
     for (const QString& name : to->tableNames()) {
         if (name.startsWith(u"X$"))

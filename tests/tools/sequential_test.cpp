@@ -1,6 +1,6 @@
 // zavdb load and save: bytes in, the same bytes out; a damaged file changes nothing.
 
-#include "data/embedded/embedded_database.h"
+#include "engines/embedded/embedded_database.h"
 #include "tests/tools/zavdb_program.h"
 
 namespace {
@@ -25,7 +25,7 @@ class Sequential : public test::ZavdbProgram {
                                  "field 2 Teksti memo:22 19 4 20 NOTE\n"
                                  "key 0 unique : Nro\n"})
             tables.push_back(data::parseTableSource(text, QStringLiteral("test.dict")));
-        data::createEmbedded(path("a"), tables);
+        engines::createEmbedded(path("a"), tables);
         done({"add", "A", "a"});
     }
 

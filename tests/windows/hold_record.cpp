@@ -7,9 +7,9 @@
 #include <QThread>
 #include <cstdio>
 
-#include "app/company/company.h"
-#include "app/company/connection_module.h"
-#include "data/record/tb_table.h"
+#include "company/company.h"
+#include "company/connection_module.h"
+#include "data/table/tb_table.h"
 
 namespace {
 

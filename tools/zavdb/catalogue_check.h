@@ -6,7 +6,7 @@
 #include <functional>
 #include <memory>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace tools {
 

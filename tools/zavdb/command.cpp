@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "app/company/aliases.h"
-#include "app/company/connection_module.h"
-#include "app/company/dictionary_module.h"
+#include "company/aliases.h"
+#include "company/connection_module.h"
+#include "platform/dictionary_module.h"
 #include "tools/zavdb/csv.h"
 #include "tools/zavdb/sequential_file.h"
 
@@ -129,7 +129,7 @@ int runZavdb(const QStringList& arguments) {
             return 0;
         }
         name = asked.command->name;
-        company::loadDictionaryModule();
+        platform::loadDictionaryModule();
         return asked.command->run(asked.arguments);
     } catch (const UsageError& error) {
         return wrongUsage(error.message(), error.command().isEmpty() ? name : error.command());

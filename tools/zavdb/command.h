@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace tools {
 

@@ -5,8 +5,8 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
-#include "app/company/aliases.h"
-#include "data/embedded/embedded_database.h"
+#include "company/aliases.h"
+#include "engines/embedded/embedded_database.h"
 #include "tools/zavdb/command.h"
 
 namespace tools {
@@ -65,7 +65,7 @@ QString absoluteFolder(const QString& folder) {
 }
 
 void requireFreeFolder(const QString& folder) {
-    if (QFileInfo::exists(QDir(folder).filePath(data::kEmbeddedFileName)))
+    if (QFileInfo::exists(QDir(folder).filePath(engines::kEmbeddedFileName)))
         throw CommandError(QStringLiteral("The folder %1 holds a company already; \"zavdb add\" "
                                           "registers it.")
                                .arg(folder));
@@ -92,13 +92,14 @@ void buildCompany(const QString& name, const QString& folder,
     if (!workshop.isValid())
         throw CommandError(QStringLiteral("The folder %1 cannot be written: %2")
                                .arg(absolute, workshop.errorString()));
-    data::createEmbedded(workshop.path(), tables);
+    engines::createEmbedded(workshop.path(), tables);
     if (fill) {
-        const std::unique_ptr<data::Database> database = data::openEmbedded(name, workshop.path());
+        const std::unique_ptr<data::Database> database =
+            engines::openEmbedded(name, workshop.path());
         fill(*database);
     }
-    const QString target = QDir(absolute).filePath(data::kEmbeddedFileName);
-    QFile file(workshop.filePath(data::kEmbeddedFileName));
+    const QString target = QDir(absolute).filePath(engines::kEmbeddedFileName);
+    QFile file(workshop.filePath(engines::kEmbeddedFileName));
     if (!file.rename(target))  // takes nothing's place
         throw CommandError(QStringLiteral("The database cannot be moved to %1: %2")
                                .arg(target, file.errorString()));

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "data/dictionary/dictionary_source.h"
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace tools {
 

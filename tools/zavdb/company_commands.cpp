@@ -2,9 +2,9 @@
 #include <QFileInfo>
 #include <algorithm>
 
-#include "app/company/aliases.h"
+#include "company/aliases.h"
 #include "data/dictionary/dictionary_source.h"
-#include "data/embedded/embedded_database.h"
+#include "engines/embedded/embedded_database.h"
 #include "tools/zavdb/command.h"
 #include "tools/zavdb/company_builder.h"
 #include "tools/zavdb/demo/demo_company.h"
@@ -98,9 +98,9 @@ int addCompany(const Arguments& arguments) {
     const QString& name = arguments.at(0);
     const QString folder = absoluteFolder(arguments.at(1));
     requireFreeName(name);
-    if (!data::hasEmbeddedDatabase(folder))
+    if (!engines::hasEmbeddedDatabase(folder))
         throw CommandError(QStringLiteral("The folder %1 holds no company.").arg(folder));
-    data::openEmbedded(name, folder);
+    engines::openEmbedded(name, folder);
     registerCompany(name, folder);
     return 0;
 }
@@ -123,20 +123,20 @@ int backUp(const Arguments& arguments) {
     const QString target = QFileInfo(arguments.at(1)).absoluteFilePath();
     if (QFileInfo::exists(target))
         throw CommandError(QStringLiteral("%1 exists already.").arg(target));
-    data::backupEmbedded(folder, target, nullptr);
+    engines::backupEmbedded(folder, target, nullptr);
     return 0;
 }
 
 int checkCompany(const Arguments& arguments) {
     const QString folder = embeddedFolder(arguments.at(0));
-    const QStringList findings = data::checkEmbedded(folder);
+    const QStringList findings = engines::checkEmbedded(folder);
     for (const QString& finding : findings)
         printLine(finding);
     if (!findings.isEmpty()) {
         printError(counted(findings.size(), QStringLiteral("finding")));
         return 1;
     }
-    const std::unique_ptr<data::Database> database = data::openEmbedded(arguments.at(0), folder);
+    const std::unique_ptr<data::Database> database = engines::openEmbedded(arguments.at(0), folder);
     qint64 records = 0;
     const QStringList tables = database->tableNames();
     for (const QString& table : tables)
@@ -209,7 +209,7 @@ std::vector<Command> companyCommands() {
          QStringLiteral("Copies the company's database to a new file, safe while it is in use"),
          QStringLiteral("To use a copy, put it into a folder as %1 and register the folder with "
                         "\"zavdb add\".")
-             .arg(data::kEmbeddedFileName),
+             .arg(engines::kEmbeddedFileName),
          2,
          2,
          {},

@@ -5,9 +5,9 @@
 #include <QFileInfo>
 #include <QLockFile>
 
-#include "app/company/aliases.h"
-#include "app/company/ini_file.h"
-#include "data/embedded/embedded_database.h"
+#include "company/aliases.h"
+#include "engines/embedded/embedded_database.h"
+#include "platform/ini_file.h"
 #include "tools/zavdb/command.h"
 #include "tools/zavdb/company_builder.h"
 #include "tools/zavdb/company_files.h"
@@ -51,14 +51,14 @@ class CompanyCopier {
         registerCompany(m_targetName, m_folder);
         m_lock.unlock();
         QDir(m_work).removeRecursively();
-        m_result.findings = data::checkEmbedded(m_folder);
+        m_result.findings = engines::checkEmbedded(m_folder);
         return m_result;
     }
 
   private:
     QString stateFile() const { return QDir(m_work).filePath(QStringLiteral("copy.ini")); }
 
-    static bool hasCompany(const QString& folder) { return data::hasEmbeddedDatabase(folder); }
+    static bool hasCompany(const QString& folder) { return engines::hasEmbeddedDatabase(folder); }
 
     void beginWork(bool goesOn) {
         if (!QDir().mkpath(m_work))
@@ -69,7 +69,7 @@ class CompanyCopier {
                     ? QStringLiteral("Another zavdb is copying into %1.").arg(m_folder)
                     : QStringLiteral("The folder %1 cannot be written.").arg(m_work));
         if (goesOn) {
-            const company::IniFile state = company::IniFile::read(stateFile());
+            const platform::IniFile state = platform::IniFile::read(stateFile());
             const QString source = state.value(kSection, kSourceKey).value_or(QString());
             const QString target = state.value(kSection, kTargetKey).value_or(QString());
             if (source.compare(m_source.name(), Qt::CaseInsensitive) != 0 ||
@@ -79,7 +79,7 @@ class CompanyCopier {
                                    "one, or remove the folder.")
                         .arg(m_work, source, target));
         } else {
-            company::IniFile state;
+            platform::IniFile state;
             state.setValue(kSection, kSourceKey, m_source.name());
             state.setValue(kSection, kTargetKey, m_targetName);
             state.write(stateFile());
@@ -102,7 +102,7 @@ class CompanyCopier {
     }
 
     bool ownCatalogue() const {
-        return company::IniFile::read(stateFile()).value(kSection, kOwnCatalogueKey) ==
+        return platform::IniFile::read(stateFile()).value(kSection, kOwnCatalogueKey) ==
                QStringLiteral("1");
     }
 
@@ -110,7 +110,7 @@ class CompanyCopier {
         openSourceTables();
         if (!hasCompany(m_work)) {
             const bool own = !makeCopyTarget(m_tables, m_work);
-            company::IniFile state = company::IniFile::read(stateFile());
+            platform::IniFile state = platform::IniFile::read(stateFile());
             state.setValue(kSection, kOwnCatalogueKey,
                            own ? QStringLiteral("1") : QStringLiteral("0"));
             state.write(stateFile());
@@ -121,7 +121,7 @@ class CompanyCopier {
             m_result.notes.append(
                 QStringLiteral("The catalogue's rows are the copy's own: the source's do not "
                                "describe its tables to the byte."));
-        const std::unique_ptr<data::Database> target = data::openEmbedded(m_targetName, m_work);
+        const std::unique_ptr<data::Database> target = engines::openEmbedded(m_targetName, m_work);
         std::vector<std::pair<data::RecordFile*, std::unique_ptr<data::RecordFile>>> pairs;
         for (const std::unique_ptr<data::RecordFile>& table : m_tables) {
             const QString& name = table->layout().tableName();
@@ -149,8 +149,8 @@ class CompanyCopier {
     }
 
     void moveToPlace() {
-        const QString target = QDir(m_folder).filePath(data::kEmbeddedFileName);
-        QFile file(QDir(m_work).filePath(data::kEmbeddedFileName));
+        const QString target = QDir(m_folder).filePath(engines::kEmbeddedFileName);
+        QFile file(QDir(m_work).filePath(engines::kEmbeddedFileName));
         if (!file.rename(target))  // takes nothing's place
             throw CommandError(QStringLiteral("The database cannot be moved to %1: %2")
                                    .arg(target, file.errorString()));

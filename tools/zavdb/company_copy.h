@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace tools {
 

@@ -4,8 +4,8 @@
 #include <QFile>
 #include <algorithm>
 
-#include "data/embedded/embedded_database.h"
 #include "data/record/record_codec.h"
+#include "engines/embedded/embedded_database.h"
 #include "tools/zavdb/command.h"
 
 namespace tools {
@@ -21,7 +21,7 @@ QString trialFolder(const QString& work) {
     return QDir(work).filePath(QStringLiteral("trial"));
 }
 QString databaseIn(const QString& folder) {
-    return QDir(folder).filePath(data::kEmbeddedFileName);
+    return QDir(folder).filePath(engines::kEmbeddedFileName);
 }
 
 void moveDatabase(const QString& from, const QString& to) {
@@ -102,7 +102,8 @@ bool takesCatalogue(const OpenTables& source, const QString& folder) {
     const CopiedTables copied(source);
     try {
         {
-            const std::unique_ptr<data::Database> database = data::openEmbedded(QString(), folder);
+            const std::unique_ptr<data::Database> database =
+                engines::openEmbedded(QString(), folder);
             for (const std::unique_ptr<data::RecordFile>& table : source) {
                 if (!isCatalogueTable(table->layout().tableName()))
                     continue;
@@ -111,7 +112,7 @@ bool takesCatalogue(const OpenTables& source, const QString& folder) {
                 copyTable(*table, *database, *target, copied.belongs(*table), [](qint64) {});
             }
         }
-        const std::unique_ptr<data::Database> database = data::openEmbedded(QString(), folder);
+        const std::unique_ptr<data::Database> database = engines::openEmbedded(QString(), folder);
         return static_cast<size_t>(database->tableNames().size()) == source.size() &&
                std::all_of(source.begin(), source.end(), [&](const auto& table) {
                    return sameShape(*table, *database->openTable(table->layout().tableName()));
@@ -178,7 +179,7 @@ bool makeCopyTarget(const OpenTables& source, const QString& work) {
     std::vector<data::TableSource> tables;
     for (const std::unique_ptr<data::RecordFile>& table : source)
         tables.push_back(describe(*table));
-    data::createEmbedded(buildFolder(work), tables);
+    engines::createEmbedded(buildFolder(work), tables);
     if (!QDir().mkpath(trialFolder(work)) ||
         !QFile::copy(databaseIn(buildFolder(work)), databaseIn(trialFolder(work))))
         throw CommandError(QStringLiteral("The folder %1 cannot be written.").arg(work));

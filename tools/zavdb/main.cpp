@@ -8,8 +8,8 @@
 #include <unistd.h>
 #endif
 
-#include "app/company/console.h"
-#include "app/company/file_rights.h"
+#include "platform/console.h"
+#include "platform/file_rights.h"
 #include "tools/zavdb/command.h"
 
 namespace {
@@ -31,8 +31,8 @@ void fillClosedStreams() {
 
 int main(int argc, char** argv) {
     fillClosedStreams();
-    company::withholdWritingFromOthers();
-    const company::Console console;
+    platform::withholdWritingFromOthers();
+    const platform::Console console;
 #ifdef Q_OS_WIN
     // exported files are the same bytes on every platform
     _setmode(_fileno(stdout), _O_BINARY);

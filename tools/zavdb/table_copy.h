@@ -3,7 +3,7 @@
 #include <QStringList>
 #include <functional>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace tools {
 

@@ -2,7 +2,7 @@
 
 #include <QIODevice>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace tools {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "data/record/record_codec.h"
-#include "data/record/windows1252.h"
+#include "data/windows1252.h"
 #include "tools/zavdb/catalogue_check.h"
 #include "tools/zavdb/command.h"
 #include "tools/zavdb/csv.h"

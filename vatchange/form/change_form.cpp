@@ -5,12 +5,12 @@
 #include <QSignalBlocker>
 #include <cmath>
 
-#include "app/company/command_line.h"
-#include "app/company/company.h"
-#include "app/company/logs.h"
+#include "company/company.h"
+#include "company/logs.h"
 #include "data/sql/uni_query.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/window_place.h"
+#include "platform/command_line.h"
 #include "vatchange/definition/coefficients.h"
 #include "vatchange/form/definition_controls.h"
 #include "vatchange/form/run_report.h"
@@ -41,7 +41,7 @@ TAlvMuutosLomake::TAlvMuutosLomake(data::Database& database, QWidget* parent)
 }
 
 bool TAlvMuutosLomake::unattended() const {
-    return Unattended || company::hasSwitch(QStringLiteral("/E")) ||
+    return Unattended || platform::hasSwitch(QStringLiteral("/E")) ||
            !framework::Dialogs::someoneThere();
 }
 
@@ -209,7 +209,7 @@ void TAlvMuutosLomake::afterLoad() {
         else if (finding.kind != LoadFinding::Kind::MissingClass)
             unreadable.append(finding.control + QLatin1Char('=') + finding.saved);
     }
-    if (carriedOver && !company::hasSwitch(QStringLiteral("/E")))
+    if (carriedOver && !platform::hasSwitch(QStringLiteral("/E")))
         NaytaViesti(
             QStringLiteral("Kertoimia päivitetty edellisen taksavaiheen yhteydessä tallennetuista "
                            "asetuksista"));

@@ -4,7 +4,7 @@
 #include <bitset>
 #include <optional>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 #include "framework/ui/base_form.h"
 #include "framework/ui/exit_checks.h"
 #include "vatchange/definition/load_rules.h"

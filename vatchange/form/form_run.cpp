@@ -2,9 +2,9 @@
 #include <QFileInfo>
 #include <QTimer>
 
-#include "app/company/command_line.h"
-#include "app/company/logs.h"
+#include "company/logs.h"
 #include "framework/ui/dialogs.h"
+#include "platform/command_line.h"
 #include "vatchange/form/change_form.h"
 #include "vatchange/form/run_report.h"
 
@@ -40,7 +40,7 @@ class FormRunPorts : public RunPorts {
         return QFileInfo(QCoreApplication::applicationFilePath()).fileName();
     }
     QString definitionName() const override { return m_form.loadedDefinition().name; }
-    bool skipEarlyDateCheck() const override { return company::hasSwitch(QStringLiteral("/EP")); }
+    bool skipEarlyDateCheck() const override { return platform::hasSwitch(QStringLiteral("/EP")); }
 
   private:
     static constexpr qint64 kBreathMs = 50;

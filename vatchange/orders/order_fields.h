@@ -1,6 +1,6 @@
 #pragma once
 
-#include "data/record/tb_table.h"
+#include "data/table/tb_table.h"
 #include "vatchange/orders/order_rules.h"
 
 namespace vatchange {

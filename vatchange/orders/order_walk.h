@@ -3,8 +3,8 @@
 #include <QLoggingCategory>
 #include <functional>
 
-#include "data/record/tb_table.h"
 #include "data/sql/uni_query.h"
+#include "data/table/tb_table.h"
 #include "vatchange/ports/run_ports.h"
 
 namespace vatchange {

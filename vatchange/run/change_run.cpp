@@ -1,7 +1,7 @@
 #include "vatchange/run/change_run.h"
 
-#include "app/company/run_mark.h"
-#include "app/company/unfinished_note.h"
+#include "company/run_mark.h"
+#include "company/unfinished_note.h"
 #include "data/clock.h"
 #include "vatchange/rules/log_texts.h"
 #include "vatchange/run/run_context.h"

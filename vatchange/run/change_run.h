@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <deque>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 #include "vatchange/definition/load_rules.h"
 #include "vatchange/ports/run_ports.h"
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <optional>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 #include "vatchange/rules/price_rules.h"
 #include "vatchange/rules/statements.h"
 

@@ -6,7 +6,7 @@
 #include <map>
 #include <set>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 #include "data/error.h"
 #include "data/sql/uni_query.h"
 #include "vatchange/definition/definition_problems.h"

@@ -4,7 +4,7 @@
 #include <QFileInfo>
 #include <deque>
 
-#include "app/company/logs.h"
+#include "company/logs.h"
 #include "data/clock.h"
 
 namespace vatchange {

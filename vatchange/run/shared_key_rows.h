@@ -7,8 +7,8 @@
 #include <map>
 #include <memory>
 
-#include "data/record/tb_table.h"
 #include "data/sql/uni_query.h"
+#include "data/table/tb_table.h"
 #include "vatchange/rules/log_texts.h"
 #include "vatchange/rules/row_matching.h"
 

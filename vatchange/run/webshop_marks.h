@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/core/webshop_mark.h"
 #include "vatchange/ports/run_ports.h"
+#include "vatchange/run/webshop_mark_writer.h"
 
 namespace vatchange {
 
@@ -19,7 +19,7 @@ class WebShopMarks {
 
   private:
     RunPorts& m_ports;
-    framework::WebShopMarkWriter m_writer;
+    WebShopMarkWriter m_writer;
     QString m_failure;
     qint64 m_written = 0;
 };

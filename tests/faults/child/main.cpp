@@ -14,8 +14,8 @@
 #include <random>
 #include <thread>
 
-#include "data/record/tb_table.h"
 #include "data/sql/uni_query.h"
+#include "data/table/tb_table.h"
 #include "tests/faults/two_programs.h"
 
 namespace {

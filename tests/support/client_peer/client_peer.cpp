@@ -19,8 +19,8 @@
 #include <thread>
 
 #include "data/dictionary/resources.h"
-#include "data/embedded/company_file.h"
-#include "data/embedded/connection.h"
+#include "engines/embedded/company_file.h"
+#include "engines/embedded/connection.h"
 #include "tests/support/client_peer/peer_cursor.h"
 
 #ifdef Q_OS_WIN
@@ -70,15 +70,15 @@ std::optional<PeerDatabase> findDatabase(const QString& name) {
             columns.contains(QStringLiteral("linked")), columns.contains(QStringLiteral("plain")),
             columns.contains(QStringLiteral("stuck")),  columns.contains(QStringLiteral("cut"))};
         if (columns.contains(QStringLiteral("taker")))
-            found.peculiarities.taker =
-                std::make_shared<embedded::Connection>(embedded::companyFile(found.folder));
+            found.peculiarities.taker = std::make_shared<engines::embedded::Connection>(
+                engines::embedded::companyFile(found.folder));
         return found;
     }
     return std::nullopt;
 }
 
 struct Client {
-    std::map<QString, std::shared_ptr<embedded::Connection>> connections;
+    std::map<QString, std::shared_ptr<engines::embedded::Connection>> connections;
     std::map<quint32, std::unique_ptr<PeerCursor>> cursors;
 };
 
@@ -154,10 +154,11 @@ int open(Client& client, char* block, const CallBuffers& buffers) {
         QString::fromLatin1(buffers.data, *buffers.dataLength).section(u'\0', 0, 0);
     if (!database->owner.isEmpty() && owner != database->owner)
         return kWrongOwner;
-    std::shared_ptr<embedded::Connection>& connection = client.connections[database->folder];
+    std::shared_ptr<engines::embedded::Connection>& connection =
+        client.connections[database->folder];
     if (!connection) {
-        connection =
-            std::make_shared<embedded::Connection>(embedded::companyFile(database->folder));
+        connection = std::make_shared<engines::embedded::Connection>(
+            engines::embedded::companyFile(database->folder));
         connection->lockWait = std::chrono::milliseconds(0);
     }
     const QString name = request.table.isEmpty()

@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 #include <stdexcept>
 
-#include "data/client/shop_records.h"
+#include "engines/shops/shop_records.h"
 
 namespace test {
 
@@ -47,7 +47,7 @@ class PeerDatabases {
 /// A company's records over the client library, without SQL.
 class ClientRecordsDatabase : public data::Database {
   public:
-    explicit ClientRecordsDatabase(const data::client::ShopDatabaseSettings& settings)
+    explicit ClientRecordsDatabase(const engines::shops::ShopDatabaseSettings& settings)
         : m_name(settings.name), m_records(settings) {}
 
     QString name() const override { return m_name; }
@@ -67,7 +67,7 @@ class ClientRecordsDatabase : public data::Database {
 
   private:
     QString m_name;
-    data::client::ShopRecords m_records;
+    engines::shops::ShopRecords m_records;
 };
 
 }  // namespace test

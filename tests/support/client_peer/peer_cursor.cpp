@@ -6,7 +6,7 @@
 #include <thread>
 #include <utility>
 
-#include "data/record/windows1252.h"
+#include "data/windows1252.h"
 
 namespace peer {
 
@@ -66,14 +66,15 @@ void doubleWord(QByteArray& bytes, qint64 value) {
 
 }  // namespace
 
-PeerCursor::PeerCursor(std::shared_ptr<embedded::Connection> connection,
-                       embedded::RecordTable& table, Peculiarities peculiarities)
+PeerCursor::PeerCursor(std::shared_ptr<engines::embedded::Connection> connection,
+                       engines::embedded::RecordTable& table, Peculiarities peculiarities)
     : m_connection(std::move(connection)),
       m_table(table),
       m_file(m_connection, table),
       m_peculiarities(std::move(peculiarities)) {
     if (const auto& taker = m_peculiarities.taker)
-        m_taker = std::make_unique<embedded::EmbeddedRecordFile>(taker, taker->table(table.name()));
+        m_taker = std::make_unique<engines::embedded::EmbeddedRecordFile>(
+            taker, taker->table(table.name()));
 }
 
 int PeerCursor::run(int operation, CallBuffers& buffers, int key) {
@@ -179,10 +180,10 @@ int PeerCursor::give(std::optional<StoredRecord> record, int key, CallBuffers& b
 int PeerCursor::seek(int operation, CallBuffers& buffers, int key) {
     if (key < 0 || key >= static_cast<int>(m_table.keys().size()))
         return kInvalidKeyNumber;
-    const embedded::KeyImage& images = m_table.image(key);
+    const engines::embedded::KeyImage& images = m_table.image(key);
     const QByteArray image = images.build(recordOf(buffers.key, key));
     const QByteArray& top = m_table.topImage(key);
-    QByteArray above = embedded::successor(image);
+    QByteArray above = engines::embedded::successor(image);
     if (above.isEmpty())
         above = top;
     const int kind = operation % kLockBiasStep;
@@ -197,8 +198,8 @@ int PeerCursor::seek(int operation, CallBuffers& buffers, int key) {
         high = kind == 10 ? image : above;
     std::optional<StoredRecord> found;
     {
-        embedded::StatementLease rows =
-            m_table.scan({key, embedded::ScanShape::Bounds::Range, backward, false, true, false});
+        engines::embedded::StatementLease rows = m_table.scan(
+            {key, engines::embedded::ScanShape::Bounds::Range, backward, false, true, false});
         rows->bind(1, low);
         rows->bind(2, high);
         rows->bind(3, 1);

@@ -5,7 +5,7 @@
 #include <optional>
 #include <set>
 
-#include "data/embedded/record_file.h"
+#include "engines/embedded/record_file.h"
 
 namespace peer {
 
@@ -26,14 +26,14 @@ struct Peculiarities {
     bool stuck = false;        ///< lose the session when a lock is given back
     bool cut = false;          ///< answer extended reads without their last byte
     /// Another session, which locks what is given back.
-    std::shared_ptr<data::embedded::Connection> taker = {};
+    std::shared_ptr<engines::embedded::Connection> taker = {};
 };
 
 /// One open file: a table of an embedded company, worked on as the record engine's files are.
 class PeerCursor {
   public:
-    PeerCursor(std::shared_ptr<data::embedded::Connection> connection,
-               data::embedded::RecordTable& table, Peculiarities peculiarities);
+    PeerCursor(std::shared_ptr<engines::embedded::Connection> connection,
+               engines::embedded::RecordTable& table, Peculiarities peculiarities);
 
     /// Runs one operation with its lock bias. @return the status.
     int run(int operation, CallBuffers& buffers, int keyNumber);
@@ -58,11 +58,11 @@ class PeerCursor {
     QByteArray keyBytes(const QByteArray& record, int key) const;
     QByteArray recordOf(const char* keyBuffer, int key) const;
 
-    std::shared_ptr<data::embedded::Connection> m_connection;
-    data::embedded::RecordTable& m_table;
-    mutable data::embedded::EmbeddedRecordFile m_file;
+    std::shared_ptr<engines::embedded::Connection> m_connection;
+    engines::embedded::RecordTable& m_table;
+    mutable engines::embedded::EmbeddedRecordFile m_file;
     Peculiarities m_peculiarities;
-    std::unique_ptr<data::embedded::EmbeddedRecordFile> m_taker;
+    std::unique_ptr<engines::embedded::EmbeddedRecordFile> m_taker;
     std::optional<data::StoredRecord> m_current;
     int m_currentKey = -1;
     std::optional<data::RecordId> m_physical;

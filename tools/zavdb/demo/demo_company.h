@@ -3,7 +3,7 @@
 #include <QString>
 #include <functional>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 /// The data of an invented Finnish retail and wholesale company: what `zavdb demo` fills a new
 /// database with. Everything follows from the options alone; no clock, locale or platform is asked.

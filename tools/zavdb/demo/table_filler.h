@@ -8,7 +8,7 @@
 #include <memory>
 #include <unordered_map>
 
-#include "data/engine.h"
+#include "data/engine/engine.h"
 
 namespace tools::demo {
 

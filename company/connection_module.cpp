@@ -1,0 +1,201 @@
+#include "company/connection_module.h"
+
+#include <QDebug>
+#include <QFileInfo>
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+#include "company/aliases.h"
+#include "company/company.h"
+#include "engines/embedded/embedded_database.h"
+#include "engines/shops/odbc_connection.h"
+#include "engines/shops/shop_database.h"
+#include "platform/command_line.h"
+#include "platform/text_order.h"
+
+namespace company {
+
+namespace {
+
+std::unique_ptr<TZavDbConnectionModule>& module() {
+    static std::unique_ptr<TZavDbConnectionModule> instance;
+    return instance;
+}
+
+TZavDbConnectionModule::Notice& processNotice() {
+    static TZavDbConnectionModule::Notice notice;
+    return notice;
+}
+
+data::DataError noConnection(const QString& dataSource, const QString& detail,
+                             const QString& finnish) {
+    return data::DataError(data::ErrorKind::NoConnection, dataSource, detail).inFinnish(finnish);
+}
+
+std::chrono::milliseconds secondsOf(const QString& setting, std::chrono::milliseconds usual) {
+    constexpr double kMillisecondsPerSecond = 1000;
+    bool ok = false;
+    const double seconds = company::engineSetting(setting).toDouble(&ok);
+    if (!ok || seconds <= 0)
+        return usual;
+    return std::chrono::milliseconds(std::llround(seconds * kMillisecondsPerSecond));
+}
+
+engines::shops::ShopDatabaseSettings shopSettings(const Alias& alias) {
+    engines::shops::ShopDatabaseSettings settings;
+    settings.name = alias.name;
+    settings.folder = alias.physicalName;
+    settings.ownerName = alias.ownerName;
+    settings.server = alias.server;
+    settings.clientLibrary = qEnvironmentVariable("TAKSAVAIHE_CLIENT_LIBRARY");
+    if (settings.clientLibrary.isEmpty())
+        settings.clientLibrary = engineSetting(QStringLiteral("ClientLibrary"));
+    settings.dataSource = alias.dataSource;
+    settings.userName = alias.userName;
+    settings.password = alias.password;
+    settings.odbcAttributes = alias.odbcAttributes;
+    settings.connectLimit = secondsOf(QStringLiteral("ConnectSeconds"), settings.connectLimit);
+    settings.statementLimit =
+        secondsOf(QStringLiteral("StatementSeconds"), settings.statementLimit);
+    return settings;
+}
+
+}  // namespace
+
+data::Database& UniConnection::database() const {
+    if (m_database)
+        return *m_database;
+    if (!m_failure)
+        throw noConnection(m_dataSource, QStringLiteral("the connection has not been opened"),
+                           QStringLiteral("yhteyttä ei ole avattu"));
+    throw *m_failure;
+}
+
+TZavDbConnectionModule::TZavDbConnectionModule(Opener opener, Notice notice)
+    : m_opener(std::move(opener)),
+      m_notice(std::move(notice)),
+      m_monitor(platform::hasSwitch(QStringLiteral("/unimonitor"))) {
+    m_owned.push_back(std::make_unique<UniConnection>());
+    m_main = m_owned.front().get();
+    engines::shops::OdbcConnection::setTracing(m_monitor);
+    data::TUniQuery::setDebugOfAll(m_monitor ||
+                                   platform::hasSwitch(QStringLiteral("/uniquerydebug")) ||
+                                   platform::hasSwitchAfterFirst(QStringLiteral("/UNIDACDEBUG")));
+}
+
+TZavDbConnectionModule::~TZavDbConnectionModule() = default;
+
+TZavDbConnectionModule& TZavDbConnectionModule::instance() {
+    if (!module()) {
+        module() = std::make_unique<TZavDbConnectionModule>(openByAlias, processNotice());
+        module()->Yhdista(currentCompany().name, true, false);
+    }
+    return *module();
+}
+
+void TZavDbConnectionModule::setNotice(Notice notice) {
+    processNotice() = std::move(notice);
+}
+
+void TZavDbConnectionModule::shutDown() {
+    module().reset();
+}
+
+void TZavDbConnectionModule::Yhdista(const QString& dataSource, bool connect,
+                                     [[maybe_unused]] bool serverCheck) {
+    if (connect)
+        AlustaUnidacConnection(*m_main, dataSource);
+}
+
+UniConnection& TZavDbConnectionModule::connection(const QString& dataSource) {
+    if (dataSource.isEmpty())
+        return *m_main;
+    const auto found =
+        std::find_if(m_list.begin(), m_list.end(), [&dataSource](const UniConnection* known) {
+            return platform::sameIgnoringAsciiCase(known->dataSource(), dataSource);
+        });
+    return found != m_list.end() ? **found : LuoYhteys(dataSource);
+}
+
+UniConnection& TZavDbConnectionModule::LuoYhteys(const QString& dataSource) {
+    m_owned.push_back(std::make_unique<UniConnection>());
+    UniConnection& created = *m_owned.back();
+    AlustaUnidacConnection(created, dataSource);
+    return created;
+}
+
+void TZavDbConnectionModule::AlustaUnidacConnection(UniConnection& connection,
+                                                    const QString& dataSource) {
+    const std::shared_ptr<void> notice =
+        m_notice ? m_notice(QStringLiteral("Alustan kantayhteyttä ") + dataSource) : nullptr;
+    if (!platform::sameIgnoringAsciiCase(connection.m_dataSource, dataSource))
+        connection.m_database.reset();
+    connection.m_dataSource = dataSource;
+    if (connection.m_provider.isEmpty())
+        connection.m_provider = QStringLiteral("ODBC");
+
+    for (int attempt = 1; attempt <= kConnectAttempts && !connection.connected(); ++attempt) {
+        try {
+            connection.m_database = m_opener(dataSource);
+            connection.m_failure.reset();
+        } catch (const data::DataError& error) {
+            connection.m_failure = std::make_unique<data::DataError>(error);
+        }
+        if (m_monitor)
+            qDebug().noquote() << "connect" << dataSource << "attempt" << attempt
+                               << (connection.connected() ? QStringLiteral("connected")
+                                                          : connection.m_failure->english());
+    }
+    if (std::find(m_list.begin(), m_list.end(), &connection) == m_list.end())
+        m_list.push_back(&connection);
+}
+
+std::unique_ptr<data::TUniQuery> TZavDbConnectionModule::LuoUniQuery(const QString& dataSource,
+                                                                     bool debug) {
+    auto query = std::make_unique<data::TUniQuery>(&connection(dataSource).database());
+    query->setDebug(debug);
+    return query;
+}
+
+std::unique_ptr<data::TUniScript> TZavDbConnectionModule::LuoUniScript(const QString& dataSource) {
+    return std::make_unique<data::TUniScript>(&connection(dataSource).database());
+}
+
+std::unique_ptr<data::Database> TZavDbConnectionModule::openByAlias(const QString& dataSource) {
+    const std::optional<Alias> alias = findAlias(dataSource);
+    if (!alias)
+        throw noConnection(dataSource, QStringLiteral("no company of this name is registered"),
+                           QStringLiteral("sen nimistä yritystä ei ole luettelossa"));
+    const QString& folder = alias->physicalName;
+    if (!folder.isEmpty() && !QFileInfo(folder).isDir())
+        throw noConnection(dataSource, QStringLiteral("folder \"%1\" does not exist").arg(folder),
+                           QStringLiteral("kansiota \"%1\" ei ole").arg(folder));
+    // Without a folder it is one that the shops' engine knows by its name.
+    if (!folder.isEmpty() && engines::hasEmbeddedDatabase(folder))
+        return engines::openEmbedded(alias->name, folder);
+    return engines::shops::openShopDatabase(shopSettings(*alias));
+}
+
+data::Database& companyDatabase() {
+    return TZavDbConnectionModule::instance().connection(currentCompany().name).database();
+}
+
+void openCompanyTable(data::TtbTable& table, const QString& tableName) {
+    openCompanyTable(table, tableName, companyDatabase());
+}
+
+void openCompanyTable(data::TtbTable& table, const QString& tableName, data::Database& database) {
+    const QString& owner = currentCompany().ownerName;
+    const bool named = tableName.contains(QStringLiteral(";OWNER:"), Qt::CaseInsensitive);
+    if (table.isOpen())
+        table.close();
+    table.setDatabase(&database);
+    table.setDatabaseName(data::kDdfDatabase);
+    table.setTableName(owner.isEmpty() || named ? tableName
+                                                : tableName + QStringLiteral(";OWNER:") + owner);
+    table.open();
+}
+
+}  // namespace company

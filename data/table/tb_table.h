@@ -1,0 +1,280 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <chrono>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "data/engine/engine.h"
+
+namespace data {
+
+class TtbTable;
+class Filter;
+class RecordView;
+
+/// The database name under which every table of the program is opened.
+inline const QString kDdfDatabase = QStringLiteral("ddf");
+
+/// One field of an open record table (or query): name, kind and the accessors. Belongs to its table
+/// and lives until that is closed. Reading needs a current record, writing needs edit or insert
+/// mode.
+class TField {
+  public:
+    const QString& fieldName() const { return m_name; }
+    Kind kind() const { return m_kind; }
+    int size() const { return m_size; }  ///< characters of a string, bytes otherwise
+    bool isCalculated() const { return m_calculate != nullptr; }
+
+    /// 0 for an empty field; a float is truncated, a text is read as a number (0 when it is none)
+    qint64 asInteger() const;
+    double asFloat() const;
+    QString asString() const;  ///< as valueToText, without the display format
+    bool asBoolean() const;
+    QDate asDate() const;  ///< invalid when empty
+    Value value() const;
+    /// What a window shows: the display format applied to numbers ("#0.00" and the like, decimal
+    /// separator of the user's locale), dates dd.mm.yyyy, booleans as the display values.
+    QString displayText() const;
+    /// The same for a record's bytes that are not the table's current ones; no calculated fields.
+    QString displayText(const QByteArray& record) const;
+
+    void setInteger(qint64 value);
+    void setFloat(double value);
+    void setString(const QString& value);
+    void setBoolean(bool value);
+    void setDate(const QDate& value);
+    void setValue(const Value& value);  ///< @throws DataError(BadValue) naming table, field, value
+
+    void setDisplayFormat(const QString& format) { m_displayFormat = format; }
+    const QString& displayFormat() const { return m_displayFormat; }
+    /// Texts of true and false, separated by a semicolon ("K;E").
+    void setDisplayValues(const QString& values) { m_displayValues = values; }
+    const QString& displayValues() const { return m_displayValues; }
+
+  private:
+    friend class TtbTable;
+    const uchar* record() const;  // the bytes that accessors read
+    QString shownText(const Value& shown) const;
+    uchar* editedRecord();
+
+    TtbTable* m_table = nullptr;
+    TFieldCacheItem m_item;  // the layout's, or what a calculated field amounts to
+    QString m_name;
+    Kind m_kind = Kind::String;
+    int m_size = 0;
+    QString m_displayFormat;
+    QString m_displayValues;
+    std::function<Value(const TtbTable&)> m_calculate;
+};
+
+/// A persistent field: declared before open, so that only the listed fields exist, in this order,
+/// with their display formats. `calculate` makes it a calculated field of the given kind.
+struct FieldDeclaration {
+    QString name;
+    QString displayFormat = {};
+    Kind calculatedKind = Kind::String;
+    int calculatedSize = 0;
+    std::function<Value(const TtbTable&)> calculate = {};
+};
+
+enum class TableState { Closed, Browse, Edit, Insert };
+
+/// A bookmark: the place of a record. Valid while the record exists, also after refresh and in
+/// another TtbTable on the same table.
+struct Bookmark {
+    RecordId id = 0;
+    QByteArray record;  ///< bytes when taken: its key value gives the place if the record is gone
+    bool isValid() const { return id != 0; }
+};
+
+/// A navigational dataset over one table: keyed search, ranges, filters, edit and post.
+///
+/// After every navigation call exactly one of these holds: a record is current (eof() and bof() say
+/// whether the last step ran into an end), or the view is empty and both eof() and bof() are true.
+/// The current record is a copy, and so are the records that a walk has read ahead: what others
+/// (SQL statements of this program included) change in them is seen after refresh() or edit(). The
+/// table's own writes are always seen.
+/// Nothing stays open in the engine between calls, so writes during a walk are safe: a record
+/// posted under a new key value is met again if its new place lies ahead.
+///
+/// All failures throw DataError; a failed call leaves the current record and state as they were.
+/// While a record is edited or inserted, navigation is refused (DataError(Engine)): post or cancel
+/// first.
+class TtbTable {
+  public:
+    TtbTable();
+    ~TtbTable();
+    TtbTable(const TtbTable&) = delete;
+    TtbTable& operator=(const TtbTable&) = delete;
+
+    // --- what to open: set while closed
+    void setDatabase(Database* database);
+    void setDatabaseName(const QString& name) { m_databaseName = name; }
+    const QString& databaseName() const { return m_databaseName; }
+    /// May carry ";OWNER:name", which engines without owner names ignore.
+    void setTableName(const QString& name);
+    const QString& tableName() const { return m_tableName; }
+    void setFieldDeclarations(std::vector<FieldDeclaration> declarations);
+
+    /// Opens on the current index (default "0") and stands on its first record.
+    void open();
+    void close();
+    bool isOpen() const { return m_state != TableState::Closed; }
+    TableState state() const { return m_state; }
+
+    // --- keys
+    /// Selects the index by number-as-text; the current record stays current, a range is cancelled.
+    /// @throws DataError(NoSuchField) when the table has no such index.
+    void setIndexName(const QString& number);
+    const QString& indexName() const { return m_indexName; }
+    QStringList indexNames() const;   ///< "0", "1", ...
+    QStringList indexFields() const;  ///< of the current index
+    QStringList indexFields(const QString& number) const;
+
+    /// Exact search on the leading key fields, within the range and filter. @return false, with the
+    /// current record unchanged, when there is none.
+    bool findKey(const KeyValues& values);
+    /// First record whose leading key fields are >= values; at eof on the last record when there is
+    /// none. @return whether a record with exactly these values was found.
+    bool findNearest(const KeyValues& values);
+    /// set key + go to nearest, field by field: setKey() clears the search values, setKeyField sets
+    /// one field of the current index by name, gotoNearest() positions.
+    void setKey();
+    void setKeyField(const QString& field, const Value& value);
+    void gotoNearest();
+
+    /// Restricts to low <= leading key fields <= high (both inclusive) on the current index and
+    /// goes to the first record. Holds until cancelRange(), also across edits and posts.
+    void setRange(const KeyValues& low, const KeyValues& high);
+    void cancelRange();  ///< the current record stays current
+    bool hasRange() const;
+
+    // --- walking
+    // first() and last() leave eof() and bof() false when there is a record, so that a walk of
+    // `while (!eof())` or `while (!bof())` meets every record from either end.
+    void first();
+    void last();
+    void next();
+    void prior();
+    /// Moves by a number of records; @return how many it moved (less at an end).
+    int moveBy(int count);
+    bool eof() const { return m_eof; }
+    bool bof() const { return m_bof; }
+    bool isEmpty() const { return !m_current.has_value(); }
+    /// Records of the table (without range and filter).
+    qint64 recordCount() const;
+
+    // --- fields
+    TField& fieldByName(const QString& name);  ///< case ignored; @throws DataError(NoSuchField)
+    const TField& fieldByName(const QString& name) const;
+    TField* findField(const QString& name);  ///< nullptr instead of an error
+    const TField* findField(const QString& name) const;
+    const std::vector<std::unique_ptr<TField>>& fields() const { return m_fields; }
+    const RecordLayout& layout() const;
+    const std::vector<KeyDef>& keys() const;
+
+    // --- changing
+    /// How long edit() waits for somebody else's lock; default 2000 ms.
+    void setLockWait(std::chrono::milliseconds wait) { m_lockWait = wait; }
+    /// Locks and rereads the current record. @throws DataError(Locked) after the wait, Gone when
+    /// the record was deleted. In edit mode already: does nothing.
+    void edit();
+    /// As edit(), but a record that somebody else holds is an answer, not an error.
+    bool tryEdit(std::chrono::milliseconds wait);
+    void insert();  ///< starts an empty record
+    void append() { insert(); }
+    /// Writes at once, releases the lock, returns to browsing; the record stays current. On failure
+    /// the table stays in edit mode: post again or cancel().
+    void post();
+    void cancel();  ///< back to browsing; the record as stored
+    /// Inserts and posts one record from values in field order (invalid: left empty).
+    void insertRecord(const std::vector<Value>& values);
+    /// Deletes the current record; the next one (at the end: the previous) becomes current.
+    void deleteRecord();
+
+    // --- refresh, bookmarks, controls
+    /// Rereads the current record; when it is gone the nearest following one becomes current.
+    void refresh();
+    Bookmark bookmark() const;
+    /// @return false, with the current record unchanged, when that record is gone or outside the
+    /// view.
+    bool gotoBookmark(const Bookmark& mark);
+    void disableControls() { ++m_controlsDisabled; }
+    void enableControls();
+    bool controlsDisabled() const { return m_controlsDisabled > 0; }
+    /// Called after every change of the current record or its data while controls are enabled.
+    void setOnChange(std::function<void()> handler) { m_onChange = std::move(handler); }
+
+    // --- filter
+    /// A filter expression (data/record/filter.h). Takes effect while filtered() is on.
+    /// @throws DataError(Syntax) showing the place; the earlier filter stays.
+    void setFilter(const QString& expression);
+    const QString& filter() const { return m_filterText; }
+    void setFiltered(bool on);
+    bool filtered() const { return m_filtered; }
+    /// A record filter beside the expression: called with the table standing on the candidate.
+    void setOnFilterRecord(std::function<bool(const TtbTable&)> accept);
+    bool hasFilterRecord() const { return static_cast<bool>(m_onFilterRecord); }
+
+    /// The current record's bytes and address, for callers that compare records.
+    const QByteArray& recordBytes() const;
+    RecordId recordId() const;
+    RecordFile& file();
+
+  private:
+    friend class TField;
+    class Candidate;
+    void requireOpen() const;
+    void requireBrowsing() const;
+    void requireRecord() const;
+    void requireEditing() const;
+    [[noreturn]] void refuse(const QString& why) const;
+    const KeyDef* findIndex(const QString& number) const;
+    const KeyDef& currentIndex() const;
+    KeyValues fitted(const KeyValues& values, bool* cut = nullptr) const;
+    void buildFields();
+    const QByteArray& readBytes() const;
+    bool accepts(const StoredRecord& record);
+    void updateAcceptance();
+    void changeView(bool keep, const std::function<void(bool undo)>& change);
+    void place(std::optional<StoredRecord> record, bool atEof, bool atBof);
+    bool step(Direction direction);
+    bool beginEdit(std::chrono::milliseconds wait);
+    void releaseLock() noexcept;
+    void changed();
+
+    Database* m_database = nullptr;
+    QString m_databaseName = kDdfDatabase;
+    QString m_tableName;
+    QString m_indexName = QStringLiteral("0");
+    std::vector<FieldDeclaration> m_declarations;
+    std::unique_ptr<RecordFile> m_file;
+    std::unique_ptr<RecordView> m_view;
+    std::vector<std::unique_ptr<TField>> m_fields;
+    QHash<QString, TField*> m_byName;  // folded name
+    TableState m_state = TableState::Closed;
+    std::optional<StoredRecord> m_current;
+    QByteArray m_buffer;                        // the record while editing or inserting
+    const StoredRecord* m_candidate = nullptr;  // the record that a record filter looks at
+    bool m_eof = true;
+    bool m_bof = true;
+    std::optional<RecordId> m_locked;
+    std::map<int, Value> m_searchKey;  // by segment of the current index
+    std::chrono::milliseconds m_lockWait{2000};
+    QString m_filterText;
+    std::unique_ptr<Filter> m_filter;
+    bool m_filtered = false;
+    std::function<bool(const TtbTable&)> m_onFilterRecord;
+    int m_controlsDisabled = 0;
+    bool m_changePending = false;
+    std::function<void()> m_onChange;
+};
+
+}  // namespace data

@@ -1,0 +1,153 @@
+#include <utility>
+
+#include "data/record/filter.h"
+#include "data/table/record_view.h"
+#include "data/table/tb_table.h"
+
+// What a record table shows: filters, refresh, bookmarks.
+
+namespace data {
+
+// While it lives the table stands on a candidate, for a record filter.
+class TtbTable::Candidate {
+  public:
+    Candidate(TtbTable& table, const StoredRecord& record)
+        : m_table(table), m_before(table.m_candidate) {
+        m_table.m_candidate = &record;
+    }
+    ~Candidate() { m_table.m_candidate = m_before; }
+    Candidate(const Candidate&) = delete;
+    Candidate& operator=(const Candidate&) = delete;
+
+  private:
+    TtbTable& m_table;
+    const StoredRecord* m_before;
+};
+
+// Carries out a change of what the view shows and finds the current record's place in it: the
+// record itself (with `keep` in any case), else the following one, else the one before.
+// `change(true)` takes it back.
+void TtbTable::changeView(bool keep, const std::function<void(bool)>& change) {
+    const bool browsing = m_state == TableState::Browse;
+    try {
+        change(false);
+        if (!browsing || (m_current && (keep || m_view->contains(*m_current))))
+            return;
+        std::optional<StoredRecord> found =
+            m_current ? m_view->step(*m_current, Direction::Forward) : m_view->first();
+        const bool atEof = !found;
+        if (!found && m_current)
+            found = m_view->last();
+        place(std::move(found), atEof, false);
+    } catch (...) {
+        change(true);
+        throw;
+    }
+}
+
+bool TtbTable::accepts(const StoredRecord& record) {
+    if (m_filter && !m_filter->accepts(record.bytes))
+        return false;
+    if (!m_onFilterRecord)
+        return true;
+    const Candidate standOn(*this, record);
+    return m_onFilterRecord(*this);
+}
+
+void TtbTable::updateAcceptance() {
+    if (m_filtered && (m_filter || m_onFilterRecord))
+        m_view->setAccept([this](const StoredRecord& record) { return accepts(record); });
+    else
+        m_view->setAccept({});
+}
+
+void TtbTable::setFilter(const QString& expression) {
+    if (!isOpen()) {
+        m_filterText = expression;
+        return;
+    }
+    if (m_filtered)
+        requireBrowsing();
+    std::unique_ptr<Filter> other;
+    if (!expression.trimmed().isEmpty())
+        other = std::make_unique<Filter>(expression, m_file->layout());
+    changeView(false, [&](bool) {
+        std::swap(m_filter, other);
+        updateAcceptance();
+    });
+    m_filterText = expression;
+}
+
+void TtbTable::setFiltered(bool on) {
+    if (!isOpen()) {
+        m_filtered = on;
+        return;
+    }
+    requireBrowsing();
+    bool other = on;
+    changeView(false, [&](bool) {
+        std::swap(m_filtered, other);
+        updateAcceptance();
+    });
+}
+
+void TtbTable::setOnFilterRecord(std::function<bool(const TtbTable&)> accept) {
+    if (!isOpen()) {
+        m_onFilterRecord = std::move(accept);
+        return;
+    }
+    if (m_filtered)
+        requireBrowsing();
+    changeView(false, [&](bool) {
+        std::swap(m_onFilterRecord, accept);
+        updateAcceptance();
+    });
+}
+
+void TtbTable::refresh() {
+    requireBrowsing();
+    m_view->forget();
+    if (!m_current) {
+        first();
+        return;
+    }
+    std::optional<StoredRecord> found = m_file->get(m_current->id);
+    if (found && m_view->contains(*found)) {
+        place(std::move(found), m_eof, m_bof);
+        return;
+    }
+    found = m_view->step(*m_current, Direction::Forward);
+    const bool atEof = !found;
+    if (!found)
+        found = m_view->last();
+    place(std::move(found), atEof, false);
+}
+
+Bookmark TtbTable::bookmark() const {
+    requireOpen();
+    return m_current ? Bookmark{m_current->id, m_current->bytes} : Bookmark{};
+}
+
+bool TtbTable::gotoBookmark(const Bookmark& mark) {
+    requireBrowsing();
+    if (!mark.isValid())
+        return false;
+    std::optional<StoredRecord> found = m_file->get(mark.id);
+    if (!found || !m_view->contains(*found))
+        return false;
+    place(std::move(found), false, false);
+    return true;
+}
+
+void TtbTable::enableControls() {
+    if (m_controlsDisabled > 0 && --m_controlsDisabled == 0 && m_changePending)
+        changed();
+}
+
+void TtbTable::changed() {
+    m_changePending = m_controlsDisabled > 0;
+    if (!m_changePending && m_onChange)
+        m_onChange();
+}
+
+}  // namespace data

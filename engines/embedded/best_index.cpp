@@ -1,0 +1,321 @@
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "engines/embedded/column_codec.h"
+#include "engines/embedded/connection.h"
+#include "engines/embedded/functions.h"
+#include "engines/embedded/virtual_table.h"
+
+namespace engines::embedded {
+
+namespace {
+
+// Costs of a row: of reading an index entry, of reading a record in stored order, and of going
+// from an index entry to its record.
+constexpr double kSeekCost = 5;
+constexpr double kImageCost = 0.5;
+constexpr double kLongImage = 100;  // bytes that make an entry cost twice as much
+constexpr double kRecordCost = 2;
+constexpr double kLookupCost = 3;
+
+// A share of reading the table for an index that serves many searches.
+constexpr double kFieldCost = 0.1;
+
+// How many records share the values of a key's leading fields is not counted, but estimated.
+constexpr double kRowsOfWholeKey = 10;
+
+struct Candidate {
+    ScanPlan plan;
+    std::vector<int> arguments;  // constraints, in the order of the scan's arguments
+    double rows = 0;
+    double cost = 0;
+    bool unique = false;
+    bool ordered = false;
+};
+
+class Planner {
+  public:
+    Planner(RecordTable& table, sqlite3_index_info* info)
+        : m_table(table),
+          m_info(info),
+          m_records(std::max<double>(1, static_cast<double>(table.estimatedCount()))) {}
+
+    int choose();
+
+  private:
+    int findConstraint(const SegmentImage& segment, bool equality, bool upper) const;
+    bool collationFits(int constraint, const SegmentImage& segment, bool equality) const;
+    Candidate byKey(int key) const;
+    Candidate byId() const;
+    bool oneId(Candidate& candidate) const;
+    bool byField(Candidate& candidate) const;
+    bool keyHoldsColumns(int key) const;
+    bool orders(int key, int equalCount, bool& backward) const;
+    void apply(const Candidate& candidate);
+
+    RecordTable& m_table;
+    sqlite3_index_info* m_info;
+    double m_records;
+};
+
+bool isWholeNumber(const TFieldCacheItem& field) {
+    const Kind kind = field.kind();
+    return kind == Kind::SmallInt || kind == Kind::Integer || kind == Kind::Unsigned ||
+           kind == Kind::LargeInt;
+}
+
+bool isEquality(unsigned char op) {
+    return op == SQLITE_INDEX_CONSTRAINT_EQ;
+}
+
+bool isUpper(unsigned char op) {
+    return op == SQLITE_INDEX_CONSTRAINT_LT || op == SQLITE_INDEX_CONSTRAINT_LE;
+}
+
+bool isLower(unsigned char op) {
+    return op == SQLITE_INDEX_CONSTRAINT_GT || op == SQLITE_INDEX_CONSTRAINT_GE;
+}
+
+bool Planner::collationFits(int constraint, const SegmentImage& segment, bool equality) const {
+    if (segment.form != ImageForm::Text && segment.form != ImageForm::FoldedText &&
+        segment.form != ImageForm::Date)
+        return true;
+    const char* collation = sqlite3_vtab_collation(m_info, constraint);
+    const TFieldCacheItem& field = m_table.layout().field(segment.fieldIndex);
+    const char* own = columnCollation(m_table.name(), field);
+    if (segment.form == ImageForm::FoldedText)  // finds too much, which SQLite sorts out
+        return equality && (sqlite3_stricmp(collation, own) == 0 ||
+                            sqlite3_stricmp(collation, kNameCollation) == 0 ||
+                            sqlite3_stricmp(collation, "BINARY") == 0);
+    if (sqlite3_stricmp(own, kNameCollation) == 0)
+        return false;  // a key by exact name does not find names that differ in case
+    return sqlite3_stricmp(collation, own) == 0;
+}
+
+int Planner::findConstraint(const SegmentImage& segment, bool equality, bool upper) const {
+    for (int i = 0; i < m_info->nConstraint; ++i) {
+        const auto& constraint = m_info->aConstraint[i];
+        if (constraint.usable == 0 || constraint.iColumn != segment.fieldIndex)
+            continue;
+        const bool wanted = equality ? isEquality(constraint.op)
+                            : upper  ? isUpper(constraint.op)
+                                     : isLower(constraint.op);
+        if (wanted && collationFits(i, segment, equality))
+            return i;
+    }
+    return -1;
+}
+
+bool Planner::keyHoldsColumns(int key) const {
+    const KeyImage& image = m_table.image(key);
+    sqlite3_uint64 held = 0;
+    for (size_t i = 0; i < image.segments().size(); ++i) {
+        const int field = image.segments()[i].fieldIndex;
+        if (field < 63 && image.isReversible(static_cast<int>(i)))
+            held |= sqlite3_uint64{1} << field;
+    }
+    return (m_info->colUsed & ~held) == 0;
+}
+
+// Whether the scan of a key gives the order asked for; fields that are compared for equality may
+// be left out of it.
+bool Planner::orders(int key, int equalCount, bool& backward) const {
+    const auto& segments = m_table.image(key).segments();
+    if (m_info->nOrderBy == 0)
+        return false;
+    size_t segment = 0;
+    for (int term = 0; term < m_info->nOrderBy; ++term) {
+        const auto& order = m_info->aOrderBy[term];
+        while (segment < segments.size() && segments[segment].fieldIndex != order.iColumn &&
+               static_cast<int>(segment) < equalCount)
+            ++segment;
+        if (segment == segments.size() || segments[segment].fieldIndex != order.iColumn)
+            return false;
+        const SegmentImage& image = segments[segment];
+        const char* own = columnCollation(m_table.name(), m_table.layout().field(image.fieldIndex));
+        const bool sameOrder = image.form == ImageForm::Integer ||
+                               image.form == ImageForm::Unsigned ||
+                               image.form == ImageForm::Boolean || image.form == ImageForm::Date ||
+                               (image.form == ImageForm::Text && own == kTextCollation);
+        if (!sameOrder)
+            return false;
+        const bool down = (order.desc != 0) != image.descending;
+        if (term > 0 && down != backward)
+            return false;
+        backward = down;
+        ++segment;
+    }
+    return true;
+}
+
+Candidate Planner::byKey(int key) const {
+    Candidate candidate;
+    candidate.plan.key = key;
+    const auto& segments = m_table.image(key).segments();
+    const size_t count = segments.size();
+    size_t equal = 0;
+    for (; equal < count; ++equal) {
+        const int constraint = findConstraint(segments[equal], true, false);
+        if (constraint < 0)
+            break;
+        candidate.arguments.push_back(constraint);
+    }
+    candidate.plan.equalCount = static_cast<int>(equal);
+    if (equal < count) {
+        const int low = findConstraint(segments[equal], false, false);
+        const int high = findConstraint(segments[equal], false, true);
+        if (low >= 0) {
+            candidate.arguments.push_back(low);
+            candidate.plan.low = m_info->aConstraint[low].op == SQLITE_INDEX_CONSTRAINT_GE ? 2 : 1;
+        }
+        if (high >= 0) {
+            candidate.arguments.push_back(high);
+            candidate.plan.high =
+                m_info->aConstraint[high].op == SQLITE_INDEX_CONSTRAINT_LE ? 2 : 1;
+        }
+    }
+    candidate.unique = equal == count && m_table.keys()[static_cast<size_t>(key)].unique;
+    candidate.rows = m_records;
+    if (candidate.unique)
+        candidate.rows = 1;
+    else if (equal == count)
+        candidate.rows = std::min(m_records, kRowsOfWholeKey);
+    else if (equal > 0)
+        candidate.rows =
+            std::pow(m_records, static_cast<double>(count - equal) / static_cast<double>(count));
+    if (candidate.plan.low != 0)
+        candidate.rows /= 4;
+    if (candidate.plan.high != 0)
+        candidate.rows /= 4;
+    candidate.rows = std::max(1.0, candidate.rows);
+    candidate.plan.imageOnly = keyHoldsColumns(key);
+    candidate.ordered = orders(key, candidate.plan.equalCount, candidate.plan.backward);
+    if (!candidate.ordered)
+        candidate.plan.backward = false;
+    const bool seeks = !candidate.arguments.empty();
+    const double imageCost = kImageCost * (1 + m_table.image(key).length() / kLongImage);
+    candidate.cost = (seeks ? kSeekCost : 0) +
+                     candidate.rows * (candidate.plan.imageOnly ? imageCost : kLookupCost);
+    return candidate;
+}
+
+Candidate Planner::byId() const {
+    Candidate candidate;
+    candidate.rows = m_records;
+    candidate.cost = m_records * kRecordCost;
+    return candidate;
+}
+
+bool Planner::oneId(Candidate& candidate) const {
+    for (int i = 0; i < m_info->nConstraint; ++i) {
+        const auto& constraint = m_info->aConstraint[i];
+        if (constraint.usable == 0 || constraint.iColumn != -1 || !isEquality(constraint.op))
+            continue;
+        candidate.plan.key = ScanPlan::kOneId;
+        candidate.arguments = {i};
+        candidate.rows = 1;
+        candidate.cost = kSeekCost;
+        candidate.unique = true;
+        return true;
+    }
+    return false;
+}
+
+// A whole-number field without a key, compared with something that changes from row to row of an
+// outer loop.
+bool Planner::byField(Candidate& candidate) const {
+    for (int i = 0; i < m_info->nConstraint; ++i) {
+        const auto& constraint = m_info->aConstraint[i];
+        sqlite3_value* constant = nullptr;
+        if (constraint.usable == 0 || constraint.iColumn < 0 || !isEquality(constraint.op) ||
+            !isWholeNumber(m_table.layout().field(constraint.iColumn)) ||
+            sqlite3_vtab_rhs_value(m_info, i, &constant) == SQLITE_OK)
+            continue;
+        candidate = {};
+        candidate.plan.key = ScanPlan::kByField;
+        candidate.plan.field = constraint.iColumn;
+        candidate.arguments = {i};
+        candidate.rows = std::min(m_records, kRowsOfWholeKey);
+        candidate.cost = kSeekCost + candidate.rows * kLookupCost + m_records * kFieldCost;
+        return true;
+    }
+    return false;
+}
+
+void Planner::apply(const Candidate& candidate) {
+    // Whole numbers are found exactly as long as every segment before them was a whole number too;
+    // SQLite looks at all others again.
+    bool exact = true;
+    int argument = 0;
+    for (const int constraint : candidate.arguments) {
+        auto& usage = m_info->aConstraintUsage[constraint];
+        usage.argvIndex = ++argument;
+        const int column = m_info->aConstraint[constraint].iColumn;
+        if (column < 0)
+            continue;
+        const TFieldCacheItem& field = m_table.layout().field(column);
+        exact = exact && candidate.plan.key != ScanPlan::kByField &&
+                (isWholeNumber(field) || field.kind() == Kind::Boolean) && field.storedLength < 8;
+        usage.omit = exact ? 1 : 0;
+    }
+    m_info->idxNum = candidate.plan.packed();
+    m_info->orderByConsumed = candidate.ordered ? 1 : 0;
+    m_info->estimatedCost = candidate.cost;
+    m_info->estimatedRows = std::max<sqlite3_int64>(1, static_cast<sqlite3_int64>(candidate.rows));
+    m_info->idxFlags = candidate.unique ? SQLITE_INDEX_SCAN_UNIQUE : 0;
+}
+
+int Planner::choose() {
+    Candidate best = byId();
+    if (!oneId(best)) {
+        // What sorting the rows costs besides, which a plan that gives the order saves.
+        const auto total = [this](const Candidate& c) {
+            const bool sorts = m_info->nOrderBy > 0 && !c.ordered;
+            return c.cost + (sorts ? c.rows * std::log2(c.rows + 1) * 0.5 : 0);
+        };
+        for (int key = 0; key < static_cast<int>(m_table.keys().size()); ++key) {
+            const Candidate candidate = byKey(key);
+            const bool useful =
+                !candidate.arguments.empty() || candidate.ordered || candidate.plan.imageOnly;
+            if (useful && total(candidate) < total(best))
+                best = candidate;
+        }
+        Candidate candidate;
+        if (byField(candidate) && total(candidate) < total(best))
+            best = candidate;
+    }
+    apply(best);
+    return SQLITE_OK;
+}
+
+}  // namespace
+
+int ScanPlan::packed() const {
+    if (key == kByField)
+        return field << 8;
+    return (key + 3) | equalCount << 8 | low << 16 | high << 18 | int{backward} << 20 |
+           int{imageOnly} << 21;
+}
+
+ScanPlan ScanPlan::unpacked(int number) {
+    ScanPlan plan;
+    plan.key = (number & 0xFF) - 3;
+    if (plan.key == kByField) {
+        plan.field = number >> 8;
+        return plan;
+    }
+    plan.equalCount = number >> 8 & 0xFF;
+    plan.low = number >> 16 & 3;
+    plan.high = number >> 18 & 3;
+    plan.backward = (number >> 20 & 1) != 0;
+    plan.imageOnly = (number >> 21 & 1) != 0;
+    return plan;
+}
+
+int bestIndex(RecordTable& table, sqlite3_index_info* info) {
+    return Planner(table, info).choose();
+}
+
+}  // namespace engines::embedded

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <QByteArray>
+#include <QString>
+#include <vector>
+
+#include "data/catalogue/catalogue.h"
+#include "engines/data_names.h"
+
+namespace engines::embedded {
+
+/// Name of the SQLite table that holds the records of a table.
+QString storedName(const QString& tableName);
+
+/// Reads the catalogue of an embedded company.
+/// @throws DataError(Damaged) naming the catalogue table that is missing or cannot be read.
+Catalogue readCatalogue(sqlite3* db);
+
+/// The record of one row of a catalogue table, for a new company: values by field name.
+struct CatalogueRows {
+    std::vector<QByteArray> files;    ///< records of X$File
+    std::vector<QByteArray> fields;   ///< records of X$Field
+    std::vector<QByteArray> indexes;  ///< records of X$Index
+};
+
+/// The rows that describe the tables, numbered in the order given.
+/// @throws DataError(BadValue) when a name or number does not fit its catalogue field.
+CatalogueRows catalogueRows(const std::vector<TableSource>& tables);
+
+}  // namespace engines::embedded

@@ -1,0 +1,204 @@
+#include <QSet>
+#include <algorithm>
+#include <utility>
+
+#include "data/dictionary/tbl_res_reader.h"
+#include "data/record/record_codec.h"
+#include "engines/embedded/company_file.h"
+#include "engines/embedded/connection.h"
+#include "engines/embedded/embedded_database.h"
+#include "engines/embedded/record_table.h"
+
+namespace engines {
+
+namespace embedded {
+
+namespace {
+
+// Of a table that is damaged all over, the first records say enough.
+constexpr int kMaxLinesATable = 100;
+
+class Checker {
+  public:
+    explicit Checker(const QString& file) : m_connection(file) {}
+
+    QStringList run() {
+        try {
+            checkPages();
+        } catch (const DataError& error) {  // too damaged for the engine to say how; go on
+            m_lines.append(QStringLiteral("database file: %1").arg(error.english()));
+        }
+        const QStringList listed = m_connection.catalogue().tableNames();
+        QSet<QString> stored = storedTables(m_connection.db());
+        for (const QString& name : listed) {
+            if (!stored.remove(foldedName(name))) {
+                m_lines.append(
+                    QStringLiteral("%1: listed in the catalogue, but not stored").arg(name));
+                continue;
+            }
+            checkTable(name);
+        }
+        QStringList unlisted(stored.begin(), stored.end());
+        unlisted.sort();
+        for (const QString& name : unlisted)
+            m_lines.append(QStringLiteral("%1: stored, but not listed in the catalogue").arg(name));
+        return m_lines;
+    }
+
+  private:
+    void checkPages() {
+        Statement check(m_connection.db(), "PRAGMA integrity_check");
+        while (check.step()) {
+            if (check.text(0) != QLatin1String("ok"))
+                m_lines.append(QStringLiteral("database file: %1").arg(check.text(0)));
+        }
+    }
+
+    void checkTable(const QString& name) {
+        try {
+            RecordTable& table = m_connection.table(name);
+            compareWithDictionary(table);
+            m_linesOfTable = 0;
+            for (const KeyDef& key : table.keys())
+                checkUnique(table, key);
+            checkRecords(table);
+            if (m_linesOfTable > kMaxLinesATable)
+                m_lines.append(
+                    QStringLiteral("%1: %2 more").arg(name).arg(m_linesOfTable - kMaxLinesATable));
+        } catch (const DataError& error) {
+            m_lines.append(error.english());
+        }
+    }
+
+    void report(const QString& line) {
+        if (++m_linesOfTable <= kMaxLinesATable)
+            m_lines.append(line);
+    }
+
+    void compareWithDictionary(const RecordTable& table) {
+        TTblResBase compiled;
+        if (!TTblResReader::ReadResource(table.name(), compiled))
+            return;
+        const RecordLayout expected(table.name(), compiled.FFields);
+        // A shop's data files may have bytes behind the last field; a copy of theirs keeps them.
+        if (expected.recordLength() > table.layout().recordLength())
+            m_lines.append(QStringLiteral("%1: records of %2 bytes, %3 in the program's dictionary")
+                               .arg(table.name())
+                               .arg(table.layout().recordLength())
+                               .arg(expected.recordLength()));
+        for (const TFieldCacheItem& field : expected.fields()) {
+            const int index = table.layout().indexOf(field.name);
+            if (index < 0) {
+                m_lines.append(QStringLiteral("%1: the catalogue has no field %2")
+                                   .arg(table.name(), field.name));
+                continue;
+            }
+            const TFieldCacheItem& listed = table.layout().field(index);
+            if (listed.offset != field.offset || listed.storedLength != field.storedLength ||
+                listed.storage != field.storage)
+                m_lines.append(
+                    QStringLiteral("%1: field %2 lies elsewhere in the program's dictionary")
+                        .arg(table.name(), field.name));
+        }
+    }
+
+    void checkUnique(const RecordTable& table, const KeyDef& key) {
+        if (!key.unique)
+            return;
+        const QByteArray column = 'k' + QByteArray::number(key.number);
+        Statement doubles(m_connection.db(), "SELECT count(*) FROM (SELECT 1 FROM " +
+                                                 quotedName(storedName(table.name())) +
+                                                 " GROUP BY " + column + " HAVING count(*) > 1)");
+        if (doubles.step() && doubles.integer(0) > 0)
+            report(QStringLiteral("%1: %2 values of key %3 are there more than once")
+                       .arg(table.name())
+                       .arg(doubles.integer(0))
+                       .arg(key.number));
+    }
+
+    void checkRecords(const RecordTable& table) {
+        QByteArray columns = "id, data";
+        for (const KeyDef& key : table.keys())
+            columns += ", k" + QByteArray::number(key.number);
+        Statement rows(
+            m_connection.db(),
+            "SELECT " + columns + " FROM " + quotedName(storedName(table.name())) + " ORDER BY id");
+        while (rows.step()) {
+            const QByteArrayView record = rows.blob(1);
+            if (record.size() != table.layout().recordLength()) {
+                report(QStringLiteral("%1: record %2 has %3 bytes instead of %4")
+                           .arg(table.name())
+                           .arg(rows.integer(0))
+                           .arg(record.size())
+                           .arg(table.layout().recordLength()));
+                continue;
+            }
+            const QByteArray bytes = record.toByteArray();
+            for (const KeyDef& key : table.keys()) {
+                if (rows.blob(2 + key.number) != table.image(key.number).build(bytes))
+                    report(QStringLiteral("%1: record %2 (%3) stands under a wrong value of key %4")
+                               .arg(table.name())
+                               .arg(rows.integer(0))
+                               .arg(table.describe(bytes))
+                               .arg(key.number));
+            }
+            checkFields(table, rows.integer(0), bytes);
+        }
+    }
+
+    void checkFields(const RecordTable& table, RecordId id, const QByteArray& record) {
+        const auto* bytes = reinterpret_cast<const uchar*>(record.constData());
+        for (const TFieldCacheItem& field : table.layout().fields()) {
+            const char* problem = fieldProblem(field, bytes);
+            if (problem != nullptr)
+                report(QStringLiteral("%1: record %2 (%3), field %4: %5")
+                           .arg(table.name())
+                           .arg(id)
+                           .arg(table.describe(record), field.name, QLatin1String(problem)));
+        }
+    }
+
+    static const char* fieldProblem(const TFieldCacheItem& field, const uchar* record) {
+        const uchar* at = record + field.offset;
+        const uchar* end = at + field.storedLength;
+        const auto isZero = [](uchar byte) { return byte == 0; };
+        switch (field.storage) {
+            case Storage::LString:
+                return *at > field.storedLength - 1 ? "text length beyond the field" : nullptr;
+            case Storage::ZString:
+            case Storage::Note:
+                return std::find(at, end, 0) == end ? "text without its end" : nullptr;
+            case Storage::LVar:
+                return at[0] + 256 * at[1] > field.storedLength - 2 ? "length beyond the field"
+                                                                    : nullptr;
+            case Storage::Date:
+                return !readDate(field, record).isValid() && !std::all_of(at, end, isZero)
+                           ? "no calendar date"
+                           : nullptr;
+            case Storage::Time:
+                return !readTime(field, record).isValid() ? "no time of day" : nullptr;
+            default:
+                return nullptr;
+        }
+    }
+
+    Connection m_connection;
+    QStringList m_lines;
+    int m_linesOfTable = 0;
+};
+
+}  // namespace
+
+}  // namespace embedded
+
+QStringList checkEmbedded(const QString& folder) {
+    try {
+        return embedded::Checker(embedded::companyFile(folder)).run();
+    } catch (const DataError& error) {
+        if (error.kind() != ErrorKind::Damaged)
+            throw;
+        return {error.english()};
+    }
+}
+
+}  // namespace engines

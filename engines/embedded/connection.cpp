@@ -1,0 +1,308 @@
+#include "engines/embedded/connection.h"
+
+#include <QFileInfo>
+#include <algorithm>
+#include <utility>
+
+#include "engines/embedded/functions.h"
+#include "engines/embedded/record_table.h"
+#include "engines/embedded/sql_text.h"
+#include "engines/embedded/virtual_table.h"
+
+namespace engines::embedded {
+
+namespace {
+
+// How long the database's own write lock is waited for: another program's largest statement.
+constexpr int kBusyTimeoutMs = 10000;
+constexpr size_t kMaxCachedStatements = 32;
+
+qint64 pragma(sqlite3* db, const QByteArray& name, const QString& fileName) {
+    Statement statement(db, "PRAGMA " + name, fileName);
+    statement.step();
+    return statement.integer(0);
+}
+
+bool isInternalName(const char* name) {
+    return name != nullptr &&
+           (sqlite3_strnicmp(name, "rec_", 4) == 0 || sqlite3_strnicmp(name, "sqlite_", 7) == 0 ||
+            sqlite3_strnicmp(name, "zdb_", 4) == 0);
+}
+
+}  // namespace
+
+Connection::InternalUse::InternalUse(Connection& connection)
+    : m_connection(connection), m_previous(std::exchange(connection.m_checksNames, false)) {}
+
+Connection::InternalUse::~InternalUse() {
+    m_connection.m_checksNames = m_previous;
+}
+
+Connection::Connection(const QString& fileName) : m_fileName(fileName) {
+    if (!QFileInfo::exists(fileName))
+        throw DataError(ErrorKind::NoConnection, fileName, QStringLiteral("no such file"))
+            .inFinnish(QStringLiteral("tiedostoa ei ole"));
+    m_handle = SqliteHandle(fileName, SqliteHandle::Mode::ReadWrite);
+    m_db = m_handle.get();
+    checkFile();
+    m_locks = std::make_unique<RecordLocks>(lockFileName(fileName));
+    configure();
+}
+
+Connection::Connection(sqlite3* host)
+    : m_fileName(QString::fromUtf8(sqlite3_db_filename(host, "main"))), m_db(host) {
+    checkFile();
+    m_locks = std::make_unique<RecordLocks>(lockFileName(m_fileName));
+    registerFunctions(m_db);
+    registerVirtualTables(*this);
+}
+
+Connection::~Connection() {
+    for (const CachedStatement& cached : m_cache)
+        sqlite3_finalize(cached.statement);
+    m_tables.clear();
+}
+
+// Beside the database itself, whichever link it is reached by: programs that come by different
+// paths must meet at one file.
+QString Connection::lockFileName(const QString& fileName) {
+    const QString real = QFileInfo(fileName).canonicalFilePath();
+    return (real.isEmpty() ? fileName : real) + QStringLiteral("-lock");
+}
+
+void Connection::checkFile() {
+    sqlite3* db = m_db;
+    sqlite3_busy_timeout(db, kBusyTimeoutMs);
+    if (pragma(db, "application_id", m_fileName) != kApplicationId)
+        throw DataError(ErrorKind::Damaged, m_fileName,
+                        QStringLiteral("not a company database of this program"))
+            .inFinnish(QStringLiteral("tiedosto ei ole tämän ohjelman yritystietokanta"));
+    const qint64 version = pragma(db, "user_version", m_fileName);
+    if (version > kFormatVersion)
+        throw DataError(ErrorKind::Engine, m_fileName,
+                        QStringLiteral("format version %1 is newer than this program's %2")
+                            .arg(version)
+                            .arg(kFormatVersion))
+            .inFinnish(
+                QStringLiteral("tietokannan muoto %1 on uudempi kuin tämän ohjelman muoto %2")
+                    .arg(version)
+                    .arg(kFormatVersion),
+                QStringLiteral("Ota käyttöön ohjelman uudempi versio."));
+    if (version < 1)
+        throw DataError(ErrorKind::Damaged, m_fileName,
+                        QStringLiteral("unknown format version %1").arg(version))
+            .inFinnish(QStringLiteral("tietokannan muoto %1 on tuntematon").arg(version));
+    if (sqlite3_db_readonly(db, "main") == 1)
+        throw DataError(ErrorKind::ReadOnly, m_fileName, QStringLiteral("the file is read-only"))
+            .inFinnish(QStringLiteral("tiedosto on vain luettavissa"));
+}
+
+void Connection::configure() {
+    sqlite3* db = m_db;
+    // Cache and mapping bound what the process keeps: 32 MB of its own, the file's pages mapped.
+    execute(db,
+            "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;"
+            "PRAGMA wal_autocheckpoint = 4000; PRAGMA journal_size_limit = 67108864;"
+            "PRAGMA cache_size = -32000; PRAGMA mmap_size = 2147418112;"
+            "PRAGMA secure_delete = OFF;",
+            m_fileName);
+    // A file from elsewhere may hold triggers and the like: they get no functions and no tables.
+    sqlite3_db_config(db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    // VACUUM, which asks no leave, works through an attached file.
+    sqlite3_limit(db, SQLITE_LIMIT_ATTACHED, 0);
+    registerFunctions(db);
+    registerVirtualTables(*this);
+    sqlite3_set_authorizer(db, authorize, this);
+}
+
+// The user's SQL reads and writes tables and nothing else: the stored bytes, the schema, settings
+// and transactions are the engine's own.
+int Connection::authorize(void* self, int action, const char* first, const char* second,
+                          const char* /*database*/, const char* /*trigger*/) {
+    auto* connection = static_cast<Connection*>(self);
+    if (!connection->m_checksNames)
+        return SQLITE_OK;
+    connection->m_askedLeave = true;
+    switch (action) {
+        case SQLITE_SELECT:
+        case SQLITE_RECURSIVE:
+            return SQLITE_OK;
+        case SQLITE_READ:
+        case SQLITE_INSERT:
+        case SQLITE_UPDATE:
+        case SQLITE_DELETE:
+            return isInternalName(first) ? SQLITE_DENY : SQLITE_OK;
+        case SQLITE_FUNCTION:
+            return sqlite3_stricmp(second, "load_extension") == 0 ? SQLITE_DENY : SQLITE_OK;
+        default:
+            return SQLITE_DENY;
+    }
+}
+
+const Catalogue& Connection::catalogue() {
+    if (!m_catalogue) {
+        const InternalUse internal(*this);
+        m_catalogue = std::make_unique<Catalogue>(readCatalogue(db()));
+    }
+    return *m_catalogue;
+}
+
+void Connection::forgetCatalogue() {
+    m_tables.clear();
+    m_catalogue.reset();
+}
+
+RecordTable& Connection::table(const QString& name) {
+    const QString folded = foldedName(name);
+    if (const auto known = m_tables.constFind(folded); known != m_tables.constEnd())
+        return **known;
+    const auto opened = std::make_shared<RecordTable>(*this, catalogue().describe(name));
+    m_tables.insert(folded, opened);
+    return *opened;
+}
+
+sqlite3_stmt* Connection::prepare(const QString& sql) {
+    const auto cached = std::find_if(m_cache.begin(), m_cache.end(),
+                                     [&sql](const CachedStatement& c) { return c.sql == sql; });
+    if (cached != m_cache.end()) {
+        sqlite3_stmt* statement = cached->statement;
+        m_cache.erase(cached);
+        return statement;
+    }
+    const QByteArray text = engineText(sql).toUtf8();
+    sqlite3_stmt* statement = nullptr;
+    const char* tail = nullptr;
+    clearFailure();
+    m_checksNames = true;
+    m_askedLeave = false;
+    const int code = sqlite3_prepare_v3(db(), text.constData(), static_cast<int>(text.size()),
+                                        SQLITE_PREPARE_PERSISTENT, &statement, &tail);
+    m_checksNames = false;
+    if (code != SQLITE_OK) {
+        throwFailure();
+        throwSqlite(db(), code, QString());
+    }
+    if (statement == nullptr)
+        throw DataError(ErrorKind::Syntax, QString(), QStringLiteral("the statement is empty"));
+    // VACUUM and the like ask no leave; what INSERT ... RETURNING returns nobody would read.
+    if (!m_askedLeave ||
+        (sqlite3_stmt_readonly(statement) == 0 && sqlite3_column_count(statement) > 0)) {
+        sqlite3_finalize(statement);
+        throw DataError(ErrorKind::Syntax, QString(),
+                        QStringLiteral("only SELECT, INSERT, UPDATE and DELETE without RETURNING "
+                                       "are run: \"%1\"")
+                            .arg(sql.trimmed()));
+    }
+    sqlite3_stmt* second = nullptr;
+    const int rest = sqlite3_prepare_v2(db(), tail, -1, &second, nullptr);
+    sqlite3_finalize(second);
+    if (rest != SQLITE_OK || second != nullptr) {
+        sqlite3_finalize(statement);
+        throw DataError(ErrorKind::Syntax, QString(),
+                        QStringLiteral("more than one statement: \"%1\"")
+                            .arg(QString::fromUtf8(tail).trimmed()));
+    }
+    return statement;
+}
+
+void Connection::giveBack(const QString& sql, sqlite3_stmt* statement) {
+    sqlite3_reset(statement);
+    sqlite3_clear_bindings(statement);
+    m_cache.push_back({sql, statement});
+    if (m_cache.size() > kMaxCachedStatements) {
+        sqlite3_finalize(m_cache.front().statement);
+        m_cache.erase(m_cache.begin());
+    }
+}
+
+void Connection::runTransaction(const std::function<void()>& body) {
+    execute(db(), "BEGIN IMMEDIATE", m_fileName);
+    try {
+        body();
+        // A failure that undoes everything at once may have been caught by the body.
+        if (sqlite3_get_autocommit(db()) != 0)
+            throw DataError(ErrorKind::Io, m_fileName,
+                            QStringLiteral("the database undid the transaction"));
+        execute(db(), "COMMIT", m_fileName);
+    } catch (...) {
+        if (sqlite3_get_autocommit(db()) == 0)
+            sqlite3_exec(db(), "ROLLBACK", nullptr, nullptr, nullptr);
+        throw;
+    }
+}
+
+void Connection::write(WriteUnit unit, const std::function<void()>& body) {
+    if (m_inTransaction) {
+        // Its locks are kept to the transaction's end, and waiting here would hold the write lock.
+        try {
+            body();
+        } catch (const RecordIsHeld& held) {
+            throwLocked(held);
+        }
+        return;
+    }
+    const auto end = std::chrono::steady_clock::now() + lockWait;
+    for (;;) {
+        try {
+            if (unit == WriteUnit::Records)
+                runTransaction(body);
+            else
+                body();
+            m_locks->endStatement();
+            return;
+        } catch (const RecordIsHeld& held) {
+            m_locks->endStatement();
+            if (!m_locks->waitForConflict(end))
+                throwLocked(held);
+        } catch (...) {
+            m_locks->endStatement();
+            throw;
+        }
+    }
+}
+
+void Connection::inTransaction(const std::function<void()>& body) {
+    if (m_inTransaction) {
+        body();
+        return;
+    }
+    m_inTransaction = true;
+    try {
+        runTransaction(body);
+    } catch (...) {
+        m_inTransaction = false;
+        m_locks->endStatement();
+        throw;
+    }
+    m_inTransaction = false;
+    m_locks->endStatement();
+}
+
+void Connection::throwHeld(const RecordTable& table, const QByteArray& record) const {
+    throw RecordIsHeld{table.name(), table.describe(record)};
+}
+
+void Connection::throwLocked(const RecordIsHeld& held) const {
+    throw DataError(ErrorKind::Locked, held.table,
+                    QStringLiteral("another program holds the record %1").arg(held.record));
+}
+
+void Connection::countSqlTables(int more) {
+    if (isHosted() && (m_sqlTables += more) == 0)
+        forgetCatalogue();
+}
+
+void Connection::countCursors(int more) {
+    if (isHosted() && (m_cursors += more) == 0)
+        m_transientIndexes.clear();
+}
+
+void Connection::throwFailure() {
+    if (m_failure)
+        std::rethrow_exception(std::exchange(m_failure, nullptr));
+}
+
+}  // namespace engines::embedded

@@ -1,0 +1,132 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <functional>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "data/engine/engine.h"
+#include "engines/data_names.h"
+#include "engines/embedded/catalogue.h"
+#include "engines/embedded/key_image.h"
+#include "engines/embedded/sqlite_handle.h"
+
+namespace engines::embedded {
+
+class Connection;
+class RecordTable;
+
+/// A statement borrowed from a table's pool; goes back, reset, when the lease ends.
+class StatementLease {
+  public:
+    StatementLease() = default;
+    StatementLease(RecordTable* table, quint64 shape, Statement statement);
+    ~StatementLease();
+    StatementLease(StatementLease&& other) noexcept;
+    StatementLease& operator=(StatementLease&& other) noexcept;
+
+    Statement* operator->() { return &m_statement; }
+    const Statement* operator->() const { return &m_statement; }
+    explicit operator bool() const { return m_table != nullptr; }
+
+  private:
+    RecordTable* m_table = nullptr;
+    quint64 m_shape = 0;
+    Statement m_statement;
+};
+
+/// What a scan of a table reads and in which order. Statements of the same shape share a pool.
+struct ScanShape {
+    enum class Bounds {
+        None,   ///< whole table
+        Range,  ///< parameters 1 and 2: image >= ?1 and image < ?2
+        Equal   ///< parameter 1: image = ?1 (a whole key's)
+    };
+    int key = -1;  ///< -1: by id
+    Bounds bounds = Bounds::None;
+    bool backward = false;
+    bool imageOnly = false;  ///< column 1 is the key's image instead of the record
+    bool limited = false;    ///< parameter 3: number of rows
+    bool offset = false;     ///< with limited: parameter 4: rows passed over first
+};
+
+/// The stored records of one table on one connection: reading, and the one place that writes them.
+class RecordTable {
+  public:
+    /// @throws DataError(Damaged) when the stored table is missing or has other keys.
+    RecordTable(Connection& connection, TableDescription description);
+    RecordTable(const RecordTable&) = delete;
+    RecordTable& operator=(const RecordTable&) = delete;
+
+    const QString& name() const { return m_description.name; }
+    int number() const { return m_description.number; }
+    const RecordLayout& layout() const { return m_description.layout; }
+    const std::vector<KeyDef>& keys() const { return m_description.keys; }
+    const KeyImage& image(int key) const { return m_images[static_cast<size_t>(key)]; }
+    /// A record whose fields are all empty.
+    const QByteArray& emptyRecord() const { return m_emptyRecord; }
+    Connection& connection() const { return m_connection; }
+
+    /// Rows: column 0 the id, column 1 the record (or image).
+    StatementLease scan(const ScanShape& shape);
+    /// Records whose image is ?1 and whose id lies above ?2 (backward: below), at most ?3.
+    StatementLease scanSameKey(int key, bool backward);
+    /// How many records have an image >= low and < high.
+    qint64 countImages(int key, const QByteArray& low, const QByteArray& high);
+    /// How many records have this image and an id below (`below`) or above the given one.
+    qint64 countSameKey(int key, const QByteArray& image, RecordId id, bool below);
+    /// Above every image of a key: an upper bound that bounds nothing.
+    const QByteArray& topImage(int key) const { return m_topImages[static_cast<size_t>(key)]; }
+
+    /// The record's bytes; checks their number. @throws DataError(Damaged).
+    QByteArrayView checked(QByteArrayView record) const;
+    std::optional<QByteArray> read(RecordId id);
+    qint64 count();
+    /// About how many records there are, at the cost of one look.
+    qint64 estimatedCount();
+
+    // Writing: to be called within Connection::write.
+    /// Numbers an auto-increment field that holds 0 (in `record`).
+    RecordId insert(QByteArray& record);
+    void update(RecordId id, const QByteArray& before, const QByteArray& after);
+    void remove(RecordId id, const QByteArray& before);
+
+    /// The record as a person knows it: the values of its first key's fields.
+    QString describe(const QByteArray& record) const;
+
+  private:
+    friend class StatementLease;
+
+    /// Every write of a record, whoever asked for it. No `before`: a new record, whose id is set;
+    /// no `after`: it goes.
+    void write(RecordId& id, const QByteArray* before, const QByteArray* after);
+    void writeNew(RecordId& id, const QByteArray& record);
+    void writeChange(RecordId id, const QByteArray& before, const QByteArray& after);
+    void writeRemoval(RecordId id);
+    void numberRecord(QByteArray& record);
+    [[noreturn]] void throwDuplicate(const DataError& error, const QByteArray& record) const;
+
+    void checkStored() const;
+    StatementLease lease(quint64 shape, const std::function<QByteArray()>& text);
+    void takeBack(quint64 shape, Statement statement);
+    QByteArray scanText(const ScanShape& shape) const;
+
+    Connection& m_connection;
+    TableDescription m_description;
+    QByteArray m_stored;  // quoted name of the SQLite table
+    std::vector<KeyImage> m_images;
+    std::vector<QByteArray> m_topImages;
+    QByteArray m_emptyRecord;
+    std::vector<int> m_autoIncrements;  // fields
+    std::unordered_map<quint64, std::vector<Statement>> m_pool;
+};
+
+/// The SQL that makes a new company's table: its records and their keys.
+std::vector<QByteArray> creationSql(const TableDescription& table);
+
+/// Keeps ids from being used again: the next id of tables whose last record was removed.
+inline constexpr char kIdsTable[] = "zdb_ids";
+
+}  // namespace engines::embedded

@@ -1,0 +1,238 @@
+#include "engines/embedded/sqlite_handle.h"
+
+#include <QFile>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "data/system_path.h"
+
+#ifndef Q_OS_WIN
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+namespace engines::embedded {
+
+namespace {
+
+const char*& fileSystemName() {
+#ifdef Q_OS_WIN
+    static const char* name = "win32-longpath";  // the platform's own stops at 260 characters
+#else
+    static const char* name = nullptr;
+#endif
+    return name;
+}
+
+/// SQLite makes files that the owner alone may write, whatever the umask; a company is shared by
+/// those whom the umask lets write. Files beside it take the database's rights from SQLite.
+void makeFile([[maybe_unused]] const QString& fileName) {
+#ifndef Q_OS_WIN
+    // Only a new file: closing any other would end the locks that this process has on it. What
+    // stands in the way is told when SQLite opens the file.
+    const int file = ::open(QFile::encodeName(fileName).constData(),
+                            O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0664);
+    if (file >= 0)
+        ::close(file);
+#endif
+}
+
+bool startsWith(const char* text, const char* prefix) {
+    return text != nullptr && std::strncmp(text, prefix, std::strlen(prefix)) == 0;
+}
+
+/// What a failure of the file itself is in Finnish; SQLite's own words are English.
+DataError inFinnish(const DataError& error, int code) {
+    switch (code & 0xFF) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return error.inFinnish(QStringLiteral("tietokanta on varattu"));
+        case SQLITE_READONLY:
+            return error.inFinnish(QStringLiteral("tietokanta on vain luettavissa"));
+        case SQLITE_FULL:
+            return error.inFinnish(QStringLiteral("tietokannalle ei ole tilaa"));
+        case SQLITE_IOERR:
+            return error.inFinnish(QStringLiteral("levyn luku tai kirjoitus ei onnistu"));
+        case SQLITE_CORRUPT:
+            return error.inFinnish(QStringLiteral("tietokantatiedosto on vioittunut"));
+        case SQLITE_NOTADB:
+            return error.inFinnish(QStringLiteral("tiedosto ei ole tietokanta"));
+        case SQLITE_CANTOPEN:
+            return error.inFinnish(QStringLiteral("tiedostoa ei voi avata"));
+        default:
+            return error;
+    }
+}
+
+}  // namespace
+
+ErrorKind errorKind(int code, const char* message) {
+    switch (code & 0xFF) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return ErrorKind::Locked;
+        case SQLITE_READONLY:
+            return ErrorKind::ReadOnly;
+        case SQLITE_FULL:
+            return ErrorKind::DiskFull;
+        case SQLITE_IOERR:
+            return ErrorKind::Io;
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+            return ErrorKind::Damaged;
+        case SQLITE_CANTOPEN:
+            return ErrorKind::NoConnection;
+        case SQLITE_CONSTRAINT:
+            return code == SQLITE_CONSTRAINT_UNIQUE || code == SQLITE_CONSTRAINT_PRIMARYKEY
+                       ? ErrorKind::DuplicateKey
+                       : ErrorKind::Engine;
+        case SQLITE_ERROR:
+            if (startsWith(message, "no such table"))
+                return ErrorKind::NoSuchTable;
+            if (startsWith(message, "no such column") || startsWith(message, "table "))
+                return ErrorKind::NoSuchField;  // "table T has no column named C"
+            return ErrorKind::Syntax;
+        default:
+            return ErrorKind::Engine;
+    }
+}
+
+void throwSqlite(sqlite3* db, int code, const QString& table) {
+    if ((code & 0xFF) == SQLITE_NOMEM)
+        throw std::bad_alloc();
+    const char* message = db != nullptr ? sqlite3_errmsg(db) : sqlite3_errstr(code);
+    const int extended = db != nullptr && (sqlite3_extended_errcode(db) & 0xFF) == (code & 0xFF)
+                             ? sqlite3_extended_errcode(db)
+                             : code;
+    throw inFinnish(
+        DataError(errorKind(extended, message), table, QString::fromUtf8(message), extended),
+        extended);
+}
+
+SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {
+    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX |
+                      (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    if (mode == Mode::Create && fileName != QLatin1String(":memory:"))
+        makeFile(fileName);
+    const int code =
+        sqlite3_open_v2(systemPath(fileName).toUtf8().constData(), &m_db, flags, fileSystemName());
+    if (code != SQLITE_OK) {
+        const QString detail =
+            QString::fromUtf8(m_db != nullptr ? sqlite3_errmsg(m_db) : sqlite3_errstr(code));
+        const ErrorKind kind = errorKind(code, nullptr);
+        sqlite3_close(std::exchange(m_db, nullptr));
+        throw inFinnish(DataError(kind, fileName, detail, code), code);
+    }
+    sqlite3_extended_result_codes(m_db, 1);
+}
+
+SqliteHandle::~SqliteHandle() {
+    sqlite3_close(m_db);
+}
+
+SqliteHandle::SqliteHandle(SqliteHandle&& other) noexcept
+    : m_db(std::exchange(other.m_db, nullptr)) {}
+
+SqliteHandle& SqliteHandle::operator=(SqliteHandle&& other) noexcept {
+    std::swap(m_db, other.m_db);
+    return *this;
+}
+
+void SqliteHandle::setFileSystem(const char* name) {
+    fileSystemName() = name;
+}
+
+Statement::Statement(sqlite3* db, const QByteArray& text, QString table)
+    : m_table(std::move(table)) {
+    const int code = sqlite3_prepare_v3(db, text.constData(), static_cast<int>(text.size()),
+                                        SQLITE_PREPARE_PERSISTENT, &m_statement, nullptr);
+    if (code != SQLITE_OK)
+        throwSqlite(db, code, m_table);
+}
+
+Statement::~Statement() {
+    sqlite3_finalize(m_statement);
+}
+
+Statement::Statement(Statement&& other) noexcept
+    : m_statement(std::exchange(other.m_statement, nullptr)), m_table(std::move(other.m_table)) {}
+
+Statement& Statement::operator=(Statement&& other) noexcept {
+    std::swap(m_statement, other.m_statement);
+    std::swap(m_table, other.m_table);
+    return *this;
+}
+
+void Statement::check(int code) {
+    if (code != SQLITE_OK)
+        throwSqlite(sqlite3_db_handle(m_statement), code, m_table);
+}
+
+void Statement::bind(int index, qint64 value) {
+    check(sqlite3_bind_int64(m_statement, index, value));
+}
+
+void Statement::bind(int index, QByteArrayView blob) {
+    // An empty view would bind NULL: a null pointer is what it may hold.
+    const char* data = blob.isEmpty() ? "" : blob.data();
+    check(sqlite3_bind_blob64(m_statement, index, data, static_cast<sqlite3_uint64>(blob.size()),
+                              SQLITE_STATIC));
+}
+
+void Statement::bindText(int index, const QString& text) {
+    const QByteArray utf8 = text.toUtf8();
+    check(sqlite3_bind_text64(m_statement, index, utf8.constData(),
+                              static_cast<sqlite3_uint64>(utf8.size()), SQLITE_TRANSIENT,
+                              SQLITE_UTF8));
+}
+
+bool Statement::step() {
+    const int code = sqlite3_step(m_statement);
+    if (code == SQLITE_ROW)
+        return true;
+    if (code == SQLITE_DONE)
+        return false;
+    // The message is the connection's, so it is read before the reset.
+    try {
+        throwSqlite(sqlite3_db_handle(m_statement), code, m_table);
+    } catch (...) {
+        sqlite3_reset(m_statement);
+        throw;
+    }
+}
+
+void Statement::run() {
+    while (step()) {
+    }
+    reset();
+}
+
+void Statement::reset() {
+    sqlite3_reset(m_statement);
+}
+
+QByteArrayView Statement::blob(int column) const {
+    const void* data = sqlite3_column_blob(m_statement, column);
+    return {static_cast<const char*>(data), sqlite3_column_bytes(m_statement, column)};
+}
+
+QString Statement::text(int column) const {
+    return QString::fromUtf8(
+        reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column)),
+        sqlite3_column_bytes(m_statement, column));
+}
+
+void execute(sqlite3* db, const QByteArray& sql, const QString& table) {
+    const int code = sqlite3_exec(db, sql.constData(), nullptr, nullptr, nullptr);
+    if (code != SQLITE_OK)
+        throwSqlite(db, code, table);
+}
+
+QByteArray quotedName(const QString& name) {
+    QByteArray quoted = name.toUtf8();
+    quoted.replace('"', "\"\"");
+    return '"' + quoted + '"';
+}
+
+}  // namespace engines::embedded

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "data/engine/engine.h"
+#include "engines/data_names.h"
+#include "engines/shops/client_cursor.h"
+#include "engines/shops/key_order.h"
+
+namespace engines::shops {
+
+/// The records of one table of the record engine behind the engines' common interface. A record's
+/// id is its physical address. Every call finds its place anew, so nothing depends on what the
+/// engine remembers between two calls.
+///
+/// Where a key keeps records of one value in the order of their insertion into it, that is their
+/// order here too; else they come in the order of their addresses. A record's place among others
+/// of its value is known for as long as it stands there, and after that from the last records read.
+class ClientFile : public RecordFile {
+  public:
+    /// Opens a second cursor on the same file, for walks in the order of storage.
+    using Opener = std::function<std::unique_ptr<ClientCursor>()>;
+
+    /// `keys` name the layout's fields; their order is that of `stat`, whose keys they are.
+    ClientFile(std::unique_ptr<ClientCursor> cursor, Opener opener, const FileStat& stat,
+               RecordLayout layout, std::vector<KeyDef> keys);
+    ~ClientFile() override;
+
+    const RecordLayout& layout() const override { return m_layout; }
+    const std::vector<KeyDef>& keys() const override { return m_keys; }
+    qint64 recordCount() override { return m_cursor->stat().recordCount; }
+    std::vector<StoredRecord> fromEnd(int key, Direction direction, int max) override;
+    std::vector<StoredRecord> seek(int key, SeekOp op, const KeyValues& values, int max) override;
+    std::vector<StoredRecord> next(int key, const StoredRecord& from, Direction direction,
+                                   int max) override;
+    std::optional<RecordId> visitStored(std::optional<RecordId> after, int max,
+                                        const Visitor& see) override;
+    int compare(int key, const QByteArray& record, const KeyValues& values) const override;
+    std::optional<StoredRecord> get(RecordId id) override;
+    bool lock(RecordId id, std::chrono::milliseconds wait) override;
+    void unlock(RecordId id) override;
+    RecordId insert(QByteArray& bytes) override;
+    void update(RecordId id, const QByteArray& bytes) override;
+    void remove(RecordId id) override;
+
+  private:
+    using Records = std::vector<StoredRecord>;
+
+    [[noreturn]] void fail(int status) const;
+    void checkKey(int key) const;
+    const KeyOrder& orderOf(int key) const { return m_orders[static_cast<size_t>(key)]; }
+    int valueCount(int key, const KeyValues& values) const;
+    QByteArray recordOf(int key, const KeyValues& values) const;
+    QByteArray whole(QByteArray bytes) const;
+    QByteArray shortened(const QByteArray& bytes) const;
+
+    // Reading along a key: the cursor is put on a record, then read on from there.
+    int move(int operation, int key, const QByteArray& keyBytes = {});
+    bool found(int status) const;
+    bool standOn(int key, const StoredRecord& record);
+    enum class Stand {
+        On,
+        Before,
+        Nowhere
+    };  ///< Before: the cursor's record is part of the answer
+    Stand standBeside(int key, const StoredRecord& from, Direction direction);
+    std::optional<Stand> standByTrail(int key, const StoredRecord& from, Direction direction);
+    using Test = std::function<bool(const QByteArray& record)>;
+    Records readOn(int key, Direction direction, int max, Stand stand,
+                   std::optional<StoredRecord> from, const Test& belongs = {});
+    int readSome(int key, Direction direction, bool withCurrent, int wanted, Records& records);
+    void leaveTrail(int key, Direction direction, RecordId from, const Records& records);
+
+    template <typename Attempt>
+    int whenUnlocked(std::chrono::milliseconds wait, Attempt attempt);
+    void change(RecordId id, const std::function<int(const QByteArray& before)>& write);
+    void release(RecordId id);
+
+    std::unique_ptr<ClientCursor> m_cursor;
+    Opener m_opener;
+    RecordLayout m_layout;
+    std::vector<KeyDef> m_keys;
+    std::vector<KeyOrder> m_orders;
+    int m_fixedLength;
+    bool m_variableLength;
+    bool m_readsMany;
+    bool m_numbersRecords;             // a field that the engine numbers
+    std::map<RecordId, int> m_locked;  // with the number of locks
+
+    QByteArray m_current;  // the record of the last move
+
+    // The records that were read last along a key, in its order.
+    int m_trailKey = -1;
+    std::deque<RecordId> m_trail;
+
+    std::unique_ptr<ClientCursor> m_stored;  // the walk in the order of storage
+    std::optional<RecordId> m_storedAt;
+};
+
+}  // namespace engines::shops

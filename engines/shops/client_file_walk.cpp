@@ -1,0 +1,257 @@
+#include <algorithm>
+#include <utility>
+
+#include "data/record/record_codec.h"
+#include "engines/shops/client_file.h"
+#include "engines/shops/client_status.h"
+
+// Reading along a key.
+
+namespace engines::shops {
+
+namespace {
+
+constexpr size_t kLongestTrail = 1024;
+constexpr int kMostReplacings = 16;
+
+bool isUnsupported(int status) {
+    return status == kInvalidOperation || status == kWorkSpaceTooSmall ||
+           status == kDescriptorIncorrect || status == kExtendedBufferTooSmall;
+}
+
+}  // namespace
+
+int ClientFile::valueCount(int key, const KeyValues& values) const {
+    return static_cast<int>(
+        std::min(values.size(), m_keys[static_cast<size_t>(key)].segments.size()));
+}
+
+// A record that holds the values of the key's leading fields. Fields may share bytes, but not
+// those of one key.
+QByteArray ClientFile::recordOf(int key, const KeyValues& values) const {
+    QByteArray record(m_layout.recordLength(), '\0');
+    const std::vector<KeySegment>& segments = m_keys[static_cast<size_t>(key)].segments;
+    for (int i = 0; i < valueCount(key, values); ++i)
+        writeValue(m_layout.field(segments[static_cast<size_t>(i)].fieldIndex),
+                   reinterpret_cast<uchar*>(record.data()), values[static_cast<size_t>(i)],
+                   m_layout.tableName());
+    return record;
+}
+
+int ClientFile::compare(int key, const QByteArray& record, const KeyValues& values) const {
+    checkKey(key);
+    return orderOf(key).compare(record, recordOf(key, values), valueCount(key, values));
+}
+
+int ClientFile::move(int operation, int key, const QByteArray& keyBytes) {
+    const int status = m_cursor->read(operation, keyBytes, key, m_current);
+    if (status == kOk)
+        m_current = whole(std::move(m_current));
+    return status;
+}
+
+// Whether there is such a record at all.
+bool ClientFile::found(int status) const {
+    if (status == kKeyNotFound || status == kEndOfFile)
+        return false;
+    if (status != kOk)
+        fail(status);
+    return true;
+}
+
+std::vector<StoredRecord> ClientFile::fromEnd(int key, Direction direction, int max) {
+    checkKey(key);
+    if (!found(move(direction == Direction::Forward ? kGetFirst : kGetLast, key)))
+        return {};
+    return readOn(key, direction, max, Stand::Before, std::nullopt);
+}
+
+// Among records of one value the engine finds the first by "greater", the last by "less". In a
+// descending key both follow the key, not the values.
+std::vector<StoredRecord> ClientFile::seek(int key, SeekOp op, const KeyValues& values, int max) {
+    checkKey(key);
+    const KeyOrder& order = orderOf(key);
+    const int given = valueCount(key, values);
+    const QByteArray wanted = recordOf(key, values);
+    const auto low = [&] { return order.filled(wanted, given, false); };
+    const auto high = [&] { return order.filled(wanted, given, true); };
+    int status = kOk;
+    Test belongs;
+    Direction direction = Direction::Forward;
+    switch (op) {
+        case SeekOp::Equal:
+            status =
+                move(given == order.segmentCount() ? kGetEqual : kGetGreaterOrEqual, key, low());
+            belongs = [&](const QByteArray& record) {
+                return order.compare(record, wanted, given) == 0;
+            };
+            break;
+        case SeekOp::GreaterOrEqual:
+            status = move(kGetGreaterOrEqual, key, low());
+            break;
+        case SeekOp::Greater:
+            status = move(kGetGreater, key, high());
+            break;
+        case SeekOp::LessOrEqual:
+            status = move(kGetLessOrEqual, key, high());
+            direction = Direction::Backward;
+            break;
+        case SeekOp::Less:
+            status = move(kGetLess, key, low());
+            direction = Direction::Backward;
+            break;
+    }
+    if (!found(status))
+        return {};
+    return readOn(key, direction, max, Stand::Before, std::nullopt, belongs);
+}
+
+std::vector<StoredRecord> ClientFile::next(int key, const StoredRecord& from, Direction direction,
+                                           int max) {
+    checkKey(key);
+    const Stand stand = standOn(key, from) ? Stand::On : standBeside(key, from, direction);
+    return readOn(key, direction, max, stand, from);
+}
+
+// Puts the cursor on a record, if it still stands at that place of the key.
+bool ClientFile::standOn(int key, const StoredRecord& record) {
+    QByteArray stored;
+    const int status = m_cursor->direct(record.id, key, stored);
+    if (status == kInvalidRecordAddress || status == kInvalidKeyPath || !found(status))
+        return false;
+    const KeyOrder& order = orderOf(key);
+    m_current = whole(std::move(stored));
+    return order.compare(m_current, record.bytes, order.segmentCount()) == 0;
+}
+
+// Puts the cursor where the walk goes on from a record that is no longer at its place.
+ClientFile::Stand ClientFile::standBeside(int key, const StoredRecord& from, Direction direction) {
+    const KeyOrder& order = orderOf(key);
+    if (order.stat().duplicates && !order.stat().byAddress) {
+        if (const std::optional<Stand> stand = standByTrail(key, from, direction))
+            return *stand;
+    }
+    const bool forward = direction == Direction::Forward;
+    int status = move(forward ? kGetGreaterOrEqual : kGetLessOrEqual, key, order.keyOf(from.bytes));
+    while (found(status)) {
+        if (order.compare(m_current, from.bytes, order.segmentCount()) != 0)
+            return Stand::Before;
+        RecordId id = 0;
+        if (const int at = m_cursor->position(id); at != kOk)
+            fail(at);
+        if (forward ? id > from.id : id < from.id)
+            return Stand::Before;
+        status = move(forward ? kGetNext : kGetPrevious, key);
+    }
+    return Stand::Nowhere;
+}
+
+// The same among records of one value whose order no address tells: by those that were read last
+// beside it and still stand there. Nothing when there are none.
+std::optional<ClientFile::Stand> ClientFile::standByTrail(int key, const StoredRecord& from,
+                                                          Direction direction) {
+    if (m_trailKey != key)
+        return std::nullopt;
+    const auto place = std::find(m_trail.begin(), m_trail.end(), from.id);
+    if (place == m_trail.end())
+        return std::nullopt;
+    const auto stands = [&](RecordId id) { return standOn(key, {id, from.bytes}); };
+    const auto later = std::find_if(place + 1, m_trail.end(), stands);
+    const bool forward = direction == Direction::Forward;
+    if (forward && later != m_trail.end())
+        return Stand::Before;
+    const auto earlier = std::find_if(std::make_reverse_iterator(place), m_trail.rend(), stands);
+    if (earlier != m_trail.rend())
+        return forward ? Stand::On : Stand::Before;
+    if (!forward && later != m_trail.end() && stands(*later))
+        return Stand::On;
+    return std::nullopt;
+}
+
+// Reads up to `max` records from where the cursor stands. `from` is the record that it stands on
+// or beside; `belongs` tells where the answer ends.
+std::vector<StoredRecord> ClientFile::readOn(int key, Direction direction, int max, Stand stand,
+                                             std::optional<StoredRecord> from,
+                                             const Test& belongs) {
+    Records records;
+    int replacings = 0;
+    while (stand != Stand::Nowhere && static_cast<int>(records.size()) < max) {
+        const int status = readSome(key, direction, stand == Stand::Before,
+                                    max - static_cast<int>(records.size()), records);
+        if (belongs && !records.empty() && !belongs(records.back().bytes)) {
+            records.erase(
+                std::find_if_not(records.begin(), records.end(),
+                                 [&](const StoredRecord& record) { return belongs(record.bytes); }),
+                records.end());
+            break;
+        }
+        stand = Stand::On;
+        if (status == kLostPosition && ++replacings <= kMostReplacings) {
+            // Somebody removed or moved the record that the cursor stood on.
+            if (!records.empty())
+                from = records.back();
+            if (!from)
+                fail(status);
+            if (!standOn(key, *from))
+                stand = standBeside(key, *from, direction);
+        } else if (!found(status)) {
+            break;
+        }
+    }
+    leaveTrail(key, direction, from ? from->id : 0, records);
+    return records;
+}
+
+// Reads some records in one answer, or one by single operations.
+int ClientFile::readSome(int key, Direction direction, bool withCurrent, int wanted,
+                         Records& records) {
+    const bool forward = direction == Direction::Forward;
+    if (m_readsMany && wanted > (withCurrent ? 1 : 0)) {
+        const size_t before = records.size();
+        const int status = m_cursor->readMany(
+            direction, key, withCurrent, std::min(wanted, ClientCursor::mostAtOnce(m_fixedLength)),
+            m_fixedLength, records);
+        if (status == kRejectCountReached || status == kFilterLimitReached)
+            return records.size() > before ? kOk : kEndOfFile;
+        if (status == kOk && records.size() == before)
+            return kEndOfFile;
+        if (!isUnsupported(status))
+            return status;
+        m_readsMany = false;
+    }
+    if (!withCurrent) {
+        if (const int status = move(forward ? kGetNext : kGetPrevious, key); status != kOk)
+            return status;
+    }
+    StoredRecord record{0, m_current};
+    if (const int at = m_cursor->position(record.id); at != kOk)
+        return at;
+    records.push_back(std::move(record));
+    return kOk;
+}
+
+void ClientFile::leaveTrail(int key, Direction direction, RecordId from, const Records& records) {
+    const bool forward = direction == Direction::Forward;
+    const bool goesOn = m_trailKey == key && !m_trail.empty() && from != 0 &&
+                        (forward ? m_trail.back() : m_trail.front()) == from;
+    if (!goesOn) {
+        m_trailKey = key;
+        m_trail.clear();
+        if (from != 0)
+            m_trail.push_back(from);
+    }
+    for (const StoredRecord& record : records) {
+        if (forward)
+            m_trail.push_back(record.id);
+        else
+            m_trail.push_front(record.id);
+    }
+    while (m_trail.size() > kLongestTrail) {
+        if (forward)
+            m_trail.pop_front();
+        else
+            m_trail.pop_back();
+    }
+}
+
+}  // namespace engines::shops

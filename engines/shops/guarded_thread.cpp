@@ -1,0 +1,98 @@
+#include "engines/shops/guarded_thread.h"
+
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <utility>
+
+#ifndef _WIN32
+#include <csignal>
+#endif
+
+namespace engines::shops {
+
+namespace {
+
+// A driver that writes to a server which hung up is to be told so by its call; the signal for it
+// would end the program.
+void ignoreBrokenConnections() {
+#ifndef _WIN32
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+#endif
+}
+
+}  // namespace
+
+// What the two threads hand to each other. The thread has what lies there while it is given a job,
+// the caller at all other times.
+struct GuardedThread::Desk {
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool isGiven = false;
+    bool isAbandoned = false;   // there will be no further job
+    std::function<void()> job;  // empty: the thread is to end
+    std::exception_ptr failure;
+
+    void give(std::function<void()> next) {
+        {
+            const std::lock_guard lock(mutex);
+            job = std::move(next);
+            isGiven = true;
+        }
+        changed.notify_all();
+    }
+};
+
+GuardedThread::GuardedThread()
+    : m_desk(std::make_shared<Desk>()), m_thread([desk = m_desk] { work(desk); }) {}
+
+GuardedThread::~GuardedThread() {
+    if (m_abandoned)
+        return;
+    m_desk->give(nullptr);
+    m_thread.join();
+}
+
+void GuardedThread::work(const std::shared_ptr<Desk>& desk) {
+    ignoreBrokenConnections();
+    std::unique_lock lock(desk->mutex);
+    for (;;) {
+        desk->changed.wait(lock, [&desk] { return desk->isGiven; });
+        if (!desk->job)
+            return;
+        std::function<void()> job = std::exchange(desk->job, nullptr);
+        lock.unlock();
+        std::exception_ptr failure;
+        try {
+            job();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        job = nullptr;  // what it holds may call the driver when it goes
+        lock.lock();
+        desk->failure = std::exchange(failure, nullptr);
+        desk->isGiven = desk->isAbandoned;
+        desk->changed.notify_all();
+    }
+}
+
+bool GuardedThread::run(std::function<void()> job, std::chrono::milliseconds limit) {
+    if (m_abandoned)
+        return false;
+    m_desk->give(std::move(job));
+    std::unique_lock lock(m_desk->mutex);
+    if (!m_desk->changed.wait_for(lock, limit, [this] { return !m_desk->isGiven; })) {
+        m_abandoned = true;
+        m_desk->isAbandoned = true;
+        m_thread.detach();
+        return false;
+    }
+    if (m_desk->failure)
+        std::rethrow_exception(std::exchange(m_desk->failure, nullptr));
+    return true;
+}
+
+}  // namespace engines::shops

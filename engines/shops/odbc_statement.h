@@ -1,0 +1,90 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "engines/data_names.h"
+#include "engines/shops/prepared_odbc.h"
+
+namespace engines::shops {
+
+/// What the statements of a connection share: the session of the moment, the cache of prepared
+/// statements, the open transaction.
+class OdbcLink {
+  public:
+    explicit OdbcLink(OdbcSettings settings);
+    ~OdbcLink();
+    OdbcLink(const OdbcLink&) = delete;
+    OdbcLink& operator=(const OdbcLink&) = delete;
+
+    /// A statement of the present session, from the cache when it was prepared before; connects
+    /// anew when the connection was lost. giveBack() returns it.
+    std::shared_ptr<PreparedOdbc> prepare(const QString& sql);
+    void giveBack(std::shared_ptr<PreparedOdbc> statement);
+
+    /// Runs a job on the statement's session by the time limit of statements.
+    void guarded(const PreparedOdbc& statement, std::function<void()> job);
+
+    void inTransaction(const std::function<void()>& body);
+    bool isInTransaction() const { return m_inTransaction; }
+    const Dialect& dialect() const { return *m_dialect; }
+    std::chrono::milliseconds lockWait() const { return m_lockWait; }
+    void setLockWait(std::chrono::milliseconds wait);
+    /// Ends the session; statements that are still in use fail from now on.
+    void close();
+
+    std::function<void()> beforeWrite;
+
+  private:
+    OdbcSession& session();
+    void connect();
+    /// Frees a statement's handle, off this thread.
+    void discard(std::shared_ptr<PreparedOdbc> unwanted);
+    void leaveTransaction();
+    void sendLockWait();
+    bool isDateColumn(const QString& name);
+    void readDateColumns();
+
+    OdbcSettings m_settings;
+    std::shared_ptr<OdbcSession> m_session;
+    const Dialect* m_dialect = nullptr;
+    std::chrono::milliseconds m_lockWait{2000};
+    std::vector<std::shared_ptr<PreparedOdbc>> m_cache;  // oldest first
+    std::optional<QStringList> m_dateColumns;            // in lower case
+    bool m_inTransaction = false;
+    bool m_isClosed = false;
+};
+
+/// A SQL statement behind the engines' common interface; returns to the connection's cache.
+class OdbcStatement : public SqlStatement {
+  public:
+    OdbcStatement(std::shared_ptr<OdbcLink> link, const QString& sql);
+    ~OdbcStatement() override;
+    OdbcStatement(const OdbcStatement&) = delete;
+    OdbcStatement& operator=(const OdbcStatement&) = delete;
+
+    QStringList parameterNames() const override;
+    void bind(const QString& name, const Value& value) override;
+    const std::vector<SqlColumn>& columns() const override;
+    bool step() override;
+    Value value(int column) const override;
+    qint64 execute() override;
+    void reset() override;
+
+  private:
+    qint64 run(bool fetches);
+    qint64 runOnce(bool fetches);
+
+    std::shared_ptr<OdbcLink> m_link;
+    QString m_sql;
+    std::shared_ptr<PreparedOdbc> m_prepared;
+    std::vector<Value> m_values;
+    size_t m_nextBind = 0;  // where the next parameter of the text is expected
+    bool m_distinct = false;
+    bool m_hasRun = false;
+    size_t m_row = 0;  // of the rows fetched last
+};
+
+}  // namespace engines::shops

@@ -1,0 +1,75 @@
+#include "engines/shops/shop_database.h"
+
+#include <QDir>
+#include <utility>
+
+#include "data/lock/lock_file.h"
+#include "engines/shops/odbc_connection.h"
+#include "engines/shops/shop_records.h"
+
+namespace engines::shops {
+
+namespace {
+
+// Beside the record files; its first byte is locked while a run is going on.
+const QString kRunLockFile = QStringLiteral("TAKSAVAIHE.LCK");
+
+OdbcSettings odbcSettings(const ShopDatabaseSettings& settings) {
+    return {settings.dataSource.isEmpty() ? settings.name : settings.dataSource,
+            settings.userName,
+            settings.password,
+            settings.odbcAttributes,
+            settings.connectLimit,
+            settings.statementLimit};
+}
+
+/// Records over the client library, SQL over ODBC: two sessions of the same engine.
+class ShopDatabase : public Database {
+  public:
+    explicit ShopDatabase(const ShopDatabaseSettings& settings)
+        : m_settings(settings),
+          m_records(settings),
+          m_sql(OdbcConnection::connect(odbcSettings(settings))) {}
+
+    QString name() const override { return m_settings.name; }
+    QStringList tableNames() override { return m_records.tableNames(); }
+    std::unique_ptr<RecordFile> openTable(const QString& tableName) override {
+        return m_records.openTable(tableName);
+    }
+    std::unique_ptr<SqlStatement> prepare(const QString& sql) override {
+        return m_sql->prepare(sql);
+    }
+    void setLockWait(std::chrono::milliseconds wait) override {
+        m_records.setLockWait(wait);
+        m_sql->setLockWait(wait);
+    }
+    bool statementsPassRecordLocks() const override { return !m_sql->dialect().recordLocksStopSql; }
+
+    bool beginRun() override {
+        if (!m_runLock)
+            m_runLock = std::make_unique<LockFile>(QDir(m_settings.folder).filePath(kRunLockFile));
+        return m_runLock->beginRun();
+    }
+    void endRun() override {
+        if (m_runLock)
+            m_runLock->endRun();
+    }
+
+    void inTransaction(const std::function<void()>& body) override {
+        m_records.inTransaction([&] { m_sql->inTransaction(body); });
+    }
+
+  private:
+    ShopDatabaseSettings m_settings;
+    ShopRecords m_records;
+    std::unique_ptr<OdbcConnection> m_sql;
+    std::unique_ptr<LockFile> m_runLock;
+};
+
+}  // namespace
+
+std::unique_ptr<Database> openShopDatabase(const ShopDatabaseSettings& settings) {
+    return std::make_unique<ShopDatabase>(settings);
+}
+
+}  // namespace engines::shops

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include "engines/data_names.h"
+
+namespace engines::shops {
+
+/// A piece of a statement; all pieces joined are the statement.
+struct SqlToken {
+    enum Kind { Blank, Comment, Word, Number, Text, QuotedName, Parameter, Symbol };
+    Kind kind;
+    QString text;
+
+    bool is(QLatin1String word) const { return text.compare(word, Qt::CaseInsensitive) == 0; }
+    bool isMeaningless() const { return kind == Blank || kind == Comment; }
+};
+
+using SqlTokens = QList<SqlToken>;
+
+SqlTokens tokensOf(const QString& sql);
+QString textOf(const SqlTokens& tokens);
+
+}  // namespace engines::shops

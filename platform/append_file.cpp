@@ -1,0 +1,70 @@
+#include "platform/append_file.h"
+
+#include <QFile>
+
+#ifdef Q_OS_WIN
+#include <qt_windows.h>
+
+#include "data/system_path.h"
+#else
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#endif
+
+namespace platform {
+
+// Not QFile: on Windows that seeks to the end before it writes, so that two programs' lines could
+// overlap, and it takes 1.6 times as long (a run may write a line for every product).
+
+#ifdef Q_OS_WIN
+
+QString appendToFile(const QString& fileName, const QByteArray& bytes) {
+    const HANDLE file =
+        CreateFileW(reinterpret_cast<const wchar_t*>(data::systemPath(fileName).utf16()),
+                    FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return qt_error_string(static_cast<int>(GetLastError()));
+    DWORD written = 0;
+    QString problem;
+    if (!WriteFile(file, bytes.constData(), static_cast<DWORD>(bytes.size()), &written, nullptr))
+        problem = qt_error_string(static_cast<int>(GetLastError()));
+    else if (written != static_cast<DWORD>(bytes.size()))
+        problem = qt_error_string(ERROR_DISK_FULL);
+    CloseHandle(file);
+    return problem;
+}
+
+#else
+
+QString appendToFile(const QString& fileName, const QByteArray& bytes) {
+    const QByteArray path = QFile::encodeName(fileName);
+    const int file = ::open(path.constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0664);
+    if (file < 0)
+        return qt_error_string(errno);
+    // After bytes that were cut off (the disk was full) the next ones begin on a line of their own.
+    static QString cutOff;
+    const QByteArray text = fileName == cutOff ? '\n' + bytes : bytes;
+    ssize_t written = 0;
+    do {
+        written = ::write(file, text.constData(), static_cast<size_t>(text.size()));
+    } while (written < 0 && errno == EINTR);
+    QString problem;
+    if (written < 0)
+        problem = qt_error_string(errno);
+    else if (written != text.size())
+        problem = qt_error_string(ENOSPC);
+    if (written > 0 && written < text.size())
+        cutOff = fileName;
+    else if (written > 0 && fileName == cutOff)
+        cutOff.clear();
+    if (::close(file) != 0 && problem.isEmpty())
+        problem = qt_error_string(errno);
+    return problem;
+}
+
+#endif
+
+}  // namespace platform

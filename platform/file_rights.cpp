@@ -1,0 +1,17 @@
+#include "platform/file_rights.h"
+
+#include <QtGlobal>
+
+#ifndef Q_OS_WIN
+#include <sys/stat.h>
+#endif
+
+namespace platform {
+
+void withholdWritingFromOthers() {
+#ifndef Q_OS_WIN
+    ::umask(::umask(S_IWOTH) | S_IWOTH);
+#endif
+}
+
+}  // namespace platform

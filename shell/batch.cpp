@@ -1,0 +1,66 @@
+#include "shell/batch.h"
+
+#include "data/error.h"
+
+namespace shell {
+
+const QString kAlreadyRunText = QStringLiteral("Taksavaihe on kertaalleen ajettu");
+
+namespace {
+
+// Loads a definition. @return why it could not be; empty when it was.
+QString loadProblem(const QString& name, const BatchPorts& ports) {
+    try {
+        return ports.load(name) ? QString() : QStringLiteral("Määrittelyä ei löydy: ") + name;
+    } catch (const data::DataError& e) {
+        return QStringLiteral("Määrittelyä ei ajeta: \"%1\": ").arg(name) + e.finnish();
+    }
+}
+
+}  // namespace
+
+ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports) {
+    if (ports.alreadyRun()) {
+        ports.generalLog(kAlreadyRunText);
+        return ExitStatus::AlreadyRun;
+    }
+
+    QStringList definitions;
+    QStringList unknown;
+    for (const QString& name : list) {
+        if (name.isEmpty())
+            continue;
+        definitions.append(name);
+        if (!ports.isSaved(name))
+            unknown.append(name);
+    }
+    if (!unknown.isEmpty()) {
+        for (const QString& name : unknown)
+            ports.changeLog(QStringLiteral("Määrittelyä ei löydy, eräajoa ei tehdä: ") + name);
+        return ExitStatus::Unavailable;
+    }
+
+    if (const QStringList problems = ports.problems(); !problems.isEmpty()) {
+        for (const QString& problem : problems)
+            ports.changeLog(problem);
+        return ExitStatus::Failed;
+    }
+
+    ports.openForm();
+    bool clean = true;
+    for (const QString& name : definitions) {
+        if (const QString problem = loadProblem(name, ports); !problem.isEmpty()) {
+            ports.changeLog(problem);
+            clean = false;
+            continue;
+        }
+        ports.changeLog(QStringLiteral("Aloitetaan muutos määrittelylle: ") + name);
+        const vatchange::RunResult result = ports.run();
+        clean = clean && result.clean();
+        if (result.cancelled)
+            break;
+    }
+    return clean ? ExitStatus::Done : ExitStatus::Failed;
+}
+
+}  // namespace shell

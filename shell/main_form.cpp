@@ -1,0 +1,258 @@
+#include "shell/main_form.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QTextStream>
+#include <QTimer>
+#include <QUrl>
+
+#include "company/company.h"
+#include "company/connection_module.h"
+#include "company/logs.h"
+#include "company/run_mark.h"
+#include "data/error.h"
+#include "framework/core/definition_store.h"
+#include "framework/ui/definition_window.h"
+#include "framework/ui/dialogs.h"
+#include "framework/ui/window_place.h"
+#include "platform/command_line.h"
+
+namespace shell {
+
+using vatchange::TAlvMuutosLomake;
+
+namespace {
+
+/// The rates of interest, in the order of the labels.
+struct RateOfInterest {
+    float percent;
+    const char* text;
+};
+constexpr std::array<RateOfInterest, 4> kRates = {
+    {{25.5F, "25.5"}, {24.0F, "24"}, {14.0F, "14"}, {10.0F, "10"}}};
+
+}  // namespace
+
+TMainForm::TMainForm(QWidget* parent) : QWidget(parent, Qt::Window) {
+    setObjectName(QStringLiteral("MainForm"));
+    setWindowTitle(QStringLiteral("Alvluokkien ja hintojen muutokset"));
+    buildLayout();
+    framework::rememberPlace(*this, objectName());
+}
+
+TMainForm::~TMainForm() {
+    delete m_changeForm;
+}
+
+QStringList TMainForm::alusta() {
+    m_problems.clear();
+    for (const auto part :
+         {&TMainForm::readNames, &TMainForm::readBatchList, &TMainForm::readVatClasses}) {
+        try {
+            (this->*part)();
+        } catch (const std::exception& e) {
+            m_problems.append(data::errorText(e));
+        }
+    }
+    return m_problems;
+}
+
+void TMainForm::readNames() {
+    const QStringList names = framework::TRapMaarForm::GetValues(TAlvMuutosLomake::kFormName);
+    const company::BatchList shown = batchList();
+    m_definitions[0]->clear();
+    for (QComboBox* list : m_definitions)
+        list->addItems(names);
+    showBatchList(shown);  // a list that gets its first name would show it
+}
+
+void TMainForm::readBatchList() {
+    showBatchList(company::readBatchList(company::AlvMuutosIniName()));
+    m_listRead = true;
+}
+
+void TMainForm::showBatchList(const company::BatchList& list) {
+    for (std::size_t i = 0; i < list.size(); ++i)
+        m_definitions[i]->setEditText(list[i]);
+}
+
+void TMainForm::readVatClasses() {
+    data::TtbTable classes;
+    company::openCompanyTable(classes, QStringLiteral("ALVKANTA"));
+    const data::TField& number = classes.fieldByName(QStringLiteral("luokka"));
+    const data::TField& rate = classes.fieldByName(QStringLiteral("Prosentti"));
+    for (classes.first(); !classes.eof(); classes.next()) {
+        for (std::size_t i = 0; i < kRates.size(); ++i) {
+            if (static_cast<float>(rate.asFloat()) != kRates[i].percent)
+                continue;
+            m_rateLabels[i]->setPalette(QPalette());
+            m_rateLabels[i]->setAutoFillBackground(false);
+            m_rateLabels[i]->setText(QStringLiteral("Alv %1% - LÖYTYY (%2)")
+                                         .arg(QLatin1String(kRates[i].text))
+                                         .arg(static_cast<qint16>(number.asInteger())));
+        }
+    }
+}
+
+void TMainForm::showCompany() {
+    m_company->setText(QStringLiteral("YRITYS: ") + company::currentCompany().name);
+}
+
+company::BatchList TMainForm::batchList() const {
+    company::BatchList list;
+    for (std::size_t i = 0; i < list.size(); ++i)
+        list[i] = m_definitions[i]->currentText();
+    return list;
+}
+
+bool TMainForm::alreadyRun() const {
+    return !platform::hasSwitch(QStringLiteral("/U")) &&
+           company::ExecutionMarkExists(company::companyDatabase());
+}
+
+void TMainForm::openChangeForm() {
+    if (m_changeForm == nullptr) {
+        m_changeForm = new TAlvMuutosLomake(company::companyDatabase());
+        m_changeForm->Unattended = BatchMode;
+        connect(m_changeForm, &TAlvMuutosLomake::closed, this, &TMainForm::changeFormClosed);
+        connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this,
+                [this](bool running) { setEnabled(!running); });
+    }
+    m_changeForm->show();
+    m_changeForm->raise();
+    m_changeForm->activateWindow();
+}
+
+void TMainForm::changeFormClosed() {
+    m_changeForm.clear();  // it frees itself; opening it again creates it anew
+    const QStringList problems = alusta();
+    if (BatchMode) {
+        for (const QString& problem : problems)
+            company::WriteAlvMuutosLog(problem);
+    } else if (!problems.isEmpty()) {
+        framework::Dialogs::error(this, problems.join(QLatin1Char('\n')));
+    }
+}
+
+void TMainForm::BitBtn1Click() {
+    if (BatchMode) {
+        runBatchAndLeave();
+        return;
+    }
+    framework::reportErrors(this, [this] {
+        if (alreadyRun())
+            framework::Dialogs::message(this, kAlreadyRunText);
+        else
+            openChangeForm();
+    });
+}
+
+ExitStatus TMainForm::runWholeBatch() {
+    BatchPorts ports;
+    ports.alreadyRun = [this] { return alreadyRun(); };
+    ports.isSaved = [](const QString& name) {
+        return framework::DefinitionStore().has(TAlvMuutosLomake::kFormName, name);
+    };
+    ports.problems = [this] { return m_problems; };
+    ports.openForm = [this] {
+        openChangeForm();
+        QCoreApplication::processEvents();
+    };
+    ports.load = [this](const QString& name) {
+        if (m_changeForm == nullptr)  // closed by hand between two definitions
+            openChangeForm();
+        m_changeForm->showStatus(name);
+        return framework::TRapMaarForm::LataaArvot(*m_changeForm, name);
+    };
+    ports.run = [this] {
+        m_inRun = true;
+        auto result = m_changeForm->EsikatseleClick();
+        m_inRun = false;
+        if (result)
+            return *std::move(result);
+        vatchange::RunResult notRun;
+        notRun.refused = true;
+        return notRun;
+    };
+    ports.generalLog = company::writeGeneralLog;
+    ports.changeLog = company::WriteAlvMuutosLog;
+    return runBatch(batchList(), ports);
+}
+
+void TMainForm::runBatchAndLeave() {
+    m_exitStatus = ExitStatus::Failed;
+    try {
+        m_exitStatus = runWholeBatch();
+    } catch (const std::exception& e) {
+        const QString text = QStringLiteral("Eräajo päättyi virheeseen: ") + data::errorText(e);
+        company::WriteAlvMuutosLog(text);
+        QTextStream(stderr) << text << '\n';
+        if (m_inRun && framework::Dialogs::someoneThere()) {
+            framework::Dialogs::error(this, text);
+            return;  // a person at the screen finds the windows as they were
+        }
+    }
+    if (m_exitStatus == ExitStatus::Failed && !m_problems.isEmpty())
+        QTextStream(stderr) << m_problems.join(QLatin1Char('\n')) << '\n';
+    else if (m_exitStatus == ExitStatus::AlreadyRun)
+        QTextStream(stderr) << kAlreadyRunText << '\n';
+    else if (m_exitStatus == ExitStatus::Unavailable)
+        QTextStream(stderr) << "Eräajon määrittelyä ei löydy, katso " << company::AlvMuutosLogName()
+                            << '\n';
+    if (m_changeForm != nullptr)
+        m_changeForm->close();
+    close();
+}
+
+void TMainForm::BtnLogClick() {
+    // A log that is not there yet goes to the desktop, too: it says so in its own way.
+    const QString fileName = company::AlvMuutosLogName();
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(fileName).absoluteFilePath())))
+        framework::Dialogs::error(this, QStringLiteral("Lokia ei voitu avata: ") + fileName);
+}
+
+void TMainForm::TalletaClick() {
+    if (!m_listRead) {
+        framework::Dialogs::error(
+            this, QStringLiteral("Talletettua luetteloa ei voitu lukea, joten sitä ei korvata.\n"
+                                 "Korjaa tiedosto ja käynnistä ohjelma uudelleen: ") +
+                      company::AlvMuutosIniName());
+        return;
+    }
+    framework::reportErrors(
+        this, [this] { company::writeBatchList(company::AlvMuutosIniName(), batchList()); });
+}
+
+void TMainForm::Button1Click() {
+    framework::reportErrors(this, [this] {
+        if (!framework::Dialogs::ask(this,
+                                     QStringLiteral("Haluatko varmasti poistaa ajomerkinnän? \r"
+                                                    "alv muutos voidaan ajaa silloin uudestaan")))
+            return;
+        const int deleted = company::DeleteExecutionMark(company::companyDatabase());
+        framework::Dialogs::message(this, deleted < 1 ? QStringLiteral("Ajomerkintää ei ollut")
+                                                      : QStringLiteral("Ajomerkintä poistettu"));
+    });
+}
+
+void TMainForm::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (!BatchMode || m_batchStarted)
+        return;
+    m_batchStarted = true;
+    // From the event loop, so that the end of the batch can end it.
+    QTimer::singleShot(0, this, &TMainForm::BitBtn1Click);
+}
+
+void TMainForm::closeEvent(QCloseEvent* event) {
+    if (m_changeForm != nullptr && !m_changeForm->close()) {
+        event->ignore();
+        return;
+    }
+    QWidget::closeEvent(event);
+    QCoreApplication::exit(static_cast<int>(m_exitStatus));
+}
+
+}  // namespace shell

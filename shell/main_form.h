@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+#include <QWidget>
+#include <array>
+
+#include "company/batch_list.h"
+#include "shell/batch.h"
+#include "vatchange/form/change_form.h"
+
+namespace shell {
+
+/// The main window: the company's VAT classes, the batch list, and the ways to the change form, the
+/// change log and the run mark. With "/E" it drives the batch and ends the program.
+class TMainForm : public QWidget {
+    Q_OBJECT
+  public:
+    explicit TMainForm(QWidget* parent = nullptr);
+    ~TMainForm() override;
+
+    /// Set before the window is shown: the batch starts when it is.
+    bool BatchMode = false;
+
+    /// Fills the window: definition names, batch list, VAT classes. Called again when the change
+    /// form closes: the names are then added once more to the lists of Maar2..Maar4, and VAT class
+    /// labels only gain findings. Each part is read for itself.
+    /// @return why parts could not be read, in Finnish; empty when all were.
+    QStringList alusta();
+    /// Shows the company in use.
+    void showCompany();
+
+    void BitBtn1Click();
+    void BtnLogClick();
+    void TalletaClick();
+    void Button1Click();
+
+    company::BatchList batchList() const;
+    vatchange::TAlvMuutosLomake* changeForm() const { return m_changeForm; }
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    void buildLayout();
+    QGroupBox* buildBatchPart();
+    QGroupBox* buildClassPart();
+    QLayout* buildButtons();
+    QLayout* buildFoot();
+    void readNames();
+    void readBatchList();
+    void showBatchList(const company::BatchList& list);
+    void readVatClasses();
+    bool alreadyRun() const;
+    void openChangeForm();
+    void changeFormClosed();
+    void runBatchAndLeave();
+    ExitStatus runWholeBatch();
+
+    std::array<QComboBox*, 4> m_definitions{};
+    std::array<QLabel*, 4> m_rateLabels{};
+    QLabel* m_company = nullptr;
+    QPushButton* m_open = nullptr;
+    QPointer<vatchange::TAlvMuutosLomake> m_changeForm;
+    QStringList m_problems;   ///< what alusta() could not read
+    bool m_listRead = false;  ///< the batch list of the file has been shown: it may be replaced
+    bool m_batchStarted = false;
+    bool m_inRun = false;  ///< a batch is carrying out a definition, or an error ended it there
+    ExitStatus m_exitStatus = ExitStatus::Done;  ///< of the program, when the window closes
+};
+
+}  // namespace shell

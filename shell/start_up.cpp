@@ -1,0 +1,235 @@
+#include "shell/start_up.h"
+
+#include <QDialog>
+#include <QTextStream>
+#include <algorithm>
+#include <array>
+#include <memory>
+
+#include "company/company.h"
+#include "company/connection_module.h"
+#include "company/logs.h"
+#include "data/error.h"
+#include "framework/ui/company_choice.h"
+#include "framework/ui/dialogs.h"
+#include "framework/ui/finnish_texts.h"
+#include "framework/ui/help.h"
+#include "framework/ui/splash.h"
+#include "platform/command_line.h"
+#include "platform/dictionary_module.h"
+#include "shell/build_stamp.h"
+#include "shell/main_form.h"
+#include "shell/program_title.h"
+
+namespace shell {
+
+namespace {
+
+constexpr int kSplashProgressMaximum = 100;
+constexpr int kSplashProgressAtStart = 20;
+
+const QString kHelp = QStringLiteral(
+    "Taksavaihe - alv-luokkien ja hintojen muutokset\n"
+    "\n"
+    "Käyttö: taksavaihe [YRITYS] [/E] [/U] [/EP]\n"
+    "\n"
+    "  YRITYS            yrityksen nimi; ilman sitä yritys valitaan luettelosta\n"
+    "  /E                eräajo: ajaa talletetut määrittelyt ilman käyttäjää ja lopettaa\n"
+    "  /U                ajaa muutoksen, vaikka se on jo kertaalleen ajettu\n"
+    "  /EP               jättää päivämäärän tarkastuksen tekemättä\n"
+    "  /unimonitor       jäljittää kaikki SQL-lauseet\n"
+    "  /uniquerydebug    jäljittää kyselyt\n"
+    "  /UNIDACDEBUG      jäljittää kyselyt parametreineen (ei ensimmäisenä parametrina)\n"
+    "  --help, --version\n"
+    "\n"
+    "Eräajon paluuarvo: 0 kaikki onnistui, 1 määrittely hylättiin tai jokin epäonnistui,\n"
+    "2 yritystä, sen tietokantaa tai eräajon määrittelyä ei löydy tai valitsin on tuntematon,\n"
+    "3 muutos on jo ajettu.\n");
+
+bool anyOf(const QStringList& parameters, std::initializer_list<const char*> wanted) {
+    for (const char* text : wanted) {
+        if (parameters.contains(QLatin1String(text), Qt::CaseInsensitive))
+            return true;
+    }
+    return false;
+}
+
+int tell(ExitStatus status, const QString& text) {
+    QTextStream(stderr) << text << '\n';
+    return static_cast<int>(status);
+}
+
+// Switches that the program does not know, as they were typed. A batch must not run with one: what
+// it was to do instead ("rehearse only") would not be done.
+QStringList unknownSwitches() {
+    static constexpr std::array kKnown = {
+        "/E", "/U", "/EP", "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
+    QStringList unknown;
+    for (const QString& parameter : platform::parameters()) {
+        const bool isSwitch =
+            parameter.startsWith(QLatin1Char('/')) || parameter.startsWith(QLatin1Char('-'));
+        if (isSwitch && std::none_of(kKnown.begin(), kKnown.end(), [&](const char* known) {
+                return company::sameSwitch(parameter, QLatin1String(known));
+            }))
+            unknown += parameter;
+    }
+    return unknown;
+}
+
+// The parameter that was meant as the company's name, for the error text.
+QString wantedCompany() {
+    for (const QString& parameter : platform::parameters()) {
+        if (!parameter.startsWith(QLatin1Char('/')) && !parameter.startsWith(QLatin1Char('-')))
+            return parameter;
+    }
+    return {};
+}
+
+// Nobody is there to answer a dialog.
+bool unattended() {
+    return platform::hasSwitch(QStringLiteral("/E")) || !framework::Dialogs::someoneThere();
+}
+
+// Shows why the program cannot start, or writes it to standard error. @return the exit status.
+int refuse(ExitStatus status, const QString& text) {
+    if (unattended())
+        return tell(status, text);
+    framework::Dialogs::error(nullptr, text);
+    return static_cast<int>(status);
+}
+
+// The invisible platform complains of what it cannot do; an unattended run's standard error is for
+// what went wrong.
+QtMessageHandler otherMessages = nullptr;
+void leaveOutPlatformComplaints(QtMsgType type, const QMessageLogContext& context,
+                                const QString& text) {
+    if (!text.startsWith(QLatin1String("This plugin does not support")))
+        otherMessages(type, context, text);
+}
+
+enum class Choice { Made, Cancelled, Impossible };
+
+Choice chooseCompany() {
+    framework::TYritysValinta choice;
+    if (choice.OnParametrina())
+        return Choice::Made;
+    if (unattended())
+        return Choice::Impossible;
+    return choice.exec() == QDialog::Accepted ? Choice::Made : Choice::Cancelled;
+}
+
+}  // namespace
+
+QString answerWithoutWindows(const QStringList& parameters) {
+    if (anyOf(parameters, {"--help", "-h", "/?"}))
+        return kHelp;
+    if (anyOf(parameters, {"--version"}))
+        return QStringLiteral("Taksavaihe ") + buildStamp() + QLatin1Char('\n');
+    return {};
+}
+
+bool preparePlatform(const QStringList& parameters, QString& problem) {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
+    const bool unattended = platform::hasSwitch(QStringLiteral("/E"));
+    if (anyOf(parameters, {"-platform", "--platform"}) || (!chosen.isEmpty() && !unattended))
+        return true;
+    const bool x11 = !qEnvironmentVariableIsEmpty("DISPLAY");
+    const bool wayland = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (unattended) {
+        // Tried in turn: the display that is named may be gone.
+        QByteArrayList platforms;
+        if (!chosen.isEmpty()) {
+            platforms.append(chosen);
+        } else {
+            if (wayland)
+                platforms.append("wayland");
+            if (x11)
+                platforms.append("xcb");
+        }
+        platforms.append("offscreen");
+        qputenv("QT_QPA_PLATFORM", platforms.join(';'));
+        return true;
+    }
+    if (x11 || wayland)
+        return true;
+    problem = QStringLiteral(
+        "Näyttöä ei ole (DISPLAY tai WAYLAND_DISPLAY). Ilman näyttöä ohjelma toimii eräajona: "
+        "taksavaihe YRITYS /E");
+    return false;
+#else
+    Q_UNUSED(parameters);
+    Q_UNUSED(problem);
+    return true;
+#endif
+}
+
+int runProgram(QApplication& application) {
+    const bool batch = platform::hasSwitch(QStringLiteral("/E"));
+    QApplication::setApplicationVersion(buildStamp());
+    framework::useFinnishTexts();
+    framework::installHelpKey();
+    if (!framework::Dialogs::someoneThere())
+        otherMessages = qInstallMessageHandler(leaveOutPlatformComplaints);
+    company::setLogErrorReport([](const QString& text) { QTextStream(stderr) << text << '\n'; });
+    company::TZavDbConnectionModule::setNotice(framework::showNotice);
+    if (const QStringList unknown = unknownSwitches(); !unknown.isEmpty()) {
+        const int status = tell(ExitStatus::Unavailable, QStringLiteral("Tuntematon valitsin: ") +
+                                                             unknown.join(QStringLiteral(", ")));
+        if (batch)
+            return status;
+    }
+
+    auto splash = std::make_unique<framework::TZAVLogoForm>();
+    splash->AsetaTiedot(kProgramTitle, kProgramVersion);
+    splash->progressBar()->setMaximum(kSplashProgressMaximum);
+    splash->showNow();
+    splash->progressBar()->setValue(kSplashProgressAtStart);
+
+    try {
+        platform::loadDictionaryModule();
+        switch (chooseCompany()) {
+            case Choice::Made:
+                break;
+            case Choice::Cancelled:
+                return static_cast<int>(ExitStatus::Done);
+            case Choice::Impossible:
+                return tell(ExitStatus::Unavailable,
+                            wantedCompany().isEmpty()
+                                ? QStringLiteral("Yrityksen nimi puuttuu")
+                                : QStringLiteral("Yritystä ei löydy: ") + wantedCompany());
+        }
+    } catch (const std::exception& e) {
+        splash.reset();
+        return refuse(ExitStatus::Unavailable, data::errorText(e));
+    }
+    splash->repaint();
+
+    try {
+        company::companyDatabase();
+    } catch (const std::exception& e) {
+        splash.reset();
+        return refuse(ExitStatus::Unavailable, data::errorText(e));
+    }
+
+    TMainForm mainForm;
+    mainForm.BatchMode = batch;
+    const QStringList problems = mainForm.alusta();
+    if (!problems.isEmpty() && !batch) {  // a batch tells of them after it looked at the run mark
+        splash.reset();
+        const QString text = problems.join(QLatin1Char('\n'));
+        if (unattended()) {
+            for (const QString& problem : problems)
+                company::WriteAlvMuutosLog(problem);
+            return tell(ExitStatus::Failed, text);
+        }
+        framework::Dialogs::error(&mainForm, text);
+    }
+    splash.reset();
+    QApplication::setQuitOnLastWindowClosed(false);  // the main window ends the program
+    mainForm.showCompany();
+    mainForm.show();
+    return application.exec();
+}
+
+}  // namespace shell

@@ -1,0 +1,259 @@
+#include "engines/shops/shop_records.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+
+#include "data/record/record_codec.h"
+#include "engines/embedded/embedded_database.h"
+#include "tests/support/client_peer/peer_company.h"
+
+using namespace data;
+using engines::shops::ShopDatabaseSettings;
+using engines::shops::ShopRecords;
+using test::PeerDatabases;
+
+namespace {
+
+QString str(const char* text) {
+    return QString::fromUtf8(text);
+}
+
+template <typename Call>
+DataError errorOf(Call call) {
+    try {
+        call();
+    } catch (const DataError& error) {
+        return error;
+    }
+    ADD_FAILURE() << "no error was thrown";
+    return DataError(ErrorKind::Engine, QString(), QStringLiteral("none"));
+}
+
+class ShopRecordsTest : public ::testing::Test {
+  protected:
+    ShopRecordsTest() {
+        engines::createEmbedded(store(), allTableSources());
+        run("insert into ALVKANTA (luokka, Selite, Prosentti) values (3, 'Yleinen', 24)");
+        run("insert into ALVKANTA (luokka, Prosentti) values (5, 25.5)");
+    }
+
+    QString store() const { return m_store.path(); }
+    void run(const char* sql) {
+        engines::openEmbedded(str("varasto"), store())->prepare(str(sql))->execute();
+    }
+    /// A database of this name that the peer knows by it.
+    ShopDatabaseSettings database(const QString& name, const QString& peculiarities = {}) {
+        m_databases.add(name, store(), peculiarities);
+        return settings(name);
+    }
+    ShopDatabaseSettings settings(const QString& name) const {
+        ShopDatabaseSettings made;
+        made.name = name;
+        made.folder = m_folder.path();
+        made.clientLibrary = PeerDatabases::library();
+        return made;
+    }
+
+    QTemporaryDir m_store;
+    QTemporaryDir m_folder;
+    PeerDatabases m_databases;
+};
+
+TEST_F(ShopRecordsTest, TablesAreOpenedByTheDatabasesName) {
+    ShopRecords records(database(str("Åkerin & pojat?=50%#1")));
+    EXPECT_TRUE(records.tableNames().contains(str("MTRIVI")));
+    const auto rates = records.openTable(str("alvkanta"));
+    EXPECT_EQ(rates->recordCount(), 2);
+    const auto found = rates->seek(0, SeekOp::Equal, {3}, 5);
+    ASSERT_EQ(found.size(), 1);
+    const RecordLayout& layout = rates->layout();
+    EXPECT_EQ(readText(layout.field(layout.indexOf(str("Selite"))),
+                       reinterpret_cast<const uchar*>(found[0].bytes.constData())),
+              str("Yleinen"));
+    // The catalogue's own tables are tables like others.
+    EXPECT_GT(records.openTable(str("X$Field"))->recordCount(), 800);
+    EXPECT_EQ(records.openTable(str("MT"))->keys().size(), 2);
+}
+
+TEST_F(ShopRecordsTest, WithoutTheNameByTheFilesOfTheFolder) {
+    run("update X$File set Xf$Loc = 'ALV.MKD' where Xf$Name = 'ALVKANTA'");
+    m_databases.add(m_folder.path(), store());
+    const ShopDatabaseSettings byFile = settings(str("nimetön"));
+    {
+        ShopRecords records(byFile);
+        const DataError error = errorOf([&] { records.openTable(str("ALVKANTA")); });
+        EXPECT_EQ(error.kind(), ErrorKind::NoConnection);
+        EXPECT_EQ(error.nativeCode(), 172);
+    }
+    QFile catalogue(m_folder.filePath(str("File.ddf")));
+    ASSERT_TRUE(catalogue.open(QIODevice::WriteOnly));
+    ShopRecords records(byFile);
+    EXPECT_EQ(records.openTable(str("ALVKANTA"))->recordCount(), 2);
+}
+
+TEST_F(ShopRecordsTest, WhatIsMissingIsToldWithAWayOut) {
+    ShopDatabaseSettings none = database(str("koe"));
+    none.clientLibrary = m_folder.filePath(str("eiole.so"));
+    const DataError library = errorOf([&] { ShopRecords records(none); });
+    EXPECT_EQ(library.kind(), ErrorKind::NoConnection);
+    EXPECT_EQ(library.table(), str("koe"));
+    EXPECT_TRUE(library.finnish().contains(str("eiole.so"))) << library.finnish().toStdString();
+    EXPECT_TRUE(library.finnish().contains(str("asetuksessa Engine/ClientLibrary")));
+    // A library that is there, but none of the record engine's.
+    none.clientLibrary = str("libsqlite3.so.0");
+    EXPECT_EQ(errorOf([&] { ShopRecords records(none); }).kind(), ErrorKind::NoConnection);
+
+    ShopRecords records(settings(str("koe")));
+    const DataError table = errorOf([&] { records.openTable(str("EIOLE")); });
+    EXPECT_EQ(table.kind(), ErrorKind::NoSuchTable);
+    EXPECT_EQ(table.table(), str("EIOLE"));
+}
+
+TEST_F(ShopRecordsTest, OwnerNames) {
+    ShopDatabaseSettings owned = database(str("oma"), str("owner=zav"));
+    {
+        ShopRecords records(owned);
+        const DataError refused = errorOf([&] { records.openTable(str("ALVKANTA")); });
+        EXPECT_EQ(refused.nativeCode(), 51);
+        EXPECT_TRUE(refused.finnish().contains(str("omistajanimi ei kelpaa")));
+        EXPECT_TRUE(refused.finnish().contains(str("OwnerName")));
+    }
+    owned.ownerName = str("zav");
+    ShopRecords records(owned);
+    EXPECT_EQ(records.openTable(str("ALVKANTA"))->recordCount(), 2);
+}
+
+TEST_F(ShopRecordsTest, ACatalogueThatDisagreesWithItsFileIsRefused) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"short", "ends at byte"}, {"key", "key 0, field luokka: byte 0, length 4; in the file 1"}};
+    for (const auto& [peculiarity, reason] : cases) {
+        ShopRecords records(database(str(peculiarity), str(peculiarity)));
+        const DataError error = errorOf([&] { records.openTable(str("ALVKANTA")); });
+        EXPECT_EQ(error.kind(), ErrorKind::Damaged);
+        EXPECT_EQ(error.table().toUpper(), str("ALVKANTA"));
+        EXPECT_TRUE(error.detail().contains(str(reason))) << error.what();
+    }
+}
+
+TEST_F(ShopRecordsTest, AnAnswerThatIsCutOffIsRefused) {
+    ShopRecords records(database(str("lyhyt"), str("cut")));
+    const auto rates = records.openTable(str("ALVKANTA"));
+    const DataError error = errorOf([&] { rates->fromEnd(0, Direction::Forward, 2); });
+    EXPECT_EQ(error.kind(), ErrorKind::Damaged);
+    EXPECT_TRUE(error.detail().contains(str("is cut off"))) << error.what();
+}
+
+TEST_F(ShopRecordsTest, AWalkAlongAKeyEndsWhereItsVisitorSays) {
+    run("insert into ALVKANTA (luokka) values (4)");
+    ShopRecords records(database(str("koe")));
+    const auto rates = records.openTable(str("ALVKANTA"));
+    std::vector<RecordId> inOrder;
+    for (const StoredRecord& record : rates->fromEnd(0, Direction::Forward, 5))
+        inOrder.push_back(record.id);
+    ASSERT_EQ(inOrder.size(), 3);
+    std::vector<RecordId> seen;
+    const auto last =
+        rates->visit(0, std::nullopt, Direction::Forward, 5, [&](RecordId id, const QByteArray&) {
+            seen.push_back(id);
+            return seen.size() < 2;
+        });
+    EXPECT_EQ(seen, std::vector<RecordId>(inOrder.begin(), inOrder.begin() + 2));
+    ASSERT_TRUE(last);
+    EXPECT_EQ(last->id, inOrder[1]);
+    seen.clear();
+    rates->visitIds(0, std::nullopt, 5, [&](RecordId id) { seen.push_back(id); });
+    EXPECT_EQ(seen, inOrder);
+}
+
+TEST_F(ShopRecordsTest, AnEngineThatNeverAnswersEndsAtTheLimit) {
+    ShopDatabaseSettings mute = database(str("mykkä"), str("silent"));
+    mute.statementLimit = std::chrono::milliseconds(200);
+    ShopRecords records(mute);
+    QElapsedTimer time;
+    time.start();
+    const DataError error = errorOf([&] { records.openTable(str("ALVKANTA")); });
+    EXPECT_LT(time.elapsed(), 2000);
+    EXPECT_EQ(error.kind(), ErrorKind::NoConnection);
+    EXPECT_TRUE(error.finnish().contains(str("ei vastannut 0.2 sekunnissa")));
+    // The next table is opened in a session of its own.
+    EXPECT_EQ(errorOf([&] { records.openTable(str("ALVKANTA")); }).kind(), ErrorKind::NoConnection);
+    EXPECT_LT(time.elapsed(), 3500);
+}
+
+TEST_F(ShopRecordsTest, TheOrderOfStorageGoesOnAfterOtherCalls) {
+    for (int i = 10; i < 30; ++i)
+        engines::openEmbedded(str("varasto"), store())
+            ->prepare(str("insert into ALVKANTA (luokka) values (%1)").arg(40 - i))
+            ->execute();
+    ShopRecords records(database(str("koe")));
+    const auto rates = records.openTable(str("ALVKANTA"));
+    std::vector<RecordId> seen;
+    const auto note = [&](RecordId id, const QByteArray&) {
+        seen.push_back(id);
+        return seen.size() % 3 != 0;
+    };
+    std::optional<RecordId> at;
+    while ((at = rates->visitStored(at, 5, note)))
+        rates->fromEnd(0, Direction::Backward, 2);
+    EXPECT_EQ(seen.size(), 22);
+    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));
+    // Taken up in the middle by somebody else.
+    const auto again = records.openTable(str("ALVKANTA"));
+    EXPECT_EQ(again->visitStored(seen[9], 1, [](RecordId, const QByteArray&) { return true; }),
+              seen[10]);
+    rates->remove(seen[3]);
+    EXPECT_EQ(errorOf([&] { again->visitStored(seen[3], 1, note); }).kind(), ErrorKind::Gone);
+}
+
+TEST_F(ShopRecordsTest, LocksAreCountedAndEndWithTheSession) {
+    const ShopDatabaseSettings koe = database(str("koe"));
+    auto first = std::make_unique<ShopRecords>(koe);
+    ShopRecords second(koe);
+    second.setLockWait(std::chrono::milliseconds(60));
+    auto mine = first->openTable(str("ALVKANTA"));
+    auto alsoMine = first->openTable(str("ALVKANTA"));
+    const auto theirs = second.openTable(str("ALVKANTA"));
+    const StoredRecord rate = mine->fromEnd(0, Direction::Forward, 1).front();
+    constexpr std::chrono::milliseconds kWait{60};
+
+    ASSERT_TRUE(mine->lock(rate.id, kWait));
+    ASSERT_TRUE(mine->lock(rate.id, kWait));
+    EXPECT_TRUE(alsoMine->lock(rate.id, kWait));  // the same program
+    alsoMine->update(rate.id, rate.bytes);
+    alsoMine->unlock(rate.id);
+    mine->unlock(rate.id);
+    QElapsedTimer time;
+    time.start();
+    EXPECT_FALSE(theirs->lock(rate.id, kWait));
+    EXPECT_GE(time.elapsed(), 55);
+    EXPECT_EQ(errorOf([&] { theirs->update(rate.id, rate.bytes); }).kind(), ErrorKind::Locked);
+    EXPECT_EQ(errorOf([&] { theirs->remove(rate.id); }).kind(), ErrorKind::Locked);
+    EXPECT_EQ(theirs->get(rate.id)->bytes, rate.bytes);  // read all the same
+    mine->unlock(rate.id);
+    EXPECT_TRUE(theirs->lock(rate.id, kWait));
+    theirs->unlock(rate.id);
+
+    ASSERT_TRUE(mine->lock(rate.id, kWait));
+    EXPECT_FALSE(theirs->lock(rate.id, kWait));
+    mine.reset();
+    alsoMine.reset();
+    first.reset();
+    EXPECT_TRUE(theirs->lock(rate.id, kWait));
+}
+
+TEST_F(ShopRecordsTest, NumbersAndUniqueKeysAreTheEngines) {
+    ShopRecords records(database(str("koe")));
+    const auto invoices = records.openTable(str("VAKIOLASKUTUS"));
+    QByteArray bytes(invoices->layout().recordLength(), '\0');
+    const QByteArray empty = bytes;
+    const RecordId first = invoices->insert(bytes);
+    EXPECT_EQ(invoices->get(first)->bytes, bytes);
+    EXPECT_NE(bytes, empty);  // it was numbered
+    EXPECT_EQ(errorOf([&] { invoices->insert(bytes); }).kind(), ErrorKind::DuplicateKey);
+    invoices->remove(first);
+    EXPECT_FALSE(invoices->get(first));
+    EXPECT_EQ(errorOf([&] { invoices->update(first, bytes); }).kind(), ErrorKind::Gone);
+}
+
+}  // namespace

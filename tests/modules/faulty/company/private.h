@@ -1,0 +1,2 @@
+#pragma once
+#include "engines/embedded/connection.h"

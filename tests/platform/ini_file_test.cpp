@@ -1,0 +1,175 @@
+#include "platform/ini_file.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include "company/batch_list.h"
+#include "data/error.h"
+#include "tests/support/company_folder.h"
+
+using platform::IniFile;
+
+namespace {
+
+QString str(const char* utf8) {
+    return QString::fromUtf8(utf8);
+}
+
+struct ReadCase {
+    const char* bytes;
+    const char* section;
+    const char* key;
+    const char* expected;  // UTF-8; nullptr: no such key
+};
+
+TEST(IniFile, ReadsWhatPeopleAndProgramsWrite) {
+    const ReadCase cases[] = {
+        {"[A]\nx=1\n", "A", "x", "1"},
+        {"[A]\r\nx=1", "a", "X", "1"},
+        {"[A]\rx=1\ry=2\r", "A", "y", "2"},
+        {"\xEF\xBB\xBF[A]\nx=1\n", "A", "x", "1"},
+        {"  [ A ]  ; note\n\tx =\t 1 2 \t\n", "A", "x", "1 2"},
+        {"[A]\nx=\n", "A", "x", ""},
+        {"[A]\nx=a=b;c#d\n", "A", "x", "a=b;c#d"},
+        {"[A]\nx=\"abc\"\n", "A", "x", "\"abc\""},
+        {"[A]\nx=\" abc\"\n", "A", "x", " abc"},
+        {"[A]\n;x=1\n#x=2\nx\n=3\n", "A", "x", nullptr},
+        {"[A]\nx=1\nX=2\n[a]\nx=3\ny=4\n", "A", "x", "1"},
+        {"[A]\nx=1\n[B]\nz=9\n[a]\ny=4\n", "A", "y", "4"},
+        {"x=0\n[A]\ny=1\n", "A", "x", nullptr},
+        {"[\xC4\xC4RI]\n\xF6=\xE5\x80\n", "ääri", "Ö", "å€"},             // Windows-1252
+        {"[\xC3\x84RI]\n\xC3\xB6=\xC5\x93\xCE\xA9\n", "äri", "Ö", "œΩ"},  // UTF-8
+        {"[A]\nx=\xC3\xA4 \xE4\n", "A", "x", "Ã¤ ä"},  // one bad byte: no UTF-8 at all
+        {"", "A", "x", nullptr},
+    };
+    for (const ReadCase& c : cases) {
+        const auto value = IniFile::parse(c.bytes, {}).value(str(c.section), str(c.key));
+        EXPECT_EQ(value.has_value(), c.expected != nullptr) << c.bytes;
+        if (value && c.expected) {
+            EXPECT_EQ(value->toStdString(), c.expected) << c.bytes;
+        }
+    }
+}
+
+TEST(IniFile, ValuesComeBackExactly) {
+    const char* const values[] = {
+        "",       " ",         "\t",   "  a b  ", "\"", "\"\"", "\"a\"",
+        "\" a\"", "\"\" \"\"", "'a '", "a\\nb",   ";x", "#x",   "[x]",
+        "a=b",    "<<<END",    "%1",   "äöåÄÖÅ€", "Ã¤", "Ω ä",  "\u00A0x\u00A0",
+        "\u0081"};
+    for (const char* value : values) {
+        IniFile ini;
+        ini.setValue(str("Jakso"), str("avain"), str(value));
+        const IniFile back = IniFile::parse(ini.toBytes(), {});
+        EXPECT_EQ(back.value(str("Jakso"), str("avain")).value_or(str("none")).toStdString(),
+                  value);
+    }
+    IniFile ini;
+    ini.setValue(str("A"), str("x"), QStringLiteral("1\r\n[B]\ny=2\r") + QChar(u'\0'));
+    EXPECT_EQ(IniFile::parse(ini.toBytes(), {}).value(str("A"), str("x")), str("1 [B] y=2  "));
+    EXPECT_FALSE(IniFile::parse(ini.toBytes(), {}).hasSection(str("B")));
+}
+
+TEST(IniFile, WritesWindows1252UnlessATextNeedsMore) {
+    const std::pair<const char*, QByteArray> cases[] = {
+        {"Kevät 5 €", "Kev\xE4t 5 \x80"},
+        {"Ω ä", "Ω ä"},  // not in Windows-1252: all of it UTF-8
+        {"Ã¤", "Ã¤"},    // C3 A4 would be read as UTF-8 ä
+        {"abc", "abc"},
+    };
+    for (const auto& [value, bytes] : cases) {
+        IniFile ini = IniFile::parse("[A]\nx=0\n", {});
+        ini.setValue(str("A"), str("x"), str(value));
+        EXPECT_EQ(ini.toBytes(), "[A]\nx=" + bytes + "\n") << value;
+    }
+}
+
+TEST(IniFile, EverythingElseSurvivesAChange) {
+    const QByteArray before =
+        "; head\r\nloose=1\r\n\r\n[ One ]\r\n  a = 1 ; kept\r\nno key here\r\n# why b\r\nB=2\r\n"
+        "\r\n[Two]\r\nx=\" q \"\r\n; tail";
+    IniFile ini = IniFile::parse(before, {});
+    EXPECT_EQ(ini.toBytes(), before + "\r\n");
+    EXPECT_EQ(ini.strayLine(), 6);
+    EXPECT_EQ(ini.strayLine(str("ONE")), 6);
+    EXPECT_EQ(ini.strayLine(str("Two")), 0);
+    ini.setValue(str("one"), str("b"), str("3"));
+    ini.setValue(str("ONE"), str("c"), str("4"));
+    ini.setValue(str("Two"), str("X"), str(" q "));  // as it was: the line stays
+    ini.setValue(str("Three"), str("y"), str("5"));
+    const QByteArray after =
+        "; head\r\nloose=1\r\n\r\n[ One ]\r\n  a = 1 ; kept\r\nno key here\r\n# why b\r\nB=3\r\n"
+        "c=4\r\n\r\n[Two]\r\nx=\" q \"\r\n; tail\r\n\r\n[Three]\r\ny=5\r\n";
+    EXPECT_EQ(ini.toBytes(), after);
+    EXPECT_EQ(ini.sections(), QStringList({str("One"), str("Two"), str("Three")}));
+    EXPECT_EQ(ini.keys(str("one")), QStringList({str("a"), str("B"), str("c")}));
+
+    EXPECT_TRUE(ini.removeKey(str("One"), str("b")));
+    EXPECT_FALSE(ini.removeKey(str("One"), str("b")));
+    EXPECT_TRUE(ini.removeSection(str("two")));
+    EXPECT_FALSE(ini.removeSection(str("two")));
+    EXPECT_EQ(ini.toBytes(),
+              "; head\r\nloose=1\r\n\r\n[ One ]\r\n  a = 1 ; kept\r\nno key here\r\n# why b\r\n"
+              "c=4\r\n\r\n[Three]\r\ny=5\r\n");
+}
+
+TEST(IniFile, BrokenFilesAreRefusedByNameAndLine) {
+    const std::pair<QByteArray, const char*> cases[] = {
+        {QByteArray("[A]\nx=1\nb\0=", 11), "line 3"},
+        {QByteArray("\xFF\xFE[\0A\0]\0", 8), "line 1"},
+        {"[A]\nx=1\n[B\ny=2\n", "line 3"},
+        {QByteArray(IniFile::kMaxSize + 1, 'x'), "too large"},
+    };
+    QTemporaryDir folder;
+    const QString name = folder.filePath(str("rikki.INI"));
+    for (const auto& [bytes, place] : cases) {
+        test::writeFile(name, bytes);
+        try {
+            IniFile::read(name);
+            ADD_FAILURE() << place << " was read";
+        } catch (const data::DataError& error) {
+            EXPECT_EQ(error.kind(), data::ErrorKind::Damaged);
+            EXPECT_EQ(error.table(), name);
+            EXPECT_TRUE(error.detail().contains(str(place))) << error.what();
+        }
+    }
+}
+
+TEST(IniFile, AFailedWriteNamesTheFileAndLeavesTheOldOne) {
+    QTemporaryDir folder;
+    IniFile ini;
+    ini.setValue(str("A"), str("x"), str("1"));
+    EXPECT_TRUE(IniFile::read(folder.filePath(str("none.ini"))).sections().isEmpty());
+    const QString missing = folder.filePath(str("gone/a.ini"));
+    try {
+        ini.write(missing);
+        ADD_FAILURE() << "written into a folder that is not there";
+    } catch (const data::DataError& error) {
+        EXPECT_EQ(error.table(), missing);
+    }
+    const QString taken = folder.filePath(str("taken.ini"));
+    ASSERT_TRUE(QDir().mkpath(taken + str("/x")));
+    EXPECT_THROW(ini.write(taken), data::DataError);
+    EXPECT_THROW(IniFile::read(taken), data::DataError);
+    EXPECT_TRUE(QDir(taken + str("/x")).exists());
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList());
+}
+
+TEST(DefinitionsFile, KeepsTheBatchListAndForeignKeys) {
+    QTemporaryDir folder;
+    const QString name = folder.filePath(str("uusi/ALVMUUTOS.INI"));
+    const company::BatchList list{str("Alv255"), QString(), str("Määritys [€]"), str(" Ω ")};
+    company::writeBatchList(name, list);
+    EXPECT_EQ(company::readBatchList(name), list);
+
+    test::writeFile(name, "[Muu]\nx=1\n[asetukset]\nMAAR2=\xC4\xE4kk\xF6set\noma=2\n");
+    EXPECT_EQ(company::readBatchList(name),
+              (company::BatchList{QString(), str("Ääkköset"), QString(), QString()}));
+    company::writeBatchList(name, {str("a"), str("b"), QString(), QString()});
+    EXPECT_EQ(test::fileBytes(name),
+              "[Muu]\nx=1\n[asetukset]\nMAAR2=b\noma=2\nmaar1=a\nmaar3=\nmaar4=\n");
+}
+
+}  // namespace

@@ -1,2 +1,0 @@
-#include "app/company/company.h"
-#include "data/value.h"

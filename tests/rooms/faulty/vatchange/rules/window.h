@@ -1,3 +1,0 @@
-#include <QWidget>
-#include "data/engine.h"
-#include "vatchange/rules/rounding.h"
