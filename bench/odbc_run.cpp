@@ -26,7 +26,7 @@ class Company : public data::Database {
     }
     QString name() const override { return m_records->name(); }
     QStringList tableNames() override { return m_records->tableNames(); }
-    std::unique_ptr<data::RecordFile> openTable(const QString& tableName) override {
+    std::unique_ptr<data::TableFile> openTable(const QString& tableName) override {
         return m_records->openTable(tableName);
     }
     std::unique_ptr<data::SqlStatement> prepare(const QString& sql) override {

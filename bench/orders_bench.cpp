@@ -60,7 +60,7 @@ class Filler {
     void store() { m_file->insert(m_bytes); }
 
   private:
-    std::unique_ptr<data::RecordFile> m_file;
+    std::unique_ptr<data::TableFile> m_file;
     QByteArray m_bytes;
 };
 

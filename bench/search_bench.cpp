@@ -72,7 +72,7 @@ void idle(search::TBtrHakuForm& form) {
 // ordinary table of the same database library.
 class PlainTable {
   public:
-    explicit PlainTable(data::RecordFile& file) {
+    explicit PlainTable(data::TableFile& file) {
         sqlite3_open((m_folder.path() + QStringLiteral("/plain.db")).toUtf8().constData(), &m_db);
         run("pragma journal_mode=off; pragma mmap_size=17179869184; pragma cache_size=-65536;");
         run("create table tuote (id integer primary key, numero text, rest1 blob, nimi text, rest2 "
@@ -148,7 +148,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     data::Database& database = company::companyDatabase();
-    const std::unique_ptr<data::RecordFile> file = database.openTable(QStringLiteral("TUOTE"));
+    const std::unique_ptr<data::TableFile> file = database.openTable(QStringLiteral("TUOTE"));
     const qint64 products = file->recordCount();
     std::printf("%lld products\n", static_cast<long long>(products));
     {

@@ -13,7 +13,7 @@ struct Alias {
     QString localFilePath;  ///< local folder, may be empty
     QString ownerName;      ///< owner of the record files where the engine wants one, mostly empty
     // Of a company of the shops' engine, all mostly empty:
-    QString server = {};      ///< host of the record engine; empty: this machine
+    QString server = {};      ///< host of the shops' engine; empty: this machine
     QString dataSource = {};  ///< ODBC data source; empty: the company's name
     QString userName = {};    ///< of the data source and the database
     QString password = {};

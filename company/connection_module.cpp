@@ -11,7 +11,7 @@
 #include "company/company.h"
 #include "engines/embedded/embedded_database.h"
 #include "engines/shops/odbc_connection.h"
-#include "engines/shops/shop_database.h"
+#include "engines/shops/shops_database.h"
 #include "platform/command_line.h"
 #include "platform/text_order.h"
 
@@ -43,8 +43,8 @@ std::chrono::milliseconds secondsOf(const QString& setting, std::chrono::millise
     return std::chrono::milliseconds(std::llround(seconds * kMillisecondsPerSecond));
 }
 
-engines::shops::ShopDatabaseSettings shopSettings(const Alias& alias) {
-    engines::shops::ShopDatabaseSettings settings;
+engines::shops::ShopsDatabaseSettings shopsSettings(const Alias& alias) {
+    engines::shops::ShopsDatabaseSettings settings;
     settings.name = alias.name;
     settings.folder = alias.physicalName;
     settings.ownerName = alias.ownerName;
@@ -175,7 +175,7 @@ std::unique_ptr<data::Database> TZavDbConnectionModule::openByAlias(const QStrin
     // Without a folder it is one that the shops' engine knows by its name.
     if (!folder.isEmpty() && engines::hasEmbeddedDatabase(folder))
         return engines::openEmbedded(alias->name, folder);
-    return engines::shops::openShopDatabase(shopSettings(*alias));
+    return engines::shops::openShopsDatabase(shopsSettings(*alias));
 }
 
 data::Database& companyDatabase() {

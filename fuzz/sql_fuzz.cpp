@@ -10,9 +10,9 @@
 #include "engines/embedded/company_file.h"
 #include "engines/embedded/connection.h"
 #include "engines/embedded/embedded_database.h"
-#include "engines/embedded/record_file.h"
-#include "engines/embedded/record_table.h"
 #include "engines/embedded/sql_statement.h"
+#include "engines/embedded/stored_table.h"
+#include "engines/embedded/table_file.h"
 
 namespace {
 
@@ -98,8 +98,8 @@ class Company {
     // Each key shows every record once, in the order of the keys' values.
     void requireOrder() {
         for (const char* name : kTables) {
-            RecordTable& table = m_connection->table(QLatin1String(name));
-            EmbeddedRecordFile records(m_connection, table);
+            StoredTable& table = m_connection->table(QLatin1String(name));
+            EmbeddedTableFile records(m_connection, table);
             std::set<RecordId> stored;
             records.visitStored(std::nullopt, 1 << 20, [&](RecordId id, const QByteArray&) {
                 stored.insert(id);
@@ -125,7 +125,7 @@ class Company {
     QByteArray contents() {
         QByteArray all;
         for (const char* name : kTables) {
-            EmbeddedRecordFile records(m_connection, m_connection->table(QLatin1String(name)));
+            EmbeddedTableFile records(m_connection, m_connection->table(QLatin1String(name)));
             records.visitStored(std::nullopt, 1 << 20, [&](RecordId id, const QByteArray& bytes) {
                 all += QByteArray::number(id) + bytes;
                 return true;

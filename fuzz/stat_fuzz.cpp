@@ -1,4 +1,4 @@
-// Any bytes as the record engine's description of a file: an error, or keys that lie in the record.
+// Any bytes as the shops' engine's description of a file: an error, or keys that lie in the record.
 
 #include <cstdlib>
 

@@ -65,7 +65,7 @@ cmake -G Ninja -S . -B build-win-host -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TE
 cmake --build build-win-host --target dictc
 cmake --preset windows >/dev/null
 targets=(taksavaihe zavdb)
-[ "$smoke" = no ] || targets+=(hold_record client_peer)
+[ "$smoke" = no ] || targets+=(hold_record fake_client)
 cmake --build --preset windows --target "${targets[@]}"
 
 version=$(sed -n 's/^project(taksavaihe VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
@@ -94,6 +94,6 @@ fi
 if [ "$smoke" = yes ]; then
     # shellcheck disable=SC2086,SC2154
     install_packages $packages_windows_smoke
-    cp build-windows/bin/{hold_record.exe,client_peer.dll} "$release/"
+    cp build-windows/bin/{hold_record.exe,fake_client.dll} "$release/"
     tests/windows/smoke.sh "$release" build/bin
 fi

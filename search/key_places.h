@@ -14,7 +14,7 @@ class KeyPlaces {
   public:
     static constexpr qint64 kStep = 2048;
 
-    explicit KeyPlaces(data::RecordFile& file, int key = 0) : m_file(&file), m_key(key) {}
+    explicit KeyPlaces(data::TableFile& file, int key = 0) : m_file(&file), m_key(key) {}
 
     /// Starts over with a key; counts the records again.
     void reset(int key);
@@ -35,7 +35,7 @@ class KeyPlaces {
     data::KeyValues keyValues(const data::StoredRecord& record) const;
 
   private:
-    data::RecordFile* m_file;
+    data::TableFile* m_file;
     int m_key = 0;
     qint64 m_count = 0;
     std::vector<data::StoredRecord> m_known;  // the records at 0, kStep, 2 x kStep ...

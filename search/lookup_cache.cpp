@@ -38,7 +38,7 @@ const LookupCache::Row* LookupCache::find(const data::KeyValues& values) {
 void LookupCache::open() {
     if (m_file || m_missing)
         return;
-    std::unique_ptr<data::RecordFile> file;
+    std::unique_ptr<data::TableFile> file;
     try {
         file = m_database.openTable(m_tableName);
     } catch (const data::DataError& error) {

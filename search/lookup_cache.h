@@ -44,7 +44,7 @@ class LookupCache {
     int m_key;
     QStringList m_fieldNames;
     std::vector<int> m_fields;  // indexes into the layout
-    std::unique_ptr<data::RecordFile> m_file;
+    std::unique_ptr<data::TableFile> m_file;
     bool m_missing = false;  // the company has no such table
     QCache<QString, Entry> m_rows;
 };

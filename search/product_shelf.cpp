@@ -20,7 +20,7 @@ const uchar* bytesOf(const QByteArray& record) {
 }  // namespace
 
 QSet<QString> productsByShelfPlace(data::Database& database, int store, const QString& text) {
-    const std::unique_ptr<data::RecordFile> stock = database.openTable(QStringLiteral("VARSALDO"));
+    const std::unique_ptr<data::TableFile> stock = database.openTable(QStringLiteral("VARSALDO"));
     const data::RecordLayout& layout = stock->layout();
     const data::TFieldCacheItem& product = layout.field(layout.indexOf(QStringLiteral("TUOTE")));
     const data::Filter filter(dropExpression(kShelfPlace, data::Kind::String, text), layout);

@@ -7,7 +7,7 @@
 namespace search {
 
 /// Whether a record belongs to a view. The bytes live only during the call.
-using RowTest = data::RecordFile::Visitor;
+using RowTest = data::TableFile::Visitor;
 
 /// Tests records by a filter expression; empty when the expression is. The layout must live on.
 /// @throws data::DataError(Syntax, NoSuchField)

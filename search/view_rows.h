@@ -36,7 +36,7 @@ class ViewRows {
         bool any() const { return before != 0 || after != 0 || learned; }
     };
 
-    explicit ViewRows(data::RecordFile& file) : m_file(&file), m_places(file) {}
+    explicit ViewRows(data::TableFile& file) : m_file(&file), m_places(file) {}
 
     /// Another view, not walked yet: learn() follows.
     /// @throws data::DataError(BadValue) for a range that does not fit the key; the view stays.
@@ -94,7 +94,7 @@ class ViewRows {
     qint64 rowInKnown(const data::StoredRecord& record);
     void limits();
 
-    data::RecordFile* m_file;
+    data::TableFile* m_file;
     KeyPlaces m_places;
     std::optional<KeyRange> m_range;
     RowTest m_test;

@@ -22,7 +22,7 @@ enum class Kind : quint16 {
     LargeInt = 18
 };
 
-/// On-disk encoding: the record engine's data type codes, and two of the dictionary's own.
+/// On-disk encoding: the shops' engine's data type codes, and two of the dictionary's own.
 enum class Storage : quint16 {
     String = 0,           ///< blank-padded characters
     Integer = 1,          ///< signed, little-endian, 1, 2, 4 or 8 bytes

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kBatch = 512;
 
-std::vector<StoredRecord> batch(RecordFile& file, int key, const std::optional<StoredRecord>& from,
+std::vector<StoredRecord> batch(TableFile& file, int key, const std::optional<StoredRecord>& from,
                                 Direction direction, qint64 max) {
     const int size = static_cast<int>(std::min<qint64>(max, kBatch));
     return from ? file.next(key, *from, direction, size) : file.fromEnd(key, direction, size);
@@ -20,8 +20,8 @@ std::vector<StoredRecord> batch(RecordFile& file, int key, const std::optional<S
 
 }  // namespace
 
-std::optional<StoredRecord> RecordFile::skip(int key, const std::optional<StoredRecord>& from,
-                                             Direction direction, qint64 count) {
+std::optional<StoredRecord> TableFile::skip(int key, const std::optional<StoredRecord>& from,
+                                            Direction direction, qint64 count) {
     std::optional<StoredRecord> at = from;
     qint64 passed = 0;
     while (passed < count) {
@@ -34,8 +34,8 @@ std::optional<StoredRecord> RecordFile::skip(int key, const std::optional<Stored
     return at;
 }
 
-qint64 RecordFile::countBetween(int key, const std::optional<StoredRecord>& from,
-                                const StoredRecord& to) {
+qint64 TableFile::countBetween(int key, const std::optional<StoredRecord>& from,
+                               const StoredRecord& to) {
     // Walks back from `to`, so that both ends may be records that are gone.
     KeyValues first;
     if (from) {
@@ -59,8 +59,8 @@ qint64 RecordFile::countBetween(int key, const std::optional<StoredRecord>& from
     }
 }
 
-std::optional<StoredRecord> RecordFile::visit(int key, const std::optional<StoredRecord>& from,
-                                              Direction direction, int max, const Visitor& see) {
+std::optional<StoredRecord> TableFile::visit(int key, const std::optional<StoredRecord>& from,
+                                             Direction direction, int max, const Visitor& see) {
     std::optional<StoredRecord> at = from;
     std::optional<StoredRecord> last;
     qint64 left = max;
@@ -80,8 +80,8 @@ std::optional<StoredRecord> RecordFile::visit(int key, const std::optional<Store
     return last;
 }
 
-std::optional<RecordId> RecordFile::visitStored(std::optional<RecordId> after, int max,
-                                                const Visitor& see) {
+std::optional<RecordId> TableFile::visitStored(std::optional<RecordId> after, int max,
+                                               const Visitor& see) {
     std::optional<StoredRecord> from;
     if (after) {
         from = get(*after);
@@ -93,9 +93,8 @@ std::optional<RecordId> RecordFile::visitStored(std::optional<RecordId> after, i
     return last ? std::optional(last->id) : std::nullopt;
 }
 
-std::optional<StoredRecord> RecordFile::visitIds(int key, const std::optional<StoredRecord>& from,
-                                                 int max,
-                                                 const std::function<void(RecordId)>& see) {
+std::optional<StoredRecord> TableFile::visitIds(int key, const std::optional<StoredRecord>& from,
+                                                int max, const std::function<void(RecordId)>& see) {
     return visit(key, from, Direction::Forward, max, [&see](RecordId id, const QByteArray&) {
         see(id);
         return true;

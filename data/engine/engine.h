@@ -34,9 +34,9 @@ enum class Direction { Forward, Backward };
 /// The records of one table. No call leaves anything open in the engine: what it returns is a copy,
 /// and a later call finds the database as it is then. Fewer than `max` records come only from the
 /// end of the key (with Equal: of the matching values). All calls throw DataError on failure.
-class RecordFile {
+class TableFile {
   public:
-    virtual ~RecordFile() = default;
+    virtual ~TableFile() = default;
 
     virtual const RecordLayout& layout() const = 0;
     virtual const std::vector<KeyDef>& keys() const = 0;  ///< in key number order
@@ -139,7 +139,7 @@ class Database {
 
     /// Opens a table's records. The layout comes from the catalogue when that lists the table, else
     /// from its compiled dictionary. @throws DataError(NoSuchTable).
-    virtual std::unique_ptr<RecordFile> openTable(const QString& tableName) = 0;
+    virtual std::unique_ptr<TableFile> openTable(const QString& tableName) = 0;
 
     /// @throws DataError(Syntax, NoSuchTable ...). A short cache keeps prepared statements by text.
     virtual std::unique_ptr<SqlStatement> prepare(const QString& sql) = 0;
@@ -148,7 +148,7 @@ class Database {
     virtual void setLockWait(std::chrono::milliseconds wait) = 0;
 
     /// False where records and SQL reach the engine as two sessions, so that a lock taken with
-    /// RecordFile::lock() stops the same program's statements too: it has to be given back before
+    /// TableFile::lock() stops the same program's statements too: it has to be given back before
     /// a statement that writes the record.
     virtual bool statementsPassRecordLocks() const { return true; }
 

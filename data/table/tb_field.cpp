@@ -122,7 +122,7 @@ RecordId TtbTable::recordId() const {
     return m_current && m_state != TableState::Insert ? m_current->id : 0;
 }
 
-RecordFile& TtbTable::file() {
+TableFile& TtbTable::file() {
     requireOpen();
     return *m_file;
 }

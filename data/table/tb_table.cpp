@@ -5,7 +5,7 @@
 
 #include "data/record/field_text.h"
 #include "data/record/filter.h"
-#include "data/table/record_view.h"
+#include "data/table/key_view.h"
 
 namespace data {
 
@@ -51,7 +51,7 @@ void TtbTable::open() {
         buildFields();
         if (!m_filterText.trimmed().isEmpty())
             m_filter = std::make_unique<Filter>(m_filterText, m_file->layout());
-        m_view = std::make_unique<RecordView>(*m_file, *index);
+        m_view = std::make_unique<KeyView>(*m_file, *index);
         updateAcceptance();
         first();
     } catch (...) {
@@ -133,7 +133,7 @@ void TtbTable::setIndexName(const QString& number) {
         throw DataError(ErrorKind::NoSuchField, m_tableName,
                         QStringLiteral("index %1").arg(number));
     const KeyDef& before = currentIndex();
-    const std::optional<RecordView::Range> range = m_view->range();
+    const std::optional<KeyView::Range> range = m_view->range();
     changeView(true, [&](bool undo) {
         m_view->setKey(undo ? before : *index);
         if (undo)
@@ -253,8 +253,8 @@ bool TtbTable::hasRange() const {
 
 void TtbTable::setRange(const KeyValues& low, const KeyValues& high) {
     requireBrowsing();
-    RecordView::Range range{fitted(low), fitted(high)};
-    const std::optional<RecordView::Range> before = m_view->range();
+    KeyView::Range range{fitted(low), fitted(high)};
+    const std::optional<KeyView::Range> before = m_view->range();
     std::optional<StoredRecord> found;
     try {
         m_view->setRange(std::move(range));
@@ -268,7 +268,7 @@ void TtbTable::setRange(const KeyValues& low, const KeyValues& high) {
 
 void TtbTable::cancelRange() {
     requireOpen();
-    const std::optional<RecordView::Range> before = m_view->range();
+    const std::optional<KeyView::Range> before = m_view->range();
     if (before)
         changeView(true, [&](bool undo) { m_view->setRange(undo ? before : std::nullopt); });
 }

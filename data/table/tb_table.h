@@ -17,7 +17,7 @@ namespace data {
 
 class TtbTable;
 class Filter;
-class RecordView;
+class KeyView;
 
 /// The database name under which every table of the program is opened.
 inline const QString kDdfDatabase = QStringLiteral("ddf");
@@ -226,7 +226,7 @@ class TtbTable {
     /// The current record's bytes and address, for callers that compare records.
     const QByteArray& recordBytes() const;
     RecordId recordId() const;
-    RecordFile& file();
+    TableFile& file();
 
   private:
     friend class TField;
@@ -255,8 +255,8 @@ class TtbTable {
     QString m_tableName;
     QString m_indexName = QStringLiteral("0");
     std::vector<FieldDeclaration> m_declarations;
-    std::unique_ptr<RecordFile> m_file;
-    std::unique_ptr<RecordView> m_view;
+    std::unique_ptr<TableFile> m_file;
+    std::unique_ptr<KeyView> m_view;
     std::vector<std::unique_ptr<TField>> m_fields;
     QHash<QString, TField*> m_byName;  // folded name
     TableState m_state = TableState::Closed;

@@ -3,7 +3,7 @@
 
 #include "data/record/filter.h"
 #include "data/record/record_codec.h"
-#include "data/table/record_view.h"
+#include "data/table/key_view.h"
 #include "data/table/tb_table.h"
 
 // Changing records: edit, insert, post, cancel, delete.

@@ -1,7 +1,7 @@
 #include <utility>
 
 #include "data/record/filter.h"
-#include "data/table/record_view.h"
+#include "data/table/key_view.h"
 #include "data/table/tb_table.h"
 
 // What a record table shows: filters, refresh, bookmarks.

@@ -37,7 +37,7 @@ struct Candidate {
 
 class Planner {
   public:
-    Planner(RecordTable& table, sqlite3_index_info* info)
+    Planner(StoredTable& table, sqlite3_index_info* info)
         : m_table(table),
           m_info(info),
           m_records(std::max<double>(1, static_cast<double>(table.estimatedCount()))) {}
@@ -55,7 +55,7 @@ class Planner {
     bool orders(int key, int equalCount, bool& backward) const;
     void apply(const Candidate& candidate);
 
-    RecordTable& m_table;
+    StoredTable& m_table;
     sqlite3_index_info* m_info;
     double m_records;
 };
@@ -314,7 +314,7 @@ ScanPlan ScanPlan::unpacked(int number) {
     return plan;
 }
 
-int bestIndex(RecordTable& table, sqlite3_index_info* info) {
+int bestIndex(StoredTable& table, sqlite3_index_info* info) {
     return Planner(table, info).choose();
 }
 

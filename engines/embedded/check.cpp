@@ -7,7 +7,7 @@
 #include "engines/embedded/company_file.h"
 #include "engines/embedded/connection.h"
 #include "engines/embedded/embedded_database.h"
-#include "engines/embedded/record_table.h"
+#include "engines/embedded/stored_table.h"
 
 namespace engines {
 
@@ -56,7 +56,7 @@ class Checker {
 
     void checkTable(const QString& name) {
         try {
-            RecordTable& table = m_connection.table(name);
+            StoredTable& table = m_connection.table(name);
             compareWithDictionary(table);
             m_linesOfTable = 0;
             for (const KeyDef& key : table.keys())
@@ -75,7 +75,7 @@ class Checker {
             m_lines.append(line);
     }
 
-    void compareWithDictionary(const RecordTable& table) {
+    void compareWithDictionary(const StoredTable& table) {
         TTblResBase compiled;
         if (!TTblResReader::ReadResource(table.name(), compiled))
             return;
@@ -102,7 +102,7 @@ class Checker {
         }
     }
 
-    void checkUnique(const RecordTable& table, const KeyDef& key) {
+    void checkUnique(const StoredTable& table, const KeyDef& key) {
         if (!key.unique)
             return;
         const QByteArray column = 'k' + QByteArray::number(key.number);
@@ -116,7 +116,7 @@ class Checker {
                        .arg(key.number));
     }
 
-    void checkRecords(const RecordTable& table) {
+    void checkRecords(const StoredTable& table) {
         QByteArray columns = "id, data";
         for (const KeyDef& key : table.keys())
             columns += ", k" + QByteArray::number(key.number);
@@ -146,7 +146,7 @@ class Checker {
         }
     }
 
-    void checkFields(const RecordTable& table, RecordId id, const QByteArray& record) {
+    void checkFields(const StoredTable& table, RecordId id, const QByteArray& record) {
         const auto* bytes = reinterpret_cast<const uchar*>(record.constData());
         for (const TFieldCacheItem& field : table.layout().fields()) {
             const char* problem = fieldProblem(field, bytes);

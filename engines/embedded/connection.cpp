@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "engines/embedded/functions.h"
-#include "engines/embedded/record_table.h"
 #include "engines/embedded/sql_text.h"
+#include "engines/embedded/stored_table.h"
 #include "engines/embedded/virtual_table.h"
 
 namespace engines::embedded {
@@ -155,11 +155,11 @@ void Connection::forgetCatalogue() {
     m_catalogue.reset();
 }
 
-RecordTable& Connection::table(const QString& name) {
+StoredTable& Connection::table(const QString& name) {
     const QString folded = foldedName(name);
     if (const auto known = m_tables.constFind(folded); known != m_tables.constEnd())
         return **known;
-    const auto opened = std::make_shared<RecordTable>(*this, catalogue().describe(name));
+    const auto opened = std::make_shared<StoredTable>(*this, catalogue().describe(name));
     m_tables.insert(folded, opened);
     return *opened;
 }
@@ -281,7 +281,7 @@ void Connection::inTransaction(const std::function<void()>& body) {
     m_locks->endStatement();
 }
 
-void Connection::throwHeld(const RecordTable& table, const QByteArray& record) const {
+void Connection::throwHeld(const StoredTable& table, const QByteArray& record) const {
     throw RecordIsHeld{table.name(), table.describe(record)};
 }
 

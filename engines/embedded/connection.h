@@ -20,7 +20,7 @@
 
 namespace engines::embedded {
 
-class RecordTable;
+class StoredTable;
 
 /// Marks of the engine's files: "ZDB1", and the version of what stands in them.
 inline constexpr int kApplicationId = 0x5A444231;
@@ -54,7 +54,7 @@ class Connection {
 
     /// The table of that name (case ignored), opened when first asked for.
     /// @throws DataError(NoSuchTable, Damaged).
-    RecordTable& table(const QString& name);
+    StoredTable& table(const QString& name);
 
     std::chrono::milliseconds lockWait{2000};
 
@@ -81,7 +81,7 @@ class Connection {
         QString table;
         QString record;
     };
-    [[noreturn]] void throwHeld(const RecordTable& table, const QByteArray& record) const;
+    [[noreturn]] void throwHeld(const StoredTable& table, const QByteArray& record) const;
 
     // Failures inside SQLite's callbacks: kept here while SQLite unwinds, then thrown again.
     void keepFailure(std::exception_ptr failure) { m_failure = std::move(failure); }
@@ -122,7 +122,7 @@ class Connection {
     sqlite3* m_db = nullptr;
     std::unique_ptr<RecordLocks> m_locks;
     std::unique_ptr<Catalogue> m_catalogue;
-    QHash<QString, std::shared_ptr<RecordTable>> m_tables;  // by folded name
+    QHash<QString, std::shared_ptr<StoredTable>> m_tables;  // by folded name
     struct CachedStatement {
         QString sql;
         sqlite3_stmt* statement;

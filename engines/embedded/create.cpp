@@ -7,7 +7,7 @@
 #include "engines/embedded/company_file.h"
 #include "engines/embedded/connection.h"
 #include "engines/embedded/embedded_database.h"
-#include "engines/embedded/record_table.h"
+#include "engines/embedded/stored_table.h"
 #include "engines/embedded/virtual_table.h"
 
 namespace engines {
@@ -68,12 +68,12 @@ void makeTables(const QString& file, const std::vector<TableSource>& tables) {
     execute(handle.get(), "COMMIT", file);
 }
 
-void insertAll(RecordTable& table, std::vector<QByteArray>& records) {
+void insertAll(StoredTable& table, std::vector<QByteArray>& records) {
     for (QByteArray& record : records)
         table.insert(record);
 }
 
-void insertPriceLevels(RecordTable& table) {
+void insertPriceLevels(StoredTable& table) {
     const int number = table.layout().indexOf(QStringLiteral("Nro"));
     const int name = table.layout().indexOf(QStringLiteral("Nimi"));
     for (int level = 1; level <= kPriceLevels; ++level) {

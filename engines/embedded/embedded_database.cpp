@@ -7,8 +7,8 @@
 
 #include "engines/embedded/company_file.h"
 #include "engines/embedded/connection.h"
-#include "engines/embedded/record_file.h"
 #include "engines/embedded/sql_statement.h"
+#include "engines/embedded/table_file.h"
 
 namespace engines {
 
@@ -38,8 +38,8 @@ class EmbeddedDatabase : public Database {
         return names;
     }
 
-    std::unique_ptr<RecordFile> openTable(const QString& tableName) override {
-        return std::make_unique<EmbeddedRecordFile>(m_connection, m_connection->table(tableName));
+    std::unique_ptr<TableFile> openTable(const QString& tableName) override {
+        return std::make_unique<EmbeddedTableFile>(m_connection, m_connection->table(tableName));
     }
 
     std::unique_ptr<SqlStatement> prepare(const QString& sql) override {

@@ -4,7 +4,7 @@
 
 #include "data/record/record_codec.h"
 #include "engines/embedded/connection.h"
-#include "engines/embedded/record_table.h"
+#include "engines/embedded/stored_table.h"
 
 namespace engines::embedded {
 
@@ -14,7 +14,7 @@ constexpr int kSearchesBeforeMaking = 2;
 
 }  // namespace
 
-const TransientIndexes::Entries* TransientIndexes::find(RecordTable& table, int field) {
+const TransientIndexes::Entries* TransientIndexes::find(StoredTable& table, int field) {
     Field& index = m_fields[{&table, field}];
     const sqlite3_int64 changes = sqlite3_total_changes64(table.connection().db());
     if (index.made && index.changes == changes)

@@ -11,7 +11,7 @@
 
 namespace engines::embedded {
 
-class RecordTable;
+class StoredTable;
 
 /// The records of a table by the value of a whole-number field that no key has, made for the run of
 /// one statement: a subquery that looks for such a value in a large table once for every row
@@ -26,7 +26,7 @@ class TransientIndexes {
 
     /// The index of a field; nullptr as long as it is not worth making. Valid until the statement
     /// ends or a record is written.
-    const Entries* find(RecordTable& table, int field);
+    const Entries* find(StoredTable& table, int field);
 
   private:
     struct Field {
@@ -35,7 +35,7 @@ class TransientIndexes {
         bool made = false;
         Entries entries;
     };
-    std::map<std::pair<RecordTable*, int>, Field> m_fields;
+    std::map<std::pair<StoredTable*, int>, Field> m_fields;
 };
 
 }  // namespace engines::embedded

@@ -16,24 +16,24 @@ namespace engines::embedded {
 namespace {
 
 struct SqlTable : sqlite3_vtab {
-    SqlTable(Connection& c, RecordTable& t) : sqlite3_vtab{}, connection(&c), table(&t) {
+    SqlTable(Connection& c, StoredTable& t) : sqlite3_vtab{}, connection(&c), table(&t) {
         c.countSqlTables(1);
     }
     ~SqlTable() { connection->countSqlTables(-1); }
     SqlTable(const SqlTable&) = delete;
     SqlTable& operator=(const SqlTable&) = delete;
     Connection* connection;
-    RecordTable* table;
+    StoredTable* table;
 };
 
 struct Cursor : sqlite3_vtab_cursor {
-    explicit Cursor(RecordTable& t) : sqlite3_vtab_cursor{}, table(&t) {
+    explicit Cursor(StoredTable& t) : sqlite3_vtab_cursor{}, table(&t) {
         t.connection().countCursors(1);
     }
     ~Cursor() { table->connection().countCursors(-1); }
     Cursor(const Cursor&) = delete;
     Cursor& operator=(const Cursor&) = delete;
-    RecordTable* table;
+    StoredTable* table;
     ScanPlan plan;
     StatementLease rows;
     // Bounds and images that the statement's parameters point to.
@@ -114,7 +114,7 @@ int connectTable(sqlite3* db, void* context, int, const char* const* arguments, 
     auto& connection = *static_cast<Connection*>(context);
     try {
         const Connection::InternalUse internal(connection);
-        RecordTable& table = connection.table(QString::fromUtf8(arguments[2]));
+        StoredTable& table = connection.table(QString::fromUtf8(arguments[2]));
         QByteArray columns;
         for (const TFieldCacheItem& field : table.layout().fields())
             columns += (columns.isEmpty() ? "" : ", ") + columnDeclaration(table.name(), field);
@@ -345,7 +345,7 @@ int readId(sqlite3_vtab_cursor* cursor, sqlite3_int64* id) {
 // Puts the values of a statement into a record. Bits follow the byte fields that hold them, so that
 // a named bit wins; a column that the statement leaves alone leaves its bytes alone.
 template <typename IsGiven>
-void applyValues(const RecordTable& table, QByteArray& record, sqlite3_value** values,
+void applyValues(const StoredTable& table, QByteArray& record, sqlite3_value** values,
                  IsGiven isGiven) {
     auto* bytes = reinterpret_cast<uchar*>(record.data());
     for (const bool bits : {false, true}) {
@@ -359,7 +359,7 @@ void applyValues(const RecordTable& table, QByteArray& record, sqlite3_value** v
 
 int writeRow(sqlite3_vtab* handle, int count, sqlite3_value** values, sqlite3_int64* newId) {
     return guarded(handle, [&] {
-        RecordTable& table = *tableOf(handle).table;
+        StoredTable& table = *tableOf(handle).table;
         if (sqlite3_value_type(values[0]) == SQLITE_NULL) {
             if (sqlite3_value_type(values[1]) != SQLITE_NULL)
                 throw DataError(ErrorKind::Engine, table.name(),

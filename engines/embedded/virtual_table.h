@@ -6,7 +6,7 @@
 #include <QString>
 
 #include "engines/data_names.h"
-#include "engines/embedded/record_table.h"
+#include "engines/embedded/stored_table.h"
 
 namespace engines::embedded {
 
@@ -37,6 +37,6 @@ struct ScanPlan {
 };
 
 /// xBestIndex of the module: picks the key and what of the constraints it answers.
-int bestIndex(RecordTable& table, sqlite3_index_info* info);
+int bestIndex(StoredTable& table, sqlite3_index_info* info);
 
 }  // namespace engines::embedded

@@ -9,7 +9,7 @@
 
 namespace engines::shops {
 
-/// Operations of the record engine's call interface.
+/// Operations of the shops' engine's call interface.
 enum Operation : quint16 {
     kOpen = 0,
     kClose = 1,
@@ -80,7 +80,7 @@ enum Status : int {
     kWrongUri = 175
 };
 
-/// The record engine's client library. It is never unloaded: a call may still be in it.
+/// The shops' engine's client library. It is never unloaded: a call may still be in it.
 class CallLibrary {
   public:
     /// Names the setting that names another library, in messages.

@@ -177,7 +177,7 @@ ErrorKind sqliteKind(int native, const QString& message) {
     }
 }
 
-// Status codes of the record engine, which its SQL hands on.
+// Status codes of the shops' engine, which its SQL hands on.
 ErrorKind shopsKind(int native, ErrorKind otherwise) {
     const int status = std::abs(native);
     if (status >= 3000 && status < 3200)  // the network between client and server

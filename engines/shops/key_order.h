@@ -7,7 +7,7 @@
 
 namespace engines::shops {
 
-/// The order of one key as the record engine keeps it, over raw record bytes.
+/// The order of one key as the shops' engine keeps it, over raw record bytes.
 class KeyOrder {
   public:
     explicit KeyOrder(KeyStat key) : m_key(std::move(key)) {}

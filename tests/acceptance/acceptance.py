@@ -77,7 +77,7 @@ class Company:
 
     def reach_through_shops_engine(self):
         """The same company for the run, but in a folder without a database file: its records are
-        reached through the call interface of the record engine (the tests' peer of it), its SQL
+        reached through the call interface of the shops' engine (a fake client library), its SQL
         through the ODBC driver manager."""
         self.home = os.path.join(self.folder, "shop")
         config = os.path.join(self.folder, "shop-config")
@@ -90,8 +90,8 @@ class Company:
               f"[K]\nDriver={SQLITE_DRIVER}\nDatabase={self.data}/YRITYS.ZDB\n"
               f"LoadExt={self.bins}/zavsql.so\nTimeout=10000\n")
         self.run_env = dict(self.env, XDG_CONFIG_HOME=config,
-                            CLIENT_PEER_DATABASES=os.path.join(self.folder, "databases"),
-                            TAKSAVAIHE_CLIENT_LIBRARY=os.path.join(self.bins, "client_peer.so"),
+                            FAKE_CLIENT_DATABASES=os.path.join(self.folder, "databases"),
+                            TAKSAVAIHE_CLIENT_LIBRARY=os.path.join(self.bins, "fake_client.so"),
                             ODBCINI=os.path.join(self.folder, "odbc.ini"))
 
     def zavdb(self, *args, check=True, env=None):

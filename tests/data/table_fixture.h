@@ -7,7 +7,7 @@
 #include "data/dictionary/dictionary_source.h"
 #include "data/table/tb_table.h"
 #include "engines/embedded/embedded_database.h"
-#include "tests/support/client_peer/peer_company.h"
+#include "tests/support/fake_client/fake_company.h"
 
 namespace test {
 
@@ -67,11 +67,11 @@ class EmbeddedTestEngine : public Engine {
     std::unique_ptr<data::Database> m_second;
 };
 
-/// The same store behind the record engine's call interface; each program is a session of its own.
-class ClientTestEngine : public Engine {
+/// The same store behind the shops' engine's call interface; each program is a session of its own.
+class ShopsTestEngine : public Engine {
   public:
-    /// `peculiarities`: columns of the peer's list of databases.
-    explicit ClientTestEngine(const QString& peculiarities = {}) {
+    /// `peculiarities`: columns of the fake client's list of databases.
+    explicit ShopsTestEngine(const QString& peculiarities = {}) {
         m_databases.add(QStringLiteral("koe"), m_store.folder(), peculiarities);
         m_first = open();
     }
@@ -84,22 +84,22 @@ class ClientTestEngine : public Engine {
 
   private:
     static std::unique_ptr<data::Database> open() {
-        engines::shops::ShopDatabaseSettings settings;
+        engines::shops::ShopsDatabaseSettings settings;
         settings.name = QStringLiteral("koe");
-        settings.clientLibrary = PeerDatabases::library();
-        return std::make_unique<ClientRecordsDatabase>(settings);
+        settings.clientLibrary = FakeDatabases::library();
+        return std::make_unique<ShopsRecordsDatabase>(settings);
     }
 
-    PeerDatabases m_databases;
+    FakeDatabases m_databases;
     EmbeddedTestEngine m_store;
     std::unique_ptr<data::Database> m_first;
     std::unique_ptr<data::Database> m_second;
 };
 
 /// An older engine: no reading of many records at once, no addresses to tell equal keys' order by.
-class PlainClientTestEngine : public ClientTestEngine {
+class PlainShopsTestEngine : public ShopsTestEngine {
   public:
-    PlainClientTestEngine() : ClientTestEngine(QStringLiteral("linked\tplain")) {}
+    PlainShopsTestEngine() : ShopsTestEngine(QStringLiteral("linked\tplain")) {}
 };
 
 /// An open KOE.

@@ -449,7 +449,7 @@ void walkRandomly(Engine& engine, quint32 seed, int steps) {
 template <typename T>
 class TableRandom : public ::testing::Test {};
 using StoredEngines =
-    ::testing::Types<test::EmbeddedTestEngine, test::ClientTestEngine, test::PlainClientTestEngine>;
+    ::testing::Types<test::EmbeddedTestEngine, test::ShopsTestEngine, test::PlainShopsTestEngine>;
 TYPED_TEST_SUITE(TableRandom, StoredEngines);
 
 TYPED_TEST(TableRandom, AgreesWithAModel) {

@@ -24,7 +24,7 @@ class TableOnEngine : public ::testing::Test {
     }
     T m_engine;
 };
-using Engines = ::testing::Types<test::EmbeddedTestEngine, test::ClientTestEngine>;
+using Engines = ::testing::Types<test::EmbeddedTestEngine, test::ShopsTestEngine>;
 TYPED_TEST_SUITE(TableOnEngine, Engines);
 
 class TableTest : public TableOnEngine<test::WatchedTestEngine> {

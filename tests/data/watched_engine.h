@@ -12,9 +12,9 @@ struct Calls {
     std::function<void(const char*)> before;
 };
 
-class WatchedFile : public data::RecordFile {
+class WatchedFile : public data::TableFile {
   public:
-    WatchedFile(std::unique_ptr<data::RecordFile> file, Calls& calls)
+    WatchedFile(std::unique_ptr<data::TableFile> file, Calls& calls)
         : m_file(std::move(file)), m_calls(calls) {}
 
     const data::RecordLayout& layout() const override { return m_file->layout(); }
@@ -73,7 +73,7 @@ class WatchedFile : public data::RecordFile {
         call("read");
     }
 
-    std::unique_ptr<data::RecordFile> m_file;
+    std::unique_ptr<data::TableFile> m_file;
     Calls& m_calls;
 };
 
@@ -86,7 +86,7 @@ class WatchedDatabase : public data::Database {
 
     QString name() const override { return m_database.name(); }
     QStringList tableNames() override { return m_database.tableNames(); }
-    std::unique_ptr<data::RecordFile> openTable(const QString& tableName) override {
+    std::unique_ptr<data::TableFile> openTable(const QString& tableName) override {
         return std::make_unique<WatchedFile>(m_database.openTable(tableName), m_calls);
     }
     std::unique_ptr<data::SqlStatement> prepare(const QString& sql) override {

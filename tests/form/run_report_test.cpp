@@ -49,7 +49,7 @@ TEST(RunReport, TellsWhatARunWithFailuresDid) {
     vatchange::ChangeReport report;
     report.company = str("Koe <Oy>");
     report.name = str("Alv255");
-    vatchange::RunRecord run;
+    vatchange::RunSummary run;
     run.definitionName = str("Alv255");
     run.definition.targetClass = 6;  // the form has been changed since
     run.started = QDateTime(QDate(2024, 9, 1), QTime(6, 30));

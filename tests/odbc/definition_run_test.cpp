@@ -27,7 +27,7 @@ data::TableSource sourceOf(const QString& name) {
 }
 
 /// The product records as a run uses them: found by number, locked, read under the lock.
-class SqlProducts : public data::RecordFile {
+class SqlProducts : public data::TableFile {
   public:
     explicit SqlProducts(data::Database& sql)
         : m_source(sourceOf(QStringLiteral("TUOTE"))),
@@ -96,7 +96,7 @@ class ServerCompany : public test::OdbcDatabase {
   public:
     ServerCompany(const engines::shops::OdbcSettings& settings, data::Database& records)
         : OdbcDatabase(settings), m_records(records) {}
-    std::unique_ptr<data::RecordFile> openTable(const QString& tableName) override {
+    std::unique_ptr<data::TableFile> openTable(const QString& tableName) override {
         if (tableName.compare(QLatin1String("TUOTE"), Qt::CaseInsensitive) == 0)
             return std::make_unique<SqlProducts>(*this);
         return m_records.openTable(tableName);

@@ -23,7 +23,7 @@ class OdbcDatabase : public data::Database {
 
     QString name() const override { return QStringLiteral("odbc"); }
     QStringList tableNames() override { return {}; }
-    std::unique_ptr<data::RecordFile> openTable(const QString& tableName) override {
+    std::unique_ptr<data::TableFile> openTable(const QString& tableName) override {
         throw data::DataError(data::ErrorKind::NoSuchTable, tableName, QStringLiteral("SQL alone"));
     }
     std::unique_ptr<data::SqlStatement> prepare(const QString& sql) override {

@@ -31,7 +31,7 @@ class HeldRecord {
 
   private:
     std::unique_ptr<data::Database> m_program;
-    std::unique_ptr<data::RecordFile> m_file;
+    std::unique_ptr<data::TableFile> m_file;
 };
 
 TEST(RefusedRun, ClassChecksChangeNothing) {

@@ -4,9 +4,9 @@
 #include <QFileInfo>
 
 #include "engines/embedded/embedded_database.h"
-#include "engines/shops/shop_database.h"
+#include "engines/shops/shops_database.h"
 #include "tests/run/run_company.h"
-#include "tests/support/client_peer/peer_company.h"
+#include "tests/support/fake_client/fake_company.h"
 
 // A run on a company of the shops' engine: records over the call interface, SQL over ODBC, two
 // sessions that meet at the same records.
@@ -35,7 +35,7 @@ class ShopsRun : public ::testing::Test {
         m_databases.add(kName, m_company.folder());
         m_settings.name = kName;
         m_settings.folder = m_folder.path();
-        m_settings.clientLibrary = test::PeerDatabases::library();
+        m_settings.clientLibrary = test::FakeDatabases::library();
         m_settings.dataSource = QStringLiteral("shop");
     }
     ~ShopsRun() override { qunsetenv("ODBCINI"); }
@@ -47,12 +47,12 @@ class ShopsRun : public ::testing::Test {
 
     test::RunCompany m_company;
     QTemporaryDir m_folder;
-    test::PeerDatabases m_databases;
-    engines::shops::ShopDatabaseSettings m_settings;
+    test::FakeDatabases m_databases;
+    engines::shops::ShopsDatabaseSettings m_settings;
 };
 
 TEST_F(ShopsRun, PassesItsOwnLocksAndNotThoseOfOthers) {
-    const auto shop = engines::shops::openShopDatabase(m_settings);
+    const auto shop = engines::shops::openShopsDatabase(m_settings);
     EXPECT_FALSE(shop->statementsPassRecordLocks());
     const auto others = m_company.otherProgram();
     const auto products = others->openTable(QStringLiteral("TUOTE"));
@@ -70,13 +70,13 @@ TEST_F(ShopsRun, PassesItsOwnLocksAndNotThoseOfOthers) {
 }
 
 TEST_F(ShopsRun, LocksThatAreLostOnTheWayDoNotEndTheRun) {
-    test::PeerDatabases others;  // take the place of the sound one
+    test::FakeDatabases others;  // take the place of the sound one
     others.add(QStringLiteral("taker"), m_company.folder(), QStringLiteral("taker"));
     others.add(QStringLiteral("stuck"), m_company.folder(), QStringLiteral("stuck"));
     m_settings.name = QStringLiteral("taker");
     {
         // each record is somebody else's between its reading and its update
-        const auto shop = engines::shops::openShopDatabase(m_settings);
+        const auto shop = engines::shops::openShopsDatabase(m_settings);
         const vatchange::RunResult result =
             vatchange::runChange(*shop, test::plainDefinition(), m_company.ports);
         EXPECT_EQ(result.skippedNumbers, (QStringList{"A1", "A2"}));
@@ -84,7 +84,7 @@ TEST_F(ShopsRun, LocksThatAreLostOnTheWayDoNotEndTheRun) {
         EXPECT_EQ(price("A1"), 10);
     }
     m_settings.name = QStringLiteral("stuck");
-    const auto shop = engines::shops::openShopDatabase(m_settings);
+    const auto shop = engines::shops::openShopsDatabase(m_settings);
     m_company.ports.onStatus = [this](const QString& text) {
         if (text == QStringLiteral("Tuote A1"))  // nothing left to change under the lock
             m_company.exec(QStringLiteral("update TUOTE set LVV=2 where NUMERO='A1'"));
@@ -99,14 +99,14 @@ TEST_F(ShopsRun, RowsThatShareTheirKeyKeepToThemselves) {
     m_company.exec(QStringLiteral("delete from TUOTE"));
     const vatchange::ChangeDefinition definition = test::addSharedKeys(m_company);
     const auto before = m_company.everything();
-    const auto shop = engines::shops::openShopDatabase(m_settings);
+    const auto shop = engines::shops::openShopsDatabase(m_settings);
     EXPECT_TRUE(vatchange::runChange(*shop, definition, m_company.ports).clean());
     test::expectSharedKeysChanged(m_company, before);
 }
 
 TEST_F(ShopsRun, OneRunOfACompanyAtATime) {
-    const auto first = engines::shops::openShopDatabase(m_settings);
-    const auto second = engines::shops::openShopDatabase(m_settings);
+    const auto first = engines::shops::openShopsDatabase(m_settings);
+    const auto second = engines::shops::openShopsDatabase(m_settings);
     ASSERT_TRUE(first->beginRun());
     EXPECT_FALSE(second->beginRun());
     first->endRun();
@@ -115,16 +115,16 @@ TEST_F(ShopsRun, OneRunOfACompanyAtATime) {
 
 TEST_F(ShopsRun, AnEngineThatFallsSilentFailsStepsAndNotTheRun) {
     m_settings.statementLimit = std::chrono::milliseconds(400);
-    const auto shop = engines::shops::openShopDatabase(m_settings);
+    const auto shop = engines::shops::openShopsDatabase(m_settings);
     vatchange::ChangeDefinition definition = test::plainDefinition();
     definition.salesOrders = true;
     definition.purchaseOrders = true;
-    test::PeerDatabases silent;  // takes the place of the others
-    qputenv("CLIENT_PEER_DATABASES", m_databases.file().toLocal8Bit());
+    test::FakeDatabases silent;  // takes the place of the others
+    qputenv("FAKE_CLIENT_DATABASES", m_databases.file().toLocal8Bit());
     silent.add(kName, m_company.folder(), QStringLiteral("silent"));
     m_company.ports.onStatus = [&silent](const QString& text) {
         if (text == QStringLiteral("Tuote A2"))
-            qputenv("CLIENT_PEER_DATABASES", silent.file().toLocal8Bit());
+            qputenv("FAKE_CLIENT_DATABASES", silent.file().toLocal8Bit());
     };
     QElapsedTimer time;
     time.start();

@@ -73,7 +73,7 @@ class ViewRowsTest : public ::testing::Test {
     }
 
     test::ShopCompany m_company;
-    std::unique_ptr<data::RecordFile> m_file;
+    std::unique_ptr<data::TableFile> m_file;
 };
 
 // What the engine counts along a key is what a walk record by record counts.

@@ -4,14 +4,14 @@
 #include <random>
 
 #include "engines/embedded/embedded_database.h"
-#include "tests/support/client_peer/peer_company.h"
+#include "tests/support/fake_client/fake_company.h"
 #include "tests/tools/zavdb_program.h"
 #include "tools/zavdb/company_copy.h"
 
 namespace {
 
 using data::Direction;
-using data::RecordFile;
+using data::TableFile;
 
 class Copy : public test::ZavdbProgram {
   protected:
@@ -71,7 +71,7 @@ data::TableSource oddTable() {
     return table;
 }
 
-std::vector<QByteArray> walk(RecordFile& table, int key) {
+std::vector<QByteArray> walk(TableFile& table, int key) {
     std::vector<QByteArray> records;
     table.visit(key, std::nullopt, Direction::Forward, 1'000'000,
                 [&](data::RecordId, const QByteArray& bytes) {
@@ -145,9 +145,9 @@ TEST_F(Copy, UnknownTablesAndUndefinedBytesArriveAsTheyAre) {
 }
 
 /// A table whose dictionary is shorter than its records, and whose key 0 was dropped.
-class CutTable : public RecordFile {
+class CutTable : public TableFile {
   public:
-    explicit CutTable(std::unique_ptr<RecordFile> whole)
+    explicit CutTable(std::unique_ptr<TableFile> whole)
         : m_whole(std::move(whole)), m_keys(m_whole->keys()) {
         std::vector<data::TFieldCacheItem> fields = m_whole->layout().fields();
         fields.pop_back();
@@ -182,20 +182,20 @@ class CutTable : public RecordFile {
 
   private:
     static std::logic_error unexpected() { return std::logic_error("a copy reads on"); }
-    std::unique_ptr<RecordFile> m_whole;
+    std::unique_ptr<TableFile> m_whole;
     data::RecordLayout m_layout;
     std::vector<data::KeyDef> m_keys;
 };
 
-/// A company behind the record engine's call interface, MYYMALAHINNAT cut as above, INI without
+/// A company behind the shops' engine's call interface, MYYMALAHINNAT cut as above, INI without
 /// file.
-class ShopSource : public test::ClientRecordsDatabase {
+class ShopSource : public test::ShopsRecordsDatabase {
   public:
-    using test::ClientRecordsDatabase::ClientRecordsDatabase;
-    std::unique_ptr<RecordFile> openTable(const QString& table) override {
+    using test::ShopsRecordsDatabase::ShopsRecordsDatabase;
+    std::unique_ptr<TableFile> openTable(const QString& table) override {
         if (table == u"INI")
             throw data::DataError(data::ErrorKind::NoSuchTable, table, QString());
-        std::unique_ptr<RecordFile> opened = test::ClientRecordsDatabase::openTable(table);
+        std::unique_ptr<TableFile> opened = test::ShopsRecordsDatabase::openTable(table);
         if (table == u"MYYMALAHINNAT")
             return std::make_unique<CutTable>(std::move(opened));
         return opened;
@@ -204,12 +204,12 @@ class ShopSource : public test::ClientRecordsDatabase {
 
 TEST_F(Copy, FromTheShopsEngine) {
     done({"demo", "D", "d", "--products", "150"});
-    test::PeerDatabases peer;
-    peer.add(QStringLiteral("KAUPPA"), path("d"));
-    engines::shops::ShopDatabaseSettings settings;
+    test::FakeDatabases databases;
+    databases.add(QStringLiteral("KAUPPA"), path("d"));
+    engines::shops::ShopsDatabaseSettings settings;
     settings.name = QStringLiteral("KAUPPA");
     settings.folder = path("shop");
-    settings.clientLibrary = test::PeerDatabases::library();
+    settings.clientLibrary = test::FakeDatabases::library();
     QDir().mkpath(settings.folder);
     ShopSource source(settings);
     const tools::CopyResult result =

@@ -9,7 +9,7 @@ usage() {
 Usage: tests/windows/smoke.sh RELEASE LINUX-PROGRAMS [--pictures FOLDER] [--products N]
 
 RELEASE is the folder that scripts/windows.sh --smoke makes (Taksavaihe/, hold_record.exe,
-client_peer.dll, the installer when there is one), LINUX-PROGRAMS one with taksavaihe, zavdb and
+fake_client.dll, the installer when there is one), LINUX-PROGRAMS one with taksavaihe, zavdb and
 zavsql.so of the same sources.
 
   --pictures FOLDER  saves pictures of the main window and the change form there
@@ -229,12 +229,12 @@ check "  and the program opens it" same_text "$(status_of win taksavaihe.exe Pit
 # --- the shops' engine: its client library and ODBC under the names that they have on Windows
 driver=$(find /usr/lib -name libsqlite3odbc.so -print -quit)
 if [ -n "$driver" ] && [ -e "$linux/zavsql.so" ]; then
-    cp "$release/client_peer.dll" "$program/w64btrv.dll"
+    cp "$release/fake_client.dll" "$program/w64btrv.dll"
     mkdir -p "$drive/Yritykset/Kauppa"
     printf 'Kauppa\tC:\\Yritykset\\Toinen\n' >"$work/databases"
     printf '[Kauppa]\nDriver=%s\nDatabase=%s\nLoadExt=%s\n' "$driver" \
         "$drive/Yritykset/Toinen/YRITYS.ZDB" "$linux/zavsql.so" >"$work/odbc.ini"
-    export ODBCINI=$work/odbc.ini CLIENT_PEER_DATABASES=Z:${work//\//\\}\\databases
+    export ODBCINI=$work/odbc.ini FAKE_CLIENT_DATABASES=Z:${work//\//\\}\\databases
     timeout 60 wine reg add 'HKCU\Software\Taksavaihe\Aliases\Kauppa' /v PhysicalName \
         /d 'C:\Yritykset\Kauppa' /f >/dev/null 2>&1
     check "tables through w64btrv.dll" same_text "$(win zavdb.exe export Kauppa TRYHMA)" \

@@ -21,7 +21,7 @@ constexpr int kBatch = 200;
 /// The fields of one record by name, as text.
 using Row = std::function<QString(const char* field)>;
 
-void forEachRow(data::RecordFile& records, const std::function<void(const Row&)>& use) {
+void forEachRow(data::TableFile& records, const std::function<void(const Row&)>& use) {
     const data::RecordLayout& layout = records.layout();
     auto batch = records.fromEnd(0, data::Direction::Forward, kBatch);
     while (!batch.empty()) {
@@ -92,7 +92,7 @@ void requireSameTables(const Catalogue& before, const Catalogue& after) {
                         .arg(it.key()));
 }
 
-void changeTable(data::Database& database, const data::RecordFile& table,
+void changeTable(data::Database& database, const data::TableFile& table,
                  const std::function<void()>& change) {
     std::optional<CatalogueReader> catalogue;
     Catalogue before;

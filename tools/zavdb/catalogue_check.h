@@ -23,9 +23,9 @@ class CatalogueReader {
     Catalogue read();
 
   private:
-    std::unique_ptr<data::RecordFile> m_files;
-    std::unique_ptr<data::RecordFile> m_fields;
-    std::unique_ptr<data::RecordFile> m_indexes;
+    std::unique_ptr<data::TableFile> m_files;
+    std::unique_ptr<data::TableFile> m_fields;
+    std::unique_ptr<data::TableFile> m_indexes;
 };
 
 /// The stored tables stay as they are when rows of the catalogue are imported, so it has to say the
@@ -34,7 +34,7 @@ void requireSameTables(const Catalogue& before, const Catalogue& after);
 
 /// Runs a change of a table's rows as one transaction, which is undone when the rows are the
 /// catalogue's and say something else of the stored tables afterwards.
-void changeTable(data::Database& database, const data::RecordFile& table,
+void changeTable(data::Database& database, const data::TableFile& table,
                  const std::function<void()>& change);
 
 }  // namespace tools

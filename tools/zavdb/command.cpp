@@ -161,7 +161,7 @@ std::unique_ptr<data::Database> openCompany(const QString& name) {
     return company::TZavDbConnectionModule::openByAlias(name);
 }
 
-std::unique_ptr<data::RecordFile> openTable(data::Database& database, const QString& table) {
+std::unique_ptr<data::TableFile> openTable(data::Database& database, const QString& table) {
     try {
         return database.openTable(table);
     } catch (const data::DataError& error) {

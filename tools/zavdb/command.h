@@ -88,7 +88,7 @@ QString companyFolder(const QString& name);
 /// Opens a registered company's database. @throws CommandError, data::DataError.
 std::unique_ptr<data::Database> openCompany(const QString& name);
 /// Opens one table. @throws CommandError naming the table when the company has none of that name.
-std::unique_ptr<data::RecordFile> openTable(data::Database& database, const QString& table);
+std::unique_ptr<data::TableFile> openTable(data::Database& database, const QString& table);
 
 void printLine(const QString& text);   ///< to standard output
 void printError(const QString& text);  ///< to standard error

@@ -122,8 +122,8 @@ class CompanyCopier {
                 QStringLiteral("The catalogue's rows are the copy's own: the source's do not "
                                "describe its tables to the byte."));
         const std::unique_ptr<data::Database> target = engines::openEmbedded(m_targetName, m_work);
-        std::vector<std::pair<data::RecordFile*, std::unique_ptr<data::RecordFile>>> pairs;
-        for (const std::unique_ptr<data::RecordFile>& table : m_tables) {
+        std::vector<std::pair<data::TableFile*, std::unique_ptr<data::TableFile>>> pairs;
+        for (const std::unique_ptr<data::TableFile>& table : m_tables) {
             const QString& name = table->layout().tableName();
             if (!(own && isCatalogueTable(name)))
                 pairs.emplace_back(table.get(), openTable(*target, name));
@@ -141,7 +141,7 @@ class CompanyCopier {
         }
     }
 
-    CopyProgress shown(data::RecordFile& table, const QString& what) {
+    CopyProgress shown(data::TableFile& table, const QString& what) {
         const QString name = table.layout().tableName() + u' ' + what;
         return [this, name, total = table.recordCount()](qint64 records) {
             m_progress.show(name, records, total);
@@ -161,7 +161,7 @@ class CompanyCopier {
     QString m_folder;
     QString m_work;
     QLockFile m_lock;
-    std::vector<std::unique_ptr<data::RecordFile>> m_tables;
+    std::vector<std::unique_ptr<data::TableFile>> m_tables;
     CopyResult m_result;
     Progress m_progress;
 };

@@ -64,7 +64,7 @@ std::vector<data::KeyDef> withoutGaps(std::vector<data::KeyDef> keys) {
     return keys;
 }
 
-data::TableSource describe(const data::RecordFile& table) {
+data::TableSource describe(const data::TableFile& table) {
     data::TableSource source;
     source.name = table.layout().tableName();
     source.fields = table.layout().fields();
@@ -89,7 +89,7 @@ bool sameKey(const data::KeyDef& a, const data::KeyDef& b) {
                       sameSegment);
 }
 
-bool sameShape(const data::RecordFile& a, const data::RecordFile& b) {
+bool sameShape(const data::TableFile& a, const data::TableFile& b) {
     const std::vector<data::TFieldCacheItem>& first = a.layout().fields();
     const std::vector<data::TFieldCacheItem>& second = b.layout().fields();
     return a.layout().recordLength() == b.layout().recordLength() &&
@@ -104,7 +104,7 @@ bool takesCatalogue(const OpenTables& source, const QString& folder) {
         {
             const std::unique_ptr<data::Database> database =
                 engines::openEmbedded(QString(), folder);
-            for (const std::unique_ptr<data::RecordFile>& table : source) {
+            for (const std::unique_ptr<data::TableFile>& table : source) {
                 if (!isCatalogueTable(table->layout().tableName()))
                     continue;
                 const auto target = database->openTable(table->layout().tableName());
@@ -125,7 +125,7 @@ bool takesCatalogue(const OpenTables& source, const QString& folder) {
     }
 }
 
-qint64 numberOf(const data::RecordFile& table, const char* field, const QByteArray& record) {
+qint64 numberOf(const data::TableFile& table, const char* field, const QByteArray& record) {
     const int index = table.layout().indexOf(QLatin1String(field));
     if (index < 0)
         throw CommandError(QStringLiteral("Table %1 has no field %2.")
@@ -134,15 +134,15 @@ qint64 numberOf(const data::RecordFile& table, const char* field, const QByteArr
                              reinterpret_cast<const uchar*>(record.constData()));
 }
 
-bool isNamed(const data::RecordFile& table, const char* name) {
+bool isNamed(const data::TableFile& table, const char* name) {
     return table.layout().tableName().compare(QLatin1String(name), Qt::CaseInsensitive) == 0;
 }
 
 }  // namespace
 
 CopiedTables::CopiedTables(const OpenTables& tables) {
-    data::RecordFile* files = nullptr;
-    for (const std::unique_ptr<data::RecordFile>& table : tables) {
+    data::TableFile* files = nullptr;
+    for (const std::unique_ptr<data::TableFile>& table : tables) {
         m_names.insert(table->layout().tableName().toCaseFolded());
         if (isNamed(*table, "X$File"))
             files = table.get();
@@ -161,7 +161,7 @@ CopiedTables::CopiedTables(const OpenTables& tables) {
     });
 }
 
-BelongsToCopy CopiedTables::belongs(const data::RecordFile& table) const {
+BelongsToCopy CopiedTables::belongs(const data::TableFile& table) const {
     const char* field = isNamed(table, "X$File")    ? "Xf$Id"
                         : isNamed(table, "X$Field") ? "Xe$File"
                         : isNamed(table, "X$Index") ? "Xi$File"
@@ -177,7 +177,7 @@ bool makeCopyTarget(const OpenTables& source, const QString& work) {
     for (const QString& folder : {buildFolder(work), trialFolder(work)})
         QDir(folder).removeRecursively();
     std::vector<data::TableSource> tables;
-    for (const std::unique_ptr<data::RecordFile>& table : source)
+    for (const std::unique_ptr<data::TableFile>& table : source)
         tables.push_back(describe(*table));
     engines::createEmbedded(buildFolder(work), tables);
     if (!QDir().mkpath(trialFolder(work)) ||

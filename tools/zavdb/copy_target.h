@@ -10,7 +10,7 @@
 
 namespace tools {
 
-using OpenTables = std::vector<std::unique_ptr<data::RecordFile>>;
+using OpenTables = std::vector<std::unique_ptr<data::TableFile>>;
 
 /// The tables of a copy as their source's catalogue numbers them: tells which of the catalogue's
 /// rows speak of them.
@@ -20,7 +20,7 @@ class CopiedTables {
 
     /// All records of an ordinary table; of a catalogue table the rows of the tables that are
     /// copied, their definitions and keys.
-    BelongsToCopy belongs(const data::RecordFile& table) const;
+    BelongsToCopy belongs(const data::TableFile& table) const;
 
   private:
     QSet<QString> m_names;  // folded

@@ -150,7 +150,7 @@ QString keyLine(const data::KeyDef& key, const data::RecordLayout& layout) {
 
 }  // namespace
 
-std::vector<TFieldCacheItem> describedFields(const data::RecordFile& records) {
+std::vector<TFieldCacheItem> describedFields(const data::TableFile& records) {
     const data::RecordLayout& layout = records.layout();
     data::TTblResBase compiled;
     if (data::TTblResReader::ReadResource(layout.tableName(), compiled) &&
@@ -159,7 +159,7 @@ std::vector<TFieldCacheItem> describedFields(const data::RecordFile& records) {
     return layout.fields();
 }
 
-QString fieldListing(const data::RecordFile& records) {
+QString fieldListing(const data::TableFile& records) {
     std::vector<QStringList> rows = {{QStringLiteral("No"), QStringLiteral("Field"),
                                       QStringLiteral("Kind"), QStringLiteral("Size"),
                                       QStringLiteral("Offset"), QStringLiteral("Stored"),

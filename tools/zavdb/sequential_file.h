@@ -12,7 +12,7 @@ class SequentialFileError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Reads an unformatted sequential file as the record engine's maintenance utility saves it, record
+/// Reads an unformatted sequential file as the shops' engine's maintenance utility saves it, record
 /// by record: the record's length in decimal digits, a comma (or a blank), the bytes, a line end
 /// (CR LF; LF alone counts). After the last record stands the end mark 0x1A, which may be missing.
 class SequentialReader {

@@ -26,7 +26,7 @@ int shortestRecord(const data::RecordLayout& layout) {
 
 class Loader {
   public:
-    Loader(data::RecordFile& records, QString fileName, QIODevice& file)
+    Loader(data::TableFile& records, QString fileName, QIODevice& file)
         : m_records(records),
           m_fileName(std::move(fileName)),
           m_size(file.size()),
@@ -71,7 +71,7 @@ class Loader {
         }
     }
 
-    data::RecordFile& m_records;
+    data::TableFile& m_records;
     QString m_fileName;
     qint64 m_size;
     SequentialReader m_reader;
@@ -85,13 +85,13 @@ LoadResult loadTable(data::Database& database, const QString& table, const QStri
     if (!file.open(QIODevice::ReadOnly))
         throw CommandError(
             QStringLiteral("%1 cannot be read: %2").arg(fileName, file.errorString()));
-    const std::unique_ptr<data::RecordFile> records = openTable(database, table);
+    const std::unique_ptr<data::TableFile> records = openTable(database, table);
     LoadResult result;
     changeTable(database, *records, [&] { result = Loader(*records, fileName, file).run(); });
     return result;
 }
 
-qint64 saveTable(data::RecordFile& records, QIODevice& output) {
+qint64 saveTable(data::TableFile& records, QIODevice& output) {
     SequentialWriter writer(output);
     Progress progress;
     const qint64 total = records.recordCount();

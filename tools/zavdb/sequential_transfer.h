@@ -20,6 +20,6 @@ LoadResult loadTable(data::Database& database, const QString& table, const QStri
 
 /// Writes every record of a table, whole, in the order of key 0 (without keys: as stored).
 /// @return the number of records. @throws SequentialFileError, data::DataError.
-qint64 saveTable(data::RecordFile& records, QIODevice& output);
+qint64 saveTable(data::TableFile& records, QIODevice& output);
 
 }  // namespace tools

@@ -37,7 +37,7 @@ int dictionary(const Arguments& arguments) {
     const std::unique_ptr<data::Database> database = openCompany(arguments.at(0));
     QByteArray blocks;
     for (const QString& table : arguments.positional.sliced(1, arguments.count() - 2)) {
-        const std::unique_ptr<data::RecordFile> records = openTable(*database, table);
+        const std::unique_ptr<data::TableFile> records = openTable(*database, table);
         blocks += data::compileBlock(records->layout().tableName(), describedFields(*records));
     }
     writeFile(arguments.positional.constLast(),

@@ -17,7 +17,7 @@ constexpr int kMostFindings = 10;
 /// Reads a table's records in stored order, some at a time.
 class StoredWalk {
   public:
-    explicit StoredWalk(data::RecordFile& records, BelongsToCopy belongs = {})
+    explicit StoredWalk(data::TableFile& records, BelongsToCopy belongs = {})
         : m_records(records), m_belongs(std::move(belongs)) {}
 
     /// The next `max` records that belong; fewer only at the end.
@@ -39,19 +39,19 @@ class StoredWalk {
     }
 
   private:
-    data::RecordFile& m_records;
+    data::TableFile& m_records;
     BelongsToCopy m_belongs;
     std::optional<data::RecordId> m_at;
     bool m_ended = false;
     std::vector<QByteArray> m_batch;
 };
 
-int batchSize(const data::RecordFile& records) {
+int batchSize(const data::TableFile& records) {
     return std::clamp(kMostBytes / std::max(records.layout().recordLength(), 1), 1, kMostRecords);
 }
 
 /// How a record is called in a message.
-QString named(const data::RecordFile& records, const QByteArray& record, qint64 number) {
+QString named(const data::TableFile& records, const QByteArray& record, qint64 number) {
     QString name = QStringLiteral("%1, record %2").arg(records.layout().tableName()).arg(number);
     if (records.keys().empty())
         return name;
@@ -65,7 +65,7 @@ QString named(const data::RecordFile& records, const QByteArray& record, qint64 
     return name + QStringLiteral(" (%1)").arg(parts.join(QStringLiteral(", ")));
 }
 
-void insertAs(data::RecordFile& target, const QByteArray& record, qint64 number) {
+void insertAs(data::TableFile& target, const QByteArray& record, qint64 number) {
     QByteArray stored = record;
     try {
         const data::RecordId id = target.insert(stored);
@@ -81,8 +81,8 @@ void insertAs(data::RecordFile& target, const QByteArray& record, qint64 number)
 }
 
 /// @return the number of records inserted; nothing when the target holds others than the source.
-std::optional<qint64> appendMissing(data::RecordFile& source, data::Database& targetDatabase,
-                                    data::RecordFile& target, const BelongsToCopy& belongs,
+std::optional<qint64> appendMissing(data::TableFile& source, data::Database& targetDatabase,
+                                    data::TableFile& target, const BelongsToCopy& belongs,
                                     const CopyProgress& progress) {
     const int size = batchSize(source);
     StoredWalk from(source, belongs);
@@ -118,7 +118,7 @@ std::optional<qint64> appendMissing(data::RecordFile& source, data::Database& ta
 
 }  // namespace
 
-void removeAll(data::RecordFile& records) {
+void removeAll(data::TableFile& records) {
     while (true) {
         std::vector<data::RecordId> ids;
         records.visitStored(std::nullopt, kRemoveBatch, [&](data::RecordId id, const QByteArray&) {
@@ -132,7 +132,7 @@ void removeAll(data::RecordFile& records) {
     }
 }
 
-qint64 copyTable(data::RecordFile& source, data::Database& targetDatabase, data::RecordFile& target,
+qint64 copyTable(data::TableFile& source, data::Database& targetDatabase, data::TableFile& target,
                  const BelongsToCopy& belongs, const CopyProgress& progress) {
     std::optional<qint64> inserted =
         appendMissing(source, targetDatabase, target, belongs, progress);
@@ -146,7 +146,7 @@ qint64 copyTable(data::RecordFile& source, data::Database& targetDatabase, data:
     return *inserted;
 }
 
-Comparison compareTables(data::RecordFile& source, data::RecordFile& target,
+Comparison compareTables(data::TableFile& source, data::TableFile& target,
                          const BelongsToCopy& belongs, const CopyProgress& progress) {
     const int size = batchSize(source);
     StoredWalk from(source, belongs);

@@ -17,7 +17,7 @@ using CopyProgress = std::function<void(qint64 records)>;
 /// copy that was killed goes on where it stopped. @return how many records were inserted.
 /// @throws CommandError naming the table, record and key of a record that the copy cannot hold;
 ///         data::DataError.
-qint64 copyTable(data::RecordFile& source, data::Database& targetDatabase, data::RecordFile& target,
+qint64 copyTable(data::TableFile& source, data::Database& targetDatabase, data::TableFile& target,
                  const BelongsToCopy& belongs, const CopyProgress& progress);
 
 struct Comparison {
@@ -26,10 +26,10 @@ struct Comparison {
 };
 
 /// Compares two tables record by record and byte by byte, in the order in which they are stored.
-Comparison compareTables(data::RecordFile& source, data::RecordFile& target,
+Comparison compareTables(data::TableFile& source, data::TableFile& target,
                          const BelongsToCopy& belongs, const CopyProgress& progress);
 
 /// Removes every record, in parts.
-void removeAll(data::RecordFile& records);
+void removeAll(data::TableFile& records);
 
 }  // namespace tools

@@ -11,7 +11,7 @@ constexpr int kBatch = 200;
 
 }  // namespace
 
-qint64 exportTable(data::RecordFile& records, QIODevice& output) {
+qint64 exportTable(data::TableFile& records, QIODevice& output) {
     const std::vector<data::TFieldCacheItem>& fields = records.layout().fields();
     CsvWriter writer(output);
     for (const data::TFieldCacheItem& field : fields)

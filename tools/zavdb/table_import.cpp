@@ -54,7 +54,7 @@ bool isEmptyCell(const TFieldCacheItem& field, QByteArrayView cell) {
 
 class Importer {
   public:
-    Importer(data::RecordFile& records, QString fileName, QIODevice& file)
+    Importer(data::TableFile& records, QString fileName, QIODevice& file)
         : m_records(records),
           m_layout(records.layout()),
           m_fileName(std::move(fileName)),
@@ -189,7 +189,7 @@ class Importer {
         return QStringLiteral("a unique key has this row's value already");
     }
 
-    data::RecordFile& m_records;
+    data::TableFile& m_records;
     const data::RecordLayout& m_layout;
     QString m_fileName;
     CsvReader m_reader;
@@ -205,7 +205,7 @@ qint64 importTable(data::Database& database, const QString& table, const QString
     if (!file.open(QIODevice::ReadOnly))
         throw CommandError(
             QStringLiteral("%1 cannot be read: %2").arg(fileName, file.errorString()));
-    const std::unique_ptr<data::RecordFile> records = openTable(database, table);
+    const std::unique_ptr<data::TableFile> records = openTable(database, table);
     qint64 rows = 0;
     try {
         changeTable(database, *records, [&] {

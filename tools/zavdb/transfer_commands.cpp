@@ -23,7 +23,7 @@ int importRows(const Arguments& arguments) {
 
 int exportRows(const Arguments& arguments) {
     const std::unique_ptr<data::Database> database = openCompany(arguments.at(0));
-    const std::unique_ptr<data::RecordFile> records = openTable(*database, arguments.at(1));
+    const std::unique_ptr<data::TableFile> records = openTable(*database, arguments.at(1));
     if (arguments.count() == 2) {
         QFile output;
         if (!output.open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered))
@@ -50,7 +50,7 @@ int loadRecords(const Arguments& arguments) {
 
 int saveRecords(const Arguments& arguments) {
     const std::unique_ptr<data::Database> database = openCompany(arguments.at(0));
-    const std::unique_ptr<data::RecordFile> records = openTable(*database, arguments.at(1));
+    const std::unique_ptr<data::TableFile> records = openTable(*database, arguments.at(1));
     const qint64 saved =
         writeFile(arguments.at(2), [&](QIODevice& output) { return saveTable(*records, output); });
     printLine(QStringLiteral("%1 saved.").arg(counted(saved, QStringLiteral("record"))));

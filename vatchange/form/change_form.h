@@ -10,7 +10,7 @@
 #include "vatchange/definition/load_rules.h"
 #include "vatchange/form/form_controls.h"
 #include "vatchange/form/search_windows.h"
-#include "vatchange/run/run_record.h"
+#include "vatchange/run/run_summary.h"
 
 namespace vatchange {
 
@@ -108,7 +108,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     QProgressBar* m_progress = nullptr;
     QPushButton* m_interrupt = nullptr;
     QPushButton* m_close = nullptr;
-    std::optional<RunRecord> m_lastRun;
+    std::optional<RunSummary> m_lastRun;
     framework::ExitChecks m_exits{*this};
     std::bitset<kCoefficients + 1> m_computed;  ///< by tag: coefficients of followClasses()
     bool m_running = false;

@@ -77,7 +77,7 @@ std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick() {
     setRunning(true);
     try {
         FormRunPorts ports(*this);
-        m_lastRun = recordRun(m_database, definition, ports);
+        m_lastRun = runWithSummary(m_database, definition, ports);
     } catch (...) {
         setRunning(false);
         showStatus(QStringLiteral("Muutos päättyi virheeseen"));

@@ -14,7 +14,7 @@ QString momentText(const QDateTime& moment) {
     return moment.toString(QStringLiteral("dd.MM.yyyy HH:mm:ss"));
 }
 
-QString durationText(const RunRecord& run) {
+QString durationText(const RunSummary& run) {
     const qint64 seconds = run.started.secsTo(run.ended);
     if (seconds < 60)
         return QStringLiteral("%1 s").arg(seconds);
@@ -59,7 +59,7 @@ void troubles(ReportHtml& html, const RunResult& result) {
     }
 }
 
-void logPart(ReportHtml& html, const RunRecord& run) {
+void logPart(ReportHtml& html, const RunSummary& run) {
     const QString logName = QDir::toNativeSeparators(run.logName);
     html.section(QStringLiteral("Ajon lokirivit"));
     const LogExcerpt log = logLines(run);
@@ -79,7 +79,7 @@ void logPart(ReportHtml& html, const RunRecord& run) {
 }
 
 void runPart(ReportHtml& html, const ChangeReport& report) {
-    const RunRecord& run = *report.lastRun;
+    const RunSummary& run = *report.lastRun;
     html.section(QStringLiteral("Viimeisin ajo"), ReportHtml::Page::New);
     html.row(QStringLiteral("Määrittely"), nameOrUnsaved(run.definitionName));
     html.row(QStringLiteral("Alkoi"), momentText(run.started));

@@ -4,7 +4,7 @@
 
 #include "framework/ui/pdf_report.h"
 #include "vatchange/form/definition_report.h"
-#include "vatchange/run/run_record.h"
+#include "vatchange/run/run_summary.h"
 
 namespace vatchange {
 
@@ -15,7 +15,7 @@ struct ChangeReport {
     QString description;
     ChangeDefinition definition;  ///< what the form says now
     DefinitionNames names;
-    std::optional<RunRecord> lastRun;
+    std::optional<RunSummary> lastRun;
 };
 
 /// The definition in words and, when one was run, what the last run did.

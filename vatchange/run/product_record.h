@@ -38,7 +38,7 @@ class ProductRecords {
     qint64 integer(int field, const QByteArray& record) const;
     void read(const QByteArray& record, LockedProduct& product) const;
 
-    std::unique_ptr<data::RecordFile> m_file;
+    std::unique_ptr<data::TableFile> m_file;
     int m_sourceClass;
     std::array<int, kPriceLevels> m_levels{};
     int m_averagePurchase;

@@ -15,11 +15,11 @@ namespace {
 
 class EmbeddedKeys : public test::EmbeddedCompany {
   protected:
-    std::unique_ptr<RecordFile> open(const char* table) {
+    std::unique_ptr<TableFile> open(const char* table) {
         return db->openTable(QLatin1String(table));
     }
 
-    static QByteArray emptyRecord(const RecordFile& file) {
+    static QByteArray emptyRecord(const TableFile& file) {
         QByteArray record(file.layout().recordLength(), '\0');
         for (const TFieldCacheItem& field : file.layout().fields())
             clearField(field, reinterpret_cast<uchar*>(record.data()));

@@ -26,8 +26,8 @@ class EmbeddedLocks : public test::EmbeddedCompany {
     StoredRecord group(int number) { return mine->seek(0, SeekOp::Equal, {number}, 1).at(0); }
 
     std::unique_ptr<Database> other;
-    std::unique_ptr<RecordFile> mine;
-    std::unique_ptr<RecordFile> theirs;
+    std::unique_ptr<TableFile> mine;
+    std::unique_ptr<TableFile> theirs;
 };
 
 }  // namespace

@@ -44,7 +44,7 @@ class TableFiller {
     TableFiller& setValue(std::u16string_view field, const data::Value& value);
 
     QString m_table;
-    std::unique_ptr<data::RecordFile> m_file;
+    std::unique_ptr<data::TableFile> m_file;
     std::unordered_map<std::u16string_view, const data::TFieldCacheItem*> m_fields;
     QByteArray m_empty;
     QByteArray m_record;

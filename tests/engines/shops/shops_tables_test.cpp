@@ -1,4 +1,4 @@
-#include "engines/shops/shop_records.h"
+#include "engines/shops/shops_tables.h"
 
 #include <gtest/gtest.h>
 
@@ -6,12 +6,12 @@
 
 #include "data/record/record_codec.h"
 #include "engines/embedded/embedded_database.h"
-#include "tests/support/client_peer/peer_company.h"
+#include "tests/support/fake_client/fake_company.h"
 
 using namespace data;
-using engines::shops::ShopDatabaseSettings;
-using engines::shops::ShopRecords;
-using test::PeerDatabases;
+using engines::shops::ShopsDatabaseSettings;
+using engines::shops::ShopsTables;
+using test::FakeDatabases;
 
 namespace {
 
@@ -30,9 +30,9 @@ DataError errorOf(Call call) {
     return DataError(ErrorKind::Engine, QString(), QStringLiteral("none"));
 }
 
-class ShopRecordsTest : public ::testing::Test {
+class ShopsTablesTest : public ::testing::Test {
   protected:
-    ShopRecordsTest() {
+    ShopsTablesTest() {
         engines::createEmbedded(store(), allTableSources());
         run("insert into ALVKANTA (luokka, Selite, Prosentti) values (3, 'Yleinen', 24)");
         run("insert into ALVKANTA (luokka, Prosentti) values (5, 25.5)");
@@ -42,26 +42,26 @@ class ShopRecordsTest : public ::testing::Test {
     void run(const char* sql) {
         engines::openEmbedded(str("varasto"), store())->prepare(str(sql))->execute();
     }
-    /// A database of this name that the peer knows by it.
-    ShopDatabaseSettings database(const QString& name, const QString& peculiarities = {}) {
+    /// A database of this name that the fake client knows by it.
+    ShopsDatabaseSettings database(const QString& name, const QString& peculiarities = {}) {
         m_databases.add(name, store(), peculiarities);
         return settings(name);
     }
-    ShopDatabaseSettings settings(const QString& name) const {
-        ShopDatabaseSettings made;
+    ShopsDatabaseSettings settings(const QString& name) const {
+        ShopsDatabaseSettings made;
         made.name = name;
         made.folder = m_folder.path();
-        made.clientLibrary = PeerDatabases::library();
+        made.clientLibrary = FakeDatabases::library();
         return made;
     }
 
     QTemporaryDir m_store;
     QTemporaryDir m_folder;
-    PeerDatabases m_databases;
+    FakeDatabases m_databases;
 };
 
-TEST_F(ShopRecordsTest, TablesAreOpenedByTheDatabasesName) {
-    ShopRecords records(database(str("Åkerin & pojat?=50%#1")));
+TEST_F(ShopsTablesTest, TablesAreOpenedByTheDatabasesName) {
+    ShopsTables records(database(str("Åkerin & pojat?=50%#1")));
     EXPECT_TRUE(records.tableNames().contains(str("MTRIVI")));
     const auto rates = records.openTable(str("alvkanta"));
     EXPECT_EQ(rates->recordCount(), 2);
@@ -76,59 +76,59 @@ TEST_F(ShopRecordsTest, TablesAreOpenedByTheDatabasesName) {
     EXPECT_EQ(records.openTable(str("MT"))->keys().size(), 2);
 }
 
-TEST_F(ShopRecordsTest, WithoutTheNameByTheFilesOfTheFolder) {
+TEST_F(ShopsTablesTest, WithoutTheNameByTheFilesOfTheFolder) {
     run("update X$File set Xf$Loc = 'ALV.MKD' where Xf$Name = 'ALVKANTA'");
     m_databases.add(m_folder.path(), store());
-    const ShopDatabaseSettings byFile = settings(str("nimetön"));
+    const ShopsDatabaseSettings byFile = settings(str("nimetön"));
     {
-        ShopRecords records(byFile);
+        ShopsTables records(byFile);
         const DataError error = errorOf([&] { records.openTable(str("ALVKANTA")); });
         EXPECT_EQ(error.kind(), ErrorKind::NoConnection);
         EXPECT_EQ(error.nativeCode(), 172);
     }
     QFile catalogue(m_folder.filePath(str("File.ddf")));
     ASSERT_TRUE(catalogue.open(QIODevice::WriteOnly));
-    ShopRecords records(byFile);
+    ShopsTables records(byFile);
     EXPECT_EQ(records.openTable(str("ALVKANTA"))->recordCount(), 2);
 }
 
-TEST_F(ShopRecordsTest, WhatIsMissingIsToldWithAWayOut) {
-    ShopDatabaseSettings none = database(str("koe"));
+TEST_F(ShopsTablesTest, WhatIsMissingIsToldWithAWayOut) {
+    ShopsDatabaseSettings none = database(str("koe"));
     none.clientLibrary = m_folder.filePath(str("eiole.so"));
-    const DataError library = errorOf([&] { ShopRecords records(none); });
+    const DataError library = errorOf([&] { ShopsTables records(none); });
     EXPECT_EQ(library.kind(), ErrorKind::NoConnection);
     EXPECT_EQ(library.table(), str("koe"));
     EXPECT_TRUE(library.finnish().contains(str("eiole.so"))) << library.finnish().toStdString();
     EXPECT_TRUE(library.finnish().contains(str("asetuksessa Engine/ClientLibrary")));
-    // A library that is there, but none of the record engine's.
+    // A library that is there, but none of the shops' engine's.
     none.clientLibrary = str("libsqlite3.so.0");
-    EXPECT_EQ(errorOf([&] { ShopRecords records(none); }).kind(), ErrorKind::NoConnection);
+    EXPECT_EQ(errorOf([&] { ShopsTables records(none); }).kind(), ErrorKind::NoConnection);
 
-    ShopRecords records(settings(str("koe")));
+    ShopsTables records(settings(str("koe")));
     const DataError table = errorOf([&] { records.openTable(str("EIOLE")); });
     EXPECT_EQ(table.kind(), ErrorKind::NoSuchTable);
     EXPECT_EQ(table.table(), str("EIOLE"));
 }
 
-TEST_F(ShopRecordsTest, OwnerNames) {
-    ShopDatabaseSettings owned = database(str("oma"), str("owner=zav"));
+TEST_F(ShopsTablesTest, OwnerNames) {
+    ShopsDatabaseSettings owned = database(str("oma"), str("owner=zav"));
     {
-        ShopRecords records(owned);
+        ShopsTables records(owned);
         const DataError refused = errorOf([&] { records.openTable(str("ALVKANTA")); });
         EXPECT_EQ(refused.nativeCode(), 51);
         EXPECT_TRUE(refused.finnish().contains(str("omistajanimi ei kelpaa")));
         EXPECT_TRUE(refused.finnish().contains(str("OwnerName")));
     }
     owned.ownerName = str("zav");
-    ShopRecords records(owned);
+    ShopsTables records(owned);
     EXPECT_EQ(records.openTable(str("ALVKANTA"))->recordCount(), 2);
 }
 
-TEST_F(ShopRecordsTest, ACatalogueThatDisagreesWithItsFileIsRefused) {
+TEST_F(ShopsTablesTest, ACatalogueThatDisagreesWithItsFileIsRefused) {
     const std::pair<const char*, const char*> cases[] = {
         {"short", "ends at byte"}, {"key", "key 0, field luokka: byte 0, length 4; in the file 1"}};
     for (const auto& [peculiarity, reason] : cases) {
-        ShopRecords records(database(str(peculiarity), str(peculiarity)));
+        ShopsTables records(database(str(peculiarity), str(peculiarity)));
         const DataError error = errorOf([&] { records.openTable(str("ALVKANTA")); });
         EXPECT_EQ(error.kind(), ErrorKind::Damaged);
         EXPECT_EQ(error.table().toUpper(), str("ALVKANTA"));
@@ -136,17 +136,17 @@ TEST_F(ShopRecordsTest, ACatalogueThatDisagreesWithItsFileIsRefused) {
     }
 }
 
-TEST_F(ShopRecordsTest, AnAnswerThatIsCutOffIsRefused) {
-    ShopRecords records(database(str("lyhyt"), str("cut")));
+TEST_F(ShopsTablesTest, AnAnswerThatIsCutOffIsRefused) {
+    ShopsTables records(database(str("lyhyt"), str("cut")));
     const auto rates = records.openTable(str("ALVKANTA"));
     const DataError error = errorOf([&] { rates->fromEnd(0, Direction::Forward, 2); });
     EXPECT_EQ(error.kind(), ErrorKind::Damaged);
     EXPECT_TRUE(error.detail().contains(str("is cut off"))) << error.what();
 }
 
-TEST_F(ShopRecordsTest, AWalkAlongAKeyEndsWhereItsVisitorSays) {
+TEST_F(ShopsTablesTest, AWalkAlongAKeyEndsWhereItsVisitorSays) {
     run("insert into ALVKANTA (luokka) values (4)");
-    ShopRecords records(database(str("koe")));
+    ShopsTables records(database(str("koe")));
     const auto rates = records.openTable(str("ALVKANTA"));
     std::vector<RecordId> inOrder;
     for (const StoredRecord& record : rates->fromEnd(0, Direction::Forward, 5))
@@ -166,10 +166,10 @@ TEST_F(ShopRecordsTest, AWalkAlongAKeyEndsWhereItsVisitorSays) {
     EXPECT_EQ(seen, inOrder);
 }
 
-TEST_F(ShopRecordsTest, AnEngineThatNeverAnswersEndsAtTheLimit) {
-    ShopDatabaseSettings mute = database(str("mykkä"), str("silent"));
+TEST_F(ShopsTablesTest, AnEngineThatNeverAnswersEndsAtTheLimit) {
+    ShopsDatabaseSettings mute = database(str("mykkä"), str("silent"));
     mute.statementLimit = std::chrono::milliseconds(200);
-    ShopRecords records(mute);
+    ShopsTables records(mute);
     QElapsedTimer time;
     time.start();
     const DataError error = errorOf([&] { records.openTable(str("ALVKANTA")); });
@@ -181,12 +181,12 @@ TEST_F(ShopRecordsTest, AnEngineThatNeverAnswersEndsAtTheLimit) {
     EXPECT_LT(time.elapsed(), 3500);
 }
 
-TEST_F(ShopRecordsTest, TheOrderOfStorageGoesOnAfterOtherCalls) {
+TEST_F(ShopsTablesTest, TheOrderOfStorageGoesOnAfterOtherCalls) {
     for (int i = 10; i < 30; ++i)
         engines::openEmbedded(str("varasto"), store())
             ->prepare(str("insert into ALVKANTA (luokka) values (%1)").arg(40 - i))
             ->execute();
-    ShopRecords records(database(str("koe")));
+    ShopsTables records(database(str("koe")));
     const auto rates = records.openTable(str("ALVKANTA"));
     std::vector<RecordId> seen;
     const auto note = [&](RecordId id, const QByteArray&) {
@@ -206,10 +206,10 @@ TEST_F(ShopRecordsTest, TheOrderOfStorageGoesOnAfterOtherCalls) {
     EXPECT_EQ(errorOf([&] { again->visitStored(seen[3], 1, note); }).kind(), ErrorKind::Gone);
 }
 
-TEST_F(ShopRecordsTest, LocksAreCountedAndEndWithTheSession) {
-    const ShopDatabaseSettings koe = database(str("koe"));
-    auto first = std::make_unique<ShopRecords>(koe);
-    ShopRecords second(koe);
+TEST_F(ShopsTablesTest, LocksAreCountedAndEndWithTheSession) {
+    const ShopsDatabaseSettings koe = database(str("koe"));
+    auto first = std::make_unique<ShopsTables>(koe);
+    ShopsTables second(koe);
     second.setLockWait(std::chrono::milliseconds(60));
     auto mine = first->openTable(str("ALVKANTA"));
     auto alsoMine = first->openTable(str("ALVKANTA"));
@@ -242,8 +242,8 @@ TEST_F(ShopRecordsTest, LocksAreCountedAndEndWithTheSession) {
     EXPECT_TRUE(theirs->lock(rate.id, kWait));
 }
 
-TEST_F(ShopRecordsTest, NumbersAndUniqueKeysAreTheEngines) {
-    ShopRecords records(database(str("koe")));
+TEST_F(ShopsTablesTest, NumbersAndUniqueKeysAreTheEngines) {
+    ShopsTables records(database(str("koe")));
     const auto invoices = records.openTable(str("VAKIOLASKUTUS"));
     QByteArray bytes(invoices->layout().recordLength(), '\0');
     const QByteArray empty = bytes;

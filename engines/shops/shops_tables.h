@@ -5,23 +5,23 @@
 
 #include "data/catalogue/catalogue.h"
 #include "engines/data_names.h"
-#include "engines/shops/client_cursor.h"
-#include "engines/shops/shop_database.h"
+#include "engines/shops/file_cursor.h"
+#include "engines/shops/shops_database.h"
 
 namespace engines::shops {
 
 /// The record tables of one company of the shops' engine. A table is opened by the database's name;
 /// where the engine knows none of that name, by the file that the catalogue in the company's folder
 /// tells.
-class ShopRecords {
+class ShopsTables {
   public:
     /// @throws DataError(NoConnection) without client library or engine.
-    explicit ShopRecords(ShopDatabaseSettings settings);
+    explicit ShopsTables(ShopsDatabaseSettings settings);
 
     /// A session that was lost is started anew. The layout is the catalogue's, else the compiled
     /// dictionary's; it has to agree with what the file itself tells.
     /// @throws DataError(NoSuchTable, Damaged, NoConnection, ...) naming the table.
-    std::unique_ptr<RecordFile> openTable(const QString& tableName);
+    std::unique_ptr<TableFile> openTable(const QString& tableName);
 
     QStringList tableNames();  ///< as the catalogue is now
 
@@ -34,12 +34,12 @@ class ShopRecords {
     void requireSession();
     const Catalogue& catalogue();
     Catalogue readCatalogue();
-    std::unique_ptr<ClientCursor> openCursor(const QString& tableName, const QString& location);
+    std::unique_ptr<FileCursor> openCursor(const QString& tableName, const QString& location);
     QByteArray uriOf(const QString& tableName) const;
     QByteArray pathOf(const QString& tableName, const QString& location) const;
 
-    ShopDatabaseSettings m_settings;
-    std::shared_ptr<ClientSession> m_session;
+    ShopsDatabaseSettings m_settings;
+    std::shared_ptr<CallSession> m_session;
     std::chrono::milliseconds m_lockWait{2000};
     std::optional<Catalogue> m_catalogue;
     bool m_byFile = false;  // the engine does not know the database's name

@@ -17,19 +17,19 @@ struct PositionBlock {
     alignas(8) std::array<char, kPositionBlockSize> bytes{};
 };
 
-/// One client of the record engine: its files, locks and transactions are its own, also beside
+/// One client of the shops' engine: its files, locks and transactions are its own, also beside
 /// another session of the same program. Ends with a reset, which closes and unlocks everything.
 /// Calls are made in a thread of their own and given up at the time limit; the session is lost
 /// then.
-class ClientSession {
+class CallSession {
   public:
     /// Loads the library and asks the engine for its version, which tells whether it is there.
     /// @throws DataError(NoConnection) for `company`.
-    ClientSession(const QString& company, const QString& library,
-                  std::chrono::milliseconds connectLimit, std::chrono::milliseconds callLimit);
-    ~ClientSession();
-    ClientSession(const ClientSession&) = delete;
-    ClientSession& operator=(const ClientSession&) = delete;
+    CallSession(const QString& company, const QString& library,
+                std::chrono::milliseconds connectLimit, std::chrono::milliseconds callLimit);
+    ~CallSession();
+    CallSession(const CallSession&) = delete;
+    CallSession& operator=(const CallSession&) = delete;
 
     /// One call. `data` is sent whole, with room for what comes back: its size is the buffer length
     /// sent, and it is cut to the length returned. `key` is widened to the key buffer's size.

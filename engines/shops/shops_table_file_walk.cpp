@@ -2,8 +2,8 @@
 #include <utility>
 
 #include "data/record/record_codec.h"
-#include "engines/shops/client_file.h"
-#include "engines/shops/client_status.h"
+#include "engines/shops/call_status.h"
+#include "engines/shops/shops_table_file.h"
 
 // Reading along a key.
 
@@ -21,14 +21,14 @@ bool isUnsupported(int status) {
 
 }  // namespace
 
-int ClientFile::valueCount(int key, const KeyValues& values) const {
+int ShopsTableFile::valueCount(int key, const KeyValues& values) const {
     return static_cast<int>(
         std::min(values.size(), m_keys[static_cast<size_t>(key)].segments.size()));
 }
 
 // A record that holds the values of the key's leading fields. Fields may share bytes, but not
 // those of one key.
-QByteArray ClientFile::recordOf(int key, const KeyValues& values) const {
+QByteArray ShopsTableFile::recordOf(int key, const KeyValues& values) const {
     QByteArray record(m_layout.recordLength(), '\0');
     const std::vector<KeySegment>& segments = m_keys[static_cast<size_t>(key)].segments;
     for (int i = 0; i < valueCount(key, values); ++i)
@@ -38,12 +38,12 @@ QByteArray ClientFile::recordOf(int key, const KeyValues& values) const {
     return record;
 }
 
-int ClientFile::compare(int key, const QByteArray& record, const KeyValues& values) const {
+int ShopsTableFile::compare(int key, const QByteArray& record, const KeyValues& values) const {
     checkKey(key);
     return orderOf(key).compare(record, recordOf(key, values), valueCount(key, values));
 }
 
-int ClientFile::move(int operation, int key, const QByteArray& keyBytes) {
+int ShopsTableFile::move(int operation, int key, const QByteArray& keyBytes) {
     const int status = m_cursor->read(operation, keyBytes, key, m_current);
     if (status == kOk)
         m_current = whole(std::move(m_current));
@@ -51,7 +51,7 @@ int ClientFile::move(int operation, int key, const QByteArray& keyBytes) {
 }
 
 // Whether there is such a record at all.
-bool ClientFile::found(int status) const {
+bool ShopsTableFile::found(int status) const {
     if (status == kKeyNotFound || status == kEndOfFile)
         return false;
     if (status != kOk)
@@ -59,7 +59,7 @@ bool ClientFile::found(int status) const {
     return true;
 }
 
-std::vector<StoredRecord> ClientFile::fromEnd(int key, Direction direction, int max) {
+std::vector<StoredRecord> ShopsTableFile::fromEnd(int key, Direction direction, int max) {
     checkKey(key);
     if (!found(move(direction == Direction::Forward ? kGetFirst : kGetLast, key)))
         return {};
@@ -68,7 +68,8 @@ std::vector<StoredRecord> ClientFile::fromEnd(int key, Direction direction, int 
 
 // Among records of one value the engine finds the first by "greater", the last by "less". In a
 // descending key both follow the key, not the values.
-std::vector<StoredRecord> ClientFile::seek(int key, SeekOp op, const KeyValues& values, int max) {
+std::vector<StoredRecord> ShopsTableFile::seek(int key, SeekOp op, const KeyValues& values,
+                                               int max) {
     checkKey(key);
     const KeyOrder& order = orderOf(key);
     const int given = valueCount(key, values);
@@ -106,15 +107,15 @@ std::vector<StoredRecord> ClientFile::seek(int key, SeekOp op, const KeyValues& 
     return readOn(key, direction, max, Stand::Before, std::nullopt, belongs);
 }
 
-std::vector<StoredRecord> ClientFile::next(int key, const StoredRecord& from, Direction direction,
-                                           int max) {
+std::vector<StoredRecord> ShopsTableFile::next(int key, const StoredRecord& from,
+                                               Direction direction, int max) {
     checkKey(key);
     const Stand stand = standOn(key, from) ? Stand::On : standBeside(key, from, direction);
     return readOn(key, direction, max, stand, from);
 }
 
 // Puts the cursor on a record, if it still stands at that place of the key.
-bool ClientFile::standOn(int key, const StoredRecord& record) {
+bool ShopsTableFile::standOn(int key, const StoredRecord& record) {
     QByteArray stored;
     const int status = m_cursor->direct(record.id, key, stored);
     if (status == kInvalidRecordAddress || status == kInvalidKeyPath || !found(status))
@@ -125,7 +126,8 @@ bool ClientFile::standOn(int key, const StoredRecord& record) {
 }
 
 // Puts the cursor where the walk goes on from a record that is no longer at its place.
-ClientFile::Stand ClientFile::standBeside(int key, const StoredRecord& from, Direction direction) {
+ShopsTableFile::Stand ShopsTableFile::standBeside(int key, const StoredRecord& from,
+                                                  Direction direction) {
     const KeyOrder& order = orderOf(key);
     if (order.stat().duplicates && !order.stat().byAddress) {
         if (const std::optional<Stand> stand = standByTrail(key, from, direction))
@@ -148,8 +150,8 @@ ClientFile::Stand ClientFile::standBeside(int key, const StoredRecord& from, Dir
 
 // The same among records of one value whose order no address tells: by those that were read last
 // beside it and still stand there. Nothing when there are none.
-std::optional<ClientFile::Stand> ClientFile::standByTrail(int key, const StoredRecord& from,
-                                                          Direction direction) {
+std::optional<ShopsTableFile::Stand> ShopsTableFile::standByTrail(int key, const StoredRecord& from,
+                                                                  Direction direction) {
     if (m_trailKey != key)
         return std::nullopt;
     const auto place = std::find(m_trail.begin(), m_trail.end(), from.id);
@@ -170,9 +172,9 @@ std::optional<ClientFile::Stand> ClientFile::standByTrail(int key, const StoredR
 
 // Reads up to `max` records from where the cursor stands. `from` is the record that it stands on
 // or beside; `belongs` tells where the answer ends.
-std::vector<StoredRecord> ClientFile::readOn(int key, Direction direction, int max, Stand stand,
-                                             std::optional<StoredRecord> from,
-                                             const Test& belongs) {
+std::vector<StoredRecord> ShopsTableFile::readOn(int key, Direction direction, int max, Stand stand,
+                                                 std::optional<StoredRecord> from,
+                                                 const Test& belongs) {
     Records records;
     int replacings = 0;
     while (stand != Stand::Nowhere && static_cast<int>(records.size()) < max) {
@@ -203,13 +205,13 @@ std::vector<StoredRecord> ClientFile::readOn(int key, Direction direction, int m
 }
 
 // Reads some records in one answer, or one by single operations.
-int ClientFile::readSome(int key, Direction direction, bool withCurrent, int wanted,
-                         Records& records) {
+int ShopsTableFile::readSome(int key, Direction direction, bool withCurrent, int wanted,
+                             Records& records) {
     const bool forward = direction == Direction::Forward;
     if (m_readsMany && wanted > (withCurrent ? 1 : 0)) {
         const size_t before = records.size();
         const int status = m_cursor->readMany(
-            direction, key, withCurrent, std::min(wanted, ClientCursor::mostAtOnce(m_fixedLength)),
+            direction, key, withCurrent, std::min(wanted, FileCursor::mostAtOnce(m_fixedLength)),
             m_fixedLength, records);
         if (status == kRejectCountReached || status == kFilterLimitReached)
             return records.size() > before ? kOk : kEndOfFile;
@@ -230,7 +232,8 @@ int ClientFile::readSome(int key, Direction direction, bool withCurrent, int wan
     return kOk;
 }
 
-void ClientFile::leaveTrail(int key, Direction direction, RecordId from, const Records& records) {
+void ShopsTableFile::leaveTrail(int key, Direction direction, RecordId from,
+                                const Records& records) {
     const bool forward = direction == Direction::Forward;
     const bool goesOn = m_trailKey == key && !m_trail.empty() && from != 0 &&
                         (forward ? m_trail.back() : m_trail.front()) == from;

@@ -4,15 +4,15 @@
 
 #include "engines/data_names.h"
 #include "engines/embedded/connection.h"
-#include "engines/embedded/record_table.h"
+#include "engines/embedded/stored_table.h"
 
 namespace engines::embedded {
 
 /// The records of one table behind the engines' common interface.
-class EmbeddedRecordFile : public RecordFile {
+class EmbeddedTableFile : public TableFile {
   public:
-    EmbeddedRecordFile(std::shared_ptr<Connection> connection, RecordTable& table);
-    ~EmbeddedRecordFile() override;
+    EmbeddedTableFile(std::shared_ptr<Connection> connection, StoredTable& table);
+    ~EmbeddedTableFile() override;
 
     const RecordLayout& layout() const override { return m_table.layout(); }
     const std::vector<KeyDef>& keys() const override { return m_table.keys(); }
@@ -49,7 +49,7 @@ class EmbeddedRecordFile : public RecordFile {
                                     Direction direction, int max);
 
     std::shared_ptr<Connection> m_connection;
-    RecordTable& m_table;
+    StoredTable& m_table;
     struct Locked {
         int count = 0;
         QByteArray seen;  // the record as it was last read or written under the lock

@@ -1,6 +1,6 @@
-// The record engine's call interface over embedded companies, for tests: loaded as the engine's own
+// The shops' engine's call interface over embedded companies, for tests: loaded as the engine's own
 // client library would be. The databases it knows stand in the file that the environment variable
-// CLIENT_PEER_DATABASES names, one a line: NAME, a tab, the folder of the embedded company; further
+// FAKE_CLIENT_DATABASES names, one a line: NAME, a tab, the folder of the embedded company; further
 // columns may say "owner=NAME" (files want this owner name), "silent" (no answer for some seconds)
 // and what Peculiarities are for: "short", "key", "linked", "plain", "stuck", "cut", "taker". A
 // database of the name of a folder serves the files of that folder: each table by its location in
@@ -21,15 +21,15 @@
 #include "data/dictionary/resources.h"
 #include "engines/embedded/company_file.h"
 #include "engines/embedded/connection.h"
-#include "tests/support/client_peer/peer_cursor.h"
+#include "tests/support/fake_client/fake_cursor.h"
 
 #ifdef Q_OS_WIN
-#define PEER_CALL __stdcall
+#define FAKE_CALL __stdcall
 #else
-#define PEER_CALL
+#define FAKE_CALL
 #endif
 
-namespace peer {
+namespace fake {
 
 namespace {
 
@@ -46,22 +46,22 @@ constexpr std::chrono::seconds kSilence{4};
 constexpr quint32 kMagic = 0x52454550;
 constexpr size_t kClientIdSize = 16;
 
-struct PeerDatabase {
+struct FakeDatabase {
     QString folder;
     QString owner;
     Peculiarities peculiarities;
     bool silent = false;
 };
 
-std::optional<PeerDatabase> findDatabase(const QString& name) {
-    QFile file(qEnvironmentVariable("CLIENT_PEER_DATABASES"));
+std::optional<FakeDatabase> findDatabase(const QString& name) {
+    QFile file(qEnvironmentVariable("FAKE_CLIENT_DATABASES"));
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
     for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n')) {
         const QStringList columns = line.split(u'\t');
         if (columns.size() < 2 || columns[0].compare(name, Qt::CaseInsensitive) != 0)
             continue;
-        PeerDatabase found{columns[1], {}, {}, columns.contains(QStringLiteral("silent"))};
+        FakeDatabase found{columns[1], {}, {}, columns.contains(QStringLiteral("silent"))};
         for (const QString& column : columns)
             if (column.startsWith(QStringLiteral("owner=")))
                 found.owner = column.mid(6);
@@ -79,7 +79,7 @@ std::optional<PeerDatabase> findDatabase(const QString& name) {
 
 struct Client {
     std::map<QString, std::shared_ptr<engines::embedded::Connection>> connections;
-    std::map<quint32, std::unique_ptr<PeerCursor>> cursors;
+    std::map<quint32, std::unique_ptr<FakeCursor>> cursors;
 };
 
 std::mutex g_mutex;
@@ -147,7 +147,7 @@ QString tableOfFile(const Catalogue& catalogue, const QString& file) {
 int open(Client& client, char* block, const CallBuffers& buffers) {
     const OpenRequest request = parseName(
         QByteArray(buffers.key, qstrnlen(buffers.key, static_cast<size_t>(buffers.keyLength))));
-    const std::optional<PeerDatabase> database = findDatabase(request.database);
+    const std::optional<FakeDatabase> database = findDatabase(request.database);
     if (!database)
         return request.table.isEmpty() ? kFileNotFound : kDatabaseNameNotFound;
     const QString owner =
@@ -166,7 +166,7 @@ int open(Client& client, char* block, const CallBuffers& buffers) {
                              : request.table;
     const bool ofCatalogue = name.startsWith(QStringLiteral("X$"), Qt::CaseInsensitive);
     client.cursors[++g_lastHandle] =
-        std::make_unique<PeerCursor>(connection, connection->table(name),
+        std::make_unique<FakeCursor>(connection, connection->table(name),
                                      ofCatalogue ? Peculiarities() : database->peculiarities);
     std::memcpy(block, &kMagic, sizeof kMagic);
     std::memcpy(block + sizeof kMagic, &g_lastHandle, sizeof g_lastHandle);
@@ -185,7 +185,7 @@ int version(CallBuffers& buffers) {
 bool isSilent(int operation, const CallBuffers& buffers) {
     if (operation != 0)
         return false;
-    const std::optional<PeerDatabase> database = findDatabase(
+    const std::optional<FakeDatabase> database = findDatabase(
         parseName(
             QByteArray(buffers.key, qstrnlen(buffers.key, static_cast<size_t>(buffers.keyLength))))
             .database);
@@ -232,28 +232,28 @@ int run(int operation, char* block, CallBuffers& buffers, int key, const QByteAr
 
 }  // namespace
 
-}  // namespace peer
+}  // namespace fake
 
-extern "C" Q_DECL_EXPORT qint16 PEER_CALL BTRCALLID(quint16 operation, void* positionBlock,
+extern "C" Q_DECL_EXPORT qint16 FAKE_CALL BTRCALLID(quint16 operation, void* positionBlock,
                                                     void* data, quint32* dataLength, void* key,
                                                     quint8 keyLength, qint8 keyNumber,
                                                     void* clientId) {
     try {
         data::initDictionaryResources();
-        peer::CallBuffers buffers{static_cast<char*>(data), dataLength, static_cast<char*>(key),
+        fake::CallBuffers buffers{static_cast<char*>(data), dataLength, static_cast<char*>(key),
                                   keyLength};
         return static_cast<qint16>(
-            peer::run(operation, static_cast<char*>(positionBlock), buffers, keyNumber,
-                      QByteArray(static_cast<const char*>(clientId), peer::kClientIdSize)));
+            fake::run(operation, static_cast<char*>(positionBlock), buffers, keyNumber,
+                      QByteArray(static_cast<const char*>(clientId), fake::kClientIdSize)));
     } catch (const data::DataError& error) {
-        return static_cast<qint16>(peer::statusOf(error));
+        return static_cast<qint16>(fake::statusOf(error));
     }
 }
 
-extern "C" Q_DECL_EXPORT qint16 PEER_CALL BTRCALL(quint16 operation, void* positionBlock,
+extern "C" Q_DECL_EXPORT qint16 FAKE_CALL BTRCALL(quint16 operation, void* positionBlock,
                                                   void* data, quint32* dataLength, void* key,
                                                   quint8 keyLength, qint8 keyNumber) {
-    char everybody[peer::kClientIdSize] = {};
+    char everybody[fake::kClientIdSize] = {};
     return BTRCALLID(operation, positionBlock, data, dataLength, key, keyLength, keyNumber,
                      everybody);
 }

@@ -15,7 +15,7 @@ namespace data {
 /// other writes than that of the record stood on, call forget().
 ///
 /// A call that throws leaves key, range and test as they were.
-class RecordView {
+class KeyView {
   public:
     struct Range {
         KeyValues low;
@@ -23,7 +23,7 @@ class RecordView {
     };
     using Accept = std::function<bool(const StoredRecord&)>;
 
-    RecordView(RecordFile& file, const KeyDef& key);
+    KeyView(TableFile& file, const KeyDef& key);
 
     void setKey(const KeyDef& key);  ///< also drops the range
     void setRange(std::optional<Range> range);
@@ -55,7 +55,7 @@ class RecordView {
     std::vector<StoredRecord> seekFrom(const KeyValues& values, SeekOp op, int asked);
     bool isSamePlace(const StoredRecord& record) const;
 
-    RecordFile& m_file;
+    TableFile& m_file;
     const KeyDef* m_key;
     std::optional<Range> m_range;
     Accept m_accept;

@@ -1,11 +1,11 @@
-#include "engines/shops/shop_database.h"
+#include "engines/shops/shops_database.h"
 
 #include <QDir>
 #include <utility>
 
 #include "data/lock/lock_file.h"
 #include "engines/shops/odbc_connection.h"
-#include "engines/shops/shop_records.h"
+#include "engines/shops/shops_tables.h"
 
 namespace engines::shops {
 
@@ -14,7 +14,7 @@ namespace {
 // Beside the record files; its first byte is locked while a run is going on.
 const QString kRunLockFile = QStringLiteral("TAKSAVAIHE.LCK");
 
-OdbcSettings odbcSettings(const ShopDatabaseSettings& settings) {
+OdbcSettings odbcSettings(const ShopsDatabaseSettings& settings) {
     return {settings.dataSource.isEmpty() ? settings.name : settings.dataSource,
             settings.userName,
             settings.password,
@@ -24,16 +24,16 @@ OdbcSettings odbcSettings(const ShopDatabaseSettings& settings) {
 }
 
 /// Records over the client library, SQL over ODBC: two sessions of the same engine.
-class ShopDatabase : public Database {
+class ShopsDatabase : public Database {
   public:
-    explicit ShopDatabase(const ShopDatabaseSettings& settings)
+    explicit ShopsDatabase(const ShopsDatabaseSettings& settings)
         : m_settings(settings),
           m_records(settings),
           m_sql(OdbcConnection::connect(odbcSettings(settings))) {}
 
     QString name() const override { return m_settings.name; }
     QStringList tableNames() override { return m_records.tableNames(); }
-    std::unique_ptr<RecordFile> openTable(const QString& tableName) override {
+    std::unique_ptr<TableFile> openTable(const QString& tableName) override {
         return m_records.openTable(tableName);
     }
     std::unique_ptr<SqlStatement> prepare(const QString& sql) override {
@@ -60,16 +60,16 @@ class ShopDatabase : public Database {
     }
 
   private:
-    ShopDatabaseSettings m_settings;
-    ShopRecords m_records;
+    ShopsDatabaseSettings m_settings;
+    ShopsTables m_records;
     std::unique_ptr<OdbcConnection> m_sql;
     std::unique_ptr<LockFile> m_runLock;
 };
 
 }  // namespace
 
-std::unique_ptr<Database> openShopDatabase(const ShopDatabaseSettings& settings) {
-    return std::make_unique<ShopDatabase>(settings);
+std::unique_ptr<Database> openShopsDatabase(const ShopsDatabaseSettings& settings) {
+    return std::make_unique<ShopsDatabase>(settings);
 }
 
 }  // namespace engines::shops

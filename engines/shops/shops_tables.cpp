@@ -1,12 +1,12 @@
-#include "engines/shops/shop_records.h"
+#include "engines/shops/shops_tables.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <algorithm>
 #include <utility>
 
-#include "engines/shops/client_file.h"
-#include "engines/shops/client_status.h"
+#include "engines/shops/call_status.h"
+#include "engines/shops/shops_table_file.h"
 
 namespace engines::shops {
 
@@ -156,24 +156,24 @@ std::vector<KeyDef> keysOf(const TableDescription& table, const FileStat& stat) 
 
 }  // namespace
 
-ShopRecords::ShopRecords(ShopDatabaseSettings settings) : m_settings(std::move(settings)) {
+ShopsTables::ShopsTables(ShopsDatabaseSettings settings) : m_settings(std::move(settings)) {
     requireSession();
 }
 
-void ShopRecords::requireSession() {
+void ShopsTables::requireSession() {
     if (m_session && !m_session->isLost())
         return;
-    m_session = std::make_shared<ClientSession>(m_settings.name, m_settings.clientLibrary,
-                                                m_settings.connectLimit, m_settings.statementLimit);
+    m_session = std::make_shared<CallSession>(m_settings.name, m_settings.clientLibrary,
+                                              m_settings.connectLimit, m_settings.statementLimit);
     m_session->lockWait = m_lockWait;
 }
 
-void ShopRecords::setLockWait(std::chrono::milliseconds wait) {
+void ShopsTables::setLockWait(std::chrono::milliseconds wait) {
     m_lockWait = wait;
     m_session->lockWait = wait;
 }
 
-QByteArray ShopRecords::uriOf(const QString& tableName) const {
+QByteArray ShopsTables::uriOf(const QString& tableName) const {
     QString server = m_settings.server;
 #ifndef Q_OS_WIN
     if (server.isEmpty())
@@ -188,7 +188,7 @@ QByteArray ShopRecords::uriOf(const QString& tableName) const {
     return uri;
 }
 
-QByteArray ShopRecords::pathOf(const QString& tableName, const QString& location) const {
+QByteArray ShopsTables::pathOf(const QString& tableName, const QString& location) const {
     QString name = location.isEmpty() ? catalogueFileOf(tableName) : location;
 #ifndef Q_OS_WIN
     name.replace(QLatin1Char('\\'), QLatin1Char('/'));
@@ -201,10 +201,10 @@ QByteArray ShopRecords::pathOf(const QString& tableName, const QString& location
     return QDir::toNativeSeparators(path).toLocal8Bit();
 }
 
-std::unique_ptr<ClientCursor> ShopRecords::openCursor(const QString& tableName,
-                                                      const QString& location) {
+std::unique_ptr<FileCursor> ShopsTables::openCursor(const QString& tableName,
+                                                    const QString& location) {
     const auto open = [&](const QByteArray& name) {
-        return std::make_unique<ClientCursor>(m_session, name, m_settings.ownerName, tableName);
+        return std::make_unique<FileCursor>(m_session, name, m_settings.ownerName, tableName);
     };
     if (!m_byFile) {
         try {
@@ -219,9 +219,9 @@ std::unique_ptr<ClientCursor> ShopRecords::openCursor(const QString& tableName,
     return open(pathOf(tableName, location));
 }
 
-Catalogue ShopRecords::readCatalogue() {
+Catalogue ShopsTables::readCatalogue() {
     return Catalogue([this](const RecordLayout& table, const auto& see) {
-        const std::unique_ptr<ClientCursor> cursor = openCursor(table.tableName(), QString());
+        const std::unique_ptr<FileCursor> cursor = openCursor(table.tableName(), QString());
         const int length = cursor->stat().recordLength;
         if (length < table.recordLength())
             throw DataError(ErrorKind::Damaged, table.tableName(),
@@ -242,13 +242,13 @@ Catalogue ShopRecords::readCatalogue() {
     });
 }
 
-const Catalogue& ShopRecords::catalogue() {
+const Catalogue& ShopsTables::catalogue() {
     if (!m_catalogue)
         m_catalogue = readCatalogue();
     return *m_catalogue;
 }
 
-QStringList ShopRecords::tableNames() {
+QStringList ShopsTables::tableNames() {
     requireSession();
     m_catalogue = readCatalogue();
     QStringList names = m_catalogue->tableNames();
@@ -256,24 +256,24 @@ QStringList ShopRecords::tableNames() {
     return names;
 }
 
-std::unique_ptr<RecordFile> ShopRecords::openTable(const QString& tableName) {
+std::unique_ptr<TableFile> ShopsTables::openTable(const QString& tableName) {
     requireSession();
     const bool listed = catalogue().lists(tableName);
     if (!listed)
         compiledLayout(tableName);  // there has to be one of the two
     const QString location = catalogue().location(tableName);
     const auto open = [this, tableName, location] { return openCursor(tableName, location); };
-    std::unique_ptr<ClientCursor> cursor = open();
+    std::unique_ptr<FileCursor> cursor = open();
     const FileStat stat = cursor->stat();
     TableDescription table = describeFile(catalogue(), tableName, stat);
     if (listed)
         checkKeys(table, stat);
     std::vector<KeyDef> keys = keysOf(table, stat);
-    return std::make_unique<ClientFile>(std::move(cursor), open, stat, std::move(table.layout),
-                                        std::move(keys));
+    return std::make_unique<ShopsTableFile>(std::move(cursor), open, stat, std::move(table.layout),
+                                            std::move(keys));
 }
 
-void ShopRecords::inTransaction(const std::function<void()>& body) {
+void ShopsTables::inTransaction(const std::function<void()>& body) {
     requireSession();
     const auto send = [this](quint16 operation) {
         QByteArray none;

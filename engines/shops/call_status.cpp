@@ -1,4 +1,4 @@
-#include "engines/shops/client_status.h"
+#include "engines/shops/call_status.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,4 +1,4 @@
-#include "vatchange/run/run_record.h"
+#include "vatchange/run/run_summary.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ namespace {
 
 using test::RunCompany;
 using vatchange::LogExcerpt;
-using vatchange::RunRecord;
+using vatchange::RunSummary;
 
 qint64 rowsOf(const vatchange::RunResult& result, const QString& what) {
     for (const vatchange::ChangedRows& changed : result.changed) {
@@ -20,7 +20,7 @@ qint64 rowsOf(const vatchange::RunResult& result, const QString& what) {
     return -1;
 }
 
-TEST(RunRecord, CountsWhatEachStepChanged) {
+TEST(RunSummary, CountsWhatEachStepChanged) {
     RunCompany company;
     for (const char* sql :
          {"insert into TUOTE (NUMERO, LVV, HINTA, HRKPL, Verkkokauppa) values ('A1', 3, 12.4, 1, "
@@ -37,34 +37,34 @@ TEST(RunRecord, CountsWhatEachStepChanged) {
         company.exec(QLatin1String(sql));
     vatchange::ChangeDefinition definition = test::plainDefinition();
     definition.campaigns = definition.salesOrders = definition.purchaseOrders = true;
-    const RunRecord record = recordRun(company.database(), definition, company.ports);
-    EXPECT_TRUE(record.result.clean());
-    EXPECT_EQ(record.definition, definition);
-    EXPECT_EQ(record.definitionName, company.ports.definition);
-    EXPECT_EQ(rowsOf(record.result, "Tuotteet"), 2);
-    EXPECT_EQ(rowsOf(record.result, "Tuoteryhmien alv-kentät"), 2);
-    EXPECT_EQ(rowsOf(record.result, "Myymälähintojen rivit"), 2);
-    EXPECT_EQ(rowsOf(record.result, "Kampanjarivit"), 1);
-    EXPECT_EQ(rowsOf(record.result, "Hyllynreunaetiketit"), 1);
-    EXPECT_EQ(rowsOf(record.result, "Verkkokaupan muutosmerkinnät"), 1);
-    EXPECT_EQ(rowsOf(record.result, "Myyntitilausten rivit"), 0);
-    EXPECT_EQ(rowsOf(record.result, "Ostotilausten rivit"), 1);
-    EXPECT_EQ(rowsOf(record.result, "Määräalennukset"), -1) << "a step that was not asked for";
+    const RunSummary summary = runWithSummary(company.database(), definition, company.ports);
+    EXPECT_TRUE(summary.result.clean());
+    EXPECT_EQ(summary.definition, definition);
+    EXPECT_EQ(summary.definitionName, company.ports.definition);
+    EXPECT_EQ(rowsOf(summary.result, "Tuotteet"), 2);
+    EXPECT_EQ(rowsOf(summary.result, "Tuoteryhmien alv-kentät"), 2);
+    EXPECT_EQ(rowsOf(summary.result, "Myymälähintojen rivit"), 2);
+    EXPECT_EQ(rowsOf(summary.result, "Kampanjarivit"), 1);
+    EXPECT_EQ(rowsOf(summary.result, "Hyllynreunaetiketit"), 1);
+    EXPECT_EQ(rowsOf(summary.result, "Verkkokaupan muutosmerkinnät"), 1);
+    EXPECT_EQ(rowsOf(summary.result, "Myyntitilausten rivit"), 0);
+    EXPECT_EQ(rowsOf(summary.result, "Ostotilausten rivit"), 1);
+    EXPECT_EQ(rowsOf(summary.result, "Määräalennukset"), -1) << "a step that was not asked for";
 }
 
-TEST(RunRecord, LogLinesAreThoseOfTheRunAndBounded) {
+TEST(RunSummary, LogLinesAreThoseOfTheRunAndBounded) {
     test::CompanyFolder company;
-    RunRecord record;
-    record.logName = company.file(QStringLiteral("loki"));
+    RunSummary summary;
+    summary.logName = company.file(QStringLiteral("loki"));
     const auto line = [](int number) { return QStringLiteral("rivi %1\n").arg(number).toUtf8(); };
     QByteArray bytes = "ennen ajoa\n";
-    record.logFrom = bytes.size();
+    summary.logFrom = bytes.size();
     for (int i = 1; i <= 100000; ++i)
         bytes += line(i);
-    record.logTo = bytes.size();
-    test::writeFile(record.logName, bytes + "ajon jälkeen\n");
+    summary.logTo = bytes.size();
+    test::writeFile(summary.logName, bytes + "ajon jälkeen\n");
 
-    const LogExcerpt excerpt = logLines(record);
+    const LogExcerpt excerpt = logLines(summary);
     EXPECT_EQ(excerpt.problem, QString());
     EXPECT_EQ(excerpt.first.size(), LogExcerpt::kFirstLines);
     EXPECT_EQ(excerpt.first.first(), QStringLiteral("rivi 1"));
@@ -72,10 +72,10 @@ TEST(RunRecord, LogLinesAreThoseOfTheRunAndBounded) {
     EXPECT_EQ(excerpt.last.last(), QStringLiteral("rivi 100000"));
     EXPECT_EQ(excerpt.leftOut, 100000 - LogExcerpt::kFirstLines - LogExcerpt::kLastLines);
 
-    test::writeFile(record.logName, "lyhyt");
-    EXPECT_FALSE(logLines(record).problem.isEmpty());
-    QFile::remove(record.logName);
-    EXPECT_FALSE(logLines(record).problem.isEmpty());
+    test::writeFile(summary.logName, "lyhyt");
+    EXPECT_FALSE(logLines(summary).problem.isEmpty());
+    QFile::remove(summary.logName);
+    EXPECT_FALSE(logLines(summary).problem.isEmpty());
 }
 
 }  // namespace

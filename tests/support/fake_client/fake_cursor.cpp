@@ -1,4 +1,4 @@
-#include "tests/support/client_peer/peer_cursor.h"
+#include "tests/support/fake_client/fake_cursor.h"
 
 #include <QtEndian>
 #include <algorithm>
@@ -8,7 +8,7 @@
 
 #include "data/windows1252.h"
 
-namespace peer {
+namespace fake {
 
 using namespace data;
 
@@ -66,18 +66,18 @@ void doubleWord(QByteArray& bytes, qint64 value) {
 
 }  // namespace
 
-PeerCursor::PeerCursor(std::shared_ptr<engines::embedded::Connection> connection,
-                       engines::embedded::RecordTable& table, Peculiarities peculiarities)
+FakeCursor::FakeCursor(std::shared_ptr<engines::embedded::Connection> connection,
+                       engines::embedded::StoredTable& table, Peculiarities peculiarities)
     : m_connection(std::move(connection)),
       m_table(table),
       m_file(m_connection, table),
       m_peculiarities(std::move(peculiarities)) {
     if (const auto& taker = m_peculiarities.taker)
-        m_taker = std::make_unique<engines::embedded::EmbeddedRecordFile>(
+        m_taker = std::make_unique<engines::embedded::EmbeddedTableFile>(
             taker, taker->table(table.name()));
 }
 
-int PeerCursor::run(int operation, CallBuffers& buffers, int key) {
+int FakeCursor::run(int operation, CallBuffers& buffers, int key) {
     const int bias = operation / kLockBiasStep * kLockBiasStep;
     switch (operation % kLockBiasStep) {
         case 2:
@@ -118,7 +118,7 @@ int PeerCursor::run(int operation, CallBuffers& buffers, int key) {
     }
 }
 
-QByteArray PeerCursor::keyBytes(const QByteArray& record, int key) const {
+QByteArray FakeCursor::keyBytes(const QByteArray& record, int key) const {
     QByteArray bytes;
     for (const KeySegment& segment : m_table.keys()[static_cast<size_t>(key)].segments) {
         const TFieldCacheItem& field = m_table.layout().field(segment.fieldIndex);
@@ -127,7 +127,7 @@ QByteArray PeerCursor::keyBytes(const QByteArray& record, int key) const {
     return bytes;
 }
 
-QByteArray PeerCursor::recordOf(const char* keyBuffer, int key) const {
+QByteArray FakeCursor::recordOf(const char* keyBuffer, int key) const {
     QByteArray record(m_table.layout().recordLength(), '\0');
     for (const KeySegment& segment : m_table.keys()[static_cast<size_t>(key)].segments) {
         const TFieldCacheItem& field = m_table.layout().field(segment.fieldIndex);
@@ -137,7 +137,7 @@ QByteArray PeerCursor::recordOf(const char* keyBuffer, int key) const {
     return record;
 }
 
-int PeerCursor::lockRecord(RecordId id, int bias) {
+int FakeCursor::lockRecord(RecordId id, int bias) {
     if (bias == 0)
         return kOk;
     const bool single = bias <= 200;
@@ -156,7 +156,7 @@ int PeerCursor::lockRecord(RecordId id, int bias) {
     return kOk;
 }
 
-int PeerCursor::give(std::optional<StoredRecord> record, int key, CallBuffers& buffers, int bias) {
+int FakeCursor::give(std::optional<StoredRecord> record, int key, CallBuffers& buffers, int bias) {
     if (!record)
         return kEndOfFile;
     if (const int status = lockRecord(record->id, bias); status != kOk)
@@ -177,7 +177,7 @@ int PeerCursor::give(std::optional<StoredRecord> record, int key, CallBuffers& b
     return put(m_current->bytes, buffers);
 }
 
-int PeerCursor::seek(int operation, CallBuffers& buffers, int key) {
+int FakeCursor::seek(int operation, CallBuffers& buffers, int key) {
     if (key < 0 || key >= static_cast<int>(m_table.keys().size()))
         return kInvalidKeyNumber;
     const engines::embedded::KeyImage& images = m_table.image(key);
@@ -212,13 +212,13 @@ int PeerCursor::seek(int operation, CallBuffers& buffers, int key) {
 }
 
 // Somebody else removed the current record or moved it in the key.
-bool PeerCursor::isLost() const {
+bool FakeCursor::isLost() const {
     const std::optional<StoredRecord> stored = m_file.get(m_current->id);
     return !stored ||
            keyBytes(stored->bytes, m_currentKey) != keyBytes(m_current->bytes, m_currentKey);
 }
 
-int PeerCursor::walk(int operation, CallBuffers& buffers, int key) {
+int FakeCursor::walk(int operation, CallBuffers& buffers, int key) {
     if (key < 0 || key >= static_cast<int>(m_table.keys().size()))
         return kInvalidKeyNumber;
     const int kind = operation % kLockBiasStep;
@@ -239,7 +239,7 @@ int PeerCursor::walk(int operation, CallBuffers& buffers, int key) {
                 operation / kLockBiasStep * kLockBiasStep);
 }
 
-int PeerCursor::step(bool first, CallBuffers& buffers) {
+int FakeCursor::step(bool first, CallBuffers& buffers) {
     if (!first && !m_physical)
         return kInvalidPositioning;
     std::optional<StoredRecord> found;
@@ -251,7 +251,7 @@ int PeerCursor::step(bool first, CallBuffers& buffers) {
     return give(std::move(found), -1, buffers, 0);
 }
 
-int PeerCursor::direct(CallBuffers& buffers, int key, int bias) {
+int FakeCursor::direct(CallBuffers& buffers, int key, int bias) {
     if (*buffers.dataLength < 4)
         return kDataBufferTooShort;
     if (key >= static_cast<int>(m_table.keys().size()))
@@ -260,7 +260,7 @@ int PeerCursor::direct(CallBuffers& buffers, int key, int bias) {
     return record ? give(std::move(record), key, buffers, bias) : kInvalidAddress;
 }
 
-int PeerCursor::readMany(Direction direction, CallBuffers& buffers, int key) {
+int FakeCursor::readMany(Direction direction, CallBuffers& buffers, int key) {
     constexpr quint32 kRequest = 16;
     if (m_peculiarities.plain)
         return kInvalidOperation;
@@ -304,7 +304,7 @@ int PeerCursor::readMany(Direction direction, CallBuffers& buffers, int key) {
     return static_cast<int>(found.size()) < wanted ? kEndOfFile : kOk;
 }
 
-int PeerCursor::insert(CallBuffers& buffers, int key) {
+int FakeCursor::insert(CallBuffers& buffers, int key) {
     if (*buffers.dataLength != static_cast<quint32>(m_table.layout().recordLength()))
         return kDataBufferTooShort;
     QByteArray bytes(buffers.data, *buffers.dataLength);
@@ -315,7 +315,7 @@ int PeerCursor::insert(CallBuffers& buffers, int key) {
     return kOk;
 }
 
-int PeerCursor::update(CallBuffers& buffers) {
+int FakeCursor::update(CallBuffers& buffers) {
     if (!m_current)
         return kInvalidPositioning;
     if (*buffers.dataLength != static_cast<quint32>(m_table.layout().recordLength()))
@@ -333,7 +333,7 @@ int PeerCursor::update(CallBuffers& buffers) {
     return kOk;
 }
 
-int PeerCursor::remove() {
+int FakeCursor::remove() {
     if (!m_current)
         return kInvalidPositioning;
     const std::optional<StoredRecord> stored = m_file.get(m_current->id);
@@ -343,13 +343,13 @@ int PeerCursor::remove() {
     return kOk;
 }
 
-void PeerCursor::giveBack(RecordId id) {
+void FakeCursor::giveBack(RecordId id) {
     m_file.unlock(id);
     if (m_taker)
         m_taker->lock(id, std::chrono::milliseconds(0));
 }
 
-int PeerCursor::unlock(CallBuffers& buffers, int key) {
+int FakeCursor::unlock(CallBuffers& buffers, int key) {
     if (m_peculiarities.stuck)
         return kSessionLost;
     if (key >= 0) {  // the single lock
@@ -375,7 +375,7 @@ int PeerCursor::unlock(CallBuffers& buffers, int key) {
     return kOk;
 }
 
-int PeerCursor::givePosition(CallBuffers& buffers) {
+int FakeCursor::givePosition(CallBuffers& buffers) {
     if (!m_current)
         return kInvalidPositioning;
     QByteArray bytes;
@@ -383,7 +383,7 @@ int PeerCursor::givePosition(CallBuffers& buffers) {
     return put(bytes, buffers);
 }
 
-int PeerCursor::stat(CallBuffers& buffers) {
+int FakeCursor::stat(CallBuffers& buffers) {
     const RecordLayout& layout = m_table.layout();
     const auto records = m_file.recordCount();
     QByteArray bytes;
@@ -426,4 +426,4 @@ int PeerCursor::stat(CallBuffers& buffers) {
     return put(bytes, buffers);
 }
 
-}  // namespace peer
+}  // namespace fake

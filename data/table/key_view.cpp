@@ -1,4 +1,4 @@
-#include "data/table/record_view.h"
+#include "data/table/key_view.h"
 
 #include <algorithm>
 #include <array>
@@ -15,25 +15,25 @@ constexpr int kPlainLevels = 3;  // a walk without a test stops growing here
 
 }  // namespace
 
-RecordView::RecordView(RecordFile& file, const KeyDef& key) : m_file(file), m_key(&key) {}
+KeyView::KeyView(TableFile& file, const KeyDef& key) : m_file(file), m_key(&key) {}
 
-void RecordView::setKey(const KeyDef& key) {
+void KeyView::setKey(const KeyDef& key) {
     m_key = &key;
     m_range.reset();
     forget();
 }
 
-void RecordView::setRange(std::optional<Range> range) {
+void KeyView::setRange(std::optional<Range> range) {
     m_range = std::move(range);
     forget();
 }
 
-void RecordView::setAccept(Accept accept) {
+void KeyView::setAccept(Accept accept) {
     m_accept = std::move(accept);
     forget();
 }
 
-void RecordView::forget() {
+void KeyView::forget() {
     m_anchor.reset();
     m_ahead.clear();
     m_aheadAt = 0;
@@ -41,7 +41,7 @@ void RecordView::forget() {
     m_level = 0;
 }
 
-std::optional<StoredRecord> RecordView::first() {
+std::optional<StoredRecord> KeyView::first() {
     forget();
     const int asked = nextSize();
     if (!m_range || m_range->low.empty())
@@ -51,7 +51,7 @@ std::optional<StoredRecord> RecordView::first() {
     return begin(m_file.seek(m_key->number, op, m_range->low, asked), asked, Direction::Forward);
 }
 
-std::optional<StoredRecord> RecordView::last() {
+std::optional<StoredRecord> KeyView::last() {
     forget();
     const int asked = nextSize();
     if (!m_range || m_range->high.empty())
@@ -61,7 +61,7 @@ std::optional<StoredRecord> RecordView::last() {
                  Direction::Backward);
 }
 
-std::optional<StoredRecord> RecordView::step(const StoredRecord& from, Direction direction) {
+std::optional<StoredRecord> KeyView::step(const StoredRecord& from, Direction direction) {
     if (m_direction != direction || !m_anchor || !isSamePlace(from)) {
         forget();
         // A record posted outside of the range: the view begins behind it.
@@ -75,7 +75,7 @@ std::optional<StoredRecord> RecordView::step(const StoredRecord& from, Direction
     return scan();
 }
 
-std::optional<StoredRecord> RecordView::find(const KeyValues& values) {
+std::optional<StoredRecord> KeyView::find(const KeyValues& values) {
     forget();
     const int asked = nextSize();
     std::optional<StoredRecord> found =
@@ -87,29 +87,29 @@ std::optional<StoredRecord> RecordView::find(const KeyValues& values) {
     return found;
 }
 
-std::optional<StoredRecord> RecordView::findNearest(const KeyValues& values) {
+std::optional<StoredRecord> KeyView::findNearest(const KeyValues& values) {
     forget();
     const int asked = nextSize();
     return begin(seekFrom(values, SeekOp::GreaterOrEqual, asked), asked, Direction::Forward);
 }
 
-bool RecordView::contains(const StoredRecord& record) const {
+bool KeyView::contains(const StoredRecord& record) const {
     return !isBefore(record) && !isBehind(record) && (!m_accept || m_accept(record));
 }
 
-int RecordView::compare(const StoredRecord& record, const KeyValues& values) const {
+int KeyView::compare(const StoredRecord& record, const KeyValues& values) const {
     return values.empty() ? 0 : m_file.compare(m_key->number, record.bytes, values);
 }
 
-bool RecordView::isBefore(const StoredRecord& record) const {
+bool KeyView::isBefore(const StoredRecord& record) const {
     return m_range && compare(record, m_range->low) < 0;
 }
 
-bool RecordView::isBehind(const StoredRecord& record) const {
+bool KeyView::isBehind(const StoredRecord& record) const {
     return m_range && compare(record, m_range->high) > 0;
 }
 
-int RecordView::nextSize() {
+int KeyView::nextSize() {
     if (m_level == 0 && (m_range || m_accept))
         m_level = 1;
     const int levels = m_accept ? static_cast<int>(kBatchSizes.size()) : kPlainLevels;
@@ -119,7 +119,7 @@ int RecordView::nextSize() {
 }
 
 // Seeks by values, but not before the range begins.
-std::vector<StoredRecord> RecordView::seekFrom(const KeyValues& values, SeekOp op, int asked) {
+std::vector<StoredRecord> KeyView::seekFrom(const KeyValues& values, SeekOp op, int asked) {
     if (values.empty())
         return m_range && !m_range->low.empty()
                    ? m_file.seek(m_key->number, SeekOp::GreaterOrEqual, m_range->low, asked)
@@ -130,14 +130,14 @@ std::vector<StoredRecord> RecordView::seekFrom(const KeyValues& values, SeekOp o
     return batch;
 }
 
-std::optional<StoredRecord> RecordView::begin(std::vector<StoredRecord> batch, int asked,
-                                              Direction direction, const KeyValues* only) {
+std::optional<StoredRecord> KeyView::begin(std::vector<StoredRecord> batch, int asked,
+                                           Direction direction, const KeyValues* only) {
     m_direction = direction;
     fetch(std::move(batch), asked);
     return scan(only);
 }
 
-void RecordView::fetch(std::vector<StoredRecord> batch, int asked) {
+void KeyView::fetch(std::vector<StoredRecord> batch, int asked) {
     m_ended = static_cast<int>(batch.size()) < asked;
     m_ahead = std::move(batch);
     m_aheadAt = 0;
@@ -145,7 +145,7 @@ void RecordView::fetch(std::vector<StoredRecord> batch, int asked) {
 
 // The next accepted record of what was read ahead and what follows it; it becomes the anchor.
 // `only` ends the scan where the leading key fields are no longer these.
-std::optional<StoredRecord> RecordView::scan(const KeyValues* only) {
+std::optional<StoredRecord> KeyView::scan(const KeyValues* only) {
     StoredRecord last = m_anchor.value_or(StoredRecord{});
     try {
         for (;;) {
@@ -175,7 +175,7 @@ std::optional<StoredRecord> RecordView::scan(const KeyValues* only) {
     }
 }
 
-bool RecordView::isSamePlace(const StoredRecord& record) const {
+bool KeyView::isSamePlace(const StoredRecord& record) const {
     if (record.id != m_anchor->id)
         return false;
     if (record.bytes.constData() == m_anchor->bytes.constData())

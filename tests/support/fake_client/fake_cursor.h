@@ -5,9 +5,9 @@
 #include <optional>
 #include <set>
 
-#include "engines/embedded/record_file.h"
+#include "engines/embedded/table_file.h"
 
-namespace peer {
+namespace fake {
 
 /// The buffers of one call, checked for room when they are written.
 struct CallBuffers {
@@ -29,11 +29,11 @@ struct Peculiarities {
     std::shared_ptr<engines::embedded::Connection> taker = {};
 };
 
-/// One open file: a table of an embedded company, worked on as the record engine's files are.
-class PeerCursor {
+/// One open file: a table of an embedded company, worked on as the shops' engine's files are.
+class FakeCursor {
   public:
-    PeerCursor(std::shared_ptr<engines::embedded::Connection> connection,
-               engines::embedded::RecordTable& table, Peculiarities peculiarities);
+    FakeCursor(std::shared_ptr<engines::embedded::Connection> connection,
+               engines::embedded::StoredTable& table, Peculiarities peculiarities);
 
     /// Runs one operation with its lock bias. @return the status.
     int run(int operation, CallBuffers& buffers, int keyNumber);
@@ -59,10 +59,10 @@ class PeerCursor {
     QByteArray recordOf(const char* keyBuffer, int key) const;
 
     std::shared_ptr<engines::embedded::Connection> m_connection;
-    engines::embedded::RecordTable& m_table;
-    mutable engines::embedded::EmbeddedRecordFile m_file;
+    engines::embedded::StoredTable& m_table;
+    mutable engines::embedded::EmbeddedTableFile m_file;
     Peculiarities m_peculiarities;
-    std::unique_ptr<engines::embedded::EmbeddedRecordFile> m_taker;
+    std::unique_ptr<engines::embedded::EmbeddedTableFile> m_taker;
     std::optional<data::StoredRecord> m_current;
     int m_currentKey = -1;
     std::optional<data::RecordId> m_physical;
@@ -70,4 +70,4 @@ class PeerCursor {
     std::multiset<data::RecordId> m_locks;
 };
 
-}  // namespace peer
+}  // namespace fake

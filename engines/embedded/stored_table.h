@@ -16,13 +16,13 @@
 namespace engines::embedded {
 
 class Connection;
-class RecordTable;
+class StoredTable;
 
 /// A statement borrowed from a table's pool; goes back, reset, when the lease ends.
 class StatementLease {
   public:
     StatementLease() = default;
-    StatementLease(RecordTable* table, quint64 shape, Statement statement);
+    StatementLease(StoredTable* table, quint64 shape, Statement statement);
     ~StatementLease();
     StatementLease(StatementLease&& other) noexcept;
     StatementLease& operator=(StatementLease&& other) noexcept;
@@ -32,7 +32,7 @@ class StatementLease {
     explicit operator bool() const { return m_table != nullptr; }
 
   private:
-    RecordTable* m_table = nullptr;
+    StoredTable* m_table = nullptr;
     quint64 m_shape = 0;
     Statement m_statement;
 };
@@ -53,12 +53,12 @@ struct ScanShape {
 };
 
 /// The stored records of one table on one connection: reading, and the one place that writes them.
-class RecordTable {
+class StoredTable {
   public:
     /// @throws DataError(Damaged) when the stored table is missing or has other keys.
-    RecordTable(Connection& connection, TableDescription description);
-    RecordTable(const RecordTable&) = delete;
-    RecordTable& operator=(const RecordTable&) = delete;
+    StoredTable(Connection& connection, TableDescription description);
+    StoredTable(const StoredTable&) = delete;
+    StoredTable& operator=(const StoredTable&) = delete;
 
     const QString& name() const { return m_description.name; }
     int number() const { return m_description.number; }

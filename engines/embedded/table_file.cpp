@@ -1,4 +1,4 @@
-#include "engines/embedded/record_file.h"
+#include "engines/embedded/table_file.h"
 
 #include <algorithm>
 #include <cstring>
@@ -6,32 +6,32 @@
 
 namespace engines::embedded {
 
-EmbeddedRecordFile::EmbeddedRecordFile(std::shared_ptr<Connection> connection, RecordTable& table)
+EmbeddedTableFile::EmbeddedTableFile(std::shared_ptr<Connection> connection, StoredTable& table)
     : m_connection(std::move(connection)), m_table(table) {}
 
-EmbeddedRecordFile::~EmbeddedRecordFile() {
+EmbeddedTableFile::~EmbeddedTableFile() {
     for (const auto& [id, locked] : m_locked) {
         for (int i = 0; i < locked.count; ++i)
             m_connection->locks().release({m_table.number(), id});
     }
 }
 
-void EmbeddedRecordFile::checkKey(int key) const {
+void EmbeddedTableFile::checkKey(int key) const {
     if (key < 0 || key >= static_cast<int>(keys().size()))
         throw DataError(ErrorKind::NoSuchField, m_table.name(),
                         QStringLiteral("the table has no key %1").arg(key));
 }
 
-std::vector<StoredRecord> EmbeddedRecordFile::collect(StatementLease& rows, int max) const {
+std::vector<StoredRecord> EmbeddedTableFile::collect(StatementLease& rows, int max) const {
     std::vector<StoredRecord> records;
     while (static_cast<int>(records.size()) < max && rows->step())
         records.push_back({rows->integer(0), m_table.checked(rows->blob(1)).toByteArray()});
     return records;
 }
 
-std::vector<StoredRecord> EmbeddedRecordFile::range(int key, const QByteArray& low,
-                                                    const QByteArray& high, Direction direction,
-                                                    int max) {
+std::vector<StoredRecord> EmbeddedTableFile::range(int key, const QByteArray& low,
+                                                   const QByteArray& high, Direction direction,
+                                                   int max) {
     StatementLease rows = m_table.scan(
         {key, ScanShape::Bounds::Range, direction == Direction::Backward, false, true});
     rows->bind(1, low);
@@ -40,7 +40,7 @@ std::vector<StoredRecord> EmbeddedRecordFile::range(int key, const QByteArray& l
     return collect(rows, max);
 }
 
-std::vector<StoredRecord> EmbeddedRecordFile::fromEnd(int key, Direction direction, int max) {
+std::vector<StoredRecord> EmbeddedTableFile::fromEnd(int key, Direction direction, int max) {
     checkKey(key);
     StatementLease rows =
         m_table.scan({key, ScanShape::Bounds::None, direction == Direction::Backward, false, true});
@@ -48,8 +48,8 @@ std::vector<StoredRecord> EmbeddedRecordFile::fromEnd(int key, Direction directi
     return collect(rows, max);
 }
 
-std::vector<StoredRecord> EmbeddedRecordFile::seek(int key, SeekOp op, const KeyValues& values,
-                                                   int max) {
+std::vector<StoredRecord> EmbeddedTableFile::seek(int key, SeekOp op, const KeyValues& values,
+                                                  int max) {
     checkKey(key);
     const QByteArray prefix = m_table.image(key).prefix(values);
     const QByteArray& top = m_table.topImage(key);
@@ -71,8 +71,8 @@ std::vector<StoredRecord> EmbeddedRecordFile::seek(int key, SeekOp op, const Key
     return {};
 }
 
-std::vector<StoredRecord> EmbeddedRecordFile::next(int key, const StoredRecord& from,
-                                                   Direction direction, int max) {
+std::vector<StoredRecord> EmbeddedTableFile::next(int key, const StoredRecord& from,
+                                                  Direction direction, int max) {
     checkKey(key);
     const QByteArray image = m_table.image(key).build(m_table.checked(from.bytes).toByteArray());
     const bool forward = direction == Direction::Forward;
@@ -96,19 +96,19 @@ std::vector<StoredRecord> EmbeddedRecordFile::next(int key, const StoredRecord& 
     return records;
 }
 
-QByteArray EmbeddedRecordFile::imageOf(int key, const StoredRecord& record) const {
+QByteArray EmbeddedTableFile::imageOf(int key, const StoredRecord& record) const {
     return m_table.image(key).build(m_table.checked(record.bytes).toByteArray());
 }
 
 // A bound above all records of an image.
-QByteArray EmbeddedRecordFile::above(int key, const QByteArray& image) const {
+QByteArray EmbeddedTableFile::above(int key, const QByteArray& image) const {
     const QByteArray next = successor(image);
     return next.isEmpty() ? m_table.topImage(key) : next;
 }
 
-std::optional<StoredRecord> EmbeddedRecordFile::skip(int key,
-                                                     const std::optional<StoredRecord>& from,
-                                                     Direction direction, qint64 count) {
+std::optional<StoredRecord> EmbeddedTableFile::skip(int key,
+                                                    const std::optional<StoredRecord>& from,
+                                                    Direction direction, qint64 count) {
     checkKey(key);
     const bool backward = direction == Direction::Backward;
     QByteArray low;
@@ -139,8 +139,8 @@ std::optional<StoredRecord> EmbeddedRecordFile::skip(int key,
     return get(id);
 }
 
-qint64 EmbeddedRecordFile::countBetween(int key, const std::optional<StoredRecord>& from,
-                                        const StoredRecord& to) {
+qint64 EmbeddedTableFile::countBetween(int key, const std::optional<StoredRecord>& from,
+                                       const StoredRecord& to) {
     checkKey(key);
     const QByteArray high = imageOf(key, to);
     const QByteArray low = from ? imageOf(key, *from) : QByteArray();
@@ -153,10 +153,10 @@ qint64 EmbeddedRecordFile::countBetween(int key, const std::optional<StoredRecor
     return std::max<qint64>(count, 0);
 }
 
-std::optional<StoredRecord> EmbeddedRecordFile::visit(int key,
-                                                      const std::optional<StoredRecord>& from,
-                                                      Direction direction, int max,
-                                                      const Visitor& see) {
+std::optional<StoredRecord> EmbeddedTableFile::visit(int key,
+                                                     const std::optional<StoredRecord>& from,
+                                                     Direction direction, int max,
+                                                     const Visitor& see) {
     checkKey(key);
     const bool backward = direction == Direction::Backward;
     std::optional<StoredRecord> last;
@@ -197,8 +197,8 @@ std::optional<StoredRecord> EmbeddedRecordFile::visit(int key,
     return last;
 }
 
-std::optional<RecordId> EmbeddedRecordFile::visitStored(std::optional<RecordId> after, int max,
-                                                        const Visitor& see) {
+std::optional<RecordId> EmbeddedTableFile::visitStored(std::optional<RecordId> after, int max,
+                                                       const Visitor& see) {
     StatementLease rows = m_table.scan({-1, ScanShape::Bounds::Range, false, false, true, false});
     rows->bind(1, after ? *after + 1 : std::numeric_limits<RecordId>::min());
     rows->bind(2, std::numeric_limits<RecordId>::max());
@@ -213,10 +213,10 @@ std::optional<RecordId> EmbeddedRecordFile::visitStored(std::optional<RecordId> 
     return last;
 }
 
-std::optional<StoredRecord> EmbeddedRecordFile::visitIds(int key,
-                                                         const std::optional<StoredRecord>& from,
-                                                         int max,
-                                                         const std::function<void(RecordId)>& see) {
+std::optional<StoredRecord> EmbeddedTableFile::visitIds(int key,
+                                                        const std::optional<StoredRecord>& from,
+                                                        int max,
+                                                        const std::function<void(RecordId)>& see) {
     checkKey(key);
     RecordId lastId = 0;
     int left = max;
@@ -247,7 +247,7 @@ std::optional<StoredRecord> EmbeddedRecordFile::visitIds(int key,
     return lastId != 0 ? get(lastId) : std::nullopt;
 }
 
-int EmbeddedRecordFile::compare(int key, const QByteArray& record, const KeyValues& values) const {
+int EmbeddedTableFile::compare(int key, const QByteArray& record, const KeyValues& values) const {
     checkKey(key);
     const QByteArray wanted = m_table.image(key).prefix(values);
     QByteArray image;
@@ -255,7 +255,7 @@ int EmbeddedRecordFile::compare(int key, const QByteArray& record, const KeyValu
     return std::memcmp(image.constData(), wanted.constData(), static_cast<size_t>(wanted.size()));
 }
 
-std::optional<StoredRecord> EmbeddedRecordFile::get(RecordId id) {
+std::optional<StoredRecord> EmbeddedTableFile::get(RecordId id) {
     std::optional<QByteArray> bytes = m_table.read(id);
     if (!bytes)
         return std::nullopt;
@@ -264,14 +264,14 @@ std::optional<StoredRecord> EmbeddedRecordFile::get(RecordId id) {
     return StoredRecord{id, std::move(*bytes)};
 }
 
-bool EmbeddedRecordFile::lock(RecordId id, std::chrono::milliseconds wait) {
+bool EmbeddedTableFile::lock(RecordId id, std::chrono::milliseconds wait) {
     if (!m_connection->locks().hold({m_table.number(), id}, wait))
         return false;
     ++m_locked[id].count;
     return true;
 }
 
-void EmbeddedRecordFile::unlock(RecordId id) {
+void EmbeddedTableFile::unlock(RecordId id) {
     const auto locked = m_locked.find(id);
     if (locked == m_locked.end())
         return;
@@ -280,7 +280,7 @@ void EmbeddedRecordFile::unlock(RecordId id) {
         m_locked.erase(locked);
 }
 
-RecordId EmbeddedRecordFile::insert(QByteArray& bytes) {
+RecordId EmbeddedTableFile::insert(QByteArray& bytes) {
     RecordId id = 0;
     QByteArray record;
     m_connection->write(Connection::WriteUnit::Records, [&] {
@@ -291,7 +291,7 @@ RecordId EmbeddedRecordFile::insert(QByteArray& bytes) {
     return id;
 }
 
-QByteArray EmbeddedRecordFile::stored(RecordId id) {
+QByteArray EmbeddedTableFile::stored(RecordId id) {
     std::optional<QByteArray> record = m_table.read(id);
     if (!record)
         throw DataError(ErrorKind::Gone, m_table.name(),
@@ -299,7 +299,7 @@ QByteArray EmbeddedRecordFile::stored(RecordId id) {
     return std::move(*record);
 }
 
-void EmbeddedRecordFile::update(RecordId id, const QByteArray& bytes) {
+void EmbeddedTableFile::update(RecordId id, const QByteArray& bytes) {
     const auto locked = m_locked.find(id);
     m_connection->write(Connection::WriteUnit::Records, [&] {
         const QByteArray before = stored(id);
@@ -316,7 +316,7 @@ void EmbeddedRecordFile::update(RecordId id, const QByteArray& bytes) {
         locked->second.seen = bytes;
 }
 
-void EmbeddedRecordFile::remove(RecordId id) {
+void EmbeddedTableFile::remove(RecordId id) {
     m_connection->write(Connection::WriteUnit::Records, [&] { m_table.remove(id, stored(id)); });
 }
 

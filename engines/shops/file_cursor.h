@@ -7,23 +7,23 @@
 
 #include "data/engine/engine.h"
 #include "engines/data_names.h"
-#include "engines/shops/client_session.h"
+#include "engines/shops/call_session.h"
 #include "engines/shops/file_stat.h"
 
 namespace engines::shops {
 
 /// One open file of a session: the single operations, with the engine's statuses as they come.
-class ClientCursor {
+class FileCursor {
   public:
     /// Opens a file by what the key buffer takes: a path or a database URI.
     /// @throws DataError of the status, naming `table`.
-    ClientCursor(std::shared_ptr<ClientSession> session, const QByteArray& fileName,
-                 const QString& ownerName, QString table);
-    ~ClientCursor();
-    ClientCursor(const ClientCursor&) = delete;
-    ClientCursor& operator=(const ClientCursor&) = delete;
+    FileCursor(std::shared_ptr<CallSession> session, const QByteArray& fileName,
+               const QString& ownerName, QString table);
+    ~FileCursor();
+    FileCursor(const FileCursor&) = delete;
+    FileCursor& operator=(const FileCursor&) = delete;
 
-    ClientSession& session() const { return *m_session; }
+    CallSession& session() const { return *m_session; }
     const QString& table() const { return m_table; }
 
     FileStat stat();
@@ -56,7 +56,7 @@ class ClientCursor {
   private:
     int call(int operation, QByteArray& data, QByteArray& key, int keyNumber);
 
-    std::shared_ptr<ClientSession> m_session;
+    std::shared_ptr<CallSession> m_session;
     QString m_table;
     std::shared_ptr<PositionBlock> m_block = std::make_shared<PositionBlock>();
     QByteArray m_key;  // what the last reading left in the key buffer; the next one wants it back

@@ -10,7 +10,7 @@ namespace vatchange {
 
 /// A run as its report tells of it: what was run, when, how it ended, and where its lines stand in
 /// the change log.
-struct RunRecord {
+struct RunSummary {
     QString definitionName;  ///< empty when the definition was run unsaved
     ChangeDefinition definition;
     QDateTime started;  ///< local time
@@ -21,8 +21,9 @@ struct RunRecord {
     qint64 logTo = 0;
 };
 
-/// runChange, recorded.
-RunRecord recordRun(data::Database& database, const LoadedDefinition& definition, RunPorts& ports);
+/// Runs the change and keeps what its report needs.
+RunSummary runWithSummary(data::Database& database, const LoadedDefinition& definition,
+                          RunPorts& ports);
 
 /// A run's log lines, bounded: of a long run the first and the last ones.
 struct LogExcerpt {
@@ -37,6 +38,6 @@ struct LogExcerpt {
 };
 
 /// Reads the lines of a run back from the change log. Never throws.
-LogExcerpt logLines(const RunRecord& record);
+LogExcerpt logLines(const RunSummary& summary);
 
 }  // namespace vatchange

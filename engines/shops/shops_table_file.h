@@ -8,27 +8,27 @@
 
 #include "data/engine/engine.h"
 #include "engines/data_names.h"
-#include "engines/shops/client_cursor.h"
+#include "engines/shops/file_cursor.h"
 #include "engines/shops/key_order.h"
 
 namespace engines::shops {
 
-/// The records of one table of the record engine behind the engines' common interface. A record's
+/// The records of one table of the shops' engine behind the engines' common interface. A record's
 /// id is its physical address. Every call finds its place anew, so nothing depends on what the
 /// engine remembers between two calls.
 ///
 /// Where a key keeps records of one value in the order of their insertion into it, that is their
 /// order here too; else they come in the order of their addresses. A record's place among others
 /// of its value is known for as long as it stands there, and after that from the last records read.
-class ClientFile : public RecordFile {
+class ShopsTableFile : public TableFile {
   public:
     /// Opens a second cursor on the same file, for walks in the order of storage.
-    using Opener = std::function<std::unique_ptr<ClientCursor>()>;
+    using Opener = std::function<std::unique_ptr<FileCursor>()>;
 
     /// `keys` name the layout's fields; their order is that of `stat`, whose keys they are.
-    ClientFile(std::unique_ptr<ClientCursor> cursor, Opener opener, const FileStat& stat,
-               RecordLayout layout, std::vector<KeyDef> keys);
-    ~ClientFile() override;
+    ShopsTableFile(std::unique_ptr<FileCursor> cursor, Opener opener, const FileStat& stat,
+                   RecordLayout layout, std::vector<KeyDef> keys);
+    ~ShopsTableFile() override;
 
     const RecordLayout& layout() const override { return m_layout; }
     const std::vector<KeyDef>& keys() const override { return m_keys; }
@@ -80,7 +80,7 @@ class ClientFile : public RecordFile {
     void change(RecordId id, const std::function<int(const QByteArray& before)>& write);
     void release(RecordId id);
 
-    std::unique_ptr<ClientCursor> m_cursor;
+    std::unique_ptr<FileCursor> m_cursor;
     Opener m_opener;
     RecordLayout m_layout;
     std::vector<KeyDef> m_keys;
@@ -97,7 +97,7 @@ class ClientFile : public RecordFile {
     int m_trailKey = -1;
     std::deque<RecordId> m_trail;
 
-    std::unique_ptr<ClientCursor> m_stored;  // the walk in the order of storage
+    std::unique_ptr<FileCursor> m_stored;  // the walk in the order of storage
     std::optional<RecordId> m_storedAt;
 };
 

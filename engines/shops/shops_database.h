@@ -9,14 +9,14 @@
 
 namespace engines::shops {
 
-/// Where a company of the shops' engine is found. Its name is both the record engine's database
+/// Where a company of the shops' engine is found. Its name is both the shops' engine's database
 /// name and the ODBC data source, unless the latter is given.
-struct ShopDatabaseSettings {
+struct ShopsDatabaseSettings {
     QString name;
     QString folder;         ///< data folder (empty: the working folder); holds the run's lock
     QString ownerName;      ///< owner name of the record files; mostly empty
-    QString server;         ///< host that the record engine runs on; empty: this machine
-    QString clientLibrary;  ///< the record engine's client library; empty: its usual names
+    QString server;         ///< host that the shops' engine runs on; empty: this machine
+    QString clientLibrary;  ///< the shops' engine's client library; empty: its usual names
     QString dataSource;     ///< ODBC data source; empty: `name`
     QString userName;       ///< of the data source and the database; mostly empty
     QString password;
@@ -29,6 +29,6 @@ struct ShopDatabaseSettings {
 /// Opens a company of the shops' engine: its records over the client library, its SQL over ODBC.
 /// @throws DataError(NoConnection) when the client library, the database or the data source cannot
 /// be reached, saying in Finnish what was looked for and which setting names another.
-std::unique_ptr<Database> openShopDatabase(const ShopDatabaseSettings& settings);
+std::unique_ptr<Database> openShopsDatabase(const ShopsDatabaseSettings& settings);
 
 }  // namespace engines::shops

@@ -5,37 +5,37 @@
 #include <QTemporaryDir>
 #include <stdexcept>
 
-#include "engines/shops/shop_records.h"
+#include "engines/shops/shops_tables.h"
 
 namespace test {
 
-/// The databases that the client peer knows while the object lives.
-class PeerDatabases {
+/// The databases that the fake client knows while the object lives.
+class FakeDatabases {
   public:
-    PeerDatabases() { qputenv("CLIENT_PEER_DATABASES", file().toLocal8Bit()); }
-    ~PeerDatabases() { qunsetenv("CLIENT_PEER_DATABASES"); }
-    PeerDatabases(const PeerDatabases&) = delete;
-    PeerDatabases& operator=(const PeerDatabases&) = delete;
+    FakeDatabases() { qputenv("FAKE_CLIENT_DATABASES", file().toLocal8Bit()); }
+    ~FakeDatabases() { qunsetenv("FAKE_CLIENT_DATABASES"); }
+    FakeDatabases(const FakeDatabases&) = delete;
+    FakeDatabases& operator=(const FakeDatabases&) = delete;
 
-    /// `extra`: further columns, see the peer.
+    /// `extra`: further columns, see the fake client.
     void add(const QString& name, const QString& folder, const QString& extra = {}) {
         QFile list(file());
         if (!list.open(QIODevice::Append))
-            throw std::runtime_error("the peer's list of databases cannot be written");
+            throw std::runtime_error("the fake client's list of databases cannot be written");
         list.write(QStringList{name, folder, extra}.join(u'\t').toUtf8() + '\n');
     }
 
-    /// The peer's library, beside the test program.
+    /// The fake client's library, beside the test program.
     static QString library() {
 #ifdef Q_OS_WIN
-        const QString name = QStringLiteral("/client_peer.dll");
+        const QString name = QStringLiteral("/fake_client.dll");
 #else
-        const QString name = QStringLiteral("/client_peer.so");
+        const QString name = QStringLiteral("/fake_client.so");
 #endif
         return QCoreApplication::applicationDirPath() + name;
     }
 
-    /// The list, for the peer's environment variable.
+    /// The list, for the fake client's environment variable.
     QString file() const {
         return m_folder.filePath(QStringLiteral("databases"));
     }
@@ -45,14 +45,14 @@ class PeerDatabases {
 };
 
 /// A company's records over the client library, without SQL.
-class ClientRecordsDatabase : public data::Database {
+class ShopsRecordsDatabase : public data::Database {
   public:
-    explicit ClientRecordsDatabase(const engines::shops::ShopDatabaseSettings& settings)
+    explicit ShopsRecordsDatabase(const engines::shops::ShopsDatabaseSettings& settings)
         : m_name(settings.name), m_records(settings) {}
 
     QString name() const override { return m_name; }
     QStringList tableNames() override { return m_records.tableNames(); }
-    std::unique_ptr<data::RecordFile> openTable(const QString& table) override {
+    std::unique_ptr<data::TableFile> openTable(const QString& table) override {
         return m_records.openTable(table);
     }
     std::unique_ptr<data::SqlStatement> prepare(const QString&) override {
@@ -67,7 +67,7 @@ class ClientRecordsDatabase : public data::Database {
 
   private:
     QString m_name;
-    engines::shops::ShopRecords m_records;
+    engines::shops::ShopsTables m_records;
 };
 
 }  // namespace test

@@ -1,10 +1,10 @@
-#include "engines/shops/client_session.h"
+#include "engines/shops/call_session.h"
 
 #include <QtEndian>
 #include <atomic>
 #include <utility>
 
-#include "engines/shops/client_status.h"
+#include "engines/shops/call_status.h"
 
 namespace engines::shops {
 
@@ -40,7 +40,7 @@ DataError silent(const QString& table, std::chrono::milliseconds limit) {
 }  // namespace
 
 // Everything that a call touches: it may still be going on when nobody waits for it any more.
-struct ClientSession::Call {
+struct CallSession::Call {
     std::shared_ptr<const CallLibrary> library;
     quint16 operation = 0;
     std::shared_ptr<PositionBlock> block;
@@ -52,16 +52,16 @@ struct ClientSession::Call {
     int status = 0;
 };
 
-ClientSession::ClientSession(const QString& company, const QString& library,
-                             std::chrono::milliseconds connectLimit,
-                             std::chrono::milliseconds callLimit)
+CallSession::CallSession(const QString& company, const QString& library,
+                         std::chrono::milliseconds connectLimit,
+                         std::chrono::milliseconds callLimit)
     : m_library(CallLibrary::load(library, company)),
       m_clientId(newClientId()),
       m_callLimit(callLimit) {
     askVersion(company, connectLimit);
 }
 
-ClientSession::~ClientSession() {
+CallSession::~CallSession() {
     if (m_lost)
         return;
     // What they answer changes nothing any more: the session ends either way.
@@ -73,7 +73,7 @@ ClientSession::~ClientSession() {
     }
 }
 
-bool ClientSession::run(const std::shared_ptr<Call>& call, std::chrono::milliseconds limit) {
+bool CallSession::run(const std::shared_ptr<Call>& call, std::chrono::milliseconds limit) {
     call->library = m_library;
     call->clientId = m_clientId;
     if (!call->block)
@@ -91,7 +91,7 @@ bool ClientSession::run(const std::shared_ptr<Call>& call, std::chrono::millisec
     return done;
 }
 
-void ClientSession::askVersion(const QString& company, std::chrono::milliseconds limit) {
+void CallSession::askVersion(const QString& company, std::chrono::milliseconds limit) {
     auto call = std::make_shared<Call>();
     call->operation = kVersion;
     call->data = QByteArray(kVersionBlockSize * kVersionBlocks, '\0');
@@ -111,8 +111,8 @@ void ClientSession::askVersion(const QString& company, std::chrono::milliseconds
     }
 }
 
-int ClientSession::call(quint16 operation, const std::shared_ptr<PositionBlock>& block,
-                        QByteArray& data, QByteArray& key, int keyNumber, const QString& table) {
+int CallSession::call(quint16 operation, const std::shared_ptr<PositionBlock>& block,
+                      QByteArray& data, QByteArray& key, int keyNumber, const QString& table) {
     if (m_lost)
         throw DataError(ErrorKind::NoConnection, table,
                         QStringLiteral("the connection to the record engine is lost"))

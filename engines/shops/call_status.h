@@ -7,7 +7,7 @@
 
 namespace engines::shops {
 
-/// The error that a status of the record engine amounts to: its kind, what it means, and in Finnish
+/// The error that a status of the shops' engine amounts to: its kind, what it means, and in Finnish
 /// what to do about it. `what` is the call's subject (file or database name); may be empty.
 DataError statusError(int status, const QString& table, const QString& what = QString());
 

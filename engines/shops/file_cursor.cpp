@@ -1,10 +1,10 @@
-#include "engines/shops/client_cursor.h"
+#include "engines/shops/file_cursor.h"
 
 #include <QtEndian>
 #include <algorithm>
 #include <utility>
 
-#include "engines/shops/client_status.h"
+#include "engines/shops/call_status.h"
 
 namespace engines::shops {
 
@@ -43,8 +43,8 @@ QByteArray readManyRequest(bool withCurrent, int count, int length) {
 
 }  // namespace
 
-ClientCursor::ClientCursor(std::shared_ptr<ClientSession> session, const QByteArray& fileName,
-                           const QString& ownerName, QString table)
+FileCursor::FileCursor(std::shared_ptr<CallSession> session, const QByteArray& fileName,
+                       const QString& ownerName, QString table)
     : m_session(std::move(session)), m_table(std::move(table)) {
     if (fileName.size() >= kKeyBufferSize)
         throw DataError(ErrorKind::BadValue, m_table,
@@ -60,7 +60,7 @@ ClientCursor::ClientCursor(std::shared_ptr<ClientSession> session, const QByteAr
         throw statusError(status, m_table, QString::fromLocal8Bit(fileName));
 }
 
-ClientCursor::~ClientCursor() {
+FileCursor::~FileCursor() {
     if (m_session->isLost())
         return;
     try {
@@ -73,11 +73,11 @@ ClientCursor::~ClientCursor() {
     }
 }
 
-int ClientCursor::call(int operation, QByteArray& data, QByteArray& key, int keyNumber) {
+int FileCursor::call(int operation, QByteArray& data, QByteArray& key, int keyNumber) {
     return m_session->call(static_cast<quint16>(operation), m_block, data, key, keyNumber, m_table);
 }
 
-FileStat ClientCursor::stat() {
+FileStat FileCursor::stat() {
     QByteArray data(kMaxStatLength, '\0');
     QByteArray key;
     const int status = call(kStat, data, key, 0);
@@ -86,14 +86,14 @@ FileStat ClientCursor::stat() {
     return parseFileStat(data, m_table);
 }
 
-int ClientCursor::read(int operation, const QByteArray& key, int keyNumber, QByteArray& record) {
+int FileCursor::read(int operation, const QByteArray& key, int keyNumber, QByteArray& record) {
     record = QByteArray(m_recordRoom, '\0');
     if (!key.isEmpty())
         m_key = key;
     return call(operation, record, m_key, keyNumber);
 }
 
-int ClientCursor::position(RecordId& id) {
+int FileCursor::position(RecordId& id) {
     QByteArray data(kPositionSize, '\0');
     QByteArray key;
     const int status = call(kGetPosition, data, key, 0);
@@ -105,18 +105,18 @@ int ClientCursor::position(RecordId& id) {
     return status;
 }
 
-int ClientCursor::direct(RecordId id, int keyNumber, QByteArray& record, int bias) {
+int FileCursor::direct(RecordId id, int keyNumber, QByteArray& record, int bias) {
     record = QByteArray(std::max(m_recordRoom, kPositionSize), '\0');
     qToLittleEndian(static_cast<quint32>(id), record.data());
     return call(kGetDirect + bias, record, m_key, keyNumber);
 }
 
-int ClientCursor::mostAtOnce(int length) {
+int FileCursor::mostAtOnce(int length) {
     return (kMostAnswer - kAnswerHead) / (length + kRecordHead);
 }
 
-int ClientCursor::readMany(Direction direction, int keyNumber, bool withCurrent, int count,
-                           int length, std::vector<StoredRecord>& found) {
+int FileCursor::readMany(Direction direction, int keyNumber, bool withCurrent, int count,
+                         int length, std::vector<StoredRecord>& found) {
     QByteArray data = readManyRequest(withCurrent, count, length);
     data.resize(std::max<qsizetype>(kRequestSize, kAnswerHead + count * (length + kRecordHead)),
                 '\0');
@@ -147,23 +147,23 @@ int ClientCursor::readMany(Direction direction, int keyNumber, bool withCurrent,
     return status;
 }
 
-int ClientCursor::insert(const QByteArray& record) {
+int FileCursor::insert(const QByteArray& record) {
     QByteArray data = record;
     QByteArray key;
     return call(kInsert, data, key, 0);
 }
 
-int ClientCursor::update(const QByteArray& record, int keyNumber) {
+int FileCursor::update(const QByteArray& record, int keyNumber) {
     QByteArray data = record;
     return call(kUpdate, data, m_key, keyNumber);
 }
 
-int ClientCursor::remove(int keyNumber) {
+int FileCursor::remove(int keyNumber) {
     QByteArray none;
     return call(kDelete, none, m_key, keyNumber);
 }
 
-int ClientCursor::unlock(RecordId id) {
+int FileCursor::unlock(RecordId id) {
     QByteArray data(kPositionSize, '\0');
     qToLittleEndian(static_cast<quint32>(id), data.data());
     QByteArray key;

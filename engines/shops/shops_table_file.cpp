@@ -1,11 +1,11 @@
-#include "engines/shops/client_file.h"
+#include "engines/shops/shops_table_file.h"
 
 #include <algorithm>
 #include <thread>
 #include <utility>
 
 #include "data/record/record_codec.h"
-#include "engines/shops/client_status.h"
+#include "engines/shops/call_status.h"
 
 // Addresses, locks and changes; reading along keys is in client_file_walk.cpp.
 
@@ -36,8 +36,8 @@ bool hasNumberedField(const RecordLayout& layout) {
 
 }  // namespace
 
-ClientFile::ClientFile(std::unique_ptr<ClientCursor> cursor, Opener opener, const FileStat& stat,
-                       RecordLayout layout, std::vector<KeyDef> keys)
+ShopsTableFile::ShopsTableFile(std::unique_ptr<FileCursor> cursor, Opener opener,
+                               const FileStat& stat, RecordLayout layout, std::vector<KeyDef> keys)
     : m_cursor(std::move(cursor)),
       m_opener(std::move(opener)),
       m_layout(std::move(layout)),
@@ -45,27 +45,27 @@ ClientFile::ClientFile(std::unique_ptr<ClientCursor> cursor, Opener opener, cons
       m_fixedLength(stat.recordLength),
       m_variableLength(stat.variableLength),
       // Its records would have to be of one length; so would those of one answer.
-      m_readsMany(!stat.variableLength && ClientCursor::mostAtOnce(stat.recordLength) > 0),
+      m_readsMany(!stat.variableLength && FileCursor::mostAtOnce(stat.recordLength) > 0),
       m_numbersRecords(hasNumberedField(m_layout)) {
     for (const KeyStat& key : stat.keys)
         m_orders.emplace_back(key);
     m_cursor->setRecordRoom(m_variableLength ? kLongestRecord : m_fixedLength);
 }
 
-ClientFile::~ClientFile() = default;
+ShopsTableFile::~ShopsTableFile() = default;
 
-void ClientFile::fail(int status) const {
+void ShopsTableFile::fail(int status) const {
     throw statusError(status, m_layout.tableName());
 }
 
-void ClientFile::checkKey(int key) const {
+void ShopsTableFile::checkKey(int key) const {
     if (key < 0 || key >= static_cast<int>(m_keys.size()))
         throw DataError(ErrorKind::NoSuchField, m_layout.tableName(),
                         QStringLiteral("the table has no key %1").arg(key));
 }
 
 // A record as read, in the layout's length.
-QByteArray ClientFile::whole(QByteArray bytes) const {
+QByteArray ShopsTableFile::whole(QByteArray bytes) const {
     if (bytes.size() < m_fixedLength)
         throw DataError(ErrorKind::Damaged, m_layout.tableName(),
                         QStringLiteral("a record has %1 bytes instead of %2")
@@ -76,14 +76,14 @@ QByteArray ClientFile::whole(QByteArray bytes) const {
 }
 
 // A new record as it is written: what is empty of the variable part is left out.
-QByteArray ClientFile::shortened(const QByteArray& bytes) const {
+QByteArray ShopsTableFile::shortened(const QByteArray& bytes) const {
     qsizetype length = bytes.size();
     while (length > m_fixedLength && bytes[length - 1] == '\0')
         --length;
     return bytes.left(length);
 }
 
-std::optional<StoredRecord> ClientFile::get(RecordId id) {
+std::optional<StoredRecord> ShopsTableFile::get(RecordId id) {
     QByteArray record;
     const int status = m_cursor->direct(id, kNoKey, record);
     if (isGone(status))
@@ -95,7 +95,7 @@ std::optional<StoredRecord> ClientFile::get(RecordId id) {
 
 // Calls `attempt` until it meets no lock of somebody else's or the time is over.
 template <typename Attempt>
-int ClientFile::whenUnlocked(std::chrono::milliseconds wait, Attempt attempt) {
+int ShopsTableFile::whenUnlocked(std::chrono::milliseconds wait, Attempt attempt) {
     const auto end = std::chrono::steady_clock::now() + wait;
     std::chrono::milliseconds pause = kFirstPause;
     for (;;) {
@@ -109,7 +109,7 @@ int ClientFile::whenUnlocked(std::chrono::milliseconds wait, Attempt attempt) {
     }
 }
 
-bool ClientFile::lock(RecordId id, std::chrono::milliseconds wait) {
+bool ShopsTableFile::lock(RecordId id, std::chrono::milliseconds wait) {
     const auto held = m_locked.find(id);
     if (held != m_locked.end()) {
         ++held->second;
@@ -128,7 +128,7 @@ bool ClientFile::lock(RecordId id, std::chrono::milliseconds wait) {
     return true;
 }
 
-void ClientFile::unlock(RecordId id) {
+void ShopsTableFile::unlock(RecordId id) {
     const auto held = m_locked.find(id);
     if (held == m_locked.end() || --held->second > 0)
         return;
@@ -136,14 +136,14 @@ void ClientFile::unlock(RecordId id) {
     release(id);
 }
 
-void ClientFile::release(RecordId id) {
+void ShopsTableFile::release(RecordId id) {
     constexpr int kNotLocked = 81;  // a removed record's lock went with it
     const int status = m_cursor->unlock(id);
     if (status != kOk && status != kNotLocked && !isGone(status))
         fail(status);
 }
 
-RecordId ClientFile::insert(QByteArray& bytes) {
+RecordId ShopsTableFile::insert(QByteArray& bytes) {
     const QByteArray record = shortened(bytes);
     const int status =
         whenUnlocked(m_cursor->session().lockWait, [&] { return m_cursor->insert(record); });
@@ -160,7 +160,8 @@ RecordId ClientFile::insert(QByteArray& bytes) {
 }
 
 // Reads the record under its lock, then lets `write` do its work, which answers a status.
-void ClientFile::change(RecordId id, const std::function<int(const QByteArray& before)>& write) {
+void ShopsTableFile::change(RecordId id,
+                            const std::function<int(const QByteArray& before)>& write) {
     const bool held = m_locked.contains(id);
     const int key = m_keys.empty() ? kNoKey : 0;
     const int status = whenUnlocked(m_cursor->session().lockWait, [&] {
@@ -177,7 +178,7 @@ void ClientFile::change(RecordId id, const std::function<int(const QByteArray& b
         fail(status);
 }
 
-void ClientFile::update(RecordId id, const QByteArray& bytes) {
+void ShopsTableFile::update(RecordId id, const QByteArray& bytes) {
     const int key = m_keys.empty() ? kNoKey : 0;
     change(id, [&](const QByteArray& before) {
         if (!m_variableLength)
@@ -192,13 +193,13 @@ void ClientFile::update(RecordId id, const QByteArray& bytes) {
     });
 }
 
-void ClientFile::remove(RecordId id) {
+void ShopsTableFile::remove(RecordId id) {
     const int key = m_keys.empty() ? kNoKey : 0;
     change(id, [&](const QByteArray&) { return m_cursor->remove(key); });
 }
 
-std::optional<RecordId> ClientFile::visitStored(std::optional<RecordId> after, int max,
-                                                const Visitor& see) {
+std::optional<RecordId> ShopsTableFile::visitStored(std::optional<RecordId> after, int max,
+                                                    const Visitor& see) {
     if (!m_stored) {
         m_stored = m_opener();
         m_stored->setRecordRoom(m_variableLength ? kLongestRecord : m_fixedLength);

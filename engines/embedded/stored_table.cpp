@@ -1,4 +1,4 @@
-#include "engines/embedded/record_table.h"
+#include "engines/embedded/stored_table.h"
 
 #include <algorithm>
 #include <cstring>
@@ -35,7 +35,7 @@ const uchar* bytesOf(const QByteArray& record) {
 
 }  // namespace
 
-StatementLease::StatementLease(RecordTable* table, quint64 shape, Statement statement)
+StatementLease::StatementLease(StoredTable* table, quint64 shape, Statement statement)
     : m_table(table), m_shape(shape), m_statement(std::move(statement)) {}
 
 StatementLease::~StatementLease() {
@@ -55,7 +55,7 @@ StatementLease& StatementLease::operator=(StatementLease&& other) noexcept {
     return *this;
 }
 
-RecordTable::RecordTable(Connection& connection, TableDescription description)
+StoredTable::StoredTable(Connection& connection, TableDescription description)
     : m_connection(connection),
       m_description(std::move(description)),
       m_stored(quotedName(storedName(m_description.name))) {
@@ -73,7 +73,7 @@ RecordTable::RecordTable(Connection& connection, TableDescription description)
     }
 }
 
-void RecordTable::checkStored() const {
+void StoredTable::checkStored() const {
     const Connection::InternalUse internal(m_connection);
     try {
         const Statement columns(m_connection.db(), "SELECT * FROM " + m_stored, name());
@@ -94,7 +94,7 @@ void RecordTable::checkStored() const {
     }
 }
 
-StatementLease RecordTable::lease(quint64 shape, const std::function<QByteArray()>& text) {
+StatementLease StoredTable::lease(quint64 shape, const std::function<QByteArray()>& text) {
     std::vector<Statement>& free = m_pool[shape];
     if (free.empty()) {
         const Connection::InternalUse internal(m_connection);
@@ -105,12 +105,12 @@ StatementLease RecordTable::lease(quint64 shape, const std::function<QByteArray(
     return StatementLease(this, shape, std::move(statement));
 }
 
-void RecordTable::takeBack(quint64 shape, Statement statement) {
+void StoredTable::takeBack(quint64 shape, Statement statement) {
     statement.reset();
     m_pool[shape].push_back(std::move(statement));
 }
 
-QByteArray RecordTable::scanText(const ScanShape& shape) const {
+QByteArray StoredTable::scanText(const ScanShape& shape) const {
     const QByteArray column = shape.key < 0 ? QByteArray("id") : keyColumn(shape.key);
     QByteArray sql =
         "SELECT id, " + (shape.imageOnly ? column : QByteArray("data")) + " FROM " + m_stored;
@@ -125,7 +125,7 @@ QByteArray RecordTable::scanText(const ScanShape& shape) const {
     return sql;
 }
 
-StatementLease RecordTable::scan(const ScanShape& shape) {
+StatementLease StoredTable::scan(const ScanShape& shape) {
     const quint64 code = kScan | static_cast<quint64>(shape.key + 1) << 8 |
                          static_cast<quint64>(shape.bounds) << 20 | quint64{shape.backward} << 24 |
                          quint64{shape.imageOnly} << 25 | quint64{shape.limited} << 26 |
@@ -133,14 +133,14 @@ StatementLease RecordTable::scan(const ScanShape& shape) {
     return lease(code, [&] { return scanText(shape); });
 }
 
-StatementLease RecordTable::scanSameKey(int key, bool backward) {
+StatementLease StoredTable::scanSameKey(int key, bool backward) {
     return lease(kSameKey | static_cast<quint64>(key) << 8 | quint64{backward} << 24, [&] {
         return "SELECT id, data FROM " + m_stored + " WHERE " + keyColumn(key) + " = ?1 AND id " +
                (backward ? "<" : ">") + " ?2 ORDER BY id" + (backward ? " DESC" : "") + " LIMIT ?3";
     });
 }
 
-qint64 RecordTable::countImages(int key, const QByteArray& low, const QByteArray& high) {
+qint64 StoredTable::countImages(int key, const QByteArray& low, const QByteArray& high) {
     StatementLease select = lease(kCountImages | static_cast<quint64>(key) << 8, [&] {
         return "SELECT count(*) FROM " + m_stored + " WHERE " + keyColumn(key) + " >= ?1 AND " +
                keyColumn(key) + " < ?2";
@@ -151,7 +151,7 @@ qint64 RecordTable::countImages(int key, const QByteArray& low, const QByteArray
     return select->integer(0);
 }
 
-qint64 RecordTable::countSameKey(int key, const QByteArray& image, RecordId id, bool below) {
+qint64 StoredTable::countSameKey(int key, const QByteArray& image, RecordId id, bool below) {
     StatementLease select =
         lease(kCountSameKey | static_cast<quint64>(key) << 8 | quint64{below} << 24, [&] {
             return "SELECT count(*) FROM " + m_stored + " WHERE " + keyColumn(key) +
@@ -163,7 +163,7 @@ qint64 RecordTable::countSameKey(int key, const QByteArray& image, RecordId id, 
     return select->integer(0);
 }
 
-QByteArrayView RecordTable::checked(QByteArrayView record) const {
+QByteArrayView StoredTable::checked(QByteArrayView record) const {
     if (record.size() != layout().recordLength())
         throw DataError(ErrorKind::Damaged, name(),
                         QStringLiteral("a record has %1 bytes instead of %2")
@@ -172,7 +172,7 @@ QByteArrayView RecordTable::checked(QByteArrayView record) const {
     return record;
 }
 
-std::optional<QByteArray> RecordTable::read(RecordId id) {
+std::optional<QByteArray> StoredTable::read(RecordId id) {
     StatementLease select =
         lease(kRead, [&] { return "SELECT data FROM " + m_stored + " WHERE id = ?1"; });
     select->bind(1, id);
@@ -181,20 +181,20 @@ std::optional<QByteArray> RecordTable::read(RecordId id) {
     return checked(select->blob(0)).toByteArray();
 }
 
-qint64 RecordTable::count() {
+qint64 StoredTable::count() {
     StatementLease select = lease(kCount, [&] { return "SELECT count(*) FROM " + m_stored; });
     select->step();
     return select->integer(0);
 }
 
-qint64 RecordTable::estimatedCount() {
+qint64 StoredTable::estimatedCount() {
     StatementLease select =
         lease(kLast, [&] { return "SELECT ifnull(max(id), 0) FROM " + m_stored; });
     select->step();
     return select->integer(0);
 }
 
-RecordId RecordTable::insert(QByteArray& record) {
+RecordId StoredTable::insert(QByteArray& record) {
     checked(record);
     numberRecord(record);
     RecordId id = 0;
@@ -202,16 +202,16 @@ RecordId RecordTable::insert(QByteArray& record) {
     return id;
 }
 
-void RecordTable::update(RecordId id, const QByteArray& before, const QByteArray& after) {
+void StoredTable::update(RecordId id, const QByteArray& before, const QByteArray& after) {
     checked(after);
     write(id, &before, &after);
 }
 
-void RecordTable::remove(RecordId id, const QByteArray& before) {
+void StoredTable::remove(RecordId id, const QByteArray& before) {
     write(id, &before, nullptr);
 }
 
-void RecordTable::write(RecordId& id, const QByteArray* before, const QByteArray* after) {
+void StoredTable::write(RecordId& id, const QByteArray* before, const QByteArray* after) {
     if (before != nullptr && !m_connection.locks().tryForStatement({number(), id}))
         m_connection.throwHeld(*this, *before);
     if (after == nullptr) {
@@ -230,7 +230,7 @@ void RecordTable::write(RecordId& id, const QByteArray* before, const QByteArray
     }
 }
 
-void RecordTable::writeNew(RecordId& id, const QByteArray& record) {
+void StoredTable::writeNew(RecordId& id, const QByteArray& record) {
     StatementLease insert = lease(kInsert, [&] {
         QByteArray columns = "id";
         QByteArray values = "max(ifnull((SELECT max(id) + 1 FROM " + m_stored +
@@ -255,7 +255,7 @@ void RecordTable::writeNew(RecordId& id, const QByteArray& record) {
     id = sqlite3_last_insert_rowid(m_connection.db());
 }
 
-void RecordTable::writeChange(RecordId id, const QByteArray& before, const QByteArray& after) {
+void StoredTable::writeChange(RecordId id, const QByteArray& before, const QByteArray& after) {
     if (before == after)
         return;
     std::vector<QByteArray> images;
@@ -286,7 +286,7 @@ void RecordTable::writeChange(RecordId id, const QByteArray& before, const QByte
     update->run();
 }
 
-void RecordTable::writeRemoval(RecordId id) {
+void StoredTable::writeRemoval(RecordId id) {
     StatementLease remove =
         lease(kRemove, [&] { return "DELETE FROM " + m_stored + " WHERE id = ?1"; });
     remove->bind(1, id);
@@ -303,7 +303,7 @@ void RecordTable::writeRemoval(RecordId id) {
     floor->run();
 }
 
-void RecordTable::numberRecord(QByteArray& record) {
+void StoredTable::numberRecord(QByteArray& record) {
     for (const int index : m_autoIncrements) {
         const TFieldCacheItem& field = layout().field(index);
         auto* bytes = reinterpret_cast<uchar*>(record.data());
@@ -329,7 +329,7 @@ void RecordTable::numberRecord(QByteArray& record) {
     }
 }
 
-QString RecordTable::describe(const QByteArray& record) const {
+QString StoredTable::describe(const QByteArray& record) const {
     QStringList parts;
     if (!keys().empty()) {
         for (const KeySegment& segment : keys().front().segments) {
@@ -341,7 +341,7 @@ QString RecordTable::describe(const QByteArray& record) const {
     return parts.join(QStringLiteral(", "));
 }
 
-void RecordTable::throwDuplicate(const DataError& error, const QByteArray& record) const {
+void StoredTable::throwDuplicate(const DataError& error, const QByteArray& record) const {
     // "UNIQUE constraint failed: rec_T.k0"
     const qsizetype column = error.detail().lastIndexOf(QLatin1String(".k"));
     bool isNumber = false;

@@ -1,4 +1,4 @@
-#include "vatchange/run/run_record.h"
+#include "vatchange/run/run_summary.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -9,32 +9,33 @@
 
 namespace vatchange {
 
-RunRecord recordRun(data::Database& database, const LoadedDefinition& definition, RunPorts& ports) {
-    RunRecord record;
-    record.definitionName = ports.definitionName();
-    record.definition = definition.definition;
-    record.logName = QFileInfo(company::AlvMuutosLogName()).absoluteFilePath();
-    record.logFrom = QFileInfo(record.logName).size();
-    record.started = data::Clock::now();
-    record.result = runChange(database, definition, ports);
-    record.ended = data::Clock::now();
-    record.logTo = QFileInfo(record.logName).size();
-    return record;
+RunSummary runWithSummary(data::Database& database, const LoadedDefinition& definition,
+                          RunPorts& ports) {
+    RunSummary summary;
+    summary.definitionName = ports.definitionName();
+    summary.definition = definition.definition;
+    summary.logName = QFileInfo(company::AlvMuutosLogName()).absoluteFilePath();
+    summary.logFrom = QFileInfo(summary.logName).size();
+    summary.started = data::Clock::now();
+    summary.result = runChange(database, definition, ports);
+    summary.ended = data::Clock::now();
+    summary.logTo = QFileInfo(summary.logName).size();
+    return summary;
 }
 
-LogExcerpt logLines(const RunRecord& record) {
+LogExcerpt logLines(const RunSummary& summary) {
     LogExcerpt excerpt;
-    QFile file(record.logName);
+    QFile file(summary.logName);
     if (!file.open(QIODevice::ReadOnly)) {
         excerpt.problem = file.errorString();
         return excerpt;
     }
-    if (file.size() < record.logTo || !file.seek(record.logFrom)) {
+    if (file.size() < summary.logTo || !file.seek(summary.logFrom)) {
         excerpt.problem = QStringLiteral("lokia on lyhennetty ajon jälkeen");
         return excerpt;
     }
     std::deque<QByteArray> last;
-    while (file.pos() < record.logTo && !file.atEnd()) {
+    while (file.pos() < summary.logTo && !file.atEnd()) {
         const QByteArray line = file.readLine();
         if (excerpt.first.size() < LogExcerpt::kFirstLines) {
             excerpt.first += QString::fromUtf8(line).trimmed().left(LogExcerpt::kLineLength);
