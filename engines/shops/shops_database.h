@@ -9,7 +9,7 @@
 
 namespace engines::shops {
 
-/// Where a company of the shops' engine is found. Its name is both the shops' engine's database
+/// Where a company of the shops' engine is found. Its name is both the engine's database
 /// name and the ODBC data source, unless the latter is given.
 struct ShopsDatabaseSettings {
     QString name;
