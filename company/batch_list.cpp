@@ -5,8 +5,8 @@
 #include <QFileInfo>
 #include <QTemporaryFile>
 
-#include "company/ini_change.h"
 #include "data/error.h"
+#include "platform/ini_change.h"
 #include "platform/user_settings.h"
 
 namespace company {
@@ -51,7 +51,7 @@ void writeBatchList(const QString& fileName, const BatchList& list) {
     if (!QDir().mkpath(folder))  // the user's settings folder may not be there yet
         throw data::DataError(data::ErrorKind::Io, folder,
                               QStringLiteral("the folder cannot be made"));
-    changeIniFile(fileName, [&list](platform::IniFile& ini) {
+    platform::changeIniFile(fileName, [&list](platform::IniFile& ini) {
         for (size_t i = 0; i < list.size(); ++i)
             ini.setValue(kSection, keyOf(i), list[i]);
         return true;

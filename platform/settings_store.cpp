@@ -12,7 +12,7 @@
 #include <QFileInfo>
 #include <chrono>
 
-#include "company/ini_change.h"
+#include "platform/ini_change.h"
 #include "platform/settings_text.h"
 #include "platform/text_order.h"
 #endif

@@ -69,7 +69,7 @@ QStringList unknownSwitches() {
         const bool isSwitch =
             parameter.startsWith(QLatin1Char('/')) || parameter.startsWith(QLatin1Char('-'));
         if (isSwitch && std::none_of(kKnown.begin(), kKnown.end(), [&](const char* known) {
-                return company::sameSwitch(parameter, QLatin1String(known));
+                return platform::sameSwitch(parameter, QLatin1String(known));
             }))
             unknown += parameter;
     }

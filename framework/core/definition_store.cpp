@@ -8,8 +8,8 @@
 
 #include "company/aliases.h"
 #include "company/company.h"
-#include "company/ini_change.h"
 #include "data/error.h"
+#include "platform/ini_change.h"
 #include "platform/text_order.h"
 
 namespace framework {
@@ -117,7 +117,7 @@ void DefinitionStore::save(const QString& formName, const SavedDefinition& defin
     if (const QString problem = nameProblem(name); !problem.isEmpty())
         throw data::DataError(data::ErrorKind::BadValue, file, problem);
     makeFolder(file);
-    company::changeIniFile(file, [&](platform::IniFile& ini) {
+    platform::changeIniFile(file, [&](platform::IniFile& ini) {
         if (ini.strayLine(name) > 0)
             dropStrayLines(ini, nameInFile(ini, name).value_or(name));
         ini.setValue(name, kDescription, definition.description);
@@ -132,7 +132,7 @@ bool DefinitionStore::remove(const QString& formName, const QString& name) {
     if (!QFileInfo::exists(file))
         return false;
     bool removed = false;
-    company::changeIniFile(file, [&](platform::IniFile& ini) {
+    platform::changeIniFile(file, [&](platform::IniFile& ini) {
         removed = ini.removeSection(name.trimmed());
         return removed;
     });

@@ -8,7 +8,7 @@
 
 #include "platform/ini_file.h"
 
-namespace company {
+namespace platform {
 
 /// How long a window waits for another program to let go of a file.
 inline constexpr std::chrono::milliseconds kFileLockWait{5000};
@@ -21,6 +21,6 @@ std::unique_ptr<QLockFile> lockForChange(const QString& fileName,
 
 /// Rereads the file under its lock, has it edited and writes it back; `edit` returning false leaves
 /// it as it is. @throws data::DataError naming the file.
-void changeIniFile(const QString& fileName, const std::function<bool(platform::IniFile&)>& edit);
+void changeIniFile(const QString& fileName, const std::function<bool(IniFile&)>& edit);
 
-}  // namespace company
+}  // namespace platform

@@ -1,8 +1,8 @@
-#include "company/ini_change.h"
+#include "platform/ini_change.h"
 
 #include "data/error.h"
 
-namespace company {
+namespace platform {
 
 std::unique_ptr<QLockFile> lockForChange(const QString& fileName, std::chrono::milliseconds wait) {
     auto lock = std::make_unique<QLockFile>(fileName + QStringLiteral(".lock"));
@@ -15,11 +15,11 @@ std::unique_ptr<QLockFile> lockForChange(const QString& fileName, std::chrono::m
     return lock;
 }
 
-void changeIniFile(const QString& fileName, const std::function<bool(platform::IniFile&)>& edit) {
+void changeIniFile(const QString& fileName, const std::function<bool(IniFile&)>& edit) {
     const auto lock = lockForChange(fileName);
-    platform::IniFile file = platform::IniFile::read(fileName);
+    IniFile file = IniFile::read(fileName);
     if (edit(file))
         file.write(fileName);
 }
 
-}  // namespace company
+}  // namespace platform
