@@ -7,7 +7,8 @@ packages_test="libgtest-dev libgmock-dev git python3 xvfb xz-utils"
 # the SQL engines that the tests run against, and their ODBC drivers
 packages_servers="virtuoso-opensource-7-bin libvirtodbc0 mariadb-server-core mariadb-client-core
     odbc-mariadb libsqliteodbc"
-packages_lint="clang clang-format clang-tidy shellcheck"
+# the sanitizer build and the fuzzers are clang's; llvm names the source lines of their reports
+packages_lint="clang libclang-rt-dev llvm clang-format clang-tidy shellcheck"
 packages_windows="g++-mingw-w64-x86-64-posix qt6-base-dev-tools nsis xz-utils"
 packages_windows_qt="$packages_windows cmake ninja-build qt6-base-dev dpkg-dev tcl gcc make perl"
 packages_windows_smoke="wine wine64 fonts-wine fonts-liberation xvfb openbox imagemagick xdotool

@@ -182,8 +182,7 @@ TEST_F(AliasesTest, TheFileIsSpelledAsItAlwaysWas) {
                                  "100 %20 € \xF0\x9F\x98\x80",
                                  "@Invalid()",
                                  "@@x",
-                                 "rivi\nrivi\t\x01"
-                                 "f",
+                                 "rivi\nrivi\t\001f",
                                  "[x] #y"};
     const auto settings = [this] {
         return std::make_unique<QSettings>(settingsFile(), QSettings::IniFormat);

@@ -304,7 +304,9 @@ TYPED_TEST(TableOnEngine, FieldsKeepWhatTheirStorageHolds) {
     };
     const QByteArray before = table.recordBytes();
     for (const auto& [name, value] : bad) {
-        EXPECT_EQ(errorOf([&] { table[name].setValue(value); }, &detail), ErrorKind::BadValue)
+        EXPECT_EQ(
+            errorOf([&, &name = name, &value = value] { table[name].setValue(value); }, &detail),
+            ErrorKind::BadValue)
             << name;
         EXPECT_TRUE(detail.contains(QLatin1String(name))) << detail.toStdString();
     }

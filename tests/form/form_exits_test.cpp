@@ -127,7 +127,9 @@ TEST_F(FormExits, AWarningComesOnceForEachThingThatAPersonDoes) {
     framework::DefinitionStore().save(TAlvMuutosLomake::kFormName,
                                       {str("Koe"),
                                        {},
-                                       {{str("HintaLahde1"), str("hinta")},
+                                       {{str("LahdeAlvLuokkaEdit"), str("0")},
+                                        {str("KohdeAlvLuokkaEdit"), str("0")},
+                                        {str("HintaLahde1"), str("hinta")},
                                         {str("HintaLahde2"), str("hinta")},
                                         {str("Hinta1Edit"), str("2")},
                                         {str("Hinta2Edit"), str("3")}}});

@@ -102,7 +102,7 @@ TEST_F(EmbeddedKeys, RandomNavigationAgreesWithAMap) {
         QList<RecordId> less, equal, greater;
         for (const auto& [key, id] : expected) {
             const ListKey wanted = keyOf(customer, product, type, amount, 0);
-            const int compared = [&] {
+            const int compared = [&, &key = key] {
                 if (values.size() >= 1 && std::get<0>(key) != std::get<0>(wanted))
                     return std::get<0>(key) < std::get<0>(wanted) ? -1 : 1;
                 if (values.size() >= 2 && std::get<1>(key) != std::get<1>(wanted))
