@@ -286,7 +286,7 @@ TEST_F(ChangeForm, CoefficientsOfThePreviousChangeAreCarriedOver) {
     EXPECT_EQ(m_shop.logMessages(), before);
 }
 
-TEST_F(ChangeForm, LevelCoefficientsAreCheckedOnLeaving) {
+TEST_F(ChangeForm, AmountsAndDatesAreCheckedOnLeaving) {
     const auto form = newForm();
     framework::DecimalEdit* level = form->controls().coefficient(9);
     for (const char* accepted : {"0,9", "0.9", "1,25", "1", "1.01209677419354"}) {
@@ -314,6 +314,14 @@ TEST_F(ChangeForm, LevelCoefficientsAreCheckedOnLeaving) {
     type(purchase, str(","));  // no number: the last one stays
     leave(purchase);
     EXPECT_EQ(purchase->text(), str("7,5"));
+
+    // an unreadable date would lift the limit: no order would be left out
+    framework::DateEdit* limit = form->controls().deliveryLimit;
+    type(limit, str("31.9.2024"));
+    m_dialogs.expectMessage(str("Päivämäärä ( 31.9.2024 ) ei kelpaa, korjaa päivämäärä!"));
+    leave(limit);
+    EXPECT_TRUE(limit->hasFocus());
+    EXPECT_TRUE(m_dialogs.allCame());
 }
 
 TEST_F(ChangeForm, AltAndADigitSetsTheCoefficient) {

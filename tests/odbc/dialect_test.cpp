@@ -42,6 +42,8 @@ TEST(Dialects, CallsAreSpeltOutAtAnyDepthAndMalformedOnesLeftAlone) {
     EXPECT_EQ(twice.parameters, (QStringList{"a", "a"}));
     EXPECT_EQ(rewritten("MariaDB", "select round(a, b)"), "select round(a, b)");
     EXPECT_EQ(rewritten("MariaDB", "select round((a)"), "select round((a)");
+    EXPECT_EQ(rewritten("MariaDB", "select round(a, 1, 2), floor(a, 1)"),
+              "select round(a, 1, 2), floor(a, 1)");
     EXPECT_EQ(rewritten("MariaDB", "select round , 1.5, 'round(1.5)', 12"),
               "select round , 1.5e0, 'round(1.5)', 12");
 }
