@@ -90,7 +90,7 @@ write_definition() {
     echo "PyoristysRadioGroup=1"
 }
 
-# Exports every table to a folder; the file "counts" there has each table with its record count.
+# Exports every table to a folder; the file "counts" there lists the tables with their record counts.
 export_tables() { # FOLDER
     mkdir -p "$1"
     "$zavdb" tables "$name" >"$1/counts"
@@ -100,7 +100,7 @@ export_tables() { # FOLDER
     done <"$1/counts"
 }
 
-# Ten products of class 24 %, taken evenly over the product numbers.
+# Ten products of class 24 %, spread evenly over the product numbers.
 choose_products() {
     "$zavdb" sql "$name" "select NUMERO from TUOTE where LVV = 1 and HINTA3 > 0 order by NUMERO" |
         tr -d '\r' | grep -E '^[0-9]{6,13}$' |
