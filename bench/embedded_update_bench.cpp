@@ -1,5 +1,5 @@
-// Compares the embedded engine with ordinary tables of the same database library: a table of as
-// many columns as TUOTE has fields, written and read by plain calls with the same durability.
+// Compares the embedded engine with an ordinary SQLite table that has as many columns as TUOTE has
+// fields, read and written by plain calls with the same durability.
 //
 //   embedded_update_bench [products] [updates]
 
@@ -76,7 +76,7 @@ void fillEngine(Database& db, int products) {
     });
 }
 
-// The same table as a program would make it without this engine, with the same keys.
+// TUOTE as an ordinary SQLite table with the same keys.
 engines::embedded::SqliteHandle makePlain(const QString& fileName, const TableSource& source,
                                           int products) {
     engines::embedded::SqliteHandle handle(fileName, engines::embedded::SqliteHandle::Mode::Create);
@@ -207,7 +207,7 @@ int main(int argc, char** argv) {
     std::vector<int> order;
     for (int i = 0; i < updates; ++i)
         order.push_back(static_cast<int>(random() % static_cast<unsigned>(products)));
-    // In turns, so that the disk's moods hit both alike.
+    // In turns, so that variations of the disk affect both equally.
     Timing engine, other;
     for (size_t from = 0; from < order.size(); from += order.size() / 10 + 1) {
         const size_t to = std::min(order.size(), from + order.size() / 10 + 1);

@@ -1,8 +1,8 @@
-// Time of the products step with its SQL on a server, over the data source given. The records that
-// the step locks and reads come from an embedded company beside it, as the client library would
-// bring them from a local server.
-//   odbc_run DATA-SOURCE FOLDER PRODUCTS   makes the tables and the company
-//   odbc_run DATA-SOURCE FOLDER            runs the step, prints the seconds that it took
+// Measures the products step with its SQL on a server, through an ODBC data source. The records
+// that the step locks and reads come from an embedded company, in place of the client library and a
+// local server.
+//   odbc_run DATA-SOURCE FOLDER PRODUCTS   creates the tables and the company
+//   odbc_run DATA-SOURCE FOLDER            runs the step and prints its time in seconds
 
 #include <QElapsedTimer>
 #include <cstdio>
@@ -67,7 +67,7 @@ qint64 exec(data::Database& database, const QString& sql) {
     return query.execSql();
 }
 
-// The columns that the products step uses, filled from the demo company; every product of class 1.
+// The columns that the products step uses, filled from the demo company; all products in class 1.
 void fill(Company& company) {
     const QString prices = QStringLiteral(
         "HINTA, KAKSOISHINTA, HINTA3, HINTA4, HINTA5, HINTA6, HINTA7, HINTA8, HINTA9, KESKIHINTA, "
@@ -113,7 +113,7 @@ vatchange::ChangeDefinition definition() {
     return made;
 }
 
-// What else the step reads or writes on the server.
+// The other tables that a run uses on the server.
 void makeOtherTables(Company& company) {
     for (const char* sql :
          {"CREATE TABLE ALVKANTA (luokka SMALLINT, Prosentti REAL)",

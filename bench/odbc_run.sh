@@ -1,6 +1,6 @@
 #!/bin/bash
-# Time of the products step over ODBC against that of a plain C program that sends the same
-# statements. Usage: odbc_run.sh [BIN-FOLDER] [PRODUCTS] [ROUNDS]   (see bench/CMakeLists.txt)
+# Compares the products step over ODBC with a plain C program that sends the same statements.
+# Usage: bench/odbc_run.sh [BIN-FOLDER] [PRODUCTS] [ROUNDS]   (needs a build with TAKSAVAIHE_BENCH)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/sql_servers.sh

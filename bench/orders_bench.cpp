@@ -1,6 +1,7 @@
-// Conversion of open sales orders against a plain program that reads and rewrites the same rows and
-// headers by key in ordinary SQLite tables, one commit each, with the same durability. Prints both
-// times and their ratio. usage: orders_bench [ORDERS [ROWS_PER_ORDER [FOLDER]]]
+// Compares the conversion of open sales orders with a plain program that reads and rewrites the
+// same rows and headers by key in ordinary SQLite tables, one commit each, with the same
+// durability. Prints both times and their ratio.
+// Usage: orders_bench [ORDERS [ROWS_PER_ORDER [FOLDER]]]
 #include <sqlite3.h>
 
 #include <QDir>
@@ -93,7 +94,7 @@ void fillEmbedded(data::Database& database, Size size) {
 struct Measured {
     double seconds = 0;
     double processor = 0;  // seconds
-    double megabytes = 0;  // at the most
+    double megabytes = 0;  // maximum
 };
 
 class Stopwatch {
@@ -342,6 +343,6 @@ int main(int argc, char** argv) {
         "plain program  %6.2f %6.2f\norder module   %6.2f %6.2f\nratio          %6.2f %6.2f\n",
         plain.seconds, plain.processor, ours.seconds, ours.processor, ours.seconds / plain.seconds,
         ours.processor / plain.processor);
-    std::printf("anonymous memory %.0f MB before, %.0f MB at the most\n", before, ours.megabytes);
+    std::printf("anonymous memory %.0f MB before, at most %.0f MB\n", before, ours.megabytes);
     return 0;
 }

@@ -1,5 +1,5 @@
-/* The products step's statements as a plain program of the ODBC interface sends them: one query of
- * the products, one prepared UPDATE for each. Usage: plain_odbc CONNECTION-STRING */
+/* The baseline for the products step over ODBC: a plain C program that sends the same statements, one
+ * query of the products and one prepared UPDATE for each. Usage: plain_odbc CONNECTION-STRING */
 #include <math.h>
 #include <sql.h>
 #include <sqlext.h>

@@ -1,6 +1,6 @@
-/* The yardstick for the product step: a plain C program that sends the same statements to an ordinary
-   SQLite table of the same columns, one commit each, with the same durability (write-ahead log,
-   synchronous FULL). usage: plain_products ordinary.db SOURCE_CLASS TARGET_CLASS COEFFICIENT */
+/* The baseline for the products step: a plain C program that sends the same statements to an ordinary
+   SQLite table with the same columns, one commit each, with the same durability (write-ahead log,
+   synchronous FULL). Usage: plain_products ordinary.db SOURCE_CLASS TARGET_CLASS COEFFICIENT */
 #include <math.h>
 #include <sqlite3.h>
 #include <stdio.h>
@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
              "WHERE ( lvv = %s OR alv2 = %s OR ostovero = %s)",
              argv[2], argv[2], argv[2]);
     check(db, sqlite3_prepare_v2(db, sql, -1, &all, NULL));
-    /* the result is read first, as a cursor must not stay open across the commits */
+    /* the whole result is read first: a cursor must not stay open across commits */
     size_t n = 0, room = 1024;
     struct Row { char number[19]; double price[9]; int vat[3]; } *rows = malloc(room * sizeof *rows);
     while (sqlite3_step(all) == SQLITE_ROW) {
@@ -62,7 +62,7 @@ int main(int argc, char** argv) {
                 at += snprintf(sql + at, sizeof sql - (size_t)at, ", %s=%s", column[i], argv[3]);
         snprintf(sql + at, sizeof sql - (size_t)at,
                  ", MUUTETTUPVM = '%s', MUUTETTUTIME = time('now','localtime') WHERE NUMERO = :TUOTENRO", today);
-        if (strcmp(sql, last) != 0) { /* a plain program prepares again when the text changes */
+        if (strcmp(sql, last) != 0) { /* prepares again only when the text changes */
             sqlite3_finalize(set);
             check(db, sqlite3_prepare_v2(db, sql, -1, &set, NULL));
             strcpy(last, sql);

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Whole run of taksavaihe over N products (nine levels, labels and web shop marks off) against the plain C
-# program plain_products.c on an ordinary table. Prints both times and their ratio, and the run's memory.
-# usage: bench/product_run.sh BUILD_DIR [N]     (needs the sqlite3 shell, cc and GNU time)
+# Compares a whole run of taksavaihe over N products (nine levels, no labels, no web shop marks) with the
+# plain C program plain_products.c on an ordinary table. Prints times, ratios and maximum memory.
+# Usage: bench/product_run.sh BUILD_DIR [N]     (needs the sqlite3 shell, cc and GNU time)
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 bin=$(realpath "$1")/bin
@@ -15,7 +15,7 @@ source_class=$("$bin/zavdb" sql BENCH "select luokka from ALVKANTA where Prosent
 target_class=$("$bin/zavdb" sql BENCH "select luokka from ALVKANTA where Prosentti=25.5" | tail -1 | tr -d '\r')
 "$bin/zavdb" export BENCH TUOTE "$work/tuote.csv"
 "$bin/zavdb" sql BENCH "delete from MYYMALAHINNAT" >/dev/null
-# every product carries the source class, so that the whole table moves
+# puts every product into the source class
 "$bin/zavdb" sql BENCH "update TUOTE set LVV=$source_class where LVV<>$source_class" >/dev/null
 {
     echo "create table TUOTE ("
@@ -40,7 +40,7 @@ mkdir -p "$work/data/MAARITYS"
 } >"$work/data/MAARITYS/AlvMuutosLomake.INI"
 cp "$bin/taksavaihe" "$work/taksavaihe"
 printf '[ASETUKSET]\nmaar1=Mittaus\n' >"$work/ALVMUUTOS.INI"
-measure() { # seconds of wall time, of processor time, kB of memory at the most
+measure() { # wall seconds, processor seconds (user, system), maximum memory in kB
     /usr/bin/time -f '%e %U %S %M' -o "$work/time" "$@" >"$work/out" 2>"$work/err" || { cat "$work/out" "$work/err" >&2; exit 1; }
     cat "$work/time"
 }

@@ -1,10 +1,10 @@
-// Measures the search windows on a registered company, offscreen:
+// Measures the product search window on a registered company, offscreen:
 //
 //   search_bench COMPANY [--grab FOLDER]
 //
-// Opening to the first painted rows, nearest search against raw keyed reads of a screen of rows, a
-// search record by record against a plain LIKE scan of an ordinary table, jumps of the scroll bar,
-// growth of anonymous memory. --grab also writes pictures of the windows.
+// Times opening until the first rows are painted, nearest search compared with keyed reads of a
+// screen of rows, record search compared with a LIKE scan of an ordinary table, jumps of the scroll
+// bar; and measures the growth of anonymous memory. --grab also writes screenshots.
 
 #include <sqlite3.h>
 
@@ -68,8 +68,7 @@ void idle(search::TBtrHakuForm& form) {
     QTest::qWait(200);
 }
 
-// The products' numbers and names, with as much beside them as a product's record has, in an
-// ordinary table of the same database library.
+// An ordinary SQLite table of product numbers and names, padded to the size of a product's record.
 class PlainTable {
   public:
     explicit PlainTable(data::TableFile& file) {
@@ -152,7 +151,7 @@ int main(int argc, char** argv) {
     const qint64 products = file->recordCount();
     std::printf("%lld products\n", static_cast<long long>(products));
     {
-        // Fonts and styles are the program's, not the window's.
+        // Loading fonts and styles is not part of the measured time.
         search::TArHakuForm warm;
         warm.show();
         QTest::qWait(50);
@@ -229,7 +228,7 @@ int main(int argc, char** argv) {
     form->Suodatin->clear();
     std::vector<double> early;
     for (int i = 0; i < 20; ++i) {
-        form->NollaaSuodin();  // the count is unknown again
+        form->NollaaSuodin();  // makes the count unknown again
         const int to = static_cast<int>(random() % static_cast<unsigned>(bar->maximum() + 1));
         early.push_back(timed([&] {
             bar->setValue(to);

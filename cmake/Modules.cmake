@@ -1,6 +1,7 @@
 # taksavaihe_module(NAME FROM dir... USES library... [HIDES library...] [EXCLUDE file...] [PCH kind]):
-# one static library per module. USES is what the module's headers may include too, HIDES what only
-# its sources use: modules above do not see it. ctest `modules` holds the includes against the rules.
+# adds the static library of a module. USES: libraries that the module's headers include too (linked
+# publicly). HIDES: libraries that only its sources use (linked privately). ctest `modules` checks the
+# includes.
 function(taksavaihe_module name)
     cmake_parse_arguments(MODULE "" "PCH" "FROM;USES;HIDES;EXCLUDE" ${ARGN})
     if(NOT MODULE_PCH)

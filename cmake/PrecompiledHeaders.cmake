@@ -1,6 +1,6 @@
-# Precompiled headers: most of a compilation is Qt's and the standard library's headers. Three sets,
-# each compiled once and shared by every target of its kind. A build with TAKSAVAIHE_PCH=OFF, which
-# the nightly run makes, finds sources that lean on them for a missing include.
+# Precompiled headers, since headers of Qt and the standard library take most of the compile time.
+# Three sets, each compiled once and shared by all targets of its kind. The nightly build with
+# TAKSAVAIHE_PCH=OFF finds sources that miss an include.
 option(TAKSAVAIHE_PCH "Precompiled headers" ON)
 if(TAKSAVAIHE_PCH AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # the header may come from the compiler cache, older or younger than its sources
@@ -12,7 +12,7 @@ set(pch_core
     <QRegularExpression> <QString> <QStringList> <QTextStream> <QVariant>
     <algorithm> <array> <chrono> <cmath> <exception> <functional> <map> <memory> <optional> <string>
     <utility> <vector>)
-# the widgets that several windows use: <QtWidgets> as a whole makes a file of 300 MB
+# the widgets that several windows use: all of <QtWidgets> would make a file of 300 MB
 set(pch_widgets ${pch_core}
     <QApplication> <QComboBox> <QDialog> <QGridLayout> <QGroupBox> <QHeaderView> <QKeyEvent> <QLabel>
     <QLineEdit> <QMimeData> <QPainter> <QPointer> <QProgressBar> <QPushButton> <QScrollBar> <QTableView>

@@ -1,14 +1,14 @@
 include(GoogleTest)
 
-# The programs and files that the tests labelled "unit" and "servers" need: what the sanitizer run of
-# every change builds.
+# Builds everything that the tests labelled "unit" and "servers" need: the sanitizer build of every
+# change.
 add_custom_target(unit_tests)
 
 # taksavaihe_test(NAME FROM dir... USES library... [LABEL unit|whole|servers] [LOCK name] [AUTOMOC]):
-# one test program a folder. Every test runs without a display and with settings of its own, so plain
-# `ctest` works anywhere.
+# adds a test program. Its tests run without a display and with their own settings, so plain `ctest`
+# works anywhere.
 #   LABEL    unit (default); whole: whole runs, killed or with faults; servers: needs SQL servers
-#   LOCK     its tests share something (a file beside the program, a server) and run one by one
+#   LOCK     its tests share a resource (a file next to the program, a server) and run one at a time
 #   AUTOMOC  its sources declare Qt objects
 function(taksavaihe_test name)
     cmake_parse_arguments(TEST "AUTOMOC" "LABEL;LOCK" "FROM;USES" ${ARGN})

@@ -1,5 +1,5 @@
-# taksavaihe_windows_program(TARGET DESCRIPTION [ICON file]): version, manifest and icon of a Windows
-# program. Does nothing for other platforms.
+# taksavaihe_windows_program(TARGET DESCRIPTION [ICON file]): adds version information, manifest and icon
+# to a Windows program. Does nothing on other platforms.
 function(taksavaihe_windows_program TARGET DESCRIPTION)
     if(NOT WIN32)
         return()
@@ -9,7 +9,7 @@ function(taksavaihe_windows_program TARGET DESCRIPTION)
     set(MANIFEST ${folder}/${TARGET}.manifest)
     set(ICON_LINE)
     if(PROGRAM_ICON)
-        set(ICON_LINE "IDI_ICON1 ICON \"${PROGRAM_ICON}\"")  # the window library looks for this name
+        set(ICON_LINE "IDI_ICON1 ICON \"${PROGRAM_ICON}\"")  # the name that Qt looks for
     endif()
     configure_file(${CMAKE_SOURCE_DIR}/packaging/windows/program.manifest.in ${MANIFEST} @ONLY)
     configure_file(${CMAKE_SOURCE_DIR}/packaging/windows/program.rc.in ${folder}/${TARGET}.rc @ONLY)

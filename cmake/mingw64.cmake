@@ -1,5 +1,5 @@
-# The Windows build: 64-bit mingw-w64 with POSIX threads, and the libraries under $QT_MINGW (a Qt for
-# Windows and the libraries that packaging/windows/build-qt.sh puts beside it).
+# Toolchain of the Windows build: 64-bit mingw-w64 with POSIX threads, and the libraries under $QT_MINGW
+# (Qt for Windows and the libraries that packaging/windows/build-qt.sh builds with it).
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)

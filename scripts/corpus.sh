@@ -1,5 +1,5 @@
 #!/bin/bash
-# Packs and unpacks the fuzz targets' collected inputs, fuzz/corpus/TARGET.tar.xz.
+# Packs and unpacks the inputs of the fuzz targets, fuzz/corpus/TARGET.tar.xz.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -8,10 +8,10 @@ usage() {
 Usage: scripts/corpus.sh unpack TARGET FOLDER
        scripts/corpus.sh pack TARGET FOLDER
 
-  unpack  puts the inputs of fuzz/corpus/TARGET.tar.xz into FOLDER (made when missing; what it held
-          goes). A target without an archive gives an empty folder.
-  pack    makes the archive of the files in FOLDER. The same files give the same archive, byte for
-          byte; an archive that already holds just these files is left as it is.
+  unpack  replaces FOLDER by the inputs in fuzz/corpus/TARGET.tar.xz. A target without an archive
+          gives an empty folder.
+  pack    archives the files in FOLDER. The same files give the same archive, byte for byte; an
+          archive that already holds exactly these files is left unchanged.
 USAGE
 }
 
@@ -30,11 +30,11 @@ case "$1" in
     pack)
         new=$(mktemp)
         trap 'rm -f "$new"' EXIT
-        # nothing of the machine or the moment: names in byte order, no owner, time or rights
+        # reproducible: names in byte order, fixed owner, time and permissions
         (cd "$folder" && find . -maxdepth 1 -type f -printf '%f\0' | LC_ALL=C sort -z |
             tar --format=ustar --owner=0 --group=0 --numeric-owner --mtime=@0 --mode=u=rw,go=r \
                 --null --files-from=- -cf -) >"$new"
-        # compared unpacked: another version of xz may compress otherwise
+        # compared uncompressed: xz versions differ in their output
         if [ -f "$archive" ] && xz -dc "$archive" | cmp -s - "$new"; then
             exit 0
         fi

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Kills whole runs at random moments (kill -9) and looks at what is left; then takes the power away
-# from recorded runs. Prints the figures that docs/reliability.md quotes.
+# Kills whole runs at random moments (kill -9) and checks what is left; then simulates power losses
+# during recorded runs. Prints the figures quoted in docs/reliability.md.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -10,14 +10,14 @@ usage() {
     cat <<'USAGE'
 Usage: scripts/crash.sh [--kills N] [--products N] [--orders N] [--seed S] [--build DIR]
 
-  --kills N     runs to kill, and moments at which the power goes (default 200)
-  --products N  products of the company that is converted (default 3000)
-  --orders N    its sales orders, and as many purchase orders (default 600)
-  --seed S      the company and the moments (default: of the clock; printed)
-  --build DIR   build folder with the programs (default build; made when missing)
+  --kills N     number of runs to kill, and of power losses (default 200)
+  --products N  products of the company (default 3000)
+  --orders N    sales orders, and as many purchase orders (default 600)
+  --seed S      for the company and the moments (default: random; printed)
+  --build DIR   build folder with the programs (default build; built if missing)
 
-The company stands in memory (/dev/shm) where there is such a place: a kill takes nothing from the
-system's own buffers. The loss of those is the second part's matter.
+The company is created in memory (/dev/shm) if possible: a kill loses nothing from the system's
+buffers. Losing those is what the second part simulates.
 USAGE
 }
 

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Builds the Debian package; installs and runs it in a clean root.
+# Builds the Debian package; installs and runs it in a clean chroot.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -9,14 +9,14 @@ usage() {
     cat <<'USAGE'
 Usage: scripts/debian.sh [--no-check | --no-build]
 
-Builds the package with cpack into build-debian/. Then makes a clean Debian root with debootstrap
+Builds the package with cpack into build-debian/. Then makes a clean Debian chroot with debootstrap
 (needs root; about 1 GB in a temporary folder, removed at the end), installs the package there with
-apt and runs both programs: a demo company, a batch run, the main window on an invisible display.
+apt and runs both programs: a demo company, a batch run, the main window under Xvfb.
 
   --no-check   only builds the package
-  --no-build   only checks the package that build-debian/ holds
+  --no-build   only checks the package in build-debian/
 
-DEBIAN_MIRROR names the place packages come from (default: that of this machine).
+DEBIAN_MIRROR is the package mirror (default: that of this machine).
 USAGE
 }
 
@@ -37,7 +37,7 @@ ls -l "$package"
 lintian --no-tag-display-limit "$package" || true
 [ "$no_check" = no ] || exit 0
 
-# --- a clean root
+# --- a clean chroot
 root=$(mktemp -d)
 chmod 755 "$root"
 as_root() {
@@ -52,7 +52,7 @@ as_root debootstrap --variant=minbase bookworm "$root" "$mirror" >"$root.log" ||
         exit 1
     }
 rm -f "$root.log"
-# the way to the mirror is the machine's own; the packages are not
+# name resolution and proxies are the machine's; packages come from the mirror alone
 as_root cp -L /etc/resolv.conf "$root/etc/resolv.conf"
 [ ! -d /etc/apt/apt.conf.d ] || as_root find /etc/apt/apt.conf.d -name '*proxy*' \
     -exec cp {} "$root/etc/apt/apt.conf.d/" \;
@@ -101,4 +101,4 @@ as_root mount --bind /dev "$root/dev"
 as_root mount -t proc proc "$root/proc"
 trap 'as_root umount "$root/dev" "$root/proc" || true; as_root rm -rf --one-file-system "$root"' EXIT
 as_root chroot "$root" sh /root/check.sh
-echo "The package installs, runs and goes in a clean root."
+echo "The package installs, runs and uninstalls in a clean chroot."

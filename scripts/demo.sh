@@ -9,12 +9,12 @@ usage() {
     cat <<'USAGE'
 Usage: scripts/demo.sh [--gui] [--keep] [--products N]
 
-Installs the packages it needs, builds (Release, folder build/), creates the demo company, runs one
-saved definition (24 % to 25.5 %) unattended and prints what changed. Safe to run again: the company
-is created anew each time.
+Installs missing packages, builds (Release, folder build/), creates the demo company, runs one saved
+definition (24 % to 25.5 %) unattended and prints what changed. Can be run again: the company is
+recreated each time.
 
   --gui          opens the main window on the company instead of running the definition
-  --keep         leaves the company of an earlier run as it is
+  --keep         keeps the company of an earlier run
   --products N   number of products (default 2000)
 USAGE
 }
@@ -26,7 +26,7 @@ name=Demo
 definition=Alv255
 demo=$PWD/build/demo
 company=$demo/company
-# settings of its own, so that the user's registered companies stay as they are
+# separate settings, so that the user's registered companies are not touched
 export XDG_CONFIG_HOME=$demo/config
 if [ -z "${XDG_RUNTIME_DIR:-}" ]; then
     export XDG_RUNTIME_DIR=$demo/runtime
@@ -62,8 +62,8 @@ create_company() {
         >"$(dirname "$program")/ALVMUUTOS.INI"
 }
 
-# Everything that carries class 1 (24 %) moves to class 5 (25.5 %): every price level from its own
-# column with the VAT-free price kept, and all dependent tables and open orders with it.
+# Moves class 1 (24 %) to class 5 (25.5 %): every price level from its own column with the VAT-free
+# price kept, all dependent tables and open orders.
 write_definition() {
     local coefficient=1.0120967741935485 level=0 column
     echo "[$definition]"
@@ -90,7 +90,7 @@ write_definition() {
     echo "PyoristysRadioGroup=1"
 }
 
-# Exports every table to a folder; the file "counts" there has each table with its record count.
+# Exports every table to a folder; the file "counts" there lists the tables with their record counts.
 export_tables() { # FOLDER
     mkdir -p "$1"
     "$zavdb" tables "$name" >"$1/counts"
@@ -100,7 +100,7 @@ export_tables() { # FOLDER
     done <"$1/counts"
 }
 
-# Ten products of class 24 %, taken evenly over the product numbers.
+# Ten products of class 24 %, spread evenly over the product numbers.
 choose_products() {
     "$zavdb" sql "$name" "select NUMERO from TUOTE where LVV = 1 and HINTA3 > 0 order by NUMERO" |
         tr -d '\r' | grep -E '^[0-9]{6,13}$' |

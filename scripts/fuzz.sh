@@ -1,6 +1,6 @@
 #!/bin/bash
-# Fuzzes the readers of outside bytes and texts, each with address and undefined behaviour
-# sanitizers, one after another.
+# Fuzzes the readers of external bytes and texts one after another, with the address and undefined
+# behaviour sanitizers.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -10,11 +10,11 @@ usage() {
 Usage: scripts/fuzz.sh [--minutes N] [--keep] [TARGET...]
 
   --minutes N  for each target (default 30; fractions are allowed)
-  --keep       adds to fuzz/corpus/TARGET.tar.xz what reaches code that its inputs do not
-  TARGET       as in fuzz/TARGET_fuzz.cpp (default: all of them)
+  --keep       adds inputs that reach new code to fuzz/corpus/TARGET.tar.xz
+  TARGET       as in fuzz/TARGET_fuzz.cpp (default: all)
 
-Found inputs stay in build-fuzz/found/ and are used again; inputs that break a target are kept in
-build-fuzz/crashes/. Exit status 1 when a target broke.
+New inputs are kept in build-fuzz/found/ and reused; inputs that crash a target are kept in
+build-fuzz/crashes/. Exit status 1 if a target crashed.
 USAGE
 }
 
@@ -44,7 +44,7 @@ cmake -G Ninja -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_C_COMP
     -DTAKSAVAIHE_SANITIZE=ON -DCMAKE_CXX_FLAGS=-fsanitize=fuzzer-no-link >/dev/null
 nice cmake --build "$build" --target "${targets[@]/%/_fuzz}"
 
-# Companies and files of a target live in memory, so that no disk slows it down.
+# Companies and files of a target are kept in memory, for speed.
 scratch=$(mktemp -d -p "$([ -w /dev/shm ] && echo /dev/shm || echo "${TMPDIR:-/tmp}")" fuzz-XXXXXX)
 trap 'rm -rf "$scratch"' EXIT
 export TMPDIR=$scratch XDG_CONFIG_HOME=$scratch/config XDG_RUNTIME_DIR=$scratch
@@ -81,7 +81,7 @@ for target in "${targets[@]}"; do
         "${edges:-?}" "${features:-?}" "${inputs:-?}")
     echo "$line"
     table+=$'\n'$line
-    # the smallest set of inputs that reaches the same
+    # the smallest set of inputs with the same coverage
     rm -rf "$found.merged" && mkdir "$found.merged"
     if nice -n 19 "$program" -merge=1 -timeout=25 "$found.merged" "$found" "$corpus" \
         >"$log.merge" 2>&1; then

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Runs clang-tidy over the program's own sources; tests are left to the compilers.
+# Runs clang-tidy on the program's sources, without tests, fuzzers and benchmarks.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -8,8 +8,8 @@ usage() {
     cat <<'USAGE'
 Usage: scripts/lint.sh [--changed] [--minutes N] [FILE...]
 
-  --changed    only the sources that differ from the commit before
-  --minutes N  stops after N minutes, without complaint about the files that are left
+  --changed    only sources that differ from the previous commit
+  --minutes N  stops after N minutes; files not checked by then are no error
 USAGE
 }
 
@@ -27,11 +27,11 @@ elif [ ${#files[@]} -eq 0 ]; then
     mapfile -t files < <(git ls-files "${sources[@]}")
 fi
 
-# clang-tidy wants clang's command lines, without precompiled headers (those are gcc's, or not built)
+# clang-tidy needs clang's command lines, without precompiled headers (those are gcc's, or not built)
 cmake --preset tidy >build-tidy.log 2>&1 || { cat build-tidy.log >&2; exit 1; }
 rm -f build-tidy.log
 
-# a file that the build does not know (another platform's) cannot be checked
+# files not in the build (of another platform) cannot be checked
 known=()
 for file in "${files[@]}"; do
     ! grep -qF "\"file\": \"$PWD/$file\"" build-tidy/compile_commands.json || known+=("$file")

@@ -1,15 +1,15 @@
-"""Where a code fault (mutant) can be put into a C++ source, and how it is found again later.
+"""Finds places for code faults (mutants) in a C++ source, and finds them again in later versions.
 
 Works on tokens, relying on clang-format's spacing: binary operators have blanks around them, template
-brackets, references and pointers do not. What does not compile after all is sorted out by the caller."""
+brackets, references and pointers do not. The caller discards faults that do not compile."""
 
 import glob
 import os
 import re
 from dataclasses import asdict, dataclass
 
-# Nothing in the argument list of these is changed, and a call of them is not dropped: logging,
-# assertions, and what only decorates a window.
+# Arguments of these are not changed and their calls not dropped: logging, assertions, and calls that
+# affect only a window's looks.
 LEFT_ALONE = set("""
     static_assert Q_ASSERT Q_ASSERT_X Q_UNUSED qDebug qInfo qWarning qCritical qCDebug qCWarning fprintf
     trace traceOdbc tracePrice traced reserve setContentsMargins setSpacing setHorizontalSpacing
@@ -19,7 +19,7 @@ LEFT_ALONE = set("""
     fillRect fillPath drawText drawLine drawRect drawPath drawPixmap drawRoundedRect
     setPointSize setPointSizeF setBold setWeight setAutoDefault setUniformRowHeights
 """.split())
-# String literals in these are texts for people.
+# String literals in these are user texts.
 MESSAGES = set("setText setTitle setWindowTitle setPlaceholderText addAction addTab QLabel QPushButton tr "
                "QGroupBox QCheckBox QRadioButton addButton setLabelText setHeaderLabels".split())
 SYMMETRIC = {"max", "min", "qMax", "qMin", "swap", "connect", "disconnect", "minmax", "isSameName",
@@ -45,26 +45,26 @@ SQL = re.compile(r"\b(SELECT|UPDATE|DELETE|INSERT|WHERE|FROM|ORDER BY|GROUP BY|F
 
 @dataclass
 class Fault:
-    """One change of a source. It is found again by the text of its line and what stands around it, so
-    that it can be applied to a later state of the sources."""
+    """One change of a source. It is found again by the text of its line and the lines around it, so that
+    it can be applied to later versions of the sources."""
     module: str
     file: str
     kind: str
     line: str       # the line it starts in, without its indentation
-    before: str     # the lines above and below, likewise
+    before: str     # the lines above and below, without indentation
     after: str
-    occurrence: int  # of such lines in the file
+    occurrence: int  # index among identical places in the file
     column: int     # in the line
     old: str
     new: str
-    number: int = 0  # the line's number, for people
+    number: int = 0  # the line number, for messages
 
     def values(self):
         return asdict(self)
 
 
 class Columns:
-    """Columns of the record dictionary, by table."""
+    """The columns of the record dictionary by table."""
 
     def __init__(self, root):
         self.tables = {}
@@ -78,7 +78,7 @@ class Columns:
                     fields.append((words[2], words[3].split(":")[0]))
 
     def others(self, word):
-        """Columns of the same kind in the tables that have this one."""
+        """Returns columns of the same kind in tables that have this column."""
         found = set()
         for fields in self.tables.values():
             kinds = {kind for name, kind in fields if name.upper() == word.upper()}
@@ -87,7 +87,7 @@ class Columns:
 
 
 class Source:
-    """The tokens of one source, its brackets, and which of its braces hold code."""
+    """The tokens of one source, its brackets, and which of its braces contain code."""
 
     def __init__(self, text):
         self.text = text
@@ -98,7 +98,7 @@ class Source:
         self.excluded, self.messages = self._excluded()
 
     def _tokenize(self):
-        conditions = []  # of the preprocessor: is it about Windows, are these lines Windows' own
+        conditions = []  # of the preprocessor: (tests for Windows, the current lines are for Windows only)
         for m in TOKEN.finditer(self.text):
             kind = "str" if m.group("str") else m.lastgroup
             if kind == "pre":
@@ -135,7 +135,7 @@ class Source:
         return match
 
     def _code(self):
-        """For every token whether it stands in braces that are neither a namespace's nor a type's."""
+        """For every token: whether it is in braces other than those of a namespace or type."""
         code, stack, head = [], [], 0
         for i, word in enumerate(self.words):
             if word == "}" and self.kinds[i] == "op" and stack:
@@ -168,7 +168,7 @@ class Source:
         return excluded, messages
 
     def arguments(self, opening):
-        """First and last token of each argument of the bracket at this token."""
+        """Returns the first and last token of each argument of the bracket at this token."""
         close, first, i, found = self.match.get(opening), opening + 1, opening + 1, []
         if close is None:
             return []
@@ -193,7 +193,7 @@ class Source:
 
 
 class Finder:
-    """All places of a source for faults, as (kind, start, end, new text)."""
+    """All places for faults in a source, as (kind, start, end, new text)."""
 
     def __init__(self, text, columns):
         self.source = Source(text)
@@ -347,7 +347,7 @@ class Finder:
 
 
 def faults_of(module, file, text, columns):
-    """All faults that could be put into this source."""
+    """Returns all faults possible in this source."""
     lines = text.split("\n")
     stripped = [line.strip() for line in lines]
     offsets = [0]
@@ -367,8 +367,8 @@ def faults_of(module, file, text, columns):
 
 
 def apply(fault, text):
-    """The text with the fault in it and how well the place fits; None when its line is not there."""
-    # What was reformatted since still matches: blanks between words do not count.
+    """Returns the mutated text and how well the place matches; None if its line is gone."""
+    # Whitespace between words is ignored, so that reformatted code still matches.
     old = re.compile(r"\s*".join(re.escape(word) for word in re.findall(r"\w+|\S", fault.old)))
     lines = text.split("\n")
     stripped = [line.strip() for line in lines]
@@ -388,6 +388,6 @@ def apply(fault, text):
     if best is None:
         return None
     fit, match = best
-    # the lines below keep their numbers, which assertions carry into the object code
+    # keeps the numbers of the lines below, which assertions put into the object code
     padding = "\n" * (match.group().count("\n") - fault.new.count("\n"))
     return text[:match.start()] + fault.new + padding + text[match.end():], fit

@@ -1,8 +1,7 @@
 #!/bin/bash
-# What takes too long for every change: the fuzzers, a build without precompiled headers, clang-tidy
-# over everything, cppcheck, hundreds of kills, power losses and faults, whole runs under the
-# sanitizers, other programs at work, a large company, threads, valgrind, and whether the tests find
-# faults that are put into the code.
+# Checks that take too long for every change: fuzzers, a build without precompiled headers, clang-tidy
+# and cppcheck on all files, hundreds of kills, power losses and faults, concurrent programs, whole runs
+# under the sanitizers, a large company, the thread sanitizer, mutations, valgrind.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -14,7 +13,7 @@ Usage: scripts/nightly.sh [MINUTES]
 
   MINUTES  for each fuzzer (default 10)
 
-Inputs that reach new code are added to the archives in fuzz/corpus; commit them.
+Inputs that reach new code are added to the archives in fuzz/corpus, to be committed.
 USAGE
 }
 
@@ -31,7 +30,7 @@ scripts/fuzz.sh --keep --minutes "$minutes" || failed+=("fuzzers")
 
 heading "Missing includes"
 cmake --preset no-pch
-# compiled only: every object file, also after a failure
+# compiled only, without stopping at errors
 ninja -C build-no-pch -t targets all | sed -n 's/^\(.*\.o\): CX\?X\?_COMPILER.*/\1/p' |
     xargs ninja -C build-no-pch -k 0 || failed+=("missing includes")
 
@@ -41,7 +40,7 @@ scripts/lint.sh || failed+=("clang-tidy")
 heading "cppcheck"
 cppcheck --quiet --std=c++20 --enable=warning,performance,portability --inline-suppr \
     --suppress=missingIncludeSystem --suppress=unknownMacro --error-exitcode=1 -j "$(nproc)" -I . \
-    app data framework search vatchange tools || failed+=("cppcheck")
+    company data engines framework platform search shell tools vatchange || failed+=("cppcheck")
 
 heading "Kills, power losses, faults, two programs"
 cmake --preset release
@@ -67,12 +66,12 @@ install_packages $packages_servers
     start_sql_servers
     cmake -G Ninja -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTAKSAVAIHE_TESTS=ON \
         -DCMAKE_CXX_FLAGS=-fsanitize=thread
-    cmake --build build-tsan --target client_tests odbc_tests
+    cmake --build build-tsan --target engines_tests odbc_tests
     export QT_QPA_PLATFORM=offscreen TSAN_OPTIONS=halt_on_error=1
-    build-tsan/bin/client_tests && build-tsan/bin/odbc_tests
+    build-tsan/bin/engines_tests && build-tsan/bin/odbc_tests
 ) || failed+=("threads")
 
-heading "Code faults that the tests find"
+heading "Mutations"
 scripts/mutants.py --count 20 --seed "$(date +%F)" --report build-mutants/report.md || failed+=("mutants.py")
 
 heading "valgrind"

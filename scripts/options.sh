@@ -1,14 +1,14 @@
 # shellcheck shell=bash
-# The command lines of the scripts, which source this file.
+# Option parsing, sourced by the other scripts.
 
-# parse_options "SPECIFICATION" "$@": sets a variable for each option given.
+# parse_options "SPECIFICATION" "$@": sets a variable for each option on the command line.
 #
 #   kills=     --kills VALUE (or --kills=VALUE) sets $kills
-#   gui        --gui sets $gui to "yes"; a dash in an option is an underscore in its variable
-#   ARGUMENTS  arguments that are no options are taken, into the array $arguments
+#   gui        --gui sets $gui to "yes"; dashes in an option become underscores in its variable
+#   ARGUMENTS  accepts positional arguments, in the array $arguments
 #
-# --help and -h print what the script's function usage prints and end it. What the specification
-# does not know ends the script with status 2.
+# --help and -h call the script's function usage and exit. Anything not in the specification exits
+# with status 2.
 parse_options() {
     local specification=" $1 " name value
     shift
@@ -49,7 +49,7 @@ parse_options() {
     done
 }
 
-# Tells what is wrong with the command line and how the script is used; ends the script.
+# Prints an error and the usage; exits with status 2.
 wrong_usage() { # MESSAGE
     printf '%s: %s\n\n' "$(basename "$0")" "$1" >&2
     usage >&2

@@ -1,5 +1,5 @@
 # shellcheck shell=bash disable=SC2034
-# The Debian packages that the scripts need; sourced by them.
+# The Debian packages that the scripts need; sourced by the scripts.
 
 packages_build="g++ cmake ninja-build ccache lld qt6-base-dev libsqlite3-dev unixodbc-dev
     fonts-dejavu-core qt6-translations-l10n"
@@ -19,8 +19,8 @@ packages_soak="eatmydata"
 packages_screenshots="xvfb openbox xdotool x11-utils x11-xserver-utils imagemagick poppler-utils
     faketime fonts-dejavu-core"
 
-# Installs what is missing of the packages given. A machine that has them all needs neither network
-# nor root.
+# Installs those of the given packages that are missing. Needs neither network nor root if all are
+# installed.
 install_packages() {
     local package sudo="" missing=()
     for package in "$@"; do
@@ -31,7 +31,7 @@ install_packages() {
     [ ${#missing[@]} -eq 0 ] && return 0
     if [ "$(id -u)" -ne 0 ]; then
         if ! command -v sudo >/dev/null; then
-            echo "These packages are missing and take root (or sudo) to install: ${missing[*]}" >&2
+            echo "Missing packages, which need root or sudo to install: ${missing[*]}" >&2
             return 1
         fi
         sudo=sudo

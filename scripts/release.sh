@@ -1,5 +1,5 @@
 #!/bin/bash
-# Builds everything of a release from a tag.
+# Builds all files of a release from a tag.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -8,18 +8,17 @@ usage() {
     cat <<'USAGE'
 Usage: scripts/release.sh TAG [TARGET]
 
-Builds what the tag holds (not what the working folder holds) into the folder TARGET (default
-build-release/TAG): the source archive, the Debian package, the
-Windows zip and installer, SHA256SUMS over them, and NOTES.md with the version's section of
-CHANGELOG.md. The tag is "v" and the version that CMakeLists.txt states.
+Builds the tagged commit (not the working tree) into the folder TARGET (default build-release/TAG):
+source archive, Debian package, Windows zip and installer, SHA256SUMS over them, and NOTES.md with
+the version's section of CHANGELOG.md. The tag is "v" followed by the version in CMakeLists.txt.
 
-The build time that the programs show is that of the tagged commit.
-QT_MINGW_ARCHIVE names the Qt for Windows, see scripts/windows.sh.
+The programs show the time of the tagged commit as their build time.
+QT_MINGW_ARCHIVE is the archive of Qt for Windows, see scripts/windows.sh.
 USAGE
 }
 
 parse_options ARGUMENTS "$@"
-[ ${#arguments[@]} -ge 1 ] || wrong_usage "Which tag?"
+[ ${#arguments[@]} -ge 1 ] || wrong_usage "No tag given."
 tag=${arguments[0]}
 if ! commit=$(git rev-parse --verify --quiet "refs/tags/$tag^{commit}"); then
     echo "There is no tag $tag." >&2

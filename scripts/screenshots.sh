@@ -1,5 +1,5 @@
 #!/bin/bash
-# Takes a picture of every window of the program, for the users' manual and the README.
+# Takes screenshots of all windows, for the user manual and the README.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -9,14 +9,14 @@ usage() {
     cat <<'USAGE'
 Usage: scripts/screenshots.sh [--build FOLDER] [--into FOLDER]
 
-Builds the program (folder build/), creates an example company, drives the real program under Xvfb
-and openbox and writes the pictures into docs/images/.
+Builds the program (folder build/), creates an example company, operates the real program under Xvfb
+and openbox, and writes the screenshots to docs/images/.
 
-  --build FOLDER  takes the programs of another build folder as they are
-  --into FOLDER   writes the pictures there
+  --build FOLDER  uses the programs of another build folder, without building
+  --into FOLDER   target folder
 
-The program runs on file systems of its own, on an invented machine and date, so that no picture
-shows anything of the machine that took it. That takes root or user namespaces.
+The program runs on separate file systems, with an invented machine name and date, so that no picture
+shows anything of the build machine. That needs root or user namespaces.
 USAGE
 }
 
@@ -34,7 +34,7 @@ if [ "$inside" = no ]; then
         build=$PWD/build
         [ -f build/CMakeCache.txt ] ||
             cmake -G Ninja -S . -B build -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=OFF
-        # the stamp of a release shortly before the change; the next build writes its own again
+        # a build time shortly before the change; the next build writes its own again
         rm -f build/shell/build_time.cpp
         SOURCE_DATE_EPOCH=1724734800 cmake --build build --target taksavaihe zavdb
         rm -f build/shell/build_time.cpp
@@ -42,12 +42,12 @@ if [ "$inside" = no ]; then
     mkdir -p "$into"
     own=()
     [ "$(id -u)" -eq 0 ] || own=(--map-root-user)
-    # processes of its own too: what is started ends with the script
+    # a separate process namespace: everything started here ends with the script
     exec unshare "${own[@]}" --mount --uts --pid --fork --kill-child --mount-proc \
         "$PWD/scripts/screenshots.sh" --inside --build "$build" --into "$into"
 fi
 
-# --- from here on: an invented machine
+# --- from here on: a machine with an invented name
 
 hostname TOIMISTO1
 mount -t tmpfs none /srv
@@ -109,14 +109,14 @@ start_program() {
     program=$!
 }
 end_program() {
-    pkill -P "$program" 2>/dev/null || true # the program below faketime
+    pkill -P "$program" 2>/dev/null || true # the child of faketime
     kill "$program" 2>/dev/null || true
     wait "$program" 2>/dev/null || true
     sleep 0.5
 }
 
-# The newest window of a title, when it is there. Titles are found by their plain letters: the others
-# come in the encoding of the program's locale.
+# The newest window with a title, once it exists. Titles are matched by their ASCII letters, since
+# others come in the encoding of the program's locale.
 window() {
     local id
     for _ in $(seq 60); do
@@ -149,7 +149,7 @@ shot() { # name of the picture, window: with its frame
     frame=$(xprop -id "$2" _NET_FRAME_EXTENTS | sed -n 's/.*= //p' | tr -d ,)
     read -r left right top bottom <<<"${frame:-0 0 0 0}"
     import -silent -window root /srv/tmp/screen.png
-    # colours of a window are few: a palette keeps the pictures small
+    # windows have few colours: a palette keeps the pictures small
     convert /srv/tmp/screen.png +repage -strip \
         -crop "$((width + left + right))x$((height + top + bottom))+$((x - left))+$((y - top))" \
         +repage -define png:exclude-chunks=date,time "PNG8:$into/$1.png"
@@ -194,7 +194,7 @@ open_form() { # company, switches; leaves the windows in $main and $form
 
 company Esimerkki esimerkki 2000
 company "Tukku Oy" tukku 40000
-# its products alone, so that the picture of a run shows them being changed
+# only products, so that the picture of a run shows products being changed
 sed -i -E 's/^(asiakashinnasto|Kampanjat|MaaraAle|cbVakioLaskutus)=1/\1=0/' \
     /srv/yritykset/tukku/MAARITYS/AlvMuutosLomake.INI
 $home/zavdb sql "Tukku Oy" "delete from MYYMALAHINNAT" >/dev/null
@@ -219,7 +219,7 @@ dialog=$(window '^M.*ritysarvojen talletus$')
 shot save_definition "$dialog"
 keys "$dialog" Escape
 
-# the searches stand behind the check boxes of the restrictions, in the order of the tab key
+# the search buttons follow the check boxes of the restrictions in tab order
 keys "$form" alt+l Tab Tab Tab
 for kind in sub_groups:Aliryhm product_groups:Tuoteryhm main_groups:'P.*ryhm' products:Tuote; do
     keys "$form" Tab space Tab Tab Tab Return

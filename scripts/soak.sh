@@ -1,7 +1,7 @@
 #!/bin/bash
-# One change of a very large company from beginning to end, and one of a tenth of it: memory must
-# stay flat, processor time grow with the company, and the change log agree with the database.
-# Prints the figures that docs/reliability.md quotes.
+# Converts a company of a tenth of the size and then a very large one: memory must stay flat, processor
+# time must grow linearly, and the change log must agree with the database. Prints the figures quoted in
+# docs/reliability.md.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -12,13 +12,13 @@ usage() {
 Usage: scripts/soak.sh [--products N] [--folder DIR] [--flush] [--build DIR] [--keep]
 
   --products N  products of the large company (default 2000000; takes about 9 GB of disk)
-  --folder DIR  where the companies are made (default soak/ in the build folder)
-  --flush       let every statement wait for the disk. Without it the flushes are left out
-                (eatmydata): they are the disk's time, hours of it on a slow one
-  --build DIR   build folder with the programs (default build; made when missing)
-  --keep        leave the companies there
+  --folder DIR  folder for the companies (default soak/ in the build folder)
+  --flush       flush after every statement. By default flushes are disabled (eatmydata), since on a
+                slow disk they take hours
+  --build DIR   build folder with the programs (default build; built if missing)
+  --keep        keep the companies
 
-Exit status 1 when memory grows, time does not follow the size or the log disagrees.
+Exit status 1 if memory grows, time is not proportional to the size, or the log disagrees.
 USAGE
 }
 
@@ -63,7 +63,7 @@ number() { # COMPANY STATEMENT -> its one number
     "$folder/bin/zavdb" sql "$1" "$2" | tr -d '\r' | tail -1
 }
 
-# Samples the private memory of a process in kB, a line a second, to its end.
+# Writes the private memory of a process in kB, one line per second, until it ends.
 sample() { # PID FILE
     while [ -d "/proc/$1" ]; do
         awk '/^RssAnon/ { print $2 }' "/proc/$1/status" 2>/dev/null || true
@@ -96,15 +96,15 @@ soak() { # NAME PRODUCTS; leaves processor seconds in $seconds and products in $
     converted=$((before - after))
     told=$(grep -c '  Tuote: ' "$company/ALVMUUTOS.LOG")
     lines=$(grep -cvP '^\d\d\.\d\d\.\d{4} \d\d:\d\d:\d\d@\S+  ' "$company/ALVMUUTOS.LOG" || true)
-    [ "$after" -eq 0 ] || complain "$name: $after products still carry the class"
+    [ "$after" -eq 0 ] || complain "$name: $after products still have the old class"
     [ "$told" -eq "$converted" ] || complain "$name: $told products in the log, $converted changed"
     grep -q "Tuotetiedot muutettu ( $converted kpl)" "$company/ALVMUUTOS.LOG" ||
-        complain "$name: the log counts otherwise"
+        complain "$name: the log has another count"
     [ "$lines" -eq 0 ] || complain "$name: $lines lines of the log are malformed"
     [ "$(sed -n 's/.*  Tuote: \(.*\) VANHAHINTA(=hinta ).*/\1/p' "$company/ALVMUUTOS.LOG" |
-        sort -u | wc -l)" -eq "$converted" ] || complain "$name: a product stands twice in the log"
+        sort -u | wc -l)" -eq "$converted" ] || complain "$name: a product is twice in the log"
 
-    # the level after a tenth of the run against the highest of the rest
+    # the value after a tenth of the run, and the later maximum
     local early peak
     read -r early peak < <(awk '{ m[NR] = $1 }
         END { a = int(NR / 10) + 2; e = m[a] + 0

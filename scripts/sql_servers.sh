@@ -1,7 +1,7 @@
 # shellcheck shell=bash
-# The SQL servers that the tests run against, on loopback, with their data in a temporary folder:
-# start_sql_servers and stop_sql_servers, for scripts that source this file. No file of the system
-# is touched; ODBCSYSINI and ODBCINI lead the driver manager to the data sources.
+# start_sql_servers and stop_sql_servers, for scripts that source this file: the SQL servers of the
+# tests, on loopback, with their data in a temporary folder. No system file is touched; ODBCSYSINI
+# and ODBCINI point the driver manager to the data sources.
 
 sql_servers_folder=
 
@@ -50,7 +50,7 @@ INI
 start_mariadb() { # PORT
     local folder=$sql_servers_folder/mariadb user
     user=$(id -un)
-    # two folders: the server takes every folder beside its own for a database
+    # a data folder of its own: the server takes every folder in it for a database
     mkdir "$folder" "$folder/data"
     mariadb-install-db --no-defaults --user="$user" --datadir="$folder/data" --skip-test-db \
         --auth-root-authentication-method=normal >"$folder/install" 2>&1
@@ -61,7 +61,7 @@ CREATE USER taksavaihe@localhost IDENTIFIED BY 'taksavaihe';
 GRANT ALL ON taksavaihe.* TO taksavaihe@'127.0.0.1';
 GRANT ALL ON taksavaihe.* TO taksavaihe@localhost;
 SQL
-    # texts compare exactly; names of tables without regard to case
+    # exact text comparison, case-insensitive table names
     mariadbd --no-defaults --user="$user" --datadir="$folder/data" --bind-address=127.0.0.1 \
         --port="$1" --socket="$folder/socket" --pid-file="$folder/pid" --init-file="$folder/start.sql" \
         --character-set-server=utf8mb4 --collation-server=utf8mb4_nopad_bin \
@@ -99,7 +99,7 @@ BigInt = 1
 INI
 }
 
-# Returns when both servers answer. What the tests need is exported.
+# Returns when both servers accept connections. Exports the environment that the tests need.
 start_sql_servers() {
     local virtuoso_port mariadb_port
     sql_servers_folder=$(mktemp -d "${TMPDIR:-/tmp}/taksavaihe-sql.XXXXXX")

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Installs what the tests need, builds and runs every test.
+# Installs missing packages, builds and runs every test.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -12,9 +12,9 @@ Usage: scripts/test.sh [--all]
 
 Builds (Release, folder build/) and runs every test.
 
-  --all  first checks the format of the sources and the scripts; builds the benchmarks too; then
-         runs the unit tests under the address and undefined behaviour sanitizers (folder
-         build-asan/), the Windows programs under wine, and clang-tidy over the files that changed
+  --all  first checks source format and scripts; builds the benchmarks too; then runs all tests
+         except whole runs under the address and undefined behaviour sanitizers (folder
+         build-asan/), the Windows programs under wine, and clang-tidy on changed files
 USAGE
 }
 

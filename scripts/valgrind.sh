@@ -1,5 +1,5 @@
 #!/bin/bash
-# One whole run of a small company and some faults under valgrind: no wrong read or write, no leak.
+# One whole run of a small company and some fault tests under valgrind: no invalid access, no leak.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -17,7 +17,7 @@ parse_options "build=" "$@"
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-# The compiled patterns of regular expressions read beyond their texts, on purpose: not compiled here.
+# The JIT code of regular expressions reads beyond the end of a text by design, so no JIT here.
 export XDG_CONFIG_HOME=$folder/settings QT_QPA_PLATFORM=offscreen QT_ENABLE_REGEXP_JIT=0
 checked=(valgrind --quiet --error-exitcode=99 --leak-check=full --show-leak-kinds=definite
     --errors-for-leak-kinds=definite --trace-children=no)
@@ -37,4 +37,4 @@ printf '[ASETUKSET]\nmaar1=Alv\n' >"$folder/bin/ALVMUUTOS.INI"
 grep -q 'Ostotilaukset konvertoitu' "$folder/data/ALVMUUTOS.LOG"
 TAKSAVAIHE_FAULTS=${TAKSAVAIHE_FAULTS:-40} "${checked[@]}" "$build/bin/fault_tests" \
     --gtest_filter='FaultSweep.*-*CutOff*' --gtest_brief=1
-echo "valgrind: nothing to complain of"
+echo "valgrind: no errors"

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Cross-builds the Windows programs and packs them: release folder, zip, installer.
+# Cross-builds the Windows programs and packages them: release folder, zip, installer.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -9,18 +9,18 @@ usage() {
     cat <<'USAGE'
 Usage: scripts/windows.sh [--no-packages] [--smoke] [--if-qt-is-there]
 
-Builds taksavaihe.exe and zavdb.exe with mingw-w64 (folder build-windows/) and puts together in
-build-windows/release: a folder with the libraries that they need, a zip of it and an installer.
+Builds taksavaihe.exe and zavdb.exe with mingw-w64 (folder build-windows/) and creates in
+build-windows/release: a folder with the programs and the libraries they need, a zip of it and an
+installer.
 
-  --no-packages     stops at the release folder
-  --smoke           runs the programs under wine afterwards, beside the Linux programs of build/bin
-                    (see tests/windows/smoke.sh)
-  --if-qt-is-there  does nothing, and says so, when neither a Qt for Windows nor an archive of one
-                    is there
+  --no-packages     makes the release folder only
+  --smoke           then runs the programs under wine and compares them with the Linux programs in
+                    build/bin (see tests/windows/smoke.sh)
+  --if-qt-is-there  does nothing but print a note if neither Qt for Windows nor its archive exists
 
-The Qt for Windows stands in /opt/qt-mingw. When it is missing it comes from the archive that
-QT_MINGW_ARCHIVE names (default ../shared/windows/qt-mingw.tar.xz; its sum is in a file of the same
-name with .sha256 behind), and otherwise packaging/windows/build-qt.sh builds it.
+Qt for Windows is expected in /opt/qt-mingw. If it is missing, it is unpacked from the archive named
+by QT_MINGW_ARCHIVE (default ../shared/windows/qt-mingw.tar.xz, with its SHA-256 sum in a file of the
+same name plus .sha256); without an archive packaging/windows/build-qt.sh builds it.
 USAGE
 }
 
@@ -41,7 +41,7 @@ prepare_qt() {
         wanted=$(cut -d' ' -f1 "$archive.sha256")
         found=$(sha256sum "$archive" | cut -d' ' -f1)
         if [ "$wanted" != "$found" ]; then
-            echo "$archive: its sum is $found, $archive.sha256 says $wanted" >&2
+            echo "$archive: checksum $found, expected $wanted ($archive.sha256)" >&2
             return 1
         fi
         as_root tar -C "$(dirname "$QT_MINGW")" -xJf "$archive"
@@ -52,7 +52,7 @@ prepare_qt() {
 }
 
 if [ "$if_qt_is_there" = yes ] && [ ! -d "$QT_MINGW/qt-shared" ] && [ ! -f "$archive" ]; then
-    echo "LEFT OUT: the Windows build, since neither $QT_MINGW nor $archive is there."
+    echo "SKIPPED: the Windows build, since neither $QT_MINGW nor $archive exists."
     exit 0
 fi
 
@@ -60,7 +60,7 @@ fi
 install_packages $packages_build $packages_windows
 prepare_qt
 
-# The dictionary compiler runs on this machine.
+# The dictionary compiler runs on the build machine.
 cmake -G Ninja -S . -B build-win-host -DCMAKE_BUILD_TYPE=Release -DTAKSAVAIHE_TESTS=OFF >/dev/null
 cmake --build build-win-host --target dictc
 cmake --preset windows >/dev/null
@@ -74,7 +74,7 @@ folder=$release/Taksavaihe
 packaging/windows/release-folder.sh build-windows "$QT_MINGW/qt-shared" "$folder"
 echo "Release folder: $(du -sh "$folder" | cut -f1) in $(find "$folder" -type f | wc -l) files"
 
-# The instructions that delete the files and folders of the release folder again.
+# Installer instructions that delete exactly the files and folders of the release folder.
 uninstall_list() {
     # shellcheck disable=SC2016,SC1003  # the installer's variables, and its separator
     (cd "$folder" && find . -mindepth 1 -depth \( -type d -printf 'RMDir "$INSTDIR/%P"\n' \) \

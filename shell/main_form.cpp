@@ -2,7 +2,6 @@
 
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QDesktopServices>
 #include <QFileInfo>
 #include <QTextStream>
 #include <QTimer>
@@ -16,6 +15,7 @@
 #include "framework/core/definition_store.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/dialogs.h"
+#include "framework/ui/mail.h"
 #include "framework/ui/window_place.h"
 #include "platform/command_line.h"
 
@@ -209,7 +209,8 @@ void TMainForm::runBatchAndLeave() {
 void TMainForm::BtnLogClick() {
     // A log that is not there yet goes to the desktop, too: it says so in its own way.
     const QString fileName = company::AlvMuutosLogName();
-    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(fileName).absoluteFilePath())))
+    if (!framework::Desktop::instance().open(
+            QUrl::fromLocalFile(QFileInfo(fileName).absoluteFilePath())))
         framework::Dialogs::error(this, QStringLiteral("Lokia ei voitu avata: ") + fileName);
 }
 

@@ -1,5 +1,5 @@
-# taksavaihe_dictionary_resources(TARGET): compiles every table source and carries the blocks and the
-# sources in TARGET as resources:
+# taksavaihe_dictionary_resources(TARGET): compiles every table source and adds blocks and sources to
+# TARGET as resources:
 #   :/data/dictionary/NAME   compiled block of a table that has a compiled dictionary
 #   :/data/source/NAME.dict  source of every table that a new company has
 # NAME is the table's name in upper case.
@@ -15,7 +15,7 @@ function(taksavaihe_dictionary_resources target)
     foreach(source ${tables})
         get_filename_component(name ${source} NAME_WLE)
         string(TOUPPER "${name}" upper)
-        # '$' of the catalogue's names means something to make and shells.
+        # '$' in catalogue names has a meaning in make and shells.
         string(REPLACE "$" "_" plain "${name}")
         set(block ${out}/${plain}.bin)
         add_custom_command(OUTPUT ${block}

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Draws the icons anew from taksavaihe.svg; their results are kept with the sources. Run it after a
-# change of the drawing. Needs librsvg2-bin and imagemagick.
+# Renders the icons from taksavaihe.svg; the results are kept in the repository. Run it after changing
+# the drawing. Needs librsvg2-bin and imagemagick.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 sizes=(16 24 32 48 64 128 256)

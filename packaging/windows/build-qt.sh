@@ -1,5 +1,5 @@
 #!/bin/bash
-# Cross-builds the Qt of the Windows program from Debian's source package, and the sqlite3 library.
+# Cross-builds Qt for Windows from Debian's source package, and the sqlite3 library.
 set -euo pipefail
 here=$(realpath "$(dirname "${BASH_SOURCE[0]}")")
 # shellcheck source=scripts/packages.sh
@@ -35,9 +35,9 @@ install_packages $packages_windows_qt
 sudo=""
 [ "$(id -u)" -eq 0 ] || sudo=sudo
 
-# Source packages come from the same places as the machine's other packages.
+# Source packages come from the mirrors of the machine's packages.
 sources=/etc/apt/sources.list.d/taksavaihe-sources.sources
-# shellcheck disable=SC2016  # a format of apt's
+# shellcheck disable=SC2016  # a format string of apt
 if ! apt-get indextargets --format '$(IDENTIFIER)' | grep -qx Sources; then
     sed 's/^Types:.*/Types: deb-src/' /etc/apt/sources.list.d/debian.sources |
         $sudo tee "$sources" >/dev/null
@@ -50,7 +50,7 @@ cd "$work"
     apt-get -q source --download-only qt6-base
     dpkg-source -x qt6-base_*.dsc qt6-base
 }
-# Debian's Qt source comes without its copy of sqlite3.
+# Debian's Qt source does not include its copy of sqlite3.
 if [ ! -f "$target/deps/lib/libsqlite3.a" ]; then
     [ -d sqlite3 ] || {
         apt-get -q source --download-only sqlite3

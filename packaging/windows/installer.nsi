@@ -1,6 +1,6 @@
 ; The installer of the Windows programs.
 ; makensis -DVERSION=1.2.3 -DFOLDER=release-folder -DLIST=files.nsh -DOUTFILE=setup.exe installer.nsi
-; LIST has the instructions that delete the release folder's files again, one a file.
+; LIST contains the instructions that delete the installed files, one per file.
 
 Target amd64-unicode
 SetCompressor /SOLID lzma
@@ -40,7 +40,7 @@ VIAddVersionKey /LANG=1035 "LegalCopyright" "Taksavaihe"
 !insertmacro MUI_UNPAGE_INSTFILES
 !insertmacro MUI_LANGUAGE "Finnish"
 
-; A program that is running keeps its file from being opened for writing.
+; The file of a running program cannot be opened for writing.
 !macro RefuseWhileRunning PROGRAM
     ${If} ${FileExists} "$INSTDIR\${PROGRAM}"
         ClearErrors
@@ -62,7 +62,7 @@ Function .onInit
     ${EndIf}
     SetRegView 64
     SetShellVarContext all
-    ; an upgrade goes where the older version is, unless another folder is named
+    ; an upgrade uses the folder of the older version, unless another one is given
     ${If} $INSTDIR == "$PROGRAMFILES64\${PRODUCT}"
         ReadRegStr $0 HKLM "${UNINSTALL_KEY}" "InstallLocation"
         ${If} $0 != ""
@@ -75,7 +75,7 @@ Section
     !insertmacro RefuseWhileRunning "taksavaihe.exe"
     !insertmacro RefuseWhileRunning "zavdb.exe"
 
-    ; The older version's own uninstaller knows its files; it keeps ALVMUUTOS.INI.
+    ; The older version's uninstaller knows its files; it keeps ALVMUUTOS.INI.
     ${If} ${FileExists} "$INSTDIR\poista.exe"
         ExecWait '"$INSTDIR\poista.exe" /S /UPGRADE _?=$INSTDIR' $0
         ${If} $0 <> 0
@@ -95,9 +95,9 @@ Section
         Quit
     ${EndIf}
 
-    ; ALVMUUTOS.INI stands beside the program and every user of the machine saves it, so the users
-    ; (S-1-5-32-545) may make and change files here; the programs and libraries themselves only
-    ; administrators (S-1-5-32-544) and the system (S-1-5-18).
+    ; ALVMUUTOS.INI is next to the program and every user of the machine saves it, so users
+    ; (S-1-5-32-545) may create and change files here; only administrators (S-1-5-32-544) and the
+    ; system (S-1-5-18) may change the programs and libraries.
     nsExec::ExecToLog 'icacls "$INSTDIR" /grant *S-1-5-32-545:(OI)(CI)M'
     Pop $0
     nsExec::ExecToLog 'icacls "$INSTDIR\*.exe" /inheritance:r /grant:r *S-1-5-32-544:F *S-1-5-18:F *S-1-5-32-545:RX'
@@ -131,8 +131,7 @@ Function un.onInit
     SetShellVarContext all
 FunctionEnd
 
-; Removes the program's own files and nothing else: what the users have saved stays, their companies
-; and the registered names too.
+; Removes only the program's own files: users' files, companies and their registrations are kept.
 Section "Uninstall"
     !insertmacro RefuseWhileRunning "taksavaihe.exe"
     !insertmacro RefuseWhileRunning "zavdb.exe"

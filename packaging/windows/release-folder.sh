@@ -1,23 +1,23 @@
 #!/bin/bash
-# Puts the Windows programs of a build together with the libraries that they need, and nothing else.
+# Collects the Windows programs of a build and the libraries that they need.
 # usage: release-folder.sh BUILD-FOLDER QT-FOLDER TARGET
 set -euo pipefail
 build=$1 qt=$2 target=$3
 here=$(realpath "$(dirname "${BASH_SOURCE[0]}")")
 
-# The plug-ins that the program uses: windows, their look, the splash window's picture.
+# The Qt plug-ins in use: platform, style, JPEG for the splash picture.
 plugins="platforms/qwindows.dll styles/qwindowsvistastyle.dll imageformats/qjpeg.dll"
 
 tool=x86_64-w64-mingw32
 library_folders=("$qt/bin" "/usr/$tool/lib"
     "$(dirname "$($tool-g++-posix -print-file-name=libstdc++-6.dll)")")
 
-# The libraries that a file names; lower case, since Windows does not tell the cases apart.
+# The libraries that a file imports, in lower case, since Windows ignores case.
 named_by() {
     "$tool-objdump" -p "$1" | sed -n 's/^\tDLL Name: //p' | tr '[:upper:]' '[:lower:]'
 }
 
-# A library of ours, by its name in any case; nothing when none of the folders has it.
+# Path of a library by its name, ignoring case; empty if none of our folders has it.
 find_library() {
     local folder
     for folder in "${library_folders[@]}"; do
@@ -25,7 +25,7 @@ find_library() {
     done | head -n 1
 }
 
-# Windows' own libraries are its API sets and those that the compiler has import libraries for.
+# Libraries of Windows: API sets, and those for which the compiler has import libraries.
 is_systems_own() {
     [[ $1 == api-ms-win-* ]] || [ -e "/usr/$tool/lib/lib${1%.dll}.a" ] || [ -e "/usr/$tool/lib/lib$1.a" ] ||
         [ -e "/usr/$tool/lib/lib${1%.drv}.a" ]
@@ -53,7 +53,7 @@ while [ ${#waiting[@]} -gt 0 ]; do
             cp "$library" "$target/"
             waiting+=("$target/$(basename "$library")")
         elif ! is_systems_own "$name"; then
-            echo "$(basename "$file") needs $name, which is neither ours nor Windows' own" >&2
+            echo "$(basename "$file") needs $name, which is neither ours nor part of Windows" >&2
             exit 1
         fi
     done

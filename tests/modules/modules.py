@@ -1,8 +1,7 @@
-"""Holds the includes of all sources below a folder against the modules' rules.
+"""Checks the includes of all sources below a folder against the module rules.
 
-Usage: modules.py ROOT. A source may include from its own module and from those listed here; what
-lies below a module's folder and is no module itself belongs to it. No folder may include from
-another that includes from it, not even by way of others.
+Usage: modules.py ROOT. A source may include from its own module and from those listed here. A folder
+that is not listed belongs to the module around it. Folders must not include each other in a circle.
 """
 
 import pathlib
@@ -39,10 +38,10 @@ RULES = {  # module: the modules and headers it may use; "x/*" is x and all modu
     "tools/zavdb/demo": ["data/*"],
     "tools/zavdb": ["tools/zavdb/demo", "company", "engines/*", "platform", "data/*"],
 }
-# What other modules may include of an engine.
+# The headers of an engine that other modules may include.
 PUBLIC = {"engines/embedded": ["embedded_database.h"],
           "engines/shops": ["shops_database.h", "odbc_connection.h"]}
-PARTS = {"engines/extension"}  # made of an engine's own parts
+PARTS = {"engines/extension"}  # may include an engine's private headers
 WINDOWLESS = re.compile(r"(data|platform|engines|company|framework/core|tools|vatchange/(?!form))\b")
 WINDOW_HEADER = re.compile(
     r"Q(Widget|Dialog|Application|MainWindow|MessageBox|Label|PushButton|Painter)$")
@@ -51,7 +50,7 @@ FOLDERS = ("data", "engines", "platform", "company", "framework", "search", "vat
 
 
 def module_of(path):
-    """The innermost module that a file lies in; nothing when there is none."""
+    """Returns the innermost module that contains a file; None if there is none."""
     folder = str(path.parent)
     while folder not in RULES and "/" in folder:
         folder = folder.rpartition("/")[0]
@@ -89,7 +88,7 @@ def faults_of(source, includes, folders):
 
 
 def circles(folders):
-    """Each circle of folders once, from its first folder in alphabetical order."""
+    """Yields each circle of folders once, starting with its alphabetically first folder."""
     def walk(path):
         for following in sorted(folders.get(path[-1], ())):
             if following == path[0]:
