@@ -2,7 +2,6 @@
 // that read any record and compile into a new company's catalogue again. Input: pieces, each a byte
 // that says which catalogue table the row belongs to and how much of it follows.
 
-#include <cstdlib>
 #include <map>
 #include <vector>
 
@@ -11,13 +10,9 @@
 #include "data/record/record_codec.h"
 #include "engines/embedded/catalogue.h"
 #include "engines/embedded/key_image.h"
+#include "fuzz/fuzz.h"
 
 namespace {
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 using Rows = std::map<QString, std::vector<QByteArray>>;
 
@@ -35,8 +30,7 @@ Rows takeRows(const uint8_t* data, size_t size) {
     while (at < size) {
         const QString& table = kTables[data[at] >> 6 > 2 ? 1 : data[at] >> 6];
         const size_t length = std::min<size_t>(data[at] & 0x3F, size - at - 1);
-        QByteArray row(reinterpret_cast<const char*>(data + at + 1),
-                       static_cast<qsizetype>(length));
+        QByteArray row = inputBytes(data + at + 1, length);
         row.resize(kLengths.at(table), '\0');
         rows[table].push_back(row);
         at += 1 + length;

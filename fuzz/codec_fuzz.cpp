@@ -1,10 +1,10 @@
 #include <cmath>
-#include <cstdlib>
 #include <iterator>
 
 #include "data/error.h"
 #include "data/record/record_codec.h"
 #include "data/record/record_layout.h"
+#include "fuzz/fuzz.h"
 
 // One field over any bytes, and any text as its value. Input: which field, then its record bytes,
 // then the text as UTF-8. What is read can be written back and reads the same; a text that is
@@ -48,11 +48,6 @@ constexpr Shape kShapes[] = {
     {Kind::VarBinary, Storage::LVar, 12},
     {Kind::RawBytes, Storage::Guid, 16},
 };
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 uchar* at(QByteArray& record) {
     return reinterpret_cast<uchar*>(record.data());
@@ -110,8 +105,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     field.mask = shape.mask;
     const data::RecordLayout layout(QStringLiteral("FUZZ"), {field});
 
-    const QByteArray input(reinterpret_cast<const char*>(data) + 1,
-                           static_cast<qsizetype>(size - 1));
+    const QByteArray input = inputBytes(data + 1, size - 1);
     if (input.size() >= shape.length)
         rewrite(field, input.left(shape.length));
     storeText(field, QString::fromUtf8(input.mid(shape.length)));

@@ -2,20 +2,11 @@
 // are separated by line breaks.
 
 #include <QCoreApplication>
-#include <cstdlib>
 
 #include "company/aliases.h"
+#include "fuzz/fuzz.h"
 #include "platform/command_line.h"
 #include "tools/zavdb/command.h"
-
-namespace {
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static int argc = 1;
@@ -24,9 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const QCoreApplication application(argc, argv);
     static const std::vector<tools::Command> commands = tools::allCommands();
 
-    const QStringList words =
-        QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size))
-            .split(u'\n');
+    const QStringList words = inputText(data, size).split(u'\n');
     try {
         const tools::Invocation asked = tools::parseCommandLine(commands, words);
         require((asked.command == nullptr) == !asked.answer.isEmpty());

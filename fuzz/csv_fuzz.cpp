@@ -2,9 +2,9 @@
 // written.
 
 #include <QBuffer>
-#include <cstdlib>
 #include <vector>
 
+#include "fuzz/fuzz.h"
 #include "tools/zavdb/csv.h"
 
 namespace {
@@ -34,7 +34,7 @@ bool readAll(QByteArray bytes, Rows& rows) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Rows rows;
-    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const QByteArray bytes = inputBytes(data, size);
     if (!readAll(bytes, rows))
         return 0;
     QByteArray written;
@@ -48,7 +48,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     writer.flush();
     Rows again;
-    if (!readAll(written, again) || again != rows)
-        std::abort();
+    require(readAll(written, again) && again == rows);
     return 0;
 }

@@ -4,23 +4,15 @@
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <cstdio>
-#include <cstdlib>
 
 #include "data/error.h"
 #include "framework/core/definition_store.h"
+#include "fuzz/fuzz.h"
 #include "vatchange/definition/definition_problems.h"
 #include "vatchange/rules/selection.h"
 #include "vatchange/rules/statements.h"
 
 namespace {
-
-void require(bool holds, int line = __builtin_LINE()) {
-    if (holds)
-        return;
-    std::fprintf(stderr, "definition_fuzz.cpp:%d does not hold\n", line);
-    std::abort();
-}
 
 // What is taken reads back; the statements that a definition's texts lead to hold nothing of them
 // but whole numbers and names of price columns.

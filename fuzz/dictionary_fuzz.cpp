@@ -1,20 +1,15 @@
-#include <cstdlib>
 
 #include "data/dictionary/dictionary_source.h"
 #include "data/dictionary/tbl_res_reader.h"
 #include "data/error.h"
 #include "data/record/record_codec.h"
 #include "data/record/record_layout.h"
+#include "fuzz/fuzz.h"
 
 // Any bytes as a compiled dictionary block and as a readable source: an error or a table, and a
 // table compiles into a block that reads back to the same fields.
 
 namespace {
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 void recompile(const QString& name, const std::vector<data::TFieldCacheItem>& fields) {
     QByteArray block;
@@ -44,7 +39,7 @@ void readAll(const QString& name, const std::vector<data::TFieldCacheItem>& fiel
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const QByteArray bytes = inputBytes(data, size);
     const QString name = QStringLiteral("FUZZ");
     try {
         std::vector<data::TFieldCacheItem> fields;

@@ -1,10 +1,9 @@
 #include <QString>
-#include <cstddef>
-#include <cstdint>
 
 #include "data/dictionary/dictionary_source.h"
 #include "data/error.h"
 #include "data/record/filter.h"
+#include "fuzz/fuzz.h"
 
 // Any text is a filter or a DataError, and any record of the right length can be asked. The input
 // is the record's bytes (as far as it reaches, after a length byte) and then the expression.
@@ -26,18 +25,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     if (size == 0)
         return 0;
     const size_t recordBytes = std::min<size_t>(bytes[0], size - 1);
-    QByteArray record(reinterpret_cast<const char*>(bytes + 1),
-                      static_cast<qsizetype>(recordBytes));
+    QByteArray record = inputBytes(bytes + 1, recordBytes);
     record.resize(layout.recordLength(), '\0');
-    const QString expression =
-        QString::fromUtf8(reinterpret_cast<const char*>(bytes + 1 + recordBytes),
-                          static_cast<qsizetype>(size - 1 - recordBytes));
+    const QString expression = inputText(bytes + 1 + recordBytes, size - 1 - recordBytes);
     try {
         const data::Filter filter(expression, layout);
         filter.accepts(record);
     } catch (const data::DataError& error) {
-        if (error.detail().isEmpty())
-            __builtin_trap();
+        require(!error.detail().isEmpty());
     }
     return 0;
 }

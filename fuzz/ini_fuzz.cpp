@@ -1,8 +1,7 @@
 #include <QByteArray>
-#include <cstdint>
-#include <cstdlib>
 
 #include "data/error.h"
+#include "fuzz/fuzz.h"
 #include "platform/ini_file.h"
 #include "platform/settings_text.h"
 
@@ -12,26 +11,20 @@ namespace {
 
 /// Everything that the file says must come back from what is written.
 void requireSame(const IniFile& a, const IniFile& b) {
-    if (a.sections() != b.sections())
-        std::abort();
+    require(a.sections() == b.sections());
     for (const QString& section : a.sections()) {
-        if (a.keys(section) != b.keys(section))
-            std::abort();
-        for (const QString& key : a.keys(section)) {
-            if (a.value(section, key) != b.value(section, key))
-                std::abort();
-        }
+        require(a.keys(section) == b.keys(section));
+        for (const QString& key : a.keys(section))
+            require(a.value(section, key) == b.value(section, key));
     }
 }
 
 /// What is spelled for the settings file reads back; what a file says, whatever it is, reads.
 void requireSpelling(const QString& text) {
-    if (platform::plainValue(platform::writtenValue(text)) != text ||
-        platform::plainPath(platform::writtenPath(text)) != text)
-        std::abort();
+    require(platform::plainValue(platform::writtenValue(text)) == text &&
+            platform::plainPath(platform::writtenPath(text)) == text);
     const QString value = platform::plainValue(text);
-    if (platform::plainValue(platform::writtenValue(value)) != value)
-        std::abort();
+    require(platform::plainValue(platform::writtenValue(value)) == value);
     platform::plainPath(text);
 }
 
@@ -40,7 +33,7 @@ void requireSpelling(const QString& text) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     if (size > 4096)  // each lookup walks the file
         return 0;
-    const QByteArray input(reinterpret_cast<const char*>(bytes), static_cast<qsizetype>(size));
+    const QByteArray input = inputBytes(bytes, size);
     try {
         IniFile ini = IniFile::parse(input, QStringLiteral("fuzz.ini"));
         requireSame(ini, IniFile::parse(ini.toBytes(), {}));
@@ -60,11 +53,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
         ini.setValue(QStringLiteral("new"), QStringLiteral("key"), value);
         requireSame(ini, IniFile::parse(ini.toBytes(), {}));
         ini.removeSection(QStringLiteral("NEW"));
-        if (ini.hasSection(QStringLiteral("new")))
-            std::abort();
+        require(!ini.hasSection(QStringLiteral("new")));
     } catch (const data::DataError& error) {
-        if (error.kind() != data::ErrorKind::Damaged)
-            std::abort();
+        require(error.kind() == data::ErrorKind::Damaged);
     }
     return 0;
 }

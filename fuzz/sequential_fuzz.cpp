@@ -3,9 +3,9 @@
 
 #include <QBuffer>
 #include <QString>
-#include <cstdlib>
 #include <vector>
 
+#include "fuzz/fuzz.h"
 #include "tools/zavdb/sequential_file.h"
 
 namespace {
@@ -17,16 +17,13 @@ bool readAll(QByteArray bytes, int shortest, int longest, std::vector<QByteArray
     tools::SequentialReader reader(buffer, shortest, longest);
     try {
         while (reader.next()) {
-            if (reader.bytes().size() < shortest || reader.bytes().size() > longest ||
-                reader.offset() >= bytes.size())
-                std::abort();
+            require(reader.bytes().size() >= shortest && reader.bytes().size() <= longest &&
+                    reader.offset() < bytes.size());
             records.push_back(reader.bytes());
-            if (reader.number() != static_cast<qint64>(records.size()))
-                std::abort();
+            require(reader.number() == static_cast<qint64>(records.size()));
         }
     } catch (const tools::SequentialFileError& error) {
-        if (QByteArray(error.what()).contains('\n'))
-            std::abort();
+        require(!QByteArray(error.what()).contains('\n'));
         return false;
     }
     return true;
@@ -39,8 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     const int longest = data[0] & 0x7F;
     const int shortest = (data[0] & 0x80) != 0 ? longest / 2 : longest;
-    const QByteArray bytes(reinterpret_cast<const char*>(data) + 1,
-                           static_cast<qsizetype>(size - 1));
+    const QByteArray bytes = inputBytes(data + 1, size - 1);
     std::vector<QByteArray> records;
     if (!readAll(bytes, shortest, longest, records))
         return 0;
@@ -52,7 +48,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         writer.add(record);
     writer.finish();
     std::vector<QByteArray> again;
-    if (!readAll(written, shortest, longest, again) || again != records)
-        std::abort();
+    require(readAll(written, shortest, longest, again) && again == records);
     return 0;
 }

@@ -2,7 +2,6 @@
 // Whatever it did, every record still stands under its keys' values, and it is undone afterwards.
 
 #include <QTemporaryDir>
-#include <cstdlib>
 #include <cstring>
 #include <set>
 
@@ -13,16 +12,12 @@
 #include "engines/embedded/sql_statement.h"
 #include "engines/embedded/stored_table.h"
 #include "engines/embedded/table_file.h"
+#include "fuzz/fuzz.h"
 
 namespace {
 
 using namespace data;
 using namespace engines::embedded;
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
 
 constexpr int kMostSteps = 300;  // of a thousand instructions each: joins of joins end here
 
@@ -146,7 +141,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size > 1024)
         return 0;
     static Company company;
-    company.run(
-        QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));
+    company.run(inputText(data, size));
     return 0;
 }

@@ -1,26 +1,15 @@
 // Any text as a statement: its parameters are found, and every engine's rewriting ends, is stable
 // where it promises to be, and keeps the parameters.
 
-#include <cstdlib>
-
 #include "data/sql/uni_query.h"
 #include "engines/embedded/sql_text.h"
 #include "engines/shops/dialect.h"
-
-namespace {
-
-void require(bool holds) {
-    if (!holds)
-        std::abort();
-}
-
-}  // namespace
+#include "fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size > 2048)  // the rewriting of nested calls is not linear
         return 0;
-    const QString sql =
-        QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const QString sql = inputText(data, size);
     const QStringList names = data::parameterNames(sql);
     for (const QString& name : names)
         require(!name.isEmpty() && sql.contains(u':' + name));

@@ -4,6 +4,7 @@ It shares nothing with the program: it reads exported tables, computes what a de
 behind, and the driver compares every cell. Amounts are doubles, one rounding an operation; a field
 of single precision holds what a single can hold (see f32)."""
 
+import decimal
 import math
 import re
 import struct
@@ -55,6 +56,22 @@ def bankers(v, d):
     whole = float(math.trunc(v)) if d > 0 else 0.0
     p = 10.0 ** d
     return whole + round((v - whole) * p) / p
+
+
+def fixed(v, d):
+    """An amount of a log line: d decimals, halves of the exact value away from zero."""
+    return str(decimal.Decimal(v).quantize(decimal.Decimal(1).scaleb(-d), decimal.ROUND_HALF_UP))
+
+
+def euros(before, after):
+    return f"{fixed(before, 4)}€  -> {fixed(after, 4)}€ "
+
+
+def cells(pattern, *amounts):
+    """Fills % signs with amounts of two decimals in columns of five."""
+    for v in amounts:
+        pattern = pattern.replace("%", fixed(v, 2).rjust(5), 1)
+    return pattern
 
 
 class Refused(Exception):
@@ -214,6 +231,7 @@ class Run:
         groups = {g for g in d.groups if any(r["Nro"] == g for r in self.tab["ASRYHMA"])}
         in_groups = {c["Asiakas"] for c in self.tab["ASIAKAS"] if c["Ryhma"] in groups}
         types = (1, 2) if d.on("WebKauppaAsHinCheckBox") else (1,)
+        lines = []
         for r in self.tab["ASALE"]:
             if not (r["Tuote"] in self.chosen and r["Tyyppi"] == 1 and not r["Prosentteina"]
                     and r["Hinta"] > 0 and not r["OstohintaLahtoinen"]):
@@ -221,31 +239,45 @@ class Run:
             if groups and not ((r["AsikasTyyppi"] == 0 and r["AsiakasNumero"] in in_groups) or
                                (r["AsikasTyyppi"] in types and r["AsiakasNumero"] in groups)):
                 continue
+            old, purchase = dict(r), d.ko * r["OstoHinta"]
             r["Hinta"] = self.price(0, r["Hinta"])
-            r["OstoHinta"] = f32(d.ko * r["OstoHinta"])
+            r["OstoHinta"] = f32(purchase)
             if not d.on("DoNotUpdateCustomerPricelistVAT0"):
                 r["HintaAlv0"] = r["Hinta"] / self.factor(d.t)
+            lines.append(
+                f"{('Asiakas', 'As.ryhmä', 'Webas.ryhmä')[r['AsikasTyyppi']]} {r['AsiakasNumero']} tuote: "
+                f"{r['Tuote']} määrä: {r['Maara']:g}  hinta: {euros(old['Hinta'], r['Hinta'])}  hintaalv0: "
+                f"{euros(old['HintaAlv0'], r['HintaAlv0'])} ostohinta: {euros(old['OstoHinta'], purchase)}")
+        if d.on("Tuoteloki"):
+            self.log += lines + [f" ( {len(lines)} rivi)"]
 
     def campaigns(self):
         for r in self.tab["KAMPPANJA"]:
             if (r["Tuote"] in self.chosen and not r["Prosentti"]
                     and (r["Loppu"] == "" or r["Loppu"] >= "2024-09-01")):
-                r["Myyntihinta"] = f32(self.price(0, r["Myyntihinta"]))
-                r["Ostohinta"] = self.d.ko * r["Ostohinta"]
+                price, purchase = self.price(0, r["Myyntihinta"]), self.d.ko * r["Ostohinta"]
+                self.log.append(cells(f"Kampanja: {r['Tuote']} {r['RiviNro']}; %;%;%;%", r["Myyntihinta"], price,
+                                      r["Ostohinta"], purchase))
+                r["Myyntihinta"], r["Ostohinta"] = f32(price), purchase
 
     def recurring(self):
         for r in self.tab["VAKIOLASKUTUS"]:
             if r["Tuote"] in self.chosen:
+                old = r["ahinta"], r["Yhteensa"], r["ostohinta"]
                 r["ahinta"], r["Yhteensa"] = self.price(0, r["ahinta"]), self.price(0, r["Yhteensa"])
                 r["ostohinta"] = self.d.ko * r["ostohinta"]
+                self.log.append(cells(f"Asiakas {r['Asiakas']}, tuote {r['Tuote']}%; %; %; %; %;%", old[0],
+                                      r["ahinta"], old[1], r["Yhteensa"], old[2], r["ostohinta"]))
                 r["MuutosPvm"], r["MuutosAika"] = self.today, NOW
 
     def quantity_discounts(self):
         used = {self.by_number[n]["maaraAle"] for n in self.chosen}
         for r in self.tab["MAARAALE"]:
             if r["Numero"] in used and (r["Loppu"] == "" or r["Loppu"] >= "2024-07-01"):
-                r["Arvo"] = f32(self.price(0, r["Arvo"]))
-                r["Ostohinta"] = self.d.ko * r["Ostohinta"]
+                price, purchase = self.price(0, r["Arvo"]), self.d.ko * r["Ostohinta"]
+                self.log.append(f"Määräale {r['Nimi']} ( {r['Numero']} ) arvo: {fixed(r['Arvo'], 4)} -> "
+                                f"{fixed(price, 4)} ostohinta: {fixed(r['Ostohinta'], 4)} -> {fixed(purchase, 4)}")
+                r["Arvo"], r["Ostohinta"] = f32(price), purchase
 
     def product_groups(self):
         first, last = self.d.number("TuoteryhmaAlkuEdit"), self.d.number("TuoteryhmaLoppuEdit")
@@ -300,8 +332,24 @@ class Run:
             p["MUUTETTUPVM"], p["muutettutime"] = self.today, NOW
             if not d.on("Eiverkkokauppaa") and p["Verkkokauppa"]:
                 self.mark(number, "M")
+            if d.on("Tuoteloki"):
+                self.log.append(self.product_line(number, old, p, levels))
             if d.on("VieHr", "1") and p["HRKPL"] > 0:
                 self.label(number, p["HRKPL"])
+
+        self.log.append(f"Tuotetiedot muutettu ( {len(self.chosen)} kpl)")
+
+    def product_line(self, number, old, new, levels):
+        line = f"Tuote: {number}"
+        for n in levels:
+            source = self.d.level[n][0]
+            before = old[LEVEL_FIELDS[PRICE_COLUMNS.index(source)]]
+            line += (f" VANHAHINTA(={source} ){n + 1}={fixed(before, 3)}, "
+                     f"UUSIHINTA={fixed(new[LEVEL_FIELDS[n]], 3)}")
+        for k, name, field in ((self.d.ko, "OSTOHINTA", "KESKIHINTA"), (self.d.kv, "VIIMOH", "VIIMOSTOHINTA")):
+            if k != 1.0:
+                line += f" VANHA{name}={fixed(old[field], 3)}, UUSI{name}={fixed(new[field], 3)}"
+        return line
 
     def mark(self, number, letter):
         self.tab["WEBKLIITOS"].append({"taulu": "TUOTE", "Tunniste": number, "Tyyppi": letter,
@@ -420,5 +468,7 @@ class Run:
                 p["MUUTETTUPVM"], p["muutettutime"] = self.today, NOW
                 if not self.d.on("Eiverkkokauppaa"):
                     self.mark(p["NUMERO"], "P")
+                if self.d.on("Tuoteloki"):
+                    self.log.append(f"{p['NUMERO']};{p['NIMI']}")
                 count += 1
         self.log.append(f"Verkkokauppa -valinta poistettiin {count} tuotteelta")

@@ -109,14 +109,6 @@ int open(const char* path, int flags, ...) {
     return static_cast<int>(test::openAt(AT_FDCWD, path, flags, mode));
 }
 
-int open64(const char* path, int flags, ...) {
-    va_list rest;
-    va_start(rest, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : 0;
-    va_end(rest);
-    return static_cast<int>(test::openAt(AT_FDCWD, path, flags, mode));
-}
-
 ssize_t read(int descriptor, void* to, size_t count) {
     if (test::failsOn("read", descriptor))
         return -1;
@@ -146,18 +138,10 @@ int fsync(int descriptor) {
     return test::failsOn("flush", descriptor) ? -1 : 0;
 }
 
-int fdatasync(int descriptor) {
-    return fsync(descriptor);
-}
-
 int ftruncate(int descriptor, off_t size) noexcept {
     return test::failsOn("truncate", descriptor)
                ? -1
                : static_cast<int>(::syscall(SYS_ftruncate, descriptor, size));
-}
-
-int ftruncate64(int descriptor, off64_t size) noexcept {
-    return ftruncate(descriptor, size);
 }
 
 // A file that cannot be closed is closed all the same.
@@ -172,14 +156,6 @@ int close(int descriptor) {
 }
 
 int fcntl(int descriptor, int command, ...) {
-    va_list rest;
-    va_start(rest, command);
-    void* argument = va_arg(rest, void*);
-    va_end(rest);
-    return static_cast<int>(test::control(descriptor, command, argument));
-}
-
-int fcntl64(int descriptor, int command, ...) {
     va_list rest;
     va_start(rest, command);
     void* argument = va_arg(rest, void*);
@@ -209,6 +185,11 @@ int rename(const char* from, const char* to) noexcept {
 int unlink(const char* path) noexcept {
     return test::fails("remove", path) ? -1 : static_cast<int>(::syscall(SYS_unlink, path));
 }
+
+int open64(const char* path, int flags, ...) __attribute__((alias("open")));
+int fcntl64(int descriptor, int command, ...) __attribute__((alias("fcntl")));
+int ftruncate64(int descriptor, off64_t size) noexcept __attribute__((alias("ftruncate")));
+int fdatasync(int descriptor) __attribute__((alias("fsync")));
 
 }  // extern "C"
 #pragma GCC visibility pop

@@ -15,62 +15,56 @@ namespace {
 const QString kName = QStringLiteral("Koetusyritys");
 constexpr double kCoefficient = 1.0120967741935485;
 
+/// Runs statements in which %1 stands for a number and %2 for the product of that number.
+void add(data::Database& database, int number, std::initializer_list<const char*> statements) {
+    const QString product = QStringLiteral("T%1").arg(number, 5, 10, QLatin1Char('0'));
+    for (const char* sql : statements)
+        exec(database, QString::fromUtf8(sql)
+                           .replace(QLatin1String("%1"), QString::number(number))
+                           .replace(QLatin1String("%2"), product));
+}
+
 void addProduct(data::Database& database, int number) {
-    const QString id = QStringLiteral("T%1").arg(number, 5, 10, QLatin1Char('0'));
-    const auto add = [&](const char* sql) { exec(database, QString::fromUtf8(sql).arg(id)); };
-    exec(database, QStringLiteral("insert into TUOTE (NUMERO, NIMI, RYHMA, LVV, ALV2, OSTOVERO, "
-                                  "HINTA, HINTA3, KESKIHINTA, ANNOSHINTA, HRKPL, Verkkokauppa) "
-                                  "values ('%1', 'Tuote %2', %3, 3, %4, 3, %5, 9.9, 4.2, 1.1, %6, "
-                                  "%7)")
-                       .arg(id)
-                       .arg(number)
-                       .arg(1 + number % 3)
-                       .arg(number % 2 == 0 ? 3 : 0)
-                       .arg(1.24 * (1 + number % 50))
-                       .arg(number % 2)
-                       .arg(number % 3 == 0 ? 1 : 0));
+    add(database, number,
+        {"insert into TUOTE (NUMERO, NIMI, RYHMA, LVV, ALV2, OSTOVERO, HINTA, HINTA3, KESKIHINTA, "
+         "ANNOSHINTA, HRKPL, Verkkokauppa) values ('%2', 'Tuote %1', 1 + %1 % 3, 3, "
+         "3 * (%1 % 2 = 0), 3, 1.24 * (1 + %1 % 50), 9.9, 4.2, 1.1, %1 % 2, %1 % 3 = 0)"});
     if (number % 4 == 1) {
-        add("insert into HR (Tyyppi, Tuote, Maara, H1) values (1, '%1', 7, 3.5)");
-        add("insert into MYYMALAHINNAT (Myymala, Tuote, Hinta1, Hinta1Alv0) "
-            "values (1, '%1', 12.4, 10)");
-        add("insert into ASALE (AsiakasNumero, Tuote, Hinta, HintaAlv0, Tyyppi, Maara, "
-            "AsikasTyyppi, OstoHinta) values (1, '%1', 12.4, 10, 1, 1, 0, 5)");
-        add("insert into KAMPPANJA (Tuote, RiviNro, Myyntihinta, Ostohinta) "
-            "values ('%1', 1, 9.5, 4)");
-        exec(database, QStringLiteral("insert into VAKIOLASKUTUS (Id, Asiakas, Tuote, ahinta, "
-                                      "Yhteensa, ostohinta) values (%1, 1, '%2', 20, 40, 10)")
-                           .arg(number)
-                           .arg(id));
+        add(database, number,
+            {"insert into HR (Tyyppi, Tuote, Maara, H1) values (1, '%2', 7, 3.5)",
+             "insert into MYYMALAHINNAT (Myymala, Tuote, Hinta1, Hinta1Alv0) "
+             "values (1, '%2', 12.4, 10)",
+             "insert into ASALE (AsiakasNumero, Tuote, Hinta, HintaAlv0, Tyyppi, Maara, "
+             "AsikasTyyppi, OstoHinta) values (1, '%2', 12.4, 10, 1, 1, 0, 5)",
+             "insert into KAMPPANJA (Tuote, RiviNro, Myyntihinta, Ostohinta) "
+             "values ('%2', 1, 9.5, 4)",
+             "insert into VAKIOLASKUTUS (Id, Asiakas, Tuote, ahinta, Yhteensa, ostohinta) "
+             "values (%1, 1, '%2', 20, 40, 10)"});
     }
     if (number % 5 == 2) {
-        exec(database, QStringLiteral("insert into MAARAALE (Numero, Nimi, Arvo, Ostohinta) "
-                                      "values (%1, 'Kimppa', 3, 2)")
-                           .arg(number));
-        exec(database, QStringLiteral("update TUOTE set maaraale = %1 where NUMERO = '%2'")
-                           .arg(number)
-                           .arg(id));
+        add(database, number,
+            {"insert into MAARAALE (Numero, Nimi, Arvo, Ostohinta) values (%1, 'Kimppa', 3, 2)",
+             "update TUOTE set maaraale = %1 where NUMERO = '%2'"});
     }
 }
 
 // Every third sales row has no margin after the change: 4 x 10.12 against 4 x 10.12.
 void addOrder(data::Database& database, int order) {
-    exec(database,
-         QStringLiteral("insert into MT (Numero, Toimitustila) values (%1, 1)").arg(order));
-    exec(database, QStringLiteral("insert into WINOT (TilausNro, Tila) values (%1, 1)").arg(order));
-    for (int row = 1; row <= 3; ++row) {
-        exec(database,
-             QStringLiteral("insert into MTRIVI (TilausNro, RiviNro, Verokanta, OstoVero, Maara, "
-                            "Toimitettava, Ahinta, AhintaAlv0, Ostohinta, Netto) "
-                            "values (%1, %2, 3, 3, 4, 4, 10, 8, %3, 40)")
-                 .arg(order)
-                 .arg(row)
-                 .arg(row == 3 ? 10 : 5));
+    add(database, order,
+        {"insert into MT (Numero, Toimitustila) values (%1, 1)",
+         "insert into WINOT (TilausNro, Tila) values (%1, 1)"});
+    for (const char* row : {"1, 5", "2, 5", "3, 10"})  // number, purchase price
+        exec(database, QStringLiteral("insert into MTRIVI (TilausNro, RiviNro, Ostohinta, "
+                                      "Verokanta, OstoVero, Maara, Toimitettava, Ahinta, "
+                                      "AhintaAlv0, Netto) values (%1, %2, 3, 3, 4, 4, 10, 8, 40)")
+                           .arg(order)
+                           .arg(QLatin1String(row)));
+    for (int row = 1; row <= 3; ++row)
         exec(database,
              QStringLiteral("insert into WINOTRI (TilausNro, RiviNro, AlvLuokka, Tulematta, Maara, "
                             "OstoHinta, OstoHintaAlv0, Summa) values (%1, %2, 3, 1, 2, 10, 8, 20)")
                  .arg(order)
                  .arg(row));
-    }
 }
 
 }  // namespace
@@ -80,9 +74,8 @@ void makeFullCompany(const QString& folder, const FullCompanySize& size) {
     const auto database = openCompany(folder);
     database->inTransaction([&] {
         for (int group = 1; group <= 3; ++group)
-            exec(*database, QStringLiteral("insert into TRYHMA (Nro, Nimi, VERO, OSTOVERO) "
-                                           "values (%1, 'Ryhmä', 3, 3)")
-                                .arg(group));
+            add(*database, group,
+                {"insert into TRYHMA (Nro, Nimi, VERO, OSTOVERO) values (%1, 'Ryhmä', 3, 3)"});
         for (int number = 1; number <= size.products; ++number)
             addProduct(*database, number);
         for (int order = 1; order <= size.orders; ++order)
@@ -101,10 +94,7 @@ void copyCompany(const QString& from, const QString& to) {
 }
 
 void useCompany(const QString& folder) {
-    company::Alias alias;
-    alias.name = kName;
-    alias.physicalName = folder;
-    company::storeAlias(alias);
+    company::storeAlias({kName, folder, {}, {}});
     ASSERT_TRUE(company::takeIntoUse(kName));
 }
 

@@ -46,11 +46,6 @@ const SalesCase kSalesCases[] = {
      {},
      {.sales = 0, .purchase = -1},
      {10, 8, 40, 20, 16, 5, 4, 5}},
-    // 10 x 1.255 = 12.55; 4x12.55 = 50.20; 50.20-20; 5/1.255 = 3.98406..; 40-15.93625.. = 24.063..
-    {"VAT0 kept, 25.5 %",
-     {.ahintaAlv0 = 10},
-     {.keep = true, .target = 4},
-     {12.55, 10, 50.2, 30.2, 24.06, 5, 5 / 1.255, 4}},
     // 10.5 x 1.25 = 13.125 -> 13.13 (to even: 13.12); 52.52-20; 42-16
     {"VAT0 kept, half a cent goes away from zero",
      {.ahintaAlv0 = 10.5},
@@ -81,11 +76,6 @@ const SalesCase kSalesCases[] = {
      {.ahinta = 10.5},
      {.sales = 1.25},
      {13.13, 13.13 / 1.25, 52.52, 32.52, 26.02, 5, 4, 5}},
-    // almost 1 is not 1: 10.004 x 1.0000001 -> 10.00; /1.25 = 8
-    {"coefficient just above 1 rounds",
-     {.ahinta = 10.004},
-     {.sales = 1.0000001},
-     {10, 8, 40, 20, 16, 5, 4, 5}},
     // 1 x 10.125: fraction 12.5 cents -> 12 (even); 10.12-5; 8.1-4
     {"row total, tie to even below",
      {.ahinta = 10.125, .maara = 1},
@@ -96,19 +86,9 @@ const SalesCase kSalesCases[] = {
      {.ahinta = 10.375, .maara = 1},
      {},
      {10.375, 8.3, 10.38, 5.38, 4.3, 5, 4, 5}},
-    // -1 x 10.125 -> -10.12; -10.12+5; -8.1+4
-    {"row total, tie of a returned row",
-     {.ahinta = 10.125, .maara = -1},
-     {},
-     {10.125, 8.1, -10.12, -5.12, -4.1, 5, 4, 5}},
-    // discounts: 0.5 % leaves 39.80 and 31.84, 25 % 30 and 24, 50 % 20 and 16 (both margins 0),
-    // 100 % nothing; 0, negative ones and those above 100 are none
+    // 4x10x0.995-20, 4x8x0.995-16; nothing left; above 100 there is no discount
     {"discount 0.5", {.alennus = 0.5}, {}, {10, 8, 39.8, 19.8, 15.84, 5, 4, 5}},
-    {"discount 25", {.alennus = 25}, {}, {10, 8, 30, 10, 8, 5, 4, 5}},
-    {"discount 50", {.alennus = 50}, {}, {10, 8, 20, 0, 0, 5, 4, 5}},
     {"discount 100", {.alennus = 100}, {}, {10, 8, 0, -20, -16, 5, 4, 5}},
-    {"discount -5", {.alennus = -5}, {}, {10, 8, 40, 20, 16, 5, 4, 5}},
-    {"discount 150", {.alennus = 150}, {}, {10, 8, 40, 20, 16, 5, 4, 5}},
     {"discount just above 100", {.alennus = 100.001}, {}, {10, 8, 40, 20, 16, 5, 4, 5}},
     // a special method keeps price and total: 8 = 10/1.25; 77.77-4x10; 32-4x8; coefficient 2 moves
     // the purchase price alone
@@ -116,13 +96,6 @@ const SalesCase kSalesCases[] = {
      {},
      {.special = true, .sales = 2, .purchase = 2},
      {10, 8, 77.77, 37.77, 0, 10, 8, 5}},
-    // ... also with the VAT0 flag: its Alv0 follows from Ahinta
-    {"special method, VAT0 flag",
-     {.ahintaAlv0 = 9, .alennus = 50},
-     {.keep = true, .special = true},
-     {10, 8, 77.77, 57.77, 0, 5, 4, 5}},
-    // purchase class 6 is not the source: stays, 8/1.6 = 5; 40-32; 32-20
-    {"purchase class of its own", {.ostohinta = 8, .ostoVero = 6}, {}, {10, 8, 40, 8, 12, 8, 5, 6}},
     // 3 x 1.1 in a single is 13841203/2^22 = 3.2999999523162841796875; /1.25 = 2.6399999618..;
     // 40-13.19999980926.. = 26.800..; 32-10.55999984741.. = 21.440..
     {"purchase price is a single",
@@ -176,16 +149,6 @@ TEST(SalesRow, ConvertsAsDerivedByHand) {
     }
 }
 
-TEST(SalesRow, OnlyOpenRowsOfTheSourceClassAreConverted) {
-    SalesRow row;
-    row.verokanta = 3;
-    row.toimitettava = -0.5;
-    EXPECT_TRUE(isSalesRowConverted(row, 3));
-    EXPECT_FALSE(isSalesRowConverted(row, 4));
-    row.toimitettava = 0;
-    EXPECT_FALSE(isSalesRowConverted(row, 3));
-}
-
 TEST(ChargingMethod, SetsAreAsListed) {
     QString keeps;
     QString skipped;
@@ -199,60 +162,14 @@ TEST(ChargingMethod, SetsAreAsListed) {
     EXPECT_EQ(skipped.toStdString(), "14 16 ");
 }
 
-SalesRow totalsRow(double netto, double kate, double alennus = 0) {
-    SalesRow row;
-    row.maara = 4;
-    row.alennus = alennus;
-    row.ahintaAlv0 = 8;
-    row.ostohinta = single(5);
-    row.ostohintaAlv0 = 4;
-    row.netto = netto;
-    row.kate = single(kate);
-    return row;
-}
-
-TEST(SalesTotals, SumRowsThatCount) {
-    SalesRow structureParent = totalsRow(1000, 1);
-    structureParent.rakenneEmo = true;
-    SalesRow packageChild = totalsRow(2000, 1);
-    packageChild.pakettiLapsi = true;
-    SalesRow variantParent = totalsRow(4000, 1);
-    variantParent.onVariKokoEmo = true;
-    // netto / gross0 / margin / margin without VAT
-    const std::vector<SalesRow> rows{
-        totalsRow(40, 20),        // 40 / 32 / 40-20 / 32-16
-        structureParent,          // out
-        totalsRow(30, 10, 25),    // 30 / 24 / 30-20 / 24-16
-        packageChild,             // out
-        totalsRow(20, 0, 50),     // 20 / 16 / marked: no margins
-        variantParent,            // out
-        totalsRow(7.125, 1, 150)  // 7.125 / 32 (no discount) / 7.125-20 / 32-16
-    };
-    SalesTotals totals;
-    int marks = 0;
-    for (const SalesRow& row : rows) {
-        marks += needsMarginMark(row);
-        addSalesRow(totals, row, needsMarginMark(row));
-    }
-    EXPECT_EQ(marks, 1);
-    EXPECT_EQ(totals.summa, 97.125);
-    EXPECT_EQ(totals.kate, 17.125);
-    roundSalesTotals(totals, 2);
-    EXPECT_EQ(totals.summa, 97.12);  // ties to even
-    EXPECT_EQ(totals.kate, 17.12);
-    EXPECT_EQ(totals.summaAlv0, 104);
-    EXPECT_EQ(totals.kateAlv0, 40);
-
-    EXPECT_FALSE(needsMarginMark(totalsRow(0, 0)));
-    EXPECT_FALSE(needsMarginMark(totalsRow(20, 0.01)));
-    EXPECT_TRUE(needsMarginMark(totalsRow(-20, 0)));
-}
-
 // A header that keeps its totals in singles loses the euro at 2^24, as its fields would.
 TEST(SalesTotals, KeepTheHeadersPrecision) {
     SalesTotals totals{single(0), single(0), single(0), single(0)};
-    addSalesRow(totals, totalsRow(16777216, 1), true);
-    addSalesRow(totals, totalsRow(1, 1), true);
+    SalesRow row;
+    for (const double netto : {16777216.0, 1.0}) {
+        row.netto = netto;
+        addSalesRow(totals, row, true);
+    }
     EXPECT_EQ(totals.summa, 16777216);
 }
 
@@ -296,21 +213,6 @@ TEST(PurchaseRow, ConvertsAsDerivedByHand) {
         EXPECT_EQ(row.ostoHintaAlv0, c.newVat0);
         EXPECT_EQ(row.summa, c.summa);
     }
-}
-
-TEST(PurchaseTotals, LeaveOutVariantChildrenAndRoundNothing) {
-    PurchaseRow row;
-    row.maara = 4;
-    row.alennus = 25;
-    row.ostoHintaAlv0 = 8;
-    row.summa = 30.0009765625;
-    PurchaseRow child = row;
-    child.variKokoLapsi = true;
-    PurchaseTotals totals;
-    for (const PurchaseRow& r : {row, child, row})
-        addPurchaseRow(totals, r);
-    EXPECT_EQ(totals.summa, 60.001953125);
-    EXPECT_EQ(totals.summaAlv0, 48);  // 2 x 8 x 4 x 0.75
 }
 
 }  // namespace

@@ -75,39 +75,31 @@ TEST(Rounding, PricesByStepAndRule) {
     }
 }
 
-struct DecimalCase {
-    double value;
-    int decimals;
-    double expected;
-    const char* derivation;
-};
-
-TEST(Rounding, HalfAwayFromZero) {
-    const std::vector<DecimalCase> cases = {
-        {0.005, 2, 0.01, "0.5 + 0.5 -> 1"},
-        {7.125, 2, 7.13, "712.5 + 0.5 -> 713"},
-        {-7.125, 2, -7.13, "-712.5 - 0.5 -> -713"},
-        {0.25, 1, 0.30000000000000004, "2.5 + 0.5 -> 3, and 3 x 0.1 is not 0.3 in doubles"},
-        {-0.25, 1, -0.30000000000000004, "the same below zero"},
-        {-0.001, 2, 0.0, "-0.1 - 0.5 -> 0"},
+TEST(Rounding, Decimals) {
+    struct Case {
+        double (*round)(double value, int decimals);
+        double value;
+        int decimals;
+        double expected;
+        const char* derivation;
     };
-    for (const DecimalCase& c : cases)
-        EXPECT_EQ(vatchange::roundHalfAway(c.value, c.decimals), c.expected)
-            << c.value << ": " << c.derivation;
-}
-
-TEST(Rounding, BankersTotals) {
-    const std::vector<DecimalCase> cases = {
-        {7.125, 2, 7.12, "0.125 -> 12.5 -> 12"},
-        {7.375, 2, 7.38, "0.375 -> 37.5 -> 38"},
-        {-7.125, 2, -7.12, "-12.5 -> -12"},
-        {1.005, 2, 1.0, "the fraction is 0.00499..., x 100 = 0.499... -> 0"},
-        {1000000.03125, 4, 1000000.0312, "312.5 -> 312"},
-        {2.5, 0, 2.0, "no split: 2.5 -> 2"},
+    constexpr auto kAway = vatchange::roundHalfAway;
+    constexpr auto kBankers = vatchange::roundBankers;
+    const std::vector<Case> cases = {
+        {kAway, 0.005, 2, 0.01, "0.5 + 0.5 -> 1"},
+        {kAway, 7.125, 2, 7.13, "712.5 + 0.5 -> 713"},
+        {kAway, -7.125, 2, -7.13, "-712.5 - 0.5 -> -713"},
+        {kAway, 0.25, 1, 0.30000000000000004, "2.5 + 0.5 -> 3; 3 x 0.1 is not 0.3 in doubles"},
+        {kAway, -0.001, 2, 0.0, "-0.1 - 0.5 -> 0"},
+        {kBankers, 7.125, 2, 7.12, "0.125 -> 12.5 -> 12"},
+        {kBankers, 7.375, 2, 7.38, "0.375 -> 37.5 -> 38"},
+        {kBankers, -7.125, 2, -7.12, "-12.5 -> -12"},
+        {kBankers, 1.005, 2, 1.0, "the fraction is 0.00499..., x 100 = 0.499... -> 0"},
+        {kBankers, 1000000.03125, 4, 1000000.0312, "312.5 -> 312"},
+        {kBankers, 2.5, 0, 2.0, "no split: 2.5 -> 2"},
     };
-    for (const DecimalCase& c : cases)
-        EXPECT_EQ(vatchange::roundBankers(c.value, c.decimals), c.expected)
-            << c.value << ": " << c.derivation;
+    for (const Case& c : cases)
+        EXPECT_EQ(c.round(c.value, c.decimals), c.expected) << c.value << ": " << c.derivation;
 }
 
 }  // namespace

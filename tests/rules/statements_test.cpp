@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "vatchange/rules/dependent_statements.h"
 #include "vatchange/rules/price_rules.h"
 
 namespace {
@@ -10,8 +9,6 @@ namespace {
 using vatchange::ChangeDefinition;
 using vatchange::RoundingRule;
 using vatchange::RoundingStep;
-
-const QDate kDay(2024, 9, 1);
 
 TEST(Statements, FactorReadsBackAndHasAPoint) {
     using vatchange::factorText;
@@ -24,21 +21,6 @@ TEST(Statements, FactorReadsBackAndHasAPoint) {
     const double single = vatFactor(static_cast<double>(13.7F));
     EXPECT_EQ(factorText(single).toDouble(), single);
     EXPECT_EQ(factorText(1e22).toStdString(), "10000000000000000000000.0");  // no exponent
-}
-
-TEST(Statements, ProductUpdateNamesOnlyWhatChanges) {
-    ChangeDefinition definition;
-    definition.targetClass = 6;
-    definition.levels[0].source = QStringLiteral("hinta");
-    definition.levels[1].source = QStringLiteral("hinta9");
-    definition.levels[8].source = QStringLiteral("hinta");
-    definition.purchaseCoefficient = 1.01;
-    definition.lastPurchaseCoefficient = 0.99;
-    EXPECT_EQ(vatchange::productUpdate(definition, {true, true, true}, kDay).toStdString(),
-              "UPDATE TUOTE SET hinta = :HINTA1, kaksoishinta = :HINTA2, hinta9 = :HINTA9, "
-              "keskihinta =:OSTOHINTA,ANNOSHINTA = :ANNOSHINTA, viimostohinta =:VIIMOSTOHINTA, "
-              "LVV=6, ALV2=6, OSTOVERO=6, MUUTETTUPVM = '2024-09-01', MUUTETTUTIME = CURTIME() "
-              "WHERE NUMERO = :TUOTENRO");
 }
 
 TEST(Statements, StorePriceAssignmentsByStepAndRule) {
@@ -73,26 +55,6 @@ TEST(Statements, StorePriceAssignmentsByStepAndRule) {
     EXPECT_TRUE(vatchange::storePriceAssignments(ChangeDefinition(), 1.255).isEmpty());
     EXPECT_EQ(vatchange::storePriceUpdate(QStringLiteral(" hinta1alv0 = hinta1/1.0")).toStdString(),
               "update myymalahinnat set  hinta1alv0 = hinta1/1.0, muutettu =now() where tuote=:t");
-}
-
-TEST(Statements, CustomerPriceConditionByGroups) {
-    const auto tail = [](const ChangeDefinition& definition) {
-        const QString text = vatchange::customerPriceQuery(QStringLiteral("(C)"), definition);
-        EXPECT_TRUE(text.startsWith(QStringLiteral("SELECT AsiakasNumero, tuote, asale.hinta, ")));
-        return text.mid(text.indexOf(QStringLiteral(" and (C)"))).simplified().toStdString();
-    };
-    ChangeDefinition definition;
-    definition.webShopCustomerPriceLists = true;
-    EXPECT_EQ(tail(definition), "and (C)");
-    definition.customerGroups = {3, 8};
-    const std::string own =
-        "and (C) and (((Asikastyyppi = 0) and (AsiakasNumero IN (SELECT ASIAKAS.ASIAKAS FROM "
-        "ASIAKAS, ASRYHMA WHERE (ASIAKAS.RYHMA = ASRYHMA.NRO) AND (ASRYHMA.NRO IN ( 3,8 ))))) ";
-    EXPECT_EQ(tail(definition), own +
-                                    "or ( ( (Asikastyyppi = 1) or (Asikastyyppi = 2) ) and "
-                                    "(Asiakasnumero IN ( 3,8 ))))");
-    definition.webShopCustomerPriceLists = false;
-    EXPECT_EQ(tail(definition), own + "or ( (Asikastyyppi = 1) and (Asiakasnumero IN ( 3,8 ))))");
 }
 
 }  // namespace

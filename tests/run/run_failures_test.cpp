@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <QFile>
+#include <QRegularExpression>
+#include <optional>
 
 #include "company/run_mark.h"
 #include "company/unfinished_note.h"
@@ -106,10 +107,7 @@ TEST(RefusedRun, SecondRunOfTheCompany) {
 TEST(FailingRun, LockedProductIsSkippedAndLogged) {
     RunCompany company;
     addProducts(company, 3);
-    auto other = company.otherProgram();
-    auto file = other->openTable(QStringLiteral("TUOTE"));
-    const auto record = file->seek(0, data::SeekOp::Equal, {QStringLiteral("A2")}, 1);
-    ASSERT_TRUE(file->lock(record.front().id, std::chrono::milliseconds(0)));
+    std::optional<HeldRecord> held(std::in_place, company, "TUOTE", data::KeyValues{"A2"});
     const RunResult result = company.run(plainDefinition());
     EXPECT_EQ(result.skippedProducts, 1);
     EXPECT_EQ(result.skippedNumbers, QStringList("A2"));
@@ -117,7 +115,7 @@ TEST(FailingRun, LockedProductIsSkippedAndLogged) {
     EXPECT_EQ(result.failedSteps, 0);
     EXPECT_TRUE(company.ports.hasLine("Virhe tuotteen päivityksessä: A2 tuotetta ei voi muokata"));
     EXPECT_TRUE(company.ports.hasLine("Tuotetiedot muutettu ( 2 kpl)"));
-    file->unlock(record.front().id);
+    held.reset();
     EXPECT_EQ(company.number("select HINTA from TUOTE where NUMERO='A2'"), 12.4);
     EXPECT_EQ(company.run(plainDefinition()).products, 1) << "the rerun takes the rest";
 }
@@ -156,35 +154,23 @@ TEST(FailingRun, EveryStepIsCaughtByItself) {
     EXPECT_TRUE(result.failures.first().startsWith("Virhe asiakashinnaston päivityksessä: "));
     EXPECT_EQ(result.products, 1);
     EXPECT_TRUE(result.markWritten) << "a reported error does not keep the mark back";
-    const std::vector<std::pair<const char*, const char*>> wordings = {
-        {"Virhe asiakashinnaston päivityksessä: ", ""},
-        {"Virhe kampanjan päivityksessä: ", ""},
-        {"Virhe ", " vakiolaskutuksen päivityksessä. "},
-        {"Virhe ", " määräalen päivityksessä. "},
-        {"Virhe tuoteryhmän päivityksessä: ", ""},
-        {"Virhe myyntitilausten päivityksessä: ", ""},
-        {"Virhe ostotilausten päivityksessä: ", ""},
-    };
-    ASSERT_GE(company.ports.messages.size(), 7);
-    for (const auto& [before, after] : wordings) {
-        const bool reported =
-            std::any_of(company.ports.messages.begin(), company.ports.messages.end(),
-                        [before = QString::fromUtf8(before),
-                         after = QString::fromUtf8(after)](const QString& message) {
-                            return message.startsWith(before) && message.endsWith(after) &&
-                                   message.size() > before.size() + after.size();
-                        });
-        EXPECT_TRUE(reported) << before << "..." << after;
-    }
+    for (const char* wording :
+         {"^Virhe asiakashinnaston päivityksessä: .", "^Virhe kampanjan päivityksessä: .",
+          "^Virhe .+ vakiolaskutuksen päivityksessä. $", "^Virhe .+ määräalen päivityksessä. $",
+          "^Virhe tuoteryhmän päivityksessä: .", "^Virhe myyntitilausten päivityksessä: .",
+          "^Virhe ostotilausten päivityksessä: ."})
+        EXPECT_FALSE(
+            company.ports.messages.filter(QRegularExpression(QString::fromUtf8(wording))).isEmpty())
+            << wording;
     EXPECT_TRUE(company.ports.hasLine("Ei myymälähinnat taulua"));
     EXPECT_TRUE(company.ports.hasLine("Verkkokauppa -valinta poistettiin 0 tuotteelta"));
 }
 
 TEST(FailingRun, EachClassFieldOfTheGroupsByItself) {
     RunCompany company;
-    company.exec("insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (10, 3, 2, 2)");
-    company.exec("insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (11, 2, 3, 2)");
-    company.exec("insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (12, 2, 2, 3)");
+    for (const char* row : {"10, 3, 2, 2", "11, 2, 3, 2", "12, 2, 2, 3"})
+        company.exec(QStringLiteral("insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (%1)")
+                         .arg(QLatin1String(row)));
     company.database().setLockWait(std::chrono::milliseconds(10));
     const HeldRecord held(company, "TRYHMA", {10});
     const RunResult result = company.run(plainDefinition());
@@ -382,10 +368,7 @@ TEST(UnfinishedRun, ProductsLeftBehindWithChangedDependentRows) {
     addProducts(company, 2);
     company.exec(
         "insert into ASALE (AsiakasNumero, Tuote, Hinta, Tyyppi) values (1, 'A2', 100, 1)");
-    auto other = company.otherProgram();
-    auto file = other->openTable(QStringLiteral("TUOTE"));
-    const auto record = file->seek(0, data::SeekOp::Equal, {QStringLiteral("A2")}, 1);
-    ASSERT_TRUE(file->lock(record.front().id, std::chrono::milliseconds(0)));
+    std::optional<HeldRecord> held(std::in_place, company, "TUOTE", data::KeyValues{"A2"});
     EXPECT_EQ(company.run(plainDefinition()).skippedProducts, 1);
     EXPECT_TRUE(company::readUnfinishedNotes().empty()) << "a rerun changes no row again";
 
@@ -400,7 +383,7 @@ TEST(UnfinishedRun, ProductsLeftBehindWithChangedDependentRows) {
     company.run(plainDefinition());
     EXPECT_EQ(company::readUnfinishedNotes().size(), 1) << "of the first definition still";
     company.ports.definition = QStringLiteral("Koe");
-    file->unlock(record.front().id);
+    held.reset();
     EXPECT_TRUE(company.run(plainDefinition()).clean());
     EXPECT_TRUE(company::readUnfinishedNotes().empty());
 }

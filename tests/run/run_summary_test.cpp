@@ -12,44 +12,32 @@ using test::RunCompany;
 using vatchange::LogExcerpt;
 using vatchange::RunSummary;
 
-qint64 rowsOf(const vatchange::RunResult& result, const QString& what) {
-    for (const vatchange::ChangedRows& changed : result.changed) {
-        if (changed.what == what)
-            return changed.rows;
-    }
-    return -1;
-}
-
 TEST(RunSummary, CountsWhatEachStepChanged) {
     RunCompany company;
-    for (const char* sql :
-         {"insert into TUOTE (NUMERO, LVV, HINTA, HRKPL, Verkkokauppa) values ('A1', 3, 12.4, 1, "
-          "1)",
-          "insert into TUOTE (NUMERO, LVV, HINTA) values ('A2', 3, 12.4)",
-          "insert into TUOTE (NUMERO, LVV, HINTA) values ('B1', 2, 12.4)",
-          "insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (1, 3, 2, 3)",
-          "insert into MYYMALAHINNAT (Myymala, Tuote) values (1, 'A1')",
-          "insert into MYYMALAHINNAT (Myymala, Tuote) values (2, 'A1')",
-          "insert into KAMPPANJA (Tuote, RivinRo, MyyntiHinta) values ('A2', 1, 10)",
-          "insert into WINOT (TilausNro, Tila) values (7, 1)",
-          "insert into WINOTRI (TilausNro, RiviNro, AlvLuokka, Tulematta) values (7, 1, 3, 2)",
-          "insert into WINOTRI (TilausNro, RiviNro, AlvLuokka, Tulematta) values (7, 2, 2, 2)"})
-        company.exec(QLatin1String(sql));
+    company.execAll(
+        {"insert into TUOTE (NUMERO, LVV, HINTA, HRKPL, Verkkokauppa) values ('A1', 3, 12.4, 1, 1)",
+         "insert into TUOTE (NUMERO, LVV, HINTA) values ('A2', 3, 12.4)",
+         "insert into TUOTE (NUMERO, LVV, HINTA) values ('B1', 2, 12.4)",
+         "insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (1, 3, 2, 3)",
+         "insert into MYYMALAHINNAT (Myymala, Tuote) values (1, 'A1')",
+         "insert into MYYMALAHINNAT (Myymala, Tuote) values (2, 'A1')",
+         "insert into KAMPPANJA (Tuote, RivinRo, MyyntiHinta) values ('A2', 1, 10)",
+         "insert into WINOT (TilausNro, Tila) values (7, 1)",
+         "insert into WINOTRI (TilausNro, RiviNro, AlvLuokka, Tulematta) values (7, 1, 3, 2)",
+         "insert into WINOTRI (TilausNro, RiviNro, AlvLuokka, Tulematta) values (7, 2, 2, 2)"});
     vatchange::ChangeDefinition definition = test::plainDefinition();
     definition.campaigns = definition.salesOrders = definition.purchaseOrders = true;
     const RunSummary summary = runWithSummary(company.database(), definition, company.ports);
     EXPECT_TRUE(summary.result.clean());
     EXPECT_EQ(summary.definition, definition);
     EXPECT_EQ(summary.definitionName, company.ports.definition);
-    EXPECT_EQ(rowsOf(summary.result, "Tuotteet"), 2);
-    EXPECT_EQ(rowsOf(summary.result, "Tuoteryhmien alv-kentät"), 2);
-    EXPECT_EQ(rowsOf(summary.result, "Myymälähintojen rivit"), 2);
-    EXPECT_EQ(rowsOf(summary.result, "Kampanjarivit"), 1);
-    EXPECT_EQ(rowsOf(summary.result, "Hyllynreunaetiketit"), 1);
-    EXPECT_EQ(rowsOf(summary.result, "Verkkokaupan muutosmerkinnät"), 1);
-    EXPECT_EQ(rowsOf(summary.result, "Myyntitilausten rivit"), 0);
-    EXPECT_EQ(rowsOf(summary.result, "Ostotilausten rivit"), 1);
-    EXPECT_EQ(rowsOf(summary.result, "Määräalennukset"), -1) << "a step that was not asked for";
+    QStringList counts;
+    for (const vatchange::ChangedRows& changed : summary.result.changed)
+        counts += QStringLiteral("%1 %2").arg(changed.what).arg(changed.rows);
+    EXPECT_EQ(counts, (QStringList{"Kampanjarivit 1", "Tuoteryhmien alv-kentät 2",
+                                   "Myymälähintojen rivit 2", "Tuotteet 2", "Hyllynreunaetiketit 1",
+                                   "Verkkokaupan muutosmerkinnät 1", "Myyntitilausten rivit 0",
+                                   "Ostotilausten rivit 1"}));
 }
 
 TEST(RunSummary, LogLinesAreThoseOfTheRunAndBounded) {

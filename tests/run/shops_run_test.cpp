@@ -95,15 +95,6 @@ TEST_F(ShopsRun, LocksThatAreLostOnTheWayDoNotEndTheRun) {
     EXPECT_EQ(price("A2"), 20);
 }
 
-TEST_F(ShopsRun, RowsThatShareTheirKeyKeepToThemselves) {
-    m_company.exec(QStringLiteral("delete from TUOTE"));
-    const vatchange::ChangeDefinition definition = test::addSharedKeys(m_company);
-    const auto before = m_company.everything();
-    const auto shop = engines::shops::openShopsDatabase(m_settings);
-    EXPECT_TRUE(vatchange::runChange(*shop, definition, m_company.ports).clean());
-    test::expectSharedKeysChanged(m_company, before);
-}
-
 TEST_F(ShopsRun, OneRunOfACompanyAtATime) {
     const auto first = engines::shops::openShopsDatabase(m_settings);
     const auto second = engines::shops::openShopsDatabase(m_settings);
