@@ -3,7 +3,10 @@
 #include <csignal>
 #include <random>
 
+#include "engines/embedded/company_file.h"
+#include "engines/embedded/connection.h"
 #include "engines/embedded/embedded_database.h"
+#include "engines/embedded/table_file.h"
 #include "tests/support/fake_client/fake_company.h"
 #include "tests/tools/zavdb_program.h"
 #include "tools/zavdb/company_copy.h"
@@ -63,7 +66,7 @@ std::vector<QByteArray> walk(TableFile& table, int key) {
     return records;
 }
 
-TEST_F(Copy, UnknownTablesAndUndefinedBytesArriveAsTheyAre) {
+TEST_F(Copy, UnknownTablesAndUndefinedBytesAreCopied) {
     std::vector<data::TableSource> tables = data::allTableSources();
     tables.push_back(oddTable());
     std::erase_if(tables, [](const data::TableSource& t) { return t.name == u"MYYMALAHINNAT"; });
@@ -124,57 +127,42 @@ TEST_F(Copy, UnknownTablesAndUndefinedBytesArriveAsTheyAre) {
 }
 
 /// A table whose dictionary is shorter than its records, and whose key 0 was dropped.
-class CutTable : public TableFile {
-    using Records = std::vector<data::StoredRecord>;
-
+class CutTable : public engines::embedded::EmbeddedTableFile {
   public:
-    explicit CutTable(std::unique_ptr<TableFile> whole)
-        : m_whole(std::move(whole)), m_keys(m_whole->keys()) {
-        std::vector<data::TFieldCacheItem> fields = m_whole->layout().fields();
+    CutTable(const std::shared_ptr<engines::embedded::Connection>& connection, const QString& name)
+        : EmbeddedTableFile(connection, connection->table(name)),
+          m_keys(EmbeddedTableFile::keys()) {
+        const data::RecordLayout& whole = EmbeddedTableFile::layout();
+        std::vector<data::TFieldCacheItem> fields = whole.fields();
         fields.pop_back();
-        m_layout = data::RecordLayout(m_whole->layout().tableName(), fields,
-                                      m_whole->layout().recordLength());
+        m_layout = data::RecordLayout(whole.tableName(), fields, whole.recordLength());
         m_keys[0].segments.clear();
     }
     const data::RecordLayout& layout() const override { return m_layout; }
     const std::vector<data::KeyDef>& keys() const override { return m_keys; }
-    qint64 recordCount() override { return m_whole->recordCount(); }
-    std::optional<data::RecordId> visitStored(std::optional<data::RecordId> after, int max,
-                                              const Visitor& see) override {
-        return m_whole->visitStored(after, max, see);
-    }
-    // a copy only reads in the order of storage
-    Records fromEnd(int, Direction, int) override { throw kUnexpected; }
-    Records seek(int, data::SeekOp, const data::KeyValues&, int) override { throw kUnexpected; }
-    Records next(int, const data::StoredRecord&, Direction, int) override { throw kUnexpected; }
-    int compare(int, const QByteArray&, const data::KeyValues&) const override { return 0; }
-    std::optional<data::StoredRecord> get(data::RecordId) override { throw kUnexpected; }
-    bool lock(data::RecordId, std::chrono::milliseconds) override { throw kUnexpected; }
-    void unlock(data::RecordId) override {}
-    data::RecordId insert(QByteArray&) override { throw kUnexpected; }
-    void update(data::RecordId, const QByteArray&) override { throw kUnexpected; }
-    void remove(data::RecordId) override { throw kUnexpected; }
 
   private:
-    static inline const std::logic_error kUnexpected{"a copy does not do this"};
-    std::unique_ptr<TableFile> m_whole;
     data::RecordLayout m_layout;
     std::vector<data::KeyDef> m_keys;
 };
 
-/// A company behind the shops' engine's call interface, MYYMALAHINNAT cut as above, INI without
-/// file.
+/// A company behind the shops' engine's call interface; MYYMALAHINNAT as above, INI without a file.
 class ShopSource : public test::ShopsRecordsDatabase {
   public:
-    using test::ShopsRecordsDatabase::ShopsRecordsDatabase;
+    ShopSource(const engines::shops::ShopsDatabaseSettings& settings, const QString& store)
+        : ShopsRecordsDatabase(settings),
+          m_store(std::make_shared<engines::embedded::Connection>(
+              engines::embedded::companyFile(store))) {}
     std::unique_ptr<TableFile> openTable(const QString& table) override {
         if (table == u"INI")
             throw data::DataError(data::ErrorKind::NoSuchTable, table, QString());
-        std::unique_ptr<TableFile> opened = test::ShopsRecordsDatabase::openTable(table);
         if (table == u"MYYMALAHINNAT")
-            return std::make_unique<CutTable>(std::move(opened));
-        return opened;
+            return std::make_unique<CutTable>(m_store, table);
+        return ShopsRecordsDatabase::openTable(table);
     }
+
+  private:
+    std::shared_ptr<engines::embedded::Connection> m_store;
 };
 
 TEST_F(Copy, FromTheShopsEngine) {
@@ -186,7 +174,7 @@ TEST_F(Copy, FromTheShopsEngine) {
     settings.folder = path("shop");
     settings.clientLibrary = test::FakeDatabases::library();
     QDir().mkpath(settings.folder);
-    ShopSource source(settings);
+    ShopSource source(settings, path("d"));
     const tools::CopyResult result =
         tools::copyCompany(source, settings.folder, QStringLiteral("Kopio"), path("k"));
     EXPECT_EQ(result.tables, 26);  // of 30: without INI and the three of the catalogue
@@ -212,7 +200,7 @@ TEST_F(Copy, FromTheShopsEngine) {
     EXPECT_FALSE(prices->keys()[0].unique);  // stands for the dropped one
 }
 
-TEST_F(Copy, KilledCopiesGoOnToTheSameEnd) {
+TEST_F(Copy, KilledCopiesResume) {
     done({"demo", "S", "s", "--products", "1500"});
     int kills = 0;
     for (qint64 size = 200'000; size < 100'000'000 && killCopyAt(size); size += 700'000) {
