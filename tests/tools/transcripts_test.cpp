@@ -3,10 +3,8 @@
 //   == NAME            begins a test in its own folder, with a company A that has the tables RAAKA
 //                      and MUISTIO too
 //   > FILE TEXT        writes a file; \n, \r, \xNN as in C++
-//   $ ARGUMENTS        has to succeed without a word on standard error and to write the lines
-//   below:
-//                      exactly these lines, "(nothing)", or every "~ TEXT" somewhere; none:
-//                      anything
+//   $ ARGUMENTS        has to succeed without a word on standard error; "=> LINE / LINE": and to
+//                      write exactly this, "~ TEXT ~ TEXT": to write these somewhere
 //   ! ARGUMENTS        has to end with 1, no output and an error that holds every text after a "|"
 //   ? ARGUMENTS        wrong usage: has to end with 2 and an error
 //   = ARGUMENTS        output that no refused command below may change
@@ -72,70 +70,60 @@ class Transcript : public test::ZavdbProgram, public ::testing::WithParamInterfa
         engines::createEmbedded(path("a"), tables);
         done({"add", "A", "a"});
     }
-    test::ProgramResult runLine(QString line) {
-        const qsizetype input = line.indexOf(QStringLiteral(" << "));
-        if (input >= 0)
-            file("@", unescaped(line.mid(input + 4)));
-        line.truncate(input >= 0 ? input : line.size());
+    test::ProgramResult runLine(const QString& line) {
         return run(QProcess::splitCommand(line).replaceInStrings("{empty}", ""));
     }
 };
 
 TEST_P(Transcript, AnswersAsWritten) {
-    const Lines& lines = transcripts().at(GetParam());
     QString watched;
     QByteArray unchanged;
-    for (size_t i = 0; i < lines.size();) {
-        SCOPED_TRACE(lines[i]);
-        const QString line = QString::fromStdString(lines[i++]);
-        const QString rest = line.section(u' ', 1);
-        if (line.startsWith(u"> ")) {
-            const QString name = rest.section(u' ', 0, 0);
+    for (const std::string& text : transcripts().at(GetParam())) {
+        SCOPED_TRACE(text);
+        const QString line = QString::fromStdString(text);
+        const QString sign = line.section(u' ', 0, 0);
+        const QString name = line.section(u' ', 1, 1);
+        const QString rest = line.section(u' ', 2);
+        if (sign == u">") {
             QDir().mkpath(QFileInfo(path(name)).path());
-            file(qPrintable(name), unescaped(rest.section(u' ', 1)));
-        } else if (line.startsWith(u"absent ") || line.startsWith(u"present ")) {
-            const QString name = rest.section(u' ', 0, 0);
-            EXPECT_EQ(QFile::exists(path(name)), line.startsWith(u'p'));
-            EXPECT_TRUE(name == rest ||
-                        test::fileBytes(path(name)) == unescaped(rest.section(u' ', 1)));
-        } else if (line.startsWith(u"! ")) {
-            const QStringList parts = rest.section(" << ", 0, 0).split(QStringLiteral(" | "));
-            const test::ProgramResult result =
-                runLine(parts[0] + rest.mid(parts.join(" | ").size()));
-            EXPECT_EQ(result.status, 1);
+            file(qPrintable(name), unescaped(rest));
+            continue;
+        }
+        if (sign == u"absent" || sign == u"present") {
+            EXPECT_EQ(QFile::exists(path(name)), sign == u"present");
+            EXPECT_TRUE(rest.isEmpty() || test::fileBytes(path(name)) == unescaped(rest));
+            continue;
+        }
+        QString command = line.mid(2);
+        const qsizetype input = command.indexOf(QStringLiteral(" << "));
+        if (input >= 0) {
+            file("@", unescaped(command.mid(input + 4)));
+            command.truncate(input);
+        }
+        const qsizetype exact = command.indexOf(QStringLiteral(" => "));
+        QString wanted = exact < 0 ? QString() : command.mid(exact + 4);
+        wanted.replace(QStringLiteral("{folder}"), QDir::toNativeSeparators(path("") + u'/'));
+        const QStringList parts =
+            command.left(exact).split(QRegularExpression(QStringLiteral(" [|~] ")));
+        const test::ProgramResult result = runLine(parts[0]);
+        EXPECT_EQ(result.status, sign == u"?" ? 2 : sign == u"!" ? 1 : 0);
+        EXPECT_NE(result.err.isEmpty(), sign == u"?" || sign == u"!") << result.err.constData();
+        if (sign == u"!") {
             EXPECT_EQ(result.out, QByteArray());
-            for (const QString& word : parts.mid(1))
-                EXPECT_TRUE(result.err.contains(word.toUtf8())) << result.err.constData();
-            EXPECT_EQ(watched.isEmpty() ? unchanged : runLine(watched).out, unchanged);
-        } else {
-            const test::ProgramResult result = runLine(rest);
-            const bool isUsage = line.startsWith(u'?');
-            EXPECT_EQ(result.status, isUsage ? 2 : 0);
-            EXPECT_EQ(result.err.isEmpty(), !isUsage) << result.err.constData();
-            if (line.startsWith(u"= ")) {
-                watched = rest;
-                unchanged = result.out;
-                continue;
-            }
-            static const QRegularExpression kDirective("^(present|absent|[>$!?=]) ");
-            const bool isSearched = i < lines.size() && lines[i].starts_with("~ ");
-            QString wanted;
-            for (; i < lines.size() && !QString::fromStdString(lines[i]).contains(kDirective);
-                 ++i) {
-                if (isSearched) {
-                    EXPECT_TRUE(result.out.simplified().contains(lines[i].substr(2).c_str()))
-                        << result.out.constData();
-                } else {
-                    wanted += QString::fromStdString(lines[i]) + u'\n';
-                }
-            }
-            wanted.replace(QStringLiteral("{folder}"), QDir::toNativeSeparators(path("") + u'/'));
-            const bool isCompared = !wanted.isEmpty();
-            wanted.remove(QStringLiteral("(nothing)\n"));
-            if (isCompared) {
-                EXPECT_EQ(QString::fromUtf8(result.out).remove(u'\r').toStdString(),
-                          wanted.toStdString());
-            }
+        }
+        for (const QString& part : parts.mid(1))
+            EXPECT_TRUE((result.err + result.out.simplified()).contains(part.toUtf8()))
+                << result.err.constData() << result.out.constData();
+        const QString output = QString::fromUtf8(result.out).remove(u'\r').replace(u'\n', " / ");
+        if (exact >= 0) {
+            EXPECT_EQ(output.toStdString(),
+                      (wanted + (wanted.isEmpty() ? "" : " / ")).toStdString());
+        }
+        if (sign == u"=") {
+            watched = parts[0];
+            unchanged = result.out;
+        } else if (sign == u"!" && !watched.isEmpty()) {
+            EXPECT_EQ(runLine(watched).out, unchanged);
         }
     }
 }
