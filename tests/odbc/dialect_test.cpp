@@ -1,4 +1,4 @@
-// What the dialects make of statements, as far as a running server would not tell.
+// Rewriting of statements by the dialects, where running servers would not show a fault.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ std::string rewritten(const char* database, const char* sql) {
         .text.toStdString();
 }
 
-TEST(Dialects, ShopsEngineGetsItsStatementsAsTheyStand) {
+TEST(Dialects, ShopsEngineStatementsStayUnchanged) {
     const char* text = "select top 0 round(a,2), x$f from t where loppu='' and b='a;''?:b' -- :c\n";
     EXPECT_EQ(rewritten("some other engine", text),
               std::string(text).substr(0, std::string(text).find(" --")));
@@ -33,8 +33,8 @@ TEST(Dialects, ShopsEngineGetsItsStatementsAsTheyStand) {
     EXPECT_FALSE(sql.returnsRows);
 }
 
-TEST(Dialects, CallsAreSpeltOutAtAnyDepthAndMalformedOnesLeftAlone) {
-    // round in floor, a parameter inside, an argument with a comma of its own
+TEST(Dialects, CallsAreRewrittenAtAnyDepthUnlessMalformed) {
+    // nested calls, an argument that contains a comma
     EXPECT_EQ(rewritten("MariaDB", "select floor(round(f(a,b),1))"),
               "select (FLOOR((CASE WHEN (f(a,b))<0 THEN -1e0 ELSE 1e0 END*"
               "(FLOOR(ABS(f(a,b))*10e0+0.5e0)+0e0)/10e0))+0e0)");

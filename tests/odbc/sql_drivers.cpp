@@ -14,22 +14,20 @@ const QString kEmbedded = QStringLiteral("embedded");
 const QString kSqlite = QStringLiteral("sqlite");
 const QString kVirtuoso = QStringLiteral("virtuoso");
 
-QString extensionFile() {
-    return QStringLiteral(TAKSAVAIHE_SQL_EXTENSION);
-}
-
+// An INSERT leaves the kind's empty value in other columns, as in a record.
 QString sqlType(const data::TFieldCacheItem& field, const QString& single) {
     switch (field.kind()) {
         case data::Kind::Boolean:
         case data::Kind::SmallInt:
-            return QStringLiteral("SMALLINT");
+            return QStringLiteral("SMALLINT DEFAULT 0");
         case data::Kind::Integer:
         case data::Kind::Unsigned:
-            return QStringLiteral("INTEGER");
+            return QStringLiteral("INTEGER DEFAULT 0");
         case data::Kind::LargeInt:
-            return QStringLiteral("BIGINT");
+            return QStringLiteral("BIGINT DEFAULT 0");
         case data::Kind::Float:
-            return field.storedLength == 4 ? single : QStringLiteral("DOUBLE PRECISION");
+            return (field.storedLength == 4 ? single : QStringLiteral("DOUBLE PRECISION")) +
+                   QStringLiteral(" DEFAULT 0");
         case data::Kind::Date:
             return QStringLiteral("DATE");
         case data::Kind::Time:
@@ -40,26 +38,16 @@ QString sqlType(const data::TFieldCacheItem& field, const QString& single) {
         case data::Kind::VarBinary:
             return QStringLiteral("VARBINARY(%1)").arg(std::max<int>(1, field.storedLength));
         default:
-            return QStringLiteral("VARCHAR(%1)").arg(2 * std::max<int>(1, field.storedLength));
+            return QStringLiteral("VARCHAR(%1) DEFAULT ''")
+                .arg(2 * std::max<int>(1, field.storedLength));
     }
 }
 
-// What an INSERT leaves out is the kind's empty value, as in a record.
-QString sqlDefault(const data::TFieldCacheItem& field) {
-    switch (field.kind()) {
-        case data::Kind::Date:
-        case data::Kind::Time:
-        case data::Kind::Timestamp:
-        case data::Kind::RawBytes:
-        case data::Kind::VarBinary:
-            return {};
-        case data::Kind::String:
-        case data::Kind::Memo:
-            return QStringLiteral(" DEFAULT ''");
-        default:
-            return QStringLiteral(" DEFAULT 0");
-    }
+QString quoted(const QString& name) {
+    return QLatin1Char('"') + name + QLatin1Char('"');
 }
+
+}  // namespace
 
 data::TableSource sourceOf(const QString& name) {
     for (data::TableSource& table : data::allTableSources()) {
@@ -68,12 +56,6 @@ data::TableSource sourceOf(const QString& name) {
     }
     throw data::DataError(data::ErrorKind::NoSuchTable, name, QStringLiteral("no dictionary"));
 }
-
-QString quoted(const QString& name) {
-    return QLatin1Char('"') + name + QLatin1Char('"');
-}
-
-}  // namespace
 
 std::vector<data::TFieldCacheItem> sqlFields(const data::TableSource& table) {
     std::vector<data::TFieldCacheItem> fields = table.fields;
@@ -100,9 +82,9 @@ engines::shops::OdbcSettings SqlEngine::settings() const {
     engines::shops::OdbcSettings settings;
     settings.dataSource = QStringLiteral("taksavaihe-") + m_name;
     if (m_name == kSqlite)
-        settings.attributes =
-            QStringLiteral("Database=%1;LoadExt=%2")
-                .arg(m_folder.filePath(engines::kEmbeddedFileName), extensionFile());
+        settings.attributes = QStringLiteral("Database=%1;LoadExt=%2")
+                                  .arg(m_folder.filePath(engines::kEmbeddedFileName),
+                                       QStringLiteral(TAKSAVAIHE_SQL_EXTENSION));
     return settings;
 }
 
@@ -125,15 +107,13 @@ void SqlEngine::createTables(const QStringList& tables) const {
         const QString single(m_name == kVirtuoso ? "REAL" : "FLOAT");
         QStringList columns;
         for (const data::TFieldCacheItem& field : sqlFields(table))
-            columns +=
-                quoted(field.name) + QLatin1Char(' ') + sqlType(field, single) + sqlDefault(field);
+            columns += quoted(field.name) + QLatin1Char(' ') + sqlType(field, single);
         exec(*m_database, QStringLiteral("CREATE TABLE %1 (%2)")
                               .arg(quoted(name), columns.join(QStringLiteral(", "))));
     }
 }
 
-qint64 exec(data::Database& database, const QString& sql,
-            const std::vector<std::pair<QString, data::Value>>& with) {
+qint64 exec(data::Database& database, const QString& sql, const Parameters& with) {
     data::TUniQuery query(&database);
     query.sql().setText(sql);
     for (const auto& [name, value] : with)
@@ -141,8 +121,7 @@ qint64 exec(data::Database& database, const QString& sql,
     return query.execSql();
 }
 
-Rows rows(data::Database& database, const QString& sql,
-          const std::vector<std::pair<QString, data::Value>>& with) {
+Rows rows(data::Database& database, const QString& sql, const Parameters& with) {
     data::TUniQuery query(&database);
     query.sql().setText(sql);
     for (const auto& [name, value] : with)
@@ -152,11 +131,12 @@ Rows rows(data::Database& database, const QString& sql,
         QStringList cells;
         for (const QString& name : query.fieldNames()) {
             const data::Value value = query.fieldByName(name).value();
-            cells += !value.isValid()                      ? QStringLiteral("NULL")
-                     : value.typeId() == QMetaType::Double ? data::shortestText(value.toDouble())
-                     : value.typeId() == QMetaType::QByteArray
-                         ? QString::fromLatin1(value.toByteArray().toHex())
-                         : value.toString();
+            if (value.typeId() == QMetaType::Double)
+                cells += data::shortestText(value.toDouble());
+            else if (value.typeId() == QMetaType::QByteArray)
+                cells += QString::fromLatin1(value.toByteArray().toHex());
+            else
+                cells += value.isValid() ? value.toString() : QStringLiteral("NULL");
         }
         lines.push_back(cells.join(QLatin1Char('|')).toStdString());
     }

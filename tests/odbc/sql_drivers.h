@@ -15,7 +15,7 @@
 
 namespace test {
 
-/// SQL alone over ODBC, behind the interface that queries are written against.
+/// A database with SQL over ODBC and no record access.
 class OdbcDatabase : public data::Database {
   public:
     explicit OdbcDatabase(const engines::shops::OdbcSettings& settings)
@@ -39,23 +39,23 @@ class OdbcDatabase : public data::Database {
     std::unique_ptr<engines::shops::OdbcConnection> connection;
 };
 
-/// A SQL engine of the tests, by name: "embedded", "sqlite" (the embedded engine's file through its
-/// loadable module and an ODBC driver), "virtuoso", "mariadb". The servers and the data sources are
-/// those that scripts/sql_servers.sh has started.
+/// A SQL engine of the tests: "embedded", "sqlite" (the embedded engine's file through its loadable
+/// module and an ODBC driver), "virtuoso" or "mariadb". scripts/sql_servers.sh starts the servers
+/// and defines the data sources.
 class SqlEngine {
   public:
-    /// An engine with the given tables of the dictionary, all of them empty.
+    /// Creates the given tables of the dictionary, empty.
     SqlEngine(const QString& name, const QStringList& tables);
 
-    /// False when the engine is not there and need not be; where scripts/test.sh runs it must.
+    /// False where the servers are not started; scripts/test.sh starts them.
     static bool isAvailable(const QString& name);
 
-    /// A connection of its own.
+    /// Opens another connection.
     std::unique_ptr<data::Database> connect(
         std::chrono::milliseconds statementLimit = std::chrono::seconds(60)) const;
     data::Database& database() const { return *m_database; }
     const QString& name() const { return m_name; }
-    QString folder() const { return m_folder.path(); }  ///< of the embedded engine's file
+    QString folder() const { return m_folder.path(); }  ///< with the embedded engine's file
     engines::shops::OdbcSettings settings() const;
 
   private:
@@ -66,20 +66,22 @@ class SqlEngine {
     std::unique_ptr<data::Database> m_database;
 };
 
+/// A table of the dictionary.
+data::TableSource sourceOf(const QString& name);
+
 /// Runs a statement without rows.
-qint64 exec(data::Database& database, const QString& sql,
-            const std::vector<std::pair<QString, data::Value>>& with = {});
+using Parameters = std::vector<std::pair<QString, data::Value>>;
+qint64 exec(data::Database& database, const QString& sql, const Parameters& with = {});
 
 /// Rows of a query: cells joined by '|', NULL as "NULL", doubles in their shortest form.
 using Rows = std::vector<std::string>;
-Rows rows(data::Database& database, const QString& sql,
-          const std::vector<std::pair<QString, data::Value>>& with = {});
+Rows rows(data::Database& database, const QString& sql, const Parameters& with = {});
 
 /// Copies a table's rows by INSERT statements.
 void copyTable(data::Database& from, data::Database& to, const data::TableSource& table);
 
-/// The SQL columns of a table: fields without those that only name bits of other fields' bytes,
-/// but for the bits that SQL of the product names.
+/// The SQL columns of a table: no fields for single bits of another field's bytes, except the one
+/// that the product's SQL uses.
 std::vector<data::TFieldCacheItem> sqlFields(const data::TableSource& table);
 
 }  // namespace test

@@ -1,4 +1,4 @@
-// CSV by RFC 4180: what is read, what is refused and where, and that writing and reading agree.
+// RFC 4180 reading and writing; bytes that transcripts.txt cannot show.
 
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ Rows readAll(QByteArray bytes) {
             EXPECT_TRUE(tools::decodeUtf8(reader.field(i), text));
             row.append(text);
         }
-        rows.push_back(row);
+        rows.push_back(reader.isBlank() ? QStringList{"<blank>"} : row);
     }
     return rows;
 }
@@ -42,44 +42,25 @@ QByteArray write(const Rows& rows) {
     return bytes;
 }
 
-TEST(Csv, ReadsWhatTheFormatAllows) {
-    const struct {
-        QByteArray bytes;
-        Rows rows;
-    } cases[] = {
+TEST(Csv, ReadsRfc4180) {
+    const std::pair<QByteArray, Rows> cases[] = {
         {"", {}},
         {"\xEF\xBB\xBF", {}},
         {"a,b", {{"a", "b"}}},
-        {"a,b\r\n", {{"a", "b"}}},
         {"a,b\nc,d\r\n", {{"a", "b"}, {"c", "d"}}},
         {"\xEF\xBB\xBF"
          "a\r\nb\r\n",
          {{"a"}, {"b"}}},
-        {",\r\n", {{"", ""}}},
         {"a,\r\n,b\r\n", {{"a", ""}, {"", "b"}}},
-        {"\r\n\"\"\r\n", {{""}, {""}}},
+        {"\r\n\"\"\r\n,\r\n", {{"<blank>"}, {""}, {"", ""}}},
         {"\"a,b\",\"c\r\nd\",\"say \"\"no\"\"\"\r\n", {{"a,b", "c\r\nd", "say \"no\""}}},
-        {"\"a\rb\"", {{"a\rb"}}},
-        {" a , b \n", {{" a ", " b "}}},
         {QByteArray("a\0b,c\n", 6), {{QString::fromUtf8(QByteArray("a\0b", 3)), "c"}}},
-        {"\"\"\"\"\n", {{"\""}}},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(readAll(c.bytes), c.rows) << c.bytes.toStdString();
+    for (const auto& [bytes, rows] : cases)
+        EXPECT_EQ(readAll(bytes), rows) << bytes.toStdString();
 }
 
-TEST(Csv, TellsEmptyLinesFromQuotedEmptyFields) {
-    QByteArray bytes("\r\n\"\"\r\n,\r\n");
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::ReadOnly);
-    tools::CsvReader reader(buffer);
-    for (const bool blank : {true, false, false}) {
-        ASSERT_TRUE(reader.next());
-        EXPECT_EQ(reader.isBlank(), blank) << reader.line();
-    }
-}
-
-TEST(Csv, RefusesWhatIsNoCsvAndNamesTheLine) {
+TEST(Csv, RefusesMalformedTextNamingTheLine) {
     const struct {
         QByteArray bytes;
         qint64 line;
@@ -103,8 +84,8 @@ TEST(Csv, RefusesWhatIsNoCsvAndNamesTheLine) {
     }
 }
 
-// Records longer than the reader's buffer, quotes and line ends on its borders.
-TEST(Csv, ReadsAcrossTheBordersOfItsBuffer) {
+// Records longer than the buffer; quotes and line ends at its boundaries.
+TEST(Csv, ReadsAcrossBufferBoundaries) {
     constexpr qsizetype kBuffer = 256 * 1024;
     for (qsizetype pad = kBuffer - 4; pad <= kBuffer + 2; ++pad) {
         const QByteArray filler(pad, 'x');
@@ -122,7 +103,7 @@ TEST(Csv, QuotesOnlyWhatNeedsIt) {
     EXPECT_EQ(readAll(write(rows)), rows);
 }
 
-TEST(Csv, ReportsADeviceThatTakesNothing) {
+TEST(Csv, ReportsAClosedDevice) {
     QBuffer closed;
     tools::CsvWriter writer(closed);
     writer.add(QStringLiteral("a"));

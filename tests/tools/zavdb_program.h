@@ -9,6 +9,8 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include "tests/support/company_folder.h"
+
 namespace test {
 
 struct ProgramResult {
@@ -17,71 +19,63 @@ struct ProgramResult {
     QByteArray err;
 };
 
-/// Runs the built zavdb with settings and a working folder of its own.
+/// Runs the built zavdb with its own settings and working folder.
 class ZavdbProgram : public ::testing::Test {
   protected:
     static QString program() {
-        QString folder = qEnvironmentVariable("TAKSAVAIHE_BIN");
-        if (folder.isEmpty())
-            folder = QCoreApplication::applicationDirPath();
-        return folder + QStringLiteral("/zavdb");
+        const QString folder = qEnvironmentVariable("TAKSAVAIHE_BIN");
+        return (folder.isEmpty() ? QCoreApplication::applicationDirPath() : folder) + "/zavdb";
     }
 
-    /// `redirection`: as the shell has it behind a command, ">&-".
-    ProgramResult run(const QStringList& arguments, const QStringList& environment = {},
-                      const QString& redirection = {}) {
-        QProcess process;
+    /// Sets the environment and working folder of a process.
+    void prepare(QProcess& process, const QStringList& environment = {}) const {
         QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
         variables.insert(QStringLiteral("XDG_CONFIG_HOME"), path("config"));
         for (const QString& setting : environment)
             variables.insert(setting.section(u'=', 0, 0), setting.section(u'=', 1));
         process.setProcessEnvironment(variables);
         process.setWorkingDirectory(m_folder.path());
+    }
+
+    /// `redirection`: in the shell's syntax, ">&-".
+    ProgramResult run(const QStringList& arguments, const QStringList& environment = {},
+                      const QString& redirection = {}) {
+        QProcess process;
+        prepare(process, environment);
         if (redirection.isEmpty())
             process.start(program(), arguments);
         else
             process.start(QStringLiteral("/bin/sh"),
                           QStringList{"-c", "\"$0\" \"$@\" " + redirection, program()} + arguments);
-        ProgramResult result;
         if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit) {
-            ADD_FAILURE() << "zavdb " << arguments.join(u' ').toStdString() << ": "
+            ADD_FAILURE() << arguments.join(u' ').toStdString() << ": "
                           << process.errorString().toStdString();
-            return result;
+            return {};
         }
-        result.status = process.exitCode();
-        result.out = process.readAllStandardOutput();
-        result.err = process.readAllStandardError();
-        return result;
+        return {process.exitCode(), process.readAllStandardOutput(),
+                process.readAllStandardError()};
     }
 
     /// Runs a command that has to succeed without a word on standard error. @return its output.
     QByteArray done(const QStringList& arguments, const QStringList& environment = {}) {
         const ProgramResult result = run(arguments, environment);
-        EXPECT_EQ(result.status, 0) << arguments.join(u' ').toStdString() << "\n"
-                                    << result.err.toStdString();
+        EXPECT_EQ(result.status, 0) << arguments.join(u' ').toStdString();
         EXPECT_EQ(result.err, QByteArray()) << arguments.join(u' ').toStdString();
         return result.out;
     }
 
-    /// Runs a command that has to fail with status 1 and an error that holds every one of `words`.
-    void refused(const QStringList& arguments, const QStringList& words) {
-        const ProgramResult result = run(arguments);
-        EXPECT_EQ(result.status, 1) << arguments.join(u' ').toStdString();
-        EXPECT_EQ(result.out, QByteArray()) << arguments.join(u' ').toStdString();
-        const QString error = QString::fromUtf8(result.err);
-        for (const QString& word : words)
-            EXPECT_TRUE(error.contains(word))
-                << '"' << word.toStdString() << "\" is missing in: " << error.toStdString();
+    QStringList tableNames(const QString& company) {
+        QStringList names;
+        for (const QByteArray& line : done({"tables", company}).trimmed().split('\n'))
+            names.append(QString::fromUtf8(line.left(line.indexOf(' '))));
+        return names;
     }
 
     QString path(const QString& name) const { return m_folder.filePath(name); }
-    QString path(const char* name) const { return path(QString::fromLatin1(name)); }
-
+    QString path(const char* name) const { return path(QString::fromUtf8(name)); }
     QString file(const char* name, const QByteArray& bytes) {
-        QFile written(path(name));
-        EXPECT_TRUE(written.open(QIODevice::WriteOnly));
-        EXPECT_EQ(written.write(bytes), bytes.size());
-        return written.fileName();
+        writeFile(path(name), bytes);
+        return path(name);
     }
 
   private:

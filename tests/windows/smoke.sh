@@ -6,22 +6,20 @@ set -euo pipefail
 
 usage() {
     cat <<'USAGE'
-Usage: tests/windows/smoke.sh RELEASE LINUX-PROGRAMS [--pictures FOLDER] [--products N]
+Usage: tests/windows/smoke.sh RELEASE LINUX-PROGRAMS [--products N]
 
 RELEASE is the folder that scripts/windows.sh --smoke makes (Taksavaihe/, hold_record.exe,
 fake_client.dll, the installer when there is one), LINUX-PROGRAMS one with taksavaihe, zavdb and
 zavsql.so of the same sources.
 
-  --pictures FOLDER  saves pictures of the main window and the change form there
-  --products N       size of the companies (default 400)
+  --products N  size of the companies (default 400)
 USAGE
 }
 
-pictures="" products=400
-parse_options "pictures= products= ARGUMENTS" "$@"
+products=400
+parse_options "products= ARGUMENTS" "$@"
 [ ${#arguments[@]} -eq 2 ] || wrong_usage "Two folders are needed."
 release=$(realpath "${arguments[0]}") linux=$(realpath "${arguments[1]}")
-[ -z "$pictures" ] || pictures=$(realpath -m "$pictures")
 
 work=$(mktemp -d)
 jobs_to_end=()
@@ -288,19 +286,7 @@ start=$(milliseconds)
 { win taksavaihe.exe "$company" /U; } 2>/dev/null &
 check "the main window opens" window_of "Alvluokkien ja hintojen muutokset" >"$work/window"
 times="$times; start to the main window: $(($(milliseconds) - start)) ms"
-window=$(grep -oE '^[0-9]+$' "$work/window" || true)
 grep -E '^(ok|FAILED)' "$work/window"
-if [ -n "$window" ] && [ -n "$pictures" ]; then
-    mkdir -p "$pictures"
-    sleep 3
-    import -frame -window "$window" "$pictures/windows_main_window.png"
-    xdotool windowactivate "$window"
-    sleep 1
-    xdotool mousemove --window "$window" 84 262 click 1  # "Alvmuutokset"
-    form=$(window_of "^ALV muutos" || true)
-    sleep 4
-    [ -z "$form" ] || import -frame -window "$form" "$pictures/windows_vat_change_form.png"
-fi
 timeout 20 /usr/lib/wine/wineserver64 -k || true
 
 echo "Measured: $times"

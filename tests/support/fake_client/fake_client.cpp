@@ -1,10 +1,9 @@
-// The shops' engine's call interface over embedded companies, for tests: loaded as the engine's own
-// client library would be. The databases it knows stand in the file that the environment variable
-// FAKE_CLIENT_DATABASES names, one a line: NAME, a tab, the folder of the embedded company; further
-// columns may say "owner=NAME" (files want this owner name), "silent" (no answer for some seconds)
-// and what Peculiarities are for: "short", "key", "linked", "plain", "stuck", "cut", "taker". A
-// database of the name of a folder serves the files of that folder: each table by its location in
-// the catalogue.
+// The shops' engine's call interface over embedded companies, for tests; loaded in place of the
+// engine's client library. The environment variable FAKE_CLIENT_DATABASES names a file that lists
+// the databases, one a line: NAME, a tab, the folder of the embedded company; optional columns:
+// "owner=NAME" (required owner name), "silent" (no answer for kSilence), and the Peculiarities
+// "short", "key", "linked", "plain", "stuck", "cut", "taker". A database whose name is a folder
+// serves that folder's files: each table under its location in the catalogue.
 
 #include <QDir>
 #include <QFile>
@@ -87,25 +86,13 @@ std::map<QByteArray, Client> g_clients;
 quint32 g_lastHandle = 0;
 
 int statusOf(const DataError& error) {
-    switch (error.kind()) {
-        case ErrorKind::DuplicateKey:
-            return 5;
-        case ErrorKind::NoSuchTable:
-        case ErrorKind::NoConnection:
-            return kFileNotFound;
-        case ErrorKind::NoSuchField:
-            return 6;
-        case ErrorKind::Gone:
-            return 43;
-        case ErrorKind::Locked:
-            return 84;
-        case ErrorKind::ReadOnly:
-            return 94;
-        case ErrorKind::DiskFull:
-            return 18;
-        default:
-            return 2;
-    }
+    static const std::map<ErrorKind, int> kStatuses{
+        {ErrorKind::DuplicateKey, 5}, {ErrorKind::NoSuchTable, kFileNotFound},
+        {ErrorKind::NoSuchField, 6},  {ErrorKind::NoConnection, kFileNotFound},
+        {ErrorKind::Gone, 43},        {ErrorKind::Locked, 84},
+        {ErrorKind::ReadOnly, 94},    {ErrorKind::DiskFull, 18}};
+    const auto found = kStatuses.find(error.kind());
+    return found == kStatuses.end() ? 2 : found->second;
 }
 
 struct OpenRequest {

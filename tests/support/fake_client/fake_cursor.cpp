@@ -80,41 +80,22 @@ FakeCursor::FakeCursor(std::shared_ptr<engines::embedded::Connection> connection
 int FakeCursor::run(int operation, CallBuffers& buffers, int key) {
     const int bias = operation / kLockBiasStep * kLockBiasStep;
     switch (operation % kLockBiasStep) {
-        case 2:
-            return insert(buffers, key);
-        case 3:
-            return update(buffers);
-        case 4:
-            return remove();
-        case 5:
-        case 8:
-        case 9:
-        case 10:
-        case 11:
-            return seek(operation, buffers, key);
-        case 6:
-        case 7:
-        case 12:
-        case 13:
-            return walk(operation, buffers, key);
-        case 15:
-            return stat(buffers);
-        case 22:
-            return givePosition(buffers);
-        case 23:
-            return direct(buffers, key, bias);
-        case 24:
-            return step(false, buffers);
-        case 27:
-            return unlock(buffers, key);
-        case 33:
-            return step(true, buffers);
-        case 36:
-            return readMany(Direction::Forward, buffers, key);
-        case 37:
-            return readMany(Direction::Backward, buffers, key);
-        default:
-            return kInvalidOperation;
+        // clang-format off
+        case 2: return insert(buffers, key);
+        case 3: return update(buffers);
+        case 4: return remove();
+        case 5: case 8: case 9: case 10: case 11: return seek(operation, buffers, key);
+        case 6: case 7: case 12: case 13: return walk(operation, buffers, key);
+        case 15: return stat(buffers);
+        case 22: return givePosition(buffers);
+        case 23: return direct(buffers, key, bias);
+        case 24: return step(false, buffers);
+        case 27: return unlock(buffers, key);
+        case 33: return step(true, buffers);
+        case 36: return readMany(Direction::Forward, buffers, key);
+        case 37: return readMany(Direction::Backward, buffers, key);
+        default: return kInvalidOperation;
+            // clang-format on
     }
 }
 

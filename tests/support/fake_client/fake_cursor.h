@@ -9,7 +9,7 @@
 
 namespace fake {
 
-/// The buffers of one call, checked for room when they are written.
+/// The buffers of one call; writes check their size.
 struct CallBuffers {
     char* data = nullptr;
     quint32* dataLength = nullptr;
@@ -17,19 +17,19 @@ struct CallBuffers {
     int keyLength = 0;
 };
 
-/// What is particular about a database's files, for tests.
+/// Deviations of a database's files, for tests.
 struct Peculiarities {
-    bool shortRecord = false;  ///< say that their records are a byte shorter than they are
-    bool movedKey = false;     ///< say that key 0 begins a byte later than it does
-    bool linked = false;       ///< say that records of one value are in the order of insertion
-    bool plain = false;        ///< know no extended reading
-    bool stuck = false;        ///< lose the session when a lock is given back
+    bool shortRecord = false;  ///< report record lengths one byte too short
+    bool movedKey = false;     ///< report key 0 one byte too far
+    bool linked = false;       ///< report duplicates in insertion order
+    bool plain = false;        ///< reject extended reads
+    bool stuck = false;        ///< lose the session on unlock
     bool cut = false;          ///< answer extended reads without their last byte
-    /// Another session, which locks what is given back.
+    /// Another session, which locks every record that is unlocked.
     std::shared_ptr<engines::embedded::Connection> taker = {};
 };
 
-/// One open file: a table of an embedded company, worked on as the shops' engine's files are.
+/// One open file: a table of an embedded company with the shops' engine's file operations.
 class FakeCursor {
   public:
     FakeCursor(std::shared_ptr<engines::embedded::Connection> connection,

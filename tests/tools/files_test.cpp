@@ -1,0 +1,123 @@
+// What zavdb makes of files, pipes, permissions and lost output, beyond transcripts.txt.
+
+#include "data/dictionary/tbl_res_reader.h"
+#include "tests/tools/zavdb_program.h"
+
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace {
+
+using test::fileBytes;
+
+class Files : public test::ZavdbProgram {
+  protected:
+    void SetUp() override { done({"create", "A", "a"}); }
+};
+
+TEST_F(Files, EveryTableSurvivesExportAndReplace) {
+    done({"demo", "D", "d", "--products", "150"});
+    const QStringList tables = tableNames("D");
+    EXPECT_EQ(tables.size(), 30);
+    for (const QString& table : tables) {
+        done({"export", "D", table, path("1.csv")});
+        done({"import", "D", table, path("1.csv"), "--replace"});
+        EXPECT_EQ(done({"export", "D", table}), fileBytes(path("1.csv"))) << table.toStdString();
+    }
+    done({"check", "D"});
+}
+
+TEST_F(Files, ADictionaryFileIsReadBack) {
+    done({"dictionary", "A", "MT", "ASIAKAS", "own.dictionary"});
+    data::TTblResReader::setModuleFile(path("own.dictionary"));
+    data::TTblResBase orders;
+    data::TTblResBase customers;
+    EXPECT_TRUE(data::TTblResReader::ReadResource(QStringLiteral("mt"), orders));
+    EXPECT_TRUE(data::TTblResReader::ReadResource(QStringLiteral("ASIAKAS"), customers));
+    data::TTblResReader::setModuleFile(QString());
+    ASSERT_EQ(orders.FFields.size(), 11U);
+    EXPECT_EQ(orders.FFields[5].name, QStringLiteral("Toimituspaiva"));
+    EXPECT_EQ(orders.FFields[5].offset, 55);
+    EXPECT_EQ(orders.FFields[5].storage, data::Storage::Date);
+    ASSERT_EQ(customers.FFields.size(), 102U);
+    EXPECT_EQ(customers.FFields[76].mask, 1);
+}
+
+TEST_F(Files, LoadKeepsTheCatalogueDescribingTheTables) {
+    done({"save", "A", "X$File", path("files")});
+    QByteArray bytes = test::fileBytes(path("files"));
+    const qsizetype header = bytes.indexOf(',') + 1;
+    bytes[header] = '\x7F';  // another number for the first table
+    bytes.truncate(bytes.indexOf("\r\n", header + bytes.left(header - 1).toInt()) + 2);
+    const test::ProgramResult result =
+        run({"load", "A", "X$File", file("changed", bytes + '\x1A')});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(result.err.contains("catalogue")) << result.err.constData();
+}
+
+TEST_F(Files, ADamagedDatabaseIsReported) {
+    QFile database(path("a/YRITYS.ZDB"));
+    ASSERT_TRUE(database.resize(database.size() / 2));
+    for (const QStringList& command : {QStringList{"check", "A"}, {"backup", "A", "copy"}}) {
+        const test::ProgramResult result = run(command);
+        EXPECT_EQ(result.status, 1) << command.constFirst().toStdString();
+        EXPECT_NE(result.out + result.err, QByteArray());
+    }
+}
+
+#ifndef _WIN32
+TEST_F(Files, NothingIsWorldWritable) {
+    const mode_t before = ::umask(0);
+    done({"create", "B", "b/c"});
+    done({"copy", "B", "Copy", "copy"});
+    done({"backup", "B", "backup.zdb"});
+    ::umask(before);
+    for (const char* name : {"b", "b/c", "b/c/YRITYS.ZDB", "b/c/YRITYS.ZDB-lock", "copy",
+                             "copy/YRITYS.ZDB", "backup.zdb", "config/Taksavaihe"}) {
+        EXPECT_TRUE(QFile::exists(path(name))) << name;
+        EXPECT_FALSE(QFileInfo(path(name)).permissions() & QFile::WriteOther) << name;
+    }
+    EXPECT_TRUE(QFileInfo(path("copy/YRITYS.ZDB")).permissions() & QFile::WriteGroup);
+}
+
+TEST_F(Files, OutputToAPipeDoesNotReplaceIt) {
+    const QByteArray name = QFile::encodeName(path("pipe"));
+    ASSERT_EQ(::mkfifo(name.constData(), 0600), 0);
+    const int pipe = ::open(name.constData(), O_RDWR | O_NONBLOCK);  // buffers 64 KB
+    ASSERT_GE(pipe, 0);
+    for (const char* command : {"export", "save", "dictionary"}) {
+        done({command, "A", "HINTATASO", path("pipe")});
+        QByteArray bytes(65536, '\0');
+        bytes.truncate(std::max<qsizetype>(0, ::read(pipe, bytes.data(), 65536)));
+        done({command, "A", "HINTATASO", path("plain")});
+        EXPECT_EQ(bytes, fileBytes(path("plain"))) << command;
+        struct stat status = {};
+        ASSERT_EQ(::lstat(name.constData(), &status), 0);
+        EXPECT_TRUE(S_ISFIFO(status.st_mode)) << command;
+    }
+    ::close(pipe);
+}
+
+TEST_F(Files, LostOutputIsAnError) {
+    // works without a UTF-8 locale
+    for (const QString command : {"--help", "--version", "import --help"})
+        EXPECT_NE(done(QProcess::splitCommand(command), {"LC_ALL=C"}), QByteArray());
+    if (!QFile::exists("/dev/full"))
+        GTEST_SKIP() << "no full device";
+    for (const QString command :
+         {"list", "tables A", "fields A TUOTE", "check A", "sql A \"select Nro from HINTATASO\"",
+          "sql A \"delete from HINTATASO where Nro > 99\"", "export A HINTATASO", "--help"}) {
+        for (const char* redirection : {"> /dev/full", ">&-"}) {
+            const test::ProgramResult result =
+                run(QProcess::splitCommand(command), {}, redirection);
+            EXPECT_EQ(result.status, 1) << command.toStdString() << redirection;
+            EXPECT_NE(result.err, QByteArray()) << command.toStdString() << redirection;
+        }
+    }
+}
+#endif
+
+}  // namespace
