@@ -4,18 +4,16 @@
 #include <QDesktopServices>
 #include <QTest>
 #include <QTimer>
-#include <QTreeWidget>
 #include <QUrl>
 
 #include "framework/core/definition_store.h"
-#include "framework/ui/company_choice.h"
 #include "framework/ui/definition_window.h"
 #include "shell/main_form.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/shop_company.h"
 #include "tests/support/window_checks.h"
 
-// A user's way through the program, from the company choice to the log. Checks the stored data
+// A user's way through the program, from the main window to the log. Checks the stored data
 // after each step.
 
 using test::str;
@@ -58,20 +56,9 @@ class UserPath : public ::testing::Test {
     test::ShopCompany m_shop;
 };
 
-TEST_F(UserPath, FromTheCompanyChoiceToTheLog) {
+TEST_F(UserPath, FromTheMainWindowToTheLog) {
     m_shop.addProducts(3);
     m_shop.exec(str("update TUOTE set Ryhma = 7, HINTA = 20 where NUMERO = '2'"));
-    {
-        const test::CompanyFolder other(str("Aakkosissa ensin"));
-        framework::TYritysValinta choice;
-        choice.show();
-        auto* list = choice.findChild<QTreeWidget*>(str("YritysLista"));
-        QTest::keyClicks(list, str("koe"));
-        QTest::keyClick(list, Qt::Key_Return);
-        ASSERT_EQ(choice.result(), QDialog::Accepted);
-    }
-    ASSERT_EQ(company::currentCompany().name, str("Koeyritys Äyräs"));
-
     shell::TMainForm main;
     main.alusta();
     main.show();
