@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QDesktopServices>
 #include <QTest>
 #include <QTimer>
+#include <QUrl>
 
 #include "framework/core/definition_store.h"
 #include "tests/support/scripted_dialogs.h"
@@ -82,6 +84,8 @@ TEST_F(MainForm, BatchListComesFromItsFileAndIsSavedThere) {
     EXPECT_EQ(list(1)->currentText(), str(""));
     EXPECT_EQ(list(2)->currentText(), str("Jokin"));  // need not be a saved name
     m_form.show();
+    test::expectNoMnemonicClash(m_form);
+    test::expectEveryControlSpeaks(m_form);
     test::turnWheel(*list(4));
     EXPECT_EQ(list(4)->currentText(), str("Alv255"));
 
@@ -97,6 +101,14 @@ TEST_F(MainForm, BatchListComesFromItsFileAndIsSavedThere) {
     ASSERT_NE(form, nullptr);
     click("BitBtn1");
     EXPECT_EQ(m_form.changeForm(), form);
+    QTimer::singleShot(0, [] {
+        QWidget* window = QApplication::activeModalWidget();
+        ASSERT_NE(window, nullptr);
+        test::expectNoMnemonicClash(*window);
+        test::expectEveryControlSpeaks(*window);
+        window->close();
+    });
+    QTest::mouseClick(form->Talletus, Qt::LeftButton);
     form->close();
     EXPECT_TRUE(QTest::qWaitFor([&form] { return form.isNull(); }));
     EXPECT_EQ(m_form.changeForm(), nullptr);
@@ -199,4 +211,22 @@ TEST_F(MainForm, IsDisabledDuringARun) {
     EXPECT_TRUE(m_form.isVisible());
 }
 
+class UrlCatcher : public QObject {
+    Q_OBJECT
+  public:
+    QList<QUrl> urls;
+  public Q_SLOTS:
+    void open(const QUrl& url) { urls.append(url); }
+};
+
+TEST_F(MainForm, LogOpensInTheDesktopsProgram) {
+    UrlCatcher desktop;
+    QDesktopServices::setUrlHandler(str("file"), &desktop, "open");
+    click("BtnLog");
+    QDesktopServices::unsetUrlHandler(str("file"));
+    EXPECT_EQ(desktop.urls, QList<QUrl>({QUrl::fromLocalFile(company::AlvMuutosLogName())}));
+}
+
 }  // namespace
+
+#include "main_form_test.moc"
