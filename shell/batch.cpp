@@ -5,6 +5,7 @@
 namespace shell {
 
 const QString kAlreadyRunText = QStringLiteral("Taksavaihe on kertaalleen ajettu");
+const QString kErrorPrefix = QStringLiteral("Virhe: ");
 
 namespace {
 
@@ -42,7 +43,7 @@ ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports) {
 
     if (const QStringList problems = ports.problems(); !problems.isEmpty()) {
         for (const QString& problem : problems)
-            ports.changeLog(problem);
+            ports.changeLog(kErrorPrefix + problem);
         return ExitStatus::Failed;
     }
 

@@ -38,6 +38,9 @@ struct BatchPorts {
 /// The text that a second run of a finished change is answered with.
 extern const QString kAlreadyRunText;
 
+/// Begins a change log line about an error of the program itself.
+extern const QString kErrorPrefix;
+
 /// Runs the definitions of the list in its order, empty ones passed over. A definition that fails
 /// or cannot be read does not keep the following ones from running; one that is not saved keeps all
 /// of them. Other errors of the ports reach the caller.

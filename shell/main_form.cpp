@@ -130,7 +130,7 @@ void TMainForm::changeFormClosed() {
     const QStringList problems = alusta();
     if (BatchMode) {
         for (const QString& problem : problems)
-            company::WriteAlvMuutosLog(problem);
+            company::WriteAlvMuutosLog(kErrorPrefix + problem);
     } else if (!problems.isEmpty()) {
         framework::Dialogs::error(this, problems.join(QLatin1Char('\n')));
     }
@@ -186,7 +186,8 @@ void TMainForm::runBatchAndLeave() {
     try {
         m_exitStatus = runWholeBatch();
     } catch (const std::exception& e) {
-        const QString text = QStringLiteral("Eräajo päättyi virheeseen: ") + data::errorText(e);
+        const QString text =
+            kErrorPrefix + QStringLiteral("eräajo päättyi virheeseen: ") + data::errorText(e);
         company::WriteAlvMuutosLog(text);
         QTextStream(stderr) << text << '\n';
         if (m_inRun && framework::Dialogs::someoneThere()) {

@@ -220,7 +220,7 @@ int runProgram(QApplication& application) {
         const QString text = problems.join(QLatin1Char('\n'));
         if (unattended()) {
             for (const QString& problem : problems)
-                company::WriteAlvMuutosLog(problem);
+                company::WriteAlvMuutosLog(kErrorPrefix + problem);
             return tell(ExitStatus::Failed, text);
         }
         framework::Dialogs::error(&mainForm, text);

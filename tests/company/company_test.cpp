@@ -5,12 +5,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSettings>
-#include <QTemporaryDir>
-#include <vector>
 
-#include "company/aliases.h"
 #include "company/run_mark.h"
-#include "data/error.h"
 #include "platform/command_line.h"
 #include "platform/text_order.h"
 #include "platform/user_settings.h"
@@ -18,18 +14,13 @@
 
 #ifndef Q_OS_WIN
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #endif
 
 using namespace company;
 using namespace platform;
+using test::str;
 
 namespace {
-
-QString str(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
 
 TEST(Company, FolderRule) {
     const char* const cases[][3] = {
@@ -58,11 +49,10 @@ TEST(Company, OnlyTheCaseOfAToZIsIgnored) {
     EXPECT_FALSE(sameIgnoringAsciiCase(str("a"), str("ab")));
 }
 
-TEST(Company, NamesSortForFinnishEyes) {
-    QStringList names{str("Öljy"), str("äiti"), str("Zeta"), str("Åbo"), str("alfa"), str("Beta")};
+TEST(Company, NamesAreSortedInFinnishOrder) {
+    QStringList names = str("Öljy äiti Zeta Åbo alfa Beta").split(u' ');
     sortForFinnishEyes(names);
-    EXPECT_EQ(names, QStringList({str("alfa"), str("Beta"), str("Zeta"), str("Åbo"), str("äiti"),
-                                  str("Öljy")}));
+    EXPECT_EQ(names.join(u' '), str("alfa Beta Zeta Åbo äiti Öljy"));
 }
 
 TEST(CommandLine, SwitchesByPlaceAndCase) {
@@ -86,39 +76,22 @@ TEST(RunMark, OnlyTheProgramsOwnNameWrites) {
 
 class AliasesTest : public ::testing::Test {
   protected:
-    void SetUp() override {
-        m_before = qgetenv("XDG_CONFIG_HOME");
-        useConfig(m_config.path());
-    }
-    void TearDown() override { qputenv("XDG_CONFIG_HOME", m_before); }
-    static void useConfig(const QString& folder) {
-        qputenv("XDG_CONFIG_HOME", folder.toLocal8Bit());
-    }
+    AliasesTest() { qputenv("XDG_CONFIG_HOME", m_config.path().toLocal8Bit()); }
+    ~AliasesTest() override { qputenv("XDG_CONFIG_HOME", m_before); }
     QString settingsFile() const { return m_config.filePath(str("Taksavaihe/aliases.ini")); }
 
     QTemporaryDir m_config;
-    QByteArray m_before;
+    const QByteArray m_before = qgetenv("XDG_CONFIG_HOME");
 };
 
-TEST_F(AliasesTest, NamesAndFoldersComeBackAndCaseIsIgnored) {
-    const char* const names[] = {"Äijän Öljy & Rauta Oy", "demo", "100 % alv, \"[x]=;#\"",
-                                 "General", "åÅ.%20"};
-    for (const char* name : names)
-        storeAlias(
-            {str(name), str("/data/") + str(name), str("C:\\oma\\, \"a\""), str("omistaja")});
-    ASSERT_EQ(aliasNames().size(), 5);
-    for (const char* name : names) {
-        const auto alias = findAlias(str(name));
-        ASSERT_TRUE(alias) << name;
-        EXPECT_EQ(alias->physicalName, str("/data/") + str(name));
-        EXPECT_EQ(alias->localFilePath, str("C:\\oma\\, \"a\""));
-        EXPECT_EQ(alias->ownerName, str("omistaja"));
-    }
+TEST_F(AliasesTest, ReplacesAndRemovesInAnyCaseOfAToZ) {
+    for (const char* name : {"Äijän", "demo", "General"})
+        storeAlias({str(name), str("/data"), {}, str("omistaja")});
     EXPECT_EQ(findAlias(str("DEMO"))->name, str("demo"));
-    EXPECT_FALSE(findAlias(str("äijän öljy & rauta oy")));
-
+    EXPECT_EQ(findAlias(str("General"))->ownerName, str("omistaja"));
+    EXPECT_FALSE(findAlias(str("äijän")));
     storeAlias({str("Demo"), str("/uusi"), {}, {}});
-    EXPECT_EQ(aliasNames().size(), 5);
+    EXPECT_EQ(aliasNames(), QStringList({str("Demo"), str("General"), str("Äijän")}));
     EXPECT_EQ(findAlias(str("demo"))->physicalName, str("/uusi"));
     EXPECT_TRUE(findAlias(str("demo"))->ownerName.isEmpty());
     EXPECT_TRUE(removeAlias(str("dEMO")));
@@ -127,45 +100,41 @@ TEST_F(AliasesTest, NamesAndFoldersComeBackAndCaseIsIgnored) {
 }
 
 #ifndef Q_OS_WIN
-// What a person writes into the file counts as it stands, whatever is saved afterwards.
-TEST_F(AliasesTest, AHandWrittenFileLosesNothing) {
-    const struct {
-        const char* text;
-        const char* value;
-    } values[] = {{"/srv/a,b", "/srv/a,b"},
-                  {"Server=h;Port=1583", "Server=h;Port=1583"},
-                  {"\"Server=h;Port=1583\"", "Server=h;Port=1583"},
-                  {"\"/srv/kauppa\"", "/srv/kauppa"},
-                  {"\"C:\\oma\\\"", "C:\\oma\\"},
-                  {"Driver=\"a;b\";Port=1", "Driver=\"a;b\";Port=1"},
-                  {"\"a\" and \"b\"", "\"a\" and \"b\""},
-                  {"C:\\oma\\Kauppa", "C:\\oma\\Kauppa"},
-                  {"C:\\\\oma", "C:\\oma"},
-                  {"100 % ä # x", "100 % ä # x"},
-                  {"@a", "@a"},
-                  {"@@a", "@a"}};
+// Hand-written values are read as they stand and survive a save.
+TEST_F(AliasesTest, KeepsAHandWrittenFile) {
+    const char* const values[][2] = {{"/srv/a,b", "/srv/a,b"},
+                                     {"Server=h;Port=1583", "Server=h;Port=1583"},
+                                     {"\"Server=h;Port=1583\"", "Server=h;Port=1583"},
+                                     {"\"C:\\oma\\\"", "C:\\oma\\"},
+                                     {"Driver=\"a;b\";Port=1", "Driver=\"a;b\";Port=1"},
+                                     {"\"a\" and \"b\"", "\"a\" and \"b\""},
+                                     {"C:\\oma\\Kauppa", "C:\\oma\\Kauppa"},
+                                     {"C:\\\\oma", "C:\\oma"},
+                                     {"100 % ä # x", "100 % ä # x"},
+                                     {"@a", "@a"},
+                                     {"@@a", "@a"}};
     const char* const names[] = {"Iso Kauppa Äijä", "a.b-c_d", "50% alv", "%C4%20%U20AC"};
-    const char* const meant[] = {"Iso Kauppa Äijä", "a.b-c_d", "50% alv", "Ä €"};
-    for (const auto& v : values) {
+    const char* const meant[] = {"Iso Kauppa Äijä", "a.b-c_d", "50% alv", "Ä €", "Oma osasto"};
+    QDir().mkpath(userSettingsFolder());
+    for (const auto& [written, value] : values) {
         QByteArray text("; oma huomautus\n[Engine]\nClientLibrary=/opt/lib,1.so\n\n[Aliases]\n");
-        for (const char* name : names)
-            text += QByteArray(name) + "\\PhysicalName=" + v.text + "\n" + name +
-                    "\\odbcattributes = " + v.text + '\n';
-        text += QByteArray("[Aliases\\Oma osasto]\nPhysicalName=") + v.text + '\n';
-        QDir().mkpath(userSettingsFolder());
+        for (const QByteArray name : names)
+            text += name + "\\PhysicalName=" + written + '\n' + name +
+                    "\\odbcattributes = " + written + '\n';
+        text += QByteArray("[Aliases\\Oma osasto]\nPhysicalName=") + written +
+                "\nOdbcAttributes=" + written + '\n';
         test::writeFile(settingsFile(), text);
         for (int round = 0; round < 2; ++round) {
             EXPECT_EQ(aliasNames().size(), 5 + round);
             for (const char* name : meant) {
                 const auto alias = findAlias(str(name));
                 ASSERT_TRUE(alias) << name;
-                EXPECT_EQ(alias->physicalName, str(v.value)) << name;
-                EXPECT_EQ(alias->odbcAttributes, str(v.value)) << name;
+                EXPECT_EQ(alias->physicalName, str(value)) << name;
+                EXPECT_EQ(alias->odbcAttributes, str(value)) << name;
             }
-            EXPECT_EQ(findAlias(str("Oma osasto"))->physicalName, str(v.value));
             EXPECT_EQ(engineSetting(str("ClientLibrary")), str("/opt/lib,1.so"));
-            storeAlias({str("uusi"), str(v.value), {}, {}});
-            EXPECT_EQ(findAlias(str("uusi"))->physicalName, str(v.value));
+            storeAlias({str("uusi"), str(value), {}, {}});
+            EXPECT_EQ(findAlias(str("uusi"))->physicalName, str(value));
         }
         EXPECT_TRUE(test::fileBytes(settingsFile()).startsWith("; oma huomautus\n[Engine]\n"));
         EXPECT_TRUE(removeAlias(str("oma osasto")));
@@ -173,38 +142,31 @@ TEST_F(AliasesTest, AHandWrittenFileLosesNothing) {
     }
 }
 
-// The file stays one that the toolkit's own INI files are, which earlier versions wrote.
-TEST_F(AliasesTest, TheFileIsSpelledAsItAlwaysWas) {
-    const char* const texts[] = {"Äijän Öljy & Rauta",
-                                 "a,b;c=d",
-                                 " reunoilla ",
-                                 "\"a\" \\ b\\",
-                                 "100 %20 € \xF0\x9F\x98\x80",
-                                 "@Invalid()",
-                                 "@@x",
-                                 "rivi\nrivi\t\001f",
-                                 "[x] #y"};
-    const auto settings = [this] {
-        return std::make_unique<QSettings>(settingsFile(), QSettings::IniFormat);
+// Earlier versions wrote the file with QSettings; other programs may still read it that way.
+TEST_F(AliasesTest, FileIsExchangedWithQSettings) {
+    const char* const texts[] = {
+        "Äijän Öljy & Rauta",         "a,b;c=d",    "a;b", " reunoilla ",          "\"a\" \\ b\\",
+        "100 %20 € \xF0\x9F\x98\x80", "@Invalid()", "@@x", "rivi\nrivi\t\x01\x66", "[x] #y"};
+    const auto key = [](const QString& name) {
+        return str("Aliases/") + name + str("/PhysicalName");
     };
     int number = 0;
     for (const char* text : texts) {
         const QString theirs = QStringLiteral("Koe %1 äÄ%=.\"€").arg(++number);
         const QString ours = QStringLiteral("Oma %1 General [ä]").arg(number);
-        settings()->setValue(str("Aliases/") + theirs + str("/PhysicalName"), str(text));
+        QSettings(settingsFile(), QSettings::IniFormat).setValue(key(theirs), str(text));
         ASSERT_TRUE(findAlias(theirs)) << text;
         EXPECT_EQ(findAlias(theirs)->physicalName, str(text));
         storeAlias({ours, str(text), str(text), {}});
         EXPECT_EQ(findAlias(ours)->localFilePath, str(text));
-        EXPECT_EQ(settings()->value(str("Aliases/") + ours + str("/PhysicalName")).toString(),
-                  str(text));
-        EXPECT_EQ(settings()->value(str("Aliases/") + theirs + str("/PhysicalName")).toString(),
-                  str(text));
+        for (const QString& name : {ours, theirs})
+            EXPECT_EQ(QSettings(settingsFile(), QSettings::IniFormat).value(key(name)).toString(),
+                      str(text));
     }
     EXPECT_EQ(aliasNames().size(), 2 * number);
 }
 
-TEST_F(AliasesTest, OnlyTheUserReadsHisPasswords) {
+TEST_F(AliasesTest, OnlyTheUserMayReadTheFile) {
     const mode_t before = ::umask(0);
     storeAlias({str("eka"), str("/a"), {}, {}, {}, {}, {}, str("salainen")});
     const auto own = QFile::ReadOwner | QFile::WriteOwner;
@@ -219,36 +181,12 @@ TEST_F(AliasesTest, OnlyTheUserReadsHisPasswords) {
     EXPECT_EQ(rights(settingsFile()), own);
     ::umask(before);
 }
-#endif
 
-TEST_F(AliasesTest, AnotherSettingsFolderIsAnotherList) {
-    storeAlias({str("eka"), str("/a"), {}, {}});
-    const QTemporaryDir other;
-    useConfig(other.path());
-    EXPECT_TRUE(aliasNames().isEmpty());
-    storeAlias({str("toka"), str("/b"), {}, {}});
-    useConfig(m_config.path());
-    EXPECT_EQ(aliasNames(), QStringList(str("eka")));
-    EXPECT_TRUE(userSettingsFolder().startsWith(m_config.path()));
-}
-
-#ifndef Q_OS_WIN
 TEST_F(AliasesTest, TwoProgramsRegisterAtOnce) {
-    constexpr int kEach = 40;
-    std::vector<pid_t> children;
-    for (const char* who : {"eka ", "toka "}) {
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            for (int i = 0; i < kEach; ++i)
-                storeAlias({str(who) + QString::number(i), str("/a"), {}, {}});
-            _exit(0);
-        }
-        children.push_back(child);
-    }
-    for (const pid_t child : children)
-        ASSERT_EQ(waitpid(child, nullptr, 0), child);
-    EXPECT_EQ(aliasNames().size(), 2 * kEach);
+    test::inTwoProcesses(40, [](const QString& who, int number) {
+        storeAlias({who + QString::number(number), str("/a"), {}, {}});
+    });
+    EXPECT_EQ(aliasNames().size(), 80);
 }
 #endif
 
@@ -264,23 +202,20 @@ TEST_F(AliasesTest, BadNamesAreRefused) {
     EXPECT_TRUE(aliasNames().isEmpty());
 }
 
-TEST_F(AliasesTest, ADamagedSettingsFileIsNamedAndLeftAlone) {
-    ASSERT_TRUE(QDir().mkpath(m_config.filePath(str("Taksavaihe"))));
+TEST_F(AliasesTest, ADamagedFileIsNamedAndLeftAlone) {
+    const auto store = [] { storeAlias({str("y"), str("/b"), {}, {}}); };
+    ASSERT_TRUE(QDir().mkpath(userSettingsFolder()));
     const QByteArray bytes("[Aliases]\nx\\PhysicalName=/a\n\xFF\x01garbage\n");
     test::writeFile(settingsFile(), bytes);
-    try {
-        storeAlias({str("y"), str("/b"), {}, {}});
-        ADD_FAILURE() << "written";
-    } catch (const data::DataError& error) {
-        EXPECT_EQ(error.table(), settingsFile());
-        EXPECT_EQ(error.kind(), data::ErrorKind::Damaged);
-    }
+    const data::DataError error = test::thrownBy(store);
+    EXPECT_EQ(error.table(), settingsFile());
+    EXPECT_EQ(error.kind(), data::ErrorKind::Damaged);
     EXPECT_THROW(aliasNames(), data::DataError);
     EXPECT_EQ(test::fileBytes(settingsFile()), bytes);
 
     ASSERT_TRUE(QFile::remove(settingsFile()) && QDir().mkpath(settingsFile()));
     EXPECT_THROW(findAlias(str("x")), data::DataError);
-    EXPECT_THROW(storeAlias({str("y"), str("/b"), {}, {}}), data::DataError);
+    EXPECT_THROW(store(), data::DataError);
 }
 
 TEST_F(AliasesTest, TakingACompanyIntoUse) {

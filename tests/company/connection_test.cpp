@@ -1,29 +1,20 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <stdexcept>
 
-#include "company/connection_module.h"
 #include "company/run_mark.h"
-#include "engines/embedded/embedded_database.h"
 #include "platform/command_line.h"
-#include "tests/support/company_folder.h"
+#include "tests/support/test_company.h"
 
 using namespace company;
 using namespace platform;
+using test::str;
 
 namespace {
 
-QString str(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
-
 class ConnectionTest : public ::testing::Test {
   protected:
-    void SetUp() override {
-        setParameters({});
-        engines::createEmbedded(m_company.path(), data::allTableSources());
-    }
+    ConnectionTest() { setParameters({}); }
 
     /// Opens the test's company under any name, after a number of failures.
     TZavDbConnectionModule::Opener opener(int failures) {
@@ -45,7 +36,7 @@ class ConnectionTest : public ::testing::Test {
         };
     }
 
-    test::CompanyFolder m_company;
+    test::TestCompany m_company{{}};
     QStringList m_asked;
     QStringList m_notices;
     int m_shown = 0;
@@ -70,27 +61,21 @@ TEST_F(ConnectionTest, OneConnectionAName) {
 }
 
 TEST_F(ConnectionTest, FourAttemptsThenTheNextOperationFails) {
-    {
-        TZavDbConnectionModule module(opener(3), notice());
+    for (const int failures : {3, 4}) {
+        m_asked.clear();
+        TZavDbConnectionModule module(opener(failures), notice());
         module.Yhdista(str("eka"), true, false);
-        EXPECT_TRUE(module.UniDacConnection().connected());
+        EXPECT_EQ(module.UniDacConnection().connected(), failures == 3);
         EXPECT_EQ(m_asked.size(), 4);
-    }
-    m_asked.clear();
-    TZavDbConnectionModule module(opener(4), notice());
-    module.Yhdista(str("eka"), true, false);
-    EXPECT_EQ(m_asked.size(), 4);
-    EXPECT_FALSE(module.UniDacConnection().connected());
-    EXPECT_EQ(m_shown, 0);
-    try {
-        module.LuoUniQuery(str("Eka"));
-        ADD_FAILURE() << "a query without a connection";
-    } catch (const data::DataError& error) {
+        EXPECT_EQ(m_shown, 0);
+        if (failures == 3)
+            continue;
+        const data::DataError error = test::thrownBy([&] { module.LuoUniQuery(str("Eka")); });
         EXPECT_EQ(error.kind(), data::ErrorKind::NoConnection);
         EXPECT_EQ(error.table(), str("eka"));
         EXPECT_EQ(error.detail(), str("attempt 4"));
+        EXPECT_EQ(m_asked.size(), 4);
     }
-    EXPECT_EQ(m_asked.size(), 4);
 }
 
 TEST_F(ConnectionTest, TheAliasChoosesTheEngineOrSaysWhyNot) {
@@ -102,41 +87,28 @@ TEST_F(ConnectionTest, TheAliasChoosesTheEngineOrSaysWhyNot) {
     storeAlias({str("kansioton"), {}, {}, {}});
     const QString workingFolder = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(m_company.path()));  // its database is nobody's here
-    const struct {
-        const char* name;
-        const char* reason;
-        const char* finnish;
-    } cases[] = {{"tyhjä", "client library", ""},
-                 {"poissa", "does not exist", "poissa\" ei ole"},
-                 {"kansioton", "client library", ""},
-                 {"tuntematon", "registered", "sen nimistä yritystä ei ole luettelossa"}};
+    const char* const cases[][3] = {
+        {"tyhjä", "client library", ""},
+        {"poissa", "does not exist", "poissa\" ei ole"},
+        {"kansioton", "client library", ""},
+        {"tuntematon", "registered", "sen nimistä yritystä ei ole luettelossa"}};
     for (const auto& [name, reason, finnish] : cases) {
-        try {
-            TZavDbConnectionModule::openByAlias(str(name));
-            ADD_FAILURE() << name << " was opened";
-        } catch (const data::DataError& error) {
-            EXPECT_EQ(error.kind(), data::ErrorKind::NoConnection) << name;
-            EXPECT_TRUE(error.detail().contains(str(reason))) << error.what();
-            EXPECT_TRUE(error.finnish().contains(str(finnish))) << error.finnish().toStdString();
-        }
+        const data::DataError error =
+            test::thrownBy([&] { TZavDbConnectionModule::openByAlias(str(name)); });
+        EXPECT_EQ(error.kind(), data::ErrorKind::NoConnection) << name;
+        EXPECT_TRUE(error.detail().contains(str(reason))) << error.what();
+        EXPECT_TRUE(error.finnish().contains(str(finnish))) << error.finnish().toStdString();
         removeAlias(str(name));
     }
     QDir::setCurrent(workingFolder);
 }
 
-TEST_F(ConnectionTest, WhatIsWrongWithTheFileIsToldInFinnishWithItsOwnRemedy) {
+TEST_F(ConnectionTest, FileErrorsNameTheRemedyInFinnish) {
     const QString file = m_company.file(engines::kEmbeddedFileName);
     const auto told = [&] {
-        TZavDbConnectionModule module;
-        module.Yhdista(currentCompany().name, true, false);
-        try {
-            module.UniDacConnection().database();
-        } catch (const data::DataError& error) {
-            return error.finnish();
-        }
-        return QString();
+        return test::thrownBy([&] { TZavDbConnectionModule::openByAlias(currentCompany().name); })
+            .finnish();
     };
-    EXPECT_EQ(told(), QString());
     {
         QFile database(file);
         ASSERT_TRUE(database.open(QIODevice::ReadWrite) && database.seek(60));
@@ -151,45 +123,35 @@ TEST_F(ConnectionTest, WhatIsWrongWithTheFileIsToldInFinnishWithItsOwnRemedy) {
                               "tai ota yhteys tukeen."));
 }
 
-QStringList& traced() {
-    static QStringList lines;
-    return lines;
-}
-
 TEST_F(ConnectionTest, SwitchesTraceTheQueriesOfTheProgram) {
     const struct {
-        QStringList parameters;
+        const char* parameters;
         bool connection;
         bool statements;
-    } cases[] = {{{str("KOE"), str("/E")}, false, false},
-                 {{str("/unimonitor")}, true, true},
-                 {{str("KOE"), str("-UniMonitor"), str("/uniquerydebug")}, true, true},
-                 {{str("/uniquerydebug"), str("KOE")}, false, true},
-                 {{str("KOE"), str("/UNIQUERYDEBUG")}, false, true},
-                 {{str("/UNIDACDEBUG"), str("KOE")}, false, false},
-                 {{str("KOE"), str("/unidacdebug")}, false, true}};
+    } cases[] = {{"KOE /E", false, false},
+                 {"/unimonitor", true, true},
+                 {"KOE -UniMonitor /uniquerydebug", true, true},
+                 {"/uniquerydebug KOE", false, true},
+                 {"KOE /UNIQUERYDEBUG", false, true},
+                 {"/UNIDACDEBUG KOE", false, false},
+                 {"KOE /unidacdebug", false, true}};
+    static QStringList traced;
     for (const auto& c : cases) {
-        setParameters(c.parameters);
-        traced().clear();
-        const QtMessageHandler previous =
-            qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& line) {
-                traced().append(line);
-            });
-        {
-            TZavDbConnectionModule module(opener(0), notice());
-            module.Yhdista(str("KOE"), true, false);
-            data::TUniQuery query(&module.UniDacConnection().database());
-            query.sql().add(str("select nimi from tryhma where nro = :nro"));
-            query.paramByName(str("nro")).setInteger(7);
-            query.open();
-        }
+        setParameters(str(c.parameters).split(u' '));
+        traced.clear();
+        const QtMessageHandler previous = qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext&, const QString& line) { traced.append(line); });
+        TZavDbConnectionModule module(opener(0), notice());
+        module.Yhdista(str("KOE"), true, false);
+        const auto query = module.LuoUniQuery({});
+        query->sql().add(str("select nimi from tryhma where nro = :nro"));
+        query->paramByName(str("nro")).setInteger(7);
+        query->open();
         qInstallMessageHandler(previous);
-        const std::string where = c.parameters.join(u' ').toStdString();
-        EXPECT_EQ(traced().contains(str("connect KOE attempt 1 connected")), c.connection) << where;
-        EXPECT_EQ(traced().contains(str("select nimi from tryhma where nro = :nro")), c.statements)
-            << where;
-        EXPECT_EQ(traced().contains(str("  :nro = 7")), c.statements) << where;
-        m_asked.clear();
+        EXPECT_EQ(traced.contains(str("connect KOE attempt 1 connected")), c.connection)
+            << c.parameters;
+        for (const char* line : {"select nimi from tryhma where nro = :nro", "  :nro = 7"})
+            EXPECT_EQ(traced.contains(str(line)), c.statements) << c.parameters << line;
     }
     setParameters({});
     const TZavDbConnectionModule untraced(opener(0), notice());
@@ -210,59 +172,43 @@ TEST_F(ConnectionTest, RecordTablesOpenWithTheOwnersName) {
     EXPECT_TRUE(table.isOpen());
 }
 
-QString marks(data::Database& database) {
-    data::TUniQuery query(&database);
-    query.sql().add(str("select ininimi, sektio, avain, data from ini order by avain, data"));
-    QString text;
-    for (query.open(); !query.eof(); query.next()) {
-        for (const QString& name : query.fieldNames())
-            text += query.fieldByName(name).asString() + u'|';
-        text += u'\n';
-    }
-    return text;
-}
-
-void run(data::Database& database, const QString& statement) {
-    data::TUniQuery query(&database);
-    query.sql().add(statement);
-    query.execSql();
-}
-
 TEST_F(ConnectionTest, AScriptRunsItsStatementsInOrderToTheFirstThatFails) {
     TZavDbConnectionModule module(opener(0), notice());
     const auto script = module.LuoUniScript(str("eka"));
     script->sql().add(str("insert into ini values ('a;b', '1', '--', 'x'); -- ei; mitään"));
     script->sql().add(str("/* ; */ ;update ini set data = 'y'\nwhere sektio = '1';"));
     script->execute();
-    data::Database& database = module.connection(str("eka")).database();
-    EXPECT_EQ(marks(database), str("a;b|1|--|y|\n"));
+    EXPECT_EQ(m_company.text(str("select data from ini where ininimi='a;b' and avain='--'")),
+              str("y"));
     script->sql().setText(
-        str("delete from ini; delete from puuttuu; insert into ini values ('c', "
-            "'', '', '')"));
+        str("delete from ini; delete from puuttuu; insert into ini values ('c', '', '', '')"));
     EXPECT_THROW(script->execute(), data::DataError);
-    EXPECT_EQ(marks(database), QString());
+    EXPECT_EQ(m_company.number(str("select count(*) from ini")), 0);
 }
 
 TEST_F(ConnectionTest, RunMark) {
     data::Database& database = companyDatabase();
-    run(database, str("insert into ini values ('ZAV.INI', 'TAKSAVAIHE', '20230101', 'vanha')"));
-    const QString other = str("ZAV.INI|TAKSAVAIHE|20230101|vanha|\n");
+    const auto marks = [&] {
+        return m_company.text(
+            str("select count(*) from ini where sektio='TAKSAVAIHE' and "
+                "ininimi='ZAV.INI' and avain='20240901'"));
+    };
+    m_company.exec(str("insert into ini values ('ZAV.INI', 'TAKSAVAIHE', '20230101', 'vanha')"));
     EXPECT_FALSE(ExecutionMarkExists(database));
     EXPECT_EQ(DeleteExecutionMark(database), 0);
-
-    writeExecutionMark(database, QDateTime(QDate(2024, 9, 1), QTime(7, 5, 9)));
-    EXPECT_TRUE(ExecutionMarkExists(database));
-    EXPECT_EQ(marks(database), other + str("ZAV.INI|TAKSAVAIHE|20240901|2024-09-01 07:05:09|\n"));
-    writeExecutionMark(database, QDateTime(QDate(2024, 12, 31), QTime(23, 59, 59)));
-    EXPECT_EQ(marks(database), other + str("ZAV.INI|TAKSAVAIHE|20240901|2024-12-31 23:59:59|\n"));
-
-    run(database, str("update ini set data='' where avain='20240901'"));
+    for (const QDateTime& when : {QDateTime(QDate(2024, 9, 1), QTime(7, 5, 9)),
+                                  QDateTime(QDate(2024, 12, 31), QTime(23, 59, 59))}) {
+        writeExecutionMark(database, when);
+        EXPECT_TRUE(ExecutionMarkExists(database));
+        EXPECT_EQ(marks(), str("1"));
+        EXPECT_EQ(m_company.text(str("select data from ini where avain='20240901'")),
+                  when.toString(str("yyyy-MM-dd HH:mm:ss")));
+    }
+    m_company.exec(str("update ini set data='' where avain='20240901'"));
     EXPECT_FALSE(ExecutionMarkExists(database));
-    EXPECT_EQ(DeleteExecutionMark(database), 1);
-    for (int i = 0; i < 2; ++i)
-        run(database, str("insert into ini values ('ZAV.INI', 'TAKSAVAIHE', '20240901', 'x')"));
+    m_company.exec(str("insert into ini values ('ZAV.INI', 'TAKSAVAIHE', '20240901', 'x')"));
     EXPECT_EQ(DeleteExecutionMark(database), 2);
-    EXPECT_EQ(marks(database), other);
+    EXPECT_EQ(m_company.text(str("select data from ini")), str("vanha"));
 }
 
 }  // namespace

@@ -5,18 +5,13 @@
 #include <QDir>
 #include <QSettings>
 
-#include "data/error.h"
 #include "platform/user_settings.h"
 #include "tests/support/company_folder.h"
 
 using framework::DefinitionStore;
-using framework::SavedDefinition;
+using test::str;
 
 namespace {
-
-QString str(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
 
 const QString kForm = QStringLiteral("AlvMuutosLomake");
 
@@ -27,41 +22,35 @@ class DefinitionStoreTest : public ::testing::Test {
     QString m_file = m_company.file(QStringLiteral("MAARITYS/AlvMuutosLomake.INI"));
 };
 
-TEST_F(DefinitionStoreTest, DefinitionsComeBackByName) {
+TEST_F(DefinitionStoreTest, DefinitionsComeBackByNameInFinnishOrder) {
     EXPECT_TRUE(m_store.GetValues(kForm).isEmpty());
     EXPECT_FALSE(m_store.load(kForm, str("Normaali")));
     EXPECT_FALSE(m_store.remove(kForm, str("Normaali")));
 
-    const char* const names[] = {"Normaali", "Äyriäiset 25,5 %", "åå", "a=b;c#d", "\"x\"", "Ω"};
-    for (const char* name : names)
-        m_store.save(kForm, {str(name),
-                             str("Selitys: ") + str(name),
-                             {{str("Hinta1Edit"), str("1.0120967741935485")},
-                              {str("TuotenroAlkuEdit"), str(" 12 ")},
-                              {str("VieHr"), str("1")}}});
+    const QMap<QString, QString> values = {{str("Hinta1Edit"), str("1.0120967741935485")},
+                                           {str("TuotenroAlkuEdit"), str(" 12 ")},
+                                           {str("VieHr"), str("1")}};
+    const QStringList names = str("\"x\"|a=b;c#d|Normaali|åå|Äyriäiset 25,5 %|Ω").split(u'|');
+    for (const QString& name : names)
+        m_store.save(kForm, {name, str("Selitys: ") + name, values});
     EXPECT_EQ(m_store.fileName(kForm), m_file);
-    EXPECT_EQ(m_store.GetValues(kForm).size(), 6);
-    for (const char* name : names) {
-        const auto definition = m_store.load(kForm, u' ' + str(name).toUpper() + u' ');
-        ASSERT_TRUE(definition) << name;
-        EXPECT_EQ(definition->name, str(name));
-        EXPECT_EQ(definition->description, str("Selitys: ") + str(name));
-        EXPECT_EQ(definition->values.size(), 3);
-        EXPECT_EQ(definition->value(str("hinta1EDIT")), str("1.0120967741935485"));
-        EXPECT_EQ(definition->value(str("TuotenroAlkuEdit")), str(" 12 "));
+    EXPECT_EQ(m_store.GetValues(kForm), names);
+    for (const QString& name : names) {
+        const auto definition = m_store.load(kForm, u' ' + name.toUpper() + u' ');
+        ASSERT_TRUE(definition) << name.toStdString();
+        EXPECT_EQ(definition->name, name);
+        EXPECT_EQ(definition->description, str("Selitys: ") + name);
+        EXPECT_EQ(definition->values, values);
+        EXPECT_EQ(definition->value(str("hinta1EDIT")), values.first());
         EXPECT_FALSE(definition->value(str("Hinta2Edit")));
     }
     EXPECT_TRUE(m_store.remove(kForm, str("Åå")));
     EXPECT_EQ(m_store.GetValues(kForm).size(), 5);
     EXPECT_EQ(QDir(m_company.file(str("MAARITYS"))).entryList(QDir::Files),
               QStringList(str("AlvMuutosLomake.INI")));
-}
 
-TEST_F(DefinitionStoreTest, NamesAreListedInFinnishOrder) {
-    ASSERT_TRUE(QDir().mkpath(m_company.file(str("MAARITYS"))));
     test::writeFile(m_file, "[\xD6]\n[zeta]\n[Alfa]\n[]\nx=1\n[ALFA]\n[\xE4]\n[beta]\n");
-    EXPECT_EQ(m_store.GetValues(kForm),
-              QStringList({str("Alfa"), str("beta"), str("zeta"), str("ä"), str("Ö")}));
+    EXPECT_EQ(m_store.GetValues(kForm).join(u' '), str("Alfa beta zeta ä Ö"));
 }
 
 TEST_F(DefinitionStoreTest, ASaveKeepsOrderAndForeignKeys) {
@@ -103,20 +92,17 @@ TEST_F(DefinitionStoreTest, BadNamesAndFilesChangeNothing) {
     EXPECT_FALSE(QFile::exists(m_company.file(str("ei"))));
 }
 
-TEST_F(DefinitionStoreTest, TheFormsFlagMovesThemToTheLocalFolder) {
+TEST_F(DefinitionStoreTest, AFlagOfTheFormMovesThemToTheLocalFolder) {
     const QTemporaryDir local;
     company::storeAlias({company::currentCompany().name, m_company.path(), local.path(), {}});
     ASSERT_TRUE(company::takeIntoUse(company::currentCompany().name));
     EXPECT_EQ(m_store.fileName(kForm), m_file);
-    {
-        QSettings settings(platform::userSettingsFolder() + str("/aliases.ini"),
-                           QSettings::IniFormat);
-        settings.setValue(str("Lomakkeet/AlvMuutosLomake/PaikallinenMaaritys"), 1);
-    }
+    QSettings settings(platform::userSettingsFolder() + str("/aliases.ini"), QSettings::IniFormat);
+    settings.setValue(str("Lomakkeet/AlvMuutosLomake/PaikallinenMaaritys"), 1);
+    settings.sync();
     EXPECT_EQ(m_store.fileName(kForm), local.filePath(str("MAARITYS/AlvMuutosLomake.INI")));
     EXPECT_EQ(m_store.fileName(str("Muu")), m_company.file(str("MAARITYS/Muu.INI")));
-    QSettings(platform::userSettingsFolder() + str("/aliases.ini"), QSettings::IniFormat)
-        .remove(str("Lomakkeet"));
+    settings.remove(str("Lomakkeet"));
 }
 
 TEST(DefinitionStore, ALoadWithoutANameMeansNormaali) {

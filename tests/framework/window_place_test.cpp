@@ -20,61 +20,44 @@ class WindowPlace : public ::testing::Test {
         platform::setParameters({});
         platform::userSettings()->clear();
     }
-    test::ScriptedDialogs m_dialogs;  // a person is there
+    static void showOnce(QWidget& window, const QPoint& corner) {
+        window.setGeometry(QRect(corner, QSize(400, 300)));
+        window.show();
+        window.hide();
+    }
+    test::ScriptedDialogs m_dialogs;  // makes the program believe that a user is there
 };
 
-TEST_F(WindowPlace, IsTheSameTheNextTime) {
-    const QRect place(120, 90, 400, 300);
-    {
-        QWidget window;
-        EXPECT_FALSE(framework::rememberPlace(window, kName));
-        window.setGeometry(place);
-        window.show();
-        window.hide();
-    }
-    QWidget window;
-    EXPECT_TRUE(framework::rememberPlace(window, kName));
-    EXPECT_EQ(window.geometry(), place);
-    QWidget other;
-    EXPECT_FALSE(framework::rememberPlace(other, kName + QStringLiteral("2")));
-}
-
-TEST_F(WindowPlace, IsOnAScreenAfterAScreenHasGone) {
+TEST_F(WindowPlace, IsRestoredOnTheScreenThatIsLeft) {
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    {
+    for (const QPoint& corner : {QPoint(120, 90), screen.bottomRight() + QPoint(3000, 2000)}) {
+        platform::userSettings()->clear();
+        QWidget first;
+        EXPECT_FALSE(framework::rememberPlace(first, kName));
+        showOnce(first, corner);
         QWidget window;
-        framework::rememberPlace(window, kName);
-        window.setGeometry(screen.right() + 3000, screen.bottom() + 2000, 400, 300);
+        EXPECT_TRUE(framework::rememberPlace(window, kName));
         window.show();
-        window.hide();
+        EXPECT_TRUE(screen.contains(window.geometry())) << window.geometry().x();
+        EXPECT_EQ(window.geometry().contains(corner), screen.contains(corner));
+        EXPECT_EQ(window.size(), QSize(400, 300));
+        QWidget other;
+        EXPECT_FALSE(framework::rememberPlace(other, kName + QStringLiteral("2")));
     }
-    QWidget window;
-    framework::rememberPlace(window, kName);
-    window.show();
-    EXPECT_TRUE(screen.contains(window.geometry())) << window.geometry().x();
-    EXPECT_EQ(window.size(), QSize(400, 300));
 }
 
 TEST_F(WindowPlace, AnUnattendedRunNeitherReadsNorWrites) {
-    const auto showOnce = [] {
+    for (const bool unattended : {true, false, true}) {
+        platform::setParameters(unattended ? QStringList(QStringLiteral("/E")) : QStringList());
+        const bool stored = !platform::userSettings()->allKeys().isEmpty();
         QWidget window;
-        framework::rememberPlace(window, kName);
-        window.setGeometry(10, 20, 400, 300);
-        window.show();
-        window.hide();
-    };
-    platform::setParameters({QStringLiteral("/E")});
-    showOnce();
-    EXPECT_TRUE(platform::userSettings()->allKeys().isEmpty());
-    platform::setParameters({});
-    showOnce();
-    EXPECT_FALSE(platform::userSettings()->allKeys().isEmpty());
-    platform::setParameters({QStringLiteral("/E")});
-    QWidget window;
-    EXPECT_FALSE(framework::rememberPlace(window, kName));
+        EXPECT_FALSE(framework::rememberPlace(window, kName));
+        showOnce(window, QPoint(10, 20));
+        EXPECT_EQ(!platform::userSettings()->allKeys().isEmpty(), stored || !unattended);
+    }
 }
 
-TEST_F(WindowPlace, DamagedSettingsAreNoPlace) {
+TEST_F(WindowPlace, DamagedSettingsAreIgnored) {
     platform::userSettings()->setValue(QStringLiteral("Paikat/") + kName, QByteArray("rikki"));
     QWidget window;
     EXPECT_FALSE(framework::rememberPlace(window, kName));

@@ -359,7 +359,7 @@ TEST(UnfinishedRun, IsNotedAndToldToTheNext) {
     company.ports.isUnattended = true;
     company.ports.lines.clear();
     EXPECT_TRUE(company.run(definition).clean());
-    EXPECT_TRUE(company.ports.lines.front().startsWith(start));
+    EXPECT_TRUE(company.ports.lines.front().startsWith(QStringLiteral("Huomaa: ") + start));
     EXPECT_FALSE(noted());
 }
 

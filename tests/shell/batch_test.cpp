@@ -2,112 +2,103 @@
 
 #include <gtest/gtest.h>
 
-#include <QStringList>
 #include <map>
 
-#include "data/error.h"
 #include "shell/build_stamp.h"
 #include "shell/start_up.h"
+#include "tests/support/checks.h"
 
 using shell::ExitStatus;
+using test::str;
 using vatchange::RunResult;
 
 namespace {
 
-QString str(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
-
-// Saved are "a", "b" and "c"; each run of a definition ends as `results` says.
+// "a", "b" and "c" are saved; "b" can be damaged; runs end as `results` says.
 struct Recorder {
     bool marked = false;
     QStringList problems;
-    QString damaged;
+    bool bIsDamaged = false;
     std::map<QString, RunResult> results;
     QStringList events;
     QString loaded;
 
-    ExitStatus run(const company::BatchList& list) {
+    ExitStatus run(const char* list) {
+        const QStringList names = str(list).split(u' ');  // "-" is an empty name
+        company::BatchList batch;
+        for (int i = 0; i < names.size(); ++i)
+            batch[i] = names[i] == u'-' ? QString() : names[i];
         shell::BatchPorts ports;
         ports.alreadyRun = [this] { return marked; };
         ports.isSaved = [](const QString& name) {
             return str("abc").contains(name, Qt::CaseInsensitive);
         };
         ports.problems = [this] { return problems; };
-        ports.openForm = [this] { events.append(str("open")); };
+        ports.openForm = [this] { events += str("open"); };
         ports.load = [this](const QString& name) {
-            if (name == damaged)
+            if (bIsDamaged && name == u'b')
                 throw data::DataError::verbatim(data::ErrorKind::Damaged, str("rivi 3"));
             loaded = name;
             return true;
         };
         ports.run = [this] {
-            events.append(str("run ") + loaded);
+            events += str("run ") + loaded;
             return results[loaded];
         };
-        ports.generalLog = [this](const QString& line) { events.append(str("loki: ") + line); };
-        ports.changeLog = [this](const QString& line) { events.append(str("log: ") + line); };
-        return runBatch(list, ports);
+        ports.generalLog = [this](const QString& line) { events += str("general: ") + line; };
+        ports.changeLog = [this](const QString& line) { events += line; };
+        return runBatch(batch, ports);
     }
 };
 
-TEST(Batch, RunsTheListInItsOrderAndLogsNamesAsWritten) {
-    Recorder r;
-    EXPECT_EQ(r.run({str("C"), str(""), str("a"), str("")}), ExitStatus::Done);
-    EXPECT_EQ(r.events, QStringList({str("open"), str("log: Aloitetaan muutos määrittelylle: C"),
-                                     str("run C"), str("log: Aloitetaan muutos määrittelylle: a"),
-                                     str("run a")}));
+TEST(Batch, RunsTheListInOrderUnlessSomethingForbidsIt) {
+    const QString a = str("|Aloitetaan muutos määrittelylle: a|run a");
+    const QString c = str("|Aloitetaan muutos määrittelylle: c|run c");
+    const struct {
+        const char* list;
+        bool marked;
+        const char* problems;
+        bool bIsDamaged;
+        ExitStatus status;
+        QString events;
+    } cases[] = {
+        {"c - a -", false, "", false, ExitStatus::Done, str("open") + c + a},
+        {"C", false, "", false, ExitStatus::Done,
+         str("open|Aloitetaan muutos määrittelylle: C|run C")},
+        {"-", false, "", false, ExitStatus::Done, str("open")},
+        {"x a", true, "luokat", false, ExitStatus::AlreadyRun,
+         str("general: Taksavaihe on kertaalleen ajettu")},
+        {"a b x y", false, "luokat", false, ExitStatus::Unavailable,
+         str("Määrittelyä ei löydy, eräajoa ei tehdä: x|Määrittelyä ei löydy, eräajoa ei tehdä: "
+             "y")},
+        {"a", false, "luokat|luettelo", false, ExitStatus::Failed,
+         str("Virhe: luokat|Virhe: luettelo")},
+        {"a b c", false, "", true, ExitStatus::Failed,
+         str("open") + a + str("|Määrittelyä ei ajeta: \"b\": rivi 3") + c},
+    };
+    for (const auto& t : cases) {
+        Recorder r;
+        r.marked = t.marked;
+        r.problems = str(t.problems).split(u'|', Qt::SkipEmptyParts);
+        r.bIsDamaged = t.bIsDamaged;
+        EXPECT_EQ(r.run(t.list), t.status) << t.list;
+        EXPECT_EQ(r.events.join(u'|'), t.events) << t.list;
+    }
 }
 
-TEST(Batch, AnEmptyListOpensTheFormAndLogsNothing) {
-    Recorder r;
-    EXPECT_EQ(r.run({}), ExitStatus::Done);
-    EXPECT_EQ(r.events, QStringList(str("open")));
-}
-
-TEST(Batch, TheMarkComesBeforeUnknownNamesAndTheseBeforeProblemsOfTheStart) {
-    Recorder r;
-    r.marked = true;
-    r.problems = QStringList({str("luokat"), str("luettelo")});
-    EXPECT_EQ(r.run({str("x"), str("a")}), ExitStatus::AlreadyRun);
-    EXPECT_EQ(r.events, QStringList(str("loki: Taksavaihe on kertaalleen ajettu")));
-
-    r.marked = false;
-    r.events.clear();
-    EXPECT_EQ(r.run({str("a"), str("b"), str("x"), str("y")}), ExitStatus::Unavailable);
-    EXPECT_EQ(r.events, QStringList({str("log: Määrittelyä ei löydy, eräajoa ei tehdä: x"),
-                                     str("log: Määrittelyä ei löydy, eräajoa ei tehdä: y")}));
-
-    r.events.clear();
-    EXPECT_EQ(r.run({str("a"), str(""), str(""), str("")}), ExitStatus::Failed);
-    EXPECT_EQ(r.events, QStringList({str("log: luokat"), str("log: luettelo")}));
-}
-
-TEST(Batch, ADamagedDefinitionIsRefusedAndTheOthersRun) {
-    Recorder r;
-    r.damaged = str("b");
-    EXPECT_EQ(r.run({str("a"), str("b"), str("c"), str("")}), ExitStatus::Failed);
-    EXPECT_EQ(r.events.mid(3),
-              QStringList({str("log: Määrittelyä ei ajeta: \"b\": rivi 3"),
-                           str("log: Aloitetaan muutos määrittelylle: c"), str("run c")}));
-}
-
-TEST(Batch, WhateverGoesWrongInADefinitionTheNextOnesRunAndTheStatusTells) {
-    RunResult bad[3];
+TEST(Batch, AFailedDefinitionFailsTheBatchAndOnlyACancelStopsIt) {
+    RunResult bad[4];
     bad[0].refused = true;
     bad[1].failedSteps = 1;
     bad[2].skippedProducts = 1;
+    bad[3].cancelled = true;
     for (const RunResult& result : bad) {
         Recorder r;
         r.results[str("a")] = result;
-        EXPECT_EQ(r.run({str("a"), str("b"), str(""), str("c")}), ExitStatus::Failed);
-        EXPECT_EQ(r.events.filter(str("run")),
-                  QStringList({str("run a"), str("run b"), str("run c")}));
+        EXPECT_EQ(r.run("a b - c"), ExitStatus::Failed);
+        EXPECT_EQ(r.events.filter(str("run")).join(u'|'),
+                  str(result.cancelled ? "run a" : "run a|run b|run c"));
     }
-    Recorder stopped;
-    stopped.results[str("b")].cancelled = true;
-    EXPECT_EQ(stopped.run({str("a"), str("b"), str("c"), str("")}), ExitStatus::Failed);
-    EXPECT_EQ(stopped.events.last(), str("run b"));
 }
 
 TEST(BuildStamp, ShowsLocalTimeOrDateTimeZero) {

@@ -7,46 +7,79 @@
 #include <QSpinBox>
 #include <QTest>
 
-#include "data/error.h"
-#include "data/sql/uni_query.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/demo_company_dialog.h"
+#include "platform/command_line.h"
 #include "platform/user_settings.h"
 #include "tests/support/company_folder.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/window_checks.h"
 
-namespace {
+using test::str;
 
-QString str(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
+namespace {
 
 TEST(CompanyChoice, AFirstStartOffersToMakeACompany) {
     test::ScriptedDialogs dialogs;
     framework::TYritysValinta choice;
     choice.show();
     QApplication::setActiveWindow(&choice);
-    const auto* offer = choice.findChild<QPushButton*>(str("EsimerkkiButton"));
-    EXPECT_TRUE(offer->isVisible());
-    EXPECT_FALSE(choice.findChild<QTreeWidget*>()->isVisible());
-    EXPECT_FALSE(choice.findChild<QPushButton*>(str("ValitseButton"))->isEnabled());
-    test::expectNoMnemonicClash(choice);
-
+    const auto expectOffer = [&choice](bool offered) {
+        const auto button = [&](const char* name) {
+            return choice.findChild<QPushButton*>(str(name));
+        };
+        EXPECT_EQ(button("EsimerkkiButton")->isVisible(), offered);
+        EXPECT_EQ(choice.findChild<QTreeWidget*>()->isVisible(), !offered);
+        EXPECT_EQ(button("ValitseButton")->isEnabled(), !offered);
+        test::expectNoMnemonicClash(choice);
+    };
+    expectOffer(true);
     const test::CompanyFolder company(str("Äyräs Oy"));
     QTest::keyClick(&choice, Qt::Key_F5);
-    EXPECT_FALSE(offer->isVisible());
-    EXPECT_TRUE(choice.findChild<QTreeWidget*>()->isVisible());
-    EXPECT_TRUE(choice.findChild<QPushButton*>(str("ValitseButton"))->isEnabled());
-    test::expectNoMnemonicClash(choice);
+    expectOffer(false);
     test::expectEveryControlSpeaks(choice);
+}
+
+TEST(CompanyChoice, ByParameterOrFromTheList) {
+    test::ScriptedDialogs dialogs;
+    const test::CompanyFolder first(str("Äyräs Oy"));
+    const test::CompanyFolder second(str("Beeta"));
+    framework::TYritysValinta choice;
+    const std::pair<QStringList, QString> cases[] = {
+        {{str("/E"), str("äyräs oy"), str("BEETA")}, str("Beeta")},  // only a to z ignore case
+        {{str("ÄYRÄS OY"), str("Äyräs OY")}, str("Äyräs Oy")},
+        {{str("Beet")}, {}}};
+    for (const auto& [parameters, chosen] : cases) {
+        platform::setParameters(parameters);
+        EXPECT_EQ(choice.OnParametrina(), !chosen.isEmpty());
+        EXPECT_TRUE(chosen.isEmpty() || company::currentCompany().name == chosen);
+    }
+    platform::setParameters({});
+
+    choice.show();
+    QApplication::setActiveWindow(&choice);
+    auto* list = choice.findChild<QTreeWidget*>(str("YritysLista"));
+    {
+        const test::CompanyFolder third(str("Gamma"));
+        QTest::keyClick(&choice, Qt::Key_F5);
+        ASSERT_EQ(list->topLevelItemCount(), 3);
+        QTest::keyClicks(list, str("gam"));
+        EXPECT_EQ(list->currentItem()->text(1), QDir::toNativeSeparators(third.path()));
+    }
+    dialogs.expectMessage(str("Yritystä \"Gamma\" ei enää ole."));
+    QTest::keyClick(list, Qt::Key_Return);
+    EXPECT_EQ(choice.result(), QDialog::Rejected);
+    QTest::keyClicks(list, str("bee"));
+    QTest::keyClick(list, Qt::Key_Return);
+    EXPECT_EQ(choice.result(), QDialog::Accepted);
+    EXPECT_EQ(company::currentCompany().name, str("Beeta"));
 }
 
 class DemoCompany : public ::testing::Test {
   protected:
     DemoCompany() {
-        name()->setText(str("Kokeilu"));
-        folder()->setText(QDir::toNativeSeparators(path()));
+        set("NimiEdit", str("Kokeilu"));
+        set("KansioEdit", QDir::toNativeSeparators(path()));
         m_dialog.findChild<QSpinBox*>()->setValue(25);
         m_dialog.show();
     }
@@ -55,62 +88,59 @@ class DemoCompany : public ::testing::Test {
         company::removeAlias(str("Kokeilu"));
     }
     QString path() const { return m_folder.filePath(str("uusi/kansio")); }
-    QLineEdit* name() { return m_dialog.findChild<QLineEdit*>(str("NimiEdit")); }
-    QLineEdit* folder() { return m_dialog.findChild<QLineEdit*>(str("KansioEdit")); }
-    QPushButton* make() { return m_dialog.findChild<QPushButton*>(str("LuoButton")); }
+    void set(const char* edit, const QString& text) {
+        m_dialog.findChild<QLineEdit*>(str(edit))->setText(text);
+    }
+    void click(const char* button) {
+        QTest::mouseClick(m_dialog.findChild<QPushButton*>(str(button)), Qt::LeftButton);
+    }
+    void clickAndExpect(const QString& message) {
+        m_dialogs.expectMessage(message);
+        click("LuoButton");
+    }
+    bool closes() {
+        return QTest::qWaitFor([this] { return !m_dialog.isVisible(); }, 60'000);
+    }
 
     test::ScriptedDialogs m_dialogs;
     QTemporaryDir m_folder;
     framework::DemoCompanyDialog m_dialog;
 };
 
-TEST_F(DemoCompany, IsMadeAndCanBeTakenIntoUse) {
-    QTest::mouseClick(make(), Qt::LeftButton);
-    EXPECT_FALSE(make()->isEnabled());
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !m_dialog.isVisible(); }, 60'000));
+TEST_F(DemoCompany, CanBeTakenIntoUse) {
+    click("LuoButton");
+    ASSERT_TRUE(closes());
     EXPECT_EQ(m_dialog.result(), QDialog::Accepted);
     ASSERT_TRUE(company::takeIntoUse(m_dialog.madeCompany()));
     EXPECT_EQ(company::currentCompany().name, str("Kokeilu"));
-    data::TUniQuery query(&company::companyDatabase());
-    query.sql().setText(str("select count(*) from TUOTE"));
-    query.open();
-    EXPECT_EQ(query.fieldByName(query.fieldNames().first()).asInteger(), 25);
+    EXPECT_EQ(company::companyDatabase().openTable(str("TUOTE"))->recordCount(), 25);
 }
 
-TEST_F(DemoCompany, WhatCannotBeMadeIsRefusedAndLeavesNothing) {
-    name()->setText(str("/vinossa"));
-    m_dialogs.expectMessage(company::aliasNameProblemFinnish(str("/vinossa")));
-    QTest::mouseClick(make(), Qt::LeftButton);
-    name()->setText(str("Kokeilu"));
-    folder()->clear();
-    m_dialogs.expectMessage(str("Anna kansio, johon yritys luodaan."));
-    QTest::mouseClick(make(), Qt::LeftButton);
+TEST_F(DemoCompany, BadInputIsRefusedAndLeavesNothing) {
+    set("NimiEdit", str("/vinossa"));
+    clickAndExpect(company::aliasNameProblemFinnish(str("/vinossa")));
+    set("NimiEdit", str("Kokeilu"));
+    set("KansioEdit", {});
+    clickAndExpect(str("Anna kansio, johon yritys luodaan."));
     {
         const test::CompanyFolder present(str("Kokeilu"));
-        m_dialogs.expectMessage(str("Yritys \"Kokeilu\" on jo olemassa."));
-        QTest::mouseClick(make(), Qt::LeftButton);
+        clickAndExpect(str("Yritys \"Kokeilu\" on jo olemassa."));
     }
     EXPECT_TRUE(m_dialog.isVisible());
     EXPECT_FALSE(company::findAlias(str("Kokeilu")));
     const QString aliases = platform::userSettingsFolder() + str("/aliases.ini");
     const QByteArray sound = test::fileBytes(aliases);
     test::writeFile(aliases, "[rikki\n");
-    try {
-        company::findAlias(str("Kokeilu"));
-        ADD_FAILURE() << "a damaged list of companies is read";
-    } catch (const data::DataError& e) {
-        m_dialogs.expectMessage(e.finnish());
-    }
-    QTest::mouseClick(make(), Qt::LeftButton);
+    clickAndExpect(test::thrownBy([] { company::findAlias(str("Kokeilu")); }).finnish());
     test::writeFile(aliases, sound);
 }
 
-TEST_F(DemoCompany, StoppingLeavesNothingBehind) {
+TEST_F(DemoCompany, ACancelLeavesNothingBehind) {
     m_dialog.findChild<QSpinBox*>()->setValue(1'000'000);
-    QTest::mouseClick(make(), Qt::LeftButton);
+    click("LuoButton");
     EXPECT_TRUE(QTest::qWaitFor([this] { return QDir(path()).exists(); }, 60'000));
-    QTest::mouseClick(m_dialog.findChild<QPushButton*>(str("PeruutaButton")), Qt::LeftButton);
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !m_dialog.isVisible(); }, 60'000));
+    click("PeruutaButton");
+    ASSERT_TRUE(closes());
     EXPECT_EQ(m_dialog.result(), QDialog::Rejected);
     EXPECT_TRUE(m_dialog.madeCompany().isEmpty());
     EXPECT_FALSE(QDir(path()).exists());

@@ -8,6 +8,7 @@
 #include "company/aliases.h"
 #include "company/company.h"
 #include "company/connection_module.h"
+#include "tests/support/checks.h"
 
 namespace test {
 

@@ -10,6 +10,8 @@ namespace vatchange {
 
 namespace {
 
+const QString kNoticePrefix = QStringLiteral("Huomaa: ");
+
 /// How a failure of a step is worded: the error's own text stands between the two.
 struct ErrorWording {
     QString before;
@@ -52,7 +54,7 @@ bool earlierRunsAllow(RunContext& run) {
             "määräalennusten rivit, joiden tuotteella on vielä vanha alv-luokka, on "
             "voitu jo kertoa kertoimella: tarkasta ne, ettei tämä ajo kerro niitä "
             "uudestaan.");
-    run.ports.log(text);
+    run.ports.log(kNoticePrefix + text);
     if (run.ports.unattended() || !run.definition.changesDependents() ||
         run.ports.ask(text + QStringLiteral("\r\rJatketaanko?")))
         return true;
@@ -223,7 +225,7 @@ QString claimCompany(data::Database& database) {
             "Yrityksen toinen ajo on kesken. Tätä ajoa ei aloiteta; yritä uudestaan, "
             "kun se on päättynyt.");
     } catch (const std::exception& error) {
-        return QStringLiteral("Ajoa ei voi aloittaa: ") + errorText(error);
+        return QStringLiteral("Virhe ajon aloituksessa: ") + errorText(error);
     }
 }
 
@@ -251,7 +253,7 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
     RunContext run(database, definition, ports, result);
     if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) && earlierRunsAllow(run)) {
         for (const QString& note : definitionNotes(loaded, facts))
-            ports.log(QStringLiteral("Huomaa: ") + note);
+            ports.log(kNoticePrefix + note);
         runSteps(run);
     } else {
         result.refused = true;
