@@ -591,7 +591,8 @@ def main():
             tree.restore()
         seconds = round(time.monotonic() - start)
         result = "found" if test else "survived"
-        say(f"{place(fault.values())}  {fault.kind}  {change(fault.values())}  {result} {test or ''} {seconds} s")
+        say(f"{place(fault.values())}  {fault.kind}  {change(fault.values())}  "
+            f"{result} {test or ''} {seconds} s")
         finish(fault.values(), result=result, test=test, seconds=seconds)
     tree.make()
     print(report(results, title).split("\n## Found")[0])

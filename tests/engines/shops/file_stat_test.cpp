@@ -61,6 +61,16 @@ TEST(FileStat, HasKeysWithSegmentsAndOrders) {
     EXPECT_EQ(stat.keys[3].segments[1].offset, 29);
 }
 
+TEST(FileStat, KeysHaveAtMost255Bytes) {
+    // records of 300 bytes, one key of them: a string
+    QByteArray bytes = QByteArray::fromHex(
+        "2c01 0010 0100 00000000 0000 00000000"
+        "0100 ff00 0201 00000000 00 00 0000 00 00");
+    EXPECT_EQ(parseFileStat(bytes, kTable).keys[0].length, 255);
+    bytes.replace(18, 2, QByteArray::fromHex("0001"));
+    EXPECT_THROW(parseFileStat(bytes, kTable), DataError);
+}
+
 TEST(FileStat, RefusesDamagedBytes) {
     const QByteArray whole = statBytes();
     for (qsizetype length = 0; length < whole.size(); ++length)
