@@ -6,8 +6,9 @@ namespace test {
 
 /// What is seen of the calls into an engine's records, and where they fail.
 struct Calls {
-    int reads = 0;  ///< that fetched records by key
-    int locks = 0;  ///< held
+    int reads = 0;     ///< that fetched records by key
+    int locks = 0;     ///< held
+    int prepared = 0;  ///< statements
     /// Called before every read ("read") and write ("write"); throws to let it fail.
     std::function<void(const char*)> before;
 };
@@ -77,8 +78,7 @@ class WatchedFile : public data::TableFile {
     Calls& m_calls;
 };
 
-/// The embedded engine with its record calls watched and, where `makeStatement` is set, with the
-/// statements that makes.
+/// The embedded engine with its calls watched.
 class WatchedDatabase : public data::Database {
   public:
     WatchedDatabase(data::Database& database, Calls& calls)
@@ -90,7 +90,8 @@ class WatchedDatabase : public data::Database {
         return std::make_unique<WatchedFile>(m_database.openTable(tableName), m_calls);
     }
     std::unique_ptr<data::SqlStatement> prepare(const QString& sql) override {
-        return makeStatement ? makeStatement(sql) : m_database.prepare(sql);
+        ++m_calls.prepared;
+        return m_database.prepare(sql);
     }
     void setLockWait(std::chrono::milliseconds wait) override { m_database.setLockWait(wait); }
     bool beginRun() override { return m_database.beginRun(); }
@@ -98,8 +99,6 @@ class WatchedDatabase : public data::Database {
     void inTransaction(const std::function<void()>& body) override {
         m_database.inTransaction(body);
     }
-
-    std::function<std::unique_ptr<data::SqlStatement>(const QString&)> makeStatement;
 
   private:
     data::Database& m_database;

@@ -6,16 +6,11 @@
 #include "tests/engines/embedded/fixture.h"
 
 #ifndef _WIN32
-#include <signal.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #endif
 
 using namespace data;
 using test::errorOf;
-using test::fieldOf;
-using test::setField;
 
 namespace {
 
@@ -109,10 +104,6 @@ TEST_F(EmbeddedFile, ErrorKindsOfTheDatabase) {
 }
 
 TEST_F(EmbeddedFile, ACatalogueThatDisagreesNamesTheTable) {
-    const auto copyOf = [&](const QByteArray& sql) {
-        tamper(sql);
-        return openingError();
-    };
     // A key that the stored table lacks is found when the table is opened, a missing table at once.
     tamper("ALTER TABLE rec_KAMPPANJA DROP COLUMN data; ALTER TABLE rec_KAMPPANJA ADD data");
     db = engines::openEmbedded("KOE", folder());
@@ -124,7 +115,8 @@ TEST_F(EmbeddedFile, ACatalogueThatDisagreesNamesTheTable) {
     EXPECT_EQ(error.table(), "TRYHMA");
     error = errorOf([&] { db->prepare("select nro from tryhma"); });
     EXPECT_EQ(error.kind(), ErrorKind::Damaged);
-    error = copyOf("DROP TABLE rec_PRYHMA");
+    tamper("DROP TABLE rec_PRYHMA");
+    error = openingError();
     EXPECT_EQ(error.kind(), ErrorKind::Damaged);
     EXPECT_EQ(error.table(), "PRYHMA");
 }
@@ -162,21 +154,17 @@ TEST_F(EmbeddedFile, CheckFindsWhatIsWrong) {
         tamper(c.sql);
         const QString said = engines::checkEmbedded(folder()).join('\n');
         EXPECT_TRUE(said.contains(c.said)) << c.sql.toStdString() << "\n" << said.toStdString();
+        if (QByteArray(c.said).contains("1187")) {
+            db = engines::openEmbedded("KOE", folder());
+            EXPECT_EQ(errorOf([&] { rows("select * from ini"); }).kind(), ErrorKind::Damaged);
+            EXPECT_EQ(
+                errorOf([&] { db->openTable("INI")->fromEnd(0, Direction::Forward, 1); }).kind(),
+                ErrorKind::Damaged);
+        }
         tamper(c.undo);
     }
     tamper("DELETE FROM rec_TUOTE; DELETE FROM rec_INI");
     EXPECT_EQ(engines::checkEmbedded(folder()), QStringList());
-}
-
-TEST_F(EmbeddedFile, RecordOfAnotherLengthIsDamage) {
-    run("insert into ini values ('a', 'b', 'c', 'd')");
-    tamper("UPDATE rec_INI SET data = substr(data, 1, 1000)");
-    db = engines::openEmbedded("KOE", folder());
-    const DataError error = errorOf([&] { rows("select * from ini"); });
-    EXPECT_EQ(error.kind(), ErrorKind::Damaged);
-    EXPECT_EQ(error.table(), "INI");
-    EXPECT_EQ(errorOf([&] { db->openTable("INI")->fromEnd(0, Direction::Forward, 1); }).kind(),
-              ErrorKind::Damaged);
 }
 
 TEST_F(EmbeddedFile, TransactionsAreAllOrNothing) {
@@ -249,46 +237,5 @@ TEST_F(EmbeddedFile, RightsFollowTheUmask) {
         EXPECT_EQ(rightsOf(company.filePath("kopio")), c.rights);
     }
     ::umask(before);
-}
-#endif
-
-#ifndef _WIN32
-// A program that is killed in the middle of its writing: what it reported as written is there, and
-// no statement is half done.
-TEST_F(EmbeddedFile, AKilledProgramLeavesAWholeDatabase) {
-    run("insert into tryhma (nro, vero) values (1, 0), (2, 0)");
-    int channel[2];
-    ASSERT_EQ(pipe(channel), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        const auto own = engines::openEmbedded("KOE", folder());
-        const auto file = own->openTable("TRYHMA");
-        const RecordId id = file->seek(0, SeekOp::Equal, {1}, 1).at(0).id;
-        file->lock(id, std::chrono::milliseconds(0));
-        for (int i = 1;; ++i) {
-            run("update tryhma set vero = vero + 1", {}, own.get());
-            if (write(channel[1], &i, sizeof i) != sizeof i)
-                _exit(1);
-        }
-    }
-    close(channel[1]);
-    int last = 0;
-    int seen = 0;
-    while (last < 20 && read(channel[0], &seen, sizeof seen) == sizeof seen)
-        last = seen;
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
-    while (read(channel[0], &seen, sizeof seen) == sizeof seen)
-        last = seen;
-    close(channel[0]);
-    ASSERT_GE(last, 20);
-    const auto fresh = engines::openEmbedded("KOE", folder());
-    const QStringList stored = rows("select vero from tryhma order by nro", {}, fresh.get());
-    ASSERT_EQ(stored.size(), 2);
-    EXPECT_EQ(stored[0], stored[1]);
-    EXPECT_GE(stored[0].toInt(), last);
-    EXPECT_LE(stored[0].toInt(), last + 1);
-    EXPECT_EQ(run("update tryhma set vero = 0", {}, fresh.get()), 2);  // its lock went with it
-    EXPECT_EQ(engines::checkEmbedded(folder()), QStringList());
 }
 #endif

@@ -7,7 +7,6 @@
 using namespace data;
 using namespace std::chrono_literals;
 using test::errorOf;
-using test::fieldOf;
 using test::setField;
 
 namespace {
@@ -108,29 +107,6 @@ TEST_F(EmbeddedLocks, AStatementWaitsOutsideOfTheWriteLock) {
     EXPECT_EQ(run("update tryhma set vero = vero + 1"), 3);
     holder.join();
     EXPECT_EQ(rows("select vero from tryhma order by nro"), (QStringList{"1", "41", "1"}));
-}
-
-// Two programs add to the same field, one with edit and post, one with statements: none is lost.
-TEST_F(EmbeddedLocks, NoUpdateIsLost) {
-    constexpr int kRounds = 60;
-    db->setLockWait(20000ms);
-    other->setLockWait(20000ms);
-    const RecordId id = group(1).id;
-    std::thread editor([&] {
-        for (int i = 0; i < kRounds; ++i) {
-            ASSERT_TRUE(theirs->lock(id, 20000ms));
-            QByteArray bytes = theirs->get(id)->bytes;
-            setField(theirs->layout(), bytes, "Vero",
-                     fieldOf(theirs->layout(), bytes, "Vero").toInt() + 1);
-            theirs->update(id, bytes);
-            theirs->unlock(id);
-        }
-    });
-    for (int i = 0; i < kRounds; ++i)
-        run("update tryhma set vero = vero + 1 where nro < 3");
-    editor.join();
-    EXPECT_EQ(rows("select vero from tryhma order by nro"),
-              (QStringList{QString::number(2 * kRounds), QString::number(kRounds), "0"}));
 }
 
 // Very many separate records grow into the table's whole range, which is tried like the records.
