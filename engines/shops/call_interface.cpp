@@ -47,7 +47,7 @@ std::shared_ptr<const CallLibrary> CallLibrary::load(const QString& library,
         const std::shared_ptr<CallLibrary> loaded(new CallLibrary(name));
         if (loaded->resolve())
             return loaded;
-        // What is said of a usual name tells only the last of the places that were tried.
+        // For default names the loader reports only the last path tried.
         reason = library.isEmpty()
                      ? QStringLiteral(" is not there")
                      : QStringLiteral(" cannot be loaded: ") + loaded->m_library.errorString();

@@ -41,8 +41,8 @@ enum Operation : quint16 {
     kBeginConcurrentTransaction = 1019
 };
 
-/// Added to a reading operation, which then locks the record. A wait lock lets the engine wait, as
-/// long as it likes; a no-wait one answers "locked" at once.
+/// Added to a read operation to lock the record. With a wait lock the engine waits without limit;
+/// with a no-wait lock it returns "locked" at once.
 enum LockBias : quint16 {
     kSingleWait = 100,
     kSingleNoWait = 200,
@@ -54,7 +54,7 @@ inline constexpr int kPositionBlockSize = 128;
 inline constexpr int kKeyBufferSize = 255;
 inline constexpr int kClientIdSize = 16;
 
-/// What calls answer that is no failure everywhere.
+/// Statuses that some callers treat as normal.
 enum Status : int {
     kOk = 0,
     kInvalidOperation = 1,
@@ -80,20 +80,21 @@ enum Status : int {
     kWrongUri = 175
 };
 
-/// The shops' engine's client library. It is never unloaded: a call may still be in it.
+/// The shops' engine's client library. Never unloaded, since an abandoned call may still run in it.
 class CallLibrary {
   public:
-    /// Names the setting that names another library, in messages.
+    /// The setting that selects another library, for messages.
     static constexpr char kSetting[] = "Engine/ClientLibrary";
 
-    /// Loads `library` (a name or a path), or without one the first of usualNames() there is.
-    /// @throws DataError(NoConnection) for `company` that tells what was looked for.
+    /// Loads `library` (a name or a path); if empty, the first of usualNames() found.
+    /// @throws DataError(NoConnection) for `company`, with the names tried.
     static std::shared_ptr<const CallLibrary> load(const QString& library, const QString& company);
 
-    /// The names that the library has on this platform.
+    /// The library's names on this platform.
     static QStringList usualNames();
 
-    /// One call. `length` is the data buffer's in and out; the key buffer has kKeyBufferSize bytes.
+    /// Makes one call. `length`: of the data buffer, in and out. The key buffer has kKeyBufferSize
+    /// bytes.
     int call(quint16 operation, void* positionBlock, void* data, quint32& length, void* key,
              int keyNumber, void* clientId) const;
 

@@ -39,7 +39,7 @@ DataError silent(const QString& table, std::chrono::milliseconds limit) {
 
 }  // namespace
 
-// Everything that a call touches: it may still be going on when nobody waits for it any more.
+// Everything that a call uses: it may outlive its caller.
 struct CallSession::Call {
     std::shared_ptr<const CallLibrary> library;
     quint16 operation = 0;
@@ -64,7 +64,7 @@ CallSession::CallSession(const QString& company, const QString& library,
 CallSession::~CallSession() {
     if (m_lost)
         return;
-    // What they answer changes nothing any more: the session ends either way.
+    // Their results do not matter: the session ends either way.
     for (const quint16 operation : {kReset, kStop}) {
         auto last = std::make_shared<Call>();
         last->operation = operation;
@@ -127,7 +127,7 @@ int CallSession::call(quint16 operation, const std::shared_ptr<PositionBlock>& b
         throw silent(table, m_callLimit);
     data = std::move(call->data);
     key = std::move(call->key);
-    // An engine that claims more than it was given room for is not believed.
+    // Never trust a length beyond the buffer.
     data.truncate(std::min<qsizetype>(call->length, data.size()));
     return call->status;
 }

@@ -12,18 +12,17 @@
 
 namespace engines::shops {
 
-/// What the engine keeps of one open file between calls.
+/// The engine's state of one open file between calls.
 struct PositionBlock {
     alignas(8) std::array<char, kPositionBlockSize> bytes{};
 };
 
-/// One client of the shops' engine: its files, locks and transactions are its own, also beside
-/// another session of the same program. Ends with a reset, which closes and unlocks everything.
-/// Calls are made in a thread of their own and given up at the time limit; the session is lost
-/// then.
+/// One client of the shops' engine with its own files, locks and transactions; a program may have
+/// several. Ends with a reset, which closes and unlocks everything. Calls run in a separate thread
+/// and are abandoned at the time limit; the session is then lost.
 class CallSession {
   public:
-    /// Loads the library and asks the engine for its version, which tells whether it is there.
+    /// Loads the library and requests the engine's version, to check that it responds.
     /// @throws DataError(NoConnection) for `company`.
     CallSession(const QString& company, const QString& library,
                 std::chrono::milliseconds connectLimit, std::chrono::milliseconds callLimit);
@@ -31,20 +30,20 @@ class CallSession {
     CallSession(const CallSession&) = delete;
     CallSession& operator=(const CallSession&) = delete;
 
-    /// One call. `data` is sent whole, with room for what comes back: its size is the buffer length
-    /// sent, and it is cut to the length returned. `key` is widened to the key buffer's size.
-    /// @return the status. @throws DataError(NoConnection) naming `table` when the time is over or
-    /// the session lost.
+    /// Makes one call. The size of `data` is the buffer length sent; on return it is cut to the
+    /// length returned. `key` is extended to kKeyBufferSize.
+    /// @return the status. @throws DataError(NoConnection) naming `table` on a timeout or in a lost
+    /// session.
     int call(quint16 operation, const std::shared_ptr<PositionBlock>& block, QByteArray& data,
              QByteArray& key, int keyNumber, const QString& table);
 
-    /// The engine cannot be reached through this session any more.
+    /// True after a timeout or a status that ends the session.
     bool isLost() const { return m_lost; }
 
-    /// "15.10" and the like; of the last component that answered.
+    /// Such as "15.10"; of the last component listed.
     const QString& version() const { return m_version; }
 
-    /// How long locks of others are waited for.
+    /// How long to wait for locks of others.
     std::chrono::milliseconds lockWait{2000};
 
   private:

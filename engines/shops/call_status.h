@@ -7,11 +7,11 @@
 
 namespace engines::shops {
 
-/// The error that a status of the shops' engine amounts to: its kind, what it means, and in Finnish
-/// what to do about it. `what` is the call's subject (file or database name); may be empty.
+/// Converts a status of the shops' engine to an error: kind, meaning, and advice in Finnish.
+/// `what`: file or database name; may be empty.
 DataError statusError(int status, const QString& table, const QString& what = QString());
 
-/// The statuses after which nothing of the session works any more.
+/// Returns whether the session is unusable after this status.
 bool endsSession(int status);
 
 }  // namespace engines::shops

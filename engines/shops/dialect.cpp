@@ -13,7 +13,7 @@ using Text = Dialect::Text;
 using Top = Dialect::Top;
 using Whole = Dialect::Whole;
 
-// The shops' engine takes the product's SQL as it stands.
+// The shops' engine accepts the product's SQL unchanged.
 constexpr Dialect kShops{
     .name = "shops' engine",
     .databaseName = "",
@@ -32,10 +32,9 @@ constexpr Dialect kShops{
     .lockWait = nullptr,
 };
 
-// round(x, n) ignores n, floor() gives whole numbers, 1.255 is a decimal. The driver's long takes
-// 64 bits, and its other 64-bit type comes to nothing. By some of the planner's orders a join with
-// "or" and a subquery in its condition comes out with rows missing, more or fewer from one run of
-// the server to the next.
+// round(x, n) ignores n, floor() returns integers, 1.255 is a decimal. The driver's long holds 64
+// bits; its other 64-bit type does not work. With some of the planner's join orders, a join with
+// "or" and a subquery in its condition loses rows, a different number after each server start.
 constexpr Dialect kVirtuoso{
     .name = "Virtuoso",
     .databaseName = "OpenLink Virtuoso",
@@ -54,7 +53,7 @@ constexpr Dialect kVirtuoso{
     .lockWait = nullptr,
 };
 
-// Rows affected are rows found (option 2), as everywhere else; round() of halves goes to even.
+// Option 2: rows affected are rows found, as with other engines. round() rounds halves to even.
 constexpr Dialect kMariaDb{
     .name = "MariaDB",
     .databaseName = "MariaDB",
@@ -73,8 +72,8 @@ constexpr Dialect kMariaDb{
     .lockWait = "SET SESSION innodb_lock_wait_timeout = %1",
 };
 
-// The embedded engine's tables by its loadable module. Another connection of this program's to the
-// same company is a stranger to the module's record locks.
+// The embedded engine's tables through its loadable module. To the module's record locks, other
+// connections of this program are foreign.
 constexpr Dialect kSqlite{
     .name = "SQLite",
     .databaseName = "SQLite",
@@ -100,7 +99,7 @@ struct StateMeaning {
     ErrorKind kind;
 };
 
-// The longer beginnings stand first.
+// Longer prefixes first.
 constexpr std::array<StateMeaning, 27> kStates{{
     {"HYT01", ErrorKind::NoConnection}, {"HYT00", ErrorKind::Locked},
     {"S1T00", ErrorKind::Locked},       {"28", ErrorKind::NoConnection},
@@ -118,7 +117,7 @@ constexpr std::array<StateMeaning, 27> kStates{{
     {"54", ErrorKind::Syntax},
 }};
 
-// Codes of the server or its client library that come under a general SQLSTATE.
+// Codes of the server or its client library with a general SQLSTATE.
 ErrorKind mariaDbKind(int native, ErrorKind otherwise) {
     switch (native) {
         case 1205:  // the lock wait is over
@@ -177,7 +176,7 @@ ErrorKind sqliteKind(int native, const QString& message) {
     }
 }
 
-// Status codes of the shops' engine, which its SQL hands on.
+// Status codes of the shops' engine, which its SQL passes on.
 ErrorKind shopsKind(int native, ErrorKind otherwise) {
     const int status = std::abs(native);
     if (status >= 3000 && status < 3200)  // the network between client and server

@@ -13,12 +13,12 @@ namespace {
 constexpr int kPositionSize = 4;
 constexpr int kMultipleLocks = -1;  // key number of unlock: the record of the given address
 
-// Request of an extended read: its length, where to begin, reject count, number of filter terms;
+// Request of an extended read: its length, start, reject count, number of filter terms;
 // number of records, number of fields; length and place of each field.
 constexpr int kRequestSize = 16;
 constexpr char kFromNext[] = "EG";
 constexpr char kFromCurrent[] = "UC";
-// Answer: number of records; for each its length, address and bytes.
+// Result: number of records; for each its length, address and bytes.
 constexpr int kAnswerHead = 2;
 constexpr int kRecordHead = 6;
 constexpr int kMostAnswer = 32000;
@@ -68,7 +68,7 @@ FileCursor::~FileCursor() {
         QByteArray key;
         call(kClose, none, key, 0);
     } catch (const DataError& error) {
-        // The session is lost, and with it whatever was open.
+        // The session is lost, and all its open files with it.
         qWarning("%s: %s", qUtf8Printable(m_table), error.what());
     }
 }

@@ -10,15 +10,15 @@ namespace engines::shops {
 
 namespace {
 
-// File specification: record length, page size, number of keys (words), number of records (32
+// File description: record length, page size, number of keys (words), number of records (32
 // bits), file flags (word), four bytes more.
-constexpr int kFileSpecSize = 16;
+constexpr int kFileDescriptionSize = 16;
 constexpr int kKeyCountPlace = 4;
 constexpr int kRecordCountPlace = 6;
 constexpr int kFileFlagsPlace = 10;
-// Key specification, one for each segment: position, length, flags (words), number of values (32
+// Key segment: position, length, flags (words), number of values (32
 // bits), type, null value, two bytes more, key number, number of its collating sequence.
-constexpr int kKeySpecSize = 16;
+constexpr int kKeySegmentSize = 16;
 constexpr int kKeyFlagsPlace = 4;
 constexpr int kKeyTypePlace = 10;
 constexpr int kKeyNumberPlace = 14;
@@ -69,7 +69,7 @@ class StatReader {
     StatReader(const QByteArray& bytes, const QString& table) : m_bytes(bytes), m_table(table) {}
 
     FileStat read() {
-        if (m_bytes.size() < kFileSpecSize)
+        if (m_bytes.size() < kFileDescriptionSize)
             damaged(m_table, QStringLiteral("only %1 bytes").arg(m_bytes.size()));
         m_stat.recordLength = wordAt(m_bytes, 0);
         m_stat.recordCount = qFromLittleEndian<quint32>(m_bytes.constData() + kRecordCountPlace);
@@ -85,21 +85,21 @@ class StatReader {
 
   private:
     void readKeys(int count) {
-        m_place = kFileSpecSize;
+        m_place = kFileDescriptionSize;
         for (int i = 0; i < count; ++i) {
             KeyStat key;
             bool more = true;
             while (more) {
-                if (m_place + kKeySpecSize > m_bytes.size())
+                if (m_place + kKeySegmentSize > m_bytes.size())
                     damaged(m_table, QStringLiteral("it ends within key %1").arg(i));
                 more = readSegment(key);
-                m_place += kKeySpecSize;
+                m_place += kKeySegmentSize;
             }
             m_stat.keys.push_back(std::move(key));
         }
     }
 
-    // @return true when another segment of the key follows.
+    // @return true if another segment of the key follows.
     bool readSegment(KeyStat& key) {
         const int flags = wordAt(m_bytes, m_place + kKeyFlagsPlace);
         SegmentStat segment;
@@ -122,7 +122,7 @@ class StatReader {
                                  .arg(key.number)
                                  .arg(segment.length)
                                  .arg(segment.offset));
-        // A numbered collating sequence may be marked by both flags.
+        // Both flags may mark a numbered collating sequence.
         m_collations.push_back((flags & kCollated) != 0
                                    ? static_cast<uchar>(m_bytes[m_place + kCollationPlace])
                                    : kNoCollation);

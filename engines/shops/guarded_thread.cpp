@@ -13,8 +13,8 @@ namespace engines::shops {
 
 namespace {
 
-// A driver that writes to a server which hung up is to be told so by its call; the signal for it
-// would end the program.
+// Writing to a closed connection should give the driver an error code, not SIGPIPE, which would end
+// the program.
 void ignoreBrokenConnections() {
 #ifndef _WIN32
     sigset_t set;
@@ -26,8 +26,8 @@ void ignoreBrokenConnections() {
 
 }  // namespace
 
-// What the two threads hand to each other. The thread has what lies there while it is given a job,
-// the caller at all other times.
+// Shared between the two threads. The worker owns the contents while it has a job, the caller
+// otherwise.
 struct GuardedThread::Desk {
     std::mutex mutex;
     std::condition_variable changed;

@@ -9,9 +9,9 @@
 
 namespace engines::shops {
 
-/// A thread that makes calls which may never come back: a driver that waits for a server gone
-/// silent cannot be stopped from outside. The caller waits for each call, to its time limit; then
-/// the thread is abandoned with what the call holds, and ends when the call does.
+/// A thread for calls that may never return: a driver that waits for a silent server cannot be
+/// interrupted. The caller waits for each call up to a time limit, then abandons the thread with
+/// whatever the call holds; the thread ends with the call.
 class GuardedThread {
   public:
     GuardedThread();
@@ -19,9 +19,8 @@ class GuardedThread {
     GuardedThread(const GuardedThread&) = delete;
     GuardedThread& operator=(const GuardedThread&) = delete;
 
-    /// Runs `job` and waits for its end; what it throws is thrown here. Whatever the job touches
-    /// has to be held by it. @return false when the time is over: the job goes on alone, and no
-    /// further one can be run.
+    /// Runs `job`, waits for it and rethrows its exception. The job must own everything that it
+    /// uses. @return false on a timeout: the job continues alone and no other can run.
     bool run(std::function<void()> job, std::chrono::milliseconds limit);
 
     bool isAbandoned() const { return m_abandoned; }

@@ -7,7 +7,7 @@
 
 namespace engines::shops {
 
-/// The order of one key as the shops' engine keeps it, over raw record bytes.
+/// The shops' engine's order of one key, on raw record bytes.
 class KeyOrder {
   public:
     explicit KeyOrder(KeyStat key) : m_key(std::move(key)) {}
@@ -15,11 +15,11 @@ class KeyOrder {
     const KeyStat& stat() const { return m_key; }
     int segmentCount() const { return static_cast<int>(m_key.segments.size()); }
 
-    /// The key's bytes in a record, segment after segment, as the key buffer takes them.
+    /// Returns a record's key bytes, segment after segment, in the key buffer's form.
     QByteArray keyOf(const QByteArray& record) const;
 
-    /// As keyOf(), with the segments from `first` on holding what stands at an end of the key's
-    /// order: below everything (`high` false) or above.
+    /// As keyOf(), with the segments from `first` on set to the lowest (`high` false) or highest
+    /// value of the key's order.
     QByteArray filled(const QByteArray& record, int first, bool high) const;
 
     /// Compares the leading `segments` of two records in the key's order.

@@ -56,7 +56,7 @@ QString fromDriver(const char* bytes, qsizetype length, const Dialect& dialect) 
 
 OdbcDiagnosis diagnose(SQLSMALLINT handleType, SQLHANDLE handle, const Dialect& dialect) {
     OdbcDiagnosis diagnosis;
-    // The first record is the most important one; what drivers add in further ones helps to read.
+    // The first record is the most important; further ones add details.
     for (SQLSMALLINT record = 1; record <= 4; ++record) {
         std::array<SQLCHAR, SQL_SQLSTATE_SIZE + 1> state{};
         std::array<SQLCHAR, SQL_MAX_MESSAGE_LENGTH> message{};

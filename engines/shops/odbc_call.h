@@ -2,7 +2,7 @@
 
 #ifdef _WIN32
 #include <windows.h>
-#define SQL_NOUNICODEMAP  // the 8-bit calls under their own names, as elsewhere
+#define SQL_NOUNICODEMAP  // keeps the names of the 8-bit calls
 #endif
 #include <sql.h>
 #include <sqlext.h>
@@ -14,13 +14,12 @@
 #include "engines/data_names.h"
 #include "engines/shops/dialect.h"
 
-/// How the driver manager is called: every call goes through odbcCall(), every failure through
-/// diagnose().
+/// Calls of the driver manager: all go through odbcCall(), all failures through diagnose().
 namespace engines::shops {
 
-/// What a handle says about its last call.
+/// Diagnostics of a handle's last call.
 struct OdbcDiagnosis {
-    QByteArray state;  ///< SQLSTATE; empty when the driver says nothing
+    QByteArray state;  ///< SQLSTATE; empty without diagnostics
     int native = 0;
     QString message;
 };

@@ -12,7 +12,7 @@ namespace {
 
 constexpr size_t kMaxCachedStatements = 32;
 
-// The driver's own limit stands before the guarding thread's, so that the connection survives.
+// The driver's limit is shorter than the guarding thread's, so that the connection survives.
 SQLULEN driverSeconds(std::chrono::milliseconds limit) {
     return static_cast<SQLULEN>(std::max<qint64>(1, limit.count() / 1000 - 1));
 }
@@ -153,9 +153,8 @@ void OdbcLink::inTransaction(const std::function<void()>& body) {
     end(true);
 }
 
-// Undone first: the switch to automatic commits would store what was not committed. A session that
-// cannot do it is not used again: its next statements would belong to a transaction that never
-// ends.
+// Roll back first: switching to autocommit would commit. A session that fails here is not used
+// again: its next statements would be part of a transaction that never ends.
 void OdbcLink::leaveTransaction() {
     if (m_session->isLost())
         return;
@@ -187,7 +186,7 @@ bool OdbcLink::isDateColumn(const QString& name) {
     return m_dateColumns->contains(name.toLower());
 }
 
-// Of all tables at once: statements join tables, and a name means one kind in all of them.
+// For all tables at once: statements join tables, and a name has the same kind in all of them.
 void OdbcLink::readDateColumns() {
     const QString where = QStringLiteral("columns of the tables");
     const auto names = std::make_shared<QStringList>();

@@ -8,15 +8,15 @@ namespace engines::shops {
 
 namespace {
 
-// Closing must not hold up the end of the program.
+// Closing must not delay the end of the program.
 constexpr std::chrono::milliseconds kCloseLimit{5000};
 
-// The odbc headers write these as casts of their own style.
+// The ODBC headers define these with C-style casts.
 SQLPOINTER asPointer(quintptr value) {
     return reinterpret_cast<SQLPOINTER>(value);
 }
 
-// A value of a connection string: in braces when it holds what separates values.
+// A value of a connection string, in braces if it contains a separator.
 QString quotedAttribute(const QString& value) {
     if (!value.contains(QLatin1Char(';')) && !value.startsWith(QLatin1Char('{')))
         return value;
@@ -80,7 +80,7 @@ void connectHandles(OdbcHandles& handles, const OdbcSettings& settings) {
     if (!odbcSucceeded(odbcCall("SQLAllocHandle", SQLAllocHandle, SQLSMALLINT(SQL_HANDLE_DBC),
                                 SQLHANDLE(handles.environment), &handles.connection)))
         handles.fail(SQL_HANDLE_ENV, handles.environment, settings.dataSource);
-    // Drivers that know no such limit say so, and the guarding thread holds it.
+    // Drivers without this limit return an error; the guarding thread applies it.
     odbcCall("SQLSetConnectAttr", SQLSetConnectAttr, handles.connection,
              SQLINTEGER(SQL_ATTR_LOGIN_TIMEOUT), asPointer(secondsOf(settings.connectLimit)),
              SQLINTEGER(SQL_IS_UINTEGER));

@@ -7,7 +7,7 @@ namespace engines::shops {
 
 namespace {
 
-// Between two tries to write a record that somebody else holds.
+// Pause between two attempts to write a locked record.
 constexpr std::chrono::milliseconds kLockPause{20};
 
 }  // namespace
@@ -32,7 +32,7 @@ QStringList OdbcStatement::parameterNames() const {
 }
 
 void OdbcStatement::bind(const QString& name, const Value& value) {
-    // Callers bind in the order of the text, row after row of a run: try the expected place first.
+    // Callers bind in the order of the text: try the expected place first.
     const QStringList& names = m_prepared->rewritten().parameters;
     if (m_distinct && m_nextBind < m_values.size() &&
         names[static_cast<qsizetype>(m_nextBind)] == name) {
@@ -62,8 +62,7 @@ qint64 OdbcStatement::run(bool fetches) {
         return runOnce(fetches);
     if (m_link->beforeWrite)
         m_link->beforeWrite();
-    // Such an engine tells of a record that somebody else holds at once; the statement has changed
-    // nothing then.
+    // Such an engine reports a locked record at once, and the statement has changed nothing.
     const auto end = std::chrono::steady_clock::now() + m_link->lockWait();
     for (;;) {
         try {
@@ -82,7 +81,7 @@ qint64 OdbcStatement::runOnce(bool fetches) {
         m_prepared.reset();
         m_prepared = m_link->prepare(m_sql);
     }
-    // The job may outlive this statement when the driver never comes back.
+    // The job outlives this statement if the driver never returns.
     struct Outcome {
         std::vector<Value> values;
         qint64 affected = 0;

@@ -24,7 +24,7 @@ class OdbcLink {
     std::shared_ptr<PreparedOdbc> prepare(const QString& sql);
     void giveBack(std::shared_ptr<PreparedOdbc> statement);
 
-    /// Runs a job on the statement's session by the time limit of statements.
+    /// Runs a job on the statement's session within the statement time limit.
     void guarded(const PreparedOdbc& statement, std::function<void()> job);
 
     void inTransaction(const std::function<void()>& body);
@@ -32,7 +32,7 @@ class OdbcLink {
     const Dialect& dialect() const { return *m_dialect; }
     std::chrono::milliseconds lockWait() const { return m_lockWait; }
     void setLockWait(std::chrono::milliseconds wait);
-    /// Ends the session; statements that are still in use fail from now on.
+    /// Ends the session; statements still in use fail afterwards.
     void close();
 
     std::function<void()> beforeWrite;
@@ -40,7 +40,7 @@ class OdbcLink {
   private:
     OdbcSession& session();
     void connect();
-    /// Frees a statement's handle, off this thread.
+    /// Frees a statement's handle in the session's thread.
     void discard(std::shared_ptr<PreparedOdbc> unwanted);
     void leaveTransaction();
     void sendLockWait();
@@ -81,10 +81,10 @@ class OdbcStatement : public SqlStatement {
     QString m_sql;
     std::shared_ptr<PreparedOdbc> m_prepared;
     std::vector<Value> m_values;
-    size_t m_nextBind = 0;  // where the next parameter of the text is expected
+    size_t m_nextBind = 0;  // expected place of the next parameter
     bool m_distinct = false;
     bool m_hasRun = false;
-    size_t m_row = 0;  // of the rows fetched last
+    size_t m_row = 0;  // within the last batch
 };
 
 }  // namespace engines::shops

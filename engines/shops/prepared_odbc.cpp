@@ -12,10 +12,10 @@ namespace engines::shops {
 
 namespace {
 
-// Text parameters up to this size are bound once; longer ones are bound anew and as long texts.
+// Text parameters up to this size are bound once; longer ones each time, as long texts.
 constexpr qsizetype kUsualText = 255;
 constexpr qsizetype kLongText = 4000;
-// The shops' engine's own number of its 16-bit integers.
+// The shops' engine's type code of 16-bit integers.
 constexpr SQLSMALLINT kShopsSmallInteger = 2008;
 
 QString emptyText() {
@@ -71,7 +71,7 @@ PreparedOdbc::PreparedOdbc(std::shared_ptr<OdbcHandles> handles, QString sql,
       m_parameters(static_cast<size_t>(m_rewritten.parameters.size())) {}
 
 PreparedOdbc::~PreparedOdbc() {
-    // a connection that is gone takes its statements along
+    // the statements of a lost connection are gone too
     if (m_statement != SQL_NULL_HSTMT && !m_handles->isAbandoned && !m_handles->isLost)
         odbcCall("SQLFreeHandle", SQLFreeHandle, SQLSMALLINT(SQL_HANDLE_STMT),
                  SQLHANDLE(m_statement));
@@ -83,7 +83,7 @@ void PreparedOdbc::check(SQLRETURN code) {
 }
 
 void PreparedOdbc::setAttribute(SQLINTEGER attribute, SQLULEN value) {
-    // Optional: a driver that has no such setting says so.
+    // Optional: drivers without this setting return an error.
     odbcCall("SQLSetStmtAttr", SQLSetStmtAttr, m_statement, attribute,
              reinterpret_cast<SQLPOINTER>(value), SQLINTEGER(SQL_IS_UINTEGER));
 }
@@ -188,7 +188,7 @@ void PreparedOdbc::bindBytes(size_t index, const QByteArray& bytes, bool isBinar
     parameter.bytes.data()[bytes.size()] = '\0';
 }
 
-// A date, a time or both, from what a text says; the empty text is NULL.
+// Parses a date, a time or both; the empty text is NULL.
 void PreparedOdbc::bindAt(size_t index, const Value& value) {
     Parameter& parameter = m_parameters[index];
     const QString text = valueToPlainText(value);

@@ -27,9 +27,9 @@ enum class ColumnKind {
 /// `type` is the driver's SQL type; `scale` its decimals.
 ColumnKind columnKind(SQLSMALLINT type, SQLSMALLINT scale);
 
-/// A prepared statement of one session: the driver's handle and the buffers that are bound to it.
-/// All functions but the plain accessors call the driver, so they run in the session's guarded
-/// jobs; the first failure throws DataError.
+/// A prepared statement of one session: the driver's handle and its bound buffers. All functions
+/// except accessors call the driver and run in the session's guarded jobs; a failure throws
+/// DataError.
 class PreparedOdbc {
   public:
     PreparedOdbc(std::shared_ptr<OdbcHandles> handles, QString sql, RewrittenSql rewritten);
@@ -38,9 +38,9 @@ class PreparedOdbc {
     PreparedOdbc& operator=(const PreparedOdbc&) = delete;
 
     void prepare(SQLULEN timeLimitSeconds);
-    /// Runs the statement. @return the number of rows affected; 0 where the driver knows none.
+    /// Runs the statement. @return the rows affected; 0 if the driver gives no count.
     qint64 execute(const std::vector<Value>& values);
-    /// Fetches the next rows into rows(), at most kBatchRows; closes the result at its end.
+    /// Fetches the next rows into cells(), at most kBatchRows; closes the result at its end.
     void fetch();
     void closeResult();
 
@@ -49,7 +49,7 @@ class PreparedOdbc {
     const RewrittenSql& rewritten() const { return m_rewritten; }
     const std::vector<SqlColumn>& columns() const { return m_columns; }
     bool isResultOpen() const { return m_isResultOpen; }
-    /// Cells of the rows fetched last, row after row.
+    /// Cells of the last batch, row after row.
     const std::vector<Value>& cells() const { return m_cells; }
 
     static constexpr int kBatchRows = 256;
@@ -61,10 +61,9 @@ class PreparedOdbc {
         qint64 whole = 0;
         double real = 0;
         QByteArray bytes;
-        qsizetype room = 0;         // bytes bound
-        SQL_TIMESTAMP_STRUCT at{};  // or the shorter ones of a date or a time
-        ColumnKind kind =
-            ColumnKind::Text;  // what the database takes: of interest are dates and times
+        qsizetype room = 0;                  // bound size in bytes
+        SQL_TIMESTAMP_STRUCT at{};           // or the shorter ones of a date or a time
+        ColumnKind kind = ColumnKind::Text;  // of the database; only dates and times matter
     };
     void check(SQLRETURN code);
     void send(const QString& sql);
@@ -89,7 +88,7 @@ class PreparedOdbc {
     SQLHSTMT m_statement = SQL_NULL_HSTMT;
     std::vector<SqlColumn> m_columns;
     std::vector<ColumnKind> m_kinds;
-    std::vector<Parameter> m_parameters;  // their places are bound: never resized
+    std::vector<Parameter> m_parameters;  // bound by address: never resized
     std::vector<Value> m_cells;
     bool m_isResultOpen = false;
 };

@@ -11,7 +11,7 @@ namespace engines::shops {
 
 namespace {
 
-// Beside the record files; its first byte is locked while a run is going on.
+// In the folder of the record files; its first byte is locked during a run.
 const QString kRunLockFile = QStringLiteral("TAKSAVAIHE.LCK");
 
 OdbcSettings odbcSettings(const ShopsDatabaseSettings& settings) {

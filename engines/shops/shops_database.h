@@ -9,26 +9,26 @@
 
 namespace engines::shops {
 
-/// Where a company of the shops' engine is found. Its name is both the engine's database
-/// name and the ODBC data source, unless the latter is given.
+/// Connection settings of a company of the shops' engine. Its name is the engine's database name
+/// and, by default, the ODBC data source.
 struct ShopsDatabaseSettings {
     QString name;
-    QString folder;         ///< data folder (empty: the working folder); holds the run's lock
-    QString ownerName;      ///< owner name of the record files; mostly empty
+    QString folder;         ///< data folder (empty: the working folder) with the run's lock file
+    QString ownerName;      ///< owner name of the record files; usually empty
     QString server;         ///< host that the shops' engine runs on; empty: this machine
     QString clientLibrary;  ///< the shops' engine's client library; empty: its usual names
     QString dataSource;     ///< ODBC data source; empty: `name`
-    QString userName;       ///< of the data source and the database; mostly empty
+    QString userName;       ///< for the data source and the database; usually empty
     QString password;
-    QString odbcAttributes;  ///< more of the ODBC connection string
-    /// An attempt to connect, and a single call, end in an error after this time.
+    QString odbcAttributes;  ///< added to the ODBC connection string
+    /// Time limits of a connection attempt and of a single call.
     std::chrono::milliseconds connectLimit{15000};
     std::chrono::milliseconds statementLimit{60000};
 };
 
 /// Opens a company of the shops' engine: its records over the client library, its SQL over ODBC.
-/// @throws DataError(NoConnection) when the client library, the database or the data source cannot
-/// be reached, saying in Finnish what was looked for and which setting names another.
+/// @throws DataError(NoConnection) if the client library, the database or the data source is not
+/// reachable, with the names tried and the setting to change, in Finnish.
 std::unique_ptr<Database> openShopsDatabase(const ShopsDatabaseSettings& settings);
 
 }  // namespace engines::shops

@@ -7,7 +7,7 @@
 #include "data/record/record_codec.h"
 #include "engines/shops/call_status.h"
 
-// Addresses, locks and changes; reading along keys is in client_file_walk.cpp.
+// Addresses, locks and changes. shops_table_file_walk.cpp reads along keys.
 
 namespace engines::shops {
 
@@ -44,7 +44,7 @@ ShopsTableFile::ShopsTableFile(std::unique_ptr<FileCursor> cursor, Opener opener
       m_keys(std::move(keys)),
       m_fixedLength(stat.recordLength),
       m_variableLength(stat.variableLength),
-      // Its records would have to be of one length; so would those of one answer.
+      // Extended reads need records of one length.
       m_readsMany(!stat.variableLength && FileCursor::mostAtOnce(stat.recordLength) > 0),
       m_numbersRecords(hasNumberedField(m_layout)) {
     for (const KeyStat& key : stat.keys)
@@ -64,7 +64,7 @@ void ShopsTableFile::checkKey(int key) const {
                         QStringLiteral("the table has no key %1").arg(key));
 }
 
-// A record as read, in the layout's length.
+// Pads or cuts a record to the layout's length.
 QByteArray ShopsTableFile::whole(QByteArray bytes) const {
     if (bytes.size() < m_fixedLength)
         throw DataError(ErrorKind::Damaged, m_layout.tableName(),
@@ -75,7 +75,7 @@ QByteArray ShopsTableFile::whole(QByteArray bytes) const {
     return bytes;
 }
 
-// A new record as it is written: what is empty of the variable part is left out.
+// A new record without the empty end of its variable part.
 QByteArray ShopsTableFile::shortened(const QByteArray& bytes) const {
     qsizetype length = bytes.size();
     while (length > m_fixedLength && bytes[length - 1] == '\0')
@@ -93,7 +93,7 @@ std::optional<StoredRecord> ShopsTableFile::get(RecordId id) {
     return StoredRecord{id, whole(std::move(record))};
 }
 
-// Calls `attempt` until it meets no lock of somebody else's or the time is over.
+// Repeats `attempt` until it meets no lock of another session or the time is up.
 template <typename Attempt>
 int ShopsTableFile::whenUnlocked(std::chrono::milliseconds wait, Attempt attempt) {
     const auto end = std::chrono::steady_clock::now() + wait;
@@ -120,7 +120,7 @@ bool ShopsTableFile::lock(RecordId id, std::chrono::milliseconds wait) {
         whenUnlocked(wait, [&] { return m_cursor->direct(id, kNoKey, record, kMultipleNoWait); });
     if (isLockConflict(status))
         return false;
-    if (isGone(status))  // nobody holds it, and nobody will: get() tells that it is gone
+    if (isGone(status))  // counts as locked; get() reports that it is gone
         return true;
     if (status != kOk)
         fail(status);
@@ -159,7 +159,7 @@ RecordId ShopsTableFile::insert(QByteArray& bytes) {
     return id;
 }
 
-// Reads the record under its lock, then lets `write` do its work, which answers a status.
+// Reads the record under its lock, then calls `write`, which returns a status.
 void ShopsTableFile::change(RecordId id,
                             const std::function<int(const QByteArray& before)>& write) {
     const bool held = m_locked.contains(id);
@@ -183,7 +183,7 @@ void ShopsTableFile::update(RecordId id, const QByteArray& bytes) {
     change(id, [&](const QByteArray& before) {
         if (!m_variableLength)
             return m_cursor->update(bytes, key);
-        // What goes on beyond the layout stays as it is.
+        // Bytes beyond the layout stay unchanged.
         QByteArray after = before;
         const QByteArray wanted = shortened(bytes);
         after.resize(std::max(before.size(), wanted.size()), '\0');
@@ -222,7 +222,7 @@ std::optional<RecordId> ShopsTableFile::visitStored(std::optional<RecordId> afte
     if (!after) {
         m_storedAt.reset();
     } else if (m_storedAt != after) {
-        // The walk was left: back to its place from the beginning.
+        // Not the last position: find it again from the beginning.
         more = step(kStepFirst);
         while (more && m_storedAt != after)
             more = step(kStepNext);

@@ -13,19 +13,18 @@
 
 namespace engines::shops {
 
-/// The records of one table of the shops' engine behind the engines' common interface. A record's
-/// id is its physical address. Every call finds its place anew, so nothing depends on what the
-/// engine remembers between two calls.
+/// The records of one table of the shops' engine. A record's id is its physical address. Every call
+/// positions the cursor anew and relies on no engine state between calls.
 ///
-/// Where a key keeps records of one value in the order of their insertion into it, that is their
-/// order here too; else they come in the order of their addresses. A record's place among others
-/// of its value is known for as long as it stands there, and after that from the last records read.
+/// Duplicates of a key come in the file's order: by insertion into the key, or by address. The
+/// position of a record among its duplicates is known while it is there, afterwards only from the
+/// records read last.
 class ShopsTableFile : public TableFile {
   public:
-    /// Opens a second cursor on the same file, for walks in the order of storage.
+    /// Opens a second cursor on the same file, for reads in storage order.
     using Opener = std::function<std::unique_ptr<FileCursor>()>;
 
-    /// `keys` name the layout's fields; their order is that of `stat`, whose keys they are.
+    /// `keys`: the keys of `stat`, in its order, as fields of the layout.
     ShopsTableFile(std::unique_ptr<FileCursor> cursor, Opener opener, const FileStat& stat,
                    RecordLayout layout, std::vector<KeyDef> keys);
     ~ShopsTableFile() override;
@@ -58,7 +57,7 @@ class ShopsTableFile : public TableFile {
     QByteArray whole(QByteArray bytes) const;
     QByteArray shortened(const QByteArray& bytes) const;
 
-    // Reading along a key: the cursor is put on a record, then read on from there.
+    // Reading along a key: position the cursor on a record, then read on.
     int move(int operation, int key, const QByteArray& keyBytes = {});
     bool found(int status) const;
     bool standOn(int key, const StoredRecord& record);
@@ -66,7 +65,7 @@ class ShopsTableFile : public TableFile {
         On,
         Before,
         Nowhere
-    };  ///< Before: the cursor's record is part of the answer
+    };  ///< Before: the cursor's record is part of the result
     Stand standBeside(int key, const StoredRecord& from, Direction direction);
     std::optional<Stand> standByTrail(int key, const StoredRecord& from, Direction direction);
     using Test = std::function<bool(const QByteArray& record)>;
@@ -88,16 +87,16 @@ class ShopsTableFile : public TableFile {
     int m_fixedLength;
     bool m_variableLength;
     bool m_readsMany;
-    bool m_numbersRecords;             // a field that the engine numbers
+    bool m_numbersRecords;             // has an auto-increment field
     std::map<RecordId, int> m_locked;  // with the number of locks
 
     QByteArray m_current;  // the record of the last move
 
-    // The records that were read last along a key, in its order.
+    // The records read last along a key, in its order.
     int m_trailKey = -1;
     std::deque<RecordId> m_trail;
 
-    std::unique_ptr<FileCursor> m_stored;  // the walk in the order of storage
+    std::unique_ptr<FileCursor> m_stored;  // reads in storage order
     std::optional<RecordId> m_storedAt;
 };
 

@@ -26,8 +26,8 @@ int ShopsTableFile::valueCount(int key, const KeyValues& values) const {
         std::min(values.size(), m_keys[static_cast<size_t>(key)].segments.size()));
 }
 
-// A record that holds the values of the key's leading fields. Fields may share bytes, but not
-// those of one key.
+// A record with the values of the key's leading fields. Fields may share bytes, but not within one
+// key.
 QByteArray ShopsTableFile::recordOf(int key, const KeyValues& values) const {
     QByteArray record(m_layout.recordLength(), '\0');
     const std::vector<KeySegment>& segments = m_keys[static_cast<size_t>(key)].segments;
@@ -50,7 +50,7 @@ int ShopsTableFile::move(int operation, int key, const QByteArray& keyBytes) {
     return status;
 }
 
-// Whether there is such a record at all.
+// Whether the operation found a record.
 bool ShopsTableFile::found(int status) const {
     if (status == kKeyNotFound || status == kEndOfFile)
         return false;
@@ -114,7 +114,7 @@ std::vector<StoredRecord> ShopsTableFile::next(int key, const StoredRecord& from
     return readOn(key, direction, max, stand, from);
 }
 
-// Puts the cursor on a record, if it still stands at that place of the key.
+// Positions the cursor on a record if it is still at that place of the key.
 bool ShopsTableFile::standOn(int key, const StoredRecord& record) {
     QByteArray stored;
     const int status = m_cursor->direct(record.id, key, stored);
@@ -125,7 +125,7 @@ bool ShopsTableFile::standOn(int key, const StoredRecord& record) {
     return order.compare(m_current, record.bytes, order.segmentCount()) == 0;
 }
 
-// Puts the cursor where the walk goes on from a record that is no longer at its place.
+// Positions the cursor to continue from a record that is no longer in its place.
 ShopsTableFile::Stand ShopsTableFile::standBeside(int key, const StoredRecord& from,
                                                   Direction direction) {
     const KeyOrder& order = orderOf(key);
@@ -148,8 +148,8 @@ ShopsTableFile::Stand ShopsTableFile::standBeside(int key, const StoredRecord& f
     return Stand::Nowhere;
 }
 
-// The same among records of one value whose order no address tells: by those that were read last
-// beside it and still stand there. Nothing when there are none.
+// The same among duplicates in insertion order: by the neighbours read last that are still in
+// place. nullopt without any.
 std::optional<ShopsTableFile::Stand> ShopsTableFile::standByTrail(int key, const StoredRecord& from,
                                                                   Direction direction) {
     if (m_trailKey != key)
@@ -170,8 +170,8 @@ std::optional<ShopsTableFile::Stand> ShopsTableFile::standByTrail(int key, const
     return std::nullopt;
 }
 
-// Reads up to `max` records from where the cursor stands. `from` is the record that it stands on
-// or beside; `belongs` tells where the answer ends.
+// Reads up to `max` records from the cursor. `from`: the record at or next to the cursor; the first
+// record that fails `belongs` ends the result.
 std::vector<StoredRecord> ShopsTableFile::readOn(int key, Direction direction, int max, Stand stand,
                                                  std::optional<StoredRecord> from,
                                                  const Test& belongs) {
@@ -189,7 +189,7 @@ std::vector<StoredRecord> ShopsTableFile::readOn(int key, Direction direction, i
         }
         stand = Stand::On;
         if (status == kLostPosition && ++replacings <= kMostReplacings) {
-            // Somebody removed or moved the record that the cursor stood on.
+            // Another session removed or moved the cursor's record.
             if (!records.empty())
                 from = records.back();
             if (!from)
@@ -204,7 +204,7 @@ std::vector<StoredRecord> ShopsTableFile::readOn(int key, Direction direction, i
     return records;
 }
 
-// Reads some records in one answer, or one by single operations.
+// Reads several records in one call, or one by single operations.
 int ShopsTableFile::readSome(int key, Direction direction, bool withCurrent, int wanted,
                              Records& records) {
     const bool forward = direction == Direction::Forward;

@@ -12,7 +12,7 @@ namespace engines::shops {
 
 namespace {
 
-// The files of the catalogue tables, which the catalogue itself would have to tell.
+// The catalogue's own files, needed before it can be read.
 struct CatalogueFile {
     const QString& table;
     const char* file;
@@ -27,7 +27,7 @@ QString catalogueFileOf(const QString& tableName) {
     return {};
 }
 
-// The name of a file of the folder as it is written there; empty when there is none.
+// The name of a file in the folder in its actual case; empty if missing.
 QString fileIn(const QString& folder, const QString& name) {
     if (folder.isEmpty())
         return {};  // not the working folder
@@ -38,7 +38,7 @@ QString fileIn(const QString& folder, const QString& name) {
     return found == names.end() ? QString() : QDir(folder).filePath(*found);
 }
 
-// A part of a database URI: what has a meaning there is written as %nn.
+// A part of a database URI, reserved characters as %nn.
 QByteArray uriPart(const QString& text) {
     QByteArray part;
     for (const char c : text.toLocal8Bit()) {
@@ -50,7 +50,7 @@ QByteArray uriPart(const QString& text) {
     return part;
 }
 
-// The database's name is not one that this engine knows or understands.
+// The engine does not know or understand the database's name.
 bool mayBeFoundByFile(int status) {
     return status == kDatabaseNameNotFound || status == kWrongUri || status == kInvalidFileName ||
            status == kFileNotFound;
@@ -77,7 +77,7 @@ TableDescription describeFile(const Catalogue& catalogue, const QString& tableNa
             disagrees(tableName, error.detail());
         }
     }
-    // A text or binary field at the end goes on in the variable part.
+    // A text or binary field at the end extends into the variable part.
     TableDescription table = catalogue.describe(tableName);
     for (const TFieldCacheItem& field : table.layout.fields()) {
         const bool mayGoOn = field.kind() == Kind::Memo || field.kind() == Kind::VarBinary;
@@ -98,7 +98,7 @@ bool isAt(const TFieldCacheItem& field, const SegmentStat& segment) {
            field.storage != Storage::Bit;
 }
 
-// The keys that the catalogue lists have to be the file's.
+// The catalogue's keys must match the file's.
 void checkKeys(const TableDescription& table, const FileStat& stat) {
     for (const KeyDef& key : table.keys) {
         const QString which = QStringLiteral("key %1").arg(key.number);
@@ -125,7 +125,7 @@ void checkKeys(const TableDescription& table, const FileStat& stat) {
     }
 }
 
-// The file's keys in terms of fields: as many leading segments of each as are fields of the table.
+// The file's keys as fields: of each the leading segments that are fields of the table.
 std::vector<KeyDef> keysOf(const TableDescription& table, const FileStat& stat) {
     std::vector<KeyDef> keys;
     const std::vector<TFieldCacheItem>& fields = table.layout.fields();
@@ -147,7 +147,7 @@ std::vector<KeyDef> keysOf(const TableDescription& table, const FileStat& stat) 
             }
             def.segments.push_back({index, !segment.weights.isEmpty(), segment.descending});
         }
-        // records may be told apart by the segments that are left out
+        // the segments left out may make it unique
         def.unique = def.unique && def.segments.size() == key.segments.size();
         keys.push_back(std::move(def));
     }

@@ -10,24 +10,23 @@
 
 namespace engines::shops {
 
-/// The record tables of one company of the shops' engine. A table is opened by the database's name;
-/// where the engine knows none of that name, by the file that the catalogue in the company's folder
-/// tells.
+/// The record tables of one company of the shops' engine. Opens tables by database name; if the
+/// engine does not know the name, by the files of the catalogue in the company's folder.
 class ShopsTables {
   public:
     /// @throws DataError(NoConnection) without client library or engine.
     explicit ShopsTables(ShopsDatabaseSettings settings);
 
-    /// A session that was lost is started anew. The layout is the catalogue's, else the compiled
-    /// dictionary's; it has to agree with what the file itself tells.
+    /// Replaces a lost session. The layout comes from the catalogue, else from the compiled
+    /// dictionary, and must agree with the file's own description.
     /// @throws DataError(NoSuchTable, Damaged, NoConnection, ...) naming the table.
     std::unique_ptr<TableFile> openTable(const QString& tableName);
 
-    QStringList tableNames();  ///< as the catalogue is now
+    QStringList tableNames();  ///< of the current catalogue
 
     void setLockWait(std::chrono::milliseconds wait);
 
-    /// As Database::inTransaction, for the records alone.
+    /// As Database::inTransaction, for records only.
     void inTransaction(const std::function<void()>& body);
 
   private:

@@ -16,7 +16,7 @@ qsizetype nextMeaning(const SqlTokens& tokens, qsizetype at) {
     return at;
 }
 
-// Place of the parenthesis that closes the one at `open`; -1 when none does.
+// Index of the parenthesis that closes `open`; -1 if missing.
 qsizetype closing(const SqlTokens& tokens, qsizetype open) {
     int depth = 0;
     for (qsizetype i = open; i < tokens.size(); ++i) {
@@ -72,7 +72,7 @@ SqlTokens roundedHalvesAway(const SqlTokens& argument, int decimals) {
     return made;
 }
 
-// The call that begins at `name`, spelt out; nothing when it is none of ours.
+// The expansion of the call at `name`; nullopt for other calls.
 struct Call {
     SqlTokens spelt;
     qsizetype end;
@@ -98,7 +98,7 @@ std::optional<Call> spelt(const SqlTokens& tokens, qsizetype name) {
     bool isNumber = true;
     const int decimals =
         arguments.size() == 2 ? textOf(arguments[1]).trimmed().toInt(&isNumber) : 0;
-    // more digits than any number has: left to the engine, not written out in zeros
+    // more digits than a double has: left to the engine
     constexpr int kMostDecimals = 30;
     if (!isNumber || decimals < -kMostDecimals || decimals > kMostDecimals)
         return std::nullopt;
@@ -116,7 +116,7 @@ QDate dateOf(const QString& text) {
     return date.isValid() ? date : QDate::fromString(text, QStringLiteral("yyyyMMdd"));
 }
 
-// A comparison of a date column with a literal; the empty date is before all others.
+// Compares a date column with a literal; the empty date sorts first.
 QString comparison(const QString& column, const QString& sign, const QDate& date) {
     const bool withEmpty = sign == QLatin1String("<") || sign == QLatin1String("<=") ||
                            sign == QLatin1String("<>") || sign == QLatin1String("!=");
@@ -240,7 +240,7 @@ QList<bool> datesToNull(SqlTokens& tokens,
                             : QStringLiteral(" = ") + kNull),
                 false);
         } else {
-            // "table.column": the table's name has gone ahead
+            // "table.column": the table's name is already out
             QString name = column.text;
             if (made.size() >= 2 && made.last().text == QLatin1String(".")) {
                 name = made[made.size() - 2].text + QLatin1Char('.') + name;

@@ -7,13 +7,12 @@
 #include "engines/data_names.h"
 #include "engines/shops/sql_tokens.h"
 
-/// What a dialect does to the pieces of a statement. Statements that make no sense stay as they
-/// are, for the server to refuse.
+/// Rewriting steps of the dialects. Malformed statements stay unchanged; the server refuses them.
 namespace engines::shops {
 
 bool returnsRows(const SqlTokens& tokens);
 
-/// Takes off semicolons, blanks and comments at the end.
+/// Removes trailing semicolons, blanks and comments.
 void dropEnd(SqlTokens& tokens);
 
 /// "select top N ..." at the statement's beginning becomes "select ... LIMIT N".
@@ -22,11 +21,11 @@ void topToLimit(SqlTokens& tokens);
 /// round() and floor() in doubles, halves away from zero, and decimal literals as doubles.
 void spellOutRounding(SqlTokens& tokens);
 
-/// A query with subqueries is told to join its tables in the order in which they stand.
+/// Fixes the join order of a query with subqueries to the order written.
 void keepOrderOfTables(SqlTokens& tokens);
 
-/// Dates compared with texts, and set, in a database whose empty date is NULL and sorts before all
-/// others. @return for each token whether it is a parameter that stands for a date.
+/// Rewrites comparisons and assignments of dates for a database whose empty date is NULL; the empty
+/// date sorts first. @return for each token whether it is a date parameter.
 QList<bool> datesToNull(SqlTokens& tokens, const std::function<bool(const QString&)>& isDateColumn);
 
 }  // namespace engines::shops

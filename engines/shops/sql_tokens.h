@@ -7,7 +7,7 @@
 
 namespace engines::shops {
 
-/// A piece of a statement; all pieces joined are the statement.
+/// A token of a statement; all tokens joined give the statement.
 struct SqlToken {
     enum Kind { Blank, Comment, Word, Number, Text, QuotedName, Parameter, Symbol };
     Kind kind;

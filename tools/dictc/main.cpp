@@ -7,8 +7,7 @@
 #include "data/dictionary/dictionary_source.h"
 #include "data/error.h"
 
-// dictc OUT.bin SOURCE.dict: compiles one readable table source into its binary block. Runs while
-// the program is built.
+// dictc OUT.bin SOURCE.dict: compiles a table source into its binary block, at build time.
 
 namespace {
 

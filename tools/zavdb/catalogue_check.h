@@ -10,7 +10,7 @@
 
 namespace tools {
 
-/// What the catalogue says of each table: its fields in order and its key segments.
+/// Each table's fields, in order, and key segments in the catalogue.
 using Catalogue = QMap<QString, QStringList>;
 
 bool isCatalogueTable(const QString& table);
@@ -28,12 +28,12 @@ class CatalogueReader {
     std::unique_ptr<data::TableFile> m_indexes;
 };
 
-/// The stored tables stay as they are when rows of the catalogue are imported, so it has to say the
-/// same of them afterwards. @throws CommandError naming a table of which it does not.
+/// Importing catalogue rows does not change the stored tables, so their description must stay the
+/// same. @throws CommandError naming a table whose description differs.
 void requireSameTables(const Catalogue& before, const Catalogue& after);
 
-/// Runs a change of a table's rows as one transaction, which is undone when the rows are the
-/// catalogue's and say something else of the stored tables afterwards.
+/// Changes a table's rows in one transaction. Rolls back if the table belongs to the catalogue and
+/// its description of the stored tables would change.
 void changeTable(data::Database& database, const data::TableFile& table,
                  const std::function<void()>& change);
 

@@ -12,7 +12,7 @@
 
 namespace tools {
 
-/// A command that cannot do its work: one English line for standard error, exit status 1.
+/// A failed command: one English line for standard error, exit status 1.
 class CommandError : public std::runtime_error {
   public:
     explicit CommandError(const QString& message)
@@ -23,10 +23,10 @@ class CommandError : public std::runtime_error {
     QString m_message;
 };
 
-/// A command line that says nothing sensible: exit status 2.
+/// An invalid command line: exit status 2.
 class UsageError : public CommandError {
   public:
-    /// `command`: whose help explains it; empty: the program's.
+    /// `command`: whose help to refer to; empty: the program's.
     explicit UsageError(const QString& message, QString command = {})
         : CommandError(message), m_command(std::move(command)) {}
     const QString& command() const { return m_command; }
@@ -35,11 +35,11 @@ class UsageError : public CommandError {
     QString m_command;
 };
 
-/// What the user gave a command: its arguments in order and its options by name.
+/// A command's arguments in order and its options by name.
 class Arguments {
   public:
     QStringList positional;
-    QHash<QString, QStringList> options;  ///< an option without a value has one empty text
+    QHash<QString, QStringList> options;  ///< without a value: one empty text
 
     const QString& at(int index) const { return positional.at(index); }
     int count() const { return static_cast<int>(positional.size()); }
@@ -49,7 +49,7 @@ class Arguments {
 /// One command of the program.
 struct Command {
     QString name;
-    QString syntax;  ///< its arguments as the help shows them
+    QString syntax;  ///< its arguments, for the help
     QString summary;
     QString details;  ///< further paragraphs of its own help
     int minArguments = 0;
@@ -66,7 +66,7 @@ std::vector<Command> tableCommands();     ///< tables, fields, dictionary, sql
 std::vector<Command> transferCommands();  ///< import, export, load, save
 std::vector<Command> copyCommands();      ///< copy
 
-/// What a command line asks for: a command with its arguments, or nothing but an answer.
+/// A parsed command line: a command with its arguments, or only an answer.
 struct Invocation {
     const Command* command = nullptr;
     Arguments arguments;
@@ -77,17 +77,17 @@ std::vector<Command> allCommands();
 /// @throws UsageError.
 Invocation parseCommandLine(const std::vector<Command>& commands, const QStringList& arguments);
 
-/// Parses the command line and runs the command. @return the exit status: 0, 1 for an error (told
-/// on standard error), 2 for wrong usage.
+/// Parses the command line and runs the command. @return the exit status: 0, 1 for an error
+/// (reported on standard error), 2 for wrong usage.
 int runZavdb(const QStringList& arguments);
 
-// --- what several commands use
+// --- shared by several commands
 
-/// The folder of a registered company. @throws CommandError when there is none of that name.
+/// The folder of a registered company. @throws CommandError if not registered.
 QString companyFolder(const QString& name);
 /// Opens a registered company's database. @throws CommandError, data::DataError.
 std::unique_ptr<data::Database> openCompany(const QString& name);
-/// Opens one table. @throws CommandError naming the table when the company has none of that name.
+/// Opens one table. @throws CommandError naming the table if the company has none of that name.
 std::unique_ptr<data::TableFile> openTable(data::Database& database, const QString& table);
 
 void printLine(const QString& text);   ///< to standard output

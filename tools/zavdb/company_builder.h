@@ -10,22 +10,22 @@ namespace tools {
 
 /// Builds a new company and registers it: all of it or nothing.
 ///
-/// The database is made in a folder of its own inside `folder` and moved to its place when it is
-/// whole, so that neither a failure nor a kill leaves half a company there. `fill` (may be empty)
-/// puts the data in. The folder is made when it is missing, and taken away again on failure.
-/// @throws CommandError when the name is none or taken, or the folder holds a company already;
+/// Builds the database in a hidden folder inside `folder` and moves it into place when complete, so
+/// that neither a failure nor a kill leaves half a company. `fill` (may be empty) adds the data.
+/// Creates a missing folder and removes it again on failure.
+/// @throws CommandError if the name is invalid or in use, or the folder holds a company;
 ///         data::DataError.
 void buildCompany(const QString& name, const QString& folder,
                   const std::vector<data::TableSource>& tables,
                   const std::function<void(data::Database&)>& fill);
 
-/// @throws CommandError when the name cannot be a company's, or is taken.
+/// @throws CommandError if the name is invalid or already in use.
 void requireFreeName(const QString& name);
-/// The folder of a command, in full. @throws CommandError when it is empty.
+/// Returns the absolute path of a folder. @throws CommandError if it is empty.
 QString absoluteFolder(const QString& folder);
-/// @throws CommandError when the folder holds a company, or is no folder.
+/// @throws CommandError if the folder holds a company or is not a folder.
 void requireFreeFolder(const QString& folder);
-/// Puts the company of an absolute folder on the list.
+/// Registers the company in an absolute folder.
 void registerCompany(const QString& name, const QString& folder);
 
 }  // namespace tools

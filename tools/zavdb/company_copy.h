@@ -10,20 +10,19 @@ namespace tools {
 struct CopyResult {
     int tables = 0;
     qint64 records = 0;       ///< of all tables
-    qint64 inserted = 0;      ///< by this call; the others were there from an earlier one
-    QStringList notes;        ///< what was left out and why, one line each
-    QStringList differences;  ///< source against copy; the copy is not finished when there are any
-    QStringList findings;     ///< of the check of the copy, as "zavdb check" tells them
+    qint64 inserted = 0;      ///< by this call; the others by an earlier one
+    QStringList notes;        ///< what was skipped and why, one line each
+    QStringList differences;  ///< between source and copy; if any, the copy is unfinished
+    QStringList findings;     ///< of the check of the copy, as in "zavdb check"
 };
 
-/// Copies every table of a company, of whatever engine, into a new embedded company in `folder` and
-/// registers it: layouts and keys as the source opens them, records byte for byte, the
-/// catalogue's own rows too where they describe the copy. The company's definitions and INI files
-/// come along.
+/// Copies every table of a company of any engine into a new embedded company in `folder` and
+/// registers it: the source's layouts and keys, records byte for byte, and the catalogue's own rows
+/// where they describe the copy. Also copies the company's definitions and INI files.
 ///
-/// The copy grows in a hidden folder inside `folder` and moves to its place when it was compared
-/// with the source. A call that was stopped goes on where it was when it is repeated; so does one
-/// after differences, which copies the tables concerned anew.
+/// Builds the copy in a hidden folder inside `folder` and moves it into place after comparing it
+/// with the source. Repeating a stopped call resumes it; after differences it copies those tables
+/// again.
 /// @throws CommandError, data::DataError.
 CopyResult copyCompany(data::Database& source, const QString& sourceFolder,
                        const QString& targetName, const QString& folder);

@@ -12,14 +12,13 @@ namespace tools {
 
 using OpenTables = std::vector<std::unique_ptr<data::TableFile>>;
 
-/// The tables of a copy as their source's catalogue numbers them: tells which of the catalogue's
-/// rows speak of them.
+/// The tables of a copy with their numbers in the source's catalogue; selects the catalogue rows
+/// that describe them.
 class CopiedTables {
   public:
     explicit CopiedTables(const OpenTables& tables);
 
-    /// All records of an ordinary table; of a catalogue table the rows of the tables that are
-    /// copied, their definitions and keys.
+    /// All records of an ordinary table; of a catalogue table the rows that describe copied tables.
     BelongsToCopy belongs(const data::TableFile& table) const;
 
   private:
@@ -27,9 +26,9 @@ class CopiedTables {
     QSet<qint64> m_numbers;
 };
 
-/// Makes the empty database of a copy inside `work`, with the layouts and keys of the source's
-/// tables; takeCopyTarget() gives it its name. Its catalogue gets the source's rows where they
-/// describe the copy's tables exactly. @return false when the catalogue has rows of its own.
+/// Creates the empty database of a copy inside `work` with the layouts and keys of the source;
+/// takeCopyTarget() moves it to its name. Its catalogue gets the source's rows if they describe the
+/// copy's tables exactly. @return false if it has its own rows instead.
 /// @throws data::DataError, CommandError.
 bool makeCopyTarget(const OpenTables& source, const QString& work);
 void takeCopyTarget(const QString& work);

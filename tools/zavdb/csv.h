@@ -9,11 +9,11 @@
 /// Comma-separated values by RFC 4180, in UTF-8: the import and export format of the tables.
 namespace tools {
 
-/// A file that is no CSV, or a device that cannot be read or written.
+/// Malformed CSV, or a device that cannot be read or written.
 class CsvError : public std::runtime_error {
   public:
     CsvError(qint64 line, const QString& detail);
-    qint64 line() const { return m_line; }  ///< 1 is the first; 0: no line is concerned
+    qint64 line() const { return m_line; }  ///< from 1; 0: not about a line
     const QString& detail() const { return m_detail; }
 
   private:
@@ -21,14 +21,14 @@ class CsvError : public std::runtime_error {
     QString m_detail;
 };
 
-/// Reads record by record, so memory stays bounded by the longest record. Lines end with CR LF or
-/// LF; a byte order mark at the start is passed over.
+/// Reads record by record; memory is bounded by the longest record. Lines end with CR LF or LF;
+/// skips a byte order mark.
 class CsvReader {
   public:
-    /// A record longer than this is taken for a quote that nobody closed.
+    /// A longer record is taken for an unclosed quote.
     static constexpr qsizetype kMaxRecordBytes = 4194304;
 
-    /// The device is open for reading and outlives the reader.
+    /// The device must be open for reading and outlive the reader.
     explicit CsvReader(QIODevice& device);
 
     /// Reads the next record. @return false at the end of the file. @throws CsvError for a quote
@@ -37,11 +37,11 @@ class CsvReader {
     bool next();
 
     int fieldCount() const { return static_cast<int>(m_ends.size()); }
-    /// Bytes of a field of the last record, unquoted; valid until the next call of next().
+    /// Bytes of a field of the last record, unquoted; valid until next().
     QByteArrayView field(int index) const;
-    /// The line on which the last record began, from 1.
+    /// First line of the last record, from 1.
     qint64 line() const { return m_recordLine; }
-    /// The last record was an empty line: one field without a character and without quotes.
+    /// True if the last record was an empty line, without quotes.
     bool isBlank() const { return m_blank; }
 
   private:
@@ -62,14 +62,14 @@ class CsvReader {
     bool m_blank = false;
 };
 
-/// Writes records with CR LF; quotes what needs quotes and nothing else.
+/// Writes records with CR LF; quotes only where necessary.
 class CsvWriter {
   public:
     explicit CsvWriter(QIODevice& device);
 
     void add(const QString& text);
     void endRecord();
-    /// Hands everything to the device. @throws CsvError when the device does not take it.
+    /// Writes the buffer to the device. @throws CsvError on failure.
     void flush();
 
   private:
@@ -79,7 +79,7 @@ class CsvWriter {
     int m_fields = 0;
 };
 
-/// Strict UTF-8. @return false when the bytes are none; `text` is then undefined.
+/// Strict UTF-8. @return false if invalid; `text` is then undefined.
 bool decodeUtf8(QByteArrayView bytes, QString& text);
 
 }  // namespace tools

@@ -7,11 +7,11 @@
 
 namespace tools {
 
-/// The fields of an open table as its dictionaries describe them: the compiled one's items where it
-/// agrees with the stored layout (it keeps every mask), else the catalogue's.
+/// Returns the fields of an open table: from the compiled dictionary if it matches the stored
+/// layout (it has every mask), else from the catalogue.
 std::vector<data::TFieldCacheItem> describedFields(const data::TableFile& records);
 
-/// A readable table of the fields, then one line for each key.
+/// Formats the fields as a table, then one line per key.
 QString fieldListing(const data::TableFile& records);
 
 }  // namespace tools

@@ -6,8 +6,8 @@
 
 namespace tools {
 
-/// Writes a file through `write`: a new one, put in the place of an old one when it is whole. What
-/// is no ordinary file (a device, a pipe) is written into and stays what it is.
+/// Writes a file through `write` and replaces an old one when complete. Devices and pipes are
+/// written into and not replaced.
 /// @return what `write` returns. @throws CommandError naming the file, and what `write` throws.
 qint64 writeFile(const QString& fileName, const std::function<qint64(QIODevice&)>& write);
 

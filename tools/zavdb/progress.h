@@ -5,12 +5,12 @@
 
 namespace tools {
 
-/// One line on standard error that tells how far a long command is, a few times a second. Silent
-/// where standard error is no terminal.
+/// Shows the progress of a long command on standard error, a few times a second. Silent if standard
+/// error is not a terminal.
 class Progress {
   public:
     Progress();
-    ~Progress();  ///< takes the line away
+    ~Progress();  ///< clears the line
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 

@@ -6,7 +6,7 @@
 
 namespace tools {
 
-/// A sequential file that is none; what() says what is wrong with which record at which byte.
+/// Malformed sequential file; what() names the record, the byte and the fault.
 class SequentialFileError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -14,7 +14,7 @@ class SequentialFileError : public std::runtime_error {
 
 /// Reads an unformatted sequential file as the shops' engine's maintenance utility saves it, record
 /// by record: the record's length in decimal digits, a comma (or a blank), the bytes, a line end
-/// (CR LF; LF alone counts). After the last record stands the end mark 0x1A, which may be missing.
+/// (CR LF, or LF). The end mark 0x1A follows the last record; it may be missing.
 class SequentialReader {
   public:
     static constexpr char kEndMark = '\x1A';
@@ -23,11 +23,11 @@ class SequentialReader {
     SequentialReader(QIODevice& input, int shortest, int longest)
         : m_input(input), m_shortest(shortest), m_longest(longest) {}
 
-    /// Goes to the next record. @return false at the end. @throws SequentialFileError.
+    /// Reads the next record. @return false at the end. @throws SequentialFileError.
     bool next();
     const QByteArray& bytes() const { return m_bytes; }
     qint64 number() const { return m_number; }  ///< of the current record, from 1
-    qint64 offset() const { return m_start; }   ///< byte at which its length stands, from 0
+    qint64 offset() const { return m_start; }   ///< of its length field, in bytes from 0
     bool hasEndMark() const { return m_hasEndMark; }
 
   private:

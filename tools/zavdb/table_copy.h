@@ -11,25 +11,24 @@ namespace tools {
 using BelongsToCopy = std::function<bool(const QByteArray& record)>;
 using CopyProgress = std::function<void(qint64 records)>;
 
-/// Makes a table the byte for byte copy of another one, in batches that are stored at once. What it
-/// holds already is compared with the source, in the order in which both are stored, and goes on to
-/// count as copied as long as it is the same; otherwise the table is emptied and copied anew. So a
-/// copy that was killed goes on where it stopped. @return how many records were inserted.
-/// @throws CommandError naming the table, record and key of a record that the copy cannot hold;
+/// Copies a table byte for byte, one transaction a batch. Compares existing records with the source
+/// in storage order and keeps them if equal; else empties the table and copies it again. A killed
+/// copy therefore resumes. @return the number of records inserted.
+/// @throws CommandError naming the table, record and key of a record that cannot be inserted;
 ///         data::DataError.
 qint64 copyTable(data::TableFile& source, data::Database& targetDatabase, data::TableFile& target,
                  const BelongsToCopy& belongs, const CopyProgress& progress);
 
 struct Comparison {
     qint64 records = 0;    ///< of the source
-    QStringList findings;  ///< one line a difference, the first ones; empty: the tables are equal
+    QStringList findings;  ///< the first differences, one line each; empty: equal
 };
 
-/// Compares two tables record by record and byte by byte, in the order in which they are stored.
+/// Compares two tables byte by byte, in storage order.
 Comparison compareTables(data::TableFile& source, data::TableFile& target,
                          const BelongsToCopy& belongs, const CopyProgress& progress);
 
-/// Removes every record, in parts.
+/// Removes every record, in batches.
 void removeAll(data::TableFile& records);
 
 }  // namespace tools

@@ -6,8 +6,8 @@
 
 namespace tools {
 
-/// Appends the rows of a CSV file to a table; with `replace` the table is emptied first. One
-/// transaction: an error changes nothing. @return the number of rows.
+/// Appends the rows of a CSV file to a table; with `replace` empties it first. One transaction: an
+/// error changes nothing. @return the number of rows.
 /// @throws CommandError naming file, line, field and value; data::DataError.
 qint64 importTable(data::Database& database, const QString& table, const QString& fileName,
                    bool replace);

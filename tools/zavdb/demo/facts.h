@@ -11,7 +11,7 @@
 
 namespace tools::demo {
 
-/// The kinds of things that draw their own random numbers.
+/// The kinds of items with their own random numbers.
 enum class Stream : quint64 {
     Product = 1,
     Customer,
@@ -33,8 +33,8 @@ enum class Stream : quint64 {
 
 inline constexpr int kLevels = 9;
 
-/// What other tables need to know of a product. Made anew from its index whenever it is wanted, so
-/// that a million products take no memory.
+/// The facts of a product that other tables need. Computed from its index each time, so that a
+/// million products take no memory.
 struct Product {
     int index = 0;
     QString number;
@@ -69,7 +69,7 @@ class Facts {
     int customerCount() const;
     int quantityDiscountCount() const;
 
-    /// The numbers of one thing of a kind.
+    /// Random numbers for one item of a kind.
     Random random(Stream kind, qint64 index) const {
         return Random(m_options.seed, static_cast<quint64>(kind), static_cast<quint64>(index));
     }
@@ -91,7 +91,7 @@ class Facts {
 };
 
 double ratePercent(int vatClass);
-/// 1 + rate / 100, the rate as the VAT class table keeps it
+/// 1 + rate / 100, the rate as stored in the VAT class table
 double vatFactor(int vatClass);
 
 double euros(qint64 cents);
@@ -105,7 +105,7 @@ QList<QStringView> items(QStringView list);
 
 QString supplierCode(int index);
 
-/// The last day that the data knows; the company's books were copied on it.
+/// The last day in the data.
 inline const QDate kToday(2024, 8, 23);
 /// A day from `fewest` to `most` days before kToday (after it for negative numbers).
 QDate dayBefore(Random& random, int fewest, int most);

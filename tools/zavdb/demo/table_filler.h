@@ -17,7 +17,7 @@ class TableFiller {
   public:
     TableFiller(data::Database& database, const QString& table);
 
-    /// Starts the next record; the one before it is stored.
+    /// Stores the record before and starts the next.
     TableFiller& row();
     TableFiller& set(std::u16string_view field, const QString& text);
     TableFiller& set(std::u16string_view field, QStringView text) {
@@ -52,7 +52,7 @@ class TableFiller {
     qint64 m_rows = 0;
 };
 
-/// Calls `body` with 0 to count - 1, a bounded number of calls to a transaction.
+/// Calls `body` with 0 to count - 1, a limited number of calls per transaction.
 void inBatches(data::Database& database, qint64 count, const std::function<void(int)>& body);
 
 }  // namespace tools::demo

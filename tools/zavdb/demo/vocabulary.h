@@ -3,7 +3,7 @@
 #include <QStringView>
 #include <span>
 
-/// The words and numbers that the demo company is put together from.
+/// The words and numbers of the demo company.
 namespace tools::demo {
 
 /// The company's VAT classes.
