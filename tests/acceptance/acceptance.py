@@ -75,7 +75,7 @@ class Company:
         self.env = dict(os.environ, XDG_CONFIG_HOME=os.path.join(folder, "config"),
                         QT_QPA_PLATFORM="offscreen")
         self.data = os.path.join(folder, "data")
-        self.home = self.data  # what stands as the company's data folder when the change is run
+        self.home = self.data  # the company's data folder during the run
         self.run_env = self.env
         self.program = os.path.join(folder, "taksavaihe")
         shutil.copy(os.path.join(bins, "taksavaihe"), self.program)
@@ -263,7 +263,7 @@ def make_definition(r):
 
 
 def compare(table, got, want, stamps):
-    """Lines that tell what differs; rows are matched in sorted order."""
+    """Returns a line per difference; rows are matched in sorted order."""
     fields = [f for f in LAYOUTS[table]]
     time_cells = {f[0] for f in fields if f[1] in ("time", "timestamp")}
     order = lambda row: tuple(str(row[f[0]]) for f in fields if f[1] != "float"

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Kills a whole run at random moments and looks at what is left.
+"""Kills a whole run at random moments and checks what is left.
 
 usage: crash.py BIN_DIR [--kills N] [--seed S] [--products N] [--orders N]
 
-After each kill -9 the company must open and pass `zavdb check`, every record must be old or new,
-never between, every product that the log told of must be new, and a run started again must end with
-the products, groups, store prices and order rows of an uninterrupted one (headers: as a second totals
-pass over those rows gives them). Every second kill waits until the run has come to the orders."""
+After each kill -9 the company must open and pass `zavdb check`; every record must be old or new; every
+product in the log must be new; a rerun must end with the products, groups, store prices and order rows
+of an uninterrupted run (headers: as summed again over those rows). Every second kill waits until the
+run has reached the orders."""
 
 import argparse
 import itertools
@@ -22,7 +22,7 @@ import time
 import acceptance
 from acceptance import LAYOUTS, Company, make_company
 
-# the time of a change is no part of old and new
+# columns with the time of a change, which are not compared
 CLOCK = {"MUUTETTUPVM", "muutettutime", "MuutosPvm", "MuutosKlo", "muutosKlo", "Muutettu", "TulPvm"}
 KEYS = {"TUOTE": ["NUMERO"], "TRYHMA": ["Nro"], "MYYMALAHINNAT": ["Myymala", "Tuote"],
         "MTRIVI": ["TilausNro", "RiviNro"], "WINOTRI": ["TilausNro", "RiviNro"],
@@ -49,7 +49,7 @@ def state(company):
 
 
 def told(company):
-    """Numbers of the products that the change log says are done."""
+    """Numbers of the products that the change log lists as converted."""
     try:
         with open(os.path.join(company.data, "ALVMUUTOS.LOG"), encoding="utf-8") as f:
             lines = [line.partition("  Tuote: ")[2] for line in f if "  Tuote: " in line]
@@ -59,13 +59,13 @@ def told(company):
 
 
 def unmarked(row):
-    """A sales row without its margin mark, which the totals pass writes apart from the row."""
+    """A sales row without its margin mark, which the totals pass writes separately."""
     kate = FIELDS["MTRIVI"].index("Kate")
     return row[:kate] + (0.0,) + row[kate + 1:] if row[kate] == 1 else row
 
 
 def known(table, row, states):
-    """Whether a row is as in one of the states."""
+    """True if a row matches one of the states."""
     if row in states:
         return True
     if table == "MTRIVI":
@@ -75,8 +75,8 @@ def known(table, row, states):
 
 
 def summed(number, header, order_rows):
-    """Whether a sales header has the totals of its rows, some of which a pass that was killed may
-    have marked before: those count in the margins, those marked in the last pass do not."""
+    """True if a sales header has the totals of its rows. A killed pass may have marked some of them:
+    those count in the margins, rows marked in the last pass do not."""
     named = [dict(zip(FIELDS["MTRIVI"], row)) for key, row in sorted(order_rows.items()) if key[0] == number]
     marks = [n for n, row in enumerate(named) if row["Kate"] == 1]
     header = dict(zip(FIELDS["MT"], header))

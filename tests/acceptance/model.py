@@ -1,8 +1,8 @@
-"""A second, independent statement of the change's arithmetic, in plain Python on dictionaries.
+"""An independent model of the change's arithmetic and log lines, in plain Python on dictionaries.
 
-It shares nothing with the program: it reads exported tables, computes what a definition must leave
-behind, and the driver compares every cell. Amounts are doubles, one rounding an operation; a field
-of single precision holds what a single can hold (see f32)."""
+It shares nothing with the program: it computes from exported tables what a definition must leave, and
+the driver compares every cell. Amounts are doubles, rounded once per operation; a single-precision
+field rounds its value (see f32)."""
 
 import decimal
 import math

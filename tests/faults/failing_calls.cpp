@@ -9,6 +9,7 @@
 #include <QFile>
 #include <cerrno>
 #include <cstdarg>
+#include <map>
 #include <string>
 #include <utility>
 
@@ -19,7 +20,7 @@ namespace {
 struct Watch {
     std::string folder;  // empty: nothing is watched
     FailingCalls::Judge judge;
-    bool judging = false;  // calls of the judge itself pass
+    bool judging = false;  // the judge's own calls pass
 };
 
 Watch& watch() {
@@ -34,7 +35,7 @@ std::string pathOf(int descriptor) {
     return length > 0 ? std::string(path, static_cast<size_t>(length)) : std::string();
 }
 
-// @return true when the call is to fail; errno is set then.
+// Returns true and sets errno if the call must fail.
 bool fails(const char* name, const std::string& path, bool forWriting = false, qint64 bytes = 0) {
     Watch& w = watch();
     if (w.folder.empty() || w.judging || path.compare(0, w.folder.size(), w.folder) != 0)
@@ -83,21 +84,16 @@ FailingCalls::~FailingCalls() {
 }
 
 int usualError(const FileCall& call) {
-    if (call.name == QLatin1String("write"))
-        return ENOSPC;
-    if (call.name == QLatin1String("open") || call.name == QLatin1String("rename") ||
-        call.name == QLatin1String("remove"))
-        return EACCES;
-    if (call.name == QLatin1String("lock") || call.name == QLatin1String("unlock"))
-        return ENOLCK;
-    if (call.name == QLatin1String("map"))
-        return ENOMEM;
-    return EIO;
+    static const std::map<QString, int> errors = {
+        {"write", ENOSPC}, {"open", EACCES},   {"rename", EACCES}, {"remove", EACCES},
+        {"lock", ENOLCK},  {"unlock", ENOLCK}, {"map", ENOMEM}};
+    const auto found = errors.find(call.name);
+    return found == errors.end() ? EIO : found->second;
 }
 
 }  // namespace test
 
-// The C library's own names, in both spellings that libraries use.
+// The C library's names, with their 64-bit aliases.
 #pragma GCC visibility push(default)
 extern "C" {
 
@@ -133,7 +129,7 @@ ssize_t pwrite64(int descriptor, const void* from, size_t count, off64_t offset)
     return ::syscall(SYS_pwrite64, descriptor, from, count, offset);
 }
 
-// No test here loses power: nothing has to reach the disk.
+// No test loses power, so nothing is flushed to the disk.
 int fsync(int descriptor) {
     return test::failsOn("flush", descriptor) ? -1 : 0;
 }
@@ -144,7 +140,7 @@ int ftruncate(int descriptor, off_t size) noexcept {
                : static_cast<int>(::syscall(SYS_ftruncate, descriptor, size));
 }
 
-// A file that cannot be closed is closed all the same.
+// A failing close closes the file anyway.
 int close(int descriptor) {
     const bool failed = test::failsOn("close", descriptor);
     const int error = errno;

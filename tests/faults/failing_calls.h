@@ -6,7 +6,7 @@
 
 namespace test {
 
-/// A call of the operating system on a file of the folder under test.
+/// A system call on a file of the folder under test.
 struct FileCall {
     QString name;  ///< "open", "read", "write", "lock", "truncate", "flush", "map", "close", ...
     QString file;  ///< without its folder
@@ -14,12 +14,11 @@ struct FileCall {
     qint64 bytes = 0;         ///< of a write
 };
 
-/// Makes calls of the operating system fail while it lives: those of the engine, the record locks,
-/// the logs and the small files, whichever library makes them, on files below a folder. This test
-/// program defines the functions itself, so that every library in it calls these.
+/// Makes system calls on files below a folder fail during its lifetime, whichever library makes
+/// them. This test program defines the C library's functions itself, so every library calls these.
 class FailingCalls {
   public:
-    /// @return the error (errno) that the call is to fail with; 0 to let it through.
+    /// Returns the errno to fail with, 0 to let the call through.
     using Judge = std::function<int(const FileCall& call)>;
 
     FailingCalls(const QString& folder, Judge judge);
@@ -28,7 +27,7 @@ class FailingCalls {
     FailingCalls& operator=(const FailingCalls&) = delete;
 };
 
-/// The error that such a call fails with in practice.
+/// The errno that such a call typically fails with.
 int usualError(const FileCall& call);
 
 }  // namespace test

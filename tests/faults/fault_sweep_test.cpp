@@ -1,7 +1,6 @@
-// Every call of the operating system that a whole run makes on the company's files fails once, one
-// after another: opening, reading, writing, locking, flushing ... of the database, the record
-// locks, the logs and the small files. TAKSAVAIHE_FAULTS sets how many of them are tried (all of
-// them when that is more than there are).
+// Fails, one at a time, each system call that a whole run makes on the company's files: open, read,
+// write, lock, flush ... of the database, the record locks, the logs and the small files.
+// TAKSAVAIHE_FAULTS sets how many are tried, at most all.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <sys/resource.h>
@@ -27,12 +26,12 @@ using vatchange::RunResult;
 
 constexpr test::FullCompanySize kSize{3, 1};
 
-// Mapped files would be read without a call that can fail.
+// Reads of mapped files make no call that could fail.
 const int kNoMapping = sqlite3_config(SQLITE_CONFIG_MMAP_SIZE, 0LL, 0LL);
 
-// Rows are added to these; each is an effect of another table's row.
+// Tables that get rows as a side effect of another table's row.
 const QStringList kFollowers{"HR", "WEBKLIITOS", "INI"};
-// Multiplied again by a rerun while their product waits.
+// A rerun multiplies these again while their product is unconverted.
 const QStringList kPriceTables{"ASALE", "KAMPPANJA", "VAKIOLASKUTUS", "MAARAALE"};
 
 const QStringList kKnownBeginnings{
@@ -119,9 +118,8 @@ class FaultSweep : public testing::Test {
         return true;
     }
 
-    /// Every record is old or new, and the run's own figures say which. `inDoubt`: statements that
-    /// may be stored although they were reported as failed, since nothing could be written that
-    /// takes them back.
+    /// Every record is old or new, and agrees with the run's counts. `inDoubt`: statements that may
+    /// be stored although they failed, because the rollback could not be written.
     void expectOldOrNew(const Attempt& run, int inDoubt = 0) const {
         ASSERT_EQ(engines::checkEmbedded(folder()), QStringList());
         const Records left = test::readCompany(folder());
@@ -141,11 +139,11 @@ class FaultSweep : public testing::Test {
         EXPECT_GE(products, run.result.products);
         EXPECT_LE(products, run.result.products + inDoubt) << "products counted and changed";
         if (left != m_new) {
-            EXPECT_FALSE(run.clean()) << "something is missing, and nobody was told";
+            EXPECT_FALSE(run.clean()) << "records are missing without an error";
         }
     }
 
-    /// The disturbance is over: the run is repeated and reaches the end.
+    /// A rerun without faults finishes the change.
     void expectRerunFinishes(const Attempt& first) {
         auto definition = test::fullDefinition();
         const bool begun = first.openProblem.isEmpty() && !first.result.refused;
@@ -159,8 +157,8 @@ class FaultSweep : public testing::Test {
         const Records done = test::readCompany(folder());
         for (const auto& [table, records] : done) {
             const bool isLeftOut = begun && (kFollowers + kPriceTables).contains(table);
-            // The store prices follow products of the source class, and their headers are summed
-            // again over rows that are marked by now.
+            // Store prices are updated only for products of the source class; a rerun sums order
+            // headers over rows that now carry margin marks.
             if (isLeftOut || table == QLatin1String("MYYMALAHINNAT") ||
                 table == QLatin1String("MT"))
                 continue;
@@ -190,8 +188,8 @@ TEST_F(FaultSweep, EachCallFailsOnce) {
     const int wanted = test::countFrom("TAKSAVAIHE_FAULTS", 60);
     std::map<QString, int> kinds;
     int unclean = 0;
-    // A lock inside of the database that cannot be given back makes every later statement wait for
-    // it, ten seconds each: a few of these are enough, and none in a short test.
+    // When a lock inside the database cannot be released, every later statement waits ten seconds:
+    // two of these are enough in a full sweep, none in a short one.
     int waits = wanted >= calls ? 2 : 0;
     for (int n = 1; n <= calls; ++n) {
         if (static_cast<int>(random() % static_cast<unsigned>(calls)) >= wanted)
@@ -231,7 +229,7 @@ TEST_F(FaultSweep, EachCallFailsOnce) {
     std::printf("\n");
 }
 
-TEST_F(FaultSweep, DiskIsFullOrGoneFromSomeMomentOn) {
+TEST_F(FaultSweep, SurvivesAFullOrLostDisk) {
     const unsigned seed = test::seedOfTest();
     SCOPED_TRACE("TAKSAVAIHE_SEED=" + std::to_string(seed));
     std::mt19937 random(seed);
@@ -258,17 +256,17 @@ TEST_F(FaultSweep, DiskIsFullOrGoneFromSomeMomentOn) {
     }
 }
 
-TEST_F(FaultSweep, LogThatCannotBeWrittenStopsNothing) {
+TEST_F(FaultSweep, RunsWithoutAWritableLog) {
     const Attempt run = attempt([](const FileCall& call) {
         return call.file == QLatin1String("ALVMUUTOS.LOG") ? EACCES : 0;
     });
     EXPECT_TRUE(run.clean());
     EXPECT_EQ(logLines(), 0);
-    EXPECT_EQ(run.logProblems.size(), 1) << "told once, not for every line";
+    EXPECT_EQ(run.logProblems.size(), 1) << "reported once, not per line";
     EXPECT_EQ(test::readCompany(folder()), m_new);
 }
 
-TEST_F(FaultSweep, LogLineThatWasCutOffStaysOnALineOfItsOwn) {
+TEST_F(FaultSweep, StartsANewLineAfterATruncatedLogLine) {
     fresh();
     test::LoggingPorts ports;
     ports.log(QStringLiteral("eka"));
@@ -293,14 +291,14 @@ TEST_F(FaultSweep, LogLineThatWasCutOffStaysOnALineOfItsOwn) {
     EXPECT_EQ(m_logProblems.size(), 2);
 }
 
-TEST_F(FaultSweep, DatabaseThatMayOnlyBeReadIsRefusedAtOnce) {
+TEST_F(FaultSweep, RefusesAReadOnlyDatabase) {
     const Attempt run = attempt([](const FileCall& call) { return call.forWriting ? EACCES : 0; });
     EXPECT_TRUE(run.openProblem.startsWith(QStringLiteral("Tietokantaan ei voi kirjoittaa")))
         << run.openProblem.toStdString();
     EXPECT_EQ(test::readCompany(folder()), m_old);
 }
 
-TEST_F(FaultSweep, FolderThatIsMovedAwayMeanwhile) {
+TEST_F(FaultSweep, SurvivesMovingTheFolder) {
     fresh();
     Attempt run;
     const QString away = m_folder.filePath(QStringLiteral("muualla"));
@@ -318,7 +316,7 @@ TEST_F(FaultSweep, FolderThatIsMovedAwayMeanwhile) {
     EXPECT_LE(m_logProblems.size(), 2);
 }
 
-TEST_F(FaultSweep, ClockThatJumps) {
+TEST_F(FaultSweep, SurvivesAJumpingClock) {
     fresh();
     std::mt19937 random(7);
     const data::Clock::Override jumps([&random] {

@@ -17,7 +17,7 @@ namespace test {
 /// Every record of every table: bytes by table and the engine's address.
 using Records = std::map<QString, std::map<data::RecordId, QByteArray>>;
 
-/// Size of a company that has something for every step of a run.
+/// Size of a company with data for every step of a run.
 struct FullCompanySize {
     int products = 6;  ///< all of class 3; every third in the web shop, every second with labels
     int orders = 2;    ///< sales and purchase orders, of three rows each
@@ -25,7 +25,7 @@ struct FullCompanySize {
 
 /// Makes the company's database in a folder. VAT classes: 3 24 %, 6 25.5 %.
 void makeFullCompany(const QString& folder, const FullCompanySize& size = {});
-/// Copies the database of a company that nobody uses.
+/// Copies the database of a company that no connection uses.
 void copyCompany(const QString& from, const QString& to);
 /// Registers the folder's company and takes it into use.
 void useCompany(const QString& folder);
@@ -35,7 +35,7 @@ Records readCompany(const QString& folder);
 /// All steps, class 3 to 6, everything by 25.5/24 %.
 vatchange::ChangeDefinition fullDefinition();
 
-/// Ports that also write the change log's file, as the program does.
+/// Ports that also write the change log file, as the program does.
 class LoggingPorts : public RecordingPorts {
   public:
     LoggingPorts();
@@ -43,7 +43,7 @@ class LoggingPorts : public RecordingPorts {
     void log(const QString& line) override;
 };
 
-/// The morning of the change, for as long as it lives.
+/// Sets the clock to the morning of the change during its lifetime.
 class ChangeMorning {
   public:
     ChangeMorning();
@@ -52,11 +52,11 @@ class ChangeMorning {
     data::Clock::Override m_clock;
 };
 
-/// One table's value of a field, by the text of the first field of key 0.
+/// Values of a field by the text of key 0's first field.
 std::map<QString, double> fieldByKey(data::Database& database, const QString& table,
                                      const QString& field);
 
-/// How long a test goes on: an environment variable's number, or the default.
+/// The number in an environment variable, or the default.
 int countFrom(const char* variable, int byDefault);
 /// TAKSAVAIHE_SEED, else a new one.
 unsigned seedOfTest();

@@ -1,67 +1,121 @@
-// A loss of power may take any write that was not flushed. The engine survives it when the database
-// and its write-ahead log never have unflushed writes at the same time; a run must report nothing
-// before it is flushed.
+// The power goes at random moments of a whole run: of what was not flushed, anything may be there
+// or not. The company then is exactly what it was after the last statement that was reported as
+// done, or after the one that was being stored. TAKSAVAIHE_LOSSES sets how often.
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QTemporaryDir>
+#include <algorithm>
+#include <random>
 
 #include "engines/embedded/embedded_database.h"
-#include "tests/faults/failing_calls.h"
 #include "tests/faults/full_company.h"
+#include "tests/faults/recording_files.h"
 
 namespace {
 
-// Large enough for a checkpoint during the run.
+using test::FileEvent;
+using test::Records;
+
+// Large enough for the write-ahead log to be moved into the database on the way.
 constexpr test::FullCompanySize kSize{1000, 150};
 
-class ReportingPorts : public test::LoggingPorts {
+class MarkingPorts : public test::LoggingPorts {
   public:
-    std::function<void()> onReport;
     void log(const QString& line) override {
-        onReport();
+        test::RecordingFiles::mark();
         LoggingPorts::log(line);
     }
     void progress(qint64 done, qint64 total) override {
-        onReport();
+        test::RecordingFiles::mark();
         LoggingPorts::progress(done, total);
     }
 };
 
-TEST(PowerLoss, WhatIsReportedIsFlushed) {
-    const test::ChangeMorning morning;
-    const QTemporaryDir home;
-    const QString folder = home.filePath(QStringLiteral("yritys"));
-    test::makeFullCompany(folder, kSize);
-    test::useCompany(folder);
-    const QString database = engines::kEmbeddedFileName;
-    std::map<QString, int> unflushed{{database, 0}, {database + QStringLiteral("-wal"), 0}};
-    std::map<QString, int> flushes;
-    ReportingPorts ports;
-    ports.onReport = [&] {
-        for (const auto& [file, writes] : unflushed)
-            ASSERT_EQ(writes, 0) << file.toStdString() << " before " << ports.lines.size();
-    };
-    {
-        const test::FailingCalls watching(folder, [&](const test::FileCall& call) {
-            const auto written = unflushed.find(call.file);
-            if (written == unflushed.end())
-                return 0;
-            if (call.name == QLatin1String("flush")) {
-                written->second = 0;
-                ++flushes[call.file];
-            } else if (call.name == QLatin1String("write") ||
-                       call.name == QLatin1String("truncate")) {
-                ++written->second;
-                EXPECT_TRUE(unflushed.begin()->second == 0 || unflushed.rbegin()->second == 0);
-            }
-            return 0;
-        });
-        const auto result = runChange(*test::openCompany(folder), test::fullDefinition(), ports);
-        EXPECT_TRUE(result.clean());
-        EXPECT_EQ(result.products, kSize.products);
+struct Moment {
+    size_t event;   // so many events have happened
+    bool reported;  // something has just been reported as done
+};
+
+class PowerLoss : public testing::Test {
+  protected:
+    void SetUp() override {
+        const QString folder = m_folder.filePath(QStringLiteral("yritys"));
+        test::makeFullCompany(folder, kSize);
+        test::useCompany(folder);
+        QFile file(folder + QLatin1Char('/') + engines::kEmbeddedFileName);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        m_start[engines::kEmbeddedFileName] = file.readAll();
+        const test::RecordingFiles recording;
+        MarkingPorts ports;
+        const vatchange::RunResult result =
+            runChange(*test::openCompany(folder), test::fullDefinition(), ports);
+        ASSERT_TRUE(result.clean());
+        ASSERT_EQ(result.products, kSize.products);
     }
-    EXPECT_GE(flushes[database], 2) << "once during the run, once when it is closed";
-    EXPECT_GE(flushes[database + QStringLiteral("-wal")], kSize.products);
+
+    std::vector<Moment> randomMoments(std::mt19937& random, int count) const {
+        const auto& events = test::RecordingFiles::events();
+        std::vector<Moment> moments;
+        while (static_cast<int>(moments.size()) < count) {
+            const size_t event = 1 + random() % events.size();
+            moments.push_back({event, events[event - 1].kind == FileEvent::Kind::Mark});
+        }
+        std::sort(moments.begin(), moments.end(),
+                  [](const Moment& a, const Moment& b) { return a.event < b.event; });
+        return moments;
+    }
+
+    Records read(const test::ReplayedFiles::Files& files) const {
+        const QString folder = m_folder.filePath(QStringLiteral("kuva"));
+        test::writeFiles(folder, files);
+        return test::readCompany(folder);
+    }
+
+    QTemporaryDir m_folder;
+    test::ReplayedFiles::Files m_start;
+    const test::ChangeMorning m_morning;
+};
+
+TEST_F(PowerLoss, WhatWasReportedIsThereAndNothingIsHalf) {
+    const auto& events = test::RecordingFiles::events();
+    const auto flushes = [&events](const QString& name) {
+        return std::count_if(events.begin(), events.end(), [&name](const FileEvent& event) {
+            return event.kind == FileEvent::Kind::Sync && event.file == name;
+        });
+    };
+    // at least one on the way, one when the last program closes it
+    EXPECT_GE(flushes(engines::kEmbeddedFileName), 2);
+    EXPECT_GE(flushes(engines::kEmbeddedFileName + QStringLiteral("-wal")), kSize.products);
+
+    const unsigned seed = test::seedOfTest();
+    SCOPED_TRACE("TAKSAVAIHE_SEED=" + std::to_string(seed));
+    std::mt19937 random(seed);
+    const int losses = test::countFrom("TAKSAVAIHE_LOSSES", 25);
+    test::ReplayedFiles files(m_start);
+    size_t applied = 0;
+    int reported = 0;
+    int unstored = 0;
+    for (const Moment& moment : randomMoments(random, losses)) {
+        SCOPED_TRACE("after event " + std::to_string(moment.event));
+        for (; applied < moment.event; ++applied)
+            files.apply(events[applied]);
+        const QString folder = m_folder.filePath(QStringLiteral("katko"));
+        test::writeFiles(folder, files.afterPowerLoss(random));
+        ASSERT_EQ(engines::checkEmbedded(folder), QStringList());
+        const Records left = test::readCompany(folder);
+        const Records done = read(files.seen());
+        reported += moment.reported;
+        if (left == done)
+            continue;
+        ++unstored;
+        ASSERT_FALSE(moment.reported) << "something is gone that was reported as done";
+        ASSERT_EQ(left, read(files.flushed())) << "neither before nor after a statement";
+    }
+    std::printf(
+        "%d power losses of a run of %zu file events, %d just after a report, %d with the "
+        "statement in hand\n",
+        losses, events.size(), reported, unstored);
 }
 
 }  // namespace

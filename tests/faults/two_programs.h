@@ -4,11 +4,11 @@
 
 namespace test {
 
-/// Fields that no run touches; other programs count them up.
+/// Fields that no run touches; the editors increment them.
 inline constexpr char kProductCounter[] = "Kestotilattava";
 inline constexpr char kOrderCounter[] = "Asiakas";
 
-/// Doubles the prices on the way to class 6, halves them on the way back: exact in doubles.
+/// Doubles prices towards class 6 and halves them back: exact in doubles.
 inline vatchange::ChangeDefinition doubling(int from, int to) {
     vatchange::ChangeDefinition definition;
     definition.sourceClass = from;

@@ -82,7 +82,7 @@ class OrderConversion : public testing::Test {
 
 // Class 200 fits the sales class of a row but not its one-byte purchase class, which only rows of
 // the source class take.
-TEST_F(OrderConversion, FailureKeepsWhatIsPostedAndNamesTheRow) {
+TEST_F(OrderConversion, FailureKeepsPostedRowsAndNamesTheRow) {
     addSalesOrder(1, 1, 2);
     addSalesOrder(2, 3);
     m_company.exec(
@@ -95,7 +95,7 @@ TEST_F(OrderConversion, FailureKeepsWhatIsPostedAndNamesTheRow) {
     EXPECT_EQ(m_rows, 2);
     EXPECT_EQ(m_company.number("select Summa from MT where Numero = 1"), 40);
     EXPECT_EQ(m_company.number("select Summa from MT where Numero = 2"), 1);
-    // nothing stays locked
+    // no lock remains
     const auto other = m_company.otherProgram();
     for (const char* table : {"MT", "MTRIVI"}) {
         const auto rows = other->openTable(QLatin1String(table));
@@ -106,7 +106,7 @@ TEST_F(OrderConversion, FailureKeepsWhatIsPostedAndNamesTheRow) {
     }
 }
 
-TEST_F(OrderConversion, LockedRowEndsItAndARerunFinishes) {
+TEST_F(OrderConversion, LockedRowFailsAndARerunFinishes) {
     addSalesOrder(1, 3);
     addPurchaseOrder(7, 3);
     const auto other = m_company.otherProgram();
@@ -132,7 +132,7 @@ TEST_F(OrderConversion, LockedRowEndsItAndARerunFinishes) {
     EXPECT_EQ(m_company.number("select Summa from WINOT"), 120);
 }
 
-TEST_F(OrderConversion, StopFinishesTheTotalsInHand) {
+TEST_F(OrderConversion, StopFinishesTheCurrentTotals) {
     for (const int order : {1, 2}) {
         addSalesOrder(order, 3);
         addPurchaseOrder(order, 3);
@@ -151,7 +151,7 @@ TEST_F(OrderConversion, StopFinishesTheTotalsInHand) {
     EXPECT_TRUE(m_ports.messages.isEmpty());
 }
 
-TEST_F(OrderConversion, TellsWhereItIs) {
+TEST_F(OrderConversion, ReportsStatusAndTrace) {
     static QStringList traces;
     traces.clear();
     addSalesOrder(12, 1);

@@ -51,21 +51,11 @@ const SalesCase kSalesCases[] = {
      {.ahintaAlv0 = 10.5},
      {.keep = true},
      {13.13, 10.5, 52.52, 32.52, 26, 5, 4, 5}},
-    // the same mirrored: -13.125 -> -13.13; -52.52-20; -42-16
-    {"VAT0 kept, negative price",
-     {.ahintaAlv0 = -10.5},
-     {.keep = true},
-     {-13.13, -10.5, -52.52, -72.52, -58, 5, 4, 5}},
     // 10.1 x 1.25 = 12.625 -> 126 units of 0.1; 4x12.6 = 50.4; 4x10.1-16 = 24.4
     {"VAT0 kept, one decimal",
      {.ahintaAlv0 = 10.1},
      {.keep = true, .decimals = 1},
      {126 * 0.1, 10.1, 50.4, 30.4, 24.4, 5, 4, 5}},
-    // 10.5001 x 1.25 = 13.125125 -> 13.1251; 4x = 52.5004; 42.0004-16
-    {"VAT0 kept, four decimals",
-     {.ahintaAlv0 = 10.5001},
-     {.keep = true, .decimals = 4},
-     {131251 * 0.0001, 10.5001, 52.5004, 32.5004, 26.0004, 5, 4, 5}},
     // 12.345678 stays as it is; /1.25 = 9.8765424; 49.382712 -> 49.38; 39.5061696-16 = 23.506..
     {"coefficient 1 does not round the price",
      {.ahinta = 12.345678},
@@ -81,11 +71,6 @@ const SalesCase kSalesCases[] = {
      {.ahinta = 10.125, .maara = 1},
      {},
      {10.125, 8.1, 10.12, 5.12, 4.1, 5, 4, 5}},
-    // fraction 37.5 cents -> 38; 10.38-5; 8.3-4
-    {"row total, tie to even above",
-     {.ahinta = 10.375, .maara = 1},
-     {},
-     {10.375, 8.3, 10.38, 5.38, 4.3, 5, 4, 5}},
     // 4x10x0.995-20, 4x8x0.995-16; nothing left; above 100 there is no discount
     {"discount 0.5", {.alennus = 0.5}, {}, {10, 8, 39.8, 19.8, 15.84, 5, 4, 5}},
     {"discount 100", {.alennus = 100}, {}, {10, 8, 0, -20, -16, 5, 4, 5}},
@@ -190,8 +175,6 @@ TEST(PurchaseRow, ConvertsAsDerivedByHand) {
         {"VAT0 kept", true, 1.5, 4, 50, 10, 9, 11.25, 9, 22.5},
         // 1 - 150/100 = -0.5; 4x10x-0.5
         {"discount above 100", false, 1.0, 4, 150, 10, 9, 10, 8, -20},
-        // 1 + 25/100; -4x10x1.25
-        {"negative discount and quantity", false, 1.0, -4, -25, 10, 9, 10, 8, -50},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

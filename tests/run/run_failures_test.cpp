@@ -21,7 +21,7 @@ void addProducts(RunCompany& company, int count) {
                          .arg(i));
 }
 
-/// A record that another program holds as long as this lives.
+/// Holds a record's lock as another program during its lifetime.
 class HeldRecord {
   public:
     HeldRecord(const RunCompany& company, const QString& table, const data::KeyValues& key)
@@ -89,21 +89,6 @@ TEST(RefusedRun, EarlyDate) {
     EXPECT_FALSE(company.run(plainDefinition()).refused);
 }
 
-TEST(RefusedRun, SecondRunOfTheCompany) {
-    RunCompany company;
-    addProducts(company, 1);
-    const auto before = company.everything();
-    auto other = company.otherProgram();
-    ASSERT_TRUE(other->beginRun());
-    EXPECT_TRUE(company.run(plainDefinition()).refused);
-    EXPECT_EQ(company.ports.messages.size(), 1);
-    EXPECT_EQ(company.everything(), before);
-    other->endRun();
-    EXPECT_TRUE(company.run(plainDefinition()).clean());
-    EXPECT_TRUE(other->beginRun()) << "a finished run gives the company free";
-    other->endRun();
-}
-
 TEST(FailingRun, LockedProductIsSkippedAndLogged) {
     RunCompany company;
     addProducts(company, 3);
@@ -120,7 +105,7 @@ TEST(FailingRun, LockedProductIsSkippedAndLogged) {
     EXPECT_EQ(company.run(plainDefinition()).products, 1) << "the rerun takes the rest";
 }
 
-TEST(FailingRun, PricesAndClassesComeFromTheLockedRecord) {
+TEST(FailingRun, ReadsPricesAndClassesFromTheLockedRecord) {
     RunCompany company;
     addProducts(company, 4);
     company.ports.onStatus = [&company](const QString& text) {
@@ -139,7 +124,7 @@ TEST(FailingRun, PricesAndClassesComeFromTheLockedRecord) {
     EXPECT_EQ(company.number("select count(*) from TUOTE"), 3);
 }
 
-TEST(FailingRun, EveryStepIsCaughtByItself) {
+TEST(FailingRun, CatchesEachStepSeparately) {
     RunCompany company({"MYYMALAHINNAT", "ASALE", "KAMPPANJA", "VAKIOLASKUTUS", "MAARAALE",
                         "TRYHMA", "MT", "WINOT"});
     addProducts(company, 1);
@@ -153,7 +138,7 @@ TEST(FailingRun, EveryStepIsCaughtByItself) {
     EXPECT_EQ(result.failures.size(), 9);
     EXPECT_TRUE(result.failures.first().startsWith("Virhe asiakashinnaston päivityksessä: "));
     EXPECT_EQ(result.products, 1);
-    EXPECT_TRUE(result.markWritten) << "a reported error does not keep the mark back";
+    EXPECT_TRUE(result.markWritten) << "a reported error does not suppress the mark";
     for (const char* wording :
          {"^Virhe asiakashinnaston päivityksessä: .", "^Virhe kampanjan päivityksessä: .",
           "^Virhe .+ vakiolaskutuksen päivityksessä. $", "^Virhe .+ määräalen päivityksessä. $",
@@ -166,11 +151,11 @@ TEST(FailingRun, EveryStepIsCaughtByItself) {
     EXPECT_TRUE(company.ports.hasLine("Verkkokauppa -valinta poistettiin 0 tuotteelta"));
 }
 
-TEST(FailingRun, EachClassFieldOfTheGroupsByItself) {
+TEST(FailingRun, UpdatesEachGroupFieldSeparately) {
     RunCompany company;
-    for (const char* row : {"10, 3, 2, 2", "11, 2, 3, 2", "12, 2, 2, 3"})
-        company.exec(QStringLiteral("insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (%1)")
-                         .arg(QLatin1String(row)));
+    company.execAll({"insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (10, 3, 2, 2)",
+                     "insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (11, 2, 3, 2)",
+                     "insert into TRYHMA (Nro, VERO, ALV2, OSTOVERO) values (12, 2, 2, 3)"});
     company.database().setLockWait(std::chrono::milliseconds(10));
     const HeldRecord held(company, "TRYHMA", {10});
     const RunResult result = company.run(plainDefinition());
@@ -181,7 +166,7 @@ TEST(FailingRun, EachClassFieldOfTheGroupsByItself) {
     EXPECT_EQ(company.number("select OSTOVERO from TRYHMA where Nro=12"), 6);
 }
 
-TEST(FailingRun, WithoutALabelTableProductsGoOnWithoutLabels) {
+TEST(FailingRun, ConvertsProductsWithoutALabelTable) {
     for (const bool unattended : {true, false}) {
         RunCompany company({"HR"});
         addProducts(company, 3);
@@ -197,18 +182,18 @@ TEST(FailingRun, WithoutALabelTableProductsGoOnWithoutLabels) {
     addProducts(company, 2);
     ChangeDefinition definition = plainDefinition();
     definition.writeShelfLabels = false;
-    EXPECT_TRUE(company.run(definition).clean()) << "without labels nobody needs the table";
+    EXPECT_TRUE(company.run(definition).clean()) << "the table is not needed without labels";
 }
 
-TEST(FailingRun, LabelThatFailsEndsTheProductsOrTheRun) {
+TEST(FailingRun, LabelFailureEndsTheProductsStepOrTheRun) {
     ChangeDefinition definition = plainDefinition();
     definition.checkProductCodes = true;
     const auto checked = QStringLiteral("Verkkokauppa -valinta poistettiin 0 tuotteelta");
     for (const bool unattended : {true, false}) {
         RunCompany company;
         addProducts(company, 3);
-        company.exec("insert into HR (Tyyppi, Tuote) values (1, 'A1')");
-        company.exec("insert into HR (Tyyppi, Tuote) values (1, 'A2')");
+        company.execAll({"insert into HR (Tyyppi, Tuote) values (1, 'A1')",
+                         "insert into HR (Tyyppi, Tuote) values (1, 'A2')"});
         company.database().setLockWait(std::chrono::milliseconds(10));
         const HeldRecord first(company, "HR", {1, "A1"});
         const HeldRecord second(company, "HR", {1, "A2"});
@@ -232,7 +217,7 @@ TEST(FailingRun, LabelThatFailsEndsTheProductsOrTheRun) {
     }
 }
 
-TEST(FailingRun, RowOfASharedKeyThatSomebodyElseHoldsOrChanges) {
+TEST(FailingRun, SharedKeyRowHeldOrChangedByAnotherProgram) {
     {
         RunCompany company;
         ChangeDefinition definition = test::addSharedKeys(company);
@@ -254,7 +239,7 @@ TEST(FailingRun, RowOfASharedKeyThatSomebodyElseHoldsOrChanges) {
         return false;
     };
     const RunResult result = company.run(definition);
-    EXPECT_EQ(result.failedSteps, 1) << "told in the log row by row, counted once";
+    EXPECT_EQ(result.failedSteps, 1) << "logged per row, counted once";
     EXPECT_EQ(result.failures.size(), 1);
     EXPECT_EQ(company.ports.linesWith("Virhe asiakashinnaston päivityksessä: Asiakas 1 "), 2);
     EXPECT_TRUE(company.ports.hasLine(" ( 6 rivi)"));
@@ -262,7 +247,7 @@ TEST(FailingRun, RowOfASharedKeyThatSomebodyElseHoldsOrChanges) {
     EXPECT_EQ(company.number("select count(*) from ASALE where Hinta = 5.06"), 2);
 }
 
-TEST(FailingRun, MarksThatCannotBeWrittenAreReportedOnce) {
+TEST(FailingRun, ReportsMarkFailuresOnce) {
     RunCompany company({"WEBKLIITOS"});
     addProducts(company, 2);
     const RunResult result = company.run(plainDefinition());
@@ -277,7 +262,7 @@ TEST(FailingRun, MarksThatCannotBeWrittenAreReportedOnce) {
     EXPECT_TRUE(company.run(definition).clean());
 }
 
-TEST(StoppedRun, KeepsWhatIsDoneAndSaysSo) {
+TEST(StoppedRun, KeepsAndReportsWhatIsDone) {
     RunCompany company;
     addProducts(company, 3);
     company.ports.program = QStringLiteral("taksavaihe.exe");
@@ -303,10 +288,8 @@ TEST(StoppedRun, KeepsWhatIsDoneAndSaysSo) {
 
 TEST(StoppedRun, NamesTheRowsOfAStepThatFailed) {
     RunCompany company;
-    for (int store = 1; store <= 2; ++store)
-        company.exec(QStringLiteral("insert into MYYMALAHINNAT (Myymala, Tuote, Hinta1) "
-                                    "values (%1, 'A%1', 12.4)")
-                         .arg(store));
+    company.execAll({"insert into MYYMALAHINNAT (Myymala, Tuote) values (1, 'A1')",
+                     "insert into MYYMALAHINNAT (Myymala, Tuote) values (2, 'A2')"});
     addProducts(company, 2);
     bool failed = false;
     company.ports.onStatus = [&failed](const QString& text) {
@@ -321,7 +304,7 @@ TEST(StoppedRun, NamesTheRowsOfAStepThatFailed) {
         QStringLiteral("voimaan: myymälähintojen rivit 1.")));
 }
 
-TEST(RunMark, OnlyTheProgramItselfWritesIt) {
+TEST(RunMark, IsWrittenByTheProgramAlone) {
     RunCompany company;
     EXPECT_FALSE(company.run(plainDefinition()).markWritten);
     EXPECT_FALSE(company::ExecutionMarkExists(company.database()));
@@ -333,7 +316,7 @@ TEST(RunMark, OnlyTheProgramItselfWritesIt) {
     EXPECT_EQ(company.text("select Data from INI where Avain='20240901'"), "2024-09-02 07:08:09");
 }
 
-TEST(UnfinishedRun, IsNotedAndToldToTheNext) {
+TEST(UnfinishedRun, IsNotedAndReportedByTheNextRun) {
     const auto noted = [] { return !company::readUnfinishedNotes().empty(); };
     const auto start = QStringLiteral("Edellinen ajo jäi kesken, määrittely Alv255");
     RunCompany company;
@@ -378,10 +361,11 @@ TEST(UnfinishedRun, ProductsLeftBehindWithChangedDependentRows) {
     ASSERT_EQ(company::readUnfinishedNotes().size(), 1);
     EXPECT_TRUE(company.ports.lines.last().contains("asiakashinnastojen rivit 1."));
     EXPECT_EQ(company.run(plainDefinition()).skippedProducts, 1);
-    EXPECT_EQ(company::readUnfinishedNotes().size(), 1) << "A2 waits still, its price is changed";
+    EXPECT_EQ(company::readUnfinishedNotes().size(), 1)
+        << "A2 is unconverted, its customer price changed";
     company.ports.definition = QStringLiteral("Toinen");
     company.run(plainDefinition());
-    EXPECT_EQ(company::readUnfinishedNotes().size(), 1) << "of the first definition still";
+    EXPECT_EQ(company::readUnfinishedNotes().size(), 1) << "the first definition's note stays";
     company.ports.definition = QStringLiteral("Koe");
     held.reset();
     EXPECT_TRUE(company.run(plainDefinition()).clean());

@@ -9,7 +9,7 @@
 #include "tests/support/fake_client/fake_company.h"
 
 // A run on a company of the shops' engine: records over the call interface, SQL over ODBC, two
-// sessions that meet at the same records.
+// sessions on the same records.
 
 namespace {
 
@@ -20,10 +20,8 @@ const QString kName = QStringLiteral("Kauppa Åke");
 class ShopsRun : public ::testing::Test {
   protected:
     ShopsRun() {
-        m_company.exec(
-            QStringLiteral("insert into TUOTE (NUMERO, HINTA, LVV) values ('A1', 10, 3)"));
-        m_company.exec(
-            QStringLiteral("insert into TUOTE (NUMERO, HINTA, LVV) values ('A2', 20, 3)"));
+        m_company.execAll({"insert into TUOTE (NUMERO, HINTA, LVV) values ('A1', 10, 3)",
+                           "insert into TUOTE (NUMERO, HINTA, LVV) values ('A2', 20, 3)"});
         QFile sources(m_folder.filePath(QStringLiteral("odbc.ini")));
         if (!sources.open(QIODevice::WriteOnly))
             throw std::runtime_error("odbc.ini cannot be written");
@@ -51,7 +49,7 @@ class ShopsRun : public ::testing::Test {
     engines::shops::ShopsDatabaseSettings m_settings;
 };
 
-TEST_F(ShopsRun, PassesItsOwnLocksAndNotThoseOfOthers) {
+TEST_F(ShopsRun, UpdatesThroughItsOwnLocksOnly) {
     const auto shop = engines::shops::openShopsDatabase(m_settings);
     EXPECT_FALSE(shop->statementsPassRecordLocks());
     const auto others = m_company.otherProgram();
@@ -69,7 +67,7 @@ TEST_F(ShopsRun, PassesItsOwnLocksAndNotThoseOfOthers) {
     EXPECT_EQ(price("A2"), 20);
 }
 
-TEST_F(ShopsRun, LocksThatAreLostOnTheWayDoNotEndTheRun) {
+TEST_F(ShopsRun, SurvivesLocksLostDuringTheRun) {
     test::FakeDatabases others;  // take the place of the sound one
     others.add(QStringLiteral("taker"), m_company.folder(), QStringLiteral("taker"));
     others.add(QStringLiteral("stuck"), m_company.folder(), QStringLiteral("stuck"));
@@ -104,7 +102,7 @@ TEST_F(ShopsRun, OneRunOfACompanyAtATime) {
     EXPECT_TRUE(second->beginRun());
 }
 
-TEST_F(ShopsRun, AnEngineThatFallsSilentFailsStepsAndNotTheRun) {
+TEST_F(ShopsRun, SilentEngineFailsStepsNotTheRun) {
     m_settings.statementLimit = std::chrono::milliseconds(400);
     const auto shop = engines::shops::openShopsDatabase(m_settings);
     vatchange::ChangeDefinition definition = test::plainDefinition();

@@ -51,7 +51,7 @@ TEST_F(WebShopMarkTest, EveryRequestAddsOneRow) {
     EXPECT_FALSE(QFile::exists(m_company.file(str("WEBKAUPPA.LOG"))));
 }
 
-TEST_F(WebShopMarkTest, TheLatestPendingMarkSettlesTheLetter) {
+TEST_F(WebShopMarkTest, LetterDependsOnThePendingMark) {
     const std::pair<const char*, const char*> cases[] = {
         // letters asked for, letters stored
         {"M", "M"},   {"MM", "MM"}, {"LM", "LL"},   {"LMM", "LLL"}, {"LP", "LP"},
@@ -70,7 +70,7 @@ TEST_F(WebShopMarkTest, TheLatestPendingMarkSettlesTheLetter) {
     EXPECT_TRUE(m_reports.isEmpty());
 }
 
-TEST_F(WebShopMarkTest, AFailureIsReportedAndTheNextMarkIsWritten) {
+TEST_F(WebShopMarkTest, ReportsAFailureAndWritesTheNextMark) {
     WebShopMarkWriter writer(company::companyDatabase());
     writer.mark(str("TUOTE"), QString(81, u'x'), u'M', m_report);
     writer.mark(str("TUOTE"), str("Ω"), u'M', m_report);
@@ -84,7 +84,7 @@ TEST_F(WebShopMarkTest, AFailureIsReportedAndTheNextMarkIsWritten) {
     EXPECT_EQ(rows(str("x")).count(u' '), 1);
 }
 
-TEST_F(WebShopMarkTest, TheLogIsWrittenWhenTheSettingIsOn) {
+TEST_F(WebShopMarkTest, WritesTheLogWhenEnabled) {
     m_company.exec(str("insert into ini values ('ZAV.INI', 'VERKKOKAUPPA', 'Loki', '1')"));
     m_company.exec(str("insert into ini values ('MUU.INI', 'VERKKOKAUPPA', 'Loki', '0')"));
     WebShopMarkWriter writer(company::companyDatabase());

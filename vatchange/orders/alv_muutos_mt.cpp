@@ -4,7 +4,7 @@
 
 namespace vatchange {
 
-/// The fields of a sales order's header and rows, looked up once.
+/// Fields of the header and row tables, looked up once.
 struct TAlvMuutosMt::Fields {
     Fields(data::TtbTable& header, data::TtbTable& row)
         : veloitustapa(fieldOf(header, "Veloitustapa")),
@@ -110,7 +110,7 @@ void TAlvMuutosMt::MuutaMtRivi(bool special) {
     MtRiviTable.edit();
     SalesRow row = readRow();
     if (!isSalesRowConverted(row, m_change.sourceClass)) {
-        // Somebody else changed the row between reading and locking it.
+        // Another program changed the row between reading and locking.
         MtRiviTable.cancel();
         return;
     }

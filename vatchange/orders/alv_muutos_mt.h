@@ -7,9 +7,8 @@
 
 namespace vatchange {
 
-/// The conversion of the open sales orders. Every row is posted as soon as it is changed and every
-/// header as soon as it is summed; a database error ends the conversion, rows posted so far stay,
-/// and what is locked is released with the object.
+/// Converts the open sales orders. Posts each row once changed and each header once summed. A
+/// database error ends the conversion: posted rows remain, the destructor releases locks.
 class TAlvMuutosMt {
   public:
     /// Opens the tables. `changedRows` is incremented with every row posted. The references must
@@ -18,8 +17,8 @@ class TAlvMuutosMt {
                  RunPorts& ports, qint64& changedRows);
     ~TAlvMuutosMt();
 
-    /// Converts all of them. @return false when the user stopped it before the last row; the order
-    /// in hand has its totals then.
+    /// Converts all orders. Returns false if the user stopped before the last row; the totals of
+    /// the current order are then updated.
     bool TeeAlvMuutosMt();
 
   private:
@@ -41,8 +40,8 @@ class TAlvMuutosMt {
     std::unique_ptr<Fields> m_fields;
 };
 
-/// Converts all open sales orders, then shows "Myyntitilaukset konvertoitu.". @return false when
-/// the user stopped it. Database errors reach the caller.
+/// Converts all open sales orders, then shows "Myyntitilaukset konvertoitu.". Returns false if the
+/// user stopped. Database errors propagate.
 bool AlvMuutosMyyntitilauksiin(data::Database& database, const SalesOrderChange& change,
                                const VatFactor& factor, RunPorts& ports, qint64& changedRows);
 

@@ -7,7 +7,7 @@
 
 namespace vatchange {
 
-/// The conversion of the open purchase orders; the same guarantees as TAlvMuutosMt gives.
+/// Converts the open purchase orders, with the guarantees of TAlvMuutosMt.
 class TAlvMuutosOt {
   public:
     /// Opens the tables. `changedRows` is incremented with every row posted. The references must
@@ -16,8 +16,8 @@ class TAlvMuutosOt {
                  const VatFactor& factor, RunPorts& ports, qint64& changedRows);
     ~TAlvMuutosOt();
 
-    /// Converts all of them. @return false when the user stopped it before the last row; the order
-    /// in hand has its totals then.
+    /// Converts all orders. Returns false if the user stopped before the last row; the totals of
+    /// the current order are then updated.
     bool TeeAlvMuutosOt();
 
   private:
@@ -38,8 +38,8 @@ class TAlvMuutosOt {
     std::unique_ptr<Fields> m_fields;
 };
 
-/// Converts all open purchase orders, then shows "Ostotilaukset konvertoitu.". @return false when
-/// the user stopped it. Database errors reach the caller.
+/// Converts all open purchase orders, then shows "Ostotilaukset konvertoitu.". Returns false if the
+/// user stopped. Database errors propagate.
 bool AlvMuutosOstotilauksiin(data::Database& database, const PurchaseOrderChange& change,
                              const VatFactor& factor, RunPorts& ports, qint64& changedRows);
 

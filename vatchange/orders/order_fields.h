@@ -18,7 +18,7 @@ inline data::TField& fieldOf(data::TtbTable& table, const char* name) {
     return table.fieldByName(QString::fromLatin1(name));
 }
 
-/// A float field with the precision that its storage keeps.
+/// A float field with the precision of its storage.
 class AmountField {
   public:
     AmountField(data::TtbTable& table, const char* name) : m_field(fieldOf(table, name)) {

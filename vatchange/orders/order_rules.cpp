@@ -20,7 +20,7 @@ bool contains(quint32 set, qint64 method) {
     return method >= 0 && method <= 31 && ((set >> method) & 1U) != 0;
 }
 
-// Sales rows take a discount only where it makes sense; purchase rows take it as it is.
+// Sales rows ignore discounts outside 0..100 %; purchase rows apply any.
 double discounted(double amount, double percent) {
     return percent > 0 && percent <= 100 ? amount * (1 - percent / 100) : amount;
 }

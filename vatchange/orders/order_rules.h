@@ -7,8 +7,8 @@
 /// done in doubles in the order written, one rounding each.
 namespace vatchange {
 
-/// An amount as the field that stores it holds it: what is set into a single-precision field reads
-/// back as that single before the next operation uses it.
+/// An amount with the precision of the field that stores it: a single-precision field rounds the
+/// value before the next operation uses it.
 class Amount {
   public:
     enum class Precision { Double, Single };
@@ -32,11 +32,10 @@ class Amount {
 /// 1 + rate / 100 of a VAT class.
 using VatFactor = std::function<double(qint64 vatClass)>;
 
-/// True for the charging methods whose rows keep their sales price and row total. False for every
-/// value outside 0..31.
+/// True for charging methods whose rows keep their sales price and row total; false outside 0..31.
 bool OnHintaVeloitustapa(qint64 method);
 
-/// Charging methods whose orders are passed over whole.
+/// True for charging methods whose orders are skipped.
 bool isSkippedChargingMethod(qint64 method);
 
 /// One row of a sales order. Prices are per unit; "Alv0" is without VAT.
@@ -45,7 +44,7 @@ struct SalesRow {
     qint64 ostoVero = 0;   ///< VAT class of the purchase price
     double toimitettava = 0.0;
     double maara = 0.0;
-    double alennus = 0.0;  ///< per cent; counts only above 0 and up to 100
+    double alennus = 0.0;  ///< percent; applies only above 0 and up to 100
     Amount ahinta;
     Amount ahintaAlv0;
     Amount ostohinta;
@@ -57,23 +56,22 @@ struct SalesRow {
     bool pakettiLapsi = false;
     bool onVariKokoEmo = false;
 
-    /// Structure parents, package children and variant parents stay out of the header's totals.
+    /// Structure parents, package children and variant parents are not summed into the header.
     bool countsInTotals() const { return !rakenneEmo && !pakettiLapsi && !onVariKokoEmo; }
 };
 
 /// How the open sales orders are converted.
 struct SalesOrderChange {
     int priceDecimals = 2;
-    bool keepVat0 = false;  ///< prices follow from the price without VAT
+    bool keepVat0 = false;  ///< compute prices from the price without VAT
     qint64 sourceClass = 0;
     qint64 targetClass = 0;
     double purchaseCoefficient = 1.0;  ///< not above 0: 1.0
     double salesCoefficient = 1.0;     ///< not above 0: 1.0
-    QDate deliveryLimit;               ///< orders delivered earlier are left out; invalid: none
+    QDate deliveryLimit;               ///< orders delivered earlier are skipped; invalid: no limit
 };
 
-/// True when the row carries the source class and has something left to deliver (a negative
-/// quantity counts).
+/// True for rows of the source class with an undelivered quantity, negative ones included.
 bool isSalesRowConverted(const SalesRow& row, qint64 sourceClass);
 
 /// `special`: the order's charging method keeps the row's sales price and total.
@@ -88,11 +86,12 @@ struct SalesTotals {
     Amount summaAlv0;
 };
 
-/// A row with no margin but a total gets the margin mark 1 and is left out of the header's margins.
+/// A row with a total but zero margin gets margin mark 1 and is not summed into the header's
+/// margins.
 bool needsMarginMark(const SalesRow& row);
 inline constexpr double kMarginMark = 1.0;
 
-/// Adds a row to the totals; `marked`: its margins are left out.
+/// Adds a row to the totals, without its margins if `marked`.
 void addSalesRow(SalesTotals& totals, const SalesRow& row, bool marked);
 void roundSalesTotals(SalesTotals& totals, int priceDecimals);
 
@@ -101,7 +100,7 @@ struct PurchaseRow {
     qint64 alvLuokka = 0;
     double tulematta = 0.0;  ///< quantity still to arrive
     double maara = 0.0;
-    double alennus = 0.0;  ///< per cent, of any size
+    double alennus = 0.0;  ///< percent, any value
     Amount ostoHinta;
     Amount ostoHintaAlv0;
     Amount summa;
@@ -110,8 +109,8 @@ struct PurchaseRow {
 
 /// How the open purchase orders are converted.
 struct PurchaseOrderChange {
-    int priceDecimals = 2;  ///< of the trace alone; nothing is rounded
-    bool keepVat0 = false;  ///< prices follow from the price without VAT
+    int priceDecimals = 2;  ///< for the trace only; nothing is rounded
+    bool keepVat0 = false;  ///< compute prices from the price without VAT
     qint64 sourceClass = 0;
     qint64 targetClass = 0;
     double coefficient = 1.0;  ///< not above 0: 1.0
@@ -122,7 +121,7 @@ bool isPurchaseRowConverted(const PurchaseRow& row, qint64 sourceClass);
 void convertPurchaseRow(PurchaseRow& row, const PurchaseOrderChange& change,
                         const VatFactor& factor);
 
-/// Sums of a purchase order's header: unrounded doubles until they are stored.
+/// Totals of a purchase order's header: doubles, unrounded until stored.
 struct PurchaseTotals {
     double summa = 0.0;
     double summaAlv0 = 0.0;

@@ -9,25 +9,24 @@
 
 namespace vatchange {
 
-// Off unless QT_LOGGING_RULES="taksavaihe.orders.debug=true": one line a row.
+// Off unless QT_LOGGING_RULES="taksavaihe.orders.debug=true": one line per row.
 Q_DECLARE_LOGGING_CATEGORY(kOrderTrace)
 
-/// One line of debugger output, with the time before it.
+/// Writes a debug line with a time stamp.
 void traceOrders(const QString& text);
 
-/// The walk over the listed orders, which both kinds share: status, progress, the place of a
-/// failure and the user's stop.
+/// Iterates over orders, for both kinds: status, progress, error context and the user's stop.
 class OrderWalk {
   public:
     explicit OrderWalk(RunPorts& ports) : m_ports(ports) {}
 
-    /// Opens the query, calls `convert` with each number in its column `numberField`, closes it.
-    /// A database error gets the order, and if it is of table `rows` the row in hand, before its
-    /// detail. Begins no further order once the user has stopped.
+    /// Opens the query, calls `convert` with each number in column `numberField`, closes it.
+    /// Prefixes the detail of a database error with the order and, for table `rows`, the current
+    /// row. Starts no further order after the user's stop.
     void run(data::TUniQuery& query, const QString& numberField, const QString& statusName,
              const data::TtbTable& rows, const std::function<void(qint64 order)>& convert);
 
-    /// Asked between two rows; the order in hand still gets its totals.
+    /// Polled between rows; the current order still gets its totals.
     bool stopAsked();
     bool stopped() const { return m_stopped; }
 

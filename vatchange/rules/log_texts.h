@@ -9,13 +9,13 @@
 
 namespace vatchange {
 
-// Lines of the change log that carry amounts. Amounts have a decimal point in every locale.
+// Change log lines with amounts. The decimal separator is a point in every locale.
 
-/// The rounding settings in words, for the line that logs a run's parameters.
+/// The rounding settings in words, for the log line with a run's parameters.
 QString roundingText(const ChangeDefinition& definition);
 
-/// "Tuote: " and every level with a source (its source column's old value), then the purchase
-/// prices whose coefficient is not 1; amounts with three decimals.
+/// "Tuote: ", each level with a source (old value of the source column, new value of the level),
+/// then the purchase prices whose coefficient is not 1; three decimals.
 QString productLine(const QString& number, const PriceRules& rules, const ProductPrices& before,
                     const ProductPrices& after);
 
@@ -42,7 +42,7 @@ QString recurringInvoiceLine(qint64 customer, const QString& product, const Amou
 QString quantityDiscountLine(const QString& name, qint64 number, const AmountChange& value,
                              const AmountChange& purchase);
 
-/// " ( N rivi)", the line after the rows of a dependent table.
+/// " ( N rivi)", logged after the rows of a dependent table.
 QString rowCountLine(qint64 rows);
 
 }  // namespace vatchange

@@ -7,13 +7,13 @@ namespace vatchange {
 
 namespace {
 
-/// A value this close (in steps) above a step counts as lying on it.
+/// Tolerance, in steps, within which a value counts as being on a step.
 constexpr double kStepTolerance = 0.000999999;
 
-/// Steps to the unit of each rounding step, by item index.
+/// Steps per euro, by RoundingStep.
 constexpr std::array<double, 5> kStepsPerUnit = {1000.0, 100.0, 20.0, 10.0, 10000.0};
 
-/// An integer has no negative zero, so a price rounded to nothing is a plain 0.
+/// Turns -0.0 into 0.0, as rounding through an integer would.
 double withoutNegativeZero(double value) {
     return value + 0.0;
 }
@@ -30,7 +30,7 @@ double unitOfDecimals(int decimals) {
     return decimals >= 0 && index < kUnits.size() ? kUnits[index] : std::pow(10.0, -decimals);
 }
 
-/// Cash rounding to five cents: whole cents first, then the last cent digit decides.
+/// Cash rounding to five cents: rounds to whole cents, then by the last digit.
 double roundCash(double value) {
     const double cents = std::nearbyint(std::fabs(value) * 100.0);
     const double digit = std::fmod(cents, 10.0);

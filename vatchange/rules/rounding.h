@@ -4,21 +4,20 @@
 
 namespace vatchange {
 
-/// Rounds a price by the definition's step and rule. "Normal" goes to the nearest step, halves to
-/// even, except that step 5 is cash rounding; "up" and "down" take a value within 0.000999999 steps
-/// of a step as lying on it.
+/// Rounds a price by the definition's step and rule. "Normal" rounds to the nearest step, ties to
+/// even; step 5 uses cash rounding. "Up" and "down" treat a value within 0.000999999 steps of a
+/// step as that step.
 double roundPrice(double value, RoundingStep step, RoundingRule rule);
 
 /// Decimals of prices under a rounding step: 3, 2, 2, 1, 4; 2 for any other value.
 int priceDecimals(RoundingStep step);
 
-/// Half away from zero to `decimals` places, as unit prices of sales order rows are rounded:
-/// truncated(value / unit +- 0.5) x unit with unit = 10^-decimals as a double.
+/// Rounds half away from zero to `decimals` places: truncate(value / unit +- 0.5) x unit, where
+/// unit is 10^-decimals as a double. For unit prices of sales order rows.
 double roundHalfAway(double value, int decimals);
 
-/// Decimal rounding in banker's mode, as order totals are rounded: with decimals above 0 the
-/// integer part is split off, the fraction is multiplied by 10^decimals, rounded with ties to even,
-/// divided back, and the integer part added again.
+/// Banker's rounding for order totals. With decimals > 0 it splits off the integer part, multiplies
+/// the fraction by 10^decimals, rounds ties to even, divides and adds the integer part.
 double roundBankers(double value, int decimals);
 
 }  // namespace vatchange

@@ -9,8 +9,7 @@ namespace vatchange {
 
 namespace {
 
-/// Greatest difference of two rows' amounts in units of the tolerance: 0 is the same, above 1
-/// another row.
+/// Largest difference between two rows' amounts, in tolerances: 0 if equal, infinite above 1.
 double distance(const Amounts& left, const Amounts& right, const Amounts& tolerances) {
     double greatest = 0.0;
     for (size_t i = 0; i < left.size(); ++i) {

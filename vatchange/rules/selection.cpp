@@ -18,7 +18,7 @@ void addRangeTerms(QStringList& terms, const QString& column, const GroupRestric
         terms += u'(' + column + QStringLiteral(" <= ") + QString::number(last) + u')';
         return;
     }
-    // one bound alone is that one group, not a half-open range
+    // a single bound selects that group, not a half-open range
     terms +=
         u'(' + column + QStringLiteral(" = ") + QString::number(first != 0 ? first : last) + u')';
 }

@@ -6,12 +6,12 @@
 
 namespace vatchange {
 
-/// The condition on TUOTE that selects the products of a change: range and ignore terms of the
-/// group kinds that are on, then the class term. Holds no text of the user, only whole numbers.
+/// SQL condition on TUOTE that selects the products to change: range and ignore terms of each
+/// enabled group kind, then the VAT class term. Contains only integers, no user text.
 QString selectionCondition(const ChangeDefinition& definition);
 
-/// The range of product groups as an addition to the conditions of the TRYHMA updates; applies
-/// whether or not the restriction of products by group is on.
+/// Product group range, appended to the conditions of the TRYHMA updates; applies even if the
+/// product group restriction is off.
 QString groupRangeCondition(const ChangeDefinition& definition);
 
 }  // namespace vatchange

@@ -10,7 +10,7 @@ namespace vatchange {
 
 namespace {
 
-/// Wraps an SQL expression into the rounding of the definition's step and rule.
+/// Wraps an SQL expression in rounding by step and rule.
 QString rounded(const QString& expression, RoundingStep step, RoundingRule rule) {
     const auto wrap = [&expression](const QString& before, const QString& after) {
         return before + expression + after;

@@ -12,13 +12,13 @@ namespace {
 
 const QString kNoticePrefix = QStringLiteral("Huomaa: ");
 
-/// How a failure of a step is worded: the error's own text stands between the two.
+/// Texts before and after a failed step's error message.
 struct ErrorWording {
     QString before;
     QString after = {};
 };
 
-/// Runs one step. @return false when it failed; the failure has been shown and counted.
+/// Runs one step. Returns false if it failed; shows and counts the failure.
 template <typename Step>
 bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
     try {
@@ -33,14 +33,14 @@ bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
     }
 }
 
-/// The same, unless the user has stopped the run.
+/// Runs one step unless the user has stopped the run.
 template <typename Step>
 bool attempt(RunContext& run, const ErrorWording& wording, Step&& step) {
     return run.stopRequested() || guarded(run, wording, step);
 }
 
-/// Tells of earlier runs that left rows changed whose product still waits. @return false when the
-/// user does not want to go on.
+/// Warns of earlier runs that changed rows of products that are still unconverted. Returns false if
+/// the user declines.
 bool earlierRunsAllow(RunContext& run) {
     QStringList notes;
     for (const company::UnfinishedNote& note : company::readUnfinishedNotes())
@@ -62,7 +62,7 @@ bool earlierRunsAllow(RunContext& run) {
     return false;
 }
 
-/// "kampanjarivit 3, tuotteet 12": what the run has changed so far; empty when nothing.
+/// Changed rows so far, as "kampanjarivit 3, tuotteet 12"; empty if none.
 QString changedSoFar(const RunResult& result) {
     QStringList kinds;
     for (const ChangedRows& kind : result.changed) {
@@ -73,9 +73,8 @@ QString changedSoFar(const RunResult& result) {
     return kinds.join(QStringLiteral(", "));
 }
 
-/// The note of an unfinished run, from before the first change to the end of the run. It stays when
-/// products were left behind whose dependent rows are changed already, by this run or by one
-/// before.
+/// The unfinished-run note, from before the first change to the end of the run. It remains if
+/// products were skipped whose dependent rows this or an earlier run has already changed.
 class RunInProgress {
   public:
     explicit RunInProgress(const RunContext& run)
@@ -87,10 +86,10 @@ class RunInProgress {
     RunInProgress(const RunInProgress&) = delete;
     RunInProgress& operator=(const RunInProgress&) = delete;
 
-    /// Called when the dependent tables are done and nothing else is yet.
+    /// Call right after the dependent tables.
     void dependentsDone() { m_dependents = changedSoFar(m_run.result); }
 
-    /// Warns of a second run of the definition, where it would change dependent rows again.
+    /// Warns that a rerun of the definition would change dependent rows again.
     void warnOfRerun() const {
         if (m_dependents.isEmpty() || m_run.result.clean())
             return;
@@ -107,8 +106,8 @@ class RunInProgress {
     QString m_dependents;
 };
 
-/// Finds the label table when labels will be written. One that cannot be read is told here, once:
-/// the products are changed without labels.
+/// Finds the label table if labels are on. Reports an unreadable one; products are then changed
+/// without labels.
 LabelTable prepareShelfLabels(RunContext& run) {
     LabelTable labels = LabelTable::NotWritten;
     if (run.definition.products && run.definition.writeShelfLabels) {
@@ -216,7 +215,7 @@ void runSteps(RunContext& run) {
     inProgress.warnOfRerun();
 }
 
-/// Claims the company for this run. @return why that is not possible; empty when it is done.
+/// Claims the company for this run. Returns the reason if impossible, else empty.
 QString claimCompany(data::Database& database) {
     try {
         if (database.beginRun())

@@ -10,8 +10,8 @@
 
 namespace vatchange {
 
-/// Rows that a run has changed, by what they are ("Kampanjarivit"); what a step changed before it
-/// failed is counted.
+/// Number of changed rows of a kind ("Kampanjarivit"), including those changed before a step
+/// failed.
 struct ChangedRows {
     QString what;
     qint64 rows = 0;
@@ -19,32 +19,31 @@ struct ChangedRows {
 
 /// How a run of one definition ended.
 struct RunResult {
-    bool refused = false;  ///< a check of the definition, date, classes or of a second run stopped
-                           ///< it before any change
-    bool cancelled = false;   ///< stopped by the user, between two rows or after a failed label
+    bool refused = false;  ///< stopped before any change: definition, date, classes or another run
+    bool cancelled = false;   ///< stopped by the user, between rows or after a failed label
     int failedSteps = 0;      ///< steps that reported an error
-    int skippedProducts = 0;  ///< products whose record was locked by somebody else
+    int skippedProducts = 0;  ///< products whose record another program had locked
     qint64 products = 0;      ///< products converted
     bool markWritten = false;
 
-    /// Of the products that were skipped, this many are listed by number.
+    /// At most this many skipped products are listed.
     static constexpr int kListedProducts = 500;
     QStringList skippedNumbers;
-    std::deque<ChangedRows> changed;  ///< in the order of the steps that were taken
-    QStringList failures;             ///< what the failed steps reported, in their order
+    std::deque<ChangedRows> changed;  ///< in step order
+    QStringList failures;             ///< error messages of the failed steps, in step order
     QString refusal;                  ///< why the run was refused
 
-    /// Everything went through: exit status 0.
+    /// Complete success: exit status 0.
     bool clean() const {
         return !refused && !cancelled && failedSteps == 0 && skippedProducts == 0;
     }
 };
 
-/// Runs one change definition against the company's database. Unattended a definition with problems
-/// is refused; a person is asked. Then: checks, dependent price tables,
-/// product groups, store prices, products, open orders, product code check, run mark, in this
-/// order. Each step is caught by itself: its error is reported and the run goes on with the next.
-/// No transaction spans the run. Throws nothing from the database.
+/// Runs a change definition against the company's database. A definition with problems is refused
+/// if unattended; otherwise the user decides. Order: checks, dependent price tables, product
+/// groups, store prices, products, open orders, product code check, run mark. A failed step is
+/// reported and the run continues with the next. No transaction spans the run. Database errors do
+/// not propagate.
 RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports);
 
 }  // namespace vatchange

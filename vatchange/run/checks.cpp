@@ -12,7 +12,7 @@ const QDateTime& changeMoment() {
     return kMoment;
 }
 
-/// The change must not be run by mistake before the rates have changed.
+/// Prevents running the change by mistake before the rates have changed.
 bool dateAllowsRun(RunPorts& ports, QString& refusal) {
     if (ports.skipEarlyDateCheck() || data::Clock::now() >= changeMoment())
         return true;
@@ -27,7 +27,7 @@ bool dateAllowsRun(RunPorts& ports, QString& refusal) {
     return false;
 }
 
-/// What is wrong with the definition's VAT classes; empty when nothing is.
+/// Returns the problem with the definition's VAT classes; empty if none.
 QString classProblem(const RunContext& run) {
     const int source = run.definition.sourceClass;
     const int target = run.definition.targetClass;
@@ -55,7 +55,7 @@ std::set<int> customerGroups(data::Database& database) {
     return groups;
 }
 
-/// What `read` gives; nothing when it fails.
+/// Result of `read`; nothing if it throws.
 template <typename Read>
 std::optional<std::set<int>> known(Read&& read) {
     try {

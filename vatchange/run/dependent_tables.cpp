@@ -37,7 +37,7 @@ SharedKeyTable campaignTable() {
             }};
 }
 
-/// Tells of a row that was no longer as it was read: every one in the log, the step fails once.
+/// Reports rows changed by another program since the query: logs each, counts one failed step.
 class LostRows {
   public:
     LostRows(RunContext& run, const QString& step) : m_run(run), m_step(step) {}

@@ -29,7 +29,7 @@ void checkProductCodes(RunContext& run) {
     data::TUniQuery update(&run.database);
     qint64& removed = run.changedRows(QStringLiteral("Verkkokaupasta poistetut tuotteet"));
 
-    /// @return false when somebody else holds the product's record.
+    /// Returns false if another program holds the product's record.
     const auto takeOff = [&](const QString& code) {
         update.sql().setText(leaveWebShopUpdate(data::Clock::today()));
         update.paramByName(QStringLiteral("numero")).setString(code);

@@ -76,7 +76,7 @@ ProductRecords::Outcome ProductRecords::lock(const QString& number, LockedProduc
     if (!m_file->lock(id, kLockWait))
         return Outcome::HeldByOther;
     m_locked = id;
-    // only what is read under the lock is sure to be what the update replaces
+    // only a read under the lock is certain to match what the update replaces
     const auto record = m_file->get(id);
     if (!record) {
         release();

@@ -10,7 +10,7 @@
 
 namespace vatchange {
 
-/// What the conversion reads of a locked product record.
+/// Data that the conversion reads from a locked product record.
 struct LockedProduct {
     ProductPrices prices;
     ClassFields classes;  ///< which class fields hold the source class
@@ -18,18 +18,18 @@ struct LockedProduct {
     bool inWebShop = false;
 };
 
-/// The product records: locks one by its number and reads it while the lock is held.
+/// Locks product records by number and reads them under the lock.
 class ProductRecords {
   public:
     static constexpr std::chrono::milliseconds kLockWait{2000};
 
-    /// @throws data::DataError when the table or one of its fields is missing.
+    /// @throws data::DataError if the table or a field is missing.
     ProductRecords(data::Database& database, int sourceClass);
 
     enum class Outcome { Locked, HeldByOther, Gone };
-    /// Locks the product and reads it. After Locked the lock is held until release().
+    /// Locks and reads a product. After Locked, the lock is held until release().
     Outcome lock(const QString& number, LockedProduct& product);
-    /// A lock that cannot be given back goes with the session; the product's outcome stands.
+    /// Releases the lock. A lock that fails to release ends with the session; logs a warning only.
     void release() noexcept;
 
   private:

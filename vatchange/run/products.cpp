@@ -12,7 +12,7 @@ namespace vatchange {
 
 namespace {
 
-/// One prepared UPDATE of a product with its parameters at hand.
+/// A prepared UPDATE of a product with its parameters.
 class PreparedUpdate {
   public:
     PreparedUpdate(data::Database& database, const QString& text, const PriceRules& rules)
@@ -53,8 +53,8 @@ class PreparedUpdate {
     data::TParam* m_number;
 };
 
-/// The UPDATEs of a run. Their texts differ by which class fields move (and at midnight by the
-/// date), so a handful of prepared statements serves all products.
+/// The prepared UPDATEs of a run, at most eight: the texts differ only by the class fields to
+/// change, and by date after midnight.
 class ProductUpdates {
   public:
     explicit ProductUpdates(RunContext& run) : m_run(run) {}
@@ -80,7 +80,7 @@ class ProductUpdates {
     std::array<std::unique_ptr<PreparedUpdate>, 8> m_updates;
 };
 
-/// Releases the record lock on every way out.
+/// Releases the record lock at scope exit.
 class LockRelease {
   public:
     explicit LockRelease(ProductRecords& records) : m_records(records) {}
@@ -102,14 +102,14 @@ class ProductConversion {
           m_labels(run.database, run.ports, labels),
           m_marks(run.database, run.ports) {}
 
-    /// @return false when the step must end.
+    /// Returns false if the step must end.
     bool convert(const QString& number) {
         m_run.ports.status(QStringLiteral("Tuote ") + number);
         LockedProduct product;
         ProductPrices converted;
         if (!update(number, product, converted))
             return true;
-        // changed from here on, whatever happens to its label
+        // the product counts as changed even if its label fails
         ++m_run.result.products;
         if (m_run.definition.productLog)
             m_run.ports.log(productLine(number, m_run.prices, product.prices, converted));
@@ -122,7 +122,7 @@ class ProductConversion {
         return false;
     }
 
-    /// Tells the result what went besides the products themselves.
+    /// Adds label and mark failures and counts to the result.
     void finish() {
         for (const QString& failure : {m_labels.failure(), m_marks.failure()}) {
             if (!failure.isEmpty())
@@ -137,7 +137,7 @@ class ProductConversion {
     }
 
   private:
-    /// @return false when the product was passed over.
+    /// Returns false if the product was skipped.
     bool update(const QString& number, LockedProduct& product, ProductPrices& converted) {
         switch (m_records.lock(number, product)) {
             case ProductRecords::Outcome::Gone:
@@ -165,7 +165,7 @@ class ProductConversion {
             if (error.kind() != data::ErrorKind::Locked)
                 throw;
         }
-        // somebody else took the record after it was given back for the statement
+        // another program locked the record after its release for the statement
         m_run.passOverProduct(number);
         return false;
     }

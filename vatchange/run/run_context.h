@@ -18,20 +18,20 @@
 
 namespace vatchange {
 
-/// The company's VAT classes, read once at the start of a run: rate in percent by class number.
+/// VAT classes of the company, read once at the start of a run: rate in percent by class.
 class VatClasses {
   public:
     static VatClasses read(data::Database& database);
 
     bool exists(int vatClass) const { return m_rates.count(vatClass) > 0; }
-    double ratePercent(qint64 vatClass) const;  ///< 0 for a class that there is not
+    double ratePercent(qint64 vatClass) const;  ///< 0 for an unknown class
     std::set<int> numbers() const;
 
   private:
     std::map<qint64, double> m_rates;
 };
 
-/// What the steps of one run share.
+/// State shared by the steps of a run.
 struct RunContext {
     RunContext(data::Database& companyDatabase, const ChangeDefinition& change, RunPorts& runPorts,
                RunResult& runResult);
@@ -42,21 +42,21 @@ struct RunContext {
     RunResult& result;
     const PriceRules prices;
     const QString condition;    ///< product selection
-    VatClasses classes;         ///< known once the checks have passed
+    VatClasses classes;         ///< set by checkDefinition()
     double targetFactor = 1.0;  ///< VAT factor of the target class
 
-    /// The counter of a kind of changed rows; new ones begin at 0. Valid as long as the result.
+    /// Counter of a kind of changed rows, created at 0. Valid as long as the result.
     qint64& changedRows(const QString& what);
-    /// A product whose record somebody else holds: logged, counted and listed.
+    /// Logs, counts and lists a product whose record another program holds.
     void passOverProduct(const QString& number);
 
-    /// Between two rows: lets window messages be processed, then tells whether to stop.
+    /// Processes window events, then returns whether to stop; called between rows.
     bool stopRequested();
-    /// Ends the run as the user's stop does. `cause` says after what, for the closing message.
+    /// Ends the run like the user's stop. `cause` goes into the closing message.
     void stop(const QString& cause);
     QString stopCause;
 
-    /// Walks an open query's rows; stops when the user does. @return rows visited.
+    /// Calls `row` for each row of an open query until the user stops. Returns the rows visited.
     template <typename Row>
     qint64 walk(data::TUniQuery& query, Row&& row) {
         const qint64 total = query.recordCount();
@@ -71,25 +71,24 @@ struct RunContext {
 
 using data::errorText;
 
-// The steps, in the order in which a run takes them. A failure is thrown out of the step; rows
-// changed before it stay changed.
+// The steps, in order. A step throws on failure; rows it has already changed stay changed.
 
-/// Reads what judging the definition needs. A table that cannot be read is not known: the steps
-/// that need it report that.
+/// Reads the facts for checking the definition. Facts from an unreadable table stay unknown; the
+/// steps that need the table report it.
 CompanyFacts readCompanyFacts(data::Database& database, const ChangeDefinition& definition);
-/// The problems of the definition: unattended they refuse it, a person is asked. @return false when
-/// it must not run; the reason has been told.
+/// Reports problems of the definition: refuses it if unattended, otherwise asks. Returns false if
+/// it must not run; the reason has been shown.
 bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
                          const CompanyFacts& facts);
-/// Early date and VAT classes. @return false when the run must not start; the reason has been
-/// shown. Reads the VAT classes.
+/// Reads the VAT classes; checks them and the date. Returns false if the run must not start; the
+/// reason has been shown.
 bool checkDefinition(RunContext& run);
 
 void convertCustomerPriceLists(RunContext& run);
 void convertCampaigns(RunContext& run);
 void convertRecurringInvoices(RunContext& run);
 void convertQuantityDiscounts(RunContext& run);
-/// One of the three class fields of the product groups.
+/// Updates one of the three class fields of the product groups.
 void updateProductGroups(RunContext& run, const GroupUpdate& update);
 void updateStorePrices(RunContext& run);
 void convertProducts(RunContext& run, LabelTable labels);

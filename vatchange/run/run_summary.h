@@ -8,24 +8,24 @@
 
 namespace vatchange {
 
-/// A run as its report tells of it: what was run, when, how it ended, and where its lines stand in
-/// the change log.
+/// Data for a run's report: definition, times, result and the position of its lines in the change
+/// log.
 struct RunSummary {
-    QString definitionName;  ///< empty when the definition was run unsaved
+    QString definitionName;  ///< empty for an unsaved definition
     ChangeDefinition definition;
     QDateTime started;  ///< local time
     QDateTime ended;
     RunResult result;
     QString logName;     ///< full path of the change log
-    qint64 logFrom = 0;  ///< bytes: the run's lines are between the two
+    qint64 logFrom = 0;  ///< byte range of the run's lines: [logFrom, logTo)
     qint64 logTo = 0;
 };
 
-/// Runs the change and keeps what its report needs.
+/// Runs the change and collects the data for its report.
 RunSummary runWithSummary(data::Database& database, const LoadedDefinition& definition,
                           RunPorts& ports);
 
-/// A run's log lines, bounded: of a long run the first and the last ones.
+/// A run's log lines; of a long run only the first and last ones.
 struct LogExcerpt {
     static constexpr int kFirstLines = 400;
     static constexpr int kLastLines = 600;

@@ -4,7 +4,7 @@ namespace vatchange {
 
 namespace {
 
-/// A key as one text.
+/// A key as text, without trailing blanks.
 QString keyText(const data::KeyValues& key) {
     QString text;
     for (const data::Value& value : key) {
@@ -18,8 +18,8 @@ QString keyText(const data::KeyValues& key) {
     return text;
 }
 
-/// The same for keys that an engine may hold equal, as it may leave out letter case. A row that is
-/// taken for shared though it is not is changed all the same.
+/// Case-folded, because engines may compare keys without case. A false match is harmless: the row
+/// is then changed through its record.
 QString looseKeyText(const data::KeyValues& key) {
     return keyText(key).toCaseFolded();
 }
@@ -34,7 +34,7 @@ QString sharedKeysQuery(const SharedKeyTable& table, const QString& productCondi
            QStringLiteral(" group by ") + columns + QStringLiteral(" having count(*) > 1");
 }
 
-/// Place of a column among others, case ignored; -1 when it is none of them.
+/// Index of a column in a list, ignoring case; -1 if absent.
 qsizetype placeOf(const QString& column, const QStringList& columns) {
     for (qsizetype i = 0; i < columns.size(); ++i) {
         if (columns[i].compare(column, Qt::CaseInsensitive) == 0)
@@ -104,8 +104,9 @@ void SharedKeyRows::open() {
     chooseIndex();
 }
 
-/// Chooses the index that most key columns lead. Its number is the company's own, and it may lack:
-/// then the whole table is walked. Floats end the search values, as a driver may have rounded them.
+/// Chooses the index that starts with the most key columns. Indexes differ by company; without one
+/// the whole table is scanned. A float column ends the search key, because drivers may round
+/// floats.
 void SharedKeyRows::chooseIndex() {
     for (const QString& index : m_table->indexNames()) {
         std::vector<size_t> columns;
@@ -183,7 +184,7 @@ bool SharedKeyRows::update(const std::vector<AmountChange>& changes) {
     return change(id, key, stored, changes);
 }
 
-/// Writes the changes when the record is still what it was.
+/// Writes the changes if the record is unchanged.
 bool SharedKeyRows::change(data::RecordId id, const data::KeyValues& key, const Amounts& stored,
                            const std::vector<AmountChange>& changes) {
     if (!m_table->gotoBookmark({id, {}}))

@@ -14,41 +14,39 @@
 
 namespace vatchange {
 
-/// A price table whose UPDATE names its row by columns that other rows may share.
+/// A price table whose UPDATE identifies rows by columns that are not unique.
 struct SharedKeyTable {
     QString name;
     QStringList keyColumns;     ///< those of the UPDATE's WHERE
-    QStringList amountColumns;  ///< all that the query reads new amounts from and the UPDATE writes
-    /// The query's conditions on the record itself that the key columns do not tell.
+    QStringList amountColumns;  ///< columns that the query reads and the UPDATE writes
+    /// The query's conditions on columns outside the key.
     std::function<bool(const data::TtbTable&)> selected;
 };
 
-/// Changes rows whose key other rows share: there the UPDATE would reach all of them, so the row's
-/// own record is found and posted. Further columns in the WHERE would not do, as a row already
-/// changed may hold by now what another one held before.
+/// Changes rows that share their key with other rows. The UPDATE would change all of them, so this
+/// finds and posts the row's own record. More columns in the WHERE would not help: a changed row
+/// may now hold the old values of another.
 ///
-/// Which keys are shared is asked once, in one grouped query over the rows of the selected products
-/// (1.4 s for 500,000 rows, which take far longer to change); records are read only for keys that
-/// are.
+/// One grouped query over the selected products finds the shared keys (1.4 s for 500,000 rows,
+/// which take far longer to change); records are read only for these keys.
 class SharedKeyRows {
   public:
-    /// `rows` is the open query of the rows to change, of the products of `productCondition`; it
-    /// has the key columns.
+    /// `rows`: open query of the rows to change, of products that `productCondition` selects;
+    /// contains the key columns.
     SharedKeyRows(data::Database& database, SharedKeyTable table, const QString& productCondition,
                   data::TUniQuery& rows);
 
-    /// Whether other rows share the key of the query's current row.
+    /// True if other rows share the key of the query's current row.
     bool holdsCurrentRow() const;
 
-    /// Changes the record that the query's current row was read from; no record twice. `changes`
-    /// are in the order of the amount columns; an amount that stays is not written.
-    /// @return false when no record holds the old amounts: somebody else has changed or deleted the
-    /// row since it was read.
-    /// @throws data::DataError(Locked) when somebody else holds the record for 2000 ms.
+    /// Changes the record that the current row was read from; each record at most once. `changes`:
+    /// in the order of the amount columns; unchanged amounts are not written. Returns false if no
+    /// record holds the old amounts: another program changed or deleted it since the query.
+    /// @throws data::DataError(Locked) if another program holds the record for 2000 ms.
     bool update(const std::vector<AmountChange>& changes);
 
   private:
-    /// The selected records of one key; none once all are changed.
+    /// The selected records of a key; emptied once all are changed.
     struct Records {
         std::vector<KeyRecord> records;
         std::vector<data::RecordId> ids;  // of the same records

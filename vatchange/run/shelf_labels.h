@@ -5,9 +5,9 @@
 
 namespace vatchange {
 
-/// What a run knows of the label table before it changes anything.
+/// State of the label table, determined before any change.
 enum class LabelTable {
-    NotWritten,  ///< labels are not wanted, or the table cannot be read
+    NotWritten,  ///< labels are off or the table cannot be read
     Plain,
     WithQuantityDiscounts,  ///< has the columns of quantity discounts
 };
@@ -15,17 +15,15 @@ enum class LabelTable {
 /// Reads the label table's columns.
 LabelTable findLabelTable(data::Database& database);
 
-/// Writes shelf-edge label rows of changed products: resets the product's row, or inserts one.
+/// Writes shelf label rows of changed products: resets existing rows or inserts one.
 class ShelfLabels {
   public:
     ShelfLabels(data::Database& database, RunPorts& ports, LabelTable table);
 
-    /// Does nothing when labels are not written.
-    /// @return false when a statement failed and the step must end: the failure has been shown, and
-    /// there was nobody to ask, or the user ends the run.
+    /// Does nothing for NotWritten. Returns false if a statement failed and the step must end,
+    /// because the run is unattended or the user ends it; the failure has been shown.
     bool write(const QString& number, qint64 labels);
-    /// What the first statement that failed reported, whether or not the user went on; empty when
-    /// none has.
+    /// Message of the first failure, even if the user continued; empty if none.
     const QString& failure() const { return m_failure; }
     qint64 written() const { return m_written; }
 

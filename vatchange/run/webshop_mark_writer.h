@@ -8,15 +8,15 @@
 
 namespace vatchange {
 
-/// Writes a web shop change mark: records in table WEBKLIITOS that a row changed for the web shop.
+/// Writes web shop change marks to table WEBKLIITOS.
 ///
-/// Every request adds one row, which stands after the earlier ones of the same table name and key;
-/// the latest row of a key is what the web shop goes by. So the new row's letter has to say what
-/// the earlier pending one and the new one come to: see settledLetter.
+/// Each request appends a row after the earlier ones of the same table name and key. The web shop
+/// uses the latest row of a key, so its letter combines the pending and the new mark: see
+/// settledLetter.
 ///
-/// When the web shop log is on (settings file ZAV.INI, section "VERKKOKAUPPA", key "Loki", value
-/// 1), each request is also written to "WEBKAUPPA.LOG" in the company's data folder, in the form of
-/// a change log line. The setting is read once.
+/// If the web shop log is on (ZAV.INI, section "VERKKOKAUPPA", key "Loki" = 1), each request is
+/// also logged to "WEBKAUPPA.LOG" in the company's data folder, in change log format. The setting
+/// is read once.
 class WebShopMarkWriter {
   public:
     explicit WebShopMarkWriter(data::Database& database);
@@ -26,15 +26,14 @@ class WebShopMarkWriter {
 
     using Report = std::function<void(const QString& text)>;
 
-    /// Letter 'M' modified, 'P' taken off the web shop, 'L' added. Inserts a row with the current
-    /// date and time. A failure is reported as "VIRHE: TryPost -> ", the error text and a blank,
-    /// and the caller goes on; nothing is thrown.
+    /// Inserts a row with the current date and time. Letters: 'M' modified, 'P' removed from the
+    /// web shop, 'L' added. Reports a failure as "VIRHE: TryPost -> ", the error text and a blank;
+    /// does not throw.
     void mark(const QString& tableName, const QString& key, QChar letter, const Report& report);
 
-    /// The letter to store, from the latest pending one (null: none) and the new one. The new one
-    /// holds, but for a row that the web shop has not been given yet: modified before that, it is
-    /// still to be added ('L' and 'M' give 'L'). A row that was to be taken off ('P') and is
-    /// modified or added since is on the web shop again, so 'M' or 'L' replaces the 'P'.
+    /// The letter to store, given the latest pending one (null: none) and the new one. A pending
+    /// 'L' followed by 'M' stays 'L', because the row has yet to be added; otherwise the new letter
+    /// wins. 'M' or 'L' after a pending 'P' puts the row back on the web shop.
     static QChar settledLetter(QChar pending, QChar letter);
 
   private:

@@ -5,15 +5,15 @@
 
 namespace vatchange {
 
-/// Web shop change marks of products during a run. A mark that cannot be written is reported and
-/// the run goes on: by message the first time, in the log alone afterwards, so that a broken mark
-/// table does not ask for a click per product.
+/// Writes web shop change marks of products during a run. A failed mark does not stop the run: the
+/// first failure shows a message, later ones are only logged, so a broken table does not need a
+/// click per product.
 class WebShopMarks {
   public:
     WebShopMarks(data::Database& database, RunPorts& ports);
 
     void mark(const QString& productNumber, QChar letter);
-    /// What the first mark that failed reported; empty when none has.
+    /// Message of the first failure; empty if none.
     const QString& failure() const { return m_failure; }
     qint64 written() const { return m_written; }
 
