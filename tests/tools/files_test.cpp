@@ -30,6 +30,18 @@ TEST_F(Files, EveryTableSurvivesExportAndReplace) {
     done({"check", "D"});
 }
 
+TEST_F(Files, DemoCompaniesOfOneSeedAreEqual) {
+    const QStringList elsewhere = {"TZ=Asia/Tokyo", "LC_ALL=C"};
+    done({"demo", "One", "one", "--products", "120", "--seed", "7"});
+    done({"demo", "Two", "two", "--seed", "7", "--products", "120"}, elsewhere);
+    done({"demo", "Other", "other", "--products", "120", "--seed", "8"});
+    EXPECT_EQ(tableNames("One"), tableNames("Two"));
+    for (const QString& table : tableNames("One"))
+        EXPECT_EQ(done({"export", "One", table}), done({"export", "Two", table}, elsewhere))
+            << table.toStdString();
+    EXPECT_NE(done({"export", "One", "TUOTE"}), done({"export", "Other", "TUOTE"}));
+}
+
 TEST_F(Files, ADictionaryFileIsReadBack) {
     done({"dictionary", "A", "MT", "ASIAKAS", "own.dictionary"});
     data::TTblResReader::setModuleFile(path("own.dictionary"));
