@@ -1,8 +1,8 @@
-"""Holds the includes of all sources below a folder against the modules' rules.
+"""Checks the includes of all sources in a folder against the modules' rules.
 
-Usage: modules.py ROOT. A source may include from its own module and from those listed here; what
-lies below a module's folder and is no module itself belongs to it. No folder may include from
-another that includes from it, not even by way of others.
+Usage: modules.py ROOT. A source may include headers of its own module and of those listed here. A
+subfolder without rules belongs to its parent's module. Includes between folders must not form a
+circle.
 """
 
 import pathlib
