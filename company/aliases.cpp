@@ -18,7 +18,7 @@ const QString kLocalFilePath = QStringLiteral("LocalFilePath");
 
 using Use = platform::SettingsStore::Use;
 
-/// The settings of an alias that are written only where they are set.
+/// Written only if set.
 struct OptionalSetting {
     const char* key;
     QString Alias::*value;
@@ -34,7 +34,7 @@ QString groupOf(const QString& name) {
     return kAliases + u'/' + name;
 }
 
-/// The name as the store writes it; empty when it has none such.
+/// The name as spelled in the store; empty if not found.
 QString spellingIn(const platform::SettingsStore& store, const QString& name) {
     const QStringList names = store.groupsIn(kAliases);
     if (names.contains(name))

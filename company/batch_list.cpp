@@ -22,7 +22,7 @@ QString keyOf(size_t index) {
 
 bool canWriteIn(const QString& folder) {
 #ifdef Q_OS_WIN
-    // The attributes of a Windows folder say nothing of what its access list allows.
+    // On Windows the folder's attributes do not reflect its access list.
     QTemporaryFile probe(folder + QStringLiteral("/XXXXXX.tmp"));
     return probe.open();
 #else
@@ -48,7 +48,7 @@ BatchList readBatchList(const QString& fileName) {
 
 void writeBatchList(const QString& fileName, const BatchList& list) {
     const QString folder = QFileInfo(fileName).absolutePath();
-    if (!QDir().mkpath(folder))  // the user's settings folder may not be there yet
+    if (!QDir().mkpath(folder))  // the user's settings folder may be missing
         throw data::DataError(data::ErrorKind::Io, folder,
                               QStringLiteral("the folder cannot be made"));
     platform::changeIniFile(fileName, [&list](platform::IniFile& ini) {

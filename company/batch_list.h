@@ -5,14 +5,14 @@
 
 namespace company {
 
-/// The batch list: names of the definitions that "/E" runs, in this order; empty ones are skipped.
+/// The definitions that "/E" runs, in this order; empty names are skipped.
 using BatchList = std::array<QString, 4>;
 
-/// Full path of "ALVMUUTOS.INI" beside the program's executable; in the user's settings folder when
-/// the program's folder cannot be written.
+/// Full path of "ALVMUUTOS.INI": beside the program, or in the user's settings folder if the
+/// program's folder is not writable.
 QString AlvMuutosIniName();
 
-/// Section "ASETUKSET", keys maar1..maar4; what is missing reads as empty.
+/// Section "ASETUKSET", keys maar1..maar4; missing keys read as empty.
 /// @throws data::DataError naming the file.
 BatchList readBatchList(const QString& fileName);
 void writeBatchList(const QString& fileName, const BatchList& list);

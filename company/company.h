@@ -4,29 +4,28 @@
 
 namespace company {
 
-/// The chosen company, process-wide. The name is the database name of the record tables and the
+/// The company in use, one per process. Its name is also the database name of record tables and the
 /// data source name of the SQL connection.
 struct Company {
     QString name;
     QString dataFolder;   ///< PhysicalName of the alias; holds the change log
-    QString localFolder;  ///< LocalFilePath of the alias; empty when the alias has none
-    QString ownerName;    ///< OwnerName of the alias: owner of the record files, mostly empty
+    QString localFolder;  ///< LocalFilePath of the alias; may be empty
+    QString ownerName;    ///< OwnerName of the alias; usually empty
 };
 
 const Company& currentCompany();
-/// Takes a company into use: name and folders from its alias. @return false when there is none of
-/// that name (case of a to z ignored); the company in use then stays.
+/// Makes a company the current one, with name and folders from its alias. @return false, leaving
+/// the current one, if there is no such alias (case of a to z ignored).
 bool takeIntoUse(const QString& name);
 
-/// Appends the separator by the folder rule: an empty text stays empty; two characters whose second
-/// is ":" get it; any other text shorter than three characters stays; one that ends with the
-/// separator stays; every other text gets it. The separator is '\\' or '/'.
+/// Appends the separator ("\" or "/"). Unchanged: texts shorter than three characters, except a
+/// drive ("C:"), and texts that end with it.
 QString withTrailingSeparator(const QString& folder, QChar separator);
-/// The platform's separator, as the rule above wants it.
+/// The platform's separator for withTrailingSeparator().
 QChar platformSeparator();
 
-/// A file of the company's data folder: the folder by the rule above, then the name. With an empty
-/// folder the name alone, so the file is sought in the working folder.
+/// A file in the company's data folder. An empty folder gives the bare name, relative to the
+/// working folder.
 QString dataFolderFile(const QString& fileName);
 
 }  // namespace company

@@ -172,7 +172,7 @@ std::unique_ptr<data::Database> TZavDbConnectionModule::openByAlias(const QStrin
     if (!folder.isEmpty() && !QFileInfo(folder).isDir())
         throw noConnection(dataSource, QStringLiteral("folder \"%1\" does not exist").arg(folder),
                            QStringLiteral("kansiota \"%1\" ei ole").arg(folder));
-    // Without a folder it is one that the shops' engine knows by its name.
+    // Without a folder, the shops' engine finds the company by name.
     if (!folder.isEmpty() && engines::hasEmbeddedDatabase(folder))
         return engines::openEmbedded(alias->name, folder);
     return engines::shops::openShopsDatabase(shopsSettings(*alias));

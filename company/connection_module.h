@@ -12,14 +12,15 @@
 
 namespace company {
 
-/// One SQL connection to a company's database; record tables of the company use the same one.
+/// An SQL connection to a company's database. The company's record tables share it.
 class UniConnection {
   public:
     /// Name of the company; empty before the first attempt.
     const QString& dataSource() const { return m_dataSource; }
     const QString& provider() const { return m_provider; }
     bool connected() const { return m_database != nullptr; }
-    /// The open database. @throws data::DataError(NoConnection) with what the attempts met.
+    /// The open database.
+    /// @throws data::DataError(NoConnection): the last attempt's error.
     data::Database& database() const;
 
   private:
@@ -30,52 +31,51 @@ class UniConnection {
     std::unique_ptr<data::DataError> m_failure;
 };
 
-/// Keeps the SQL connections to the company databases: the main one and one per further name, from
-/// first use to the end of the process.
+/// Owns the SQL connections: the main one and one for each further name, each kept open to the end
+/// of the process.
 class TZavDbConnectionModule {
   public:
-    /// Opens the database of a data source name; throws data::DataError when it cannot.
+    /// Opens the database of a data source name, or throws data::DataError.
     using Opener = std::function<std::unique_ptr<data::Database>(const QString& dataSource)>;
-    /// Shows a short-lived notice for the time of an attempt; the returned object takes it away.
+    /// Shows a notice during a connection attempt; it disappears with the returned object.
     using Notice = std::function<std::shared_ptr<void>(const QString& text)>;
 
     static constexpr int kConnectAttempts = 4;
 
-    /// The command line's "/unimonitor", "/uniquerydebug" and, at a place after the first,
-    /// "/UNIDACDEBUG" switch the process's traces to the debugger output on.
+    /// "/unimonitor", "/uniquerydebug" and, if not the first parameter, "/UNIDACDEBUG" switch on
+    /// tracing to the debugger output for the whole process.
     explicit TZavDbConnectionModule(Opener opener = openByAlias, Notice notice = nullptr);
     ~TZavDbConnectionModule();
 
-    /// The process's module, created (and its main connection connected to the current company) on
-    /// first use.
+    /// The process's module. The first call creates it and connects to the current company.
     static TZavDbConnectionModule& instance();
-    /// Sets what instance() shows while it connects; before the first use.
+    /// Sets the notice for instance(). Call before its first use.
     static void setNotice(Notice notice);
-    /// Frees the process's module; for tests and the end of the program.
+    /// Destroys the process's module. For tests and program exit.
     static void shutDown();
 
-    /// With `connect`, initialises the main connection for the name: shows the notice, tries
-    /// kConnectAttempts times. A failure leaves the connection closed and is told by database().
-    /// `serverCheck` is for engines with a server to look for; none of the present ones has it.
+    /// If `connect`, opens the main connection: shows the notice and tries kConnectAttempts times.
+    /// After a failure the connection stays closed and database() throws the error. `serverCheck`
+    /// is ignored: no engine has a server to look for.
     void Yhdista(const QString& dataSource, bool connect, bool serverCheck);
     UniConnection& UniDacConnection() { return *m_main; }
 
-    /// The connection of a name: the main one for an empty name, else the first of that data source
-    /// name (case of a to z ignored), else a new one.
+    /// The connection of a data source name (case of a to z ignored), created if there is none. The
+    /// empty name means the main connection.
     UniConnection& connection(const QString& dataSource);
     UniConnection& LuoYhteys(const QString& dataSource);
 
-    /// A new query bound to the connection of that name, traced when asked for. The module's
-    /// switches trace every query of the process.
+    /// A new query on the connection of that name. `debug` traces this query; the module's switches
+    /// trace all.
     std::unique_ptr<data::TUniQuery> LuoUniQuery(const QString& dataSource, bool debug = false);
 
-    /// A new script bound in the same way.
+    /// A new script on the connection of that name.
     std::unique_ptr<data::TUniScript> LuoUniScript(const QString& dataSource);
 
-    /// The engine is chosen by the alias: an embedded company where its folder holds a database
-    /// file, else (also without a folder) a company of the shops' engine.
-    /// @throws data::DataError(NoConnection) when there is no such company or folder, or its engine
-    /// cannot be reached; what embedded files throw.
+    /// Opens the embedded engine if the alias's folder holds its database file, else (also without
+    /// a folder) the shops' engine.
+    /// @throws data::DataError(NoConnection) if the company, its folder or its engine is not found;
+    /// errors of the embedded database's files.
     static std::unique_ptr<data::Database> openByAlias(const QString& dataSource);
 
   private:
@@ -86,15 +86,14 @@ class TZavDbConnectionModule {
     std::vector<std::unique_ptr<UniConnection>> m_owned;
     UniConnection* m_main;
     std::vector<UniConnection*> m_list;
-    bool m_monitor;  // "/unimonitor": connections and the calls of their engine are traced too
+    bool m_monitor;  // "/unimonitor": also traces connections and engine calls
 };
 
-/// The current company's database, connected on first use.
+/// The current company's database. The first use connects.
 data::Database& companyDatabase();
 
-/// Prepares one record table for use: owner name (when the company's alias has one and the name
-/// holds no ";OWNER:" yet), database, open (closed first if it was open). Without a database given:
-/// the current company's.
+/// (Re)opens a record table on the database (default: the current company's). Adds the alias's
+/// owner name unless the table name already has ";OWNER:".
 void openCompanyTable(data::TtbTable& table, const QString& tableName);
 void openCompanyTable(data::TtbTable& table, const QString& tableName, data::Database& database);
 

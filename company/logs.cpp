@@ -52,7 +52,7 @@ QString onOneLine(const QString& message) {
     return line;
 }
 
-/// The time of a line; formatted once a second, since a run writes thousands of lines in one.
+/// Cached for a second: a run writes thousands of lines in one.
 QString timeStamp() {
     static QDate day;
     static int second = -1;

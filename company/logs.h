@@ -5,32 +5,33 @@
 
 namespace company {
 
-/// Full path of the change log: the data folder by the folder rule, then "ALVMUUTOS.LOG".
+/// Full path of the change log "ALVMUUTOS.LOG" in the data folder.
 QString AlvMuutosLogName();
 
-/// Appends "dd.mm.yyyy hh:nn:ss@COMPUTER  message" as one line of UTF-8 with the platform's line
-/// end; opened, written and closed for each line, in one write, so that lines of several programs
-/// never mix. Line breaks in the message become one blank each run of them; all else, blanks at the
-/// end included, stays. A failure never stops the caller: it goes to the error report handler.
+/// Appends the line "dd.mm.yyyy hh:nn:ss@COMPUTER  message" in UTF-8 with the platform's line end.
+/// Each line is one open-write-close, so lines of several programs never mix. A run of line breaks
+/// in the message becomes one blank. Failures go to the error report handler and never stop the
+/// caller.
+/// Texts beyond those the system prescribes begin with a word that tells their kind: "Huomaa: ",
+/// "Tarkastus: ", "Virhe", "Ajo", "Määrittelyä ei".
 void WriteAlvMuutosLog(const QString& message);
 
-/// A line of the same form in another log file.
+/// The same for another log file.
 void writeLogLine(const QString& fileName, const QString& message);
 
-/// Full path of the general log "loki.dat" of the data folder.
+/// Full path of the general log "loki.dat" in the data folder.
 QString generalLogName();
 
-/// Appends to the general log "dd.mm.yyyy hh:mm:ss  USER@COMPUTER  message" (Windows-1252, a
-/// character that it lacks is written as "?"; CR LF; the operating system's user). Line breaks and
-/// failures as above.
+/// Appends "dd.mm.yyyy hh:mm:ss  USER@COMPUTER  message" to the general log: Windows-1252 (other
+/// characters become "?"), CR LF, the operating system's user. Line breaks and failures as above.
 void writeGeneralLog(const QString& message);
 
-/// The operating system's name of this machine.
+/// This machine's host name.
 QString computerName();
 
-/// Where failures of the log writers (and of other small files that must not stop a run) are
-/// reported, in Finnish; by default, and with an empty handler, standard error. Must not block. A
-/// failure that repeats is reported once until another one or a success comes between.
+/// Sets the handler for failures of the log writers and of other small files that must not stop a
+/// run. Texts are Finnish. Default, and for an empty handler: standard error. The handler must not
+/// block. Consecutive equal texts are reported once, until a success.
 void setLogErrorReport(std::function<void(const QString& text)> report);
 void reportLogError(const QString& text);
 

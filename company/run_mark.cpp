@@ -7,7 +7,7 @@ namespace company {
 
 namespace {
 
-// Fixed texts: the mark's key is that of the change of 1 September 2024, whatever the date is.
+// The key is fixed: the change of 1 September 2024, whatever the date.
 const QString kSelect = QStringLiteral(
     "select data from ini where ininimi='ZAV.INI' AND sektio='TAKSAVAIHE' AND AVAIN='20240901'");
 const QString kDelete = QStringLiteral(

@@ -28,7 +28,7 @@ void guarded(Action&& action) {
     }
 }
 
-/// A damaged file must not keep a new note from being written.
+/// A damaged file must not prevent a new note.
 platform::IniFile readOrNew() {
     try {
         return platform::IniFile::read(unfinishedNoteName());

@@ -15,8 +15,8 @@
 
 namespace platform {
 
-// Not QFile: on Windows that seeks to the end before it writes, so that two programs' lines could
-// overlap, and it takes 1.6 times as long (a run may write a line for every product).
+// Not QFile: on Windows it seeks to the end before writing, so that lines of two programs could
+// overlap, and it takes 1.6 times as long (a run may write one line per product).
 
 #ifdef Q_OS_WIN
 
@@ -44,7 +44,7 @@ QString appendToFile(const QString& fileName, const QByteArray& bytes) {
     const int file = ::open(path.constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0664);
     if (file < 0)
         return qt_error_string(errno);
-    // After bytes that were cut off (the disk was full) the next ones begin on a line of their own.
+    // After a partial write (full disk) the next line starts on a new line.
     static QString cutOff;
     const QByteArray text = fileName == cutOff ? '\n' + bytes : bytes;
     ssize_t written = 0;

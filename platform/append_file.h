@@ -5,9 +5,9 @@
 
 namespace platform {
 
-/// Opens a file for appending (made when missing), writes the bytes in one call of the operating
-/// system and closes it: lines of several programs stand whole, one after another.
-/// @return the system's error text; empty when all was written.
+/// Opens (or creates) a file, appends the bytes in one system call and closes it, so that lines of
+/// several programs stay whole.
+/// @return the system's error text; empty on success
 QString appendToFile(const QString& fileName, const QByteArray& bytes);
 
 }  // namespace platform

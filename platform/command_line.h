@@ -5,13 +5,13 @@
 
 namespace platform {
 
-/// The program's parameters (without the program's name), kept process-wide. A switch is in the
-/// list when one parameter equals it, case of a to z ignored; a leading "-" counts as "/".
+/// The program's parameters without its name, one list per process. A parameter is a switch if it
+/// equals the switch's name, ignoring the case of a to z and taking a leading "-" for "/".
 void setParameters(const QStringList& parameters);
 const QStringList& parameters();
 /// Whether a parameter is the switch of that name.
 bool sameSwitch(const QString& parameter, const QString& name);
 bool hasSwitch(const QString& name);            ///< anywhere
-bool hasSwitchAfterFirst(const QString& name);  ///< anywhere but in the first position
+bool hasSwitchAfterFirst(const QString& name);  ///< anywhere except first
 
 }  // namespace platform

@@ -17,7 +17,7 @@ bool given(DWORD which) {
     return handle != nullptr && handle != INVALID_HANDLE_VALUE;
 }
 
-// A stream that cannot be led there stays where it goes: nowhere.
+// A stream that cannot be redirected stays discarded.
 bool leadToConsole(FILE* stream) {
     return std::freopen("CONOUT$", "w", stream) != nullptr;
 }

@@ -4,10 +4,9 @@
 
 namespace platform {
 
-/// Standard output and error as UTF-8 for as long as it lives. On Windows a console gets the UTF-8
-/// code page and its own back afterwards, and a program of windows, which starts without a console,
-/// writes to that of the program that started it where nothing else was given to it. Elsewhere
-/// nothing has to be done.
+/// Makes standard output and error UTF-8 during its life. Windows: sets the console's code page to
+/// UTF-8 and restores it; a GUI program, which starts without a console, writes to its parent's
+/// console unless the streams are redirected. Does nothing elsewhere.
 class Console {
   public:
     Console();
@@ -21,7 +20,7 @@ class Console {
 
 #ifdef Q_OS_WIN
   private:
-    unsigned int m_codePage = 0;  // of the console before; 0 when there is none
+    unsigned int m_codePage = 0;  // to restore; 0 without a console
 #endif
 };
 

@@ -4,13 +4,13 @@
 
 namespace platform {
 
-/// An installation's own table dictionaries: the file "SANAKIRJA.DAT" (compiled blocks one after
-/// another, as `zavdb dictionary` writes them) beside the program, else in the user's settings
-/// folder. Empty when there is none.
+/// Full path of the installation's own table dictionaries "SANAKIRJA.DAT" (compiled blocks, as
+/// written by `zavdb dictionary`): beside the program, else in the user's settings folder. Empty if
+/// there is none.
 QString dictionaryModuleName();
 
-/// Makes that file the first place where dictionaries are looked up. Without one nothing changes.
-/// @throws data::DataError naming the file when it cannot be read or is damaged.
+/// Makes dictionary look-ups try that file first. Does nothing without one.
+/// @throws data::DataError naming the file if it cannot be read or is damaged.
 void loadDictionaryModule();
 
 }  // namespace platform

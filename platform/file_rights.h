@@ -2,8 +2,8 @@
 
 namespace platform {
 
-/// Files and folders that the process makes from now on are not writable for everybody, whatever
-/// the umask leaves. Does nothing on Windows, where the folder's access list says it.
+/// From now on, files and folders created by the process are not world-writable, whatever the
+/// umask. Does nothing on Windows, where the folder's access list decides.
 void withholdWritingFromOthers();
 
 }  // namespace platform

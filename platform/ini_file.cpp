@@ -16,9 +16,9 @@ namespace platform {
 namespace {
 
 struct Line {
-    QString text;   // as in the file, without its line break
-    QString key;    // empty: a comment, an empty line, a line that says nothing
-    QString value;  // of a key
+    QString text;  // as in the file, without line break
+    QString key;   // empty for comments, empty and malformed lines
+    QString value;
 };
 
 struct Section {
@@ -43,8 +43,7 @@ QStringView withoutBlanks(QStringView text) {
     return text;
 }
 
-/// Quotes that protect blanks: those around a text that has blanks at an end, or that would itself
-/// be taken for such a quoted text.
+/// Whether quotes around the text protect blanks at its ends, or quotes that would be read so.
 bool isProtected(QStringView text) {
     int quotes = 0;
     while (text.size() >= 2 && text.front() == u'"' && text.back() == u'"') {
@@ -133,11 +132,11 @@ struct IniFile::Data {
         return found == sections.end() ? nullptr : &*found;
     }
 
-    /// Adds a line behind the last key of a section, which is made when it is missing.
+    /// Adds a line after the last key of a section, creating the section if missing.
     void add(const QString& section, Line line) {
         Section* target = find(section);
         if (!target) {
-            // An empty line sets the new section off from what stands before it.
+            // Separate the new section by an empty line.
             if (Section& last = sections.back();
                 !(last.lines.empty() ? last.header.isEmpty() : last.lines.back().text.isEmpty()))
                 last.lines.push_back({});
@@ -184,7 +183,7 @@ IniFile IniFile::read(const QString& fileName) {
         return {};
     if (!file.open(QIODevice::ReadOnly))
         throw data::DataError(data::ErrorKind::Io, fileName, file.errorString());
-    // read() makes room for all that it is allowed to read, also where the file is a few lines
+    // read() allocates all that it may read, even for a small file
     const QByteArray bytes = file.read(std::min<qint64>(file.size(), kMaxSize) + 1);
     if (file.error() != QFileDevice::NoError)
         throw data::DataError(data::ErrorKind::Io, fileName, file.errorString());

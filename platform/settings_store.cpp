@@ -27,8 +27,8 @@ struct SettingsStore::Data {
 };
 
 std::vector<SettingsStore> SettingsStore::openAll(Use /*use*/) {
-    // The user's part is one for programs of 32 and 64 bits. The machine's part is two: what a
-    // 32-bit program registers for all users stands in its own.
+    // The user's part is shared by 32-bit and 64-bit programs. The machine's part is not: 32-bit
+    // programs register for all users in a view of their own.
     const QString user = QStringLiteral("HKEY_CURRENT_USER\\Software\\Taksavaihe");
     const QString machine = QStringLiteral("HKEY_LOCAL_MACHINE\\Software\\Taksavaihe");
     std::vector<SettingsStore> stores;
@@ -72,10 +72,10 @@ void SettingsStore::save() {
 
 namespace {
 
-// Two programs' changes take some milliseconds each; a script may queue many.
+// A change takes some milliseconds; a script may queue many.
 constexpr std::chrono::milliseconds kLockWait{30000};
 
-/// The user's alone, as the file in it.
+/// Accessible by the user only, like the file in it.
 void makeFolder(const QString& folder) {
     if (QFileInfo(folder).isDir())
         return;
@@ -87,14 +87,14 @@ void makeFolder(const QString& folder) {
                               QStringLiteral("the folder cannot be made"));
 }
 
-/// Section and key together are the setting's path; the section "General" is no group.
+/// Section and key form the setting's path; the section "General" is no group.
 QString pathOf(const IniFile::Entry& entry) {
     const bool inGroup =
         !entry.section.isEmpty() && entry.section.compare(u"General", Qt::CaseInsensitive) != 0;
     return (inGroup ? plainPath(entry.section) + u'/' : QString()) + plainPath(entry.key);
 }
 
-/// What a path has behind "group/"; nothing when it does not lie in the group.
+/// The part of the path after "group/"; nothing if it is not in the group.
 std::optional<QString> behind(const QString& group, const QString& path) {
     const qsizetype size = group.size();
     const qsizetype top = group.contains(u'/') ? group.indexOf(u'/') : size;
@@ -141,7 +141,7 @@ QStringList SettingsStore::groupsIn(const QString& group) const {
 }
 
 std::optional<QString> SettingsStore::value(const QString& group, const QString& name) const {
-    std::optional<QString> found;  // of several the last
+    std::optional<QString> found;  // the last of duplicates
     for (const IniFile::Entry& entry : m_data->file.entries()) {
         const std::optional<QString> rest = behind(group, pathOf(entry));
         if (rest && sameIgnoringAsciiCase(*rest, name))

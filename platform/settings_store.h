@@ -8,19 +8,19 @@
 
 namespace platform {
 
-/// One place of the settings that companies share: on Windows a key of the registry, elsewhere the
-/// file "aliases.ini" of the user's settings folder, which is for the user's eyes alone (it may
-/// hold passwords). Settings have a name and lie in groups, "a/b" being group b of group a. Names
-/// of settings and of outermost groups ignore the case of a to z.
-/// @throws data::DataError(Io, Damaged, Locked) naming the file, from everything.
+/// A place of the settings that companies share. Windows: a registry key; elsewhere "aliases.ini"
+/// in the user's settings folder, readable by the user only (it may hold passwords). Settings lie
+/// in groups; "a/b" is group b in group a. Names of settings and of top-level groups ignore the
+/// case of a to z.
+/// @throws data::DataError(Io, Damaged, Locked) naming the file, from all functions.
 class SettingsStore {
   public:
     enum class Use {
         Read,
-        Write  ///< no other program changes the store while this object lives
+        Write  ///< locks out other programs during the object's life
     };
 
-    /// The places, the one that is written first. Each is read when it is opened.
+    /// All places, the writable one first. Opening reads them.
     static std::vector<SettingsStore> openAll(Use use);
 
     ~SettingsStore();
@@ -29,10 +29,10 @@ class SettingsStore {
 
     QStringList groupsIn(const QString& group) const;
     std::optional<QString> value(const QString& group, const QString& name) const;
-    /// Adds a setting; there is none of its name in the group.
+    /// Adds a setting whose name must be new in the group.
     void add(const QString& group, const QString& name, const QString& value);
     void removeGroup(const QString& group);
-    /// Stores what was added and removed.
+    /// Writes the changes.
     void save();
 
   private:

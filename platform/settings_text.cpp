@@ -27,7 +27,7 @@ int hexDigit(QChar c) {
     return letter >= u'a' && letter <= u'f' ? letter - u'a' + 10 : -1;
 }
 
-/// The number of the hexadecimal digits from `at` on, at most `most` of them; `at` moves behind.
+/// Reads up to `most` hexadecimal digits from `at` and moves `at` past them.
 char16_t hexNumber(const QString& text, qsizetype& at, qsizetype most) {
     char16_t number = 0;
     for (; most > 0 && at < text.size() && hexDigit(text.at(at)) >= 0; --most, ++at)
@@ -37,7 +37,7 @@ char16_t hexNumber(const QString& text, qsizetype& at, qsizetype most) {
 
 QString escaped(const QString& value) {
     QString text;
-    bool afterHex = false;  // a digit here would belong to the number before
+    bool afterHex = false;  // a digit here would extend the number before
     for (const QChar c : value) {
         const char16_t code = c.unicode();
         if (afterHex && hexDigit(c) >= 0) {
@@ -84,7 +84,7 @@ QString unescaped(const QString& text) {
     return value;
 }
 
-/// A text between double quotes, without any but escaped ones inside.
+/// A text in double quotes with only escaped quotes inside.
 bool isQuoted(const QString& text) {
     if (text.size() < 2 || text.front() != u'"' || text.back() != u'"')
         return false;

@@ -4,22 +4,21 @@
 
 namespace platform {
 
-/// How the settings file "aliases.ini" spells names and values. It is the spelling of the toolkit's
-/// own INI files, which earlier versions wrote and which others may read; what a person has
-/// written into the file otherwise counts as it stands.
+/// The encoding of names and values in "aliases.ini". It is that of QSettings' INI files, which
+/// earlier versions wrote and other programs may read; hand-written values that do not follow it
+/// are taken literally.
 
-/// A path "a/b" as a key of the file: letters a to z, digits and "_-." as they are, "\" for "/",
-/// other characters as %XX or %UXXXX.
+/// Encodes a path "a/b" as a key: letters a to z, digits and "_-." as they are, "\" for "/", other
+/// characters as %XX or %UXXXX.
 QString writtenPath(const QString& path);
-/// The path that a key of the file means; characters and "%" that spell nothing stand for
-/// themselves.
+/// Decodes a key. Characters and "%" that are no valid encoding are taken literally.
 QString plainPath(const QString& key);
 
-/// A value as the file has it: "\" before quotes and "\", control characters as "\n" or "\x1", all
-/// of it in double quotes where it holds ";", "," or "=" or has blanks at an end.
+/// Encodes a value: "\" before quotes and "\", control characters as "\n" or "\x1", and double
+/// quotes around values with ";", "," or "=" or with blanks at an end.
 QString writtenValue(const QString& value);
-/// The value that a text of the file means. Quotes around it come off. A text that writtenValue
-/// does not give, as "KEY=VALUE;KEY=VALUE" or "C:\data", is the value itself.
+/// Decodes a value and removes quotes around it. Texts that writtenValue() cannot produce, such as
+/// "KEY=VALUE;KEY=VALUE" or "C:\data", are returned as they are.
 QString plainValue(const QString& text);
 
 }  // namespace platform

@@ -5,10 +5,10 @@
 
 namespace platform {
 
-/// Equality that ignores the case of the letters a to z only.
+/// Compares for equality, ignoring only the case of a to z.
 bool sameIgnoringAsciiCase(const QString& a, const QString& b);
 
-/// Orders names as a Finnish reader expects: case ignored, å, ä, ö after z.
+/// Sorts in Finnish order: case ignored, å, ä, ö after z.
 void sortForFinnishEyes(QStringList& names);
 
 }  // namespace platform

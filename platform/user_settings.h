@@ -6,14 +6,13 @@
 
 namespace platform {
 
-/// The user's settings folder of the program: "Taksavaihe" under $XDG_CONFIG_HOME (default
-/// ~/.config), under the user's local application data on Windows. Need not exist.
+/// The program's settings folder of the user: "Taksavaihe" in $XDG_CONFIG_HOME (default ~/.config);
+/// on Windows in the local application data. May not exist.
 QString userSettingsFolder();
 
-/// The user's window sizes, positions and the like: "ikkunat.ini" of that folder; on Windows
-/// "Software\Taksavaihe\Ikkunat" in the user's part of the registry, with the machine's part for
-/// what the user's lacks. Never anything that belongs to a company. A damaged file reads as empty:
-/// losing it costs nobody work.
+/// Window sizes, positions and the like: "ikkunat.ini" in that folder; on Windows
+/// "Software\Taksavaihe\Ikkunat" in the user's registry, falling back to the machine's. Never
+/// company data. A damaged file reads as empty, which costs no work.
 std::unique_ptr<QSettings> userSettings();
 
 }  // namespace platform

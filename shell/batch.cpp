@@ -9,7 +9,7 @@ const QString kErrorPrefix = QStringLiteral("Virhe: ");
 
 namespace {
 
-// Loads a definition. @return why it could not be; empty when it was.
+// Loads a definition. @return the reason if that failed, else empty
 QString loadProblem(const QString& name, const BatchPorts& ports) {
     try {
         return ports.load(name) ? QString() : QStringLiteral("Määrittelyä ei löydy: ") + name;

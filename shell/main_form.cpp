@@ -25,7 +25,7 @@ using vatchange::TAlvMuutosLomake;
 
 namespace {
 
-/// The rates of interest, in the order of the labels.
+/// Rates shown, in the order of the labels.
 struct RateOfInterest {
     float percent;
     const char* text;
@@ -65,7 +65,7 @@ void TMainForm::readNames() {
     m_definitions[0]->clear();
     for (QComboBox* list : m_definitions)
         list->addItems(names);
-    showBatchList(shown);  // a list that gets its first name would show it
+    showBatchList(shown);  // the first item added becomes the text
 }
 
 void TMainForm::readBatchList() {
@@ -126,7 +126,7 @@ void TMainForm::openChangeForm() {
 }
 
 void TMainForm::changeFormClosed() {
-    m_changeForm.clear();  // it frees itself; opening it again creates it anew
+    m_changeForm.clear();  // it deletes itself
     const QStringList problems = alusta();
     if (BatchMode) {
         for (const QString& problem : problems)
@@ -192,7 +192,7 @@ void TMainForm::runBatchAndLeave() {
         QTextStream(stderr) << text << '\n';
         if (m_inRun && framework::Dialogs::someoneThere()) {
             framework::Dialogs::error(this, text);
-            return;  // a person at the screen finds the windows as they were
+            return;  // leave the windows to the user at the screen
         }
     }
     if (m_exitStatus == ExitStatus::Failed && !m_problems.isEmpty())
@@ -208,7 +208,7 @@ void TMainForm::runBatchAndLeave() {
 }
 
 void TMainForm::BtnLogClick() {
-    // A log that is not there yet goes to the desktop, too: it says so in its own way.
+    // A missing log goes to the desktop too, which reports it.
     const QString fileName = company::AlvMuutosLogName();
     if (!framework::Desktop::instance().open(
             QUrl::fromLocalFile(QFileInfo(fileName).absoluteFilePath())))
@@ -244,7 +244,7 @@ void TMainForm::showEvent(QShowEvent* event) {
     if (!BatchMode || m_batchStarted)
         return;
     m_batchStarted = true;
-    // From the event loop, so that the end of the batch can end it.
+    // From the event loop, so that the batch can end the loop.
     QTimer::singleShot(0, this, &TMainForm::BitBtn1Click);
 }
 

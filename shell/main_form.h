@@ -14,21 +14,21 @@
 
 namespace shell {
 
-/// The main window: the company's VAT classes, the batch list, and the ways to the change form, the
-/// change log and the run mark. With "/E" it drives the batch and ends the program.
+/// The main window: VAT classes, batch list, and buttons for the change form, the change log and
+/// the run mark. With "/E" it runs the batch and exits.
 class TMainForm : public QWidget {
     Q_OBJECT
   public:
     explicit TMainForm(QWidget* parent = nullptr);
     ~TMainForm() override;
 
-    /// Set before the window is shown: the batch starts when it is.
+    /// Set before show(), which then starts the batch.
     bool BatchMode = false;
 
     /// Fills the window: definition names, batch list, VAT classes. Called again when the change
-    /// form closes: the names are then added once more to the lists of Maar2..Maar4, and VAT class
-    /// labels only gain findings. Each part is read for itself.
-    /// @return why parts could not be read, in Finnish; empty when all were.
+    /// form closes; the names are then added once more to Maar2..Maar4, and VAT class labels are
+    /// set but never reset. A part that fails does not stop the others.
+    /// @return why parts could not be read, in Finnish; empty if all were
     QStringList alusta();
     /// Shows the company in use.
     void showCompany();
@@ -67,9 +67,9 @@ class TMainForm : public QWidget {
     QPushButton* m_open = nullptr;
     QPointer<vatchange::TAlvMuutosLomake> m_changeForm;
     QStringList m_problems;   ///< what alusta() could not read
-    bool m_listRead = false;  ///< the batch list of the file has been shown: it may be replaced
+    bool m_listRead = false;  ///< the file's batch list was shown: saving may replace it
     bool m_batchStarted = false;
-    bool m_inRun = false;  ///< a batch is carrying out a definition, or an error ended it there
+    bool m_inRun = false;  ///< a batch is running a definition, or an error ended that
     ExitStatus m_exitStatus = ExitStatus::Done;  ///< of the program, when the window closes
 };
 

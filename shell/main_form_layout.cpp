@@ -29,7 +29,7 @@ QLabel* heading(const QString& text, const QString& objectName, QWidget* parent)
     return label;
 }
 
-// A group whose heading is a label of its own in the first row.
+// A group with its heading as a label in the first row.
 QGridLayout* cardGrid(QGroupBox* card) {
     auto* grid = new QGridLayout(card);
     grid->setContentsMargins(kCardMargin, 2, kCardMargin, kCardMargin);
@@ -122,7 +122,7 @@ QLayout* TMainForm::buildButtons() {
     buttons->setSpacing(kGap);
     const int height = removeMark->sizeHint().height();
     for (QPushButton* button : {m_open, log, removeMark, leave}) {
-        button->setAutoDefault(true);  // Enter presses the button that has the focus
+        button->setAutoDefault(true);  // Enter presses the focused button
         button->setMinimumSize(kButtonWidth, height);
         buttons->addWidget(button, 1);
     }

@@ -59,8 +59,8 @@ int tell(ExitStatus status, const QString& text) {
     return static_cast<int>(status);
 }
 
-// Switches that the program does not know, as they were typed. A batch must not run with one: what
-// it was to do instead ("rehearse only") would not be done.
+// Unknown switches, as typed. A batch must not run with one: it would not do what was asked for
+// ("rehearse only").
 QStringList unknownSwitches() {
     static constexpr std::array kKnown = {
         "/E", "/U", "/EP", "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
@@ -76,7 +76,7 @@ QStringList unknownSwitches() {
     return unknown;
 }
 
-// The parameter that was meant as the company's name, for the error text.
+// The parameter meant as company name, for the error text.
 QString wantedCompany() {
     for (const QString& parameter : platform::parameters()) {
         if (!parameter.startsWith(QLatin1Char('/')) && !parameter.startsWith(QLatin1Char('-')))
@@ -85,12 +85,12 @@ QString wantedCompany() {
     return {};
 }
 
-// Nobody is there to answer a dialog.
+// Nobody can answer a dialog.
 bool unattended() {
     return platform::hasSwitch(QStringLiteral("/E")) || !framework::Dialogs::someoneThere();
 }
 
-// Shows why the program cannot start, or writes it to standard error. @return the exit status.
+// Shows why the program cannot start, or writes it to standard error. @return the exit status
 int refuse(ExitStatus status, const QString& text) {
     if (unattended())
         return tell(status, text);
@@ -98,8 +98,7 @@ int refuse(ExitStatus status, const QString& text) {
     return static_cast<int>(status);
 }
 
-// The invisible platform complains of what it cannot do; an unattended run's standard error is for
-// what went wrong.
+// Filters the offscreen platform's complaints: an unattended run's standard error is for errors.
 QtMessageHandler otherMessages = nullptr;
 void leaveOutPlatformComplaints(QtMsgType type, const QMessageLogContext& context,
                                 const QString& text) {
@@ -137,7 +136,7 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
     const bool x11 = !qEnvironmentVariableIsEmpty("DISPLAY");
     const bool wayland = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     if (unattended) {
-        // Tried in turn: the display that is named may be gone.
+        // Tried in turn: the display may be gone.
         QByteArrayList platforms;
         if (!chosen.isEmpty()) {
             platforms.append(chosen);
@@ -215,7 +214,7 @@ int runProgram(QApplication& application) {
     TMainForm mainForm;
     mainForm.BatchMode = batch;
     const QStringList problems = mainForm.alusta();
-    if (!problems.isEmpty() && !batch) {  // a batch tells of them after it looked at the run mark
+    if (!problems.isEmpty() && !batch) {  // a batch reports them after checking the run mark
         splash.reset();
         const QString text = problems.join(QLatin1Char('\n'));
         if (unattended()) {

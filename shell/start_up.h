@@ -6,15 +6,15 @@
 
 namespace shell {
 
-/// The text of "--help" or "--version" when the parameters ask for one; empty otherwise.
+/// Returns the text for "--help" or "--version"; empty without either.
 QString answerWithoutWindows(const QStringList& parameters);
 
-/// Chooses the platform where nothing chose one: an unattended start without a display runs
-/// offscreen by itself. Before the application object is made. @return false, with the reason in
-/// `problem`, when a window is wanted and there is no display.
+/// Chooses the Qt platform unless one is set: an unattended start without a display runs offscreen.
+/// Call before creating the application.
+/// @return false, with the reason in `problem`, if a window is wanted and there is no display.
 bool preparePlatform(const QStringList& parameters, QString& problem);
 
-/// Starts the program up, in its order, and runs it. @return the exit status.
+/// Starts the program and runs it. @return the exit status
 int runProgram(QApplication& application);
 
 }  // namespace shell

@@ -18,7 +18,7 @@ namespace {
 
 const QString kDescription = QStringLiteral("Selite");
 
-/// The definition's name as the file writes it; nothing when there is none of that name.
+/// The name as spelled in the file; nothing if not found.
 std::optional<QString> nameInFile(const platform::IniFile& file, const QString& name) {
     const QString wanted = name.trimmed();
     for (const QString& known : file.sections()) {
@@ -28,7 +28,7 @@ std::optional<QString> nameInFile(const platform::IniFile& file, const QString& 
     return std::nullopt;
 }
 
-/// A line that is no setting would keep the definition from being loaded again.
+/// Rewrites the definition without malformed lines, which would keep it from being loaded.
 void dropStrayLines(platform::IniFile& ini, const QString& name) {
     std::vector<std::pair<QString, QString>> settings;
     for (const QString& key : ini.keys(name))
@@ -38,8 +38,7 @@ void dropStrayLines(platform::IniFile& ini, const QString& name) {
         ini.setValue(name, key, value);
 }
 
-/// Makes the folder of the file where only this one is missing: a missing company folder is an
-/// error (an unmounted share), not a folder to be made.
+/// Creates only the last folder: a missing company folder is an error (an unmounted share).
 void makeFolder(const QString& fileName) {
     const QString folder = QFileInfo(fileName).absolutePath();
     if (!QFileInfo(folder).isDir() && !QDir().mkdir(folder))

@@ -8,44 +8,44 @@
 
 namespace framework {
 
-/// The store of named parameter sets per form: the file FORM.INI in the folder "MAARITYS" of the
-/// company's data folder (of its local folder when the form's flag PaikallinenMaaritys is set), one
-/// section a definition. Needs no window. Names compare without regard to case and to blanks at
-/// their ends. Two programs may save into one file: a save rereads it under a lock file.
-/// All calls throw data::DataError naming the file when it cannot be read or written.
+/// Named parameter sets of a form, one INI section each, in "MAARITYS/FORM.INI" of the company's
+/// data folder (of its local folder if the form's flag PaikallinenMaaritys is set). Needs no
+/// window. Names ignore case and blanks at their ends. Saving rereads the file under a lock file,
+/// so that two programs can save.
+/// @throws data::DataError naming the file, from all functions that read or write it.
 class DefinitionStore {
   public:
-    /// For the current company's folders.
+    /// Uses the current company's folders.
     DefinitionStore();
-    /// For the file folder given (without "MAARITYS"); for tests and tools.
+    /// Uses this folder (without "MAARITYS"); for tests and tools.
     explicit DefinitionStore(QString settingsFolder);
 
     static inline const QString kDefaultName = QStringLiteral("Normaali");
-    /// The definition that a load means: the name without blanks at its ends, "Normaali" for none.
+    /// The name to load: without blanks at its ends, "Normaali" if empty.
     static QString nameToLoad(const QString& name);
 
     QString fileName(const QString& formName) const;
 
     QStringList GetValues(const QString& formName) const;  ///< names, sorted
     bool has(const QString& formName, const QString& name) const;
-    /// Nothing when there is no definition of that name. A line of it that is no setting is an
-    /// error: a damaged definition must not run with defaults in place of its values.
+    /// Returns nothing if there is no such definition. A malformed line in it is an error: a
+    /// damaged definition must not run with defaults for lost values.
     std::optional<SavedDefinition> load(const QString& formName, const QString& name) const;
-    /// Replaces the values of the definition of that name, or adds it at the end; keys of the file
-    /// that `definition` does not have are kept, lines of it that are no settings are not. @throws
-    /// data::DataError(BadValue) for a name that nameProblem refuses, (Locked) when another program
-    /// does not let go of the file.
+    /// Replaces the values of a definition, or appends a new one. Keys in the file that
+    /// `definition` lacks are kept, malformed lines dropped.
+    /// @throws data::DataError(BadValue) if nameProblem() refuses the name, (Locked) if another
+    /// program keeps the lock.
     void save(const QString& formName, const SavedDefinition& definition);
     bool remove(const QString& formName, const QString& name);
 
-    /// Why a text cannot be a definition's name (empty, brackets, control characters), in Finnish;
-    /// empty when it can.
+    /// Why a text cannot be a name (empty, brackets, control characters), in Finnish; empty if it
+    /// can.
     static QString nameProblem(const QString& name);
 
   private:
     QString settingsFolder(const QString& formName) const;
 
-    std::optional<QString> m_settingsFolder;  // none: by the current company and the form's flag
+    std::optional<QString> m_settingsFolder;  // unset: the current company's
 };
 
 }  // namespace framework

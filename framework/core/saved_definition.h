@@ -6,13 +6,13 @@
 
 namespace framework {
 
-/// One saved definition: control names with their values, as the file has them.
+/// A saved definition: control names and their values, as in the file.
 struct SavedDefinition {
     QString name;
     QString description;            ///< key "Selite"
     QMap<QString, QString> values;  ///< control name -> value; look up through value()
 
-    /// The value of a control, name compared without regard to case.
+    /// The value of a control; its name ignores case.
     std::optional<QString> value(const QString& control) const {
         if (const auto exact = values.constFind(control); exact != values.constEnd())
             return *exact;

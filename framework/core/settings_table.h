@@ -6,8 +6,8 @@
 
 namespace framework {
 
-/// Reads one setting of the framework's settings file "ZAV.INI", which is kept in the settings
-/// table (IniNimi "ZAV.INI"). `fallback` when there is no such row.
+/// Reads a setting of "ZAV.INI", which is kept in the settings table (IniNimi "ZAV.INI"). Returns
+/// `fallback` without such a row.
 QString zavIniValue(data::Database& database, const QString& section, const QString& key,
                     const QString& fallback = {});
 

@@ -4,7 +4,7 @@
 
 namespace framework {
 
-/// What the program is: title, version, build stamp, and the libraries it uses with their licences.
+/// Title, version, build stamp, and the libraries with their licences.
 class AboutBox : public QDialog {
     Q_OBJECT
   public:

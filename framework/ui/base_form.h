@@ -10,15 +10,15 @@
 
 namespace framework {
 
-/// Base of the forms whose controls make a definition that can be saved, loaded and carried out:
-/// the definition choice `LatausCombo` and the buttons `Talletus`, `Esikatsele`, `Tulosta`, `Pdf`
-/// and `Sahkoposti`. A descendant builds its controls, places these, and calls restoreLastState()
-/// at the end of its creation. What its controls say is known here only as texts by control name;
-/// reading and writing them is the descendant's.
+/// Base of forms whose controls make a definition that can be saved, loaded and run: the definition
+/// list `LatausCombo` and the buttons `Talletus`, `Esikatsele`, `Tulosta`, `Pdf` and `Sahkoposti`.
+/// A subclass creates its controls, lays these out, and ends its constructor with
+/// restoreLastState(). The base knows values only as texts by control name; the subclass reads and
+/// writes its controls.
 class TPerusForm : public QWidget, public DefinitionOwner {
     Q_OBJECT
   public:
-    /// `formName` is the form's object name and the name of its definitions in the store.
+    /// `formName`: the object name and the name in the definition store.
     explicit TPerusForm(const QString& formName, QWidget* parent = nullptr);
 
     QString formName() const override { return objectName(); }
@@ -36,29 +36,28 @@ class TPerusForm : public QWidget, public DefinitionOwner {
     void definitionSaved(const SavedDefinition& definition) override;
     /// Reads the names of the saved definitions into LatausCombo.
     void refreshNames() override;
-    /// Whether the controls say something else than when they were last loaded or saved.
+    /// Whether the values differ from the last load or save.
     bool hasUnsavedChanges() const { return currentValues() != m_known; }
 
   protected:
-    /// Loads "Normaali" if there is one; a damaged one is reported, and the present values stay.
+    /// Loads "Normaali" if it exists. A damaged one is reported and leaves the values unchanged.
     void restoreLastState();
-    /// What the controls say, by control name, as a definition file has it.
+    /// The values by control name, as in a definition file.
     virtual QMap<QString, QString> currentValues() const = 0;
-    /// Shows a loaded definition in the controls. No control tells of its change.
+    /// Shows a loaded definition in the controls without change signals.
     virtual void showValues(const SavedDefinition& definition) = 0;
-    /// After every load: the form refreshes what depends on its controls and reports what could not
-    /// be read.
+    /// Called after every load: refresh what depends on the controls, report unreadable values.
     virtual void afterLoad() {}
-    /// After every save of what the controls say.
+    /// Called after every save of the current values.
     virtual void afterSave() {}
-    /// The definition in the controls was loaded or saved: it may have another description.
+    /// Called after a load or save: the description may have changed.
     virtual void showDescription(const QString& /*description*/) {}
-    /// Before the controls are saved, reported or carried out: whether the text being typed can be
-    /// taken. A form that refuses tells why.
+    /// Called before the values are saved, reported or run: accepts the text being typed. A form
+    /// that refuses says why. @return false to refuse
     virtual bool acceptTyped() { return true; }
-    /// Reports a text to the person, or to the log when nobody is there.
+    /// Shows a text, or logs it when unattended.
     virtual void NaytaViesti(const QString& text);
-    /// The report that `Pdf` writes and `Sahkoposti` sends.
+    /// The report for `Pdf` and `Sahkoposti`.
     virtual Report report() const { return {}; }
 
   private:
@@ -69,7 +68,7 @@ class TPerusForm : public QWidget, public DefinitionOwner {
     QString reportFileName() const;
     void showLoadedName();
 
-    QMap<QString, QString> m_known;  ///< the values as last loaded or saved
+    QMap<QString, QString> m_known;  ///< values of the last load or save
     SavedDefinition m_loaded;
 };
 

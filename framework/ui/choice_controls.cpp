@@ -44,7 +44,7 @@ void RadioGroup::setRows(int rows) {
         m_grid->setRowMinimumHeight(row, height);
         m_grid->setRowStretch(row, 1);
         if (m_grid->itemAtPosition(row, 0) == nullptr) {
-            // A row without a widget of fixed height, as its neighbours have, gets another share.
+            // A row without a widget of fixed height gets a different share than its neighbours.
             auto* filler = new QWidget(this);
             filler->setFixedHeight(height);
             m_grid->addWidget(filler, row, 0);
@@ -66,7 +66,7 @@ QStringList RadioGroup::items() const {
 
 namespace {
 constexpr int kNumberRole = Qt::UserRole;
-constexpr int kMissingRole = Qt::UserRole + 1;  // a checked number that the list lacks
+constexpr int kMissingRole = Qt::UserRole + 1;  // marks a checked number not in the list
 }  // namespace
 
 QListWidgetItem* CheckList::addNumbered(int number, const QString& name) {

@@ -11,7 +11,7 @@
 
 namespace framework {
 
-/// A drop-down list that the mouse wheel passes over: scrolling must not choose.
+/// A drop-down list that ignores the mouse wheel: scrolling must not change the choice.
 class ChoiceCombo : public QComboBox {
     Q_OBJECT
   public:
@@ -21,24 +21,24 @@ class ChoiceCombo : public QComboBox {
     void wheelEvent(QWheelEvent* event) override;
 };
 
-/// A look-up combo: shows names, its value is the key of the chosen row.
+/// A combo box of names whose value is the key of the chosen row.
 class LookupCombo : public ChoiceCombo {
     Q_OBJECT
   public:
     explicit LookupCombo(QWidget* parent = nullptr) : ChoiceCombo(parent) {}
     void addRow(const QString& key, const QString& name) { addItem(name, key); }
     QString key() const { return currentData().toString(); }
-    /// @return false, with the choice unchanged, when no row has the key.
+    /// @return false, leaving the choice unchanged, if no row has the key
     bool setKey(const QString& key);
 
   Q_SIGNALS:
-    void exited();  ///< the focus moved on to another control of the window
+    void exited();  ///< focus moved to another control of the window
 
   protected:
     void focusOutEvent(QFocusEvent* event) override;
 };
 
-/// One choice of several; its value is the item's index.
+/// A group of radio buttons; its value is the item's index.
 class RadioGroup : public QGroupBox {
     Q_OBJECT
   public:
@@ -46,8 +46,7 @@ class RadioGroup : public QGroupBox {
     int itemIndex() const { return m_buttons->checkedId(); }
     void setItemIndex(int index);
     QStringList items() const;
-    /// Lays the items out as the first of so many equally high rows, so that groups side by side
-    /// have their items level.
+    /// Lays the items out in a grid of this many equal rows, so that groups side by side align.
     void setRows(int rows);
 
   private:
@@ -55,8 +54,9 @@ class RadioGroup : public QGroupBox {
     QGridLayout* m_grid;
 };
 
-/// A list of numbered items with check marks. A checked number that the list lacks gets a row of
-/// its own, so that it is seen and can be taken off; the next set of numbers removes it.
+/// A list of numbered items with check marks. A checked number that is not in the list gets a row
+/// of its own, so that the user sees it and can clear it; the next setCheckedNumbers() removes the
+/// row.
 class CheckList : public QListWidget {
     Q_OBJECT
   public:

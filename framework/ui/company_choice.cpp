@@ -48,7 +48,7 @@ TYritysValinta::TYritysValinta(QWidget* parent)
     m_list->setAlternatingRowColors(true);
     m_list->setAllColumnsShowFocus(true);
     m_list->setAccessibleName(QStringLiteral("Yritykset"));
-    m_list->setTextElideMode(Qt::ElideMiddle);  // both ends of a folder tell it from others
+    m_list->setTextElideMode(Qt::ElideMiddle);  // both ends of a path matter
     m_list->header()->setStretchLastSection(true);
     m_list->header()->setMinimumSectionSize(kNarrowestName);
 
@@ -84,7 +84,7 @@ TYritysValinta::TYritysValinta(QWidget* parent)
     resize(kWidth, kHeight);
     rememberPlace(*this, objectName());
 
-    // Enter reaches the default button; the list's own activation would choose a second time.
+    // Enter presses the default button; itemActivated would choose a second time.
     connect(m_list, &QTreeWidget::itemDoubleClicked, this, &TYritysValinta::choose);
     connect(m_list, &QTreeWidget::currentItemChanged, this, &TYritysValinta::updateButtons);
     connect(m_choose, &QPushButton::clicked, this, &TYritysValinta::choose);
@@ -149,7 +149,7 @@ void TYritysValinta::refresh() {
     updateButtons();
 }
 
-// In the list's place: why there is nothing to choose from, and the way to a first company.
+// Replaces an empty list: the reason, and a button for a first company.
 QWidget* TYritysValinta::buildOffer() {
     auto* page = new QFrame(this);
     page->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);

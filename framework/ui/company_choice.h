@@ -8,16 +8,15 @@
 
 namespace framework {
 
-/// The company choice dialog: the registered companies with their folders. F5 reads the list again,
-/// double click and Enter choose, typing finds a name. Where there is no company yet it offers to
-/// make one of invented data.
+/// The company choice dialog: registered companies and their folders. F5 refreshes, double click or
+/// Enter chooses, typing searches. Without any company it offers to create a demo company.
 class TYritysValinta : public QDialog {
     Q_OBJECT
   public:
     explicit TYritysValinta(QWidget* parent = nullptr);
 
-    /// Takes the company into use that the command line names: the first parameter that equals a
-    /// company's name, the case of a to z ignored. @return false when no parameter does.
+    /// Takes into use the company named by the first parameter that matches a company's name,
+    /// ignoring the case of a to z. @return false if none does
     bool OnParametrina();
 
   private:
@@ -28,7 +27,7 @@ class TYritysValinta : public QDialog {
     QWidget* buildOffer();
 
     QTreeWidget* m_list;
-    QStackedWidget* m_pages;  ///< the list, or what is said where there is none
+    QStackedWidget* m_pages;  ///< the list, or the hint that replaces it
     QLabel* m_hint;
     QPushButton* m_demo;
     QPushButton* m_choose;

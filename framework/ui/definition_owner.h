@@ -6,23 +6,23 @@
 
 namespace framework {
 
-/// What the definition window needs of the form whose definitions it saves, loads and deletes.
+/// Implemented by forms whose definitions the definition window saves, loads and deletes.
 class DefinitionOwner {
   public:
     virtual ~DefinitionOwner() = default;
 
-    /// The form's name in the store.
+    /// The form's name in the definition store.
     virtual QString formName() const = 0;
-    /// The definition that was loaded or saved last; no name when none was.
+    /// The last definition loaded or saved; without a name if none.
     virtual const SavedDefinition& loadedDefinition() const = 0;
-    /// What the form says now, under a name and description.
+    /// The form's current values under this name and description.
     virtual SavedDefinition currentDefinition(const QString& name,
                                               const QString& description) const = 0;
-    /// Takes a loaded definition; what could not be read is reported.
+    /// Shows a loaded definition and reports unreadable values.
     virtual void applyDefinition(const SavedDefinition& definition) = 0;
-    /// What the form says has been saved as this definition.
+    /// Called after the current values were saved as this definition.
     virtual void definitionSaved(const SavedDefinition& definition) = 0;
-    /// Another definition was deleted or added: lists of names are read again.
+    /// Rereads the names: a definition was added or deleted.
     virtual void refreshNames() = 0;
 };
 

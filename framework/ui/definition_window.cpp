@@ -15,7 +15,7 @@ namespace framework {
 namespace {
 constexpr int kNameColumn = 0;
 constexpr int kDescriptionColumn = 1;
-constexpr int kDescriptionRole = Qt::UserRole;  // the column may show what is wrong instead
+constexpr int kDescriptionRole = Qt::UserRole;  // the column may show an error instead
 constexpr int kMargin = 14;
 constexpr int kButtonWidth = 96;
 }  // namespace

@@ -10,17 +10,16 @@
 
 namespace framework {
 
-/// The window of the definition store: saves what a form says under a name and a description, and
-/// deletes saved definitions. The static operations work from the store's files alone.
+/// The window that saves a form's values under a name and description and deletes saved
+/// definitions. The static functions need no window.
 class TRapMaarForm : public QDialog {
     Q_OBJECT
   public:
     explicit TRapMaarForm(DefinitionOwner& form, QWidget* parent = nullptr);
 
-    /// Names of the definitions saved for a form, sorted.
+    /// Sorted names of a form's saved definitions.
     static QStringList GetValues(const QString& formName);
-    /// Loads a definition into a form; without a name the one named "Normaali".
-    /// @return false when there is none of that name.
+    /// Loads a definition into a form; "Normaali" for an empty name. @return false if there is none
     static bool LataaArvot(DefinitionOwner& form, const QString& name);
     static void TalletaRapMaaritys(DefinitionOwner& form, const QString& name,
                                    const QString& description);

@@ -181,8 +181,7 @@ void DemoCompanyDialog::reject() {
     m_tool.kill();
 }
 
-// A tool that was stopped could not clean up. Only what it made goes: a folder that was there
-// before stays as it is.
+// Cleans up after a killed tool. A folder that existed before is kept.
 void DemoCompanyDialog::removeRemains() {
     if (m_folderIsOurs)
         QDir(QDir::fromNativeSeparators(m_folder->text().trimmed())).removeRecursively();

@@ -10,16 +10,16 @@
 
 namespace framework {
 
-/// Makes a company of invented data to try the program on. The administrator's tool "zavdb" beside
-/// the program does the work, so that the program itself carries no demo data; the window shows
-/// that it goes on and lets it be stopped, which leaves nothing behind.
+/// Creates a demo company with invented data. Runs the administrator's tool "zavdb" from the
+/// program's folder, so that the program itself carries no demo data. Shows progress; a cancel
+/// leaves nothing behind.
 class DemoCompanyDialog : public QDialog {
     Q_OBJECT
   public:
     explicit DemoCompanyDialog(QWidget* parent = nullptr);
     ~DemoCompanyDialog() override;
 
-    /// The name under which the company was registered; empty when none was made.
+    /// The registered name; empty if no company was created.
     const QString& madeCompany() const { return m_made; }
 
     void reject() override;
@@ -37,7 +37,7 @@ class DemoCompanyDialog : public QDialog {
     QProgressBar* m_progress;
     QPushButton* m_makeButton;
     QProcess m_tool;
-    bool m_folderIsOurs = false;  ///< there was none before
+    bool m_folderIsOurs = false;  ///< it did not exist before
     bool m_stopped = false;
     QString m_made;
 };

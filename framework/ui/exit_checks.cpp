@@ -8,7 +8,7 @@
 namespace framework {
 
 ExitChecks::ExitChecks(QWidget& form) : m_form(form) {
-    // From the event loop: the control that takes the focus has it by then.
+    // From the event loop: the new control has the focus by then.
     m_soon.setSingleShot(true);
     m_soon.setInterval(0);
     connect(&m_soon, &QTimer::timeout, this, &ExitChecks::checkExits);

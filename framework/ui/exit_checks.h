@@ -9,32 +9,32 @@
 
 namespace framework {
 
-/// Checks what a person types into the edits of a form. An edit is checked when the focus has left
-/// it for another control, and, by checkAll(), before what the form says is used. A refused edit
-/// gets a warning and the focus back; that the focus leaves another edit for it is no exit of that
-/// one. Values that were set (loaded, computed) are not checked until a person enters the edit.
+/// Checks typed text in a form's edits: when the focus leaves an edit for another control and, by
+/// checkAll(), before the form's values are used. A refused edit shows a warning and gets the focus
+/// back; the focus change that this causes does not count as leaving the other edit. Values set by
+/// code are not checked until the user enters the edit.
 class ExitChecks : public QObject {
     Q_OBJECT
   public:
-    /// Tells what is wrong with an edit's text, nothing when it can stay. May tidy the edit.
+    /// Returns what is wrong with an edit's text, or empty. May normalise the edit.
     using Check = std::function<QString()>;
 
-    /// Warnings are boxes of `form`.
+    /// `form` is the parent of the warnings.
     explicit ExitChecks(QWidget& form);
 
     void watch(ExitEdit* edit, Check check);
 
-    /// Checks every edit that was typed into since it was last accepted, or that was left, or that
-    /// has the focus. @return false when one was refused, after its warning.
+    /// Checks every edit that was typed into since it was last accepted, was left, or has the
+    /// focus. @return false if one was refused, after its warning
     bool checkAll();
 
-    /// Exits that were not checked yet count as none: the controls were disabled, say.
+    /// Drops pending checks, for example because the controls were disabled.
     void dropExits();
-    /// The edit has been given another value: nothing of it is typed any more.
+    /// The edit's value was set by code: nothing typed is left to check.
     void forget(const ExitEdit* edit);
     void forgetAll();
 
-    /// Whether a warning is open or a refused edit is just taking the focus back.
+    /// Whether a warning is open or a refused edit is taking the focus back.
     bool isRefusing() const { return m_refusing; }
 
   private:

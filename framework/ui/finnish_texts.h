@@ -2,9 +2,8 @@
 
 namespace framework {
 
-/// Takes the toolkit's own texts (file dialogs, context menus of edits, buttons of messages) in
-/// Finnish into use, where its translations are installed or stand in "translations" beside the
-/// program; elsewhere those texts stay in the toolkit's language.
+/// Loads Qt's Finnish translations (file dialogs, context menus, message buttons) if installed or
+/// in "translations" beside the program; otherwise those texts stay English.
 void useFinnishTexts();
 
 }  // namespace framework

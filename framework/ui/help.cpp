@@ -89,7 +89,7 @@ bool HelpBrowser::headingsAreNamed() const {
 }
 
 void HelpBrowser::nameHeadings() {
-    // A page that was edited is loaded anew, without these names, at the next step within it.
+    // An edited page is reloaded, without these names, at the next step within it.
     const QSignalBlocker notAnEdit(document());
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
         if (block.blockFormat().headingLevel() == 0)
@@ -105,7 +105,7 @@ void HelpBrowser::nameHeadings() {
     setTextCursor(start);
 }
 
-// Thin lines between the cells, and air around their texts.
+// Thin lines between the cells, and padding.
 void HelpBrowser::ruleTables() {
     const QSignalBlocker notAnEdit(document());
     for (QTextFrame* frame : document()->rootFrame()->childFrames()) {
@@ -254,7 +254,7 @@ void HelpWindow::find(bool backward) {
     const auto flags = backward ? QTextDocument::FindBackward : QTextDocument::FindFlags();
     if (m_page->find(text, flags))
         return;
-    // on from the other end
+    // wrap around
     QTextCursor cursor(m_page->document());
     cursor.movePosition(backward ? QTextCursor::End : QTextCursor::Start);
     m_page->setTextCursor(cursor);
@@ -289,7 +289,7 @@ void HelpWindow::markMatches() {
     }
 }
 
-// --- the ways to it
+// --- entry points
 
 void showHelp(const QWidget* control) {
     static QPointer<HelpWindow> common;
@@ -297,7 +297,7 @@ void showHelp(const QWidget* control) {
     QWidget* modal = QApplication::activeModalWidget();
     HelpWindow* window = nullptr;
     if (modal != nullptr) {
-        // only a window of the modal one's own can be used beside it
+        // only a child of the modal window can be used beside it
         window = modal->findChild<HelpWindow*>();
         if (window == nullptr)
             window = new HelpWindow(manual, modal);

@@ -11,13 +11,13 @@ class QTreeWidget;
 
 namespace framework {
 
-/// Shows the manual's page: headings carry anchors, pictures fit the window, links of the manual
-/// are followed inside it and those to the web in the desktop's browser; others go nowhere.
+/// Shows the manual: headings have anchors, pictures fit the window. Links within the manual are
+/// followed, web links open in the desktop's browser, others are ignored.
 class HelpBrowser : public QTextBrowser {
     Q_OBJECT
   public:
     HelpBrowser(const HelpManual& manual, QWidget* parent);
-    /// Goes to a section; an empty or unknown anchor: the beginning.
+    /// Scrolls to a section, or to the top if the anchor is empty or unknown.
     void showSection(const QString& anchor);
 
     QVariant loadResource(int type, const QUrl& name) override;
@@ -34,7 +34,7 @@ class HelpBrowser : public QTextBrowser {
     const HelpManual& m_manual;
 };
 
-/// The window of the users' manual: contents at the left, search in the text, back and forward.
+/// The manual's window: contents at the left, text search, back and forward.
 class HelpWindow : public QWidget {
     Q_OBJECT
   public:
@@ -54,12 +54,11 @@ class HelpWindow : public QWidget {
     QLabel* m_found;
 };
 
-/// Opens the manual at the section of a control (null: at the beginning). Above a modal window a
-/// window of the manual opens that goes with it; otherwise there is one for all.
+/// Opens the manual at a control's section (null: at the top). A modal window gets a manual window
+/// of its own; all others share one.
 void showHelp(const QWidget* control);
 
-/// Makes F1 open the manual at the section of the control that has the focus, in every window of
-/// the program.
+/// Makes F1 open the manual at the focused control's section, in all windows.
 void installHelpKey();
 
 }  // namespace framework

@@ -9,35 +9,33 @@ class QWidget;
 
 namespace framework {
 
-/// The users' manual as text: Markdown, whose headings are its sections. A comment
-/// "<!-- ohje: NAME NAME ... -->" below a heading names the windows and controls that the section
-/// explains, by object name or class.
+/// The users' manual: Markdown, divided into sections by its headings. A comment "<!-- ohje: NAME
+/// NAME ... -->" below a heading lists the windows and controls that the section explains, by
+/// object name or class.
 class HelpManual {
   public:
     struct Section {
-        int level = 1;  ///< of the heading, from 1
+        int level = 1;  ///< heading level, from 1
         QString title;
-        QString anchor;  ///< the title as a link names it
+        QString anchor;  ///< see anchorOf()
     };
 
     explicit HelpManual(const QByteArray& markdown);
 
-    /// The manual that is compiled into the program, and the address of its page there.
+    /// The manual compiled into the program, and its address there.
     static const HelpManual& compiledIn();
     static inline const QString kAddress = QStringLiteral("qrc:/ohje/kayttoohje.md");
 
     /// The text without the comments.
     const QString& text() const { return m_text; }
     const std::vector<Section>& sections() const { return m_sections; }
-    /// The names that the comments give, each with its section's anchor.
+    /// Names from the comments, with their sections' anchors.
     const QMap<QString, QString>& names() const { return m_names; }
 
-    /// Anchor of the section that explains a control: its own, or the nearest one's that it stands
-    /// in; empty for none.
+    /// Anchor of the section for a control or its nearest parent that has one; empty if none.
     QString sectionOf(const QWidget* control) const;
 
-    /// A heading as a link names it: lower case, blanks as "-", nothing but letters and digits
-    /// else.
+    /// Link anchor of a heading: lower case, "-" for blanks, letters and digits only.
     static QString anchorOf(const QString& title);
 
   private:

@@ -19,7 +19,7 @@ Desktop* currentDesktop = nullptr;
 constexpr int kStartMs = 2000;
 constexpr int kAnswerMs = 4000;
 
-// "mailto:" wants line ends as CR LF and everything beside the plain letters in per cent form.
+// "mailto:" needs CR LF line ends and percent encoding.
 QUrl mailAddress(const QString& subject, QString text) {
     text.replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
     return QUrl(QStringLiteral("mailto:?subject=") +
@@ -43,8 +43,8 @@ Desktop::Outcome Desktop::run(const QString& program, const QStringList& argumen
     const QString path = QStandardPaths::findExecutable(program);
     if (path.isEmpty())
         return Outcome::NotThere;
-    // Without an owner: destroying a process object ends its program, and the mail program outlives
-    // this one. It is freed when the program ends first.
+    // No owner: destroying a QProcess kills its program, and the mail program outlives this one.
+    // Deleted if the program ends first.
     auto* process = new QProcess;
     process->setStandardInputFile(QProcess::nullDevice());
     process->setStandardOutputFile(QProcess::nullDevice());

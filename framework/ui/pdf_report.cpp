@@ -41,8 +41,8 @@ qreal firstLineBottom(const QTextDocument& document, const QTextBlock& block) {
     return place.top() + line;
 }
 
-// Breaks the page before a heading that would stand alone at the foot of one. Each break moves only
-// what comes after it, so one walk from the front is enough.
+// Breaks the page before a heading that would be the last line on it. A break moves only later
+// text, so one pass is enough.
 void keepHeadingsWithText(QTextDocument& document) {
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
         const QTextBlock next = block.next();
@@ -55,7 +55,7 @@ void keepHeadingsWithText(QTextDocument& document) {
         QTextBlockFormat format = block.blockFormat();
         format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
         cursor.setBlockFormat(format);
-        // all of it anew: a layout of the change alone leaves out lines further down
+        // full layout: a layout of the change alone omits lines further down
         document.markContentsDirty(0, document.characterCount());
     }
 }

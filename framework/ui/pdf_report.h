@@ -4,8 +4,8 @@
 
 namespace framework {
 
-/// A report to be printed: its body as HTML and the texts of every page's head and foot. The page
-/// number stands at the right of the foot.
+/// A report: HTML body and the texts of each page's header and footer. The page number is at the
+/// right of the footer.
 struct Report {
     QString html;
     QString headLeft;
@@ -13,12 +13,12 @@ struct Report {
     QString footLeft;
 };
 
-/// Writes a report as an A4 PDF. A heading stays on the page of what follows it, and a table that
-/// goes on over pages repeats its heading row. The file appears only when all of it is written.
-/// @throws data::DataError(Io) naming the file.
+/// Writes an A4 PDF. A heading stays with the text after it; tables repeat their heading row on
+/// each page. The file appears only when complete.
+/// @throws data::DataError(Io) naming the file
 void writePdf(const Report& report, const QString& fileName);
 
-/// A file name (with ".pdf") made of a title: characters that file systems refuse become "-".
+/// Makes a file name (with ".pdf") from a title: characters that file systems reject become "-".
 QString pdfFileName(const QString& title);
 
 }  // namespace framework

@@ -14,8 +14,8 @@ namespace framework {
 
 namespace {
 
-// Windows open also where no screen shows them: a task that runs with nobody logged on, and a
-// service, have a window station of their own.
+// Windows also open where no screen shows them: services, and tasks without a logged-on user, have
+// a window station of their own.
 bool stationIsVisible() {
 #ifdef Q_OS_WIN
     USEROBJECTFLAGS flags{};

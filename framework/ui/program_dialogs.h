@@ -4,8 +4,7 @@
 
 namespace framework {
 
-/// The program's own dialogs: message boxes and the toolkit's file dialog where somebody is there,
-/// standard error otherwise.
+/// Message boxes and Qt's file dialog if somebody is there, else standard error.
 class ProgramDialogs : public DialogHandler {
   public:
     bool someoneThere() const override;

@@ -64,7 +64,7 @@ void drawCard(const QStyleOptionGroupBox& box, QPainter* painter, const QWidget*
 
 ProgramStyle::ProgramStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
 
-// Hints inside edits are readable on any ground, and fade with the edits that are disabled.
+// Placeholder texts are readable on any background and fade when disabled.
 void ProgramStyle::polish(QPalette& palette) {
     QProxyStyle::polish(palette);
     for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
@@ -75,8 +75,8 @@ void ProgramStyle::polish(QPalette& palette) {
                      palette.color(QPalette::Disabled, QPalette::Text));
 }
 
-// The base style outlines check boxes and radio buttons in a darker shade of the ground, which is
-// nothing to see on a dark one.
+// Fusion outlines check boxes and radio buttons darker than the background, invisible on a dark
+// one.
 void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                  QPainter* painter, const QWidget* widget) const {
     QProxyStyle::drawPrimitive(element, option, painter, widget);

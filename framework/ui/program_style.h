@@ -4,9 +4,8 @@
 
 namespace framework {
 
-/// The look of the program's windows: the Fusion style with groups drawn as cards under bold
-/// titles and a little more room in lists. Takes every colour from the palette, so that it follows
-/// a dark desktop.
+/// The program's style: Fusion with groups drawn as cards under bold titles, and more space in
+/// lists. All colours come from the palette, so it follows a dark desktop.
 class ProgramStyle : public QProxyStyle {
     Q_OBJECT
   public:

@@ -7,15 +7,15 @@
 
 namespace framework {
 
-/// The splash window: picture "ZAVLOGO.JPG" of the program's folder (when there is one), title,
-/// version and a progress bar.
+/// The splash window: picture "ZAVLOGO.JPG" from the program's folder (if any), title, version and
+/// a progress bar.
 class TZAVLogoForm : public QWidget {
     Q_OBJECT
   public:
     TZAVLogoForm();
     void AsetaTiedot(const QString& title, const QString& version);
     QProgressBar* progressBar() const { return m_progress; }
-    /// Shows and paints at once, before the event loop runs.
+    /// Shows and paints at once; needs no event loop.
     void showNow();
 
   private:
@@ -24,7 +24,7 @@ class TZAVLogoForm : public QWidget {
     QProgressBar* m_progress;
 };
 
-/// A short-lived notice in the middle of the screen; it goes with the returned object.
+/// Shows a notice in the middle of the screen for the life of the returned object.
 std::shared_ptr<void> showNotice(const QString& text);
 
 }  // namespace framework

@@ -114,7 +114,7 @@ void DecimalEdit::readTyped(const QString& typed) {
     QString text = typed.trimmed();
     text.replace(QLatin1Char(','), QLatin1Char('.'));
     if (text.section(QLatin1Char('.'), 1).size() <= m_decimals)
-        limitDecimals(m_decimals);  // the longer text of a set value is gone
+        limitDecimals(m_decimals);  // the longer text of the set value is gone
     double number = 0.0;
     if (text.isEmpty())
         m_readable = m_emptyIsZero;
@@ -167,7 +167,7 @@ QString dateFormat() {
     return format;
 }
 
-// A calendar leaf in the text's colour, so that it shows on light and dark ground.
+// A calendar icon in the text colour, visible on light and dark backgrounds.
 QIcon calendarIcon(const QColor& colour) {
     QPixmap leaf(32, 32);
     leaf.setDevicePixelRatio(2);

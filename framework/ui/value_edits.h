@@ -6,8 +6,8 @@
 
 namespace framework {
 
-/// A line edit that tells when the focus moved on to another control of its window (and not to
-/// another window or a menu).
+/// A line edit with a signal for the focus moving to another control of its window (not to another
+/// window or a menu).
 class ExitEdit : public QLineEdit {
     Q_OBJECT
   public:
@@ -18,15 +18,15 @@ class ExitEdit : public QLineEdit {
 
   protected:
     void focusOutEvent(QFocusEvent* event) override;
-    virtual void commit() {}  ///< tidies the typed text before exited() is told
+    virtual void commit() {}  ///< normalises the text before exited()
 };
 
-/// A plain text of a definition.
+/// A plain text.
 class TextEdit : public ExitEdit {
     Q_OBJECT
   public:
     explicit TextEdit(QWidget* parent = nullptr) : ExitEdit(parent) {}
-    /// A dragged text takes the place of the whole text, and is not put in where it is dropped.
+    /// A dropped text replaces the whole text instead of being inserted.
     void setDropReplaces(bool on) { m_dropReplaces = on; }
 
   protected:
@@ -36,7 +36,7 @@ class TextEdit : public ExitEdit {
     bool m_dropReplaces = false;
 };
 
-/// A whole number of at most so many digits; an empty text is 0. A number dragged from a search
+/// A whole number with at most maxDigits digits; an empty text is 0. A number dropped from a search
 /// window replaces the text.
 class NumberEdit : public ExitEdit {
     Q_OBJECT
@@ -55,17 +55,17 @@ class NumberEdit : public ExitEdit {
     int m_maxDigits;
 };
 
-/// A decimal number. It keeps the exact double behind the text: what was set reads back to the last
-/// bit. So many decimals can be typed; a set value with more of them shows up to 14. Decimal comma
-/// and point are both taken on typing, the user's locale is shown. Alt and a digit, released with
-/// no other modifier, is a shortcut.
+/// A decimal number that keeps the exact double behind the text: a set value reads back to the last
+/// bit. Typing is limited to `decimals`; a set value shows up to 14. Accepts decimal comma and
+/// point, shows the user's locale. Alt and a digit, released without another modifier, is a
+/// shortcut.
 class DecimalEdit : public ExitEdit {
     Q_OBJECT
   public:
     explicit DecimalEdit(int decimals, QWidget* parent = nullptr);
-    /// An emptied text means 0 from now on; otherwise it is no number.
+    /// From now on an empty text is 0; otherwise it is unreadable.
     void setEmptyIsZero() { m_emptyIsZero = true; }
-    /// The value shown, or, while the text is no number, the last one that was.
+    /// The value shown or, if the text is no number, the last readable one.
     double value() const { return m_value; }
     void setValue(double value);
     bool isReadable() const { return m_readable; }
@@ -90,15 +90,15 @@ class DecimalEdit : public ExitEdit {
     bool m_emptyIsZero = false;
 };
 
-/// A date or nothing. Typed in the user's order or as yyyy-mm-dd, or picked from a calendar.
+/// A date or empty. Typed in the locale's order or as yyyy-mm-dd, or picked from a calendar.
 class DateEdit : public ExitEdit {
     Q_OBJECT
   public:
     explicit DateEdit(QWidget* parent = nullptr);
-    /// Invalid when the edit is empty or its text is no date.
+    /// Invalid if empty or unreadable.
     QDate date() const { return parse(text()); }
     void setDate(const QDate& date);
-    /// False when there is a text that is no date.
+    /// False if there is a text that is no date.
     bool isReadable() const { return text().trimmed().isEmpty() || date().isValid(); }
 
   protected:

@@ -4,10 +4,9 @@
 
 namespace framework {
 
-/// Puts a window where the person at this machine had it last, and remembers where it stands when
-/// it is hidden, in the user's settings under `name`. A place that no screen shows any more is
-/// moved onto one. Nothing is read or written where nobody sees the window, and nothing in an
-/// unattended run. @return true when a place was remembered.
+/// Restores a window's last place from the user's settings under `name`, and saves it when the
+/// window is hidden. A place off all screens is moved onto one. Does nothing if nobody sees the
+/// window or with "/E". @return true if a place was restored
 bool rememberPlace(QWidget& window, const QString& name);
 
 }  // namespace framework

@@ -1,7 +1,8 @@
-"""Checks the includes of all sources below a folder against the module rules.
+"""Checks the includes of all sources in a folder against the modules' rules.
 
-Usage: modules.py ROOT. A source may include from its own module and from those listed here. A folder
-that is not listed belongs to the module around it. Folders must not include each other in a circle.
+Usage: modules.py ROOT. A source may include headers of its own module and of those listed here. A
+subfolder without rules belongs to its parent's module. Includes between folders must not form a
+circle.
 """
 
 import pathlib

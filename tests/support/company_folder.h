@@ -12,7 +12,7 @@
 
 namespace test {
 
-/// A company of its own in a temporary folder, registered and in use while the object lives.
+/// A temporary folder registered as a company and in use during its life.
 class CompanyFolder {
   public:
     explicit CompanyFolder(const QString& name = QStringLiteral("Koeyritys Äyräs")) : m_name(name) {

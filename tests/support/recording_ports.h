@@ -10,14 +10,14 @@
 
 namespace test {
 
-/// Records what a run tells the outside. A question that the test did not provide for fails it.
+/// Records a run's output. A question without a prepared answer fails the test.
 class RecordingPorts : public vatchange::RunPorts {
   public:
     bool isUnattended = true;
     bool skipEarlyDate = false;
     QString program = QStringLiteral("run_tests");
     QString definition = QStringLiteral("Koe");
-    QStringList answers;  ///< to the questions to come, in order: "yes" or "no"
+    QStringList answers;  ///< to the next questions: "yes" or "no"
     std::function<bool()> stop;
     std::function<void(const QString& text)> onStatus;
 

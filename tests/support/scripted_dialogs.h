@@ -9,9 +9,8 @@
 
 namespace test {
 
-/// Answers the dialogs of a test. A test says beforehand which dialogs come, in their order, and
-/// how they are answered; a dialog that nobody expected, or an expected one that never came, fails
-/// the test.
+/// Answers dialogs. A test states the expected dialogs and answers in order; an unexpected or a
+/// missing dialog fails it.
 class ScriptedDialogs : public framework::DialogHandler {
   public:
     ScriptedDialogs() : m_previous(framework::Dialogs::setHandler(this)) {}

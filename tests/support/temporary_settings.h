@@ -4,8 +4,7 @@
 
 namespace test {
 
-/// The folder that the whole test program uses as XDG_CONFIG_HOME: empty at its start, gone at its
-/// end.
+/// XDG_CONFIG_HOME of the whole test program: empty at its start, deleted at its end.
 QString settingsFolder();
 
 }  // namespace test

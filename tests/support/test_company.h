@@ -23,7 +23,7 @@ inline qint64 exec(data::Database& database, const QString& sql) {
     return query.execSql();
 }
 
-/// Makes a company's database in a folder: the VAT classes and no other row.
+/// Creates a company's database with these VAT classes and no other rows.
 inline void createCompany(const QString& folder, const VatRates& rates,
                           const QStringList& withoutTables = {}) {
     std::vector<data::TableSource> tables = data::allTableSources();
@@ -43,8 +43,8 @@ inline QDateTime changeMorning() {
     return QDateTime(QDate(2024, 9, 1), QTime(6, 30));
 }
 
-/// A company of its own in a temporary folder, in use as the current one while it lives, at half
-/// past six on the morning of the change.
+/// A company in a temporary folder, current during its life, at half past six on the morning of the
+/// change.
 class TestCompany : public CompanyFolder {
   public:
     explicit TestCompany(const VatRates& rates, const QStringList& withoutTables = {})
@@ -53,7 +53,7 @@ class TestCompany : public CompanyFolder {
     }
 
     data::Database& database() const { return company::companyDatabase(); }
-    /// A second connection, as another program would have it.
+    /// A second connection, as of another program.
     std::unique_ptr<data::Database> otherProgram() const {
         return engines::openEmbedded(QStringLiteral("Koeyritys"), path());
     }

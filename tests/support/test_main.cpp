@@ -4,13 +4,13 @@
 
 #include "tests/support/temporary_settings.h"
 
-// One application object for all tests of a program, offscreen and with settings of its own.
+// One application object per test program, offscreen and with its own settings.
 int main(int argc, char** argv) {
     qputenv("XDG_CONFIG_HOME", test::settingsFolder().toLocal8Bit());
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    if (qEnvironmentVariableIsEmpty("TAKSAVAIHE_BIN"))  // where the programs under test stand
+    if (qEnvironmentVariableIsEmpty("TAKSAVAIHE_BIN"))  // folder of the programs under test
         qputenv("TAKSAVAIHE_BIN", QCoreApplication::applicationDirPath().toLocal8Bit());
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

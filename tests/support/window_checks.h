@@ -18,7 +18,7 @@ inline std::string described(const QWidget& widget) {
     return widget.metaObject()->className() + std::string(" ") + widget.objectName().toStdString();
 }
 
-/// No two controls of the window answer to the same Alt key.
+/// No two controls share an Alt key.
 inline void expectNoMnemonicClash(const QWidget& window) {
     QMap<QString, const QWidget*> taken;
     for (const QWidget* widget : window.findChildren<QWidget*>()) {
@@ -38,7 +38,7 @@ inline void expectNoMnemonicClash(const QWidget& window) {
     }
 }
 
-/// Whatever the tab key reaches tells a screen reader what it is.
+/// Every control in the tab order has an accessible name.
 inline void expectEveryControlSpeaks(const QWidget& window) {
     for (QWidget* widget : window.findChildren<QWidget*>()) {
         if ((widget->focusPolicy() & Qt::TabFocus) == 0 || !widget->isVisibleTo(&window) ||
@@ -47,14 +47,14 @@ inline void expectEveryControlSpeaks(const QWidget& window) {
             continue;
         if (widget->parentWidget()->inherits("QComboBox") ||
             widget->parentWidget()->inherits("QAbstractSpinBox"))
-            continue;  // spoken by the control it is part of
+            continue;  // part of another control
         const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(widget);
         ASSERT_NE(spoken, nullptr) << described(*widget);
         EXPECT_FALSE(spoken->text(QAccessible::Name).trimmed().isEmpty()) << described(*widget);
     }
 }
 
-/// Every text that is shown has the room that it asks for.
+/// No label or button is smaller than its text needs.
 inline void expectNothingClipped(const QWidget& window) {
     for (const QWidget* widget : window.findChildren<QWidget*>()) {
         const auto* label = qobject_cast<const QLabel*>(widget);
