@@ -1,34 +1,16 @@
-#include <gtest/gtest.h>
-
 #include <QAction>
-#include <QLocale>
-#include <QPointer>
-#include <QTest>
 #include <QTimer>
-#include <memory>
 
-#include "framework/core/definition_store.h"
-#include "framework/ui/definition_window.h"
 #include "framework/ui/program_dialogs.h"
-#include "tests/support/scripted_dialogs.h"
-#include "tests/support/shop_company.h"
-#include "vatchange/form/change_form.h"
+#include "tests/form/form_test.h"
 
-// Leaving edits, and closing the form at the same moment.
+// The form's keys, leaving edits, and closing the form at the same moment.
 
-using vatchange::TAlvMuutosLomake;
+using test::rangeWarning;
+using test::saveDefinition;
+using test::str;
 
 namespace {
-
-QString str(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
-
-QString rangeWarning(const char* typed) {
-    return str("Hintakerroin ( %1 ) ei ole sallituissa rajoissa, korjaa hintakerroin!\n"
-               "(kertoimen on oltava vähintään 0,90 ja enintään 1,25 )")
-        .arg(QLatin1String(typed));
-}
 
 // The program's own boxes, with their event loops, on the invisible platform of the tests.
 class RealBoxes : public framework::ProgramDialogs {
@@ -43,47 +25,58 @@ class RealBoxes : public framework::ProgramDialogs {
     framework::DialogHandler* m_previous;
 };
 
-class FormExits : public ::testing::Test {
-  protected:
-    FormExits() {
-        QLocale::setDefault(QLocale(QLocale::Finnish));
-        openForm();
-    }
-    ~FormExits() override {
-        delete m_form;
-        QLocale::setDefault(QLocale::system());
-    }
-    void openForm() {
-        delete m_form;
-        m_form = new TAlvMuutosLomake(m_shop.database());
-        m_form->show();
-        QApplication::setActiveWindow(m_form);
-        EXPECT_TRUE(QTest::qWaitForWindowActive(m_form));
-    }
-    const vatchange::FormControls& c() const { return m_form->controls(); }
+using FormExits = test::FormTest;
 
-    // The events of a person, none of which lets the event loop turn.
-    static void type(QWidget* edit, const char* text) {
-        edit->setFocus();
-        QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClick(edit, Qt::Key_Delete);
-        QTest::keyClicks(edit, QLatin1String(text));
-    }
-    void tab(int times) const {
-        for (int i = 0; i < times; ++i)
-            QTest::keyClick(m_form->focusWidget(), Qt::Key_Tab);
-    }
-    void click(const QWidget* control) const {
-        QTest::mouseClick(m_form->windowHandle(), Qt::LeftButton, {},
-                          control->mapTo(m_form.data(), control->rect().center()));
-    }
+TEST_F(FormExits, TabAndEnterFollowTheLayout) {
+    using Keys = std::vector<Qt::Key>;
+    const struct {
+        QWidget* start;
+        Keys keys;
+        const char* path;
+    } cases[] = {
+        {m_form->LatausCombo, Keys(14, Qt::Key_Tab),
+         "Talletus Pdf Sahkoposti AliryhmaCheckBox TuoteryhmaCheckBox PaaryhmaCheckBox "
+         "TuotenroCheckBox AsRyhmaCheckList LahdeAlvLuokkaEdit KohdeAlvLuokkaEdit Hinta1Edit "
+         "HintaLahde1 SailytaAlv0_CheckBox1 Hinta2Edit"},
+        {c().leaveWebShop, Keys(3, Qt::Key_Tab), "Esikatsele Sulje LatausCombo"},
+        {c().targetClass,
+         {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Return},
+         "Hinta1Edit HintaLahde1 SailytaAlv0_CheckBox1"},
+    };
+    for (const auto& k : cases)
+        EXPECT_EQ(focusPath(k.start, k.keys), k.path);
+    EXPECT_TRUE(m_shop.logMessages().isEmpty());  // Enter started no run
 
-    test::ScriptedDialogs m_dialogs;
-    test::ShopCompany m_shop;
-    QPointer<TAlvMuutosLomake> m_form;
-};
+    type(c().coefficient(2), "2");
+    m_dialogs.expectMessage(rangeWarning("2"));
+    press(Qt::Key_Return);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(c().coefficient(2)->hasFocus());
+    EXPECT_EQ(c().coefficient(2)->selectedText(), str("2"));
+}
 
-TEST_F(FormExits, EveryEditLeftIsCheckedHoweverFastAndBeforeTheFormIsUsed) {
+TEST_F(FormExits, EscapeAsksOnlyWhenUnsavedChangesWouldBeLost) {
+    saveDefinition("Koe", {{"Kampanjat", "1"}}, "selite");
+    ASSERT_TRUE(load("Koe"));
+    EXPECT_FALSE(m_form->hasUnsavedChanges());
+    EXPECT_EQ(control<QLabel>("SeliteLabel")->text(), str("selite"));
+    type(c().priceChangeLimit, "5");
+    EXPECT_TRUE(m_form->hasUnsavedChanges());
+    m_form->definitionSaved(m_form->currentDefinition(str("Koe"), {}));
+    EXPECT_FALSE(m_form->hasUnsavedChanges());
+
+    c().campaigns->setFocus();
+    press(Qt::Key_Space);
+    m_dialogs.expectQuestion(
+        str("Määrittelyä on muutettu, eikä sitä ole talletettu.\nSuljetaanko lomake?"), false);
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(m_form != nullptr && m_form->isVisible());
+    press(Qt::Key_Space);  // as saved again
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_form == nullptr; }));
+}
+
+TEST_F(FormExits, EveryEditIsCheckedHoweverFastItIsLeft) {
     m_shop.addProducts(1);
     const std::pair<QWidget*, const char*> wrong[] = {{c().coefficient(1), "2"},
                                                       {c().deliveryLimit, "31.2.2024"}};
@@ -92,16 +85,13 @@ TEST_F(FormExits, EveryEditLeftIsCheckedHoweverFastAndBeforeTheFormIsUsed) {
         const QString warning = edit == c().deliveryLimit
                                     ? str("Päivämäärä ( 31.2.2024 ) ei kelpaa, korjaa päivämäärä!")
                                     : rangeWarning(text);
-        for (QWidget* next :
-             {static_cast<QWidget*>(nullptr), static_cast<QWidget*>(m_form->Esikatsele),
-              static_cast<QWidget*>(m_form->Talletus), static_cast<QWidget*>(m_form->Pdf),
-              static_cast<QWidget*>(m_form->Sahkoposti)}) {
+        for (const char* next : {"", "Esikatsele", "Talletus", "Pdf", "Sahkoposti"}) {
             type(edit, text);
             c().coefficient(9)->setFocus();
-            tab(4);
+            press(Qt::Key_Tab, 4);
             m_dialogs.expectMessage(warning);
-            if (next != nullptr)
-                click(next);
+            if (*next != 0)
+                click(control(next));
             QCoreApplication::processEvents();
             EXPECT_TRUE(edit->hasFocus());
             EXPECT_TRUE(m_dialogs.allCame());
@@ -109,10 +99,10 @@ TEST_F(FormExits, EveryEditLeftIsCheckedHoweverFastAndBeforeTheFormIsUsed) {
         type(edit, edit == c().deliveryLimit ? "" : "1");
     }
 
-    // of two that were left together only the first is told; the other one before the run
+    // of two edits left together only the first is reported; the other one before the run
     type(c().coefficient(1), "2");
     type(c().coefficient(2), "3");
-    tab(1);
+    press(Qt::Key_Tab);
     m_dialogs.expectMessage(rangeWarning("2"));
     QCoreApplication::processEvents();
     type(c().coefficient(1), "1");
@@ -123,19 +113,16 @@ TEST_F(FormExits, EveryEditLeftIsCheckedHoweverFastAndBeforeTheFormIsUsed) {
     EXPECT_EQ(m_shop.logMessages(), QStringList());
 }
 
-TEST_F(FormExits, AWarningComesOnceForEachThingThatAPersonDoes) {
-    framework::DefinitionStore().save(TAlvMuutosLomake::kFormName,
-                                      {str("Koe"),
-                                       {},
-                                       {{str("LahdeAlvLuokkaEdit"), str("0")},
-                                        {str("KohdeAlvLuokkaEdit"), str("0")},
-                                        {str("HintaLahde1"), str("hinta")},
-                                        {str("HintaLahde2"), str("hinta")},
-                                        {str("Hinta1Edit"), str("2")},
-                                        {str("Hinta2Edit"), str("3")}}});
-    ASSERT_TRUE(framework::TRapMaarForm::LataaArvot(*m_form, str("Koe")));
+TEST_F(FormExits, AWarningComesOncePerAction) {
+    saveDefinition("Koe", {{"LahdeAlvLuokkaEdit", "0"},
+                           {"KohdeAlvLuokkaEdit", "0"},
+                           {"HintaLahde1", "hinta"},
+                           {"HintaLahde2", "hinta"},
+                           {"Hinta1Edit", "2"},
+                           {"Hinta2Edit", "3"}});
+    ASSERT_TRUE(load("Koe"));
     m_dialogs.expectMessage(
-        str("Kohteen ALV -luokka on oltava > 0!"));  // the range is no rule of a run
+        str("Kohteen ALV -luokka on oltava > 0!"));  // a run does not check the range
     click(m_form->Esikatsele);
     click(c().coefficient(1));
     for (int i = 0; i < 3; ++i) {
@@ -151,7 +138,7 @@ TEST_F(FormExits, AWarningComesOnceForEachThingThatAPersonDoes) {
     EXPECT_TRUE(c().coefficient(2)->hasFocus());
 }
 
-TEST_F(FormExits, AFormThatIsClosedWarnsNoMore) {
+TEST_F(FormExits, AClosedFormShowsNoWarning) {
     const RealBoxes boxes;
     for (const bool date : {false, true}) {
         QTimer noBox;
@@ -172,14 +159,13 @@ TEST_F(FormExits, AFormThatIsClosedWarnsNoMore) {
     }
 }
 
-// Whatever the form waits for, closing it waits, too.
-TEST_F(FormExits, ClosingWaitsForTheBoxThatTheFormWaitsFor) {
+TEST_F(FormExits, ClosingWaitsForAnOpenBox) {
     const RealBoxes boxes;
     const std::pair<const char*, std::function<void()>> loops[] = {
         {"warning",
          [this] {
              type(c().coefficient(1), "1,3");
-             tab(1);
+             press(Qt::Key_Tab);
          }},
         {"question",
          [this] {
@@ -218,15 +204,13 @@ TEST_F(FormExits, ClosingWaitsForTheBoxThatTheFormWaitsFor) {
     }
 }
 
-// 24 % to 25.5 %: 125.5 / 124 = 1.0120967741935485; without a source class 1.255; 14 % to 25.5 %:
-// 125.5 / 114 = 1.1008771929824561.
 TEST_F(FormExits, CoefficientsThatKeepTheVatFreePriceFollowTheClasses) {
     const int purchase = vatchange::kPurchaseTag;
     type(c().targetClass, "6");
     for (const int tag : {1, 2, 3, purchase})
         c().keep(tag)->click();
-    EXPECT_EQ(c().coefficient(1)->value(), 1.255);
-    type(c().coefficient(2), "1,01");  // a person's own from now on
+    EXPECT_EQ(c().coefficient(1)->value(), 1.255);  // no source class: rate 0
+    type(c().coefficient(2), "1,01");               // typed: no longer follows the classes
     c().coefficient(3)->setFocus();
     QTest::keyClick(c().coefficient(3), Qt::Key_2, Qt::AltModifier);
     c().keep(4)->click();
@@ -237,10 +221,10 @@ TEST_F(FormExits, CoefficientsThatKeepTheVatFreePriceFollowTheClasses) {
         const char* typed;
         double coefficient;
     } steps[] = {
-        {c().sourceClass, "3", 1.0120967741935485},  {c().sourceClass, "2", 1.1008771929824561},
-        {c().sourceClass, "24", 1.1008771929824561},  // no class: by way of 2
-        {c().targetClass, "", 1.1008771929824561},   {c().sourceClass, "3", 1.1008771929824561},
-        {c().targetClass, "6", 1.0120967741935485}};
+        {c().sourceClass, "3", test::k24To255},  {c().sourceClass, "2", test::k14To255},
+        {c().sourceClass, "24", test::k14To255},  // class 2 while typing; 24 does not exist
+        {c().targetClass, "", test::k14To255},   {c().sourceClass, "3", test::k14To255},
+        {c().targetClass, "6", test::k24To255}};
     for (const auto& step : steps) {
         SCOPED_TRACE(step.typed);
         type(step.edit, step.typed);
@@ -252,22 +236,19 @@ TEST_F(FormExits, CoefficientsThatKeepTheVatFreePriceFollowTheClasses) {
         EXPECT_TRUE(c().keep(1)->isChecked() && c().keep(2)->isChecked());
     }
 
-    // loading computes nothing; what it brought follows the classes if it was computed from them
-    framework::DefinitionStore().save(TAlvMuutosLomake::kFormName,
-                                      {str("Koe"),
-                                       {},
-                                       {{str("LahdeAlvLuokkaEdit"), str("3")},
-                                        {str("KohdeAlvLuokkaEdit"), str("6")},
-                                        {str("HintaLahde1"), str("hinta")},
-                                        {str("SailytaAlv0_CheckBox1"), str("1")},
-                                        {str("Hinta1Edit"), str("1.0120967741935485")},
-                                        {str("HintaLahde2"), str("hinta")},
-                                        {str("SailytaAlv0_CheckBox2"), str("1")},
-                                        {str("Hinta2Edit"), str("1.2")}}});
-    ASSERT_TRUE(framework::TRapMaarForm::LataaArvot(*m_form, str("Koe")));
+    // loading computes nothing; a loaded coefficient follows when it equals the computed one
+    saveDefinition("Koe", {{"LahdeAlvLuokkaEdit", "3"},
+                           {"KohdeAlvLuokkaEdit", "6"},
+                           {"HintaLahde1", "hinta"},
+                           {"SailytaAlv0_CheckBox1", "1"},
+                           {"Hinta1Edit", "1.0120967741935485"},
+                           {"HintaLahde2", "hinta"},
+                           {"SailytaAlv0_CheckBox2", "1"},
+                           {"Hinta2Edit", "1.2"}});
+    ASSERT_TRUE(load("Koe"));
     EXPECT_EQ(c().coefficient(2)->value(), 1.2);
     type(c().sourceClass, "2");
-    EXPECT_EQ(c().coefficient(1)->value(), 1.1008771929824561);
+    EXPECT_EQ(c().coefficient(1)->value(), test::k14To255);
     EXPECT_EQ(c().coefficient(2)->value(), 1.2);
 }
 

@@ -1,32 +1,23 @@
 #include "vatchange/form/run_report.h"
 
-#include <gtest/gtest.h>
-
 #include <QAbstractButton>
 #include <QRegularExpression>
-#include <QTest>
 
 #include "framework/ui/help_manual.h"
 #include "framework/ui/mail.h"
-#include "tests/support/scripted_dialogs.h"
-#include "tests/support/shop_company.h"
+#include "tests/form/form_test.h"
 #include "vatchange/definition/definition_codec.h"
-#include "vatchange/form/change_form.h"
 
-using vatchange::TAlvMuutosLomake;
+using test::str;
 
 namespace {
-
-QString str(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
 
 void expectParts(const QString& html, std::initializer_list<const char*> parts) {
     for (const char* part : parts)
         EXPECT_TRUE(html.contains(str(part))) << part;
 }
 
-TEST(DefinitionReport, SaysRestrictionsAsTheSelectionTakesThem) {
+TEST(DefinitionReport, DescribesRestrictionsAsTheSelectionAppliesThem) {
     vatchange::ChangeDefinition d;
     d.sourceClass = 3;
     d.subGroup = {true, 10, 20, str("12,13")};
@@ -44,7 +35,7 @@ TEST(DefinitionReport, SaysRestrictionsAsTheSelectionTakesThem) {
                               ">ei rajausta<", ">Hinta 3<", ">numeroon 7 asti<"});
 }
 
-TEST(RunReport, TellsWhatARunWithFailuresDid) {
+TEST(RunReport, ListsChangesFailuresAndSkippedProducts) {
     test::CompanyFolder company;
     vatchange::ChangeReport report;
     report.company = str("Koe <Oy>");
@@ -85,8 +76,8 @@ int pagesOf(const QString& html, const QString& file) {
     return static_cast<int>(QString::fromLatin1(test::fileBytes(file)).count(kPage));
 }
 
-// Wherever a heading stands, what comes after it is there: a page has room for about 85 lines.
-TEST(Pdf, HeadingsMovedToTheNextPageTakeTheRestAlong) {
+// A heading at any height of the page; a page holds about 85 lines.
+TEST(Pdf, ContentAfterAMovedHeadingIsComplete) {
     test::CompanyFolder company;
     for (int before = 40; before <= 60; ++before) {
         vatchange::ReportHtml html;
@@ -102,24 +93,20 @@ TEST(Pdf, HeadingsMovedToTheNextPageTakeTheRestAlong) {
     }
 }
 
-TEST(Pdf, LongTablesAndLinesGoOnOverPages) {
+TEST(Pdf, LongTablesContinueOnTheNextPage) {
     test::CompanyFolder company;
     vatchange::ReportHtml html;
     html.beginTable({str("Mitä"), str("Rivejä")}, 1);
-    for (int i = 0; i < 120; ++i)
+    for (int i = 0; i < 320; ++i)
         html.tableRow({QString::number(i), str("x")});
-    html.section(str("Otsikko"));
-    for (int i = 0; i < 200; ++i)
-        html.logLine(str("rivi"));
-    const QString file = company.file(str("raportti.pdf"));
-    const int pages = pagesOf(html.take(), file);
+    const int pages = pagesOf(html.take(), company.file(str("raportti.pdf")));
     EXPECT_GE(pages, 4);
     EXPECT_LE(pages, 8);
     EXPECT_THROW(framework::writePdf({}, company.file(str("puuttuu/x.pdf"))), data::DataError);
     EXPECT_EQ(framework::pdfFileName(str("Alv 24/25,5: \"A\"")), str("Alv 24-25,5- -A-.pdf"));
 }
 
-// Takes what would go to the mail program.
+// Records what would go to the mail program.
 class RecordedDesktop : public framework::Desktop {
   public:
     RecordedDesktop() : m_previous(setInstance(this)) {}
@@ -146,54 +133,40 @@ class RecordedDesktop : public framework::Desktop {
     Desktop* m_previous;
 };
 
-TEST(ReportMail, GoesToTheMailProgramAsFarAsTheDesktopAllows) {
-    test::ScriptedDialogs dialogs;
-    test::ShopCompany shop;
-    TAlvMuutosLomake form(shop.database());
-    form.setAttribute(Qt::WA_DeleteOnClose, false);
+using FormReport = test::FormTest;
+
+TEST_F(FormReport, IsSavedAsPdfOrGoesToTheMailProgramAsFarAsTheDesktopAllows) {
+    const QString saved = m_shop.file(str("raportti.pdf"));
+    m_dialogs.expectFileChoice(saved);
+    m_form->Pdf->click();
+    EXPECT_TRUE(test::fileBytes(saved).startsWith("%PDF"));
+
     RecordedDesktop desktop;
-    form.Sahkoposti->click();
+    m_form->Sahkoposti->click();
     const QString file = desktop.arguments.value(desktop.arguments.indexOf(str("--attach")) + 1);
     EXPECT_TRUE(test::fileBytes(file).startsWith("%PDF")) << file.toStdString();
     EXPECT_TRUE(desktop.opened.isEmpty());
 
-    class Texts : public framework::DialogHandler {
-      public:
-        bool someoneThere() const override { return true; }
-        void message(QWidget*, framework::MessageKind kind, const QString& text) override {
-            kinds.append(kind);
-            last = text;
-        }
-        bool ask(QWidget*, const QString&) override { return false; }
-        QString saveFileName(QWidget*, const QString&, const QString&, const QString&) override {
-            return {};
-        }
-        QList<framework::MessageKind> kinds;
-        QString last;
-    } texts;
-    framework::DialogHandler* scripted = framework::Dialogs::setHandler(&texts);
     desktop.outcome = framework::Desktop::Outcome::Failed;
-    form.Sahkoposti->click();
-    desktop.opens = false;
-    form.Sahkoposti->click();
-    framework::Dialogs::setHandler(scripted);
+    for (const bool opens : {true, false}) {
+        desktop.opens = opens;
+        m_dialogs.expectAnyMessage();
+        m_form->Sahkoposti->click();
+        EXPECT_EQ(m_dialogs.lastKind(),
+                  opens ? framework::MessageKind::Information : framework::MessageKind::Error);
+    }
     ASSERT_EQ(desktop.opened.size(), 3);
     EXPECT_EQ(desktop.opened[0].scheme(), str("mailto"));
     EXPECT_TRUE(desktop.opened[0].toString(QUrl::FullyDecoded).contains(str(".pdf")));
     EXPECT_TRUE(desktop.opened[1].isLocalFile());
-    EXPECT_EQ(texts.kinds, QList<framework::MessageKind>({framework::MessageKind::Information,
-                                                          framework::MessageKind::Error}));
-    EXPECT_TRUE(texts.last.contains(str(".pdf")));
+    EXPECT_TRUE(m_dialogs.lastText().contains(str(".pdf")));
 }
 
-TEST(Manual, ExplainsEveryControlOfTheForm) {
-    test::ShopCompany shop;
-    TAlvMuutosLomake form(shop.database());
-    form.setAttribute(Qt::WA_DeleteOnClose, false);
+TEST_F(FormReport, TheManualExplainsEveryControlOfTheForm) {
     const auto& manual = framework::HelpManual::compiledIn();
     int explained = 0;
     const QStringList fields = vatchange::encodeDefinition({}).keys();
-    for (const QWidget* control : form.findChildren<QWidget*>()) {
+    for (const QWidget* control : m_form->findChildren<QWidget*>()) {
         const bool value = fields.contains(control->objectName());
         const bool button = qobject_cast<const QAbstractButton*>(control) != nullptr;
         if ((!value && !button) || control->objectName().isEmpty() ||
@@ -204,7 +177,7 @@ TEST(Manual, ExplainsEveryControlOfTheForm) {
             << control->objectName().toStdString();
     }
     EXPECT_GT(explained, 70);
-    EXPECT_EQ(manual.sectionOf(form.controls().coefficient(3)), str("hintojen-muutoskertoimet"));
+    EXPECT_EQ(manual.sectionOf(c().coefficient(3)), str("hintojen-muutoskertoimet"));
 }
 
 }  // namespace

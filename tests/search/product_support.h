@@ -30,6 +30,15 @@ inline QStringList columnTexts(const search::TBtrHakuForm& form, const QString& 
     return texts;
 }
 
+/// The columns' fields from the left, hidden ones with a "-".
+inline QStringList columnNames(const search::TBtrHakuForm& form) {
+    QStringList names;
+    for (int i = 0; i < form.model().columnCount(); ++i)
+        names.append((form.DBGrid1->isColumnHidden(i) ? str("-") : str("")) +
+                     form.model().column(i).field);
+    return names;
+}
+
 inline void showForm(search::TBtrHakuForm& form) {
     form.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&form));

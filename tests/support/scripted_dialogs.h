@@ -23,12 +23,19 @@ class ScriptedDialogs : public framework::DialogHandler {
     ScriptedDialogs& operator=(const ScriptedDialogs&) = delete;
 
     void expectMessage(const QString& text) { m_expected.push_back({text, false, {}}); }
+    /// A message whose text depends on the machine; lastText() returns it.
+    void expectAnyMessage() { m_expected.push_back({{}, false, {}, true}); }
     void expectQuestion(const QString& text, bool yes) { m_expected.push_back({text, yes, {}}); }
     void expectFileChoice(const QString& fileName) { m_expected.push_back({{}, false, fileName}); }
     bool allCame() const { return m_expected.empty(); }
+    const QString& lastText() const { return m_lastText; }
+    framework::MessageKind lastKind() const { return m_lastKind; }
 
     bool someoneThere() const override { return true; }
-    void message(QWidget*, framework::MessageKind, const QString& text) override { next(text); }
+    void message(QWidget*, framework::MessageKind kind, const QString& text) override {
+        m_lastKind = kind;
+        next(text);
+    }
     bool ask(QWidget*, const QString& text) override { return next(text).yes; }
     QString saveFileName(QWidget*, const QString&, const QString&, const QString&) override {
         return next({}).fileName;
@@ -39,6 +46,7 @@ class ScriptedDialogs : public framework::DialogHandler {
         QString text;
         bool yes = false;
         QString fileName;
+        bool anyText = false;
     };
     Expected next(const QString& text) {
         if (m_expected.empty()) {
@@ -47,12 +55,17 @@ class ScriptedDialogs : public framework::DialogHandler {
         }
         const Expected dialog = m_expected.front();
         m_expected.pop_front();
-        EXPECT_EQ(text.toStdString(), dialog.text.toStdString());
+        m_lastText = text;
+        if (!dialog.anyText) {
+            EXPECT_EQ(text.toStdString(), dialog.text.toStdString());
+        }
         return dialog;
     }
 
     framework::DialogHandler* m_previous;
     std::deque<Expected> m_expected;
+    QString m_lastText;
+    framework::MessageKind m_lastKind = framework::MessageKind::Information;
 };
 
 }  // namespace test
