@@ -8,15 +8,12 @@
 
 #include "framework/core/definition_store.h"
 #include "framework/ui/definition_window.h"
+#include "tests/support/checks.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/shop_company.h"
 #include "vatchange/form/change_form.h"
 
 namespace test {
-
-inline QString str(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
 
 constexpr double k24To255 = 1.0120967741935485;  // 125.5 / 124
 constexpr double k14To255 = 1.1008771929824561;  // 125.5 / 114

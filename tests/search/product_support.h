@@ -5,14 +5,11 @@
 
 #include "search/btr_haku_form.h"
 #include "search/table_model.h"
+#include "tests/support/checks.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/shop_company.h"
 
 namespace test {
-
-inline QString str(const char* text) {
-    return QString::fromUtf8(text);
-}
 
 /// What a cell of a search window shows; fails when there is no such column.
 inline QString cellText(const search::TBtrHakuForm& form, int row, const QString& field) {
