@@ -11,37 +11,29 @@ using search::LookupCache;
 using test::str;
 
 TEST(ProductColumns, QuantitiesInPortionsAndPlain) {
-    struct Case {
-        double quantity;
-        const char* unit;
-        double portion;
-        double factor;
-        const char* shown;
+    const struct {
+        search::StockUnit unit;
+        std::vector<std::pair<double, const char*>> shown;
+    } cases[] = {
+        // of -2.75 bottles three quarters are 30 cl; 2.9999999999 is a sum of decimals meaning 3
+        {{str("PLO"), 4, 10},
+         {{3.25, "3P 10.0cl"},
+          {3, "3P 0.0cl"},
+          {0, "0P 0.0cl"},
+          {-2.75, "-2P 30.0cl"},
+          {-0.25, "-0P 10.0cl"},
+          {0.1 + 0.2 - 0.3, "0P 0.0cl"},
+          {2.9999999999, "3P 0.0cl"}}},
+        {{str("plo "), 4, 10}, {{3.25, "3P 10.0cl"}}},
+        {{str("TYN"), 4, 12.5}, {{3.25, "3P 12.5cl"}, {12345.5, "12345P 25.0cl"}}},
+        {{str("PLO"), 0, 10}, {{1.3, "1P 0.0cl"}}},  // no portion size
+        {{str("KPL"), 4, 10},
+         {{3.25, "3.25"}, {7, "7"}, {-1.5, "-1.5"}, {0.1234, "0.123"}, {0, "0"}}},
+        {{QString(), 4, 10}, {{3.25, "3.25"}}},
     };
-    const Case cases[] = {
-        {3.25, "PLO", 4, 10, "3P 10.0cl"},
-        {3.25, "TYN", 4, 10, "3P 10.0cl"},
-        {3.25, "plo ", 4, 10, "3P 10.0cl"},
-        {3, "PLO", 4, 10, "3P 0.0cl"},
-        {0, "PLO", 4, 10, "0P 0.0cl"},
-        {12345.5, "TYN", 4, 12.5, "12345P 25.0cl"},
-        {-2.75, "PLO", 4, 10, "-2P 30.0cl"},  // three quarters of 40 cl
-        {-0.25, "PLO", 4, 10, "-0P 10.0cl"},  // less than a bottle missing
-        {0.1 + 0.2 - 0.3, "PLO", 4, 10, "0P 0.0cl"},
-        {2.9999999999, "PLO", 4, 10, "3P 0.0cl"},  // a sum of decimals that means 3
-        {1.3, "PLO", 0, 10, "1P 0.0cl"},           // no portion size
-        {3.25, "KPL", 4, 10, "3.25"},
-        {3.25, "", 4, 10, "3.25"},
-        {7, "KG", 4, 10, "7"},
-        {-1.5, "KG", 0, 0, "-1.5"},
-        {0.1234, "KG", 0, 0, "0.123"},
-        {0, "KPL", 0, 0, "0"},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(search::quantityText(c.quantity, {str(c.unit), c.portion, c.factor}, u'.')
-                      .toStdString(),
-                  c.shown)
-            << c.quantity << ' ' << c.unit;
+    for (const auto& c : cases)
+        for (const auto& [quantity, shown] : c.shown)
+            EXPECT_EQ(search::quantityText(quantity, c.unit, u'.').toStdString(), shown);
     EXPECT_EQ(search::quantityText(3.25, {str("PLO"), 4, 10}, u',').toStdString(), "3P 10,0cl");
 }
 
@@ -55,27 +47,22 @@ TEST(ProductColumns, FreeQuantityAndSituation) {
 }
 
 TEST(ProductColumns, PricesWithoutVat) {
-    struct Case {
-        double price;
-        double rate;
-        const char* shown;
-    };
-    const Case cases[] = {{12.4, 24, "10.00"}, {12.55, 25.5, "10.00"}, {10, 0, "10.00"},
-                          {1, 24, "0.81"},     {0, 24, "0.00"},        {-12.4, 24, "-10.00"}};
-    for (const Case& c : cases)
-        EXPECT_EQ(search::priceWithoutVatText(c.price, c.rate, u'.').toStdString(), c.shown);
+    const std::tuple<double, double, const char*> cases[] = {
+        {12.4, 24, "10.00"}, {12.55, 25.5, "10.00"}, {10, 0, "10.00"},
+        {1, 24, "0.81"},     {0, 24, "0.00"},        {-12.4, 24, "-10.00"}};
+    for (const auto& [price, rate, shown] : cases)
+        EXPECT_EQ(search::priceWithoutVatText(price, rate, u'.').toStdString(), shown);
 }
 
 TEST(ProductColumns, PriceFormatGivesTheDecimals) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"#######.##", "#0.00"},
-        {"#####.###", "#0.000"},
-        {"0.0000", "#0.0000"},
-        {"######", "#0."},
-        {"", "#0."},
-        {"###.", "#0."},
-        {"#.#.#", "#0.000"},  // everything behind the first point counts
-    };
+    // everything after the first point counts
+    const std::pair<const char*, const char*> cases[] = {{"#######.##", "#0.00"},
+                                                         {"#####.###", "#0.000"},
+                                                         {"0.0000", "#0.0000"},
+                                                         {"######", "#0."},
+                                                         {"", "#0."},
+                                                         {"###.", "#0."},
+                                                         {"#.#.#", "#0.000"}};
     for (const auto& [setting, format] : cases)
         EXPECT_EQ(search::priceDisplayFormat(str(setting)).toStdString(), format) << setting;
 }

@@ -138,21 +138,18 @@ TEST_F(ProductForm, StockColumnsCanBeLeftOutAndStayOutWithTheLayout) {
 TEST_F(ProductForm, EnterSearchesByNameOrNumber) {
     search::TTuoteHakuForm form;
     test::showForm(form);
-    const struct {
-        const char* typed;
-        const char* index;
-        const char* found;
-    } cases[] = {{"suk", "5", "102"},
-                 {"kah", "5", "101"},
-                 {"101", "1", "101"},
-                 {"1005", "1", "101"},
-                 {"p", "5", "100"}};
-    for (const auto& c : cases) {
+    const std::tuple<const char*, const char*, const char*> cases[] = {// key, product
+                                                                       {"suk", "5", "102"},
+                                                                       {"kah", "5", "101"},
+                                                                       {"101", "1", "101"},
+                                                                       {"1005", "1", "101"},
+                                                                       {"p", "5", "100"}};
+    for (const auto& [typed, index, found] : cases) {
         form.Suodatin->setFocus();
-        form.Suodatin->setText(str(c.typed));
+        form.Suodatin->setText(str(typed));
         QTest::keyClick(form.Suodatin, Qt::Key_Return);
-        EXPECT_EQ(form.Hakutable->indexName().toStdString(), c.index) << c.typed;
-        EXPECT_EQ(form.KenttaArvo(str("NUMERO")).toString().toStdString(), c.found) << c.typed;
+        EXPECT_EQ(form.Hakutable->indexName().toStdString(), index) << typed;
+        EXPECT_EQ(form.KenttaArvo(str("NUMERO")).toString().toStdString(), found) << typed;
     }
     EXPECT_TRUE(form.isVisible());  // Enter in the edit chooses nothing
 
@@ -167,26 +164,18 @@ TEST_F(ProductForm, EnterSearchesByNameOrNumber) {
 TEST_F(ProductForm, DropsOnGroupNamesAndShelfPlaces) {
     search::TTuoteHakuForm form;
     test::showForm(form);
-    const struct {
-        const char* text;
-        const char* field;
-        const char* found;
-    } cases[] = {
-        {"mak", "RYHMA", "101 102"},
-        {">=8", "RYHMA", "101 102"},
-        {"<>mak", "RYHMA", "101 102"},  // names know no comparison: its signs are left out
-        {"xyz", "RYHMA", ""},           // no group has that name
-        {"tukku", "TOIMITTAJA", "100"},
-        {"AB", "TOIMITTAJA", ""},     // a code, and no name begins with it
-        {"A", "Hyllypaikka", "100"},  // 101 and 102: other stores; 103 is passive
-        {"a1", "Hyllypaikka", "100"},
-        {"*A", "Hyllypaikka", "100 101"},
-        {">=B", "Hyllypaikka", "101"},
-        {"o'", "Hyllypaikka", ""},
-    };
-    for (const auto& c : cases) {
-        drop(form, c.text, c.field);
-        EXPECT_EQ(numbers(form), c.found) << c.text << " on " << c.field;
+    // Group names have no comparison: its signs are dropped. Supplier codes are not names. 101 and
+    // 102 have shelf places "A" in other stores; 103 is passive.
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"mak", "RYHMA", "101 102"},      {">=8", "RYHMA", "101 102"},
+        {"<>mak", "RYHMA", "101 102"},    {"xyz", "RYHMA", ""},
+        {"tukku", "TOIMITTAJA", "100"},   {"AB", "TOIMITTAJA", ""},
+        {"A", "Hyllypaikka", "100"},      {"a1", "Hyllypaikka", "100"},
+        {"*A", "Hyllypaikka", "100 101"}, {">=B", "Hyllypaikka", "101"},
+        {"o'", "Hyllypaikka", ""}};
+    for (const auto& [text, field, found] : cases) {
+        drop(form, text, field);
+        EXPECT_EQ(numbers(form), found) << text << " on " << field;
     }
     form.Suodatin->clear();
     EXPECT_EQ(numbers(form), "100 101 102");
@@ -215,7 +204,7 @@ TEST_F(ProductForm, ShownAndClosedAsTheOneWindow) {
     EXPECT_NE(TTuoteHakuForm::instanssi(&owner), nullptr);
 }
 
-TEST_F(ProductForm, ColumnThatCannotBeReadIsToldOnceAndStaysEmpty) {
+TEST_F(ProductForm, AnUnreadableColumnIsReportedOnceAndStaysEmpty) {
     search::TTuoteHakuForm form;
     search::GridColumn broken{str("NIMI"), str("Nimi")};
     broken.text = [](const search::GridRow&) -> QString {

@@ -29,28 +29,26 @@ std::string dropped(const char* text, const DropTarget& target) {
 TEST(SearchParts, DroppedTexts) {
     const struct {
         Kind kind;
-        const char* text;
-        const char* expression;
+        std::vector<std::pair<const char*, const char*>> expressions;
     } cases[] = {
-        {Kind::Integer, "12", "F=12"},
-        {Kind::SmallInt, ">=100", "F>=100"},
-        {Kind::Integer, "<>-1,5", "F<>-1,5"},
-        {Kind::Integer, "12a", "F='12a'"},
-        {Kind::Integer, ">", "F>''"},
-        {Kind::String, "ab", "F='ab*'"},
-        {Kind::String, "12", "F='12*'"},
-        {Kind::String, "<m", "F<'m*'"},
-        {Kind::String, "", "F='*'"},
-        {Kind::String, "O'Hara", "F='O''Hara*'"},
-        {Kind::Float, "<=9,95", "F<='9,95'"},
-        {Kind::Date, "1.9.2024", "F='1.9.2024'"},
-        {Kind::Boolean, "true", "F='true'"},
-        {Kind::String, "<<<<<<<<<<<x", "F<<<<<<<<<<'<x*'"},  // at most ten are the operator
-        {Kind::String, "!hinta>3 or lvv=1", "hinta>3 or lvv=1"},
-        {Kind::String, "=!", "F='!*'"},
+        {Kind::Integer, {{"12", "F=12"}, {"<>-1,5", "F<>-1,5"}, {"12a", "F='12a'"}, {">", "F>''"}}},
+        {Kind::SmallInt, {{">=100", "F>=100"}}},
+        {Kind::String,
+         {{"ab", "F='ab*'"},
+          {"12", "F='12*'"},
+          {"<m", "F<'m*'"},
+          {"", "F='*'"},
+          {"O'Hara", "F='O''Hara*'"},
+          {"<<<<<<<<<<<x", "F<<<<<<<<<<'<x*'"},
+          {"!hinta>3 or lvv=1", "hinta>3 or lvv=1"},
+          {"=!", "F='!*'"}}},  // an operator has at most ten characters
+        {Kind::Float, {{"<=9,95", "F<='9,95'"}}},
+        {Kind::Date, {{"1.9.2024", "F='1.9.2024'"}}},
+        {Kind::Boolean, {{"true", "F='true'"}}},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(dropped(c.text, {str("F"), c.kind}), "filter " + std::string(c.expression));
+        for (const auto& [text, expression] : c.expressions)
+            EXPECT_EQ(dropped(text, {str("F"), c.kind}), std::string("filter ") + expression);
 }
 
 TEST(SearchParts, DropsOnLookedUpAndComputedColumns) {
@@ -95,12 +93,7 @@ TEST(SearchParts, DropsOnLookedUpAndComputedColumns) {
 }
 
 TEST(SearchParts, BaseAndUserFilter) {
-    const struct {
-        const char* base;
-        const char* user;
-        bool showPassive;
-        const char* filter;
-    } cases[] = {
+    const std::tuple<const char*, const char*, bool, const char*> cases[] = {
         {"", "", false, ""},
         {"", "u", false, "u"},
         {"b", "", false, "b"},
@@ -110,17 +103,16 @@ TEST(SearchParts, BaseAndUserFilter) {
         {"b and Keskusvarasto=true", "", true, "Keskusvarasto=true"},
         {"b and keskusvarasto=true", "u or v", true, "Keskusvarasto=true and (u or v)"},
         {"Keskusvarasto=true", "keskusvarasto=false", true, "keskusvarasto=false"},
-        {"Keskusvarasto=true", "u", false, "Keskusvarasto=true and (u)"},
-    };
-    for (const auto& c : cases) {
+        {"Keskusvarasto=true", "u", false, "Keskusvarasto=true and (u)"}};
+    for (const auto& [base, user, showPassive, expression] : cases) {
         FilterState filter;
-        filter.setBaseFilter(str(c.base));
-        filter.setUserFilter(str(c.user));
-        filter.setShowPassive(c.showPassive);
-        EXPECT_EQ(filter.expression(), str(c.filter)) << c.base << " / " << c.user;
+        filter.setBaseFilter(str(base));
+        filter.setUserFilter(str(user));
+        filter.setShowPassive(showPassive);
+        EXPECT_EQ(filter.expression(), str(expression)) << base << " / " << user;
         filter.clear();
         filter.setShowPassive(false);
-        EXPECT_EQ(filter.expression(), str(c.base));
+        EXPECT_EQ(filter.expression(), str(base));
     }
 }
 
@@ -252,12 +244,8 @@ TEST(SearchParts, LayoutIsReadAndWritten) {
 }
 
 TEST(SearchParts, TextsAtTheStartAndAnywhereIgnoringCase) {
-    const struct {
-        const char* held;
-        const char* text;
-        bool atStart;
-        bool anywhere;
-    } cases[] = {
+    const std::tuple<const char*, const char*, bool, bool> cases[] = {
+        // at the start, anywhere
         {"Äyräsmäki", "äYRÄS", true, true},
         {"Äyräsmäki", "MÄKI", false, true},
         {"Äyräsmäki", "maki", false, false},
@@ -265,16 +253,15 @@ TEST(SearchParts, TextsAtTheStartAndAnywhereIgnoringCase) {
         {"aab", "ab", false, true},
         {"x", "", true, true},
         {"", "", true, true},
-        {"", "x", false, false},
-    };
-    for (const auto& c : cases) {
+        {"", "x", false, false}};
+    for (const auto& [held, text, atStart, within] : cases) {
         QByteArray bytes;
-        ASSERT_TRUE(data::toWindows1252(str(c.held), bytes));
+        ASSERT_TRUE(data::toWindows1252(str(held), bytes));
         for (const bool anywhere : {false, true}) {
-            const TextMatch match(str(c.text), anywhere);
-            const bool expected = anywhere ? c.anywhere : c.atStart;
-            EXPECT_EQ(match.matchesBytes(bytes), expected) << c.held << c.text;
-            EXPECT_EQ(match.matchesText(str(c.held)), expected) << c.held << c.text;
+            const TextMatch match(str(text), anywhere);
+            const bool expected = anywhere ? within : atStart;
+            EXPECT_EQ(match.matchesBytes(bytes), expected) << held << text;
+            EXPECT_EQ(match.matchesText(str(held)), expected) << held << text;
         }
     }
     // No record holds a character that records cannot hold.

@@ -19,7 +19,7 @@ struct GroupRestriction {
     bool operator==(const GroupRestriction&) const = default;
 };
 
-/// The price source of a level that does not change.
+/// Price source of an unchanged level.
 inline const QString kNoSource = QStringLiteral("0");
 
 /// What happens to one price level.
@@ -37,8 +37,8 @@ enum class RoundingStep { Tenth = 0, One = 1, Five = 2, Ten = 3, Hundredth = 4 }
 /// The highest VAT class that an order row can hold: its field is a signed byte.
 inline constexpr int kHighestOrderClass = 127;
 
-/// A change definition: everything that the change form's controls say, as a plain value. Its
-/// initial values are the defaults of a definition.
+/// A change definition: all values of the change form's controls. The initial values are the
+/// defaults.
 struct ChangeDefinition {
     GroupRestriction subGroup;
     GroupRestriction productGroup;
@@ -84,7 +84,7 @@ struct ChangeDefinition {
 
     bool operator==(const ChangeDefinition&) const = default;
 
-    /// Whether a table is converted that takes its prices from level 1's coefficient.
+    /// Whether any table that uses the coefficient of level 1 is converted.
     bool changesDependents() const {
         return customerPriceLists || campaigns || recurringInvoicing || quantityDiscounts;
     }

@@ -45,7 +45,7 @@ QString textOf(RoundingStep step) {
     return QString::number(static_cast<int>(step));
 }
 
-// --- text to value; nothing for a text that cannot be read
+// --- text to value; nullopt if unreadable
 
 std::optional<qint64> number(const QString& text, int mostDigits) {
     static const QRegularExpression kDigits(QStringLiteral("^[0-9]+$"));
@@ -103,7 +103,7 @@ std::optional<std::vector<int>> read(const ChangeField& /*field*/, const QString
             return std::nullopt;
     }
     if (numbers.empty() && !text.isEmpty())
-        return std::nullopt;  // no number at all must not become "all groups"
+        return std::nullopt;  // an empty list would mean all groups
     std::sort(numbers.begin(), numbers.end());
     numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
     return numbers;
@@ -137,7 +137,7 @@ bool assign(const ChangeField& field, const DefinitionMember<T>& member, const Q
     return value.has_value();
 }
 
-// A text is kept as it is; a key of a price source is not sensitive to blanks, none means "0".
+// Texts are kept as they are; the key of a price source is trimmed, empty means "0".
 bool assign(const ChangeField& field, const DefinitionMember<QString>& member, const QString& text,
             ChangeDefinition& definition) {
     QString value = text;

@@ -33,23 +33,23 @@ using AnyDefinitionMember =
                  DefinitionMember<std::vector<int>>, DefinitionMember<RoundingRule>,
                  DefinitionMember<RoundingStep>>;
 
-/// What a field's text in the file may be; in brackets the member's type.
+/// The texts that a field may have in the file, and in brackets the type of its member.
 enum class FieldKind {
     Check,        ///< (bool) "0" or "1"
-    Class,        ///< (int) VAT class: digits; a definition without it, or with none, is no good
+    Class,        ///< (int) VAT class: digits; required
     Number,       ///< (qint64) digits; empty is 0
     Text,         ///< (QString) anything
     IgnoreList,   ///< (QString) anything; only digits and commas can be typed
     Coefficient,  ///< (double) any finite number
     Amount,       ///< (double) a number between the field's bounds
-    Source,       ///< (QString) key of a price source; an unknown one is no error
+    Source,       ///< (QString) key of a price source; an unknown one is not an error
     Date,         ///< (QDate) yyyy-mm-dd or empty
     Groups,       ///< (std::vector<int>) numbers separated by commas
     Choice        ///< (enumeration) index of one of the items
 };
 
-/// One value of a change definition: how the file, the form and the report call it. Its default is
-/// that of its member in ChangeDefinition.
+/// One value of a change definition, with its names in file, form and report. The default is that
+/// of the member in ChangeDefinition.
 struct ChangeField {
     QString control;  ///< object name in the form, key in the file
     FieldKind kind;
@@ -68,15 +68,15 @@ struct ChangeField {
 /// orders, purchase orders.
 const std::vector<ChangeField>& changeFields();
 
-/// The field of a control; the name has to be one of the table's.
+/// Returns the field of a control. Precondition: the table has it.
 const ChangeField& changeField(const QString& control);
 
-// Names of the controls that stand once for each price level (1..9).
+// Names of the controls that exist once per price level (1..9).
 QString coefficientControl(int level);
 QString sourceControl(int level);
 QString keepVat0Control(int level);
 
-// Names of the controls that the rules of loading and running speak of.
+// Names of the controls used by the load and run rules.
 inline const QString kSourceClassControl = QStringLiteral("LahdeAlvLuokkaEdit");
 inline const QString kTargetClassControl = QStringLiteral("KohdeAlvLuokkaEdit");
 inline const QString kCustomerGroupsControl = QStringLiteral("AsRyhmaCheckList");

@@ -10,7 +10,7 @@ namespace {
 
 using Kind = LoadFinding::Kind;
 
-/// The value of a control as the file has it, also where loading replaced it.
+/// The saved value of a control, even if loading replaced it.
 QString savedText(const LoadedDefinition& loaded, const QString& control) {
     for (const LoadFinding& finding : loaded.findings) {
         if (finding.kind == Kind::CarriedOver && finding.control == control)
@@ -29,7 +29,7 @@ void addLoadProblems(const LoadedDefinition& loaded, std::vector<DefinitionProbl
     }
 }
 
-/// The coefficients that a run of the definition multiplies with.
+/// The coefficients that a run uses.
 QStringList usedCoefficients(const ChangeDefinition& d) {
     QStringList used;
     for (int level = 1; level <= kPriceLevels; ++level) {

@@ -6,14 +6,14 @@
 
 namespace vatchange {
 
-/// The group numbers of a comma-separated list, and the items that are none.
+/// The group numbers of a comma-separated list, and the items that are not numbers.
 struct IgnoreList {
     QList<qint64> numbers;
     QStringList dropped;  ///< without the blanks around them; empty items are not listed
 };
 
-/// Reads a list of group numbers to leave out. Blanks around an item do not count; what remains
-/// has to be ASCII digits that fit 64 bits (no group column holds more).
+/// Parses a list of group numbers to leave out. Each item, trimmed, has to be ASCII digits that fit
+/// 64 bits (no group column holds more).
 IgnoreList parseIgnoreList(const QString& text);
 
 }  // namespace vatchange

@@ -8,23 +8,23 @@
 
 namespace vatchange {
 
-/// What loading a definition did not take as the file has it.
+/// A value that loading did not take as saved.
 struct LoadFinding {
     enum class Kind {
-        Unreadable,     ///< the value could not be read: the default took its place
-        MissingClass,   ///< the definition names no VAT class: 0 took its place
-        UnknownSource,  ///< no price column: the level is left unchanged
+        Unreadable,     ///< replaced by the default
+        MissingClass,   ///< no VAT class in the file: 0
+        UnknownSource,  ///< not a price column: the level is left unchanged
         CarriedOver     ///< a coefficient of the previous VAT change, replaced
     };
     Kind kind;
     QString control;
     QString saved;  ///< the text of the file
-    QString now;    ///< the text of the value that took its place
+    QString now;    ///< text of the value used instead
 
     bool operator==(const LoadFinding&) const = default;
 };
 
-/// A definition as it is run, with what loading found. A value that was not loaded has no findings.
+/// A definition ready to run, with the findings of its load; none if it was not loaded.
 struct LoadedDefinition {
     LoadedDefinition() = default;
     LoadedDefinition(ChangeDefinition value, std::vector<LoadFinding> found = {})
@@ -34,19 +34,17 @@ struct LoadedDefinition {
     std::vector<LoadFinding> findings;
 };
 
-/// A level whose source is no price column is not changed: no source, coefficient 1, VAT-free price
-/// not kept. @return whether its source is none.
+/// Resets a level whose source is not a price column: no source, coefficient 1, VAT-free price not
+/// kept. @return whether the level has no source.
 bool resetWithoutSource(PriceLevelChange& level);
 
-/// Applies the rules of loading to a value: sources are validated, coefficients of the previous VAT
-/// change are carried over. Idempotent.
+/// Validates sources and replaces coefficients of the previous VAT change. Idempotent.
 std::vector<LoadFinding> applyLoadRules(ChangeDefinition& definition);
 
-/// Decodes a saved definition and applies the rules of loading.
+/// Decodes a saved definition and applies the load rules.
 LoadedDefinition loadDefinition(const framework::SavedDefinition& saved);
 
-/// The findings of a load that still hold for a definition that was edited since: those whose
-/// control has kept the value that the load gave it.
+/// Returns the findings whose values have not been edited since the load.
 std::vector<LoadFinding> stillHolding(const std::vector<LoadFinding>& findings,
                                       const ChangeDefinition& definition);
 

@@ -213,7 +213,7 @@ void TAlvMuutosLomake::afterLoad() {
         NaytaViesti(
             QStringLiteral("Kertoimia päivitetty edellisen taksavaiheen yhteydessä tallennetuista "
                            "asetuksista"));
-    // unattended the run refuses the definition, or tells of it
+    // unattended, the run itself refuses the definition or logs the finding
     if (!unreadable.isEmpty() && !unattended()) {
         NaytaViesti(
             QStringLiteral(
@@ -256,8 +256,8 @@ void TAlvMuutosLomake::SailytaAlv0_CheckBox1Click(int tag, bool checked) {
         m_controls.source(tag)->setKey(kPriceColumns[static_cast<std::size_t>(tag)]);
 }
 
-// The coefficient that keeps the VAT-free price with the classes in the form. Nothing while one of
-// them does not exist, as happens while a number is being typed; source class 0 has rate 0.
+// The coefficient that keeps the VAT-free price with the classes in the form; source class 0 has
+// rate 0. nullopt while a class does not exist, for example during typing.
 std::optional<double> TAlvMuutosLomake::coefficientOfClasses() const {
     const auto sourceClass = static_cast<int>(m_controls.sourceClass->value());
     const auto source = ratePercent(sourceClass);
@@ -292,7 +292,7 @@ QString TAlvMuutosLomake::checkDeliveryLimit() {
         .arg(m_controls.deliveryLimit->text());
 }
 
-// Only the price levels have a range; a text that is no number gives way to the last one that was.
+// Only price levels have a range; a text that is not a number reverts to the last number.
 QString TAlvMuutosLomake::checkCoefficient(framework::DecimalEdit* edit) {
     const int tag = edit->property(kTagProperty).toInt();
     if (tag < 1 || tag > kPriceLevels) {
@@ -311,8 +311,7 @@ QString TAlvMuutosLomake::checkCoefficient(framework::DecimalEdit* edit) {
 }
 
 bool TAlvMuutosLomake::acceptTyped() {
-    // A button pressed by its mnemonic leaves the focus where it is; what was chosen there counts
-    // as left now.
+    // A button pressed by its mnemonic does not take the focus: treat the focused control as left.
     if (const auto* source = qobject_cast<framework::LookupCombo*>(focusWidget()))
         validateSource(source->property(kTagProperty).toInt());
     return m_exits.checkAll();

@@ -14,43 +14,41 @@
 
 namespace vatchange {
 
-/// The VAT change form: holds one change definition in its controls, saves and loads it, and
-/// carries it out. While a run goes on, everything but "Keskeytä" is disabled.
+/// The VAT change form: edits, saves, loads and runs one change definition. During a run only
+/// "Keskeytä" is enabled.
 ///
-/// A coefficient that ticking keep-VAT0 computed follows the VAT classes until a person types
-/// another, by key or shortcut, or unticks the box. It is computed again whenever a class is
-/// changed and both classes exist (source class 0 stands for rate 0); while the number being typed
-/// is no class yet, it stays as it is. A loaded coefficient follows the classes when it is the one
-/// that the tick would compute; loading itself computes none.
+/// A coefficient computed by ticking keep-VAT0 follows the VAT classes until the user changes it,
+/// by typing or shortcut, or unticks the box. It is recomputed whenever a class changes and both
+/// classes exist (source class 0 has rate 0). A loaded coefficient follows the classes if it equals
+/// the one that ticking would compute; loading itself computes nothing.
 class TAlvMuutosLomake : public framework::TPerusForm {
     Q_OBJECT
   public:
     static inline const QString kFormName = QStringLiteral("AlvMuutosLomake");
 
-    /// Builds the form and loads the definition "Normaali" when there is one.
-    /// @throws data::DataError when the company's tables cannot be read, or a price level is
-    /// missing ("hintatasoa ei löydy").
+    /// Builds the form and loads the definition "Normaali", if any.
+    /// @throws data::DataError if the company's tables cannot be read or a price level is missing
+    /// ("hintatasoa ei löydy").
     explicit TAlvMuutosLomake(data::Database& database, QWidget* parent = nullptr);
 
-    /// Set by a batch: messages go to the change log, no dialog is shown.
+    /// Set in a batch: messages go to the change log only.
     bool Unattended = false;
-    /// The flag, or a program started with "/E", or nobody there to see a window.
+    /// True if Unattended is set, the program was started with "/E", or no one can see a window.
     bool unattended() const;
 
-    /// What the controls say, as a plain value.
+    /// The definition in the controls.
     ChangeDefinition definitionFromForm() const;
-    /// The definition that a run takes, with what its load found: the loaded or saved value while
-    /// the controls show nothing else, the controls' value once they were edited.
+    /// The definition to run, with its load findings: the loaded or saved one until the controls
+    /// are edited, then the one in the controls.
     LoadedDefinition definitionToRun() const;
 
-    /// Carries out definitionToRun(). While another run of this form goes on it does
-    /// nothing.
+    /// Runs definitionToRun(). Returns nullopt if a run is already going on.
     std::optional<RunResult> EsikatseleClick();
     bool isRunning() const { return m_running; }
 
-    /// Writes the text to the change log and, when somebody is there, shows it.
+    /// Writes the text to the change log and, unless unattended, shows it.
     void NaytaViesti(const QString& text) override;
-    /// Status line; shown with the next breath of a run.
+    /// Sets the status line; a run shows it when it next processes events.
     void showStatus(const QString& text);
 
     const FormControls& controls() const { return m_controls; }

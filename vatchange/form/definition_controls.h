@@ -7,16 +7,16 @@
 
 namespace vatchange {
 
-/// The definition that a form's controls say. Controls are found by the names of the field table;
-/// the form has to have all of them.
+/// Reads the definition from a form's controls, which are found by the names of the field table.
+/// Precondition: the form has all of them.
 ChangeDefinition definitionInControls(const QWidget& form);
 
-/// Shows a definition. No control tells of its change, so nothing else of the form reacts. Whole
-/// numbers are shown as `typed` spells them where it means the same number.
+/// Shows a definition. Signals are blocked, so nothing else of the form reacts. Whole numbers keep
+/// their spelling in `typed` if it means the same number.
 void showInControls(const QWidget& form, const ChangeDefinition& definition,
                     const framework::SavedDefinition& typed = {});
 
-/// What the controls say as a definition file has it, whole numbers as they were typed.
+/// Returns the controls' values as written to a file, whole numbers as typed.
 QMap<QString, QString> textsInControls(const QWidget& form);
 
 }  // namespace vatchange

@@ -27,7 +27,7 @@ QString number(double value) {
     return locale.toString(value, 'g', QLocale::FloatingPointShortest);
 }
 
-// One bound is an equality, not a half-open range: the words say what the selection does.
+// One bound alone means equality, not a half-open range, as in the selection.
 QString restrictionText(const GroupRestriction& restriction) {
     if (!restriction.on)
         return QStringLiteral("ei rajausta");

@@ -9,14 +9,14 @@
 
 namespace vatchange {
 
-/// What the words of a definition need beside the definition itself.
+/// Names of the company that the description of a definition uses.
 struct DefinitionNames {
     QStringList levels;                 ///< price levels; index 0: "Ei muutosta"
     QMap<int, QString> customerGroups;  ///< by number
     QMap<int, QString> rates;           ///< of VAT classes, "24%"
 };
 
-/// All parameters of a definition in words, in Finnish, as sections of a report.
+/// Describes all parameters of a definition in Finnish, as sections of a report.
 void describeDefinition(ReportHtml& html, const ChangeDefinition& definition,
                         const DefinitionNames& names);
 

@@ -37,7 +37,7 @@ void levelRows(QGridLayout* grid, int count, int height) {
         grid->setRowMinimumHeight(row, height);
         grid->setRowStretch(row, 1);
         if (grid->itemAtPosition(row, 0) == nullptr) {
-            // A row without a widget of fixed height, as its neighbours have, gets another share.
+            // Rows without a widget of fixed height would otherwise get a different share.
             auto* filler = new QWidget(grid->parentWidget());
             filler->setFixedHeight(height);
             grid->addWidget(filler, row, 0);

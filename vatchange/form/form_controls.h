@@ -15,15 +15,15 @@
 
 namespace vatchange {
 
-/// Coefficient table and keep-VAT0 table run side by side: 1..9 the price levels, then purchase
-/// price, last purchase price, sales orders, purchase orders. Tags count from 1.
+/// Tags of the coefficient and keep-VAT0 tables, from 1: price levels 1..9, purchase price, last
+/// purchase price, sales orders, purchase orders.
 inline constexpr int kCoefficients = 13;
 inline constexpr int kPurchaseTag = 10;
 inline constexpr int kLastPurchaseTag = 11;
 inline constexpr int kSalesOrderTag = 12;
 inline constexpr int kPurchaseOrderTag = 13;
 
-// The measures that all groups of the form share, in logical pixels.
+// Measures shared by all groups of the form, in logical pixels.
 inline constexpr int kGutter = 8;        ///< between groups, and around them
 inline constexpr int kGroupMargin = 10;  ///< inside a group's frame, left and right
 inline constexpr int kColumnGap = 8;
@@ -39,7 +39,7 @@ class PriceLevelBox : public QWidget {
   public:
     PriceLevelBox(int titleWidth, QWidget* parent);
     const QString& title() const { return m_title; }
-    /// A title too long for the row is shortened; its tool tip has the whole.
+    /// A title too long for the row is shortened; the tool tip has it in full.
     void setTitle(const QString& title);
 
   private:
@@ -47,7 +47,7 @@ class PriceLevelBox : public QWidget {
     QLabel* m_label;
 };
 
-/// Controls of one kind of group restriction.
+/// Controls of the restriction by one kind of group.
 struct RestrictionControls {
     QCheckBox* on = nullptr;
     QWidget* box = nullptr;  ///< holds the rest; enabled while `on` is checked
@@ -57,7 +57,7 @@ struct RestrictionControls {
     framework::TextEdit* ignored = nullptr;
 };
 
-/// The controls of the change form, each under its object name.
+/// The controls of the change form.
 struct FormControls {
     RestrictionControls subGroup;
     RestrictionControls productGroup;
@@ -112,7 +112,7 @@ struct FormControls {
     }
 };
 
-// Each builds a group of controls, names them and enters them into `controls`.
+// Each builds and names a group of controls and stores them in `controls`.
 QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent);
 QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent);
 QGroupBox* buildPrices(FormControls& controls, QWidget* parent);
@@ -122,12 +122,12 @@ QGroupBox* buildOptions(FormControls& controls, QWidget* parent);
 QGroupBox* buildLogging(FormControls& controls, QWidget* parent);
 void buildRounding(FormControls& controls, QWidget* parent);
 
-/// The grid of a group, with the margins and gaps that all groups share.
+/// Creates the grid of a group, with the shared margins and gaps.
 QGridLayout* groupGrid(QGroupBox* box);
-/// Makes the first `count` rows equally high, at least `height`, however much room there is.
+/// Makes the first `count` rows equally high, at least `height`, at any size.
 void levelRows(QGridLayout* grid, int count, int height);
 
-/// Gives the control of a field its object name, hint and accessible name.
+/// Sets object name, hint and accessible name of a field's control.
 void nameControl(QWidget& control, const ChangeField& field);
 template <typename Control>
 Control* named(Control* control, const QString& objectName) {

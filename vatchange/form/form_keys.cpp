@@ -4,7 +4,7 @@
 #include "framework/ui/dialogs.h"
 #include "vatchange/form/change_form.h"
 
-// Keys that no control of the change form has taken for itself.
+// Keys that the controls of the change form leave unhandled.
 
 namespace vatchange {
 
@@ -12,7 +12,7 @@ void TAlvMuutosLomake::keyPressEvent(QKeyEvent* event) {
     const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (plain && enter && focusWidget() != nullptr && !m_running) {
-        // Enter takes what was typed and goes on to the next control. It never starts a run.
+        // Enter commits the edit and moves to the next control. It never starts a run.
         QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
         QCoreApplication::sendEvent(focusWidget(), &tab);
         return;
@@ -24,7 +24,7 @@ void TAlvMuutosLomake::keyPressEvent(QKeyEvent* event) {
     TPerusForm::keyPressEvent(event);
 }
 
-// Escape is pressed more easily than a button: what was typed and not saved is asked about.
+// Escape is easily pressed by mistake, so it asks before unsaved changes are lost.
 void TAlvMuutosLomake::leaveByKey() {
     const bool loses = !m_running && !unattended() && hasUnsavedChanges();
     if (!loses || framework::Dialogs::ask(

@@ -11,7 +11,7 @@ namespace vatchange {
 
 namespace {
 
-constexpr int kFrameHeight = 40;  // title bar and borders of the desktop, about
+constexpr int kFrameHeight = 40;  // title bar and borders, approximately
 // Beyond this the form no longer grows with its window: rows too far apart are hard to follow.
 constexpr QSize kLargestContent(1560, 800);
 constexpr int kProgressWidth = 260;
@@ -41,7 +41,7 @@ QLayout* TAlvMuutosLomake::buildDefinitionBar() {
     return bar;
 }
 
-// Created in the order that the eye and the tab key go. One grid, so that all edges are in line.
+// Created in reading order, which is the tab order. One grid aligns all edges.
 QLayout* TAlvMuutosLomake::buildGroups() {
     enum Column { kLeft, kMiddle, kRight };
     auto* groups = new QGridLayout;
@@ -60,7 +60,7 @@ QLayout* TAlvMuutosLomake::buildGroups() {
     groups->addWidget(buildPurchaseOrders(m_controls, m_content), 2, kRight);
     groups->addWidget(buildLogging(m_controls, m_content), 3, kMiddle, 1, 2);
 
-    // As high as they are, so that all grow alike.
+    // Proportional to their heights, so that all grow alike.
     const int stretches[] = {15, 20, 12, 5};
     for (int row = 0; row < 4; ++row)
         groups->setRowStretch(row, stretches[row]);
@@ -106,7 +106,7 @@ void TAlvMuutosLomake::buildLayout() {
     setWindowTitle(QStringLiteral("ALV muutos"));
     auto* area = new QScrollArea(this);
     area->setFrameShape(QFrame::NoFrame);
-    area->setFocusPolicy(Qt::NoFocus);  // no stop of the tab key
+    area->setFocusPolicy(Qt::NoFocus);  // not in the tab order
     area->setWidgetResizable(true);
     area->setAlignment(Qt::AlignCenter);
     m_content = new QWidget(area);
@@ -125,7 +125,7 @@ void TAlvMuutosLomake::buildLayout() {
     auto* foot = new QWidget(this);
     foot->setLayout(buildFoot());
     foot->setMaximumWidth(kLargestContent.width());
-    auto* footLine = new QHBoxLayout;  // under the content, also where that is in the middle
+    auto* footLine = new QHBoxLayout;  // below the content, centred with it
     footLine->addStretch(1);
     footLine->addWidget(foot, kMostStretch);
     footLine->addStretch(1);
@@ -142,8 +142,7 @@ void TAlvMuutosLomake::buildLayout() {
 }
 
 void TAlvMuutosLomake::fitToScreen() {
-    // A scroll area asks for little; the window should open at what its content needs, as far as
-    // the screen has room.
+    // The size hint of a scroll area is small; open at the size of the content, up to the screen's.
     const QSize content = m_content->sizeHint();
     QSize wanted(content.width(), content.height() + 2 * kGutter + m_close->sizeHint().height());
     if (const QScreen* screen = QGuiApplication::primaryScreen())

@@ -7,15 +7,15 @@ namespace vatchange {
 namespace {
 
 constexpr int kOrderRows = 3;
-constexpr int kOptionRows = 5;  // of the options and of the rounding beside them
+constexpr int kOptionRows = 5;  // of the options and the rounding next to them
 
-// Sales and purchase orders stand side by side with their rows level.
+// Sales and purchase orders are side by side with aligned rows.
 void finishOrderGrid(QGridLayout* grid, const QWidget* edit) {
     levelRows(grid, kOrderRows, edit->sizeHint().height());
     grid->setColumnStretch(1, 1);
 }
 
-// A group of an order kind: titled and explained as its coefficient is.
+// A group of an order kind, with the title and hint of its coefficient.
 QGroupBox* orderGroup(FormControls& controls, int tag, const QString& coefficient,
                       const QString& keepVat0, QWidget* parent) {
     auto* box = new QGroupBox(changeField(coefficient).caption, parent);
@@ -90,7 +90,7 @@ QGroupBox* buildOptions(FormControls& controls, QWidget* parent) {
 QGroupBox* buildLogging(FormControls& controls, QWidget* parent) {
     auto* box = new QGroupBox(QStringLiteral("Loki ja verkkokauppa"), parent);
     QGridLayout* grid = groupGrid(box);
-    // The group is as wide as two others: its second half begins where the second one's does.
+    // The group spans two columns of groups; its second half is aligned with the second one.
     grid->setHorizontalSpacing(kGutter + 2 * (kGroupMargin + 1));
     controls.productLog = namedCheckBox(QStringLiteral("Tuoteloki"), box);
     controls.leaveWebShop = namedCheckBox(QStringLiteral("Eiverkkokauppaa"), box);

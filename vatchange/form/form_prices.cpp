@@ -6,7 +6,7 @@ namespace vatchange {
 
 namespace {
 
-constexpr int kTitleCharacters = 17;  // of a price level's name; a longer one is shortened
+constexpr int kTitleCharacters = 17;  // of a price level's name; longer names are shortened
 
 // Widths that all rows of the table share; the nine levels are widgets of their own.
 struct Columns {
@@ -27,7 +27,7 @@ QLabel* cell(const QString& text, int width, QWidget* parent) {
     return label;
 }
 
-// A row of the table as a widget: rows that are widgets share what room a larger window gives.
+// A table row as a widget: such rows share the extra height of a larger window.
 QHBoxLayout* tableRow(QWidget* row) {
     auto* cells = new QHBoxLayout(row);
     cells->setContentsMargins(0, 0, 0, 0);
@@ -123,7 +123,7 @@ QGroupBox* buildPrices(FormControls& controls, QWidget* parent) {
     addWholeRow(purchaseRow(controls, kLastPurchaseTag, kLastPurchaseControl,
                             QStringLiteral("SailytaAlv0_CheckBoxViimOstohinta"), columns, box));
 
-    // Below the table: the limit and two choices, and beside them what the shortcut keys do.
+    // Below the table: the limit, two choices and the help on shortcut keys.
     const int foot = row;
     grid->addWidget(limitRow(controls, columns, box), row++, 0);
     controls.keepPricelistVat0 =

@@ -10,8 +10,7 @@ namespace {
 
 constexpr int kVisibleGroups = 24;  // characters of a customer group's name
 
-// Widths that the rows of the restrictions share, so that their columns stand in line although each
-// row is a widget of its own.
+// Widths shared by all rows, so that columns line up although each row is a separate widget.
 struct Columns {
     explicit Columns(const QWidget* parent)
         : check(parent->fontMetrics().horizontalAdvance(QStringLiteral("Tuotenro (ei käytössä)")) +
@@ -33,7 +32,7 @@ QLabel* heading(const QString& text, int width, QWidget* parent) {
     return label;
 }
 
-// A row that grows with its window, its controls in the middle.
+// A row that grows with its window, controls centred vertically.
 QHBoxLayout* flatRow(QWidget* box) {
     box->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     auto* row = new QHBoxLayout(box);
@@ -137,7 +136,7 @@ QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
     controls.customerGroups = named(new framework::CheckList(box), kCustomerGroupsControl);
     controls.customerGroups->setMinimumWidth(kVisibleGroups *
                                              box->fontMetrics().averageCharWidth());
-    // The height is that of the four rows beside it.
+    // As high as the four rows next to it.
     controls.customerGroups->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored);
     QLabel* label = captionLabel(controls.customerGroups, box);
     grid->setColumnMinimumWidth(2, kColumnGap);

@@ -10,8 +10,8 @@
 
 namespace vatchange {
 
-/// The form as a run sees it. The run tells of every row; the window follows every 50 ms, four
-/// times a second when nobody is there to press a key.
+/// The form as the ports of a run. The run reports every row; the window is updated every 50 ms,
+/// four times a second when unattended.
 class FormRunPorts : public RunPorts {
   public:
     explicit FormRunPorts(TAlvMuutosLomake& form) : m_form(form) { m_sinceStep.start(); }
@@ -47,7 +47,7 @@ class FormRunPorts : public RunPorts {
     static constexpr qint64 kUnattendedBreathMs = 250;
     static constexpr qint64 kEstimateAfterMs = 2000;
 
-    // What is left of the present step at the pace so far.
+    // Time left of the current step at the average speed so far.
     QString remaining() const {
         const qint64 elapsed = m_sinceStep.elapsed();
         if (m_total <= 0 || m_done <= 0 || elapsed < kEstimateAfterMs)
@@ -93,7 +93,7 @@ std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick() {
 void TAlvMuutosLomake::setRunning(bool running) {
     m_running = running;
     m_content->setEnabled(!running);
-    m_exits.dropExits();  // what is disabled loses the focus
+    m_exits.dropExits();  // disabled controls lose the focus
     Esikatsele->setEnabled(!running);
     m_close->setEnabled(!running);
     m_interrupt->setEnabled(running);
@@ -101,7 +101,7 @@ void TAlvMuutosLomake::setRunning(bool running) {
     m_progress->setRange(0, 0);
     m_progress->setFormat({});
     if (!running && isActiveWindow())
-        LatausCombo->setFocus();  // far from a second run by the key that closed the last message
+        LatausCombo->setFocus();  // the key that closed a message must not start a second run
     Q_EMIT runningChanged(running);
 }
 

@@ -5,7 +5,7 @@
 
 namespace vatchange {
 
-/// Builds the body of a report. All texts are plain; they are escaped here.
+/// Builds the body of a report. Takes plain texts and escapes them.
 class ReportHtml {
   public:
     void title(const QString& text);
@@ -15,10 +15,10 @@ class ReportHtml {
     /// A line of a log, in small type.
     void logLine(const QString& text);
 
-    /// A name and its value; rows one after another make a table.
+    /// A name and its value; consecutive rows form a table.
     void row(const QString& name, const QString& value);
-    /// The heading row of a table of its own columns, repeated on every page; `rightAligned` counts
-    /// the columns from the right that hold numbers.
+    /// Starts a table. The heading row is repeated on every page; the last `rightAligned` columns
+    /// hold numbers.
     void beginTable(const QStringList& headings, int rightAligned = 0);
     void tableRow(const QStringList& cells);
 

@@ -8,20 +8,20 @@
 
 namespace vatchange {
 
-/// What a report of the change form says.
+/// Contents of a report of the change form.
 struct ChangeReport {
     QString company;
     QString name;  ///< of the definition; empty when it is not saved
     QString description;
-    ChangeDefinition definition;  ///< what the form says now
+    ChangeDefinition definition;  ///< as shown in the form
     DefinitionNames names;
     std::optional<RunSummary> lastRun;
 };
 
-/// The definition in words and, when one was run, what the last run did.
+/// Describes the definition and the last run, if any.
 framework::Report changeReport(const ChangeReport& report);
 
-/// How a run ended, as a sentence for the status line and the report.
+/// Returns the outcome of a run as a sentence for the status line and the report.
 QString outcomeText(const RunResult& result);
 
 }  // namespace vatchange

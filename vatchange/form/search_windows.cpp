@@ -35,7 +35,7 @@ void openSearchWindow(SearchKind kind, const QString& caller, QWidget* parent,
                                QTableView*, const data::TtbTable& record) {
         chosen(record.fieldByName(field).asString().trimmed());
     });
-    // Who has ordered the window by another key looks for something else than the present number.
+    // A window ordered by another key is not moved to the present number.
     const bool hasNumber = !present.isEmpty() && present != QLatin1String("0");
     if (hasNumber && form->Hakutable->indexName() == kNumberKey)
         form->gotoNearest(kNumberKey, present);

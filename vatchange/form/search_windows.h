@@ -6,13 +6,13 @@
 
 namespace vatchange {
 
-/// What a search window of the form picks.
+/// Kind of record that a search window picks.
 enum class SearchKind { SubGroup, ProductGroup, MainGroup, Product };
 
-/// Opens the search window of a kind in front of `parent`, on the record that the form has now
-/// (`present`); it calls `chosen` with the number of the record that the user picks. It stays open
-/// beside its parent, so that numbers can also be dragged from it into the parent's edits. Closed,
-/// it is kept for `caller` with its place, filter and ordering, until `parent` is destroyed.
+/// Opens the search window of a kind above `parent`, at the number `present`, and calls `chosen`
+/// with the number that the user picks. The window is not modal, so numbers can also be dragged
+/// into the parent's edits. Once closed, it keeps its place, filter and ordering for `caller` until
+/// `parent` is destroyed.
 /// @throws data::DataError when the table cannot be opened.
 void openSearchWindow(SearchKind kind, const QString& caller, QWidget* parent,
                       const QString& present, std::function<void(const QString& key)> chosen);
