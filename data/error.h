@@ -63,7 +63,7 @@ class DataError : public std::runtime_error {
     bool m_verbatim = false;
 };
 
-/// The line that tells a person what was thrown: the Finnish text of a data error.
+/// One line for the user about an exception: the Finnish text of a data error.
 QString errorText(const std::exception& error);
 
 }  // namespace data

@@ -58,7 +58,7 @@ void putValue(QByteArray& to, const Value& value) {
     }
 }
 
-// Moves past a cell.
+// Skips a cell.
 void skipValue(const QByteArray& from, qsizetype& at) {
     switch (from.at(at++)) {
         case kWhole:

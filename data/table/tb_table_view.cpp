@@ -8,7 +8,7 @@
 
 namespace data {
 
-// While it lives the table stands on a candidate, for a record filter.
+// Makes a candidate the current record while a record filter looks at it.
 class TtbTable::Candidate {
   public:
     Candidate(TtbTable& table, const StoredRecord& record)

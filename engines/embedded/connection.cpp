@@ -111,7 +111,7 @@ void Connection::configure() {
     sqlite3_db_config(db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-    // VACUUM, which asks no leave, works through an attached file.
+    // VACUUM bypasses the authorizer and uses an attached file.
     sqlite3_limit(db, SQLITE_LIMIT_ATTACHED, 0);
     registerFunctions(db);
     registerVirtualTables(*this);

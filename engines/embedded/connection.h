@@ -22,7 +22,7 @@ namespace engines::embedded {
 
 class StoredTable;
 
-/// Marks of the engine's files: "ZDB1", and the version of what stands in them.
+/// Application id ("ZDB1") and format version of the engine's files.
 inline constexpr int kApplicationId = 0x5A444231;
 inline constexpr int kFormatVersion = 1;
 

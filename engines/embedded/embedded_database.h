@@ -18,7 +18,8 @@ inline const QString kEmbeddedFileName = QStringLiteral("YRITYS.ZDB");
 bool hasEmbeddedDatabase(const QString& folder);
 
 /// Opens the embedded database of a folder. @throws DataError: NoConnection when there is none,
-/// Damaged when the file is none of ours or its catalogue disagrees with its tables, ReadOnly ...
+/// Damaged when the file is not a company database or its catalogue disagrees with its tables,
+/// ReadOnly ...
 std::unique_ptr<Database> openEmbedded(const QString& companyName, const QString& folder);
 
 /// Creates a new company database in the folder (made when missing) with the given tables and their

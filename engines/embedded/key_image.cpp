@@ -16,7 +16,7 @@ namespace {
 
 constexpr quint64 kTopBit = quint64{1} << 63;
 
-// Julian day of the image 0: before 0001-01-01, so that every date that a record holds stands above
+// Julian day of the image 0: before 0001-01-01, so that every date that a record holds sorts above
 // "no date".
 constexpr qint64 kImageDayZero = 1721424;
 

@@ -48,7 +48,7 @@ enum class Comparison { Equal, Less, LessOrEqual, Greater, GreaterOrEqual };
 /// nothing above (all bytes FF, or an empty prefix).
 QByteArray successor(QByteArrayView prefix);
 
-/// The number that stands for a date in images: 0 for none, and ascending.
+/// The number of a date in key images: ascending, 0 for no date.
 quint32 dateImage(const QDate& date);
 
 /// Builds the normalised image of one key. Holds a pointer to the layout, which must outlive it.

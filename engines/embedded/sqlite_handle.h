@@ -11,7 +11,7 @@
 
 namespace engines::embedded {
 
-/// The kind of error that a result code of SQLite means; `message` tells the SQL errors apart.
+/// The error kind of a SQLite result code; `message` distinguishes SQL errors.
 ErrorKind errorKind(int code, const char* message);
 
 /// Throws the DataError of the connection's last failure. `table` is the table or file concerned.

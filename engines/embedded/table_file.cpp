@@ -125,7 +125,7 @@ std::optional<StoredRecord> EmbeddedTableFile::skip(int key,
     }
     RecordId id = 0;
     {
-        // The key alone tells which record it is: none of those passed over is read.
+        // The key alone identifies the record; records passed over are not read.
         StatementLease rows =
             m_table.scan({key, ScanShape::Bounds::Range, backward, true, true, true});
         rows->bind(1, low);

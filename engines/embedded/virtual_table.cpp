@@ -71,7 +71,7 @@ QByteArray messageOf(const std::exception_ptr& failure) {
     }
 }
 
-// The result code by which a host tells its program what went wrong.
+// The result code that a host returns to its program.
 int codeOf(const std::exception_ptr& failure) {
     try {
         std::rethrow_exception(failure);

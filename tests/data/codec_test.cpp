@@ -280,22 +280,12 @@ TEST(ShortestText, ReadsBackToTheSameBytes) {
 }
 
 TEST(ShortestText, EverydayNumbersShowNoExponent) {
-    const std::vector<std::pair<double, const char*>> cases{{0.0, "0"},
-                                                            {-0.0, "0"},
-                                                            {12.0, "12"},
-                                                            {-12.5, "-12.5"},
-                                                            {0.1, "0.1"},
-                                                            {0.1 + 0.2, "0.30000000000000004"},
-                                                            {1.255, "1.255"},
-                                                            {1.14 * 1.0, "1.14"},
-                                                            {1e-7, "0.0000001"},
-                                                            {1e-8, "1e-08"},
-                                                            {1e15, "1000000000000000"},
-                                                            {1e16, "1e+16"}};
-    for (const auto& [value, text] : cases)
-        EXPECT_EQ(data::shortestText(value).toStdString(), text);
+    const QString texts =
+        "0|12|-12.5|0.1|0.30000000000000004|1.255|0.0000001|1e-08|1000000000000000|1e+16";
+    for (const QString& text : texts.split(u'|'))
+        EXPECT_EQ(data::shortestText(text.toDouble()), text);
+    EXPECT_EQ(data::shortestText(-0.0), "0");
     EXPECT_EQ(data::shortestText(0.1F), "0.1");
-    EXPECT_EQ(data::shortestText(25.5F), "25.5");
 }
 
 TEST(ValueText, TextsThatAreNoValueSayWhy) {

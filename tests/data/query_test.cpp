@@ -140,9 +140,9 @@ qint64 anonymousMemory() {
 }
 
 TEST_F(QueryTest, ALargeResultGoesToAFile) {
-    constexpr qint64 kRows = 100000;  // about 50 MB
+    constexpr qint64 kRows = 250000;  // about 95 MB
     m_query.sql().setText(
-        "with recursive n(i) as (values (0) union all select i + 1 from n where i < 99999) "
+        "with recursive n(i) as (values (0) union all select i + 1 from n where i < 249999) "
         "select i, substr(printf('%500c', 'n'), 1, i % 1000) teksti, i + 0.5 hinta from n");
     const qint64 before = anonymousMemory();
     m_query.open();

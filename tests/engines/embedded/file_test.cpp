@@ -94,15 +94,6 @@ TEST_F(EmbeddedFile, FilesThatAreNoneOfOurs) {
     EXPECT_TRUE(newer.detail().contains("newer")) << newer.english().toStdString();
 }
 
-TEST_F(EmbeddedFile, ErrorKindsOfTheDatabase) {
-    using engines::embedded::errorKind;
-    EXPECT_EQ(errorKind(SQLITE_FULL, nullptr), ErrorKind::DiskFull);
-    EXPECT_EQ(errorKind(SQLITE_READONLY_DBMOVED, nullptr), ErrorKind::ReadOnly);
-    EXPECT_EQ(errorKind(SQLITE_IOERR_FSYNC, nullptr), ErrorKind::Io);
-    EXPECT_EQ(errorKind(SQLITE_CORRUPT_VTAB, nullptr), ErrorKind::Damaged);
-    EXPECT_EQ(errorKind(SQLITE_BUSY_SNAPSHOT, nullptr), ErrorKind::Locked);
-}
-
 TEST_F(EmbeddedFile, ACatalogueThatDisagreesNamesTheTable) {
     // A key that the stored table lacks is found when the table is opened, a missing table at once.
     tamper("ALTER TABLE rec_KAMPPANJA DROP COLUMN data; ALTER TABLE rec_KAMPPANJA ADD data");
