@@ -15,14 +15,10 @@ TAKSAVAIHE_SQL_SERVERS is set, as in scripts/test.sh."""
 
 import argparse
 import atexit
-import fcntl
-import hashlib
 import json
 import os
 import random
 import re
-import resource
-import shlex
 import shutil
 import signal
 import subprocess
@@ -34,8 +30,7 @@ import time
 sys.dont_write_bytecode = True
 import mutant_sites  # noqa: E402
 from mutant_sites import Fault  # noqa: E402
-
-ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+from mutant_tree import ROOT, Process, Tree  # noqa: E402
 
 # Modules: path prefixes of their sources (the longest match counts) and the test programs to run first.
 # Folders and programs that do not exist are ignored.
@@ -69,13 +64,6 @@ MODULES = (
 LEFT_OUT = ("tools/zavdb/demo/",)
 KINDS = ("sign", "comparison", "arguments", "call", "constant", "text", "condition", "branch")
 
-OPTIONS = ["-DCMAKE_BUILD_TYPE=Release", "-DCMAKE_CXX_FLAGS_RELEASE=-O1 -D_GLIBCXX_ASSERTIONS",
-           "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON", "-DTAKSAVAIHE_TESTS=ON"]
-BUILD_SECONDS = 1200      # to rebuild after one fault, linking every program
-MEMORY = 6 << 30          # limit of a test program; a fault may leak without bound
-FILE_SIZE = 4 << 30
-
-
 def say(*words):
     print(*words, flush=True)
 
@@ -89,167 +77,14 @@ def module_of(path):
     return None if path.startswith(LEFT_OUT) else best[1]
 
 
-class Process:
-    """Runs a command in its own process group, which is always killed at the end."""
-    running = set()
-    lock = threading.Lock()
-
-    @classmethod
-    def run(cls, command, seconds, limited=False, **options):
-        """Returns exit code (None: timeout) and output."""
-        def limits():
-            resource.setrlimit(resource.RLIMIT_DATA, (MEMORY, MEMORY))
-            resource.setrlimit(resource.RLIMIT_FSIZE, (FILE_SIZE, FILE_SIZE))
-            resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-        with tempfile.TemporaryFile() as output:
-            process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=output,
-                                       stderr=subprocess.STDOUT, start_new_session=True,
-                                       preexec_fn=limits if limited else None, **options)
-            with cls.lock:
-                cls.running.add(process.pid)
-            try:
-                code = process.wait(seconds)
-            except subprocess.TimeoutExpired:
-                code = None
-            finally:
-                cls.end(process.pid)
-                process.wait()
-                with cls.lock:
-                    cls.running.discard(process.pid)
-            output.seek(max(0, output.seek(0, os.SEEK_END) - 200_000))
-            return code, output.read().decode("utf-8", "replace")
-
-    @classmethod
-    def end(cls, pid):
-        try:
-            os.killpg(pid, signal.SIGKILL)
-        except ProcessLookupError:
-            pass
-
-    @classmethod
-    def end_all(cls):
-        with cls.lock:
-            for pid in cls.running:
-                cls.end(pid)
-
-
-class Tree:
-    """The copy of the sources that is mutated, and its build."""
-
-    def __init__(self, folder, jobs):
-        self.jobs = jobs
-        self.source = os.path.join(folder, "source")
-        self.build = os.path.join(folder, "build")
-        self.scratch = os.path.join(folder, "scratch")
-        self.changed = {}  # mutated sources with their original text
-        self.objects = {}  # object code of the unchanged sources
-        os.makedirs(self.source, exist_ok=True)
-        self.lock = open(os.path.join(folder, "lock"), "w")
-        try:
-            fcntl.flock(self.lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
-        except BlockingIOError:
-            raise SystemExit(f"{folder} is in use by another run")
-        atexit.register(self.restore)
-
-    def synchronize(self):
-        """Copies the tracked files; unchanged ones keep their time stamps, so that little is rebuilt."""
-        listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
-                                cwd=ROOT, check=True, capture_output=True).stdout.decode().split("\0")
-        names = {name for name in listed if os.path.isfile(os.path.join(ROOT, name))}
-        digest = hashlib.sha256()
-        for name in sorted(names):
-            with open(os.path.join(ROOT, name), "rb") as file:
-                content = file.read()
-            if not name.startswith(("docs/", "scripts/")):
-                digest.update(f"{name}\0{len(content)}\0".encode() + content)
-            target = os.path.join(self.source, name)
-            if os.path.isfile(target):
-                with open(target, "rb") as file:
-                    if file.read() == content:
-                        continue
-            os.makedirs(os.path.dirname(target), exist_ok=True)
-            shutil.copy(os.path.join(ROOT, name), target)
-        for folder, _, files in os.walk(self.source):
-            for file in files:
-                path = os.path.join(folder, file)
-                if os.path.relpath(path, self.source) not in names:
-                    os.remove(path)
-        self.digest = digest.hexdigest()
-
-    def configure(self):
-        linker = next((name for name in ("mold", "lld") if shutil.which("ld." + name)), None)
-        options = OPTIONS + [f"-DCMAKE_{kind}_LINKER_FLAGS=-fuse-ld={linker}"
-                             for kind in ("EXE", "SHARED", "MODULE") if linker]
-        code, output = Process.run(["cmake", "-G", "Ninja", "-S", self.source, "-B", self.build, *options],
-                                   600)
-        if code != 0:
-            raise SystemExit(output)
-
-    def make(self, *targets, seconds=BUILD_SECONDS):
-        return Process.run(["ninja", "-C", self.build, "-j", str(self.jobs), *targets], seconds)
-
-    def read_commands(self):
-        with open(os.path.join(self.build, "compile_commands.json"), encoding="utf-8") as file:
-            self.commands = {}
-            for entry in json.load(file):
-                name = os.path.relpath(entry["file"], self.source)
-                self.commands.setdefault(name, []).append(entry)
-
-    def sources(self):
-        """Returns the compiled sources of each module."""
-        found = {}
-        for name in sorted(self.commands):
-            module = module_of(name)
-            if module and not name.startswith("..") and os.path.exists(self.path(name)):
-                found.setdefault(module, []).append(name)
-        return found
-
-    def path(self, name):
-        return os.path.join(self.source, name)
-
-    def read(self, name):
-        with open(self.path(name), encoding="utf-8", newline="") as file:
-            return file.read()
-
-    def write(self, name, text):
-        with open(self.path(name), "w", encoding="utf-8", newline="") as file:
-            file.write(text)
-
-    def put(self, name, text):
-        self.changed.setdefault(name, self.read(name))
-        self.write(name, text)
-
-    def restore(self):
-        # rewritten, so that it is newer than the objects built with the fault
-        for name, text in self.changed.items():
-            self.write(name, text)
-        self.changed = {}
-
-    def compiled(self, name):
-        """Returns the object code of a source; None if it does not compile."""
-        codes = []
-        for entry in self.commands[name]:
-            words = shlex.split(entry["command"])
-            target = words.index("-o") + 1
-            words[target] = os.path.join(self.scratch, "object.o")
-            if "-MF" in words:
-                words[words.index("-MF") + 1] = os.path.join(self.scratch, "object.d")
-            code, _ = Process.run(words, 300, cwd=entry["directory"])
-            if code != 0:
-                return None
-            with open(words[target], "rb") as file:
-                codes.append(hashlib.sha256(file.read()).hexdigest())
-        return codes
-
-    def makes_a_difference(self, fault, text):
-        if fault.file not in self.objects:
-            self.objects[fault.file] = self.compiled(fault.file)
-        self.put(fault.file, text)
-        try:
-            codes = self.compiled(fault.file)
-        finally:
-            self.restore()
-        return codes is not None and codes != self.objects[fault.file]
+def sources(tree):
+    """The compiled sources of each module."""
+    found = {}
+    for name in sorted(tree.commands):
+        module = module_of(name)
+        if module and not name.startswith("..") and os.path.exists(tree.path(name)):
+            found.setdefault(module, []).append(name)
+    return found
 
 
 class Suite:
@@ -411,7 +246,7 @@ class Draw:
         self.tree, self.chance = tree, random.Random(str(seed))
         columns = mutant_sites.Columns(tree.source)
         self.sites = {}
-        for module, names in tree.sources().items():
+        for module, names in sources(tree).items():
             if modules and module not in modules:
                 continue
             kinds = {}
@@ -464,8 +299,8 @@ class Draw:
 
 
 def locate(tree, fault):
-    """Returns the source that now contains the fault's line and its mutated text; None if there is none."""
-    every = [name for names in tree.sources().values() for name in names]
+    """The source that holds this fault's line now, and its text with the fault; None when none does."""
+    every = [name for names in sources(tree).values() for name in names]
     base = os.path.basename(fault.file)
     for names in ([n for n in every if n == fault.file], [n for n in every if os.path.basename(n) == base],
                   every):
