@@ -94,7 +94,7 @@ TEST_F(ConnectionTest, TheAliasChoosesTheEngineOrSaysWhyNot) {
         {"tuntematon", "registered", "sen nimistä yritystä ei ole luettelossa"}};
     for (const auto& [name, reason, finnish] : cases) {
         const data::DataError error =
-            test::thrownBy([&] { TZavDbConnectionModule::openByAlias(str(name)); });
+            test::thrownBy([alias = str(name)] { TZavDbConnectionModule::openByAlias(alias); });
         EXPECT_EQ(error.kind(), data::ErrorKind::NoConnection) << name;
         EXPECT_TRUE(error.detail().contains(str(reason))) << error.what();
         EXPECT_TRUE(error.finnish().contains(str(finnish))) << error.finnish().toStdString();
