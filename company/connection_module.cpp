@@ -182,6 +182,10 @@ data::Database& companyDatabase() {
     return TZavDbConnectionModule::instance().connection(currentCompany().name).database();
 }
 
+QString databaseLibraryVersion() {
+    return engines::embeddedLibraryVersion();
+}
+
 void openCompanyTable(data::TtbTable& table, const QString& tableName) {
     openCompanyTable(table, tableName, companyDatabase());
 }

@@ -92,6 +92,9 @@ class TZavDbConnectionModule {
 /// The current company's database. The first use connects.
 data::Database& companyDatabase();
 
+/// Version of the SQLite library of the embedded engine, for the program's about box.
+QString databaseLibraryVersion();
+
 /// (Re)opens a record table on the database (default: the current company's). Adds the alias's
 /// owner name unless the table name already has ";OWNER:".
 void openCompanyTable(data::TtbTable& table, const QString& tableName);

@@ -76,6 +76,10 @@ QSet<QString> storedTables(sqlite3* db) {
 
 }  // namespace embedded
 
+QString embeddedLibraryVersion() {
+    return QLatin1String(sqlite3_libversion());
+}
+
 bool hasEmbeddedDatabase(const QString& folder) {
     return QFile::exists(embedded::companyFile(folder));
 }

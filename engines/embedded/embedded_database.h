@@ -32,6 +32,9 @@ void createEmbedded(const QString& folder, const std::vector<TableSource>& table
 void backupEmbedded(const QString& folder, const QString& targetFile,
                     const std::function<bool(int done, int total)>& progress);
 
+/// Version of the SQLite library that the engine uses.
+QString embeddedLibraryVersion();
+
 /// Reads every record and every key of every table. @return one English line for each thing that is
 /// wrong; empty when all is well.
 QStringList checkEmbedded(const QString& folder);

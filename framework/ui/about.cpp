@@ -1,13 +1,13 @@
 #include "framework/ui/about.h"
 
-#include <sqlite3.h>
-
 #include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include "company/connection_module.h"
 
 namespace framework {
 
@@ -20,7 +20,7 @@ struct Library {
 
 QList<Library> libraries() {
     return {{QStringLiteral("Qt %1").arg(QLatin1String(qVersion())), QStringLiteral("LGPL 3")},
-            {QStringLiteral("SQLite %1").arg(QLatin1String(sqlite3_libversion())),
+            {QStringLiteral("SQLite %1").arg(company::databaseLibraryVersion()),
              QStringLiteral("ilman tekijänoikeutta (public domain)")},
 #ifndef Q_OS_WIN
             {QStringLiteral("unixODBC"), QStringLiteral("LGPL 2.1")}
