@@ -113,36 +113,6 @@ void SqlEngine::createTables(const QStringList& tables) const {
     }
 }
 
-qint64 exec(data::Database& database, const QString& sql, const Parameters& with) {
-    data::TUniQuery query(&database);
-    query.sql().setText(sql);
-    for (const auto& [name, value] : with)
-        query.paramByName(name).setValue(value);
-    return query.execSql();
-}
-
-Rows rows(data::Database& database, const QString& sql, const Parameters& with) {
-    data::TUniQuery query(&database);
-    query.sql().setText(sql);
-    for (const auto& [name, value] : with)
-        query.paramByName(name).setValue(value);
-    Rows lines;
-    for (query.open(); !query.eof(); query.next()) {
-        QStringList cells;
-        for (const QString& name : query.fieldNames()) {
-            const data::Value value = query.fieldByName(name).value();
-            if (value.typeId() == QMetaType::Double)
-                cells += data::shortestText(value.toDouble());
-            else if (value.typeId() == QMetaType::QByteArray)
-                cells += QString::fromLatin1(value.toByteArray().toHex());
-            else
-                cells += value.isValid() ? value.toString() : QStringLiteral("NULL");
-        }
-        lines.push_back(cells.join(QLatin1Char('|')).toStdString());
-    }
-    return lines;
-}
-
 void copyTable(data::Database& from, data::Database& to, const data::TableSource& table) {
     QStringList names;
     QStringList places;

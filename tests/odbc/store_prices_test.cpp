@@ -8,7 +8,6 @@ namespace {
 
 using test::exec;
 using test::rows;
-using test::Rows;
 using vatchange::RoundingRule;
 using vatchange::RoundingStep;
 
@@ -51,7 +50,7 @@ TEST_P(StorePrices, AreRoundedByEveryStepAndRule) {
             else
                 EXPECT_EQ(change(), 1);
             EXPECT_EQ(rows(engine.database(), "select Hinta1 from MYYMALAHINNAT"),
-                      Rows{c.byRule[rule] == nullptr ? "1" : c.byRule[rule]});
+                      QStringList{c.byRule[rule] == nullptr ? "1" : c.byRule[rule]});
         }
     }
 }

@@ -11,6 +11,10 @@
 #include <unistd.h>
 #endif
 
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
+
 namespace test {
 
 inline QString str(const char* utf8) {

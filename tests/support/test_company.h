@@ -8,20 +8,14 @@
 #include <memory>
 
 #include "data/clock.h"
-#include "data/sql/uni_query.h"
 #include "engines/embedded/embedded_database.h"
 #include "tests/support/company_folder.h"
+#include "tests/support/sql.h"
 
 namespace test {
 
 /// Per cent by VAT class.
 using VatRates = std::map<int, double>;
-
-inline qint64 exec(data::Database& database, const QString& sql) {
-    data::TUniQuery query(&database);
-    query.sql().setText(sql);
-    return query.execSql();
-}
 
 /// Creates a company's database with these VAT classes and no other rows.
 inline void createCompany(const QString& folder, const VatRates& rates,

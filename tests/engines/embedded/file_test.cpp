@@ -10,7 +10,7 @@
 #endif
 
 using namespace data;
-using test::errorOf;
+using test::thrownBy;
 
 namespace {
 
@@ -25,7 +25,7 @@ class EmbeddedFile : public test::EmbeddedCompany {
     }
 
     DataError openingError() {
-        return errorOf([&] { engines::openEmbedded("KOE", folder()); });
+        return thrownBy([&] { engines::openEmbedded("KOE", folder()); });
     }
 };
 
@@ -38,14 +38,14 @@ void writeBytes(const QString& fileName, const QByteArray& bytes) {
 }  // namespace
 
 TEST_F(EmbeddedFile, CreationNeverReplacesAndLeavesNothingWhenItFails) {
-    EXPECT_EQ(errorOf([&] { engines::createEmbedded(folder(), allTableSources()); }).kind(),
+    EXPECT_EQ(thrownBy([&] { engines::createEmbedded(folder(), allTableSources()); }).kind(),
               ErrorKind::Engine);
     EXPECT_EQ(rows("select count(*) from hintataso"), QStringList{"9"});
 
     TableSource bad = allTableSources().front();
     bad.name = "TAULUNNIMIONAIVANLIIANPITKA";  // the catalogue holds 20 characters
     const QString elsewhere = folder() + "/uusi";
-    EXPECT_EQ(errorOf([&] { engines::createEmbedded(elsewhere, {bad}); }).kind(),
+    EXPECT_EQ(thrownBy([&] { engines::createEmbedded(elsewhere, {bad}); }).kind(),
               ErrorKind::BadValue);
     EXPECT_FALSE(QDir(elsewhere).exists());
     EXPECT_FALSE(engines::hasEmbeddedDatabase(elsewhere));
@@ -60,7 +60,7 @@ TEST_F(EmbeddedFile, CreationNeverReplacesAndLeavesNothingWhenItFails) {
 
 TEST_F(EmbeddedFile, FilesThatAreNoneOfOurs) {
     db.reset();
-    EXPECT_EQ(errorOf([&] { engines::openEmbedded("X", folder() + "/puuttuu"); }).kind(),
+    EXPECT_EQ(thrownBy([&] { engines::openEmbedded("X", folder() + "/puuttuu"); }).kind(),
               ErrorKind::NoConnection);
     const QByteArray whole = [&] {
         QFile stored(file());
@@ -101,10 +101,10 @@ TEST_F(EmbeddedFile, ACatalogueThatDisagreesNamesTheTable) {
     EXPECT_NO_THROW(db->openTable("KAMPPANJA"));
     tamper("DROP INDEX rec_TRYHMA_k2; ALTER TABLE rec_TRYHMA DROP COLUMN k2");
     db = engines::openEmbedded("KOE", folder());
-    DataError error = errorOf([&] { db->openTable("TRYHMA"); });
+    DataError error = thrownBy([&] { db->openTable("TRYHMA"); });
     EXPECT_EQ(error.kind(), ErrorKind::Damaged);
     EXPECT_EQ(error.table(), "TRYHMA");
-    error = errorOf([&] { db->prepare("select nro from tryhma"); });
+    error = thrownBy([&] { db->prepare("select nro from tryhma"); });
     EXPECT_EQ(error.kind(), ErrorKind::Damaged);
     tamper("DROP TABLE rec_PRYHMA");
     error = openingError();
@@ -147,9 +147,9 @@ TEST_F(EmbeddedFile, CheckFindsWhatIsWrong) {
         EXPECT_TRUE(said.contains(c.said)) << c.sql.toStdString() << "\n" << said.toStdString();
         if (QByteArray(c.said).contains("1187")) {
             db = engines::openEmbedded("KOE", folder());
-            EXPECT_EQ(errorOf([&] { rows("select * from ini"); }).kind(), ErrorKind::Damaged);
+            EXPECT_EQ(thrownBy([&] { rows("select * from ini"); }).kind(), ErrorKind::Damaged);
             EXPECT_EQ(
-                errorOf([&] { db->openTable("INI")->fromEnd(0, Direction::Forward, 1); }).kind(),
+                thrownBy([&] { db->openTable("INI")->fromEnd(0, Direction::Forward, 1); }).kind(),
                 ErrorKind::Damaged);
         }
         tamper(c.undo);
@@ -159,7 +159,7 @@ TEST_F(EmbeddedFile, CheckFindsWhatIsWrong) {
 }
 
 TEST_F(EmbeddedFile, TransactionsAreAllOrNothing) {
-    EXPECT_EQ(errorOf([&] {
+    EXPECT_EQ(thrownBy([&] {
                   db->inTransaction([&] {
                       run("insert into tryhma (nro) values (1)");
                       run("insert into tryhma (nro) values (1)");
@@ -190,10 +190,10 @@ TEST_F(EmbeddedFile, BackupIsConsistentAndNeverReplaces) {
     });
     EXPECT_TRUE(wrote);
     const auto copied = engines::openEmbedded("KOPIO", folder() + "/kopio");
-    EXPECT_EQ(rows("select nimi from tryhma", {}, copied.get()), QStringList{"ennen"});
+    EXPECT_EQ(test::rows(*copied, "select nimi from tryhma"), QStringList{"ennen"});
     EXPECT_EQ(rows("select nimi from tryhma"), QStringList{"aikana"});
     EXPECT_EQ(engines::checkEmbedded(folder() + "/kopio"), QStringList());
-    EXPECT_EQ(errorOf([&] { engines::backupEmbedded(folder(), copy, {}); }).kind(), ErrorKind::Io);
+    EXPECT_EQ(thrownBy([&] { engines::backupEmbedded(folder(), copy, {}); }).kind(), ErrorKind::Io);
     // a file of the same name and more is somebody else's
     writeBytes(folder() + "/toinen.zdb.part", "muun");
     engines::backupEmbedded(folder(), folder() + "/toinen.zdb", {});

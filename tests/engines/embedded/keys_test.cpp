@@ -7,9 +7,9 @@
 #include "tests/engines/embedded/fixture.h"
 
 using namespace data;
-using test::errorOf;
 using test::fieldOf;
 using test::setField;
+using test::thrownBy;
 
 namespace {
 
@@ -173,9 +173,9 @@ TEST_F(EmbeddedKeys, NextFindsThePlaceOfARecordThatIsGoneAndItsIdIsNotUsedAgain)
     EXPECT_EQ(file->next(0, stored[2], Direction::Forward, 1).at(0).id, stored[3].id);
     EXPECT_EQ(file->next(0, stored[2], Direction::Backward, 1).at(0).id, stored[1].id);
     EXPECT_FALSE(file->get(stored[2].id).has_value());
-    EXPECT_EQ(errorOf([&] { file->update(stored[2].id, stored[2].bytes); }).kind(),
+    EXPECT_EQ(thrownBy([&] { file->update(stored[2].id, stored[2].bytes); }).kind(),
               ErrorKind::Gone);
-    EXPECT_EQ(errorOf([&] { file->remove(stored[2].id); }).kind(), ErrorKind::Gone);
+    EXPECT_EQ(thrownBy([&] { file->remove(stored[2].id); }).kind(), ErrorKind::Gone);
     run("delete from tryhma");
     file.reset();
     db = engines::openEmbedded("KOE", folder());
@@ -194,7 +194,7 @@ TEST_F(EmbeddedKeys, UniqueKeysAndNumbersGivenOut) {
     EXPECT_EQ(insert(0), 1);
     EXPECT_EQ(insert(7), 7);
     EXPECT_EQ(insert(0), 8);
-    const DataError error = errorOf([&] { insert(7); });
+    const DataError error = thrownBy([&] { insert(7); });
     EXPECT_EQ(error.kind(), ErrorKind::DuplicateKey);
     EXPECT_EQ(error.table(), "UUSIHINTA");
     EXPECT_TRUE(error.detail().contains("Avain \"7\"")) << error.english().toStdString();
@@ -203,12 +203,12 @@ TEST_F(EmbeddedKeys, UniqueKeysAndNumbersGivenOut) {
     EXPECT_EQ(file->recordCount(), 4);
 
     // Changing a key moves the record; changing it onto another's value changes nothing.
-    EXPECT_EQ(errorOf([&] { run("update uusihinta set avain = 8 where avain = 7"); }).kind(),
+    EXPECT_EQ(thrownBy([&] { run("update uusihinta set avain = 8 where avain = 7"); }).kind(),
               ErrorKind::DuplicateKey);
     EXPECT_EQ(run("update uusihinta set avain = 70 where avain = 7"), 1);
     EXPECT_TRUE(file->seek(0, SeekOp::Equal, {7}, 1).empty());
     EXPECT_EQ(rows("select max(avain) from uusihinta"), QStringList{"70"});
-    EXPECT_EQ(errorOf([&] { file->seek(0, SeekOp::Equal, {"abc"}, 1); }).kind(),
+    EXPECT_EQ(thrownBy([&] { file->seek(0, SeekOp::Equal, {"abc"}, 1); }).kind(),
               ErrorKind::BadValue);
     EXPECT_EQ(engines::checkEmbedded(folder()), QStringList());
 }
@@ -241,7 +241,7 @@ TEST_F(EmbeddedKeys, CatalogueGivesTheSourcesLayouts) {
             EXPECT_EQ(fields.join(' ').toLower(), source.keys[k].fields.join(' ').toLower());
         }
     }
-    EXPECT_EQ(errorOf([&] { db->openTable("PUUTTUU"); }).kind(), ErrorKind::NoSuchTable);
+    EXPECT_EQ(thrownBy([&] { db->openTable("PUUTTUU"); }).kind(), ErrorKind::NoSuchTable);
     EXPECT_EQ(rows("select nro, nimi from hintataso where nro in (1, 9) order by nro"),
               (QStringList{"1|Hinta 1", "9|Hinta 9"}));
 }

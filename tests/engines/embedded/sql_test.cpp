@@ -5,7 +5,7 @@
 #include "tests/engines/embedded/fixture.h"
 
 using namespace data;
-using test::errorOf;
+using test::thrownBy;
 
 namespace {
 
@@ -172,7 +172,7 @@ TEST_F(EmbeddedSql, WhatTheUsersSqlMayNotDo) {
     for (const char* sql : {"select * from rec_TUOTE", "drop table tuote", "delete from rec_ini",
                             "pragma synchronous = off", "begin", "create table oma (a)",
                             "attach ':memory:' as m", "select * from sqlite_master"}) {
-        EXPECT_NE(errorOf([&] { run(sql); }).kind(), ErrorKind::Syntax) << sql;
+        EXPECT_NE(thrownBy([&] { run(sql); }).kind(), ErrorKind::Syntax) << sql;
     }
     const QString copy = folder() + "/kopio.db";
     for (const QString& sql : {QString("vacuum"), QString("/* */ VACUUM main -- "),
@@ -198,7 +198,7 @@ TEST_F(EmbeddedSql, ParametersAreFoundWhateverTheirCase) {
     const auto statement = db->prepare("select :Luku + :luku, ':ei', :toinen");
     EXPECT_EQ(statement->parameterNames(), (QStringList{"Luku", "toinen"}));
     statement->bind("LUKU", 2);
-    EXPECT_EQ(errorOf([&] { statement->bind("ei", 1); }).kind(), ErrorKind::NoSuchField);
+    EXPECT_EQ(thrownBy([&] { statement->bind("ei", 1); }).kind(), ErrorKind::NoSuchField);
     ASSERT_TRUE(statement->step());
     EXPECT_EQ(statement->value(0), Value(qint64{4}));
     EXPECT_FALSE(statement->value(2).isValid());
