@@ -7,6 +7,7 @@
 #include "data/error.h"
 #include "data/windows1252.h"
 #include "tests/data/record_fields.h"
+#include "tests/support/checks.h"
 
 using data::Kind;
 using data::Storage;
@@ -224,16 +225,13 @@ TEST(Codec, RefusedValuesChangeNothingAndAreNamed) {
         SCOPED_TRACE(c.words);
         QByteArray record(c.field.storedLength, 'x');
         const QByteArray before = record;
-        try {
+        const data::DataError error = test::thrownBy([&] {
             data::writeValue(c.field, reinterpret_cast<uchar*>(record.data()), c.value, "TAULU");
-            ADD_FAILURE() << "accepted";
-        } catch (const data::DataError& error) {
-            EXPECT_EQ(error.kind(), data::ErrorKind::BadValue);
-            EXPECT_EQ(error.table(), "TAULU");
-            EXPECT_TRUE(error.detail().startsWith("field Kentta, value \""));
-            EXPECT_TRUE(error.detail().contains(QString::fromUtf8(c.words)))
-                << error.detail().toStdString();
-        }
+        });
+        EXPECT_EQ(error.kind(), data::ErrorKind::BadValue);
+        EXPECT_EQ(error.table(), "TAULU");
+        EXPECT_TRUE(error.detail().startsWith("field Kentta, value \""));
+        EXPECT_TRUE(error.detail().contains(QString::fromUtf8(c.words))) << error.what();
         EXPECT_EQ(record, before);
     }
 }

@@ -61,14 +61,10 @@ class OrderConversion : public testing::Test {
     /// The conversion fails; its text names all parts.
     template <typename Convert>
     void expectError(data::ErrorKind kind, const QStringList& parts, Convert&& convert) {
-        try {
-            convert();
-            ADD_FAILURE() << "no error";
-        } catch (const data::DataError& error) {
-            EXPECT_EQ(error.kind(), kind);
-            for (const QString& part : parts)
-                EXPECT_TRUE(error.finnish().contains(part)) << error.what();
-        }
+        const data::DataError error = test::thrownBy(convert);
+        EXPECT_EQ(error.kind(), kind);
+        for (const QString& part : parts)
+            EXPECT_TRUE(error.finnish().contains(part)) << error.what();
         EXPECT_TRUE(m_ports.messages.isEmpty());
     }
 

@@ -7,13 +7,10 @@
 #include "framework/core/settings_table.h"
 #include "tests/support/test_company.h"
 
+using test::str;
 using vatchange::WebShopMarkWriter;
 
 namespace {
-
-QString str(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
 
 class WebShopMarkTest : public ::testing::Test {
   protected:

@@ -37,36 +37,6 @@ TEST(ProductColumns, QuantitiesInPortionsAndPlain) {
     EXPECT_EQ(search::quantityText(3.25, {str("PLO"), 4, 10}, u',').toStdString(), "3P 10,0cl");
 }
 
-TEST(ProductColumns, FreeQuantityAndSituation) {
-    EXPECT_EQ(search::freeQuantity({5, 0, 2, 3}), 4);
-    EXPECT_EQ(search::freeQuantity({1, 2, 4, 8}), -1);
-    EXPECT_EQ(search::stockSituationText({5, 0.5, 2, 3}, {}, u',').toStdString(), "5=0,5/2,  3");
-    EXPECT_EQ(
-        search::stockSituationText({3.25, 0, 1, 0.5}, {str("PLO"), 4, 10}, u'.').toStdString(),
-        "3P 10.0cl=0P 0.0cl/1P 0.0cl,  0P 20.0cl");
-}
-
-TEST(ProductColumns, PricesWithoutVat) {
-    const std::tuple<double, double, const char*> cases[] = {
-        {12.4, 24, "10.00"}, {12.55, 25.5, "10.00"}, {10, 0, "10.00"},
-        {1, 24, "0.81"},     {0, 24, "0.00"},        {-12.4, 24, "-10.00"}};
-    for (const auto& [price, rate, shown] : cases)
-        EXPECT_EQ(search::priceWithoutVatText(price, rate, u'.').toStdString(), shown);
-}
-
-TEST(ProductColumns, PriceFormatGivesTheDecimals) {
-    // everything after the first point counts
-    const std::pair<const char*, const char*> cases[] = {{"#######.##", "#0.00"},
-                                                         {"#####.###", "#0.000"},
-                                                         {"0.0000", "#0.0000"},
-                                                         {"######", "#0."},
-                                                         {"", "#0."},
-                                                         {"###.", "#0."},
-                                                         {"#.#.#", "#0.000"}};
-    for (const auto& [setting, format] : cases)
-        EXPECT_EQ(search::priceDisplayFormat(str(setting)).toStdString(), format) << setting;
-}
-
 TEST(ProductColumns, QuickSearchKeyByTheFirstLetter) {
     for (const char* name : {"kahvi", "a", "z", "äyriäinen", "åland", "öljy", "kAHVI 500"})
         EXPECT_EQ(search::quickSearchKey(str(name)).toStdString(), "5") << name;

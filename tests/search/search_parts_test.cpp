@@ -5,17 +5,15 @@
 #include "search/form_layout.h"
 #include "search/key_search.h"
 #include "search/text_match.h"
+#include "tests/support/checks.h"
 
 // The parts of a search window that need neither a window nor a company.
 
 using data::Kind;
 using namespace search;
+using test::str;
 
 namespace {
-
-QString str(const char* text) {
-    return QString::fromUtf8(text);
-}
 
 // "filter F=1", "lookup name" or "records".
 std::string dropped(const char* text, const DropTarget& target) {
@@ -182,22 +180,6 @@ TEST(SearchParts, RangesByTheKindOfTheKey) {
         EXPECT_EQ(keyValue(c.field, str(c.typed)).has_value(), c.isValue) << c.typed;
     }
     EXPECT_EQ(keyValue(decimal, str(" 1,5")), data::Value(1.5));
-}
-
-TEST(SearchParts, CompletesWhatIsTypedButNotWhatIsDeleted) {
-    Completion completion;
-    EXPECT_FALSE(completion.textChanged({}));
-    EXPECT_TRUE(completion.textChanged(str("pa")));
-    for (const char* found : {"pa", "p", "xpannu", ""})
-        EXPECT_FALSE(completion.complete(str("pa"), str(found))) << found;
-    EXPECT_EQ(completion.complete(str("pa"), str("Pannu")), str("Pannu"));
-    EXPECT_FALSE(completion.textChanged(str("Pannu")));  // its own change
-    EXPECT_TRUE(completion.textChanged(str("Pak")));
-    completion.aboutToDelete(true);
-    EXPECT_FALSE(completion.textChanged(str("Pa")));
-    completion.aboutToDelete(true);
-    completion.aboutToDelete(false);  // nothing to delete: the next change is typed
-    EXPECT_TRUE(completion.textChanged(str("Pan")));
 }
 
 TEST(SearchParts, LayoutIsReadAndWritten) {

@@ -31,24 +31,6 @@ class EmbeddedLocks : public test::EmbeddedCompany {
 
 }  // namespace
 
-TEST_F(EmbeddedLocks, ALockIsCountedAndSeenByOthers) {
-    const RecordId id = group(2).id;
-    EXPECT_TRUE(mine->lock(id, 0ms));
-    EXPECT_TRUE(mine->lock(id, 0ms));
-    EXPECT_TRUE(db->openTable("tryhma")->lock(id, 0ms));  // same program; goes with its table
-    EXPECT_FALSE(theirs->lock(id, 0ms));
-    EXPECT_TRUE(theirs->lock(group(1).id, 0ms));
-    mine->unlock(id);
-    EXPECT_FALSE(theirs->lock(id, 0ms));
-    mine->unlock(id);
-    EXPECT_TRUE(theirs->lock(id, 0ms));
-    EXPECT_FALSE(mine->lock(id, 0ms));
-    // Closing a connection frees what it held.
-    theirs.reset();
-    other.reset();
-    EXPECT_TRUE(mine->lock(id, 0ms));
-}
-
 TEST_F(EmbeddedLocks, AWaitEndsWithTheLockOrWithTheTime) {
     const RecordId id = group(1).id;
     ASSERT_TRUE(theirs->lock(id, 0ms));
@@ -126,15 +108,4 @@ TEST_F(EmbeddedLocks, ManyRecordsOfOneStatement) {
     EXPECT_FALSE(theirs->lock(own, 0ms));
     EXPECT_TRUE(theirs->lock(even, 0ms));
     EXPECT_TRUE(theirs->lock(group(4003).id, 0ms));
-}
-
-TEST_F(EmbeddedLocks, OneRunAtATime) {
-    EXPECT_TRUE(db->beginRun());
-    EXPECT_FALSE(other->beginRun());
-    db->endRun();
-    EXPECT_TRUE(other->beginRun());
-    EXPECT_FALSE(db->beginRun());
-    theirs.reset();
-    other.reset();
-    EXPECT_TRUE(db->beginRun());
 }

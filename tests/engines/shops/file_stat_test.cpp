@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "data/error.h"
 #include "engines/shops/key_order.h"
+#include "tests/support/checks.h"
 
 using namespace data;
 using namespace engines::shops;
@@ -86,13 +86,9 @@ TEST(FileStat, RefusesDamagedBytes) {
           with(18, 0),                // an empty one
           with(47, 7),                // a missing collating sequence
           with(94, 1)}) {             // key 1 once more
-        try {
-            parseFileStat(bytes, kTable);
-            ADD_FAILURE() << bytes.toHex().toStdString();
-        } catch (const DataError& error) {
-            EXPECT_EQ(error.kind(), ErrorKind::Damaged);
-            EXPECT_EQ(error.table(), kTable);
-        }
+        const DataError error = test::thrownBy([&] { parseFileStat(bytes, kTable); });
+        EXPECT_EQ(error.kind(), ErrorKind::Damaged) << bytes.toHex().toStdString();
+        EXPECT_EQ(error.table(), kTable);
     }
 }
 
