@@ -4,9 +4,7 @@
 #include <QFile>
 #include <random>
 
-#include "company/logs.h"
 #include "data/record/record_codec.h"
-#include "tests/support/test_company.h"
 
 namespace test {
 
@@ -134,22 +132,6 @@ vatchange::ChangeDefinition fullDefinition() {
     definition.checkProductCodes = true;
     return definition;
 }
-
-LoggingPorts::LoggingPorts() {
-    program = QStringLiteral("taksavaihe");
-}
-
-void LoggingPorts::NaytaViesti(const QString& text) {
-    RecordingPorts::NaytaViesti(text);
-    company::WriteAlvMuutosLog(text);
-}
-
-void LoggingPorts::log(const QString& line) {
-    RecordingPorts::log(line);
-    company::WriteAlvMuutosLog(line);
-}
-
-ChangeMorning::ChangeMorning() : m_clock(changeMorning) {}
 
 std::map<QString, double> fieldByKey(data::Database& database, const QString& table,
                                      const QString& field) {

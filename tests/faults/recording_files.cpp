@@ -7,9 +7,9 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <new>
-#include <stdexcept>
 
 #include "engines/embedded/sqlite_handle.h"
+#include "tests/support/company_folder.h"
 
 namespace test {
 
@@ -270,11 +270,8 @@ ReplayedFiles::Files ReplayedFiles::afterPowerLoss(std::mt19937& random) const {
 void writeFiles(const QString& folder, const ReplayedFiles::Files& files) {
     QDir(folder).removeRecursively();
     QDir().mkpath(folder);
-    for (const auto& [name, content] : files) {
-        QFile file(QDir(folder).filePath(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            throw std::runtime_error("test file cannot be written");
-    }
+    for (const auto& [name, content] : files)
+        writeFile(QDir(folder).filePath(name), content);
 }
 
 }  // namespace test

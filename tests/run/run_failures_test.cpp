@@ -98,6 +98,7 @@ TEST(FailingRun, LockedProductIsSkippedAndLogged) {
     EXPECT_EQ(result.skippedNumbers, QStringList("A2"));
     EXPECT_EQ(result.products, 2);
     EXPECT_EQ(result.failedSteps, 0);
+    EXPECT_FALSE(result.markWritten) << "another program's name";
     EXPECT_TRUE(company.ports.hasLine("Virhe tuotteen päivityksessä: A2 tuotetta ei voi muokata"));
     EXPECT_TRUE(company.ports.hasLine("Tuotetiedot muutettu ( 2 kpl)"));
     held.reset();
@@ -302,18 +303,6 @@ TEST(StoppedRun, NamesTheRowsOfAStepThatFailed) {
     EXPECT_EQ(company.run(plainDefinition()).failedSteps, 1);
     EXPECT_TRUE(company.ports.messages.last().endsWith(
         QStringLiteral("voimaan: myymälähintojen rivit 1.")));
-}
-
-TEST(RunMark, IsWrittenByTheProgramAlone) {
-    RunCompany company;
-    EXPECT_FALSE(company.run(plainDefinition()).markWritten);
-    EXPECT_FALSE(company::ExecutionMarkExists(company.database()));
-    company.ports.program = QStringLiteral("TAKSAVAIHE.EXE");
-    EXPECT_TRUE(company.run(plainDefinition()).markWritten);
-    company.setNow(QDateTime(QDate(2024, 9, 2), QTime(7, 8, 9)));
-    EXPECT_TRUE(company.run(plainDefinition()).markWritten);
-    EXPECT_EQ(company.number("select count(*) from INI"), 1);
-    EXPECT_EQ(company.text("select Data from INI where Avain='20240901'"), "2024-09-02 07:08:09");
 }
 
 TEST(UnfinishedRun, IsNotedAndReportedByTheNextRun) {

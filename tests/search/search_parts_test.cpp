@@ -114,32 +114,6 @@ TEST(SearchParts, BaseAndUserFilter) {
     }
 }
 
-TEST(SearchParts, WhatRestrictsTheRows) {
-    FilterState filter;
-    filter.setBaseFilter(str("b"));
-    const auto is = [&](const char* description, const char* user) {
-        EXPECT_EQ(filter.description(), str(description));
-        EXPECT_EQ(filter.userFilter(), str(user));
-        EXPECT_EQ(filter.isRestricted(), *description != 0);
-    };
-    is("", "");
-    filter.setUserFilter(str("u=1 "));
-    is("u=1", "u=1 ");
-    filter.setRange({{1}, {2}}, str("34"));
-    is("u=1   alue: 34", "u=1 ");
-    filter.setRecordSearch(str("kahvi"));
-    is("haku: kahvi   alue: 34", "");
-    EXPECT_EQ(filter.expression(), str("b"));
-    filter.clearRange();
-    is("haku: kahvi", "");
-    filter.setBaseFilter(str("c"));
-    is("", "");
-    filter.setRange({{1}, {2}}, str("34"));
-    is("alue: 34", "");
-    filter.clear();
-    is("", "");
-}
-
 TEST(SearchParts, RangesByTheKindOfTheKey) {
     const auto field = [](Kind kind, quint16 size, data::Storage storage) {
         return data::TFieldCacheItem{.number = 1,

@@ -45,22 +45,6 @@ QByteArray record(qint32 number, const QByteArray& text, double amount, const ch
     return bytes;
 }
 
-TEST(FileStat, HasKeysWithSegmentsAndOrders) {
-    const FileStat stat = parseFileStat(statBytes(), kTable);
-    EXPECT_EQ(stat.recordLength, 40);
-    EXPECT_EQ(stat.recordCount, 7);
-    EXPECT_FALSE(stat.variableLength);
-    ASSERT_EQ(stat.keys.size(), 4);
-    EXPECT_FALSE(stat.keys[0].duplicates);
-    EXPECT_TRUE(stat.keys[1].duplicates);
-    EXPECT_FALSE(stat.keys[1].byAddress);
-    ASSERT_EQ(stat.keys[1].segments.size(), 2);
-    EXPECT_EQ(stat.keys[1].length, 21);
-    EXPECT_TRUE(stat.keys[2].segments.empty());  // no such key in the file
-    EXPECT_TRUE(stat.keys[3].byAddress);
-    EXPECT_EQ(stat.keys[3].segments[1].offset, 29);
-}
-
 TEST(FileStat, KeysHaveAtMost255Bytes) {
     // records of 300 bytes, one key of them: a string
     QByteArray bytes = QByteArray::fromHex(
