@@ -219,11 +219,8 @@ TEST(LoadFindings, HoldUntilTheirValueIsEdited) {
 }
 
 TEST(IgnoreList, KeepsNumbersAndReportsTheRest) {
-    const struct {
-        const char* text;
-        QList<qint64> numbers;
-        const char* dropped;  // joined with "|"
-    } cases[] = {
+    // text, numbers, what is dropped
+    const std::tuple<const char*, QList<qint64>, const char*> cases[] = {
         {"", {}, ""},
         {",003,,+1,-2, 5 ,1.5,0x7,", {3, 5}, "+1|-2|1.5|0x7"},
         {"000,9223372036854775807,9223372036854775808",
@@ -232,10 +229,10 @@ TEST(IgnoreList, KeepsNumbersAndReportsTheRest) {
         {"1) OR (1=1", {}, "1) OR (1=1"},
         {"٣,6 7", {}, "٣|6 7"},  // an Arabic digit
     };
-    for (const auto& c : cases) {
-        const auto list = vatchange::parseIgnoreList(str(c.text));
-        EXPECT_EQ(list.numbers, c.numbers) << c.text;
-        EXPECT_EQ(list.dropped.join(u'|'), str(c.dropped));
+    for (const auto& [text, numbers, dropped] : cases) {
+        const auto list = vatchange::parseIgnoreList(str(text));
+        EXPECT_EQ(list.numbers, numbers) << text;
+        EXPECT_EQ(list.dropped.join(u'|'), str(dropped));
     }
 }
 

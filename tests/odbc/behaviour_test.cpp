@@ -237,31 +237,23 @@ TEST(LoadableModule, RespectsRecordLocks) {
     EXPECT_EQ(rows(*program, "select Prosentti from ALVKANTA"), (QStringList{"14", "14"}));
 }
 
-QStringList& traced() {
-    static QStringList lines;
-    return lines;
-}
-
 TEST(Tracing, ShowsCallsStatementsAndErrorsButNoPassword) {
     if (!test::SqlEngine::isAvailable(str("sqlite")))
         GTEST_SKIP() << "no driver";
     const test::SqlEngine engine(str("sqlite"), {str("ALVKANTA")});
     engines::shops::OdbcSettings settings = engine.settings();
     settings.password = str("salainen");
-    traced().clear();
-    const QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString& line) { traced().append(line); });
-    engines::shops::OdbcConnection::setTracing(true);
-    const DataError error = thrownBy([&] {
-        test::OdbcDatabase database(settings);
-        exec(database, "update ALVKANTA set Prosentti=1");
-        exec(database, "update PUUTTUU set Prosentti=1");
-    });
-    EXPECT_EQ(error.kind(), ErrorKind::NoSuchTable);
-    EXPECT_FALSE(error.detail().isEmpty());
-    engines::shops::OdbcConnection::setTracing(false);
-    qInstallMessageHandler(previous);
-    const QString all = traced().join(u'\n');
+    const QString all = test::tracedBy([&] {
+                            engines::shops::OdbcConnection::setTracing(true);
+                            const DataError error = thrownBy([&] {
+                                test::OdbcDatabase database(settings);
+                                exec(database, "update ALVKANTA set Prosentti=1");
+                                exec(database, "update PUUTTUU set Prosentti=1");
+                            });
+                            engines::shops::OdbcConnection::setTracing(false);
+                            EXPECT_EQ(error.kind(), ErrorKind::NoSuchTable);
+                            EXPECT_FALSE(error.detail().isEmpty());
+                        }).join(u'\n');
     for (const char* part : {"odbc SQLDriverConnect = 0 (", "odbc SQLExecute = ",
                              "update ALVKANTA set", "no such table", "SQLDisconnect"})
         EXPECT_TRUE(all.contains(str(part))) << all.toStdString();

@@ -40,6 +40,10 @@ const std::vector<PriceCase> kPriceCases = {
     {kOne, kNormal, 1.005, 1.0, "1.005 x 100 is 100.49999999999999 -> 100"},
     {kOne, kNormal, -0.004, 0.0, "-0.4 -> 0, a plain zero"},
     // cash rounding: whole cents, then the last digit
+    {kFive, kNormal, 12.02, 12.0, "digit 2 goes down"},
+    {kFive, kNormal, 12.03, 12.05, "digit 3 goes to 5"},
+    {kFive, kNormal, 12.07, 12.05, "digit 7 goes to 5"},
+    {kFive, kNormal, 12.08, 12.1, "digit 8 goes up"},
     {kFive, kNormal, 1.98, 2.0, "198 -> 190 + 10"},
     {kFive, kNormal, 0.125, 0.1, "12.5 -> 12 cents, digit 2"},
     {kFive, kNormal, -0.03, -0.05, "3 cents -> 5, the sign put back"},
@@ -63,16 +67,10 @@ TEST(Rounding, PricesByStepAndRule) {
 }
 
 TEST(Rounding, Decimals) {
-    struct Case {
-        double (*round)(double value, int decimals);
-        double value;
-        int decimals;
-        double expected;
-        const char* derivation;
-    };
     constexpr auto kAway = vatchange::roundHalfAway;
     constexpr auto kBankers = vatchange::roundBankers;
-    const std::vector<Case> cases = {
+    using Round = double (*)(double value, int decimals);
+    const std::tuple<Round, double, int, double, const char*> cases[] = {
         {kAway, 0.005, 2, 0.01, "0.5 + 0.5 -> 1"},
         {kAway, 7.125, 2, 7.13, "712.5 + 0.5 -> 713"},
         {kAway, -7.125, 2, -7.13, "-712.5 - 0.5 -> -713"},
@@ -85,8 +83,8 @@ TEST(Rounding, Decimals) {
         {kBankers, 1000000.03125, 4, 1000000.0312, "312.5 -> 312"},
         {kBankers, 2.5, 0, 2.0, "no split: 2.5 -> 2"},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(c.round(c.value, c.decimals), c.expected) << c.value << ": " << c.derivation;
+    for (const auto& [round, value, decimals, expected, derivation] : cases)
+        EXPECT_EQ(round(value, decimals), expected) << value << ": " << derivation;
 }
 
 }  // namespace

@@ -36,12 +36,7 @@ class HeldRecord {
 };
 
 TEST(RefusedRun, ClassChecksChangeNothing) {
-    struct Case {
-        int source;
-        int target;
-        const char* message;
-    };
-    const std::vector<Case> cases = {
+    const std::tuple<int, int, const char*> cases[] = {
         {3, 0, "Kohteen ALV -luokka on oltava > 0!"},
         {3, -1, "Kohteen ALV -luokka on oltava > 0!"},
         {3, 5, "Kohteen ALV -luokkaa ei ole olemassa!"},
@@ -51,14 +46,14 @@ TEST(RefusedRun, ClassChecksChangeNothing) {
     RunCompany company;
     addProducts(company, 1);
     const auto before = company.everything();
-    for (const Case& c : cases) {
+    for (const auto& [source, target, message] : cases) {
         company.ports.lines.clear();
         company.ports.program = QStringLiteral("taksavaihe");
         ChangeDefinition definition = plainDefinition();
-        definition.sourceClass = c.source;
-        definition.targetClass = c.target;
-        EXPECT_TRUE(company.run(definition).refused) << c.message;
-        EXPECT_EQ(company.ports.lines, QStringList(QString::fromUtf8(c.message)));
+        definition.sourceClass = source;
+        definition.targetClass = target;
+        EXPECT_TRUE(company.run(definition).refused) << message;
+        EXPECT_EQ(company.ports.lines, QStringList(QString::fromUtf8(message)));
     }
     EXPECT_EQ(company.everything(), before);
     // products without a class may go to a class of any rate, their own 0 % included

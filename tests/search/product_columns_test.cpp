@@ -11,10 +11,8 @@ using search::LookupCache;
 using test::str;
 
 TEST(ProductColumns, QuantitiesInPortionsAndPlain) {
-    const struct {
-        search::StockUnit unit;
-        std::vector<std::pair<double, const char*>> shown;
-    } cases[] = {
+    using Shown = std::vector<std::pair<double, const char*>>;
+    const std::pair<search::StockUnit, Shown> cases[] = {
         // of -2.75 bottles three quarters are 30 cl; 2.9999999999 is a sum of decimals meaning 3
         {{str("PLO"), 4, 10},
          {{3.25, "3P 10.0cl"},
@@ -31,9 +29,9 @@ TEST(ProductColumns, QuantitiesInPortionsAndPlain) {
          {{3.25, "3.25"}, {7, "7"}, {-1.5, "-1.5"}, {0.1234, "0.123"}, {0, "0"}}},
         {{QString(), 4, 10}, {{3.25, "3.25"}}},
     };
-    for (const auto& c : cases)
-        for (const auto& [quantity, shown] : c.shown)
-            EXPECT_EQ(search::quantityText(quantity, c.unit, u'.').toStdString(), shown);
+    for (const auto& [unit, texts] : cases)
+        for (const auto& [quantity, shown] : texts)
+            EXPECT_EQ(search::quantityText(quantity, unit, u'.').toStdString(), shown);
     EXPECT_EQ(search::quantityText(3.25, {str("PLO"), 4, 10}, u',').toStdString(), "3P 10,0cl");
 }
 

@@ -95,7 +95,6 @@ TEST(SearchParts, BaseAndUserFilter) {
         {"", "", false, ""},
         {"", "u", false, "u"},
         {"b", "", false, "b"},
-        {"b", "u", false, "b and (u)"},
         {"b", "", true, ""},
         {"b", "u", true, "u"},
         {"b and Keskusvarasto=true", "", true, "Keskusvarasto=true"},

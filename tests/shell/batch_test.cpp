@@ -54,14 +54,7 @@ struct Recorder {
 TEST(Batch, RunsTheListInOrderUnlessSomethingForbidsIt) {
     const QString a = str("|Aloitetaan muutos määrittelylle: a|run a");
     const QString c = str("|Aloitetaan muutos määrittelylle: c|run c");
-    const struct {
-        const char* list;
-        bool marked;
-        const char* problems;
-        bool bIsDamaged;
-        ExitStatus status;
-        QString events;
-    } cases[] = {
+    const std::tuple<const char*, bool, const char*, bool, ExitStatus, QString> cases[] = {
         {"c - a -", false, "", false, ExitStatus::Done, str("open") + c + a},
         {"C", false, "", false, ExitStatus::Done,
          str("open|Aloitetaan muutos määrittelylle: C|run C")},
@@ -76,13 +69,13 @@ TEST(Batch, RunsTheListInOrderUnlessSomethingForbidsIt) {
         {"a b c", false, "", true, ExitStatus::Failed,
          str("open") + a + str("|Määrittelyä ei ajeta: \"b\": rivi 3") + c},
     };
-    for (const auto& t : cases) {
+    for (const auto& [list, marked, problems, bIsDamaged, status, events] : cases) {
         Recorder r;
-        r.marked = t.marked;
-        r.problems = str(t.problems).split(u'|', Qt::SkipEmptyParts);
-        r.bIsDamaged = t.bIsDamaged;
-        EXPECT_EQ(r.run(t.list), t.status) << t.list;
-        EXPECT_EQ(r.events.join(u'|'), t.events) << t.list;
+        r.marked = marked;
+        r.problems = str(problems).split(u'|', Qt::SkipEmptyParts);
+        r.bIsDamaged = bIsDamaged;
+        EXPECT_EQ(r.run(list), status) << list;
+        EXPECT_EQ(r.events.join(u'|'), events) << list;
     }
 }
 

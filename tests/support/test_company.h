@@ -53,19 +53,13 @@ class TestCompany : public CompanyFolder {
     }
 
     qint64 exec(const QString& sql) const { return test::exec(database(), sql); }
-    /// First column of the first row. No row fails the test.
-    data::Value cell(const QString& sql) const {
-        data::TUniQuery query(&database());
-        query.sql().setText(sql);
-        query.open();
-        if (query.eof()) {
-            ADD_FAILURE() << "no row: " << sql.toStdString();
-            return {};
-        }
-        return query.fieldByName(query.fieldNames().first()).value();
+    /// First row. No row fails the test.
+    QString text(const QString& sql) const {
+        const QStringList found = rows(database(), sql);
+        EXPECT_FALSE(found.isEmpty()) << "no row: " << sql.toStdString();
+        return found.value(0);
     }
-    double number(const QString& sql) const { return cell(sql).toDouble(); }
-    QString text(const QString& sql) const { return cell(sql).toString(); }
+    double number(const QString& sql) const { return text(sql).toDouble(); }
     /// The records of every table, byte for byte.
     std::map<QString, QList<QByteArray>> everything() const {
         std::map<QString, QList<QByteArray>> tables;

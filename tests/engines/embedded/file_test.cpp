@@ -4,6 +4,7 @@
 #include "engines/embedded/connection.h"
 #include "engines/embedded/sqlite_handle.h"
 #include "tests/engines/embedded/fixture.h"
+#include "tests/support/files.h"
 
 #ifndef _WIN32
 #include <sys/stat.h>
@@ -28,12 +29,6 @@ class EmbeddedFile : public test::EmbeddedCompany {
         return thrownBy([&] { engines::openEmbedded("KOE", folder()); });
     }
 };
-
-void writeBytes(const QString& fileName, const QByteArray& bytes) {
-    QFile file(fileName);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    ASSERT_EQ(file.write(bytes), bytes.size());
-}
 
 }  // namespace
 
@@ -62,21 +57,15 @@ TEST_F(EmbeddedFile, FilesThatAreNoneOfOurs) {
     db.reset();
     EXPECT_EQ(thrownBy([&] { engines::openEmbedded("X", folder() + "/puuttuu"); }).kind(),
               ErrorKind::NoConnection);
-    const QByteArray whole = [&] {
-        QFile stored(file());
-        return stored.open(QIODevice::ReadOnly) ? stored.readAll() : QByteArray();
-    }();
-    const struct {
-        const char* what;
-        QByteArray bytes;
-    } files[] = {
+    const QByteArray whole = test::fileBytes(file());
+    const std::pair<const char*, QByteArray> files[] = {
         {"empty", {}},
         {"text", QByteArray("tämä on tekstiä\n").repeated(500)},
         {"beginning cut off", whole.mid(100)},
     };
-    for (const auto& f : files) {
-        writeBytes(file(), f.bytes);
-        EXPECT_EQ(openingError().kind(), ErrorKind::Damaged) << f.what;
+    for (const auto& [what, bytes] : files) {
+        test::writeFile(file(), bytes);
+        EXPECT_EQ(openingError().kind(), ErrorKind::Damaged) << what;
     }
     QFile::remove(file());
     {
@@ -86,7 +75,7 @@ TEST_F(EmbeddedFile, FilesThatAreNoneOfOurs) {
     }
     EXPECT_EQ(openingError().kind(), ErrorKind::Damaged);
     QFile::remove(file());
-    writeBytes(file(), whole);
+    test::writeFile(file(), whole);
     EXPECT_NO_THROW(engines::openEmbedded("KOE", folder()));
     tamper("PRAGMA user_version = 2");
     const DataError newer = openingError();
@@ -127,11 +116,7 @@ TEST_F(EmbeddedFile, CheckFindsWhatIsWrong) {
     run("insert into tuote (numero, nimi) values ('a', 'Eka'), ('b', 'Toka')");
     run("insert into ini values ('a', 'b', 'c', 'd')");
     EXPECT_EQ(engines::checkEmbedded(folder()), QStringList());
-    const struct {
-        QByteArray sql;
-        QByteArray undo;
-        const char* said;
-    } cases[] = {
+    const std::tuple<QByteArray, QByteArray, QByteArray> cases[] = {
         {"UPDATE rec_TUOTE SET k5 = zeroblob(40) WHERE id = 2",
          "UPDATE rec_TUOTE SET k5 = (SELECT k5 FROM rec_TUOTE WHERE id = 1) WHERE id = 2", "key 5"},
         {"UPDATE rec_INI SET data = substr(data, 1, 1000)", "DELETE FROM rec_INI",
@@ -141,18 +126,18 @@ TEST_F(EmbeddedFile, CheckFindsWhatIsWrong) {
         {"CREATE TABLE rec_OMA(id INTEGER PRIMARY KEY, data BLOB)", "DROP TABLE rec_OMA",
          "not listed"},
     };
-    for (const auto& c : cases) {
-        tamper(c.sql);
+    for (const auto& [sql, undo, words] : cases) {
+        tamper(sql);
         const QString said = engines::checkEmbedded(folder()).join('\n');
-        EXPECT_TRUE(said.contains(c.said)) << c.sql.toStdString() << "\n" << said.toStdString();
-        if (QByteArray(c.said).contains("1187")) {
+        EXPECT_TRUE(said.contains(words)) << sql.toStdString() << "\n" << said.toStdString();
+        if (words.contains("1187")) {
             db = engines::openEmbedded("KOE", folder());
             EXPECT_EQ(thrownBy([&] { rows("select * from ini"); }).kind(), ErrorKind::Damaged);
             EXPECT_EQ(
                 thrownBy([&] { db->openTable("INI")->fromEnd(0, Direction::Forward, 1); }).kind(),
                 ErrorKind::Damaged);
         }
-        tamper(c.undo);
+        tamper(undo);
     }
     tamper("DELETE FROM rec_TUOTE; DELETE FROM rec_INI");
     EXPECT_EQ(engines::checkEmbedded(folder()), QStringList());
@@ -187,7 +172,7 @@ TEST_F(EmbeddedFile, BackupIsConsistentAndNeverReplaces) {
     EXPECT_EQ(engines::checkEmbedded(folder() + "/kopio"), QStringList());
     EXPECT_EQ(thrownBy([&] { engines::backupEmbedded(folder(), copy, {}); }).kind(), ErrorKind::Io);
     // a file of the same name and more is somebody else's
-    writeBytes(folder() + "/toinen.zdb.part", "muun");
+    test::writeFile(folder() + "/toinen.zdb.part", "muun");
     engines::backupEmbedded(folder(), folder() + "/toinen.zdb", {});
     EXPECT_EQ(QDir(folder()).entryList({"toinen*"}, QDir::AllEntries | QDir::Hidden, QDir::Name),
               (QStringList{"toinen.zdb", "toinen.zdb.part"}));
@@ -199,25 +184,22 @@ TEST_F(EmbeddedFile, BackupIsConsistentAndNeverReplaces) {
 #ifndef _WIN32
 // Those of a group work on one company where their umask lets them; nobody else ever writes it.
 TEST_F(EmbeddedFile, RightsFollowTheUmask) {
-    const struct {
-        mode_t mask;
-        mode_t rights;
-    } cases[] = {{002, 0664}, {022, 0644}, {077, 0600}, {0, 0664}};
+    const std::pair<mode_t, mode_t> cases[] = {{002, 0664}, {022, 0644}, {077, 0600}, {0, 0664}};
     const auto rightsOf = [](const QString& name) -> mode_t {
         struct stat status = {};
         EXPECT_EQ(::stat(QFile::encodeName(name).constData(), &status), 0) << name.toStdString();
         return status.st_mode & 07777;
     };
     const mode_t before = ::umask(0);
-    for (const auto& c : cases) {
+    for (const auto& [mask, rights] : cases) {
         const QTemporaryDir company;
-        ::umask(c.mask);
+        ::umask(mask);
         engines::createEmbedded(company.path(), allTableSources());
         const auto open = engines::openEmbedded("X", company.path());
         for (const char* suffix : {"", "-wal", "-lock"})
-            EXPECT_EQ(rightsOf(company.filePath("YRITYS.ZDB") + suffix), c.rights) << suffix;
+            EXPECT_EQ(rightsOf(company.filePath("YRITYS.ZDB") + suffix), rights) << suffix;
         engines::backupEmbedded(company.path(), company.filePath("kopio"), {});
-        EXPECT_EQ(rightsOf(company.filePath("kopio")), c.rights);
+        EXPECT_EQ(rightsOf(company.filePath("kopio")), rights);
     }
     ::umask(before);
 }

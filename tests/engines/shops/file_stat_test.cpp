@@ -78,6 +78,10 @@ TEST(FileStat, RefusesDamagedBytes) {
 
 TEST(KeyOrder, FollowsTheTypes) {
     const FileStat stat = parseFileStat(statBytes(), kTable);
+    ASSERT_EQ(stat.keys.size(), 4);
+    EXPECT_TRUE(!stat.keys[0].duplicates && stat.keys[1].duplicates);
+    EXPECT_TRUE(!stat.keys[1].byAddress && stat.keys[3].byAddress);
+    EXPECT_TRUE(stat.keys[2].segments.empty());  // no such key in the file
     const KeyOrder numbers(stat.keys[0]);
     const KeyOrder texts(stat.keys[1]);
     const KeyOrder dates(stat.keys[3]);

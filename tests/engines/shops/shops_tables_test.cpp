@@ -78,11 +78,7 @@ TEST_F(ShopsTablesTest, OpensFilesOfTheFolderWithoutAName) {
 }
 
 TEST_F(ShopsTablesTest, ErrorsSayWhatToDo) {
-    const struct {
-        const char* peculiarity;
-        ErrorKind kind;
-        QStringList texts;
-    } cases[] = {
+    const std::tuple<const char*, ErrorKind, QStringList> cases[] = {
         {"owner=zav", ErrorKind::NoConnection, {"omistajanimi ei kelpaa", "OwnerName", "X$File"}},
         {"short", ErrorKind::Damaged, {"ALVKANTA", "ends at byte"}},
         {"key", ErrorKind::Damaged, {"key 0, field luokka: byte 0, length 4; in the file 1"}},
