@@ -208,7 +208,7 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     return statement;
 }
 
-void Connection::giveBack(const QString& sql, sqlite3_stmt* statement) {
+void Connection::returnStatement(const QString& sql, sqlite3_stmt* statement) {
     sqlite3_reset(statement);
     sqlite3_clear_bindings(statement);
     m_cache.push_back({sql, statement});

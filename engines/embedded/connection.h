@@ -58,11 +58,11 @@ class Connection {
 
     std::chrono::milliseconds lockWait{2000};
 
-    /// A statement of the user's, from the cache when it was prepared before; giveBack() returns
-    /// it.
+    /// A statement of the user's, from the cache when it was prepared before; returnStatement()
+    /// returns it.
     /// @throws DataError(Syntax, NoSuchTable, NoSuchField ...).
     sqlite3_stmt* prepare(const QString& sql);
-    void giveBack(const QString& sql, sqlite3_stmt* statement);
+    void returnStatement(const QString& sql, sqlite3_stmt* statement);
 
     enum class WriteUnit {
         Statement,  ///< the body runs one SQL statement, which is a transaction by itself

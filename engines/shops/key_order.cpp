@@ -58,9 +58,9 @@ int compareText(const SegmentStat& segment, const uchar* left, int leftLength, c
     return order(leftLength, rightLength);
 }
 
-int lengthOfZString(const uchar* bytes, int room) {
-    const void* end = std::memchr(bytes, 0, static_cast<size_t>(room));
-    return end == nullptr ? room : static_cast<int>(static_cast<const uchar*>(end) - bytes);
+int lengthOfZString(const uchar* bytes, int capacity) {
+    const void* end = std::memchr(bytes, 0, static_cast<size_t>(capacity));
+    return end == nullptr ? capacity : static_cast<int>(static_cast<const uchar*>(end) - bytes);
 }
 
 int compareSegment(const SegmentStat& segment, const uchar* left, const uchar* right) {

@@ -80,7 +80,7 @@ class Model {
         return list;
     }
 
-    void stand(std::optional<Row> row, bool atEof = false) {
+    void moveTo(std::optional<Row> row, bool atEof = false) {
         current = std::move(row);
         eof = atEof || !current;
         bof = !current;
@@ -118,7 +118,7 @@ class Model {
     // After the current record left the view or the table.
     void moveOn() {
         const std::optional<Row> found = current ? following() : end(false);
-        stand(found ? found : end(true), !found);
+        moveTo(found ? found : end(true), !found);
     }
     void moveOnUnlessShown() {
         if (!current || !contains(*current))
@@ -136,7 +136,7 @@ class RandomWalk {
         for (int i = 0; i < 40; ++i)
             insert();
         m_table.first();
-        m_model.stand(m_model.end(false));
+        m_model.moveTo(m_model.end(false));
     }
 
     void run(int steps) {
@@ -205,16 +205,16 @@ class RandomWalk {
         m_table.post();
         row.id = m_table.recordId();
         m_model.rows[row.id] = row;
-        m_model.stand(row);
+        m_model.moveTo(row);
     }
 
     void first() {
         m_table.first();
-        m_model.stand(m_model.end(false));
+        m_model.moveTo(m_model.end(false));
     }
     void last() {
         m_table.last();
-        m_model.stand(m_model.end(true));
+        m_model.moveTo(m_model.end(true));
     }
     void next() {
         m_table.next();
@@ -246,7 +246,7 @@ class RandomWalk {
         bool expected = false;
         for (const Row& row : m_model.view()) {
             if (Model::compareLeading(m_model.keyOf(row), key) == 0) {
-                m_model.stand(row);
+                m_model.moveTo(row);
                 expected = true;
                 break;
             }
@@ -263,9 +263,9 @@ class RandomWalk {
                 found = row;
         const bool exact = found && Model::compareLeading(m_model.keyOf(*found), key) == 0;
         if (found)
-            m_model.stand(found);
+            m_model.moveTo(found);
         else
-            m_model.stand(m_model.end(true), true);
+            m_model.moveTo(m_model.end(true), true);
         if (below(2) == 0) {
             EXPECT_EQ(m_table.findNearest(values), exact);
         } else {
@@ -282,7 +282,7 @@ class RandomWalk {
         const KeyValues high = below(3) == 0 ? low : keyValues(1 + below(2));
         m_table.setRange(low, high);
         m_model.range = {modelKey(low), modelKey(high)};
-        m_model.stand(m_model.end(false));
+        m_model.moveTo(m_model.end(false));
     }
 
     void setIndex() {
@@ -351,7 +351,7 @@ class RandomWalk {
         const bool expected = m_model.contains(marked);
         EXPECT_EQ(m_table.gotoBookmark(mark), expected);
         if (expected)
-            m_model.stand(marked);
+            m_model.moveTo(marked);
     }
 
     // Somebody else's changes show after a refresh.
@@ -374,7 +374,7 @@ class RandomWalk {
         }
         m_table.refresh();
         if (!m_model.current) {
-            m_model.stand(m_model.end(false));
+            m_model.moveTo(m_model.end(false));
             return;
         }
         const auto stored = m_model.rows.find(m_model.current->id);
