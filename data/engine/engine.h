@@ -129,6 +129,8 @@ class SqlStatement {
     virtual void reset() = 0;
 };
 
+class RunJournal;
+
 /// A company's database: one connection for both records and SQL.
 class Database {
   public:
@@ -151,10 +153,13 @@ class Database {
     /// record.
     virtual bool statementsPassRecordLocks() const { return true; }
 
-    /// Marks a run in progress in this company. @return false if another process has. The mark ends
-    /// with its process.
+    /// Marks a run in progress in this company; calls nest. @return false if another process has.
+    /// The mark ends with its process.
     virtual bool beginRun() = 0;
     virtual void endRun() = 0;
+
+    /// The company's run journal; nullptr if the engine has none.
+    virtual RunJournal* journal() { return nullptr; }
 
     /// Runs `body` as one transaction, rolled back if it throws. For import and creation; a run
     /// never uses it.
