@@ -12,7 +12,7 @@ namespace engines::shops {
 
 namespace {
 
-constexpr int kTypeCurrency = 19;  // a signed whole number
+constexpr int kTypeCurrency = 19;  // a signed integer
 
 template <typename T>
 int order(const T& left, const T& right) {
@@ -133,7 +133,7 @@ void fillSegment(const SegmentStat& segment, bool high, uchar* out) {
             break;
         case Storage::Date:
             std::memset(out, 0, size);
-            if (high && length == 4) {  // a date still, for engines that look
+            if (high && length == 4) {  // a valid date, in case the engine checks
                 out[0] = 31;
                 out[1] = 12;
                 qToLittleEndian<quint16>(9999, out + 2);
