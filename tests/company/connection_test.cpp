@@ -86,7 +86,8 @@ TEST_F(ConnectionTest, TheAliasChoosesTheEngineOrSaysWhyNot) {
     storeAlias({str("poissa"), empty.filePath(str("poissa")), {}, {}});
     storeAlias({str("kansioton"), {}, {}, {}});
     const QString workingFolder = QDir::currentPath();
-    ASSERT_TRUE(QDir::setCurrent(m_company.path()));  // its database is nobody's here
+    ASSERT_TRUE(
+        QDir::setCurrent(m_company.path()));  // its database is not a registered company here
     const char* const cases[][3] = {
         {"tyhjä", "client library", ""},
         {"poissa", "does not exist", "poissa\" ei ole"},

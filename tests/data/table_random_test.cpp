@@ -3,7 +3,7 @@
 
 #include "tests/data/table_fixture.h"
 
-// Record tables against a model: a list that is filtered and sorted anew for every step.
+// Record tables against a model: a list filtered and sorted again at every step.
 
 namespace {
 
@@ -21,7 +21,7 @@ struct Row {
     bool operator==(const Row&) const = default;
 };
 
-// What a model's key compares: case folded name, or numbers.
+// The model's key: folded name, or numbers.
 using Key = std::vector<double>;
 
 class Model {
@@ -35,7 +35,7 @@ class Model {
     bool withRecordFilter = false;
     std::optional<std::pair<std::vector<double>, std::vector<double>>> range;
 
-    // Names are N followed by a letter, which sorts by its place in the alphabet.
+    // Names are N and a letter, which sorts by its position in the alphabet.
     static double rank(const QString& nimi) { return nimi.at(1).toUpper().unicode(); }
 
     Key keyOf(const Row& row) const {
@@ -354,7 +354,7 @@ class RandomWalk {
             m_model.moveTo(marked);
     }
 
-    // Somebody else's changes show after a refresh.
+    // Changes by another program show after a refresh.
     void otherWrites() {
         for (int i = 0; i < 3 && !m_model.rows.empty(); ++i) {
             auto victim = m_model.rows.begin();

@@ -223,7 +223,7 @@ TEST(DefinitionNotes, NameIgnoredValues) {
     EXPECT_TRUE(vatchange::definitionNotes(loaded, kFacts).isEmpty());
 }
 
-TEST(LoadFindings, HoldUntilTheirValueIsEdited) {
+TEST(LoadFindings, ApplyUntilTheirValueIsEdited) {
     LoadedDefinition loaded = loadedWith("OstohintaEdit=x;KohdeAlvLuokkaEdit");
     EXPECT_EQ(vatchange::remainingFindings(loaded.findings, loaded.definition), loaded.findings);
     loaded.definition.targetClass = 6;

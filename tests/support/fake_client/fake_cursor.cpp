@@ -192,7 +192,7 @@ int FakeCursor::seek(int operation, CallBuffers& buffers, int key) {
     return give(std::move(found), key, buffers, operation / kLockBiasStep * kLockBiasStep);
 }
 
-// Somebody else removed the current record or moved it in the key.
+// Another session removed the current record or moved it in the key.
 bool FakeCursor::isLost() const {
     const std::optional<StoredRecord> stored = m_file.get(m_current->id);
     return !stored ||
