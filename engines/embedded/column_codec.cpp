@@ -8,7 +8,7 @@
 #include "data/windows1252.h"
 #include "engines/embedded/catalogue.h"
 #include "engines/embedded/functions.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/embedded/sqlite_names.h"
 
 namespace engines::embedded {
 
@@ -79,7 +79,7 @@ void resultEmptyText(sqlite3_context* context) {
     sqlite3_result_text(context, "", 0, SQLITE_STATIC);
 }
 
-// What SQL reads from the field is what is to be stored.
+// Whether SQL would read exactly this value from the field.
 bool isStored(const TFieldCacheItem& field, const uchar* record, sqlite3_value* value) {
     const int type = sqlite3_value_type(value);
     switch (field.kind()) {

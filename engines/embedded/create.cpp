@@ -28,7 +28,7 @@ bool isNamed(const TableSource& table, const QString& name) {
     return table.name.compare(name, Qt::CaseInsensitive) == 0;
 }
 
-// The tables with the catalogue's own first; those that the caller left out are added.
+// The tables, preceded by the catalogue's own; catalogue tables missing from the list are added.
 std::vector<TableSource> withCatalogue(const std::vector<TableSource>& tables) {
     const QStringList own{kFileTable, kFieldTable, kIndexTable};
     std::vector<TableSource> all;
@@ -54,7 +54,7 @@ void makeTables(const QString& file, const std::vector<TableSource>& tables) {
     execute(handle.get(),
             "PRAGMA page_size = 4096; PRAGMA journal_mode = MEMORY; PRAGMA application_id = " +
                 QByteArray::number(kApplicationId) +
-                "; PRAGMA user_version = " + QByteArray::number(kFormatVersion) + "; BEGIN",
+                "; PRAGMA user_version = " + QByteArray::number(kNewFormatVersion) + "; BEGIN",
             file);
     execute(handle.get(),
             QByteArray("CREATE TABLE ") + kIdsTable +

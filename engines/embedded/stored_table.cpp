@@ -10,7 +10,7 @@ namespace engines::embedded {
 
 namespace {
 
-// Shapes of pooled statements: the kind in the low byte, what makes it differ above.
+// Pool codes of statements: the kind in the low byte, its parameters above.
 enum ShapeKind : quint64 {
     kScan = 1,
     kRead,
@@ -40,7 +40,7 @@ StatementLease::StatementLease(StoredTable* table, quint64 shape, Statement stat
 
 StatementLease::~StatementLease() {
     if (m_table != nullptr)
-        m_table->takeBack(m_shape, std::move(m_statement));
+        m_table->returnStatement(m_shape, std::move(m_statement));
 }
 
 StatementLease::StatementLease(StatementLease&& other) noexcept
@@ -86,7 +86,7 @@ void StoredTable::checkStored() const {
     } catch (const DataError& error) {
         if (error.kind() != ErrorKind::NoSuchTable)
             throw;
-        if (number() == 0)  // not listed either
+        if (number() == 0)  // nor in the catalogue
             throw DataError(ErrorKind::NoSuchTable, name(),
                             QStringLiteral("the company has no such table"));
         throw DataError(ErrorKind::Damaged, name(),
@@ -105,7 +105,7 @@ StatementLease StoredTable::lease(quint64 shape, const std::function<QByteArray(
     return StatementLease(this, shape, std::move(statement));
 }
 
-void StoredTable::takeBack(quint64 shape, Statement statement) {
+void StoredTable::returnStatement(quint64 shape, Statement statement) {
     statement.reset();
     m_pool[shape].push_back(std::move(statement));
 }
@@ -214,20 +214,20 @@ void StoredTable::remove(RecordId id, const QByteArray& before) {
 void StoredTable::write(RecordId& id, const QByteArray* before, const QByteArray* after) {
     if (before != nullptr && !m_connection.locks().tryForStatement({number(), id}))
         m_connection.throwHeld(*this, *before);
-    if (after == nullptr) {
-        writeRemoval(id);
-        return;
-    }
     try {
-        if (before == nullptr)
+        if (after == nullptr)
+            writeRemoval(id);
+        else if (before == nullptr)
             writeNew(id, *after);
         else
             writeChange(id, *before, *after);
     } catch (const DataError& error) {
-        if (error.kind() == ErrorKind::DuplicateKey)
+        if (error.kind() == ErrorKind::DuplicateKey && after != nullptr)
             throwDuplicate(error, *after);
         throw;
     }
+    if (m_connection.journal().recording() != 0)
+        m_connection.journal().record(layout(), keys(), id, before, after);
 }
 
 void StoredTable::writeNew(RecordId& id, const QByteArray& record) {

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <new>
 
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/sqlite/sqlite_handle.h"
 #include "tests/support/company_folder.h"
 
 namespace test {
@@ -23,7 +23,7 @@ std::vector<FileEvent>& recorded() {
     return events;
 }
 
-// The platform's file stands behind this one in the memory that SQLite gives.
+// The platform's file follows this one in the memory allocated by SQLite.
 struct RecordedFile : sqlite3_file {
     QString name;  // empty: a temporary file, which is not recorded
     sqlite3_file* real() { return reinterpret_cast<sqlite3_file*>(this + 1); }
@@ -64,7 +64,7 @@ int syncFile(sqlite3_file* file, int) {
     return SQLITE_OK;
 }
 
-// Passes a call on to the platform's file.
+// Forwards a call to the platform's file.
 template <auto kMethod>
 struct Forward;
 template <typename Result, typename... Arguments,
@@ -75,7 +75,7 @@ struct Forward<kMethod> {
     }
 };
 
-// Everything else is the platform's. Without xFetch: the files are not mapped.
+// Everything else is forwarded. Without xFetch: files are not mapped.
 const sqlite3_io_methods kMethods = [] {
     sqlite3_io_methods methods = {};
     methods.iVersion = 2;
@@ -139,7 +139,7 @@ void applyTo(QByteArray& content, const FileEvent& event) {
     std::copy(event.bytes.begin(), event.bytes.end(), content.begin() + event.offset);
 }
 
-// The write's pieces by the disk's sectors, each there or not.
+// Applies an arbitrary subset of the write's sectors.
 void applyTorn(QByteArray& content, const FileEvent& event, std::mt19937& random) {
     for (qint64 at = event.offset; at < event.offset + event.bytes.size();) {
         const qint64 end =
@@ -165,11 +165,11 @@ RecordingFiles::RecordingFiles() {
     }();
     sqlite3_vfs_register(&vfs, 0);
     recorded().clear();
-    engines::embedded::SqliteHandle::setFileSystem(kName);
+    engines::sqlite::SqliteHandle::setFileSystem(kName);
 }
 
 RecordingFiles::~RecordingFiles() {
-    engines::embedded::SqliteHandle::setFileSystem(nullptr);
+    engines::sqlite::SqliteHandle::setFileSystem(nullptr);
 }
 
 void RecordingFiles::mark() {

@@ -107,7 +107,7 @@ TEST(Pdf, LongTablesContinueOnTheNextPage) {
 
 using FormReport = test::FormTest;
 
-TEST_F(FormReport, IsSavedAsPdfOrGoesToTheMailProgramAsFarAsTheDesktopAllows) {
+TEST_F(FormReport, IsSavedAsPdfAndMailed) {
     const QString saved = m_shop.file(str("raportti.pdf"));
     m_dialogs.expectFileChoice(saved);
     m_form->Pdf->click();

@@ -34,8 +34,8 @@ int loopbackSocket(quint16 port, Call call) {
     return made;
 }
 
-/// Listens on loopback and forwards connections to a server, until it is to be silent or to hang
-/// up.
+/// Listens on loopback and forwards connections to a server, until told to be silent or to
+/// close.
 class Relay {
   public:
     explicit Relay(quint16 serverPort)
@@ -54,18 +54,18 @@ class Relay {
         return ntohs(address.sin_port);
     }
     std::atomic<bool> isSilent{false};  ///< accepts connections and forwards nothing
-    std::atomic<bool> drops{false};     ///< hangs up once
+    std::atomic<bool> drops{false};     ///< closes the connections once
 
   private:
     void work() {
         std::vector<pollfd> watched{{m_listener, POLLIN, 0}};  // then client, server, ...
-        const auto hangUp = [&watched] {
+        const auto closeConnections = [&watched] {
             for (; watched.size() > 1; watched.pop_back())
                 ::close(watched.back().fd);
         };
         while (!m_ends) {
             if (drops.exchange(false))
-                hangUp();
+                closeConnections();
             const size_t count = isSilent ? 1 : watched.size();
             if (::poll(watched.data(), count, 20) <= 0)
                 continue;
@@ -85,7 +85,7 @@ class Relay {
                 watched.push_back({loopbackSocket(m_serverPort, ::connect), POLLIN, 0});
             }
         }
-        hangUp();
+        closeConnections();
         ::close(m_listener);
     }
 
@@ -141,12 +141,12 @@ class LostConnection : public ::testing::TestWithParam<Server> {
     std::unique_ptr<Relay> m_relay;
 };
 
-TEST_P(LostConnection, ServerThatNeverAnswers) {
+TEST_P(LostConnection, ServerNeverResponds) {
     m_relay->isSilent = true;
     expectLost([&] { engines::shops::OdbcConnection::connect(settings()); });
 }
 
-TEST_P(LostConnection, ServerThatFallsSilentInAStatement) {
+TEST_P(LostConnection, ServerStopsRespondingDuringAStatement) {
     test::OdbcDatabase database(settings());
     EXPECT_EQ(test::rows(database, "select 1"), QStringList{"1"});
     m_relay->isSilent = true;

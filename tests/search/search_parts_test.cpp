@@ -7,7 +7,7 @@
 #include "search/text_match.h"
 #include "tests/support/checks.h"
 
-// The parts of a search window that need neither a window nor a company.
+// Parts of a search window that need neither window nor company.
 
 using data::Kind;
 using namespace search;
@@ -155,6 +155,13 @@ TEST(SearchParts, RangesByTheKindOfTheKey) {
     EXPECT_EQ(keyValue(decimal, str(" 1,5")), data::Value(1.5));
 }
 
+TEST(SearchParts, OnlyALongerTextThatBeginsAlikeCompletes) {
+    Completion completion;
+    for (const char* found : {"pa", "p", "xpannu", ""})
+        EXPECT_FALSE(completion.complete(str("pa"), str(found))) << found;
+    EXPECT_EQ(completion.complete(str("pa"), str("Pannu")), str("Pannu"));
+}
+
 TEST(SearchParts, LayoutIsReadAndWritten) {
     const auto columns = [](const FormLayout& layout) {
         QStringList texts;
@@ -219,6 +226,6 @@ TEST(SearchParts, TextsAtTheStartAndAnywhereIgnoringCase) {
             EXPECT_EQ(match.matchesText(str(held)), expected) << held << text;
         }
     }
-    // No record holds a character that records cannot hold.
+    // A character outside Windows-1252 matches no record.
     EXPECT_FALSE(TextMatch(QStringLiteral("Ж"), true).matchesBytes("?"));
 }

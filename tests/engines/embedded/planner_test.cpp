@@ -1,23 +1,22 @@
 #include <random>
 
 #include "engines/embedded/functions.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/sqlite/sqlite_handle.h"
 #include "tests/engines/embedded/fixture.h"
 
 using namespace data;
 
 namespace {
 
-// The same rows in an ordinary table without keys, where SQLite compares every row by itself, also
-// without indexes of its own making. Joins of texts with numbers are left out: there SQLite's
-// answer for the ordinary table is the doubtful one (an order that is not kept, rows that its
-// filters miss).
+// The same rows in an ordinary table without keys and automatic indexes, where SQLite compares
+// every row itself. Without joins of texts with numbers: there SQLite's result for the ordinary
+// table is the questionable one (order not kept, rows missed by its filters).
 class EmbeddedPlanner : public test::EmbeddedCompany {
   protected:
     void SetUp() override {
         EmbeddedCompany::SetUp();
         engines::embedded::registerFunctions(m_plain.get());
-        engines::embedded::execute(
+        engines::sqlite::execute(
             m_plain.get(),
             "PRAGMA automatic_index = OFF; CREATE TABLE asale(AsiakasNumero INTEGER, "
             "Tuote TEXT COLLATE ZAVTEXT, "
@@ -28,11 +27,11 @@ class EmbeddedPlanner : public test::EmbeddedCompany {
 
     void both(const QString& sql) {
         run(sql);
-        engines::embedded::execute(m_plain.get(), sql.toUtf8());
+        engines::sqlite::execute(m_plain.get(), sql.toUtf8());
     }
 
     QStringList plainRows(const QString& sql) {
-        engines::embedded::Statement statement(m_plain.get(), sql.toUtf8());
+        engines::sqlite::Statement statement(m_plain.get(), sql.toUtf8());
         QStringList lines;
         while (statement.step()) {
             QStringList cells;
@@ -46,8 +45,8 @@ class EmbeddedPlanner : public test::EmbeddedCompany {
     }
 
   private:
-    engines::embedded::SqliteHandle m_plain{QStringLiteral(":memory:"),
-                                            engines::embedded::SqliteHandle::Mode::Create};
+    engines::sqlite::SqliteHandle m_plain{QStringLiteral(":memory:"),
+                                          engines::sqlite::SqliteHandle::Mode::Create};
 };
 
 }  // namespace

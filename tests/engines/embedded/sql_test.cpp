@@ -12,7 +12,7 @@ namespace {
 class EmbeddedSql : public test::EmbeddedCompany {
   protected:
     /// Runs lines "STATEMENT => RESULT": rows joined by "; ", the number of rows written, or "!"
-    /// and words of the error. A line that begins with two blanks continues the one before.
+    /// and words of the error. A line starting with two blanks continues the previous one.
     void script(const char* text) {
         for (const QString& line : QString(text).replace("\n  ", " ").split('\n')) {
             SCOPED_TRACE(line.toStdString());
@@ -34,8 +34,8 @@ class EmbeddedSql : public test::EmbeddedCompany {
 
 TEST_F(EmbeddedSql, CatalogueIsReadBySqlWhateverTheCase) {
     // INI: its fields by number, with storage codes, offsets and lengths. Its key: three segments
-    // that allow duplicates and changes; another follows all but the last. Bits stand by their
-    // place in the byte.
+    // that allow duplicates and changes; all but the last are followed by another. Bits by their
+    // position in the byte.
     script(R"(SELECT xf$name FROM X$File WHERE Xf$Name = 'myymalahinnat'; => MYYMALAHINNAT
 select count(*) from x$file where xf$name='PUUTTUU' => 0
 select xe$name, xe$datatype, xe$offset, xe$size from x$file, x$field where xe$file = xf$id
@@ -124,7 +124,7 @@ select numero, bit1, bit1_5 from tuote where numero > 'a' order by numero => b|3
 SELECT numero, nimi FROM TUOTE WHERE lisukkeena = 1; => a|)");
 }
 
-TEST_F(EmbeddedSql, WhatTheUsersSqlMayNotDo) {
+TEST_F(EmbeddedSql, UserSqlRestrictions) {
     for (const char* sql : {"select * from rec_TUOTE", "drop table tuote", "delete from rec_ini",
                             "pragma synchronous = off", "begin", "create table oma (a)",
                             "attach ':memory:' as m", "select * from sqlite_master"}) {
@@ -160,7 +160,7 @@ TEST_F(EmbeddedSql, ParametersAreFoundWhateverTheirCase) {
     EXPECT_FALSE(statement->value(2).isValid());
 }
 
-// Writing through the same connection while a result is read harms neither.
+// Writes on the connection of an open result affect neither.
 TEST_F(EmbeddedSql, WritesDuringARead) {
     for (int i = 0; i < 50; ++i)
         run("insert into tryhma (nro, vero) values (:n, 1)", {{"n", i}});

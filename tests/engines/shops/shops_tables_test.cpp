@@ -29,8 +29,8 @@ class ShopsTablesTest : public ::testing::Test {
         engines::openEmbedded(str("varasto"), store())->prepare(str(sql))->execute();
     }
     /// Registers a database with the fake client.
-    ShopsDatabaseSettings database(const QString& name, const QString& peculiarities = {}) {
-        m_databases.add(name, store(), peculiarities);
+    ShopsDatabaseSettings database(const QString& name, const QString& quirks = {}) {
+        m_databases.add(name, store(), quirks);
         return settings(name);
     }
     ShopsDatabaseSettings settings(const QString& name) const {
@@ -97,7 +97,7 @@ TEST_F(ShopsTablesTest, ErrorsSayWhatToDo) {
     EXPECT_EQ(thrownBy([&] { ShopsTables(owned).openTable(str("EIOLE")); }).kind(),
               ErrorKind::NoSuchTable);
 
-    // no library, and one of something else
+    // a missing library, and an unrelated one
     owned.clientLibrary = m_folder.filePath(str("eiole.so"));
     const DataError library = thrownBy([&] { ShopsTables records(owned); });
     EXPECT_EQ(library.kind(), ErrorKind::NoConnection);
