@@ -111,6 +111,14 @@ TEST(SearchParts, BaseAndUserFilter) {
         filter.setShowPassive(false);
         EXPECT_EQ(filter.expression(), str(base));
     }
+    FilterState filter;
+    filter.setUserFilter(str("u=1 "));
+    filter.setRange({{1}, {2}}, str("34"));
+    EXPECT_EQ(filter.description(), str("u=1   alue: 34"));
+    filter.setRecordSearch(str("kahvi"));
+    EXPECT_EQ(filter.description(), str("haku: kahvi   alue: 34"));
+    filter.setBaseFilter(str("c"));
+    EXPECT_EQ(filter.description(), str("alue: 34"));
 }
 
 TEST(SearchParts, RangesByTheKindOfTheKey) {
