@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "data/lock/link_count.h"
 #include "engines/embedded/functions.h"
+#include "engines/embedded/schema.h"
 #include "engines/embedded/sql_text.h"
 #include "engines/embedded/stored_table.h"
 #include "engines/embedded/virtual_table.h"
@@ -23,6 +25,23 @@ qint64 pragma(sqlite3* db, const QByteArray& name, const QString& fileName) {
     return statement.integer(0);
 }
 
+// Programs that reach one file by different names have different lock files and write-ahead logs.
+void requireOneName(const QString& fileName) {
+    const std::uint64_t names = linkCount(fileName);
+    if (names <= 1)
+        return;
+    throw DataError(ErrorKind::Engine, fileName,
+                    QStringLiteral("the file has %1 names (hard links), and programs that use "
+                                   "different ones would damage it; remove the other names, or "
+                                   "replace them by symbolic links")
+                        .arg(names))
+        .inFinnish(
+            QStringLiteral("tiedostolla on %1 nimeä (kovia linkkejä), ja eri nimiä käyttävät "
+                           "ohjelmat vioittaisivat sen")
+                .arg(names),
+            QStringLiteral("Poista muut nimet tai korvaa ne symbolisilla linkeillä."));
+}
+
 bool isInternalName(const char* name) {
     return name != nullptr &&
            (sqlite3_strnicmp(name, "rec_", 4) == 0 || sqlite3_strnicmp(name, "sqlite_", 7) == 0 ||
@@ -38,20 +57,25 @@ Connection::InternalUse::~InternalUse() {
     m_connection.m_checksNames = m_previous;
 }
 
-Connection::Connection(const QString& fileName) : m_fileName(fileName) {
+Connection::Connection(const QString& fileName, Schema schema) : m_fileName(fileName) {
     if (!QFileInfo::exists(fileName))
         throw DataError(ErrorKind::NoConnection, fileName, QStringLiteral("no such file"))
             .inFinnish(QStringLiteral("tiedostoa ei ole"));
+    requireOneName(fileName);
     m_handle = SqliteHandle(fileName, SqliteHandle::Mode::ReadWrite);
     m_db = m_handle.get();
     checkFile();
+    if (schema == Schema::Own)
+        requireOwnSchema(m_db, m_fileName);
     m_locks = std::make_unique<RecordLocks>(lockFileName(fileName));
     configure();
 }
 
 Connection::Connection(sqlite3* host)
     : m_fileName(QString::fromUtf8(sqlite3_db_filename(host, "main"))), m_db(host) {
+    requireOneName(m_fileName);
     checkFile();
+    requireOwnSchema(m_db, m_fileName);
     m_locks = std::make_unique<RecordLocks>(lockFileName(m_fileName));
     registerFunctions(m_db);
     registerVirtualTables(*this);
@@ -106,7 +130,9 @@ void Connection::configure() {
             "PRAGMA cache_size = -32000; PRAGMA mmap_size = 2147418112;"
             "PRAGMA secure_delete = OFF;",
             m_fileName);
-    // A file from elsewhere may hold triggers and the like: they get no functions and no tables.
+    // The file's schema has been checked, but another program may change it at any time.
+    sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);

@@ -30,9 +30,14 @@ inline constexpr int kFormatVersion = 1;
 /// locks and the cache of SQL statements. SQL reaches it through the module of the virtual tables.
 class Connection {
   public:
+    enum class Schema {
+        Own,  ///< a file with schema objects of others is refused
+        Any   ///< for reading a file to tell what is wrong with it
+    };
     /// Opens the database file and registers functions, collations and the module.
-    /// @throws DataError: NoConnection, ReadOnly, Damaged (none of ours), Engine (newer format).
-    explicit Connection(const QString& fileName);
+    /// @throws DataError: NoConnection, ReadOnly, Damaged (none of ours, or with schema objects of
+    /// others), Engine (newer format; a file with several names).
+    explicit Connection(const QString& fileName, Schema schema = Schema::Own);
     /// Serves a connection that a program other than ours has opened: registers the same on it. A
     /// statement there runs outside of write(): a record that somebody else holds fails it at once.
     /// @throws DataError as above.

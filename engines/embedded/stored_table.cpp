@@ -360,18 +360,26 @@ void StoredTable::throwDuplicate(const DataError& error, const QByteArray& recor
         error.nativeCode());
 }
 
+QString keyIndexName(const QString& stored, int key) {
+    return stored + u'_' + QString::fromLatin1(keyColumn(key));
+}
+
+QByteArray keyIndexSql(const QString& stored, int key, bool unique) {
+    return (unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
+           quotedName(keyIndexName(stored, key)) + " ON " + quotedName(stored) + "(" +
+           keyColumn(key) + ")";
+}
+
 std::vector<QByteArray> creationSql(const TableDescription& table) {
-    const QByteArray stored = quotedName(storedName(table.name));
+    const QString stored = storedName(table.name);
     QByteArray columns = "id INTEGER PRIMARY KEY";
     for (const KeyDef& key : table.keys)
         columns += ", " + keyColumn(key.number) + " BLOB NOT NULL";
     std::vector<QByteArray> statements;
-    statements.push_back("CREATE TABLE " + stored + "(" + columns + ", data BLOB NOT NULL)");
+    statements.push_back("CREATE TABLE " + quotedName(stored) + "(" + columns +
+                         ", data BLOB NOT NULL)");
     for (const KeyDef& key : table.keys)
-        statements.push_back((key.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
-                             quotedName(storedName(table.name) + QStringLiteral("_") +
-                                        QString::fromLatin1(keyColumn(key.number))) +
-                             " ON " + stored + "(" + keyColumn(key.number) + ")");
+        statements.push_back(keyIndexSql(stored, key.number, key.unique));
     return statements;
 }
 

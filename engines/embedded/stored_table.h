@@ -126,6 +126,10 @@ class StoredTable {
 /// The SQL that makes a new company's table: its records and their keys.
 std::vector<QByteArray> creationSql(const TableDescription& table);
 
+/// Name of a key's index and the SQL that makes it; `stored` as storedName() gives it.
+QString keyIndexName(const QString& stored, int key);
+QByteArray keyIndexSql(const QString& stored, int key, bool unique);
+
 /// Keeps ids from being used again: the next id of tables whose last record was removed.
 inline constexpr char kIdsTable[] = "zdb_ids";
 
