@@ -15,6 +15,7 @@ extern const qint64 kProgramBuildTime;
 int main(int argc, char** argv) {
     const platform::Console console;
     platform::withholdWritingFromOthers();
+    platform::reportFileSizeLimit();
     shell::setBuildTime(shell::imageTime().value_or(kProgramBuildTime));
     QStringList parameters;
     for (int i = 1; i < argc; ++i)

@@ -1,6 +1,7 @@
 #include <QFile>
-#include <QTemporaryDir>
+#include <QFileInfo>
 
+#include "data/lock/workshop.h"
 #include "engines/embedded/company_file.h"
 #include "engines/embedded/connection.h"
 #include "engines/embedded/embedded_database.h"
@@ -57,9 +58,7 @@ void backupEmbedded(const QString& folder, const QString& targetFile,
     if (QFile::exists(targetFile))
         throw DataError(ErrorKind::Io, targetFile, QStringLiteral("the file exists already"));
     // In a folder of its own beside the target: no other file can be in its way.
-    const QTemporaryDir workshop(targetFile + QStringLiteral(".XXXXXX"));
-    if (!workshop.isValid())
-        throw DataError(ErrorKind::Io, targetFile, workshop.errorString());
+    const Workshop workshop(QFileInfo(targetFile).absolutePath());
     const QString unfinished = companyFile(workshop.path());
     if (copyPages(companyFile(folder), unfinished, progress) &&
         !QFile::rename(unfinished, targetFile))

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <cstring>
 #include <new>
+#include <system_error>
 #include <utility>
 
 #include "data/system_path.h"
@@ -105,9 +106,12 @@ void throwSqlite(sqlite3* db, int code, const QString& table) {
     const int extended = db != nullptr && (sqlite3_extended_errcode(db) & 0xFF) == (code & 0xFF)
                              ? sqlite3_extended_errcode(db)
                              : code;
-    throw inFinnish(
-        DataError(errorKind(extended, message), table, QString::fromUtf8(message), extended),
-        extended);
+    QString detail = QString::fromUtf8(message);
+    const int cause = (extended & 0xFF) == SQLITE_IOERR ? sqlite3_system_errno(db) : 0;
+    if (cause != 0)
+        detail += QStringLiteral(": %1").arg(
+            QString::fromStdString(std::system_category().message(cause)));
+    throw inFinnish(DataError(errorKind(extended, message), table, detail, extended), extended);
 }
 
 SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <filesystem>
 
 #include "company/run_mark.h"
 #include "platform/command_line.h"
@@ -85,10 +86,22 @@ TEST_F(ConnectionTest, TheAliasChoosesTheEngineOrSaysWhyNot) {
     storeAlias({str("tyhjä"), empty.path(), {}, {}});
     storeAlias({str("poissa"), empty.filePath(str("poissa")), {}, {}});
     storeAlias({str("kansioton"), {}, {}, {}});
+    storeAlias({str("palvelin"), empty.path(), {}, {}, str("kone")});
+    const QTemporaryDir broken;
+    const auto linkTo = [](const char* target, const QString& name) {
+        std::filesystem::create_symlink(target, name.toStdString());
+    };
+    linkTo("poissa.zdb", broken.filePath(engines::kEmbeddedFileName));
+    storeAlias({str("linkki"), broken.path(), {}, {}});
+    linkTo("kehä", broken.filePath(str("kehä")));
+    storeAlias({str("kehä"), broken.filePath(str("kehä")), {}, {}});
     const QString workingFolder = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(m_company.path()));  // its database is nobody's here
     const char* const cases[][3] = {
-        {"tyhjä", "client library", ""},
+        {"tyhjä", "holds no database YRITYS.ZDB", "\" ei ole tietokantaa YRITYS.ZDB, eikä"},
+        {"linkki", "no such file", "YRITYS.ZDB: tiedostoa ei ole"},
+        {"kehä", "the folder cannot be read", "kehä: kansiota ei voi lukea"},
+        {"palvelin", "client library", "asiakaskirjastoa"},
         {"poissa", "does not exist", "poissa\" ei ole"},
         {"kansioton", "client library", ""},
         {"tuntematon", "registered", "sen nimistä yritystä ei ole luettelossa"}};

@@ -26,9 +26,6 @@ using vatchange::RunResult;
 
 constexpr test::FullCompanySize kSize{3, 1};
 
-// Reads of mapped files make no call that could fail.
-const int kNoMapping = sqlite3_config(SQLITE_CONFIG_MMAP_SIZE, 0LL, 0LL);
-
 // Tables that get rows as a side effect of another table's row.
 const QStringList kFollowers{"HR", "WEBKLIITOS", "INI"};
 // A rerun multiplies these again while their product is unconverted.
@@ -51,7 +48,6 @@ struct Attempt {
 class FaultSweep : public testing::Test {
   protected:
     void SetUp() override {
-        ASSERT_EQ(kNoMapping, SQLITE_OK);
         test::makeFullCompany(start(), kSize);
         m_old = test::readCompany(start());
         fresh();
