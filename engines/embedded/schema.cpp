@@ -2,19 +2,16 @@
 
 #include <QRegularExpression>
 #include <algorithm>
-#include <array>
 
 #include "engines/embedded/catalogue.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/embedded/sqlite_names.h"
 #include "engines/embedded/stored_table.h"
 #include "engines/embedded/virtual_table.h"
+#include "engines/journal/journal_store.h"
 
 namespace engines::embedded {
 
 namespace {
-
-// kIdsTable, and the journal of the runs.
-constexpr std::array kInternalTables{kIdsTable, "zdb_run", "zdb_change", "zdb_note"};
 
 constexpr qsizetype kMostNamed = 5;
 
@@ -30,7 +27,7 @@ bool startsWithPrefix(const QString& name, const char* prefix) {
     return name.startsWith(QLatin1String(prefix), Qt::CaseInsensitive);
 }
 
-/// SQLite's own: counters, statistics, and the indexes that belong to a table's definition.
+/// SQLite's own: counters, statistics, and the indexes that are part of a table's definition.
 bool isOfSqlite(const SchemaObject& object) {
     if (object.type == QLatin1String("index"))
         return object.sql.isEmpty() && startsWithPrefix(object.name, "sqlite_autoindex_") &&
@@ -56,8 +53,6 @@ bool isOwnTable(const SchemaObject& object) {
 }
 
 bool isOwnIndex(const SchemaObject& object) {
-    if (isInternalTable(object.table))
-        return startsWithPrefix(object.name, (object.table + u'_').toLatin1().constData());
     const qsizetype mark = object.name.lastIndexOf(u'_');
     const QString key = object.name.mid(mark + 1);  // "k" and the key's number
     bool isNumber = false;
@@ -79,9 +74,7 @@ bool isOwn(const SchemaObject& object) {
 }  // namespace
 
 bool isInternalTable(const QString& name) {
-    return std::any_of(kInternalTables.begin(), kInternalTables.end(), [&](const char* known) {
-        return name.compare(QLatin1String(known), Qt::CaseInsensitive) == 0;
-    });
+    return name == QLatin1String(kIdsTable) || journal::JournalStore::tableNames().contains(name);
 }
 
 QStringList foreignObjects(sqlite3* db) {

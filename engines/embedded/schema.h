@@ -9,8 +9,8 @@
 
 namespace engines::embedded {
 
-/// The SQLite tables that the engine keeps beside the companies' own; their indexes are named after
-/// them. They are no tables of the company.
+/// The SQLite tables that the engine keeps beside the company's: those of the run journal and the
+/// next ids. They are no tables of the company.
 bool isInternalTable(const QString& name);
 
 /// What the schema of a database file holds that this program did not make: triggers, views,

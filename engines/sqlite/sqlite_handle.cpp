@@ -66,6 +66,16 @@ DataError inFinnish(const DataError& error, int code) {
     }
 }
 
+/// The system's code of the last failure of reading or writing; 0: not known. After undoing what
+/// failed only the file may still know it.
+int systemError(sqlite3* db) {
+    int cause = sqlite3_system_errno(db);
+    if (cause == 0 &&
+        sqlite3_file_control(db, "main", SQLITE_FCNTL_LAST_ERRNO, &cause) != SQLITE_OK)
+        return 0;
+    return cause;
+}
+
 }  // namespace
 
 ErrorKind errorKind(int code, const char* message) {
@@ -107,10 +117,9 @@ void throwSqlite(sqlite3* db, int code, const QString& table) {
                              ? sqlite3_extended_errcode(db)
                              : code;
     QString detail = QString::fromUtf8(message);
-    const int cause = (extended & 0xFF) == SQLITE_IOERR ? sqlite3_system_errno(db) : 0;
-    if (cause != 0)
-        detail += QStringLiteral(": %1").arg(
-            QString::fromStdString(std::system_category().message(cause)));
+    if (const int cause = (extended & 0xFF) == SQLITE_IOERR ? systemError(db) : 0; cause != 0)
+        detail +=
+            QStringLiteral(": ") + QString::fromStdString(std::system_category().message(cause));
     throw inFinnish(DataError(errorKind(extended, message), table, detail, extended), extended);
 }
 

@@ -2,7 +2,6 @@
 // write, lock, flush ... of the database, the record locks, the logs and the small files.
 // TAKSAVAIHE_FAULTS sets how many are tried, at most all.
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 #include <sys/resource.h>
 
 #include <QDir>

@@ -10,6 +10,9 @@
 #ifndef _WIN32
 #include <sys/stat.h>
 #endif
+#ifdef __linux__
+#include <sys/fsuid.h>
+#endif
 
 using namespace data;
 using test::errorOf;
@@ -21,8 +24,8 @@ class EmbeddedFile : public test::EmbeddedCompany {
     // Changes the file behind the engine's back.
     void tamper(const QByteArray& sql) {
         db.reset();
-        const engines::sqlite::SqliteHandle handle(
-            file(), engines::sqlite::SqliteHandle::Mode::ReadWrite);
+        const engines::sqlite::SqliteHandle handle(file(),
+                                                   engines::sqlite::SqliteHandle::Mode::ReadWrite);
         engines::sqlite::execute(handle.get(), sql);
     }
 
@@ -82,8 +85,8 @@ TEST_F(EmbeddedFile, FilesThatAreNoneOfOurs) {
     }
     QFile::remove(file());
     {
-        const engines::sqlite::SqliteHandle foreign(
-            file(), engines::sqlite::SqliteHandle::Mode::Create);
+        const engines::sqlite::SqliteHandle foreign(file(),
+                                                    engines::sqlite::SqliteHandle::Mode::Create);
         engines::sqlite::execute(foreign.get(), "CREATE TABLE tuote (numero)");
     }
     EXPECT_EQ(openingError().kind(), ErrorKind::Damaged);
@@ -349,6 +352,25 @@ TEST_F(EmbeddedFile, BackupIsConsistentAndNeverReplaces) {
     engines::backupEmbedded(folder(), stopped, [](int, int) { return false; });
     EXPECT_EQ(QDir(folder()).entryList({"kesken*"}), QStringList());
 }
+
+#ifdef __linux__
+TEST_F(EmbeddedFile, AFolderThatMayNotBeReadIsNotTakenForAnEmptyOne) {
+    EXPECT_TRUE(engines::hasEmbeddedDatabase(folder()));
+    const QTemporaryDir outer;
+    QDir(outer.path()).mkdir("sisin");
+    ASSERT_EQ(::chmod(QFile::encodeName(outer.path()).constData(), 0), 0);
+    const int before = ::setfsuid(65534);  // root may read everything
+    const DataError error = errorOf([&] { engines::hasEmbeddedDatabase(outer.path()); });
+    EXPECT_THROW(engines::hasEmbeddedDatabase(outer.filePath("sisin")), DataError);
+    ::setfsuid(static_cast<uid_t>(before));
+    ASSERT_EQ(::chmod(QFile::encodeName(outer.path()).constData(), 0700), 0);
+    EXPECT_EQ(error.kind(), ErrorKind::NoConnection);
+    EXPECT_TRUE(error.english().contains("the folder cannot be read: Permission denied"))
+        << error.what();
+    EXPECT_TRUE(error.finnish().contains("kansiota ei voi lukea"));
+    EXPECT_FALSE(engines::hasEmbeddedDatabase(outer.path()));
+}
+#endif
 
 #ifndef _WIN32
 // Those of a group work on one company where their umask lets them; nobody else ever writes it.
