@@ -153,8 +153,6 @@ void TZavDbConnectionModule::AlustaUnidacConnection(UniConnection& connection,
     if (!platform::sameIgnoringAsciiCase(connection.m_dataSource, dataSource))
         connection.m_database.reset();
     connection.m_dataSource = dataSource;
-    if (connection.m_provider.isEmpty())
-        connection.m_provider = QStringLiteral("ODBC");
 
     for (int attempt = 1; attempt <= kConnectAttempts && !connection.connected(); ++attempt) {
         try {
@@ -177,10 +175,6 @@ std::unique_ptr<data::TUniQuery> TZavDbConnectionModule::LuoUniQuery(const QStri
     auto query = std::make_unique<data::TUniQuery>(&connection(dataSource).database());
     query->setDebug(debug);
     return query;
-}
-
-std::unique_ptr<data::TUniScript> TZavDbConnectionModule::LuoUniScript(const QString& dataSource) {
-    return std::make_unique<data::TUniScript>(&connection(dataSource).database());
 }
 
 std::unique_ptr<data::Database> TZavDbConnectionModule::openByAlias(const QString& dataSource) {

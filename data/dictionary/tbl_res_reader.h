@@ -10,14 +10,12 @@
 namespace data {
 
 /// What a table object keeps of its dictionary: the field collection, whether and under which name
-/// it was read from a resource, and (apart from it) its key names.
+/// it was read from a resource.
 class TTblResBase {
   public:
     std::vector<TFieldCacheItem> FFields;  ///< entry order: index = field number - 1
     bool FFieldsResFlag = false;           ///< the fields came from a dictionary
     QString FFieldsResName;                ///< under this name
-    QStringList FIndexNames;
-    QString FTitanTable;  ///< the table this object describes
 };
 
 /// Reads the compiled dictionary block of a table (see docs/record-format.md for its bytes).

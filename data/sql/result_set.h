@@ -26,7 +26,6 @@ class ResultSet {
     /// Appends the current row of a statement. @throws DataError(DiskFull, Io).
     void append(const SqlStatement& statement);
     qint64 rowCount() const { return m_rows; }
-    bool isSpilled() const { return m_file != nullptr; }
 
     /// Stands on the first row. @return false when there is none.
     bool first();

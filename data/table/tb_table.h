@@ -6,7 +6,6 @@
 #include <QStringList>
 #include <chrono>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -30,7 +29,6 @@ class TField {
     const QString& fieldName() const { return m_name; }
     Kind kind() const { return m_kind; }
     int size() const { return m_size; }  ///< characters of a string, bytes otherwise
-    bool isCalculated() const { return m_calculate != nullptr; }
 
     /// 0 for an empty field; a float is truncated, a text is read as a number (0 when it is none)
     qint64 asInteger() const;
@@ -56,7 +54,6 @@ class TField {
     const QString& displayFormat() const { return m_displayFormat; }
     /// Texts of true and false, separated by a semicolon ("K;E").
     void setDisplayValues(const QString& values) { m_displayValues = values; }
-    const QString& displayValues() const { return m_displayValues; }
 
   private:
     friend class TtbTable;
@@ -144,11 +141,6 @@ class TtbTable {
     /// First record whose leading key fields are >= values; at eof on the last record when there is
     /// none. @return whether a record with exactly these values was found.
     bool findNearest(const KeyValues& values);
-    /// set key + go to nearest, field by field: setKey() clears the search values, setKeyField sets
-    /// one field of the current index by name, gotoNearest() positions.
-    void setKey();
-    void setKeyField(const QString& field, const Value& value);
-    void gotoNearest();
 
     /// Restricts to low <= leading key fields <= high (both inclusive) on the current index and
     /// goes to the first record. Holds until cancelRange(), also across edits and posts.
@@ -163,8 +155,6 @@ class TtbTable {
     void last();
     void next();
     void prior();
-    /// Moves by a number of records; @return how many it moved (less at an end).
-    int moveBy(int count);
     bool eof() const { return m_eof; }
     bool bof() const { return m_bof; }
     bool isEmpty() const { return !m_current.has_value(); }
@@ -199,18 +189,13 @@ class TtbTable {
     /// Deletes the current record; the next one (at the end: the previous) becomes current.
     void deleteRecord();
 
-    // --- refresh, bookmarks, controls
+    // --- refresh, bookmarks
     /// Rereads the current record; when it is gone the nearest following one becomes current.
     void refresh();
     Bookmark bookmark() const;
     /// @return false, with the current record unchanged, when that record is gone or outside the
     /// view.
     bool gotoBookmark(const Bookmark& mark);
-    void disableControls() { ++m_controlsDisabled; }
-    void enableControls();
-    bool controlsDisabled() const { return m_controlsDisabled > 0; }
-    /// Called after every change of the current record or its data while controls are enabled.
-    void setOnChange(std::function<void()> handler) { m_onChange = std::move(handler); }
 
     // --- filter
     /// A filter expression (data/record/filter.h). Takes effect while filtered() is on.
@@ -219,9 +204,6 @@ class TtbTable {
     const QString& filter() const { return m_filterText; }
     void setFiltered(bool on);
     bool filtered() const { return m_filtered; }
-    /// A record filter beside the expression: called with the table standing on the candidate.
-    void setOnFilterRecord(std::function<bool(const TtbTable&)> accept);
-    bool hasFilterRecord() const { return static_cast<bool>(m_onFilterRecord); }
 
     /// The current record's bytes and address, for callers that compare records.
     const QByteArray& recordBytes() const;
@@ -230,7 +212,6 @@ class TtbTable {
 
   private:
     friend class TField;
-    class Candidate;
     void requireOpen() const;
     void requireBrowsing() const;
     void requireRecord() const;
@@ -241,14 +222,12 @@ class TtbTable {
     KeyValues fitted(const KeyValues& values, bool* cut = nullptr) const;
     void buildFields();
     const QByteArray& readBytes() const;
-    bool accepts(const StoredRecord& record);
     void updateAcceptance();
     void changeView(bool keep, const std::function<void(bool undo)>& change);
     void place(std::optional<StoredRecord> record, bool atEof, bool atBof);
     bool step(Direction direction);
     bool beginEdit(std::chrono::milliseconds wait);
     void releaseLock() noexcept;
-    void changed();
 
     Database* m_database = nullptr;
     QString m_databaseName = kDdfDatabase;
@@ -261,20 +240,14 @@ class TtbTable {
     QHash<QString, TField*> m_byName;  // folded name
     TableState m_state = TableState::Closed;
     std::optional<StoredRecord> m_current;
-    QByteArray m_buffer;                        // the record while editing or inserting
-    const StoredRecord* m_candidate = nullptr;  // the record that a record filter looks at
+    QByteArray m_buffer;  // the record while editing or inserting
     bool m_eof = true;
     bool m_bof = true;
     std::optional<RecordId> m_locked;
-    std::map<int, Value> m_searchKey;  // by segment of the current index
     std::chrono::milliseconds m_lockWait{2000};
     QString m_filterText;
     std::unique_ptr<Filter> m_filter;
     bool m_filtered = false;
-    std::function<bool(const TtbTable&)> m_onFilterRecord;
-    int m_controlsDisabled = 0;
-    bool m_changePending = false;
-    std::function<void()> m_onChange;
 };
 
 }  // namespace data

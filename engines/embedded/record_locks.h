@@ -41,12 +41,11 @@ class RecordLocks {
 
     /// Takes a record for the running statement. Many separate records of a table grow into the
     /// whole table's range. @return false when somebody else holds the record (or another of the
-    /// table): conflict() tells which was asked for.
+    /// table); waitForConflict() waits for it.
     bool tryForStatement(const RecordAddress& record);
     /// Gives up what the statement took and edit() does not hold.
     void endStatement();
 
-    const std::optional<RecordAddress>& conflict() const { return m_conflict; }
     /// Waits until the record of the last conflict is free, or the time comes.
     /// @return false when the time came.
     bool waitForConflict(std::chrono::steady_clock::time_point end);
