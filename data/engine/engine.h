@@ -162,6 +162,14 @@ class Database {
     /// The company's run journal; nullptr where the engine keeps none, as some of the tests' do.
     virtual RunJournal* journal() { return nullptr; }
 
+    /// While on, a commit need not be durable when it returns: at most 100 ms later, before the
+    /// next wait for a lock or SQL query, at flush(), and when it is switched off. Other programs
+    /// see it at once and the death of the process loses nothing; a loss of power may lose the last
+    /// statements, whole and in their order. For runs. An engine may ignore it.
+    virtual void deferFlushes(bool /*on*/) {}
+    /// Makes durable what was committed. @throws DataError(Io, DiskFull).
+    virtual void flush() {}
+
     /// Runs `body` as one transaction: all of it is stored, or (when it throws) nothing. For import
     /// and creation; a run never uses it.
     virtual void inTransaction(const std::function<void()>& body) = 0;

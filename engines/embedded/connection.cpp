@@ -18,6 +18,7 @@ namespace {
 // How long the database's own write lock is waited for: another program's largest statement.
 constexpr int kBusyTimeoutMs = 10000;
 constexpr size_t kMaxCachedStatements = 32;
+constexpr std::chrono::milliseconds kFlushAfter{100};
 
 qint64 pragma(sqlite3* db, const QByteArray& name, const QString& fileName) {
     Statement statement(db, "PRAGMA " + name, fileName);
@@ -283,11 +284,11 @@ void Connection::write(WriteUnit unit, const std::function<void()>& body) {
                 runTransaction(body);
             else
                 body();
-            m_locks->endStatement();
-            m_journal->stored();
+            stored();
             return;
         } catch (const RecordIsHeld& held) {
             undoStatement();
+            flushBeforeWait();
             if (!m_locks->waitForConflict(end))
                 throwLocked(held);
         } catch (...) {
@@ -316,8 +317,45 @@ void Connection::inTransaction(const std::function<void()>& body) {
         throw;
     }
     m_inTransaction = false;
+    stored();
+}
+
+void Connection::stored() {
     m_locks->endStatement();
     m_journal->stored();
+    if (!m_defersFlushes)
+        return;
+    const auto now = std::chrono::steady_clock::now();
+    if (!m_unflushedSince)
+        m_unflushedSince = now;
+    else if (now - *m_unflushedSince >= kFlushAfter)
+        flush();
+}
+
+void Connection::deferFlushes(bool on) {
+    if (on == m_defersFlushes)
+        return;
+    flush();
+    execute(db(), on ? "PRAGMA synchronous = NORMAL" : "PRAGMA synchronous = FULL", m_fileName);
+    m_defersFlushes = on;
+}
+
+// In NORMAL mode SQLite itself flushes the log only before it moves it into the database.
+void Connection::flush() {
+    if (!m_defersFlushes)
+        return;
+    sqlite3_file* log = nullptr;
+    int code = sqlite3_file_control(db(), "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+    if (code == SQLITE_OK && log != nullptr && log->pMethods != nullptr)
+        code = log->pMethods->xSync(log, SQLITE_SYNC_NORMAL);
+    if (code != SQLITE_OK)
+        throwSqlite(nullptr, code, m_fileName);
+    m_unflushedSince.reset();
+}
+
+void Connection::flushBeforeWait() {
+    if (m_unflushedSince)
+        flush();
 }
 
 void Connection::throwHeld(const StoredTable& table, const QByteArray& record) const {

@@ -85,6 +85,12 @@ class Connection {
     /// As Database::inTransaction. Inside of another one it is a part of that.
     void inTransaction(const std::function<void()>& body);
 
+    /// As Database::deferFlushes and flush: the write-ahead log's flushes.
+    void deferFlushes(bool on);
+    void flush();
+    /// The same if something was committed since the last flush: before a wait.
+    void flushBeforeWait();
+
     /// Thrown through write() by what meets a record that somebody else holds.
     struct RecordIsHeld {
         QString table;
@@ -124,6 +130,7 @@ class Connection {
     void checkFile();
     [[noreturn]] void throwLocked(const RecordIsHeld& held) const;
 
+    void stored();
     void runTransaction(const std::function<void()>& body);
     void undoStatement();
 
@@ -144,6 +151,8 @@ class Connection {
     bool m_checksNames = false;
     bool m_askedLeave = false;  // SQLite asked authorize() about the statement being prepared
     bool m_inTransaction = false;
+    bool m_defersFlushes = false;
+    std::optional<std::chrono::steady_clock::time_point> m_unflushedSince;
     int m_sqlTables = 0;
     int m_cursors = 0;
 };

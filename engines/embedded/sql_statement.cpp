@@ -130,6 +130,8 @@ bool EmbeddedSqlStatement::step() {
         m_atEnd = true;
         return false;
     }
+    if (sqlite3_stmt_busy(m_statement) == 0)
+        m_connection->flushBeforeWait();  // the query may take long
     m_atEnd = !stepOnce();
     return !m_atEnd;
 }

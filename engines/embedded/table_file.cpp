@@ -265,8 +265,12 @@ std::optional<StoredRecord> EmbeddedTableFile::get(RecordId id) {
 }
 
 bool EmbeddedTableFile::lock(RecordId id, std::chrono::milliseconds wait) {
-    if (!m_connection->locks().hold({m_table.number(), id}, wait))
-        return false;
+    const RecordAddress record{m_table.number(), id};
+    if (!m_connection->locks().tryHold(record)) {
+        m_connection->flushBeforeWait();
+        if (!m_connection->locks().hold(record, wait))
+            return false;
+    }
     ++m_locked[id].count;
     return true;
 }

@@ -506,19 +506,28 @@ void JournalStore::checkRun(const StoredHead& head, QStringList& problems) {
         });
         if (head.last != 0 && lastEntry(run) != head.last)
             throw damaged(run, "its last entries are missing");
-        Statement names(m_db, "SELECT name FROM zdb_note WHERE run = ?1", m_fileName);
-        names.bind(1, run);
-        while (names.step())
-            note(run, names.text(0));
+        checkNotes(run);
     } catch (const DataError& error) {
         problems += error.english();
     }
+}
+
+void JournalStore::checkNotes(qint64 run) {
+    Statement names(m_db, "SELECT name FROM zdb_note WHERE run = ?1", m_fileName);
+    names.bind(1, run);
+    while (names.step())
+        note(run, names.text(0));
 }
 
 QStringList JournalStore::check() {
     QStringList problems;
     if (!exists())
         return problems;
+    try {
+        checkNotes(0);
+    } catch (const DataError& error) {
+        problems += error.english();
+    }
     std::vector<std::pair<qint64, QByteArray>> heads;
     Statement rows(m_db, "SELECT number, head FROM zdb_run ORDER BY number", m_fileName);
     while (rows.step())

@@ -55,6 +55,9 @@ class JournalStore : public RunJournal {
     /// To be called only while recording().
     void record(const RecordLayout& layout, const std::vector<KeyDef>& keys, RecordId id,
                 const QByteArray* before, const QByteArray* after);
+    /// Stops recording as if the process had died: the run stays Running.
+    void suspend() { stopRecording(); }
+
     /// What was recorded since the last call is stored, or undone with its transaction.
     void stored();
     void undone();
@@ -88,6 +91,7 @@ class JournalStore : public RunJournal {
     void removeOld();
     void removeRun(qint64 run);
     qint64 countRecords(qint64 run);
+    void checkNotes(qint64 run);
     void checkRun(const StoredHead& head, QStringList& problems);
 
     sqlite3* m_db;
