@@ -116,11 +116,17 @@ void throwSqlite(sqlite3* db, int code, const QString& table) {
     const int extended = db != nullptr && (sqlite3_extended_errcode(db) & 0xFF) == (code & 0xFF)
                              ? sqlite3_extended_errcode(db)
                              : code;
+    const std::error_code cause((extended & 0xFF) == SQLITE_IOERR ? systemError(db) : 0,
+                                std::system_category());
     QString detail = QString::fromUtf8(message);
-    if (const int cause = (extended & 0xFF) == SQLITE_IOERR ? systemError(db) : 0; cause != 0)
-        detail +=
-            QStringLiteral(": ") + QString::fromStdString(std::system_category().message(cause));
-    throw inFinnish(DataError(errorKind(extended, message), table, detail, extended), extended);
+    if (cause)
+        detail += QStringLiteral(": ") + QString::fromStdString(cause.message());
+    const DataError error(errorKind(extended, message), table, detail, extended);
+    if (cause == std::errc::file_too_large)
+        throw error.inFinnish(
+            QStringLiteral("tiedosto ei saa kasvaa järjestelmän sallimaa kokoa suuremmaksi"),
+            QStringLiteral("Suurenna tiedostokoon rajaa ja yritä uudelleen."));
+    throw inFinnish(error, extended);
 }
 
 SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {

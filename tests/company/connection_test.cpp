@@ -127,7 +127,7 @@ TEST_F(ConnectionTest, FileErrorsNameTheRemedyInFinnish) {
         ASSERT_EQ(database.write(QByteArray::fromHex("00000063")), 4);  // user_version 99
     }
     EXPECT_EQ(told(), str("Tietokanta hylkäsi toiminnon: ") + file +
-                          str(": tietokannan muoto 99 on uudempi kuin tämän ohjelman muoto 1. "
+                          str(": tietokannan muoto 99 on uudempi kuin tämän ohjelman muoto 2. "
                               "Ota käyttöön ohjelman uudempi versio."));
     test::writeFile(file, QByteArray("jotain muuta\n").repeated(1000));
     EXPECT_EQ(told(), str("Tiedot ovat vioittuneet: ") + file +

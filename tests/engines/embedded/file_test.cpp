@@ -307,6 +307,22 @@ TEST_F(EmbeddedFile, AFileWithSeveralNamesIsRefused) {
     EXPECT_NO_THROW(engines::openEmbedded("KOE", elsewhere.path()));
 }
 
+// On a network drive or by a careless program. A mapped file would end the process here.
+TEST_F(EmbeddedFile, AFileThatIsCutWhileItIsOpenIsAnError) {
+    db->inTransaction([&] {
+        for (int i = 0; i < 500; ++i)
+            run(QStringLiteral("insert into tuote (numero) values ('%1')").arg(i));
+    });
+    db.reset();  // puts everything into the file
+    db = engines::openEmbedded("KOE", folder());
+    EXPECT_EQ(rows("select count(*) from hintataso"), QStringList{"9"});
+    QFile cut(file());
+    ASSERT_TRUE(cut.resize(cut.size() / 2));
+    const DataError error = errorOf([&] { rows("select * from tuote"); });
+    EXPECT_TRUE(error.kind() == ErrorKind::Damaged || error.kind() == ErrorKind::Io)
+        << error.what();
+}
+
 TEST_F(EmbeddedFile, TransactionsAreAllOrNothing) {
     EXPECT_EQ(errorOf([&] {
                   db->inTransaction([&] {
