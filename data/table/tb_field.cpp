@@ -19,7 +19,7 @@ bool isWholeNumber(Kind kind) {
            kind == Kind::LargeInt;
 }
 
-// What a calculated field's kind amounts to as a stored field, for the text forms.
+// A stored field equivalent to a calculated one, for text conversion.
 TFieldCacheItem calculatedItem(const FieldDeclaration& declaration) {
     TFieldCacheItem item;
     item.name = declaration.name;
@@ -101,7 +101,8 @@ const std::vector<KeyDef>& TtbTable::keys() const {
     return m_file->keys();
 }
 
-// The bytes that the fields read: those of the record being edited or of the current one.
+// The bytes that fields read: the edited record or the current
+// one.
 const QByteArray& TtbTable::readBytes() const {
     if (m_state == TableState::Edit || m_state == TableState::Insert)
         return m_buffer;

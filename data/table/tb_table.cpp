@@ -75,8 +75,7 @@ void TtbTable::close() {
     m_file.reset();
 }
 
-// --- requirements: what a caller must have done before. Also checked in releases, since the
-// alternative is a wrong record.
+// --- preconditions, also checked in release builds: the alternative is a wrong record
 
 void TtbTable::refuse(const QString& why) const {
     throw DataError(ErrorKind::Engine, m_tableName, why);
@@ -163,8 +162,8 @@ QStringList TtbTable::indexFields(const QString& number) const {
     return names;
 }
 
-// Search values as the index can hold them: a text that is longer than its field stands for its
-// beginning (`cut` tells), so that a search text may be longer than what it looks for.
+// Search values shortened to what the index can hold: a text longer than its field becomes its
+// beginning (`cut` is set), so search texts may be longer than the field.
 KeyValues TtbTable::fitted(const KeyValues& values, bool* cut) const {
     const KeyDef& index = currentIndex();
     if (values.size() > index.segments.size())

@@ -4,13 +4,13 @@
 #include "data/table/key_view.h"
 #include "data/table/tb_table.h"
 
-// What a record table shows: filters, refresh, bookmarks.
+// Filters, refresh and bookmarks of a record table.
 
 namespace data {
 
-// Carries out a change of what the view shows and finds the current record's place in it: the
-// record itself (with `keep` in any case), else the following one, else the one before.
-// `change(true)` takes it back.
+// Changes what the view shows and repositions on the current record if it is still shown (with
+// `keep` always), else on the following one, else on the previous. `change(true)` undoes the
+// change.
 void TtbTable::changeView(bool keep, const std::function<void(bool)>& change) {
     const bool browsing = m_state == TableState::Browse;
     try {

@@ -15,7 +15,7 @@ namespace engines::embedded {
 
 namespace {
 
-// How long the database's own write lock is waited for: another program's largest statement.
+// Wait for SQLite's write lock: must outlast another program's largest statement.
 constexpr int kBusyTimeoutMs = 10000;
 constexpr size_t kMaxCachedStatements = 32;
 constexpr std::chrono::milliseconds kFlushAfter{100};
@@ -93,8 +93,8 @@ Connection::~Connection() {
     m_tables.clear();
 }
 
-// Beside the database itself, whichever link it is reached by: programs that come by different
-// paths must meet at one file.
+// Next to the database file itself, so that programs using different symbolic links share one lock
+// file.
 QString Connection::lockFileName(const QString& fileName) {
     const QString real = QFileInfo(fileName).canonicalFilePath();
     return (real.isEmpty() ? fileName : real) + QStringLiteral("-lock");
@@ -129,15 +129,16 @@ void Connection::checkFile() {
 
 void Connection::configure() {
     sqlite3* db = m_db;
-    // Not mapped into memory: reading a mapped file that was cut or lost ends the process by a
-    // signal instead of an error, and a run takes longer with it. The cache is 32 MB.
+    // 32 MB of page cache. The file is not mapped into memory: reading a mapped file that was
+    // truncated or lost ends the process with a signal instead of an error.
     execute(db,
             "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;"
             "PRAGMA wal_autocheckpoint = 4000; PRAGMA journal_size_limit = 67108864;"
             "PRAGMA cache_size = -32000; PRAGMA mmap_size = 0;"
             "PRAGMA secure_delete = OFF;",
             m_fileName);
-    // The file's schema has been checked, but another program may change it at any time.
+    // The schema has been checked, but another program may change it at any time: no triggers, no
+    // views, and no functions or virtual tables for what else it may contain.
     sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
@@ -151,14 +152,14 @@ void Connection::configure() {
     sqlite3_set_authorizer(db, authorize, this);
 }
 
-// The user's SQL reads and writes tables and nothing else: the stored bytes, the schema, settings
-// and transactions are the engine's own.
+// User SQL may only read and write tables. Stored bytes, schema, settings and transactions are
+// internal.
 int Connection::authorize(void* self, int action, const char* first, const char* second,
                           const char* /*database*/, const char* /*trigger*/) {
     auto* connection = static_cast<Connection*>(self);
     if (!connection->m_checksNames)
         return SQLITE_OK;
-    connection->m_askedLeave = true;
+    connection->m_authorizerCalled = true;
     switch (action) {
         case SQLITE_SELECT:
         case SQLITE_RECURSIVE:
@@ -210,7 +211,7 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     const char* tail = nullptr;
     clearFailure();
     m_checksNames = true;
-    m_askedLeave = false;
+    m_authorizerCalled = false;
     const int code = sqlite3_prepare_v3(db(), text.constData(), static_cast<int>(text.size()),
                                         SQLITE_PREPARE_PERSISTENT, &statement, &tail);
     m_checksNames = false;
@@ -220,8 +221,8 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     }
     if (statement == nullptr)
         throw DataError(ErrorKind::Syntax, QString(), QStringLiteral("the statement is empty"));
-    // VACUUM and the like ask no leave; what INSERT ... RETURNING returns nobody would read.
-    if (!m_askedLeave ||
+    // VACUUM bypasses the authorizer; RETURNING rows would go unread.
+    if (!m_authorizerCalled ||
         (sqlite3_stmt_readonly(statement) == 0 && sqlite3_column_count(statement) > 0)) {
         sqlite3_finalize(statement);
         throw DataError(ErrorKind::Syntax, QString(),
@@ -241,7 +242,7 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     return statement;
 }
 
-void Connection::giveBack(const QString& sql, sqlite3_stmt* statement) {
+void Connection::returnStatement(const QString& sql, sqlite3_stmt* statement) {
     sqlite3_reset(statement);
     sqlite3_clear_bindings(statement);
     m_cache.push_back({sql, statement});
@@ -255,7 +256,7 @@ void Connection::runTransaction(const std::function<void()>& body) {
     execute(db(), "BEGIN IMMEDIATE", m_fileName);
     try {
         body();
-        // A failure that undoes everything at once may have been caught by the body.
+        // The body may have caught an error that rolled the transaction back.
         if (sqlite3_get_autocommit(db()) != 0)
             throw DataError(ErrorKind::Io, m_fileName,
                             QStringLiteral("the database undid the transaction"));
@@ -269,7 +270,7 @@ void Connection::runTransaction(const std::function<void()>& body) {
 
 void Connection::write(WriteUnit unit, const std::function<void()>& body) {
     if (m_inTransaction) {
-        // Its locks are kept to the transaction's end, and waiting here would hold the write lock.
+        // Fails immediately on a lock: waiting here would hold SQLite's write lock.
         try {
             body();
         } catch (const RecordIsHeld& held) {

@@ -1,4 +1,4 @@
-// What zavdb makes of files, pipes, permissions and lost output, beyond transcripts.txt.
+// zavdb with files, pipes, permissions and lost output, beyond transcripts.txt.
 
 #include "data/dictionary/tbl_res_reader.h"
 #include "tests/tools/zavdb_program.h"
@@ -96,30 +96,30 @@ TEST_F(Files, NothingIsWorldWritable) {
 }
 
 // A command removes what killed ones left in its folder, but not what is still in use.
-TEST_F(Files, WorkshopsOfKilledCommandsGo) {
+TEST_F(Files, WorkFoldersOfKilledCommandsAreRemoved) {
     QDir().mkpath(path("b"));
-    const auto workshops = [this] {
+    const auto workFolders = [this] {
         return QDir(path("b")).entryList({".zavdb-*"}, QDir::Dirs | QDir::Hidden);
     };
     QProcess demo;
     prepare(demo);
     demo.start(program(), {"demo", "D", "b", "--products", "1000000"});
-    while (workshops().isEmpty() || !QFile::exists(path("b/" + workshops()[0] + "/YRITYS.ZDB")))
+    while (workFolders().isEmpty() || !QFile::exists(path("b/" + workFolders()[0] + "/YRITYS.ZDB")))
         ASSERT_FALSE(demo.waitForFinished(5));
-    const QStringList used = workshops();
+    const QStringList used = workFolders();
     done({"backup", "A", "b/copy.zdb"});
-    EXPECT_EQ(workshops(), used);
+    EXPECT_EQ(workFolders(), used);
     EXPECT_FALSE(demo.waitForFinished(5));
     demo.kill();
     demo.waitForFinished();
-    EXPECT_EQ(workshops(), used);
+    EXPECT_EQ(workFolders(), used);
     // what has no lock is somebody else's, unless it is empty
     QDir().mkpath(path("b/.zavdb-ABCDEF/x"));
     QDir().mkpath(path("b/.zavdb-GHIJKL"));
     done({"backup", "A", "b/again.zdb"});
-    EXPECT_EQ(workshops(), QStringList{".zavdb-ABCDEF"});
+    EXPECT_EQ(workFolders(), QStringList{".zavdb-ABCDEF"});
     done({"create", "B", "b"});
-    EXPECT_EQ(workshops(), QStringList{".zavdb-ABCDEF"});
+    EXPECT_EQ(workFolders(), QStringList{".zavdb-ABCDEF"});
 }
 
 TEST_F(Files, WhatTheSystemRefusesIsAClearError) {

@@ -1,4 +1,4 @@
-#include "data/lock/workshop.h"
+#include "data/lock/work_folder.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -14,25 +14,25 @@ const QString kPattern = QStringLiteral(".zavdb-XXXXXX");
 const QString kNamesOfAll = QStringLiteral(".zavdb-??????");
 const QString kLockName = QStringLiteral("lock");
 
-// Another process may take a new workshop for one that was left, until its lock is held.
+// Another process may take a new work folder for one that was left, until its lock is held.
 constexpr int kAttempts = 10;
 
-QString lockIn(const QString& workshop) {
-    return QDir(workshop).filePath(kLockName);
+QString lockIn(const QString& workFolder) {
+    return QDir(workFolder).filePath(kLockName);
 }
 
-/// Takes the lock of a workshop. @return nullptr if somebody else has it or it has no lock file.
-std::unique_ptr<LockFile> tryLock(const QString& workshop) {
+/// Takes the lock of a work folder. @return nullptr if somebody else has it or it has no lock file.
+std::unique_ptr<LockFile> tryLock(const QString& workFolder) {
     try {
-        auto lock = std::make_unique<LockFile>(lockIn(workshop));
-        return lock->tryLock(0, 1) && QFileInfo::exists(lockIn(workshop)) ? std::move(lock)
-                                                                          : nullptr;
+        auto lock = std::make_unique<LockFile>(lockIn(workFolder));
+        return lock->tryLock(0, 1) && QFileInfo::exists(lockIn(workFolder)) ? std::move(lock)
+                                                                            : nullptr;
     } catch (const DataError&) {
         return nullptr;  // gone, or somebody else's whom this user cannot judge
     }
 }
 
-void removeWorkshop(const QString& path, std::unique_ptr<LockFile> lock) {
+void removeWorkFolder(const QString& path, std::unique_ptr<LockFile> lock) {
     // the lock last: without it the folder looks like a new one
     QDir folder(path);
     const QStringList names =
@@ -59,13 +59,13 @@ void removeAbandoned(const QString& folder) {
         if (!QFileInfo::exists(lockIn(path)))
             QDir().rmdir(path);  // only if it is empty
         else if (std::unique_ptr<LockFile> lock = tryLock(path))
-            removeWorkshop(path, std::move(lock));
+            removeWorkFolder(path, std::move(lock));
     }
 }
 
 }  // namespace
 
-Workshop::Workshop(const QString& folder) {
+WorkFolder::WorkFolder(const QString& folder) {
     removeAbandoned(folder);
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         QTemporaryDir made(QDir(folder).filePath(kPattern));
@@ -85,11 +85,11 @@ Workshop::Workshop(const QString& folder) {
         .inFinnish(QStringLiteral("kansion tiedostoja ei voi lukita"));
 }
 
-Workshop::~Workshop() {
-    removeWorkshop(m_path, std::move(m_lock));
+WorkFolder::~WorkFolder() {
+    removeWorkFolder(m_path, std::move(m_lock));
 }
 
-QString Workshop::filePath(const QString& name) const {
+QString WorkFolder::filePath(const QString& name) const {
     return QDir(m_path).filePath(name);
 }
 

@@ -9,14 +9,14 @@ namespace data {
 
 /// A hidden folder ".zavdb-XXXXXX" in which a file is made before it is moved to its place in the
 /// folder around it. It is removed with the object. One that a killed process left behind is
-/// removed by the next workshop in the same folder: a lock tells whether somebody still uses it.
-class Workshop {
+/// removed by the next work folder in the same folder: a lock tells whether somebody still uses it.
+class WorkFolder {
   public:
     /// @throws DataError(Io, ReadOnly) naming the folder if nothing can be made there.
-    explicit Workshop(const QString& folder);
-    ~Workshop();
-    Workshop(const Workshop&) = delete;
-    Workshop& operator=(const Workshop&) = delete;
+    explicit WorkFolder(const QString& folder);
+    ~WorkFolder();
+    WorkFolder(const WorkFolder&) = delete;
+    WorkFolder& operator=(const WorkFolder&) = delete;
 
     const QString& path() const { return m_path; }
     QString filePath(const QString& name) const;
