@@ -7,6 +7,7 @@
 
 #include "data/error.h"
 #include "platform/ini_change.h"
+#include "platform/read_file.h"
 #include "platform/user_settings.h"
 
 namespace company {
@@ -49,8 +50,7 @@ BatchList readBatchList(const QString& fileName) {
 void writeBatchList(const QString& fileName, const BatchList& list) {
     const QString folder = QFileInfo(fileName).absolutePath();
     if (!QDir().mkpath(folder))  // the user's settings folder may be missing
-        throw data::DataError(data::ErrorKind::Io, folder,
-                              QStringLiteral("the folder cannot be made"));
+        throw platform::folderCannotBeMade(folder);
     platform::changeIniFile(fileName, [&list](platform::IniFile& ini) {
         for (size_t i = 0; i < list.size(); ++i)
             ini.setValue(kSection, keyOf(i), list[i]);

@@ -101,8 +101,10 @@ DataError DataError::verbatim(ErrorKind kind, const QString& message) {
 
 DataError DataError::inFinnish(const QString& detail, const QString& remedy) const {
     DataError error(*this);
-    error.m_finnishDetail = detail;
-    error.m_finnishRemedy = remedy;
+    if (!detail.isEmpty())
+        error.m_finnishDetail = detail;
+    if (!remedy.isEmpty())
+        error.m_finnishRemedy = remedy;
     return error;
 }
 
