@@ -21,6 +21,10 @@ QString keyOf(size_t index) {
     return QStringLiteral("maar%1").arg(index + 1);
 }
 
+QString listIn(const QString& folder) {
+    return folder + u'/' + kFileName;
+}
+
 bool canWriteIn(const QString& folder) {
 #ifdef Q_OS_WIN
     // On Windows the folder's attributes do not reflect its access list.
@@ -34,9 +38,21 @@ bool canWriteIn(const QString& folder) {
 }  // namespace
 
 QString AlvMuutosIniName() {
-    const QString programFolder = QCoreApplication::applicationDirPath();
-    return (canWriteIn(programFolder) ? programFolder : platform::userSettingsFolder()) + u'/' +
-           kFileName;
+    const BatchListFolders folders = BatchListFolders::ofThisProgram();
+    return listIn(folders.programIsWritable ? folders.program : folders.user);
+}
+
+BatchListFolders BatchListFolders::ofThisProgram() {
+    const QString program = QCoreApplication::applicationDirPath();
+    return {program, canWriteIn(program), platform::userSettingsFolder()};
+}
+
+QString batchListToRead(const BatchListFolders& folders) {
+    const QString beside = listIn(folders.program);
+    const QString own = listIn(folders.user);
+    const bool useBeside =
+        folders.programIsWritable || (!QFileInfo::exists(own) && QFileInfo::exists(beside));
+    return useBeside ? beside : own;
 }
 
 BatchList readBatchList(const QString& fileName) {
@@ -45,6 +61,24 @@ BatchList readBatchList(const QString& fileName) {
     for (size_t i = 0; i < list.size(); ++i)
         list[i] = ini.value(kSection, keyOf(i)).value_or(QString());
     return list;
+}
+
+QString batchListText(const QString& fileName, const BatchList& list) {
+    QStringList names;
+    for (const QString& name : list) {
+        if (!name.isEmpty())
+            names += name;
+    }
+    if (!names.isEmpty())
+        return QStringLiteral("Eräajon luettelo \"%1\": ").arg(fileName) +
+               names.join(QStringLiteral("; "));
+    QString reason = QStringLiteral("osassa [%1] ei ole yhtään määrittelyä").arg(kSection);
+    if (!QFileInfo::exists(fileName))
+        reason = QStringLiteral("tiedostoa ei ole");
+    else if (!platform::IniFile::read(fileName).hasSection(kSection))
+        reason = QStringLiteral("osaa [%1] ei ole").arg(kSection);
+    return QStringLiteral("Eräajon luettelo \"%1\" on tyhjä: %2. Mitään ei ajeta.")
+        .arg(fileName, reason);
 }
 
 void writeBatchList(const QString& fileName, const BatchList& list) {

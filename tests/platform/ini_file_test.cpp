@@ -178,6 +178,32 @@ TEST(IniFile, AFailedWriteNamesTheFileAndLeavesTheOldOne) {
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList());
 }
 
+TEST(DefinitionsFile, TheBatchListIsReadWhereItIs) {
+    const struct {
+        bool writable;
+        bool besideExists;
+        bool ownExists;
+        bool readsBeside;
+    } cases[] = {
+        {true, false, true, true},  // beside the program, where it would be saved
+        {true, true, true, true},    {false, true, true, false},
+        {false, true, false, true},  // the installation's list until the user saves one
+        {false, false, true, false}, {false, false, false, false},
+    };
+    for (const auto& t : cases) {
+        const QTemporaryDir program;
+        const QTemporaryDir user;
+        const QString beside = program.filePath(str("ALVMUUTOS.INI"));
+        const QString own = user.filePath(str("ALVMUUTOS.INI"));
+        if (t.besideExists)
+            test::writeFile(beside, "");
+        if (t.ownExists)
+            test::writeFile(own, "");
+        EXPECT_EQ(company::batchListToRead({program.path(), t.writable, user.path()}),
+                  t.readsBeside ? beside : own);
+    }
+}
+
 TEST(DefinitionsFile, KeepsTheBatchListAndForeignKeys) {
     QTemporaryDir folder;
     const QString name = folder.filePath(str("uusi/ALVMUUTOS.INI"));
