@@ -108,6 +108,12 @@ DataError DataError::inFinnish(const QString& detail, const QString& remedy) con
     return error;
 }
 
+DataError DataError::inPlace(const QString& place) const {
+    const DataError error(m_kind, m_table, place + QStringLiteral(": ") + m_detail, m_nativeCode);
+    const QString& detail = m_finnishDetail.isEmpty() ? m_detail : m_finnishDetail;
+    return error.inFinnish(place + QStringLiteral(": ") + detail, m_finnishRemedy);
+}
+
 QString DataError::finnish() const {
     if (m_verbatim)
         return m_detail;

@@ -42,9 +42,12 @@ class DataError : public std::runtime_error {
     /// The engine's own code; 0 when it has none.
     int nativeCode() const { return m_nativeCode; }
 
-    /// The same error with texts of its own for finnish(): the detail and what to do about it (whole
-    /// sentences) in place of the kind's usual advice. An empty text leaves what there was.
+    /// The same error with texts of its own for finnish(): the detail and what to do about it
+    /// (whole sentences) in place of the kind's usual advice. An empty text leaves what there was.
     DataError inFinnish(const QString& detail, const QString& remedy = QString()) const;
+
+    /// The same error with a place ("tilaus 7, rivi 2") before its detail, in both languages.
+    DataError inPlace(const QString& place) const;
 
     /// One line in Finnish: what, where, and what to do about it. For windows and the logs.
     QString finnish() const;

@@ -25,7 +25,7 @@ bool ExecWithExceptionHandling(RunContext& run, const ErrorWording& wording, Ste
         step();
         return true;
     } catch (const std::exception& error) {
-        const QString text = wording.before + errorText(error) + wording.after;
+        const QString text = wording.before + stepErrorText(error) + wording.after;
         ++run.result.failedSteps;
         run.result.failures += text;
         run.ports.NaytaViesti(text);
