@@ -14,7 +14,7 @@
 
 #include "data/record/record_codec.h"
 #include "engines/embedded/embedded_database.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/sqlite/sqlite_handle.h"
 
 using namespace data;
 
@@ -77,10 +77,10 @@ void fillEngine(Database& db, int products) {
 }
 
 // TUOTE as an ordinary SQLite table with the same keys.
-engines::embedded::SqliteHandle makePlain(const QString& fileName, const TableSource& source,
+engines::sqlite::SqliteHandle makePlain(const QString& fileName, const TableSource& source,
                                           int products) {
-    engines::embedded::SqliteHandle handle(fileName, engines::embedded::SqliteHandle::Mode::Create);
-    engines::embedded::execute(
+    engines::sqlite::SqliteHandle handle(fileName, engines::sqlite::SqliteHandle::Mode::Create);
+    engines::sqlite::execute(
         handle.get(),
         "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA wal_autocheckpoint "
         "= 4000; PRAGMA cache_size = -32000; PRAGMA mmap_size = 2147418112; PRAGMA "
@@ -90,20 +90,20 @@ engines::embedded::SqliteHandle makePlain(const QString& fileName, const TableSo
     for (const TFieldCacheItem& field : source.fields) {
         const bool text = field.kind() == Kind::String || field.kind() == Kind::Date ||
                           field.kind() == Kind::Time;
-        columns += (columns.isEmpty() ? "" : ", ") + engines::embedded::quotedName(field.name) +
+        columns += (columns.isEmpty() ? "" : ", ") + engines::sqlite::quotedName(field.name) +
                    (text                          ? " TEXT DEFAULT ''"
                     : field.kind() == Kind::Float ? " REAL DEFAULT 0"
                                                   : " INTEGER DEFAULT 0");
     }
-    engines::embedded::execute(handle.get(), "CREATE TABLE TUOTE(" + columns + ")");
-    engines::embedded::execute(
+    engines::sqlite::execute(handle.get(), "CREATE TABLE TUOTE(" + columns + ")");
+    engines::sqlite::execute(
         handle.get(),
         "CREATE UNIQUE INDEX k0 ON TUOTE(NUMERO); CREATE INDEX k1 ON TUOTE(NUMERO "
         "COLLATE NOCASE); CREATE INDEX k2 ON TUOTE(RYHMA, NUMERO); CREATE INDEX k3 ON "
         "TUOTE(PAARYHMA, NUMERO); CREATE INDEX k4 ON TUOTE(TOIMITTAJA, TOIMTUNNUS); "
         "CREATE INDEX k5 ON TUOTE(NIMI COLLATE NOCASE); CREATE INDEX k6 ON "
         "TUOTE(AliRyhma, NUMERO); BEGIN");
-    engines::embedded::Statement insert(
+    engines::sqlite::Statement insert(
         handle.get(),
         "INSERT INTO TUOTE(NUMERO, NIMI, RYHMA, LVV, HINTA, KAKSOISHINTA, HINTA3, HINTA4, HINTA5, "
         "HINTA6, HINTA7, HINTA8, HINTA9) VALUES (?1, ?2, ?3, ?4, ?5, ?5, ?5, ?5, ?5, ?5, ?5, ?5, "
@@ -116,7 +116,7 @@ engines::embedded::SqliteHandle makePlain(const QString& fileName, const TableSo
         sqlite3_bind_double(insert.get(), 5, 1.24 + i % 1000);
         insert.run();
     }
-    engines::embedded::execute(handle.get(), "COMMIT");
+    engines::sqlite::execute(handle.get(), "COMMIT");
     return handle;
 }
 
@@ -132,7 +132,7 @@ void updateEngine(Database& db, const std::vector<int>& order) {
 }
 
 void updatePlain(sqlite3* db, const std::vector<int>& order) {
-    engines::embedded::Statement update(db, priceUpdate().toUtf8());
+    engines::sqlite::Statement update(db, priceUpdate().toUtf8());
     for (const int i : order) {
         for (int level = 1; level <= 9; ++level)
             sqlite3_bind_double(update.get(), level, 2.5 + i + level);
@@ -150,7 +150,7 @@ qint64 textLengthEngine(Database& db, const QString& sql) {
 }
 
 qint64 textLengthPlain(sqlite3* db, const QString& sql) {
-    engines::embedded::Statement statement(db, sql.toUtf8());
+    engines::sqlite::Statement statement(db, sql.toUtf8());
     qint64 length = 0;
     while (statement.step())
         length += statement.text(0).size();
@@ -167,7 +167,7 @@ void readEngine(Database& db, const std::vector<int>& order) {
 }
 
 void readPlain(sqlite3* db, const std::vector<int>& order) {
-    engines::embedded::Statement select(db, "SELECT * FROM TUOTE WHERE NUMERO = ?1");
+    engines::sqlite::Statement select(db, "SELECT * FROM TUOTE WHERE NUMERO = ?1");
     const int columns = sqlite3_column_count(select.get());
     for (const int i : order) {
         select.bindText(1, productNumber(i));
@@ -196,7 +196,7 @@ int main(int argc, char** argv) {
     const QTemporaryDir folder;
     engines::createEmbedded(folder.path(), allTableSources());
     auto db = engines::openEmbedded(QStringLiteral("KOE"), folder.path());
-    engines::embedded::SqliteHandle plain;
+    engines::sqlite::SqliteHandle plain;
     const Timing fill = timed([&] { fillEngine(*db, products); });
     const Timing plainFill = timed([&] {
         plain = makePlain(folder.filePath(QStringLiteral("plain.db")), productSource(), products);
@@ -235,10 +235,10 @@ int main(int argc, char** argv) {
                    ->step();
            }),
            timed([&] {
-               const engines::embedded::SqliteHandle fresh(
+               const engines::sqlite::SqliteHandle fresh(
                    folder.filePath(QStringLiteral("plain.db")),
-                   engines::embedded::SqliteHandle::Mode::ReadWrite);
-               engines::embedded::Statement(fresh.get(),
+                   engines::sqlite::SqliteHandle::Mode::ReadWrite);
+               engines::sqlite::Statement(fresh.get(),
                                             "SELECT NIMI FROM TUOTE WHERE NUMERO = 'T00000001'")
                    .step();
            }));

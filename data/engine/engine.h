@@ -130,6 +130,8 @@ class SqlStatement {
     virtual void reset() = 0;
 };
 
+class RunJournal;
+
 /// A company's database: one connection for records and SQL alike.
 class Database {
   public:
@@ -153,9 +155,12 @@ class Database {
     virtual bool statementsPassRecordLocks() const { return true; }
 
     /// Marks that a run is going on in this company. @return false when another process has done
-    /// so. The mark vanishes with its process.
+    /// so. The mark vanishes with its process. Calls nest.
     virtual bool beginRun() = 0;
     virtual void endRun() = 0;
+
+    /// The company's run journal; nullptr where the engine keeps none, as some of the tests' do.
+    virtual RunJournal* journal() { return nullptr; }
 
     /// Runs `body` as one transaction: all of it is stored, or (when it throws) nothing. For import
     /// and creation; a run never uses it.

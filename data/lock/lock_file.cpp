@@ -1,6 +1,8 @@
 #include "data/lock/lock_file.h"
 
+#include <chrono>
 #include <system_error>
+#include <thread>
 
 #include "data/error.h"
 #include "data/system_path.h"
@@ -10,6 +12,7 @@ namespace data {
 namespace {
 
 constexpr std::int64_t kRunByte = 0;
+constexpr std::chrono::milliseconds kPause{20};
 
 std::filesystem::path pathOf(const QString& fileName) {
     return std::filesystem::path(systemPath(fileName).toStdU16String());
@@ -39,10 +42,20 @@ void LockFile::unlock(std::int64_t offset, std::int64_t length) noexcept {
 }
 
 bool LockFile::beginRun() {
-    if (m_runs == 0 && !tryLock(kRunByte, 1))
-        return false;
+    // runGoesOn() of another process holds the byte for a moment
+    for (int tries = 2; m_runs == 0 && !tryLock(kRunByte, 1); std::this_thread::sleep_for(kPause)) {
+        if (--tries == 0)
+            return false;
+    }
     ++m_runs;
     return true;
+}
+
+bool LockFile::runGoesOn() {
+    if (m_runs > 0 || !tryLock(kRunByte, 1))
+        return true;
+    unlock(kRunByte, 1);
+    return false;
 }
 
 void LockFile::endRun() {

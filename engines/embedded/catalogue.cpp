@@ -3,7 +3,7 @@
 #include "data/error.h"
 #include "data/record/record_codec.h"
 #include "engines/embedded/embedded_database.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/embedded/sqlite_names.h"
 
 namespace engines::embedded {
 

@@ -42,6 +42,7 @@ class Checker {
         unlisted.sort();
         for (const QString& name : unlisted)
             m_lines.append(QStringLiteral("%1: stored, but not listed in the catalogue").arg(name));
+        m_lines += m_connection.journal().check();
         return m_lines;
     }
 

@@ -8,7 +8,7 @@
 #include "data/windows1252.h"
 #include "engines/embedded/catalogue.h"
 #include "engines/embedded/functions.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/embedded/sqlite_names.h"
 
 namespace engines::embedded {
 

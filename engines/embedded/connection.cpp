@@ -46,6 +46,9 @@ Connection::Connection(const QString& fileName) : m_fileName(fileName) {
     m_db = m_handle.get();
     checkFile();
     m_locks = std::make_unique<RecordLocks>(lockFileName(fileName));
+    m_journal = std::make_unique<journal::JournalStore>(
+        m_db, m_fileName, "PRAGMA user_version = " + QByteArray::number(kFormatVersion),
+        [this] { return m_locks->runGoesOn(); });
     configure();
 }
 
@@ -53,6 +56,8 @@ Connection::Connection(sqlite3* host)
     : m_fileName(QString::fromUtf8(sqlite3_db_filename(host, "main"))), m_db(host) {
     checkFile();
     m_locks = std::make_unique<RecordLocks>(lockFileName(m_fileName));
+    m_journal = std::make_unique<journal::JournalStore>(m_db, m_fileName, QByteArray(),
+                                                        [] { return false; });
     registerFunctions(m_db);
     registerVirtualTables(*this);
 }
@@ -253,16 +258,22 @@ void Connection::write(WriteUnit unit, const std::function<void()>& body) {
             else
                 body();
             m_locks->endStatement();
+            m_journal->stored();
             return;
         } catch (const RecordIsHeld& held) {
-            m_locks->endStatement();
+            undoStatement();
             if (!m_locks->waitForConflict(end))
                 throwLocked(held);
         } catch (...) {
-            m_locks->endStatement();
+            undoStatement();
             throw;
         }
     }
+}
+
+void Connection::undoStatement() {
+    m_locks->endStatement();
+    m_journal->undone();
 }
 
 void Connection::inTransaction(const std::function<void()>& body) {
@@ -275,11 +286,12 @@ void Connection::inTransaction(const std::function<void()>& body) {
         runTransaction(body);
     } catch (...) {
         m_inTransaction = false;
-        m_locks->endStatement();
+        undoStatement();
         throw;
     }
     m_inTransaction = false;
     m_locks->endStatement();
+    m_journal->stored();
 }
 
 void Connection::throwHeld(const StoredTable& table, const QByteArray& record) const {

@@ -15,16 +15,19 @@
 #include "engines/data_names.h"
 #include "engines/embedded/catalogue.h"
 #include "engines/embedded/record_locks.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/embedded/sqlite_names.h"
 #include "engines/embedded/transient_index.h"
+#include "engines/journal/journal_store.h"
 
 namespace engines::embedded {
 
 class StoredTable;
 
-/// Application id ("ZDB1") and format version of the engine's files.
+/// Application id ("ZDB1") of the engine's files, and their format versions: a new file's, and that
+/// of one with a run journal, which programs that know of no unfinished run must not open.
 inline constexpr int kApplicationId = 0x5A444231;
-inline constexpr int kFormatVersion = 1;
+inline constexpr int kNewFormatVersion = 1;
+inline constexpr int kFormatVersion = 2;
 
 /// What one connection to a company's database shares: the catalogue, the open tables, the record
 /// locks and the cache of SQL statements. SQL reaches it through the module of the virtual tables.
@@ -50,6 +53,7 @@ class Connection {
     /// Forgets what was read of the catalogue, and the open tables: for the making of a company.
     void forgetCatalogue();
     RecordLocks& locks() { return *m_locks; }
+    journal::JournalStore& journal() { return *m_journal; }
     TransientIndexes& transientIndexes() { return m_transientIndexes; }
 
     /// The table of that name (case ignored), opened when first asked for.
@@ -116,11 +120,13 @@ class Connection {
     [[noreturn]] void throwLocked(const RecordIsHeld& held) const;
 
     void runTransaction(const std::function<void()>& body);
+    void undoStatement();
 
     QString m_fileName;
     SqliteHandle m_handle;  // empty when a host has opened the database
     sqlite3* m_db = nullptr;
     std::unique_ptr<RecordLocks> m_locks;
+    std::unique_ptr<journal::JournalStore> m_journal;
     std::unique_ptr<Catalogue> m_catalogue;
     QHash<QString, std::shared_ptr<StoredTable>> m_tables;  // by folded name
     struct CachedStatement {

@@ -54,7 +54,7 @@ void makeTables(const QString& file, const std::vector<TableSource>& tables) {
     execute(handle.get(),
             "PRAGMA page_size = 4096; PRAGMA journal_mode = MEMORY; PRAGMA application_id = " +
                 QByteArray::number(kApplicationId) +
-                "; PRAGMA user_version = " + QByteArray::number(kFormatVersion) + "; BEGIN",
+                "; PRAGMA user_version = " + QByteArray::number(kNewFormatVersion) + "; BEGIN",
             file);
     execute(handle.get(),
             QByteArray("CREATE TABLE ") + kIdsTable +

@@ -50,6 +50,7 @@ class EmbeddedDatabase : public Database {
     void setLockWait(std::chrono::milliseconds wait) override { m_connection->lockWait = wait; }
     bool beginRun() override { return m_connection->locks().beginRun(); }
     void endRun() override { m_connection->locks().endRun(); }
+    RunJournal* journal() override { return &m_connection->journal(); }
     void inTransaction(const std::function<void()>& body) override {
         m_connection->inTransaction(body);
     }

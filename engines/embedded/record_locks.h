@@ -53,6 +53,7 @@ class RecordLocks {
 
     bool beginRun() { return m_file.beginRun(); }
     void endRun() { m_file.endRun(); }
+    bool runGoesOn() { return m_file.runGoesOn(); }
 
   private:
     /// Locked ranges [first, last] of ids by first, none touching another.

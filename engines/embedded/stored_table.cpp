@@ -221,20 +221,20 @@ void StoredTable::remove(RecordId id, const QByteArray& before) {
 void StoredTable::write(RecordId& id, const QByteArray* before, const QByteArray* after) {
     if (before != nullptr && !m_connection.locks().tryForStatement({number(), id}))
         m_connection.throwHeld(*this, *before);
-    if (after == nullptr) {
-        writeRemoval(id);
-        return;
-    }
     try {
-        if (before == nullptr)
+        if (after == nullptr)
+            writeRemoval(id);
+        else if (before == nullptr)
             writeNew(id, *after);
         else
             writeChange(id, *before, *after);
     } catch (const DataError& error) {
-        if (error.kind() == ErrorKind::DuplicateKey)
+        if (error.kind() == ErrorKind::DuplicateKey && after != nullptr)
             throwDuplicate(error, *after);
         throw;
     }
+    if (m_connection.journal().recording() != 0)
+        m_connection.journal().record(layout(), keys(), id, before, after);
 }
 
 void StoredTable::writeNew(RecordId& id, const QByteArray& record) {

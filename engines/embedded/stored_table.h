@@ -11,7 +11,7 @@
 #include "engines/data_names.h"
 #include "engines/embedded/catalogue.h"
 #include "engines/embedded/key_image.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/embedded/sqlite_names.h"
 
 namespace engines::embedded {
 

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "engines/embedded/connection.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/embedded/sqlite_names.h"
 
 // The routines' declaration without the macros that would turn every call into one through it.
 struct sqlite3_api_routines;

@@ -9,7 +9,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/sqlite/sqlite_handle.h"
 
 namespace test {
 
@@ -178,11 +178,11 @@ RecordingFiles::RecordingFiles() {
     }();
     sqlite3_vfs_register(&vfs, 0);
     recorded().clear();
-    engines::embedded::SqliteHandle::setFileSystem(kName);
+    engines::sqlite::SqliteHandle::setFileSystem(kName);
 }
 
 RecordingFiles::~RecordingFiles() {
-    engines::embedded::SqliteHandle::setFileSystem(nullptr);
+    engines::sqlite::SqliteHandle::setFileSystem(nullptr);
 }
 
 void RecordingFiles::mark() {

@@ -2,7 +2,7 @@
 #include <QFile>
 
 #include "engines/embedded/connection.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/sqlite/sqlite_handle.h"
 #include "tests/engines/embedded/fixture.h"
 
 #ifndef _WIN32
@@ -19,9 +19,9 @@ class EmbeddedFile : public test::EmbeddedCompany {
     // Changes the file behind the engine's back.
     void tamper(const QByteArray& sql) {
         db.reset();
-        const engines::embedded::SqliteHandle handle(
-            file(), engines::embedded::SqliteHandle::Mode::ReadWrite);
-        engines::embedded::execute(handle.get(), sql);
+        const engines::sqlite::SqliteHandle handle(
+            file(), engines::sqlite::SqliteHandle::Mode::ReadWrite);
+        engines::sqlite::execute(handle.get(), sql);
     }
 
     DataError openingError() {
@@ -80,15 +80,15 @@ TEST_F(EmbeddedFile, FilesThatAreNoneOfOurs) {
     }
     QFile::remove(file());
     {
-        const engines::embedded::SqliteHandle foreign(
-            file(), engines::embedded::SqliteHandle::Mode::Create);
-        engines::embedded::execute(foreign.get(), "CREATE TABLE tuote (numero)");
+        const engines::sqlite::SqliteHandle foreign(
+            file(), engines::sqlite::SqliteHandle::Mode::Create);
+        engines::sqlite::execute(foreign.get(), "CREATE TABLE tuote (numero)");
     }
     EXPECT_EQ(openingError().kind(), ErrorKind::Damaged);
     QFile::remove(file());
     writeBytes(file(), whole);
     EXPECT_NO_THROW(engines::openEmbedded("KOE", folder()));
-    tamper("PRAGMA user_version = 2");
+    tamper("PRAGMA user_version = 3");
     const DataError newer = openingError();
     EXPECT_EQ(newer.kind(), ErrorKind::Engine);
     EXPECT_TRUE(newer.detail().contains("newer")) << newer.english().toStdString();

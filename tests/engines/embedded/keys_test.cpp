@@ -3,7 +3,7 @@
 #include <tuple>
 
 #include "data/windows1252.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/sqlite/sqlite_handle.h"
 #include "tests/engines/embedded/fixture.h"
 
 using namespace data;
@@ -138,10 +138,10 @@ TEST_F(EmbeddedKeys, ImagesAsDocumented) {
     run("insert into uusihinta (avain, tuote, pvm) values (258, 'x', '2024-09-01'), (1, 'x', '')");
     run("insert into asale (maara, asikastyyppi) values (1, -1), (-1, 1)");
     db.reset();
-    const engines::embedded::SqliteHandle handle(file(),
-                                                 engines::embedded::SqliteHandle::Mode::ReadWrite);
+    const engines::sqlite::SqliteHandle handle(file(),
+                                                 engines::sqlite::SqliteHandle::Mode::ReadWrite);
     const auto images = [&handle](const QByteArray& sql) {
-        engines::embedded::Statement statement(handle.get(), sql);
+        engines::sqlite::Statement statement(handle.get(), sql);
         QByteArrayList found;
         while (statement.step())
             found.append(statement.bytes(0).toHex());

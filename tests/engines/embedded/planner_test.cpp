@@ -1,7 +1,7 @@
 #include <random>
 
 #include "engines/embedded/functions.h"
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/sqlite/sqlite_handle.h"
 #include "tests/engines/embedded/fixture.h"
 
 using namespace data;
@@ -17,7 +17,7 @@ class EmbeddedPlanner : public test::EmbeddedCompany {
     void SetUp() override {
         EmbeddedCompany::SetUp();
         engines::embedded::registerFunctions(m_plain.get());
-        engines::embedded::execute(
+        engines::sqlite::execute(
             m_plain.get(),
             "PRAGMA automatic_index = OFF; CREATE TABLE asale(AsiakasNumero INTEGER, "
             "Tuote TEXT COLLATE ZAVTEXT, "
@@ -28,11 +28,11 @@ class EmbeddedPlanner : public test::EmbeddedCompany {
 
     void both(const QString& sql) {
         run(sql);
-        engines::embedded::execute(m_plain.get(), sql.toUtf8());
+        engines::sqlite::execute(m_plain.get(), sql.toUtf8());
     }
 
     QStringList plainRows(const QString& sql) {
-        engines::embedded::Statement statement(m_plain.get(), sql.toUtf8());
+        engines::sqlite::Statement statement(m_plain.get(), sql.toUtf8());
         QStringList lines;
         while (statement.step()) {
             QStringList cells;
@@ -46,8 +46,8 @@ class EmbeddedPlanner : public test::EmbeddedCompany {
     }
 
   private:
-    engines::embedded::SqliteHandle m_plain{QStringLiteral(":memory:"),
-                                            engines::embedded::SqliteHandle::Mode::Create};
+    engines::sqlite::SqliteHandle m_plain{QStringLiteral(":memory:"),
+                                            engines::sqlite::SqliteHandle::Mode::Create};
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "engines/embedded/sqlite_handle.h"
+#include "engines/sqlite/sqlite_handle.h"
 
 #include <QFile>
 #include <cstring>
@@ -12,7 +12,7 @@
 #include <unistd.h>
 #endif
 
-namespace engines::embedded {
+namespace engines::sqlite {
 
 namespace {
 
@@ -235,4 +235,4 @@ QByteArray quotedName(const QString& name) {
     return '"' + quoted + '"';
 }
 
-}  // namespace engines::embedded
+}  // namespace engines::sqlite

@@ -9,7 +9,7 @@
 #include "data/error.h"
 #include "engines/data_names.h"
 
-namespace engines::embedded {
+namespace engines::sqlite {
 
 /// The error kind of a SQLite result code; `message` distinguishes SQL errors.
 ErrorKind errorKind(int code, const char* message);
@@ -83,4 +83,4 @@ void execute(sqlite3* db, const QByteArray& sql, const QString& table = {});
 /// A name as SQL writes it: in double quotes, quotes doubled.
 QByteArray quotedName(const QString& name);
 
-}  // namespace engines::embedded
+}  // namespace engines::sqlite

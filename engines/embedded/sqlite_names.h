@@ -1,0 +1,7 @@
+#pragma once
+
+#include "engines/sqlite/sqlite_handle.h"
+
+namespace engines::embedded {
+using namespace engines::sqlite;
+}

@@ -1,0 +1,553 @@
+#include "engines/journal/journal_store.h"
+
+#include <QCborMap>
+#include <QCborValue>
+#include <algorithm>
+
+#include "data/clock.h"
+#include "engines/data_names.h"
+
+namespace engines::journal {
+
+namespace {
+
+constexpr int kPlaceBits = 32;
+const QString kTimeFormat = QStringLiteral("yyyy-MM-dd HH:mm:ss");
+const QString kHeadNote = QStringLiteral("head");
+constexpr int kChecksumLength = 4;
+
+qint64 placeOf(qint64 run, qint64 seq) {
+    return (run << kPlaceBits) + seq;
+}
+
+/// The place of the first entry of the next run.
+qint64 endOf(qint64 run) {
+    return placeOf(run + 1, 0);
+}
+
+QDateTime timeOf(const QCborValue& value) {
+    return QDateTime::fromString(value.toString(), kTimeFormat);
+}
+
+DataError damaged(qint64 run, const char* what) {
+    return DataError(ErrorKind::Damaged, QStringLiteral("run journal"),
+                     QStringLiteral("run %1: %2").arg(run).arg(QLatin1String(what)))
+        .inFinnish(QStringLiteral("ajopäiväkirjan ajo %1 on vioittunut").arg(run));
+}
+
+}  // namespace
+
+JournalStore::JournalStore(sqlite3* db, QString fileName, QByteArray onCreation,
+                           std::function<bool()> runGoesOn)
+    : m_db(db),
+      m_fileName(std::move(fileName)),
+      m_onCreation(std::move(onCreation)),
+      m_runGoesOn(std::move(runGoesOn)) {}
+
+JournalStore::~JournalStore() = default;
+
+QStringList JournalStore::tableNames() {
+    return {QStringLiteral("zdb_run"), QStringLiteral("zdb_table"), QStringLiteral("zdb_change"),
+            QStringLiteral("zdb_note")};
+}
+
+bool JournalStore::exists() {
+    if (!m_exists) {
+        Statement table(m_db, "SELECT 1 FROM sqlite_master WHERE name = 'zdb_run'", m_fileName);
+        m_exists = table.step();
+    }
+    return m_exists;
+}
+
+void JournalStore::create() {
+    sqlite::execute(m_db,
+                    "CREATE TABLE zdb_run(number INTEGER PRIMARY KEY, head BLOB NOT NULL);"
+                    "CREATE TABLE zdb_table(place INTEGER PRIMARY KEY, entry BLOB NOT NULL);"
+                    "CREATE TABLE zdb_change(place INTEGER PRIMARY KEY, entry BLOB NOT NULL);"
+                    "CREATE TABLE zdb_note(run INTEGER, name TEXT, value BLOB NOT NULL,"
+                    " checksum BLOB NOT NULL, PRIMARY KEY(run, name)) WITHOUT ROWID;" +
+                        m_onCreation,
+                    m_fileName);
+}
+
+void JournalStore::transact(const std::function<void()>& body) {
+    if (sqlite3_get_autocommit(m_db) == 0) {
+        body();
+        return;
+    }
+    sqlite::execute(m_db, "BEGIN IMMEDIATE", m_fileName);
+    try {
+        body();
+        sqlite::execute(m_db, "COMMIT", m_fileName);
+    } catch (...) {
+        if (sqlite3_get_autocommit(m_db) == 0)
+            sqlite3_exec(m_db, "ROLLBACK", nullptr, nullptr, nullptr);
+        throw;
+    }
+}
+
+QByteArray JournalStore::encodeHead(const StoredHead& head) {
+    const JournalRun& run = head.run;
+    const QCborMap map{{QStringLiteral("kind"), static_cast<int>(run.kind)},
+                       {QStringLiteral("state"), static_cast<int>(run.state)},
+                       {QStringLiteral("definition"), run.definition},
+                       {QStringLiteral("started"), run.started.toString(kTimeFormat)},
+                       {QStringLiteral("ended"), run.ended.toString(kTimeFormat)},
+                       {QStringLiteral("rows"), run.rows},
+                       {QStringLiteral("user"), run.user},
+                       {QStringLiteral("computer"), run.computer},
+                       {QStringLiteral("batch"), run.batch},
+                       {QStringLiteral("undone"), run.undoneRun},
+                       {QStringLiteral("last"), head.last}};
+    const QByteArray bytes = QCborValue(map).toCbor();
+    return noteChecksum(run.number, kHeadNote, bytes) + bytes;
+}
+
+JournalStore::StoredHead JournalStore::decodeHead(qint64 number, const QByteArray& bytes) const {
+    const QByteArray text = bytes.mid(kChecksumLength);
+    if (bytes.left(kChecksumLength) != noteChecksum(number, kHeadNote, text))
+        throw damaged(number, "its head is not as it was written");
+    const QCborMap map = QCborValue::fromCbor(text).toMap();
+    const qint64 kind = map[QStringLiteral("kind")].toInteger(-1);
+    const qint64 state = map[QStringLiteral("state")].toInteger(-1);
+    if (kind < 0 || kind > static_cast<int>(RunKind::Undo) || state < 0 ||
+        state > static_cast<int>(RunState::Undone))
+        throw damaged(number, "its head has an unknown kind or state");
+    StoredHead head;
+    head.run.number = number;
+    head.run.kind = static_cast<RunKind>(kind);
+    head.run.state = static_cast<RunState>(state);
+    head.run.definition = map[QStringLiteral("definition")].toString();
+    head.run.started = timeOf(map[QStringLiteral("started")]);
+    head.run.ended = timeOf(map[QStringLiteral("ended")]);
+    head.run.rows = map[QStringLiteral("rows")].toInteger();
+    head.run.user = map[QStringLiteral("user")].toString();
+    head.run.computer = map[QStringLiteral("computer")].toString();
+    head.run.batch = map[QStringLiteral("batch")].toInteger();
+    head.run.undoneRun = map[QStringLiteral("undone")].toInteger();
+    head.last = map[QStringLiteral("last")].toInteger();
+    return head;
+}
+
+std::optional<JournalStore::StoredHead> JournalStore::head(qint64 run) {
+    if (!exists())
+        return std::nullopt;
+    Statement rows(m_db, "SELECT head FROM zdb_run WHERE number = ?1", m_fileName);
+    rows.bind(1, run);
+    if (!rows.step())
+        return std::nullopt;
+    return decodeHead(run, rows.bytes(0));
+}
+
+JournalStore::StoredHead JournalStore::existingHead(qint64 run) {
+    std::optional<StoredHead> found = head(run);
+    if (!found)
+        throw DataError(ErrorKind::Gone, QStringLiteral("run journal"),
+                        QStringLiteral("there is no run %1").arg(run))
+            .inFinnish(QStringLiteral("ajoa %1 ei ole").arg(run));
+    return *found;
+}
+
+void JournalStore::writeHead(const StoredHead& head) {
+    const QByteArray bytes = encodeHead(head);
+    Statement replace(m_db, "INSERT OR REPLACE INTO zdb_run(number, head) VALUES (?1, ?2)",
+                      m_fileName);
+    replace.bind(1, head.run.number);
+    replace.bind(2, bytes);
+    replace.run();
+}
+
+std::vector<JournalRun> JournalStore::runs() {
+    std::vector<JournalRun> runs;
+    if (!exists())
+        return runs;
+    Statement rows(m_db, "SELECT number, head FROM zdb_run ORDER BY number", m_fileName);
+    while (rows.step())
+        runs.push_back(decodeHead(rows.integer(0), rows.bytes(1)).run);
+    rows.reset();
+    std::optional<bool> goesOn;
+    for (JournalRun& run : runs) {
+        if (run.state != RunState::Running)
+            continue;
+        run.rows = run.number == m_run ? m_records.count() : countRecords(run.number);
+        if (run.number == m_run)
+            continue;
+        // a run that another process has resumed is not told from one that it left behind earlier
+        if (!goesOn)
+            goesOn = m_run == 0 && m_runGoesOn();
+        if (!*goesOn)
+            run.state = RunState::Interrupted;
+    }
+    return runs;
+}
+
+qint64 JournalStore::countRecords(qint64 run) {
+    IdSets records;
+    visit(run, Direction::Forward, [&records](const JournalEntry& entry) {
+        if (!entry.isMark)
+            records.add(entry.table, entry.record);
+        return true;
+    });
+    return records.count();
+}
+
+qint64 JournalStore::begin(const JournalRun& head,
+                           const std::vector<std::pair<QString, QByteArray>>& notes) {
+    Q_ASSERT(m_run == 0);
+    StoredHead stored{head, 0};
+    transact([&] {
+        if (!exists())
+            create();
+        removeOld();
+        Statement largest(m_db, "SELECT ifnull(max(number), 0) FROM zdb_run", m_fileName);
+        largest.step();
+        // a removed run's number is not used again
+        const QByteArray removed = note(0, QStringLiteral("largest")).value_or(QByteArray());
+        stored.run.number = std::max(largest.integer(0), removed.toLongLong()) + 1;
+        stored.run.state = RunState::Running;
+        stored.run.rows = 0;
+        writeHead(stored);
+        for (const auto& [name, value] : notes)
+            writeNote(stored.run.number, name, value);
+    });
+    m_exists = true;
+    startRecording(stored.run.number);
+    return stored.run.number;
+}
+
+void JournalStore::startRecording(qint64 run) {
+    m_run = run;
+    m_origin = 0;
+    m_next = m_storedNext = 1;
+    m_tables.clear();
+    m_storedTables = 0;
+    m_recorded.clear();
+    m_records = {};
+    m_pending.clear();
+}
+
+void JournalStore::stopRecording() {
+    startRecording(0);
+    m_insert = Statement();
+}
+
+void JournalStore::resume(qint64 run) {
+    Q_ASSERT(m_run == 0);
+    StoredHead stored = existingHead(run);
+    IdSets records;
+    visit(run, Direction::Forward, [&records](const JournalEntry& entry) {
+        if (!entry.isMark)
+            records.add(entry.table, entry.record);
+        return true;
+    });
+    std::vector<JournalTable> known = tables(run);
+    const qint64 last = lastEntry(run);
+    stored.run.state = RunState::Running;
+    stored.run.ended = {};
+    stored.last = 0;
+    transact([&] { writeHead(stored); });
+    startRecording(run);
+    m_records = std::move(records);
+    m_next = m_storedNext = last + 1;
+    m_tables = std::move(known);
+    m_storedTables = m_tables.size();
+}
+
+void JournalStore::end(RunState state) {
+    Q_ASSERT(m_run != 0);
+    StoredHead stored = existingHead(m_run);
+    stored.run.state = state;
+    stored.run.ended = Clock::now();
+    stored.run.rows = m_records.count();
+    stored.last = m_storedNext - 1;
+    stopRecording();
+    writeHead(stored);
+}
+
+void JournalStore::setState(qint64 run, RunState state) {
+    StoredHead stored = existingHead(run);
+    if (stored.run.state == RunState::Running) {  // of a dead process
+        stored.run.rows = countRecords(run);
+        stored.last = lastEntry(run);
+    }
+    stored.run.state = state;
+    writeHead(stored);
+}
+
+void JournalStore::append(const QByteArray& entry) {
+    if (m_insert.get() == nullptr)
+        m_insert =
+            Statement(m_db, "INSERT INTO zdb_change(place, entry) VALUES (?1, ?2)", m_fileName);
+    m_insert.bind(1, placeOf(m_run, m_next));
+    m_insert.bind(2, entry);
+    m_insert.run();
+    ++m_next;
+}
+
+void JournalStore::mark(const QByteArray& text) {
+    JournalEntry entry;
+    entry.isMark = true;
+    entry.mark = text;
+    append(encodeEntry(entry, m_run, m_next));
+    stored();
+}
+
+JournalStore::Recorded& JournalStore::recordedTable(const RecordLayout& layout,
+                                                    const std::vector<KeyDef>& keys) {
+    std::shared_ptr<Recorded>& known = m_recorded[layout.tableName().toUpper()];
+    if (!known)
+        known = std::make_shared<Recorded>(Recorded{-1, RecordDifference(layout, keys)});
+    if (known->number >= 0)
+        return *known;
+    const JournalTable table{layout.tableName(), layout.recordLength(),
+                             layoutFingerprint(layout, keys)};
+    // a resumed run may have changed it before
+    const auto same =
+        std::find_if(m_tables.begin(), m_tables.end(), [&table](const JournalTable& other) {
+            return other.name == table.name && other.fingerprint == table.fingerprint;
+        });
+    const auto number = same - m_tables.begin();
+    if (same == m_tables.end()) {
+        const QByteArray entry = encodeTable(table, m_run, number);
+        Statement insert(m_db, "INSERT INTO zdb_table(place, entry) VALUES (?1, ?2)", m_fileName);
+        insert.bind(1, placeOf(m_run, number));
+        insert.bind(2, entry);
+        insert.run();
+        m_tables.push_back(table);
+    }
+    known->number = static_cast<int>(number);
+    return *known;
+}
+
+void JournalStore::record(const RecordLayout& layout, const std::vector<KeyDef>& keys, RecordId id,
+                          const QByteArray* before, const QByteArray* after) {
+    Recorded& table = recordedTable(layout, keys);
+    JournalEntry entry;
+    entry.table = table.number;
+    entry.record = id;
+    entry.origin = m_origin;
+    entry.key = table.difference.key(before != nullptr ? *before : *after);
+    if (before == nullptr) {
+        entry.operation = Operation::Insert;
+        entry.changes = table.difference.ofInsert(*after);
+    } else if (after == nullptr) {
+        entry.operation = Operation::Delete;
+        entry.changes = table.difference.ofDelete(*before);
+    } else {
+        entry.changes = table.difference.between(*before, *after);
+        if (entry.changes.empty())
+            return;
+    }
+    append(encodeEntry(entry, m_run, m_next));
+    m_pending.emplace_back(table.number, id);
+}
+
+void JournalStore::stored() {
+    for (const auto& [table, id] : m_pending)
+        m_records.add(table, id);
+    m_pending.clear();
+    m_storedNext = m_next;
+    m_storedTables = m_tables.size();
+}
+
+void JournalStore::undone() {
+    if (m_run == 0)
+        return;
+    m_pending.clear();
+    m_next = m_storedNext;
+    m_tables.resize(m_storedTables);
+    for (const std::shared_ptr<Recorded>& table : std::as_const(m_recorded)) {
+        if (table->number >= static_cast<int>(m_storedTables))
+            table->number = -1;
+    }
+}
+
+std::vector<JournalTable> JournalStore::tables(qint64 run) {
+    if (!exists())
+        return {};
+    std::vector<JournalTable> tables;
+    Statement rows(
+        m_db, "SELECT place, entry FROM zdb_table WHERE place >= ?1 AND place < ?2 ORDER BY place",
+        m_fileName);
+    rows.bind(1, placeOf(run, 0));
+    rows.bind(2, endOf(run));
+    while (rows.step()) {
+        const qint64 number = rows.integer(0) - placeOf(run, 0);
+        if (number != static_cast<qint64>(tables.size()))
+            throw damaged(run, "a table is missing");
+        tables.push_back(decodeTable(rows.blob(1), run, number));
+    }
+    return tables;
+}
+
+std::vector<JournalEntry> JournalStore::entries(qint64 run, qint64 from, Direction direction,
+                                                int max) {
+    std::vector<JournalEntry> entries;
+    if (!exists())
+        return entries;
+    const bool forward = direction == Direction::Forward;
+    qint64 low = placeOf(run, forward ? from : 0);
+    qint64 high = forward || from == 0 ? endOf(run) : placeOf(run, from);
+    qint64 previous = forward ? low : from == 0 ? 0 : high;
+    Statement rows(m_db,
+                   QByteArray("SELECT place, entry FROM zdb_change WHERE place > ?1 AND place < ?2 "
+                              "ORDER BY place ") +
+                       (forward ? "" : "DESC"),
+                   m_fileName);
+    rows.bind(1, low);
+    rows.bind(2, high);
+    while (static_cast<int>(entries.size()) < max && rows.step()) {
+        const qint64 place = rows.integer(0);
+        if (previous != 0 && place != previous + (forward ? 1 : -1))
+            throw damaged(run, "entries are missing");
+        previous = place;
+        entries.push_back(decodeEntry(rows.blob(1), run, place - placeOf(run, 0)));
+    }
+    return entries;
+}
+
+qint64 JournalStore::lastEntry(qint64 run) {
+    if (!exists())
+        return 0;
+    Statement last(m_db, "SELECT max(place) FROM zdb_change WHERE place > ?1 AND place < ?2",
+                   m_fileName);
+    last.bind(1, placeOf(run, 0));
+    last.bind(2, endOf(run));
+    last.step();
+    return sqlite3_column_type(last.get(), 0) == SQLITE_NULL ? 0
+                                                             : last.integer(0) - placeOf(run, 0);
+}
+
+std::optional<QByteArray> JournalStore::note(qint64 run, const QString& name) {
+    if (!exists())
+        return std::nullopt;
+    Statement rows(m_db, "SELECT value, checksum FROM zdb_note WHERE run = ?1 AND name = ?2",
+                   m_fileName);
+    rows.bind(1, run);
+    rows.bindText(2, name);
+    if (!rows.step())
+        return std::nullopt;
+    QByteArray value = rows.bytes(0);
+    if (rows.bytes(1) != noteChecksum(run, name, value))
+        throw damaged(run, "a note is not as it was written");
+    return value;
+}
+
+void JournalStore::writeNote(qint64 run, const QString& name, const QByteArray& value) {
+    const QByteArray checksum = noteChecksum(run, name, value);
+    Statement replace(m_db,
+                      value.isEmpty()
+                          ? "DELETE FROM zdb_note WHERE run = ?1 AND name = ?2"
+                          : "INSERT OR REPLACE INTO zdb_note(run, name, value, checksum) "
+                            "VALUES (?1, ?2, ?3, ?4)",
+                      m_fileName);
+    replace.bind(1, run);
+    replace.bindText(2, name);
+    if (!value.isEmpty()) {
+        replace.bind(3, value);
+        replace.bind(4, checksum);
+    }
+    replace.run();
+}
+
+void JournalStore::setNote(qint64 run, const QString& name, const QByteArray& value) {
+    transact([&] {
+        if (!exists())
+            create();
+        writeNote(run, name, value);
+    });
+    m_exists = true;
+}
+
+void JournalStore::removeRun(qint64 run) {
+    for (const char* sql :
+         {"DELETE FROM zdb_change WHERE place >= ?1 << 32 AND place < "
+          "(?1 + 1) << 32",
+          "DELETE FROM zdb_table WHERE place >= ?1 << 32 AND place < "
+          "(?1 + 1) << 32",
+          "DELETE FROM zdb_note WHERE run = ?1", "DELETE FROM zdb_run WHERE number = ?1"}) {
+        Statement remove(m_db, sql, m_fileName);
+        remove.bind(1, run);
+        remove.run();
+    }
+    const qint64 largest = note(0, QStringLiteral("largest")).value_or(QByteArray()).toLongLong();
+    if (run > largest)
+        writeNote(0, QStringLiteral("largest"), QByteArray::number(run));
+}
+
+void JournalStore::forget(qint64 run) {
+    existingHead(run);
+    transact([&] { removeRun(run); });
+}
+
+void JournalStore::removeOld() {
+    const QDateTime oldest = Clock::now().addDays(-kKeptDays);
+    Statement rows(m_db, "SELECT number, head FROM zdb_run ORDER BY number", m_fileName);
+    std::vector<qint64> old;
+    while (rows.step()) {
+        const JournalRun run = decodeHead(rows.integer(0), rows.bytes(1)).run;
+        const bool finished = run.state != RunState::Running && !isUnfinished(run.state);
+        if (finished && std::max(run.started, run.ended) < oldest)
+            old.push_back(run.number);
+    }
+    rows.reset();
+    for (const qint64 run : old)
+        removeRun(run);
+}
+
+void JournalStore::checkRun(const StoredHead& head, QStringList& problems) {
+    const qint64 run = head.run.number;
+    try {
+        const auto tableCount = static_cast<int>(tables(run).size());
+        visit(run, Direction::Forward, [&](const JournalEntry& entry) {
+            if (!entry.isMark && entry.table >= tableCount)
+                throw damaged(run, "an entry names an unknown table");
+            return true;
+        });
+        if (head.last != 0 && lastEntry(run) != head.last)
+            throw damaged(run, "its last entries are missing");
+        checkNotes(run);
+    } catch (const DataError& error) {
+        problems += error.english();
+    }
+}
+
+void JournalStore::checkNotes(qint64 run) {
+    Statement names(m_db, "SELECT name FROM zdb_note WHERE run = ?1", m_fileName);
+    names.bind(1, run);
+    while (names.step())
+        note(run, names.text(0));
+}
+
+QStringList JournalStore::check() {
+    QStringList problems;
+    if (!exists())
+        return problems;
+    try {
+        checkNotes(0);
+    } catch (const DataError& error) {
+        problems += error.english();
+    }
+    std::vector<std::pair<qint64, QByteArray>> heads;
+    Statement rows(m_db, "SELECT number, head FROM zdb_run ORDER BY number", m_fileName);
+    while (rows.step())
+        heads.emplace_back(rows.integer(0), rows.bytes(1));
+    rows.reset();
+    for (const auto& [number, bytes] : heads) {
+        try {
+            checkRun(decodeHead(number, bytes), problems);
+        } catch (const DataError& error) {
+            problems += error.english();
+        }
+    }
+    Statement strays(m_db,
+                     "SELECT count(*) FROM zdb_change WHERE place >> 32 NOT IN "
+                     "(SELECT number FROM zdb_run)",
+                     m_fileName);
+    if (strays.step() && strays.integer(0) > 0)
+        problems +=
+            QStringLiteral("run journal: %1 entries belong to no run").arg(strays.integer(0));
+    return problems;
+}
+
+}  // namespace engines::journal
