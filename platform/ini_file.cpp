@@ -332,7 +332,7 @@ bool IniFile::removeSection(const QString& section) {
            }) > 0;
 }
 
-int IniFile::strayLine(const std::optional<QString>& section) const {
+int IniFile::malformedLine(const std::optional<QString>& section) const {
     const Section* wanted = section ? m_data->find(*section) : nullptr;
     int number = 0;
     for (const Section& candidate : m_data->sections) {

@@ -165,17 +165,17 @@ std::vector<JournalRun> JournalStore::runs() {
     while (rows.step())
         runs.push_back(decodeHead(rows.integer(0), rows.bytes(1)).run);
     rows.reset();
-    std::optional<bool> goesOn;
+    std::optional<bool> continues;
     for (JournalRun& run : runs) {
         if (run.state != RunState::Running)
             continue;
         run.rows = run.number == m_run ? m_records.count() : countRecords(run.number);
         if (run.number == m_run)
             continue;
-        // a run that another process has resumed is not told from one that it left behind earlier
-        if (!goesOn)
-            goesOn = m_run == 0 && m_runGoesOn();
-        if (!*goesOn)
+        // a run resumed by another process looks the same as one left unfinished earlier
+        if (!continues)
+            continues = m_run == 0 && m_runGoesOn();
+        if (!*continues)
             run.state = RunState::Interrupted;
     }
     return runs;
@@ -201,7 +201,7 @@ qint64 JournalStore::begin(const JournalRun& head,
         removeOld();
         Statement largest(m_db, "SELECT ifnull(max(number), 0) FROM zdb_run", m_fileName);
         largest.step();
-        // a removed run's number is not used again
+        // the number of a removed run is not reused
         const QByteArray removed = note(0, QStringLiteral("largest")).value_or(QByteArray());
         stored.run.number = std::max(largest.integer(0), removed.toLongLong()) + 1;
         stored.run.state = RunState::Running;

@@ -1,6 +1,6 @@
 #include "engines/shops/separate_journal.h"
 
-// Tables and statements that tell the run journal what they write.
+// Tables and statements that report their writes to the run journal.
 
 namespace engines::shops {
 

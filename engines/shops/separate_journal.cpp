@@ -173,7 +173,7 @@ QStringList SeparateJournal::check() {
     return present != nullptr ? present->check() : QStringList();
 }
 
-// --- what a write may change
+// --- records that a write may change
 
 std::vector<StoredRecord> SeparateJournal::recordsOf(TableFile& file, const QByteArray& key,
                                                      int keyFields) {
@@ -190,7 +190,7 @@ std::vector<StoredRecord> SeparateJournal::recordsOf(TableFile& file, const QByt
 std::vector<SeparateJournal::Pending> SeparateJournal::changedBy(
     const WriteTarget& target, const std::map<QString, Value>& parameters, Database& sql) {
     TableFile& file = table(target.table);
-    // Leading fields of key 0 that compare exactly through a driver. A superset of the rows is
+    // Leading fields of key 0 that compare exactly through any driver. Selecting too many rows is
     // harmless.
     QStringList columns;
     std::vector<int> fields;
@@ -311,7 +311,7 @@ void SeparateJournal::around(const std::vector<Pending>& pending,
     try {
         send();
     } catch (const std::exception&) {
-        // some of it may have been carried out; what cannot be read now stays pending
+        // it may have been carried out in part; records that cannot be read now stay pending
         try {
             readAgain();
         } catch (const DataError&) {

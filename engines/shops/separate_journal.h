@@ -12,14 +12,13 @@
 
 namespace engines::shops {
 
-/// The run journal of an engine whose transactions it cannot join: a SQLite file of its own in the
-/// company's folder. Before a write is sent, the records that it may change are stored with their
-/// bytes (pending); afterwards they are read again, and what changed becomes entries, which are
-/// stored together with the next write's pending records. After a break, pending records are
-/// compared with what stands there now.
-///
-/// The file keeps a rollback journal and not a write-ahead log, since the folder may be a network
-/// drive.
+/// The run journal of an engine whose transactions it cannot join: a SQLite file in the company's
+/// folder. Before a write is sent, the records that it may change are stored with their bytes
+/// (pending). Afterwards they are read again, and the changes become entries, which are stored
+/// together with the next write's pending records. After an interruption, pending records are
+/// compared with the current ones.
+/// The file uses a rollback journal instead of a write-ahead log, since the folder may be on a
+/// network drive.
 class SeparateJournal : public RunJournal {
   public:
     using TableOpener = std::function<std::unique_ptr<TableFile>(const QString& table)>;
@@ -48,7 +47,7 @@ class SeparateJournal : public RunJournal {
     void setNote(qint64 run, const QString& name, const QByteArray& value) override;
     QStringList check() override;
 
-    // Writes, while a run records; each sends the write itself.
+    // Writes during a recorded run; each function sends the write itself.
     void write(const WriteTarget& target, const std::map<QString, Value>& parameters, Database& sql,
                const std::function<void()>& send);
     void insertRecord(const QString& table, const QByteArray& record,
@@ -60,10 +59,10 @@ class SeparateJournal : public RunJournal {
     struct Pending {
         QString table;
         RecordId id = 0;
-        QByteArray bytes;  ///< of the record before; of an insert: the values of the key
+        QByteArray bytes;  ///< the record before; of an insert: the key's values
         bool isInsert = false;
         int keyFields = 0;            ///< of an insert: leading fields of key 0 in `bytes`
-        std::vector<RecordId> known;  ///< of an insert: the records of that key before
+        std::vector<RecordId> known;  ///< of an insert: the existing records of that key
     };
 
     journal::JournalStore* store();
@@ -89,9 +88,9 @@ class SeparateJournal : public RunJournal {
     std::map<QString, std::unique_ptr<TableFile>> m_tables;
 };
 
-/// A table of which the journal is told what is written.
+/// A table whose writes are recorded in the journal.
 std::unique_ptr<TableFile> journaled(std::unique_ptr<TableFile> file, SeparateJournal& journal);
-/// A statement likewise; `database` reads what it may change.
+/// A statement whose writes are recorded; `database` reads the records that it may change.
 std::unique_ptr<SqlStatement> journaled(std::unique_ptr<SqlStatement> statement, const QString& sql,
                                         SeparateJournal& journal, Database& database);
 

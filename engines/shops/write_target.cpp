@@ -8,7 +8,7 @@ namespace engines::shops {
 
 namespace {
 
-/// Steps over the tokens that mean something.
+/// Iterates over the tokens, skipping blanks and comments.
 class Cursor {
   public:
     explicit Cursor(const QString& sql) : m_sql(sql), m_tokens(tokensOf(sql)) {
@@ -56,7 +56,7 @@ class Cursor {
 
   private:
     void skipBlanks() {
-        while (!atEnd() && m_tokens[m_at].isMeaningless())
+        while (!atEnd() && m_tokens[m_at].isBlankOrComment())
             ++m_at;
     }
 

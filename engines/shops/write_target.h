@@ -10,7 +10,7 @@
 
 namespace engines::shops {
 
-/// What a writing statement does to which table, as far as the run journal needs it.
+/// Table and effect of a writing statement, as needed by the run journal.
 struct WriteTarget {
     enum class Kind { Update, Insert, Delete };
     Kind kind;
@@ -18,14 +18,14 @@ struct WriteTarget {
     /// Update, Delete: " where ..." with its parameters; empty: all rows.
     QString condition;
     QStringList conditionParameters;  ///< without the colon
-    /// Insert: the columns, empty: all in the table's order; and the value of each as written: a
-    /// number, a text in quotes, a parameter with its colon, or "null".
+    /// Insert: the columns (empty: all, in the table's order), and each column's value as written:
+    /// a number, a quoted text, a parameter with its colon, or "null".
     QStringList columns;
     QStringList values;
 };
 
-/// @return nothing for a statement that returns rows. @throws DataError(Syntax) for any other that
-/// is not UPDATE, DELETE or INSERT ... VALUES.
+/// @return nothing for a statement that returns rows. @throws DataError(Syntax) for other
+/// statements that are not UPDATE, DELETE or INSERT ... VALUES.
 std::optional<WriteTarget> writeTargetOf(const QString& sql);
 
 /// The value of an insert's column, given the parameters' values by lower-case name.

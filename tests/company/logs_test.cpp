@@ -60,7 +60,7 @@ TEST_F(LogsTest, GeneralLogIsWindows1252) {
     EXPECT_TRUE(entry.match(text).hasMatch()) << text.toStdString();
 }
 
-TEST_F(LogsTest, AFailureIsReportedOnceAndStopsNobody) {
+TEST_F(LogsTest, AFailureIsReportedOnceAndStopsNothing) {
     const QString blocked = m_company.file(str("ALVMUUTOS.LOG"));
     ASSERT_TRUE(QDir().mkpath(blocked));
     const qint64 lost = lostChangeLogLines().count;

@@ -48,7 +48,7 @@ struct RunContext {
     /// Counter of a kind of changed rows, created at 0. Valid as long as the result.
     qint64& changedRows(const QString& what);
     /// Logs, counts and lists a product whose record another program holds.
-    void passOverProduct(const QString& number);
+    void skipProduct(const QString& number);
 
     /// Processes window events, then returns whether to stop; called between rows.
     bool stopRequested();
