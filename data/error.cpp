@@ -109,9 +109,12 @@ DataError DataError::inFinnish(const QString& detail, const QString& remedy) con
 }
 
 DataError DataError::inPlace(const QString& place) const {
-    const DataError error(m_kind, m_table, place + QStringLiteral(": ") + m_detail, m_nativeCode);
-    const QString& detail = m_finnishDetail.isEmpty() ? m_detail : m_finnishDetail;
-    return error.inFinnish(place + QStringLiteral(": ") + detail, m_finnishRemedy);
+    const auto placed = [&place](const QString& detail) {
+        return detail.isEmpty() ? place : place + QStringLiteral(": ") + detail;
+    };
+    const DataError error(m_kind, m_table, placed(m_detail), m_nativeCode);
+    return error.inFinnish(placed(m_finnishDetail.isEmpty() ? m_detail : m_finnishDetail),
+                           m_finnishRemedy);
 }
 
 QString DataError::finnish() const {

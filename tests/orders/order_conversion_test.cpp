@@ -120,8 +120,8 @@ TEST_F(OrderConversion, LockedRowFailsAndARerunFinishes) {
         const auto rows = other->openTable(QLatin1String(name));
         const auto held = rows->seek(0, data::SeekOp::Equal, {order, 2}, 1);
         ASSERT_TRUE(rows->lock(held.at(0).id, std::chrono::milliseconds(0)));
-        expectError(data::ErrorKind::Locked,
-                    {QStringLiteral("tilaus %1, rivi 2: tietue ").arg(order)}, convert);
+        expectError(data::ErrorKind::Locked, {QStringLiteral("tilaus %1, rivi 2. ").arg(order)},
+                    convert);
         EXPECT_EQ(classesOf(name, field), "5 3 3");
         rows->unlock(held.at(0).id);
         EXPECT_TRUE(convert());
