@@ -259,7 +259,8 @@ void Connection::runTransaction(const std::function<void()>& body) {
         // The body may have caught an error that rolled the transaction back.
         if (sqlite3_get_autocommit(db()) != 0)
             throw DataError(ErrorKind::Io, m_fileName,
-                            QStringLiteral("the database undid the transaction"));
+                            QStringLiteral("the database undid the transaction"))
+                .inFinnish(QStringLiteral("tietokanta perui muutoksen"));
         execute(db(), "COMMIT", m_fileName);
     } catch (...) {
         if (sqlite3_get_autocommit(db()) == 0)
@@ -365,7 +366,8 @@ void Connection::throwHeld(const StoredTable& table, const QByteArray& record) c
 
 void Connection::throwLocked(const RecordIsHeld& held) const {
     throw DataError(ErrorKind::Locked, held.table,
-                    QStringLiteral("another program holds the record %1").arg(held.record));
+                    QStringLiteral("another program holds the record %1").arg(held.record))
+        .inFinnish(QStringLiteral("tietue ") + held.record);
 }
 
 void Connection::countSqlTables(int more) {

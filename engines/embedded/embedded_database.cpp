@@ -27,7 +27,8 @@ class EmbeddedDatabase : public Database {
                 throw DataError(
                     ErrorKind::Damaged, table,
                     QStringLiteral("the catalogue lists the table, but it is not stored"))
-                    .inFinnish(QStringLiteral("taulu on luettelossa, mutta sitä ei ole"));
+                    .inFinnish(
+                        QStringLiteral("taulu on hakemistossa, mutta sitä ei ole tiedostossa"));
         }
     }
 
