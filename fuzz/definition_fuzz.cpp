@@ -27,7 +27,7 @@ void useDefinition(const framework::SavedDefinition& saved) {
 
     vatchange::LoadedDefinition loaded = vatchange::loadDefinition(saved);
     require(loaded.findings.size() >= decoded.unreadable.size());
-    require(vatchange::stillHolding(loaded.findings, loaded.definition).size() ==
+    require(vatchange::remainingFindings(loaded.findings, loaded.definition).size() ==
             loaded.findings.size());
     vatchange::ChangeDefinition& definition = loaded.definition;
     require(vatchange::applyLoadRules(definition).empty());

@@ -19,7 +19,7 @@ namespace {
 using namespace data;
 using namespace engines::embedded;
 
-constexpr int kMostSteps = 300;  // of a thousand instructions each: joins of joins end here
+constexpr int kMaxSteps = 300;  // of a thousand instructions each: joins of joins end here
 
 const char* const kRows[] = {
     "insert into TUOTE (NUMERO, NIMI, HINTA, LVV, RYHMA) values ('100', 'Ämpäri', 12.9, 1, 7)",
@@ -44,7 +44,7 @@ class Company {
         m_connection->lockWait = std::chrono::milliseconds(0);
         sqlite3_progress_handler(
             m_connection->db(), 1000,
-            [](void* steps) { return ++*static_cast<int*>(steps) > kMostSteps ? 1 : 0; }, &m_steps);
+            [](void* steps) { return ++*static_cast<int*>(steps) > kMaxSteps ? 1 : 0; }, &m_steps);
         // a text of a gigabyte is no fault of the engine's
         sqlite3_limit(m_connection->db(), SQLITE_LIMIT_LENGTH, 1 << 20);
         sqlite3_limit(m_connection->db(), SQLITE_LIMIT_SQL_LENGTH, 1 << 16);

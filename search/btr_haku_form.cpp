@@ -147,7 +147,7 @@ void TBtrHakuForm::connectControls() {
         if (!choosing)
             guarded([this] { m_view->cursor.showRechecked(); });
     });
-    connect(&model(), &TableModel::failed, this, &TBtrHakuForm::tellError);
+    connect(&model(), &TableModel::failed, this, &TBtrHakuForm::showError);
     connect(Tallenna, &QAction::triggered, this, [this] { TallennaClick(false); });
     connect(Tallennakorkeus, &QAction::triggered, this, [this] { TallennaClick(true); });
     connectNavigator();
@@ -174,14 +174,14 @@ bool TBtrHakuForm::guarded(const std::function<void()>& work) {
         work();
         return true;
     } catch (const std::exception& error) {
-        tellError(data::errorText(error));
+        showError(data::errorText(error));
     }
     return false;
 }
 
 // Closing the box activates the window. That activation must not reread: a table that cannot be
 // read would show one box after the other, and the window could not be left any more.
-void TBtrHakuForm::tellError(const QString& text) {
+void TBtrHakuForm::showError(const QString& text) {
     const QPointer<TBtrHakuForm> self(this);
     m_nextActivation = NextActivation::KeepsRows;
     framework::Dialogs::error(this, text);

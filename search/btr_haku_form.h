@@ -156,7 +156,7 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     void columnMenu(const QPoint& place);
     void TallennaClick(bool withHeight);
     bool guarded(const std::function<void()>& work);
-    void tellError(const QString& text);
+    void showError(const QString& text);
 
     // keys and searching
     void IndexComboCloseUp();

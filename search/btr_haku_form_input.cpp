@@ -266,7 +266,7 @@ bool TBtrHakuForm::walkRecords(const RowTest& test) {
     if (wasVisible)
         QWidget::setVisible(false);  // NOLINT(bugprone-parent-virtual-call): as said above
     wait.show();
-    wait.goOn(0);
+    wait.onProgress(0);
     const auto back = qScopeGuard([&] {
         wait.hide();
         HakuLabel->hide();
@@ -278,7 +278,7 @@ bool TBtrHakuForm::walkRecords(const RowTest& test) {
         }
     });
     return model().search(m_view->keys.key(), m_filter.range(), test,
-                          [&wait](double share) { return wait.goOn(share); });
+                          [&wait](double share) { return wait.onProgress(share); });
 }
 
 // --- keys

@@ -91,7 +91,7 @@ const StoredRecord* TableModel::find(qint64 row) const {
             for (StoredRecord& record : m_rows.read(first, wanted))
                 fresh->push_back(std::move(record));
         } catch (const data::DataError& error) {
-            tellFailure(data::errorText(error));
+            reportFailure(data::errorText(error));
         }
         m_pages.insert(number, fresh.release());
         page = m_pages.object(number);
@@ -107,10 +107,10 @@ const StoredRecord* TableModel::find(qint64 row) const {
 }
 
 // Once for all rows: painting must not open a dialog for every cell.
-void TableModel::tellFailure(const QString& text) const {
-    if (m_failureTold)
+void TableModel::reportFailure(const QString& text) const {
+    if (m_failureReported)
         return;
-    m_failureTold = true;
+    m_failureReported = true;
     auto* self = const_cast<TableModel*>(this);
     QMetaObject::invokeMethod(
         self, [self, text] { Q_EMIT self->failed(text); }, Qt::QueuedConnection);
@@ -140,7 +140,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
         try {
             return column.text(GridRow(m_table.layout(), *found));
         } catch (const data::DataError& error) {  // from another table that the column reads
-            tellFailure(data::errorText(error));
+            reportFailure(data::errorText(error));
             return QString();
         }
     }
@@ -187,10 +187,10 @@ void TableModel::show(int key, std::optional<KeyRange> range, RowTest test) {
 }
 
 bool TableModel::search(int key, std::optional<KeyRange> range, RowTest test,
-                        const std::function<bool(double)>& goOn) {
+                        const std::function<bool(double)>& onProgress) {
     ViewRows fresh(m_table.file());
     fresh.show(key, std::move(range), std::move(test));
-    if (!fresh.learnAll(goOn))
+    if (!fresh.learnAll(onProgress))
         return false;
     takeRows(std::move(fresh));
     return true;
@@ -227,7 +227,7 @@ ViewRows::Change TableModel::learnUntil(const std::function<qint64()>& row) {
 // After all rows were replaced, within a reset.
 void TableModel::restarted() {
     m_pages.clear();
-    m_failureTold = false;
+    m_failureReported = false;
     m_blanksShown = false;
     m_rowCount = asRow(m_rows.count());
     m_idle.start();

@@ -39,10 +39,11 @@ class TableModel : public QAbstractTableModel {
     /// Shows other rows; clears selection and current row. @throws data::DataError; the rows stay
     /// then.
     void show(int key, std::optional<KeyRange> range, RowTest test);
-    /// The same, walking all records at once. `goOn`, called some times a second with the share
-    /// done (0 to 1), cancels by returning false. @return false when cancelled: the rows stay then.
+    /// The same, walking all records at once. `onProgress`, called some times a second with the
+    /// share done (0 to 1), cancels by returning false. @return false when cancelled: the rows stay
+    /// then.
     bool search(int key, std::optional<KeyRange> range, RowTest test,
-                const std::function<bool(double)>& goOn);
+                const std::function<bool(double)>& onProgress);
     const ViewRows& rows() const { return m_rows; }
     bool isCountExact() const { return m_rows.isCountExact(); }
 
@@ -89,7 +90,7 @@ class TableModel : public QAbstractTableModel {
     void takeRows(ViewRows&& rows);
     void replaceRows(const std::function<void()>& work);
     int toRow(std::optional<qint64> row, bool wasRestarted);
-    void tellFailure(const QString& text) const;
+    void reportFailure(const QString& text) const;
 
     data::TtbTable& m_table;
     std::vector<GridColumn> m_columns;
@@ -100,7 +101,7 @@ class TableModel : public QAbstractTableModel {
     qint64 m_offset = 0;  // from told row numbers to m_rows', while a change is announced
     mutable QCache<qint64, Page> m_pages;
     mutable bool m_blanksShown = false;
-    mutable bool m_failureTold = false;
+    mutable bool m_failureReported = false;
     QTimer m_idle;
 };
 

@@ -60,9 +60,9 @@ class ViewRows {
     /// Walks on until the deadline. @return false when nothing is left to do. `change` receives the
     /// change of the row numbers.
     bool learn(const QDeadlineTimer& deadline, Change& change);
-    /// Walks all records now, so that every row is known. `goOn`, called some times a second with
-    /// the share done (0 to 1), cancels by returning false: the view must be discarded then.
-    bool learnAll(const std::function<bool(double)>& goOn);
+    /// Walks all records now, so that every row is known. `onProgress`, called some times a second
+    /// with the share done (0 to 1), cancels by returning false: the view must be discarded then.
+    bool learnAll(const std::function<bool(double)>& onProgress);
     /// The share of the records (0 to 1) that the walk has passed.
     double progress() const;
 
@@ -82,7 +82,7 @@ class ViewRows {
     std::optional<qint64> nearest(const data::KeyValues& values, bool* restarted);
 
   private:
-    void begin(const data::StoredRecord& first, qint64 itsPlace);
+    void begin(const data::StoredRecord& first, qint64 firstPlace);
     void beginFromStart();
     bool walk(data::Direction direction, const QDeadlineTimer& deadline);
     void take(const data::StoredRecord& record, data::Direction direction);

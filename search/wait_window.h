@@ -14,7 +14,7 @@ class WaitWindow : public QWidget {
   public:
     explicit WaitWindow(QWidget* owner);
     /// Shows the share done (0 to 1) and processes events. @return false when cancelled.
-    bool goOn(double share);
+    bool onProgress(double share);
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -190,7 +190,7 @@ void TMainForm::runBatchAndLeave() {
             kErrorPrefix + QStringLiteral("eräajo päättyi virheeseen: ") + data::errorText(e);
         company::WriteAlvMuutosLog(text);
         QTextStream(stderr) << text << '\n';
-        if (m_inRun && framework::Dialogs::someoneThere()) {
+        if (m_inRun && framework::Dialogs::isInteractive()) {
             framework::Dialogs::error(this, text);
             return;  // leave the windows to the user at the screen
         }

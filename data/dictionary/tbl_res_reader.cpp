@@ -102,7 +102,7 @@ Module& module() {
 
 // Cuts a file of blocks that follow one another. A block of another version is kept up to its end
 // signature, so that reading its table says what is wrong with it.
-Module cutModule(const QByteArray& bytes, const QString& fileName) {
+Module splitModule(const QByteArray& bytes, const QString& fileName) {
     Module blocks;
     qsizetype start = 0;
     while (start < bytes.size()) {
@@ -183,7 +183,7 @@ void TTblResReader::setModuleFile(const QString& fileName) {
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError)
         throw DataError(ErrorKind::Io, fileName, file.errorString());
-    module() = cutModule(bytes, fileName);
+    module() = splitModule(bytes, fileName);
 }
 
 QStringList TTblResReader::tableNames() {

@@ -67,7 +67,7 @@ std::optional<StoredRecord> KeyView::step(const StoredRecord& from, Direction di
         // A record posted outside of the range: the view begins behind it.
         if (direction == Direction::Forward && isBefore(from))
             return first();
-        if (direction == Direction::Backward && isBehind(from))
+        if (direction == Direction::Backward && isAfter(from))
             return last();
         m_direction = direction;
         m_anchor = from;
@@ -94,7 +94,7 @@ std::optional<StoredRecord> KeyView::findNearest(const KeyValues& values) {
 }
 
 bool KeyView::contains(const StoredRecord& record) const {
-    return !isBefore(record) && !isBehind(record) && (!m_accept || m_accept(record));
+    return !isBefore(record) && !isAfter(record) && (!m_accept || m_accept(record));
 }
 
 int KeyView::compare(const StoredRecord& record, const KeyValues& values) const {
@@ -105,7 +105,7 @@ bool KeyView::isBefore(const StoredRecord& record) const {
     return m_range && compare(record, m_range->low) < 0;
 }
 
-bool KeyView::isBehind(const StoredRecord& record) const {
+bool KeyView::isAfter(const StoredRecord& record) const {
     return m_range && compare(record, m_range->high) > 0;
 }
 
@@ -152,7 +152,7 @@ std::optional<StoredRecord> KeyView::scan(const KeyValues* only) {
             while (m_aheadAt < m_ahead.size()) {
                 last = std::move(m_ahead[m_aheadAt++]);
                 const bool isOutside =
-                    m_direction == Direction::Forward ? isBehind(last) : isBefore(last);
+                    m_direction == Direction::Forward ? isAfter(last) : isBefore(last);
                 if (isOutside || (only != nullptr && compare(last, *only) != 0)) {
                     forget();
                     return std::nullopt;

@@ -46,7 +46,7 @@ class KeyView {
 
   private:
     bool isBefore(const StoredRecord& record) const;  // below the range's low end
-    bool isBehind(const StoredRecord& record) const;
+    bool isAfter(const StoredRecord& record) const;
     int nextSize();
     std::optional<StoredRecord> begin(std::vector<StoredRecord> batch, int asked,
                                       Direction direction, const KeyValues* only = nullptr);

@@ -50,7 +50,7 @@ bool TtbTable::accepts(const StoredRecord& record) {
         return false;
     if (!m_onFilterRecord)
         return true;
-    const Candidate standOn(*this, record);
+    const Candidate positionOn(*this, record);
     return m_onFilterRecord(*this);
 }
 

@@ -11,7 +11,7 @@ namespace embedded {
 
 namespace {
 
-constexpr int kPagesAStep = 1024;
+constexpr int kPagesPerStep = 1024;
 
 struct BackupHandle {
     explicit BackupHandle(sqlite3_backup* made) : backup(made) {}
@@ -34,7 +34,7 @@ bool copyPages(const QString& from, const QString& to,
     if (handle.backup == nullptr)
         throwSqlite(target.get(), sqlite3_errcode(target.get()), to);
     for (;;) {
-        const int code = sqlite3_backup_step(handle.backup, kPagesAStep);
+        const int code = sqlite3_backup_step(handle.backup, kPagesPerStep);
         const int total = sqlite3_backup_pagecount(handle.backup);
         const int done = total - sqlite3_backup_remaining(handle.backup);
         if (code != SQLITE_OK && code != SQLITE_DONE)
@@ -57,10 +57,10 @@ void backupEmbedded(const QString& folder, const QString& targetFile,
     if (QFile::exists(targetFile))
         throw DataError(ErrorKind::Io, targetFile, QStringLiteral("the file exists already"));
     // In a folder of its own beside the target: no other file can be in its way.
-    const QTemporaryDir workshop(targetFile + QStringLiteral(".XXXXXX"));
-    if (!workshop.isValid())
-        throw DataError(ErrorKind::Io, targetFile, workshop.errorString());
-    const QString unfinished = companyFile(workshop.path());
+    const QTemporaryDir workFolder(targetFile + QStringLiteral(".XXXXXX"));
+    if (!workFolder.isValid())
+        throw DataError(ErrorKind::Io, targetFile, workFolder.errorString());
+    const QString unfinished = companyFile(workFolder.path());
     if (copyPages(companyFile(folder), unfinished, progress) &&
         !QFile::rename(unfinished, targetFile))
         throw DataError(ErrorKind::Io, targetFile,

@@ -16,7 +16,7 @@ namespace embedded {
 namespace {
 
 // Of a table that is damaged all over, the first records say enough.
-constexpr int kMaxLinesATable = 100;
+constexpr int kMaxLinesPerTable = 100;
 
 class Checker {
   public:
@@ -63,16 +63,17 @@ class Checker {
             for (const KeyDef& key : table.keys())
                 checkUnique(table, key);
             checkRecords(table);
-            if (m_linesOfTable > kMaxLinesATable)
-                m_lines.append(
-                    QStringLiteral("%1: %2 more").arg(name).arg(m_linesOfTable - kMaxLinesATable));
+            if (m_linesOfTable > kMaxLinesPerTable)
+                m_lines.append(QStringLiteral("%1: %2 more")
+                                   .arg(name)
+                                   .arg(m_linesOfTable - kMaxLinesPerTable));
         } catch (const DataError& error) {
             m_lines.append(error.english());
         }
     }
 
     void report(const QString& line) {
-        if (++m_linesOfTable <= kMaxLinesATable)
+        if (++m_linesOfTable <= kMaxLinesPerTable)
             m_lines.append(line);
     }
 

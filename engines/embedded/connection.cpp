@@ -130,7 +130,7 @@ int Connection::authorize(void* self, int action, const char* first, const char*
     auto* connection = static_cast<Connection*>(self);
     if (!connection->m_checksNames)
         return SQLITE_OK;
-    connection->m_askedLeave = true;
+    connection->m_authorizerCalled = true;
     switch (action) {
         case SQLITE_SELECT:
         case SQLITE_RECURSIVE:
@@ -182,7 +182,7 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     const char* tail = nullptr;
     clearFailure();
     m_checksNames = true;
-    m_askedLeave = false;
+    m_authorizerCalled = false;
     const int code = sqlite3_prepare_v3(db(), text.constData(), static_cast<int>(text.size()),
                                         SQLITE_PREPARE_PERSISTENT, &statement, &tail);
     m_checksNames = false;
@@ -193,7 +193,7 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     if (statement == nullptr)
         throw DataError(ErrorKind::Syntax, QString(), QStringLiteral("the statement is empty"));
     // VACUUM and the like ask no leave; what INSERT ... RETURNING returns nobody would read.
-    if (!m_askedLeave ||
+    if (!m_authorizerCalled ||
         (sqlite3_stmt_readonly(statement) == 0 && sqlite3_column_count(statement) > 0)) {
         sqlite3_finalize(statement);
         throw DataError(ErrorKind::Syntax, QString(),
@@ -213,7 +213,7 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     return statement;
 }
 
-void Connection::giveBack(const QString& sql, sqlite3_stmt* statement) {
+void Connection::returnStatement(const QString& sql, sqlite3_stmt* statement) {
     sqlite3_reset(statement);
     sqlite3_clear_bindings(statement);
     m_cache.push_back({sql, statement});

@@ -62,11 +62,11 @@ class Connection {
 
     std::chrono::milliseconds lockWait{2000};
 
-    /// A statement of the user's, from the cache when it was prepared before; giveBack() returns
-    /// it.
+    /// A statement of the user's, from the cache when it was prepared before; returnStatement()
+    /// returns it.
     /// @throws DataError(Syntax, NoSuchTable, NoSuchField ...).
     sqlite3_stmt* prepare(const QString& sql);
-    void giveBack(const QString& sql, sqlite3_stmt* statement);
+    void returnStatement(const QString& sql, sqlite3_stmt* statement);
 
     enum class WriteUnit {
         Statement,  ///< the body runs one SQL statement, which is a transaction by itself
@@ -137,7 +137,7 @@ class Connection {
     TransientIndexes m_transientIndexes;
     std::exception_ptr m_failure;
     bool m_checksNames = false;
-    bool m_askedLeave = false;  // SQLite asked authorize() about the statement being prepared
+    bool m_authorizerCalled = false;  // SQLite asked authorize() about the statement being prepared
     bool m_inTransaction = false;
     int m_sqlTables = 0;
     int m_cursors = 0;

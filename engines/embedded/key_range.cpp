@@ -173,7 +173,7 @@ QByteArray inverted(QByteArray bytes) {
 
 // The same values among inverted images. A bound of an ascending range is a prefix p in "image >=
 // p" or "image < p"; padded to full length, the inverted images say "image <= ~p" or "image > ~p".
-ImageRange turnedRound(const ImageRange& range, int length) {
+ImageRange mirrored(const ImageRange& range, int length) {
     const auto padded = [length](QByteArray bytes) {
         return inverted(bytes.append(QByteArray(length - bytes.size(), '\0')));
     };
@@ -220,7 +220,7 @@ ImageRange KeyImage::range(int segment, Comparison op, sqlite3_value* value) con
     if (!known)
         return {};
     const ImageRange range = rangeOf(op, place);
-    return image.descending ? turnedRound(range, image.length) : range;
+    return image.descending ? mirrored(range, image.length) : range;
 }
 
 }  // namespace engines::embedded

@@ -66,7 +66,7 @@ EmbeddedSqlStatement::EmbeddedSqlStatement(std::shared_ptr<Connection> connectio
 
 EmbeddedSqlStatement::~EmbeddedSqlStatement() {
     m_connection->transientIndexes().clear();
-    m_connection->giveBack(m_sql, m_statement);
+    m_connection->returnStatement(m_sql, m_statement);
 }
 
 QStringList EmbeddedSqlStatement::parameterNames() const {

@@ -7,7 +7,7 @@ namespace engines::embedded {
 namespace {
 
 // Place of the last character that is neither blank, semicolon nor comment; -1 when there is none.
-qsizetype lastMeaning(const QString& sql) {
+qsizetype lastSignificant(const QString& sql) {
     qsizetype last = -1;
     for (qsizetype i = 0; i < sql.size(); ++i) {
         const QChar c = sql[i];
@@ -44,7 +44,7 @@ QString engineText(const QString& sql) {
     const QRegularExpressionMatch match = top.match(sql);
     if (!match.hasMatch())
         return sql;
-    QString text = sql.left(lastMeaning(sql) + 1);
+    QString text = sql.left(lastSignificant(sql) + 1);
     text.replace(0, match.capturedLength(), match.captured(1));
     return text + QStringLiteral(" LIMIT ") + match.captured(2);
 }

@@ -40,7 +40,7 @@ StatementLease::StatementLease(StoredTable* table, quint64 shape, Statement stat
 
 StatementLease::~StatementLease() {
     if (m_table != nullptr)
-        m_table->takeBack(m_shape, std::move(m_statement));
+        m_table->returnStatement(m_shape, std::move(m_statement));
 }
 
 StatementLease::StatementLease(StatementLease&& other) noexcept
@@ -105,7 +105,7 @@ StatementLease StoredTable::lease(quint64 shape, const std::function<QByteArray(
     return StatementLease(this, shape, std::move(statement));
 }
 
-void StoredTable::takeBack(quint64 shape, Statement statement) {
+void StoredTable::returnStatement(quint64 shape, Statement statement) {
     statement.reset();
     m_pool[shape].push_back(std::move(statement));
 }

@@ -110,7 +110,7 @@ class StoredTable {
 
     void checkStored() const;
     StatementLease lease(quint64 shape, const std::function<QByteArray()>& text);
-    void takeBack(quint64 shape, Statement statement);
+    void returnStatement(quint64 shape, Statement statement);
     QByteArray scanText(const ScanShape& shape) const;
 
     Connection& m_connection;

@@ -165,7 +165,7 @@ std::vector<JournalRun> JournalStore::runs() {
     while (rows.step())
         runs.push_back(decodeHead(rows.integer(0), rows.bytes(1)).run);
     rows.reset();
-    std::optional<bool> goesOn;
+    std::optional<bool> continues;
     for (JournalRun& run : runs) {
         if (run.state != RunState::Running)
             continue;
@@ -173,9 +173,9 @@ std::vector<JournalRun> JournalStore::runs() {
         if (run.number == m_run)
             continue;
         // a run that another process has resumed is not told from one that it left behind earlier
-        if (!goesOn)
-            goesOn = m_run == 0 && m_runGoesOn();
-        if (!*goesOn)
+        if (!continues)
+            continues = m_run == 0 && m_runGoesOn();
+        if (!*continues)
             run.state = RunState::Interrupted;
     }
     return runs;

@@ -85,7 +85,7 @@ std::shared_ptr<PreparedOdbc> OdbcLink::prepare(const QString& sql) {
     return statement;
 }
 
-void OdbcLink::giveBack(std::shared_ptr<PreparedOdbc> statement) {
+void OdbcLink::returnStatement(std::shared_ptr<PreparedOdbc> statement) {
     if (!statement || !m_session || &statement->handles() != m_session->handles().get() ||
         m_session->isLost())
         return;

@@ -19,7 +19,7 @@ OdbcStatement::OdbcStatement(std::shared_ptr<OdbcLink> link, const QString& sql)
 }
 
 OdbcStatement::~OdbcStatement() {
-    m_link->giveBack(std::move(m_prepared));
+    m_link->returnStatement(std::move(m_prepared));
 }
 
 QStringList OdbcStatement::parameterNames() const {

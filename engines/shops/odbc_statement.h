@@ -20,9 +20,9 @@ class OdbcLink {
     OdbcLink& operator=(const OdbcLink&) = delete;
 
     /// A statement of the present session, from the cache when it was prepared before; connects
-    /// anew when the connection was lost. giveBack() returns it.
+    /// anew when the connection was lost. returnStatement() returns it.
     std::shared_ptr<PreparedOdbc> prepare(const QString& sql);
-    void giveBack(std::shared_ptr<PreparedOdbc> statement);
+    void returnStatement(std::shared_ptr<PreparedOdbc> statement);
 
     /// Runs a job on the statement's session within the statement time limit.
     void guarded(const PreparedOdbc& statement, std::function<void()> job);

@@ -13,7 +13,7 @@ namespace engines::shops {
 namespace {
 
 // Text parameters up to this size are bound once; longer ones each time, as long texts.
-constexpr qsizetype kUsualText = 255;
+constexpr qsizetype kDefaultTextSize = 255;
 constexpr qsizetype kLongText = 4000;
 // The shops' engine's type code of 16-bit integers.
 constexpr SQLSMALLINT kShopsSmallInteger = 2008;
@@ -175,14 +175,14 @@ void PreparedOdbc::bindBytes(size_t index, const QByteArray& bytes, bool isBinar
     Parameter& parameter = m_parameters[index];
     const SQLSMALLINT cType = isBinary ? SQL_C_BINARY : SQL_C_CHAR;
     parameter.indicator = bytes.size();
-    if (parameter.cType != cType || bytes.size() > parameter.room) {
-        parameter.room = std::max(kUsualText, bytes.size());
-        parameter.bytes = QByteArray(parameter.room + 1, '\0');
-        const bool isLong = parameter.room > kLongText;
+    if (parameter.cType != cType || bytes.size() > parameter.capacity) {
+        parameter.capacity = std::max(kDefaultTextSize, bytes.size());
+        parameter.bytes = QByteArray(parameter.capacity + 1, '\0');
+        const bool isLong = parameter.capacity > kLongText;
         const SQLSMALLINT sqlType = isBinary ? (isLong ? SQL_LONGVARBINARY : SQL_VARBINARY)
                                              : (isLong ? SQL_LONGVARCHAR : SQL_VARCHAR);
-        bindBuffer(index, cType, sqlType, static_cast<SQLULEN>(parameter.room),
-                   parameter.bytes.data(), parameter.room + 1);
+        bindBuffer(index, cType, sqlType, static_cast<SQLULEN>(parameter.capacity),
+                   parameter.bytes.data(), parameter.capacity + 1);
     }
     std::copy(bytes.begin(), bytes.end(), parameter.bytes.data());
     parameter.bytes.data()[bytes.size()] = '\0';

@@ -45,11 +45,11 @@ ShopsTableFile::ShopsTableFile(std::unique_ptr<FileCursor> cursor, Opener opener
       m_fixedLength(stat.recordLength),
       m_variableLength(stat.variableLength),
       // Extended reads need records of one length.
-      m_readsMany(!stat.variableLength && FileCursor::mostAtOnce(stat.recordLength) > 0),
+      m_readsMany(!stat.variableLength && FileCursor::maxRecordsPerCall(stat.recordLength) > 0),
       m_numbersRecords(hasNumberedField(m_layout)) {
     for (const KeyStat& key : stat.keys)
         m_orders.emplace_back(key);
-    m_cursor->setRecordRoom(m_variableLength ? kLongestRecord : m_fixedLength);
+    m_cursor->setRecordCapacity(m_variableLength ? kLongestRecord : m_fixedLength);
 }
 
 ShopsTableFile::~ShopsTableFile() = default;
@@ -202,7 +202,7 @@ std::optional<RecordId> ShopsTableFile::visitStored(std::optional<RecordId> afte
                                                     const Visitor& see) {
     if (!m_stored) {
         m_stored = m_opener();
-        m_stored->setRecordRoom(m_variableLength ? kLongestRecord : m_fixedLength);
+        m_stored->setRecordCapacity(m_variableLength ? kLongestRecord : m_fixedLength);
         m_storedAt.reset();
     }
     QByteArray record;

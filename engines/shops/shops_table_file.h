@@ -60,19 +60,20 @@ class ShopsTableFile : public TableFile {
     // Reading along a key: position the cursor on a record, then read on.
     int move(int operation, int key, const QByteArray& keyBytes = {});
     bool found(int status) const;
-    bool standOn(int key, const StoredRecord& record);
-    enum class Stand {
+    bool positionOn(int key, const StoredRecord& record);
+    enum class Position {
         On,
         Before,
         Nowhere
     };  ///< Before: the cursor's record is part of the result
-    Stand standBeside(int key, const StoredRecord& from, Direction direction);
-    std::optional<Stand> standByTrail(int key, const StoredRecord& from, Direction direction);
+    Position positionBeside(int key, const StoredRecord& from, Direction direction);
+    std::optional<Position> positionByNeighbours(int key, const StoredRecord& from,
+                                                 Direction direction);
     using Test = std::function<bool(const QByteArray& record)>;
-    Records readOn(int key, Direction direction, int max, Stand stand,
+    Records readOn(int key, Direction direction, int max, Position position,
                    std::optional<StoredRecord> from, const Test& belongs = {});
     int readSome(int key, Direction direction, bool withCurrent, int wanted, Records& records);
-    void leaveTrail(int key, Direction direction, RecordId from, const Records& records);
+    void rememberRead(int key, Direction direction, RecordId from, const Records& records);
 
     template <typename Attempt>
     int whenUnlocked(std::chrono::milliseconds wait, Attempt attempt);
@@ -93,8 +94,8 @@ class ShopsTableFile : public TableFile {
     QByteArray m_current;  // the record of the last move
 
     // The records read last along a key, in its order.
-    int m_trailKey = -1;
-    std::deque<RecordId> m_trail;
+    int m_lastReadKey = -1;
+    std::deque<RecordId> m_lastRead;
 
     std::unique_ptr<FileCursor> m_stored;  // reads in storage order
     std::optional<RecordId> m_storedAt;

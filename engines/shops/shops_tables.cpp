@@ -80,8 +80,8 @@ TableDescription describeFile(const Catalogue& catalogue, const QString& tableNa
     // A text or binary field at the end extends into the variable part.
     TableDescription table = catalogue.describe(tableName);
     for (const TFieldCacheItem& field : table.layout.fields()) {
-        const bool mayGoOn = field.kind() == Kind::Memo || field.kind() == Kind::VarBinary;
-        const int end = field.offset + (mayGoOn ? 0 : field.storedLength);
+        const bool mayContinue = field.kind() == Kind::Memo || field.kind() == Kind::VarBinary;
+        const int end = field.offset + (mayContinue ? 0 : field.storedLength);
         if (end > stat.recordLength)
             disagrees(tableName, QStringLiteral("field %1 ends at byte %2 of a record of %3 bytes")
                                      .arg(field.name)
@@ -228,7 +228,7 @@ Catalogue ShopsTables::readCatalogue() {
                             QStringLiteral("a record has %1 bytes instead of %2")
                                 .arg(length)
                                 .arg(table.recordLength()));
-        cursor->setRecordRoom(length);
+        cursor->setRecordCapacity(length);
         QByteArray record;
         int status = cursor->read(kStepFirst, {}, 0, record);
         for (; status == kOk; status = cursor->read(kStepNext, {}, 0, record)) {

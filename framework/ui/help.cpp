@@ -90,7 +90,7 @@ bool HelpBrowser::headingsAreNamed() const {
 
 void HelpBrowser::nameHeadings() {
     // An edited page is reloaded, without these names, at the next step within it.
-    const QSignalBlocker notAnEdit(document());
+    const QSignalBlocker blocker(document());
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
         if (block.blockFormat().headingLevel() == 0)
             continue;
@@ -107,7 +107,7 @@ void HelpBrowser::nameHeadings() {
 
 // Thin lines between the cells, and padding.
 void HelpBrowser::ruleTables() {
-    const QSignalBlocker notAnEdit(document());
+    const QSignalBlocker blocker(document());
     for (QTextFrame* frame : document()->rootFrame()->childFrames()) {
         auto* table = qobject_cast<QTextTable*>(frame);
         if (table == nullptr)

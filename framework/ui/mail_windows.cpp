@@ -45,7 +45,7 @@ using SendMail = ULONG(WINAPI*)(ULONG_PTR session, ULONG_PTR window, WideMessage
 constexpr ULONG kLogonWindow = 0x1;
 constexpr ULONG kMessageWindow = 0x8;
 constexpr ULONG kSuccess = 0;
-constexpr ULONG kUserGaveUp = 1;
+constexpr ULONG kUserCancelled = 1;
 constexpr ULONG kNotWithinText = 0xFFFFFFFF;
 
 }  // namespace
@@ -73,7 +73,7 @@ Desktop::Outcome Desktop::sendThroughSystem(const QString& subject, const QStrin
     message.fileCount = 1;
     message.files = &file;
     const ULONG answer = send(0, 0, &message, kMessageWindow | kLogonWindow, 0);
-    return answer == kSuccess || answer == kUserGaveUp ? Outcome::Done : Outcome::Failed;
+    return answer == kSuccess || answer == kUserCancelled ? Outcome::Done : Outcome::Failed;
 }
 
 }  // namespace framework

@@ -21,7 +21,7 @@ constexpr int kResolution = 300;  // dots per inch
 constexpr qreal kHead = kResolution * 0.32;
 constexpr qreal kFoot = kResolution * 0.32;
 constexpr qreal kSmallPoints = 8;
-const QColor kQuiet(0x55, 0x55, 0x55);
+const QColor kGrey(0x55, 0x55, 0x55);
 
 const QString kStyle = QStringLiteral(
     "h1 { font-size: 17pt; margin-top: 0; margin-bottom: 4px; }"
@@ -65,13 +65,13 @@ void paintMargins(QPainter& painter, const QRectF& page, const Report& report, i
     QFont small = painter.font();
     small.setPointSizeF(kSmallPoints);
     painter.setFont(small);
-    painter.setPen(kQuiet);
+    painter.setPen(kGrey);
     painter.drawText(page, Qt::AlignLeft | Qt::AlignTop, report.headLeft);
     painter.drawText(page, Qt::AlignRight | Qt::AlignTop, report.headRight);
     painter.drawText(page, Qt::AlignLeft | Qt::AlignBottom, report.footLeft);
     painter.drawText(page, Qt::AlignRight | Qt::AlignBottom,
                      QStringLiteral("Sivu %1/%2").arg(number).arg(pages));
-    painter.setPen(QPen(kQuiet, kResolution / 200.0));
+    painter.setPen(QPen(kGrey, kResolution / 200.0));
     const qreal headLine = page.top() + kHead * 0.6;
     const qreal footLine = page.bottom() - kFoot * 0.6;
     painter.drawLine(QPointF(page.left(), headLine), QPointF(page.right(), headLine));

@@ -15,7 +15,7 @@ constexpr int kTitleTop = 7;
 constexpr int kTitleGap = 2;  // between the title and the contents
 constexpr double kCorner = 4.0;
 constexpr int kDarkGround = 100;  // lightness, of 255
-constexpr int kItemAir = 4;       // of a row in a list, above and below together
+constexpr int kItemPadding = 4;   // of a row in a list, above and below together
 
 QColor between(const QColor& from, const QColor& to, double share) {
     const auto mix = [share](int a, int b) { return static_cast<int>(a + (b - a) * share); };
@@ -135,7 +135,7 @@ QSize ProgramStyle::sizeFromContents(ContentsType type, const QStyleOption* opti
                      metrics.size(Qt::TextShowMnemonic, box->text).width() + 2 * kTitleLeft));
         }
     } else if (type == CT_ItemViewItem) {
-        wanted.rheight() += kItemAir;
+        wanted.rheight() += kItemPadding;
     }
     return wanted;
 }

@@ -20,7 +20,7 @@
 namespace framework {
 
 namespace {
-constexpr int kMostDecimals = 14;
+constexpr int kMaxDecimals = 14;
 }  // namespace
 
 void ExitEdit::focusOutEvent(QFocusEvent* event) {
@@ -86,7 +86,7 @@ void DecimalEdit::showValue(double value) {
     QLocale locale;
     locale.setNumberOptions(QLocale::OmitGroupSeparator);
     const bool fits = QString::number(value, 'f', m_decimals).toDouble() == value;
-    const int decimals = fits ? m_decimals : kMostDecimals;
+    const int decimals = fits ? m_decimals : kMaxDecimals;
     QString text = locale.toString(value, 'f', decimals);
     const QString point = locale.decimalPoint();
     if (text.contains(point)) {

@@ -51,7 +51,7 @@ TEST(Company, OnlyTheCaseOfAToZIsIgnored) {
 
 TEST(Company, NamesAreSortedInFinnishOrder) {
     QStringList names = str("Öljy äiti Zeta Åbo alfa Beta").split(u' ');
-    sortForFinnishEyes(names);
+    sortInFinnishOrder(names);
     EXPECT_EQ(names.join(u' '), str("alfa Beta Zeta Åbo äiti Öljy"));
 }
 

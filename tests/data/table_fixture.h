@@ -70,9 +70,9 @@ class EmbeddedTestEngine : public Engine {
 /// The same store behind the shops' engine's call interface; each program is a session of its own.
 class ShopsTestEngine : public Engine {
   public:
-    /// `peculiarities`: columns of the fake client's list of databases.
-    explicit ShopsTestEngine(const QString& peculiarities = {}) {
-        m_databases.add(QStringLiteral("koe"), m_store.folder(), peculiarities);
+    /// `quirks`: columns of the fake client's list of databases.
+    explicit ShopsTestEngine(const QString& quirks = {}) {
+        m_databases.add(QStringLiteral("koe"), m_store.folder(), quirks);
         m_first = open();
     }
     data::Database& database() override { return *m_first; }

@@ -102,7 +102,7 @@ TEST(DefinitionCodec, EveryFieldAloneIsReadBack) {
         EXPECT_TRUE(decoded.unreadable.empty());
         EXPECT_NE(decoded.definition, ChangeDefinition());
         EXPECT_EQ(vatchange::encodeDefinition(decoded.definition), texts);
-        EXPECT_FALSE(field.spoken.isEmpty());
+        EXPECT_FALSE(field.accessibleName.isEmpty());
     }
     std::mt19937 random(7);
     const ChangeField& coefficient = vatchange::changeField(str("OtKerroinEdit"));
@@ -225,9 +225,9 @@ TEST(DefinitionNotes, NameIgnoredValues) {
 
 TEST(LoadFindings, HoldUntilTheirValueIsEdited) {
     LoadedDefinition loaded = loadedWith("OstohintaEdit=x;KohdeAlvLuokkaEdit");
-    EXPECT_EQ(vatchange::stillHolding(loaded.findings, loaded.definition), loaded.findings);
+    EXPECT_EQ(vatchange::remainingFindings(loaded.findings, loaded.definition), loaded.findings);
     loaded.definition.targetClass = 6;
-    const auto holding = vatchange::stillHolding(loaded.findings, loaded.definition);
+    const auto holding = vatchange::remainingFindings(loaded.findings, loaded.definition);
     ASSERT_EQ(holding.size(), 1U);
     EXPECT_EQ(holding[0].control, str("OstohintaEdit"));
 }

@@ -19,7 +19,7 @@ class RealBoxes : public framework::ProgramDialogs {
     ~RealBoxes() override { framework::Dialogs::setHandler(m_previous); }
     RealBoxes(const RealBoxes&) = delete;
     RealBoxes& operator=(const RealBoxes&) = delete;
-    bool someoneThere() const override { return true; }
+    bool isInteractive() const override { return true; }
 
   private:
     framework::DialogHandler* m_previous;
@@ -94,7 +94,7 @@ TEST_F(FormExits, EveryEditIsCheckedHoweverFastItIsLeft) {
                 click(control(next));
             QCoreApplication::processEvents();
             EXPECT_TRUE(edit->hasFocus());
-            EXPECT_TRUE(m_dialogs.allCame());
+            EXPECT_TRUE(m_dialogs.allShown());
         }
         type(edit, edit == c().deliveryLimit ? "" : "1");
     }

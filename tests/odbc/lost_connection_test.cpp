@@ -50,7 +50,7 @@ class Relay {
     ~Relay() {
         m_ends = true;
         m_thread.join();
-        hangUp();
+        closeConnections();
         ::close(m_listener);
     }
     Relay(const Relay&) = delete;
@@ -61,7 +61,7 @@ class Relay {
     std::atomic<bool> drops{false};     ///< hangs up once
 
   private:
-    void hangUp() {
+    void closeConnections() {
         for (const auto& [client, server] : m_pairs) {
             ::close(client);
             ::close(server);
@@ -71,7 +71,7 @@ class Relay {
     void work() {
         while (!m_ends) {
             if (drops.exchange(false))
-                hangUp();
+                closeConnections();
             std::vector<pollfd> watched{{m_listener, POLLIN, 0}};
             for (const auto& [client, server] : m_pairs) {
                 watched.push_back({client, POLLIN, 0});

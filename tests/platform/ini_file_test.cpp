@@ -79,9 +79,9 @@ TEST(IniFile, EverythingElseSurvivesAChange) {
         "\r\n[Two]\r\nx=\" q \"\r\n; tail";
     IniFile ini = IniFile::parse(before, {});
     EXPECT_EQ(ini.toBytes(), before + "\r\n");
-    EXPECT_EQ(ini.strayLine(), 6);
-    EXPECT_EQ(ini.strayLine(str("ONE")), 6);
-    EXPECT_EQ(ini.strayLine(str("Two")), 0);
+    EXPECT_EQ(ini.malformedLine(), 6);
+    EXPECT_EQ(ini.malformedLine(str("ONE")), 6);
+    EXPECT_EQ(ini.malformedLine(str("Two")), 0);
     ini.setValue(str("one"), str("b"), str("3"));
     ini.setValue(str("ONE"), str("c"), str("4"));
     ini.setValue(str("Two"), str("X"), str(" q "));  // as it was: the line stays

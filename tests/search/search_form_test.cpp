@@ -272,7 +272,7 @@ TEST_F(SearchFormTest, ChoosesNothingInsteadOfARowThatIsGone) {
             str("Riviä ei voi valita: se on poistettu tai sitä on muutettu muualla. "
                 "Rivit luettiin uudelleen."));
         QTest::keyClick(m_form->DBGrid1, Qt::Key_Return);
-        EXPECT_TRUE(dialogs.allCame() && m_form->isVisible()) << c.sql;
+        EXPECT_TRUE(dialogs.allShown() && m_form->isVisible()) << c.sql;
         EXPECT_EQ(numbers(), c.left) << c.sql;
     }
     EXPECT_EQ(m_chosen, QStringList());

@@ -85,7 +85,7 @@ TEST_F(MainForm, BatchListComesFromItsFileAndIsSavedThere) {
     EXPECT_EQ(list(2)->currentText(), str("Jokin"));  // need not be a saved name
     m_form.show();
     test::expectNoMnemonicClash(m_form);
-    test::expectEveryControlSpeaks(m_form);
+    test::expectAccessibleNames(m_form);
     test::turnWheel(*list(4));
     EXPECT_EQ(list(4)->currentText(), str("Alv255"));
 
@@ -105,7 +105,7 @@ TEST_F(MainForm, BatchListComesFromItsFileAndIsSavedThere) {
         QWidget* window = QApplication::activeModalWidget();
         ASSERT_NE(window, nullptr);
         test::expectNoMnemonicClash(*window);
-        test::expectEveryControlSpeaks(*window);
+        test::expectAccessibleNames(*window);
         window->close();
     });
     QTest::mouseClick(form->Talletus, Qt::LeftButton);

@@ -50,7 +50,7 @@ class Program : public ::testing::Test {
     int runBatch(const char* switches = "/E /EP") {
         return run(QStringList(m_company) + str(switches).split(u' '));
     }
-    bool generalLogSaysAlreadyRun() {
+    bool isAlreadyRunLogged() {
         return test::fileBytes(m_shop.file(str("loki.dat")))
             .contains("Taksavaihe on kertaalleen ajettu");
     }
@@ -99,7 +99,7 @@ TEST_F(Program, ABatchChangesTheCompanyOnceAndMarksIt) {
 
     EXPECT_EQ(runBatch(), 3);
     EXPECT_EQ(m_shop.logMessages(), log);
-    EXPECT_TRUE(generalLogSaysAlreadyRun());
+    EXPECT_TRUE(isAlreadyRunLogged());
     EXPECT_EQ(runBatch("/E /EP /U"), 0);
     EXPECT_EQ(prices(), str("20.24"));  // no product has the source class any more
 }
@@ -145,7 +145,7 @@ TEST_F(Program, OnlyDamagedDefinitionsAreNotRun) {
     EXPECT_EQ(runBatch("/E /EP /U"), 0);
     test::writeFile(file, sound + "[rikki\n");
     EXPECT_EQ(runBatch(), 3);  // the mark is checked before the file is read
-    EXPECT_TRUE(generalLogSaysAlreadyRun());
+    EXPECT_TRUE(isAlreadyRunLogged());
     EXPECT_EQ(runBatch("/E /U"), 1);
     EXPECT_TRUE(m_errors.contains(file)) << m_errors.toStdString();
 }

@@ -44,7 +44,7 @@ inline void expectNoMnemonicClash(const QWidget& window) {
 }
 
 /// Every control in the tab order has an accessible name.
-inline void expectEveryControlSpeaks(const QWidget& window) {
+inline void expectAccessibleNames(const QWidget& window) {
     for (QWidget* widget : window.findChildren<QWidget*>()) {
         if ((widget->focusPolicy() & Qt::TabFocus) == 0 || !widget->isVisibleTo(&window) ||
             widget->focusProxy() != nullptr ||
@@ -53,9 +53,10 @@ inline void expectEveryControlSpeaks(const QWidget& window) {
         if (widget->parentWidget()->inherits("QComboBox") ||
             widget->parentWidget()->inherits("QAbstractSpinBox"))
             continue;  // part of another control
-        const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(widget);
-        ASSERT_NE(spoken, nullptr) << described(*widget);
-        EXPECT_FALSE(spoken->text(QAccessible::Name).trimmed().isEmpty()) << described(*widget);
+        const QAccessibleInterface* accessibleName = QAccessible::queryAccessibleInterface(widget);
+        ASSERT_NE(accessibleName, nullptr) << described(*widget);
+        EXPECT_FALSE(accessibleName->text(QAccessible::Name).trimmed().isEmpty())
+            << described(*widget);
     }
 }
 

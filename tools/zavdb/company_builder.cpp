@@ -88,18 +88,18 @@ void buildCompany(const QString& name, const QString& folder,
     requireFreeName(name);
     requireFreeFolder(absolute);
     NewFolder newFolder(absolute);
-    QTemporaryDir workshop(QDir(absolute).filePath(QStringLiteral(".zavdb-XXXXXX")));
-    if (!workshop.isValid())
+    QTemporaryDir workFolder(QDir(absolute).filePath(QStringLiteral(".zavdb-XXXXXX")));
+    if (!workFolder.isValid())
         throw CommandError(QStringLiteral("The folder %1 cannot be written: %2")
-                               .arg(absolute, workshop.errorString()));
-    engines::createEmbedded(workshop.path(), tables);
+                               .arg(absolute, workFolder.errorString()));
+    engines::createEmbedded(workFolder.path(), tables);
     if (fill) {
         const std::unique_ptr<data::Database> database =
-            engines::openEmbedded(name, workshop.path());
+            engines::openEmbedded(name, workFolder.path());
         fill(*database);
     }
     const QString target = QDir(absolute).filePath(engines::kEmbeddedFileName);
-    QFile file(workshop.filePath(engines::kEmbeddedFileName));
+    QFile file(workFolder.filePath(engines::kEmbeddedFileName));
     if (!file.rename(target))  // takes nothing's place
         throw CommandError(QStringLiteral("The database cannot be moved to %1: %2")
                                .arg(target, file.errorString()));

@@ -37,10 +37,10 @@ class CompanyCopier {
 
     CopyResult run(const QString& sourceFolder) {
         requireFreeName(m_targetName);
-        const bool goesOn = QFileInfo::exists(stateFile());
-        if (!goesOn)
+        const bool continues = QFileInfo::exists(stateFile());
+        if (!continues)
             requireFreeFolder(m_folder);
-        beginWork(goesOn);
+        beginWork(continues);
         if (hasCompany(m_work) || !hasCompany(m_folder)) {
             copyTables();
             if (!m_result.differences.isEmpty())
@@ -60,7 +60,7 @@ class CompanyCopier {
 
     static bool hasCompany(const QString& folder) { return engines::hasEmbeddedDatabase(folder); }
 
-    void beginWork(bool goesOn) {
+    void beginWork(bool continues) {
         if (!QDir().mkpath(m_work))
             throw CommandError(QStringLiteral("The folder %1 cannot be made.").arg(m_work));
         if (!m_lock.tryLock(0))
@@ -68,7 +68,7 @@ class CompanyCopier {
                 m_lock.error() == QLockFile::LockFailedError
                     ? QStringLiteral("Another zavdb is copying into %1.").arg(m_folder)
                     : QStringLiteral("The folder %1 cannot be written.").arg(m_work));
-        if (goesOn) {
+        if (continues) {
             const platform::IniFile state = platform::IniFile::read(stateFile());
             const QString source = state.value(kSection, kSourceKey).value_or(QString());
             const QString target = state.value(kSection, kTargetKey).value_or(QString());

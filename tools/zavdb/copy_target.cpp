@@ -98,7 +98,7 @@ bool sameShape(const data::TableFile& a, const data::TableFile& b) {
 }
 
 /// Gives a database the source's catalogue rows. @return whether it has the same tables with them.
-bool takesCatalogue(const OpenTables& source, const QString& folder) {
+bool acceptsCatalogue(const OpenTables& source, const QString& folder) {
     const CopiedTables copied(source);
     try {
         {
@@ -183,7 +183,7 @@ bool makeCopyTarget(const OpenTables& source, const QString& work) {
     if (!QDir().mkpath(trialFolder(work)) ||
         !QFile::copy(databaseIn(buildFolder(work)), databaseIn(trialFolder(work))))
         throw CommandError(QStringLiteral("The folder %1 cannot be written.").arg(work));
-    if (takesCatalogue(source, trialFolder(work)))
+    if (acceptsCatalogue(source, trialFolder(work)))
         return true;
     QDir(trialFolder(work)).removeRecursively();
     return false;

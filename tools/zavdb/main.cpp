@@ -31,7 +31,7 @@ void fillClosedStreams() {
 
 int main(int argc, char** argv) {
     fillClosedStreams();
-    platform::withholdWritingFromOthers();
+    platform::denyWriteToOthers();
     const platform::Console console;
 #ifdef Q_OS_WIN
     // exported files are the same bytes on every platform

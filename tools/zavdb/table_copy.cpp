@@ -9,10 +9,10 @@ namespace tools {
 
 namespace {
 
-constexpr int kMostRecords = 1000;
-constexpr int kMostBytes = 4 * 1024 * 1024;
+constexpr int kMaxRecords = 1000;
+constexpr int kMaxBytes = 4 * 1024 * 1024;
 constexpr int kRemoveBatch = 500;
-constexpr int kMostFindings = 10;
+constexpr int kMaxFindings = 10;
 
 /// Reads a table's records in stored order, some at a time.
 class StoredWalk {
@@ -47,7 +47,7 @@ class StoredWalk {
 };
 
 int batchSize(const data::TableFile& records) {
-    return std::clamp(kMostBytes / std::max(records.layout().recordLength(), 1), 1, kMostRecords);
+    return std::clamp(kMaxBytes / std::max(records.layout().recordLength(), 1), 1, kMaxRecords);
 }
 
 /// How a record is called in a message.
@@ -164,7 +164,7 @@ Comparison compareTables(data::TableFile& source, data::TableFile& target,
                 continue;
             const auto at = std::mismatch(records[i].begin(), records[i].end(), copies[i].begin(),
                                           copies[i].end());
-            if (++differing <= kMostFindings)
+            if (++differing <= kMaxFindings)
                 result.findings.append(
                     QStringLiteral("%1: differs from byte %2 on")
                         .arg(named(source, records[i], result.records + static_cast<qint64>(i) + 1))
@@ -175,9 +175,9 @@ Comparison compareTables(data::TableFile& source, data::TableFile& target,
         progress(result.records);
     }
     const QString& name = source.layout().tableName();
-    if (differing > kMostFindings)
+    if (differing > kMaxFindings)
         result.findings.append(
-            QStringLiteral("%1: %2 more differ").arg(name).arg(differing - kMostFindings));
+            QStringLiteral("%1: %2 more differ").arg(name).arg(differing - kMaxFindings));
     if (result.records != copied)
         result.findings.append(QStringLiteral("%1: %2, but %3 in the copy")
                                    .arg(name, counted(result.records, QStringLiteral("record")))

@@ -78,7 +78,7 @@ void TAlvMuutosOt::MuutaOtTilaus(qint64 number) {
     if (!OtTable.findKey(key))
         return;
     OtRiviTable.setRange(key, key);
-    for (; !OtRiviTable.eof() && !m_walk.stopAsked(); OtRiviTable.next())
+    for (; !OtRiviTable.eof() && !m_walk.stopRequested(); OtRiviTable.next())
         if (isPurchaseRowConverted(readRow(), m_change.sourceClass))
             MuutaOtRivi();
     const bool complete = OtRiviTable.eof();  // false after the user's stop

@@ -107,14 +107,14 @@ class ProductConversion {
     bool completeEarlier() {
         if (!m_run.progress)
             return true;
-        bool goesOn = true;
+        bool continues = true;
         const auto complete = [&](const auto& doRest) {
-            return [this, &goesOn, doRest](data::RecordId id) {
+            return [this, &continues, doRest](data::RecordId id) {
                 LockedProduct product;
                 const QString number = m_records.read(id, product);
-                if (goesOn && !number.isEmpty()) {
+                if (continues && !number.isEmpty()) {
                     m_run.setOrigin(id);
-                    goesOn = doRest(number, product);
+                    continues = doRest(number, product);
                 }
             };
         };
@@ -125,7 +125,7 @@ class ProductConversion {
         m_run.progress->unlabelled.visit(complete([this](const auto& number, const auto& product) {
             return writeLabels(number, product);
         }));
-        return goesOn;
+        return continues;
     }
 
     /// Returns false if the step must end.
@@ -137,7 +137,7 @@ class ProductConversion {
             case Outcome::NothingToDo:
                 return true;
             case Outcome::Held:
-                m_run.passOverProduct(number);
+                m_run.skipProduct(number);
                 m_passedOver += number;
                 return true;
             case Outcome::Converted:
@@ -273,15 +273,15 @@ void convertProducts(RunContext& run, LabelTable labels) {
         run.setOrigin(0);
         conversion.finish();
     });
-    bool goesOn = conversion.completeEarlier();
+    bool continues = conversion.completeEarlier();
     const qint64 total = rows.recordCount();
     qint64 visited = 0;
-    for (; goesOn && !rows.eof() && !run.stopRequested(); rows.next()) {
-        goesOn = conversion.convert(number.asString());
-        if (goesOn)
+    for (; continues && !rows.eof() && !run.stopRequested(); rows.next()) {
+        continues = conversion.convert(number.asString());
+        if (continues)
             run.ports.progress(++visited, total);
     }
-    if (goesOn && !run.result.cancelled)
+    if (continues && !run.result.cancelled)
         conversion.convertPassedOver();
     run.mark(kProductsEnd);
     if (!run.result.cancelled) {

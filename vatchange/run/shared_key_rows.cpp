@@ -22,7 +22,7 @@ QString keyText(const data::KeyValues& key) {
 
 /// Case-folded, because engines may compare keys without case. A false match is harmless: the row
 /// is then changed through its record.
-QString looseKeyText(const data::KeyValues& key) {
+QString foldedKeyText(const data::KeyValues& key) {
     return keyText(key).toCaseFolded();
 }
 
@@ -51,12 +51,12 @@ SharedKeyRows::SharedKeyRows(data::Database& database, const PriceTable& table,
         data::KeyValues key;
         for (const data::TQueryField* column : columns)
             key.push_back(column->value());
-        m_keys += looseKeyText(key);
+        m_keys += foldedKeyText(key);
     }
 }
 
 bool SharedKeyRows::holds(const data::KeyValues& key) const {
-    return !m_keys.isEmpty() && m_keys.contains(looseKeyText(key));
+    return !m_keys.isEmpty() && m_keys.contains(foldedKeyText(key));
 }
 
 bool SharedKeyRows::update(const data::KeyValues& key, const std::vector<AmountChange>& changes) {

@@ -43,8 +43,8 @@ class ShopsTablesTest : public ::testing::Test {
         engines::openEmbedded(str("varasto"), store())->prepare(str(sql))->execute();
     }
     /// Registers a database with the fake client.
-    ShopsDatabaseSettings database(const QString& name, const QString& peculiarities = {}) {
-        m_databases.add(name, store(), peculiarities);
+    ShopsDatabaseSettings database(const QString& name, const QString& quirks = {}) {
+        m_databases.add(name, store(), quirks);
         return settings(name);
     }
     ShopsDatabaseSettings settings(const QString& name) const {

@@ -9,8 +9,8 @@
 /// database with. Everything follows from the options alone; no clock, locale or platform is asked.
 namespace tools::demo {
 
-inline constexpr int kFewestProducts = 10;
-inline constexpr int kMostProducts = 5'000'000;
+inline constexpr int kMinProducts = 10;
+inline constexpr int kMaxProducts = 5'000'000;
 
 struct Options {
     int products = 2000;
