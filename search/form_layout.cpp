@@ -9,7 +9,7 @@ namespace search {
 namespace {
 
 constexpr int kSmallestWindow = 120;  // pixels
-constexpr int kMaxColumns = 10000;    // bounds the loop over a damaged number
+constexpr int kMaxColumns = 10000;    // limit for damaged files
 
 const QString kColumnCount = QStringLiteral("Sarakkeita");
 const QString kWidth = QStringLiteral("Lomakeleveys");

@@ -68,7 +68,7 @@ int TableModel::columnOf(const QString& field) const {
     return found == m_columns.end() ? -1 : static_cast<int>(found - m_columns.begin());
 }
 
-// The record of a row, through the page cache; null while it is not known.
+// The record of a row, through the page cache; null if it is not known.
 const StoredRecord* TableModel::find(qint64 row) const {
     const qint64 number = row / kPageRows;
     Page* page = m_pages.object(number);
@@ -106,7 +106,7 @@ const StoredRecord* TableModel::find(qint64 row) const {
     return &(*page)[place];
 }
 
-// Once for all rows: painting must not open a dialog for every cell.
+// Once for all rows: painting must not open a dialog per cell.
 void TableModel::reportFailure(const QString& text) const {
     if (m_failureReported)
         return;
@@ -170,7 +170,7 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
 
 // --- other rows
 
-// One slice; more only while the first screen is not full.
+// One slice; more only until the first screen is full.
 void TableModel::learnFirstRows(ViewRows& rows) {
     const QDeadlineTimer deadline(kFirstRowsMs);
     ViewRows::Change change;
@@ -203,7 +203,7 @@ void TableModel::takeRows(ViewRows&& rows) {
     });
 }
 
-// Replaces all rows in a reset, which ends also when reading fails.
+// Replaces all rows in a reset, which ends even if reading fails.
 void TableModel::replaceRows(const std::function<void()>& work) {
     beginResetModel();
     const auto end = qScopeGuard([this] {
@@ -214,7 +214,7 @@ void TableModel::replaceRows(const std::function<void()>& work) {
     work();
 }
 
-// Walks until a row is known, for a short time.
+// Walks until a row is known or a short time is over.
 ViewRows::Change TableModel::learnUntil(const std::function<qint64()>& row) {
     ViewRows::Change change;
     const QDeadlineTimer deadline(kWantMs);
@@ -273,7 +273,7 @@ bool TableModel::want(int first, int last, bool mayRestart) {
     if (m_rowCount == 0 || (m_rows.isKnown(first) && m_rows.isKnown(last)))
         return false;
     if (!mayRestart || m_rows.isKnown(first) || m_rows.isKnown(last)) {
-        // Next to the known rows: walking on for a moment usually reaches them.
+        // Near the known rows: a short walk usually reaches them.
         ViewRows::Change change;
         m_rows.learn(QDeadlineTimer(kWantMs), change);
         apply(change);

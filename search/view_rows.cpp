@@ -14,7 +14,7 @@ using data::StoredRecord;
 
 namespace {
 
-// Records between two looks at the clock.
+// Records between two checks of the clock.
 constexpr int kSlice = 256;
 constexpr int kBatch = 16384;
 constexpr int kIdBatch = 65536;
@@ -40,7 +40,7 @@ void ViewRows::show(int key, std::optional<KeyRange> range, RowTest test) {
     beginFromStart();
 }
 
-// The places of the range's two ends.
+// Computes the positions of the range's ends.
 void ViewRows::limits() {
     m_low = 0;
     m_high = m_places.count();
@@ -214,7 +214,7 @@ bool ViewRows::learn(const QDeadlineTimer& deadline, Change& change) {
 }
 
 bool ViewRows::learnAll(const std::function<bool(double)>& onProgress) {
-    // First all records in the fastest order of reading; then the accepted ones in key order.
+    // First visits all records in the fastest order, then collects the accepted ones in key order.
     std::unordered_set<RecordId> accepted;
     std::vector<bool> hints(kHints);  // avoids most lookups in the set
     std::optional<RecordId> at;
@@ -319,7 +319,7 @@ void ViewRows::startAtEnd() {
         begin(*record, m_high - 1);
 }
 
-// A record for the binary search among the known rows; null when it is gone.
+// A record for the binary search among the known rows; null if it is gone.
 const StoredRecord* ViewRows::probe(size_t row) {
     const RecordId id = m_ids[row];
     auto found = m_probes.find(id);

@@ -13,7 +13,7 @@ class WaitWindow : public QWidget {
     Q_OBJECT
   public:
     explicit WaitWindow(QWidget* owner);
-    /// Shows the share done (0 to 1) and processes events. @return false when cancelled.
+    /// Shows the share done (0 to 1) and processes events. @return false if cancelled.
     bool onProgress(double share);
 
   protected:

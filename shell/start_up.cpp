@@ -59,8 +59,7 @@ int fail(ExitStatus status, const QString& text) {
     return static_cast<int>(status);
 }
 
-// Unknown switches, as typed. A batch must not run with one: it would not do what was asked for
-// ("rehearse only").
+// Unknown switches, as typed. A batch must not run with one: it would ignore what was requested.
 QStringList unknownSwitches() {
     static constexpr std::array kKnown = {
         "/E", "/U", "/EP", "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
@@ -98,7 +97,7 @@ int refuse(ExitStatus status, const QString& text) {
     return static_cast<int>(status);
 }
 
-// Filters the offscreen platform's complaints: an unattended run's standard error is for errors.
+// Filters warnings of the offscreen platform: an unattended run's standard error is for errors.
 QtMessageHandler otherMessages = nullptr;
 void filterPlatformWarnings(QtMsgType type, const QMessageLogContext& context,
                             const QString& text) {
@@ -136,7 +135,7 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
     const bool x11 = !qEnvironmentVariableIsEmpty("DISPLAY");
     const bool wayland = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     if (unattended) {
-        // Tried in turn: the display may be gone.
+        // Tried in this order: the display may be gone.
         QByteArrayList platforms;
         if (!chosen.isEmpty()) {
             platforms.append(chosen);

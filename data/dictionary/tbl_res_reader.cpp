@@ -18,7 +18,7 @@ namespace {
 const QString kProgramFolder = QStringLiteral(":/program/dictionary");
 const QString kDataFolder = QStringLiteral(":/data/dictionary");
 
-// Walks the bytes of a block; every read beyond its end is an error that names the table.
+// Reads a block; reading past its end throws an error that names the table.
 class BlockCursor {
   public:
     BlockCursor(const QByteArray& block, QString tableName, qsizetype at = 0)
@@ -38,7 +38,7 @@ class BlockCursor {
 
     void skipName() { take(number<quint8>()); }
 
-    // The version as a number; -1 when the text is none.
+    // The version number; -1 if the text is not a number.
     int version() {
         const QByteArray text =
             QByteArray(take(kVersionSignature.size()), kVersionSignature.size());
@@ -100,8 +100,8 @@ Module& module() {
     return blocks;
 }
 
-// Cuts a file of blocks that follow one another. A block of another version is kept up to its end
-// signature, so that reading its table says what is wrong with it.
+// Splits a file of consecutive blocks. A block of an unknown version is kept up to its end
+// signature, so that reading its table reports the version.
 Module splitModule(const QByteArray& bytes, const QString& fileName) {
     Module blocks;
     qsizetype start = 0;

@@ -55,7 +55,7 @@ QStringList parameterNames(const QString& sql) {
 
 QStringList scriptStatements(const QString& script) {
     QStringList statements;
-    QString words;  // the statement without comments: one of comments alone is none
+    QString words;  // the statement without comments; empty if it has nothing else
     qsizetype start = 0;
     for (qsizetype at = 0; at <= script.size();) {
         if (at == script.size() || script.at(at) == QLatin1Char(';')) {

@@ -25,7 +25,7 @@ class Checker {
     QStringList run() {
         try {
             checkPages();
-        } catch (const DataError& error) {  // too damaged for the engine to say how; go on
+        } catch (const DataError& error) {  // too damaged to list the tables; continue
             m_lines.append(QStringLiteral("database file: %1").arg(error.english()));
         }
         const QStringList listed = m_connection.catalogue().tableNames();
@@ -82,7 +82,7 @@ class Checker {
         if (!TTblResReader::ReadResource(table.name(), compiled))
             return;
         const RecordLayout expected(table.name(), compiled.FFields);
-        // A shop's data files may have bytes behind the last field; a copy of theirs keeps them.
+        // The shops' engine's data files may have bytes after the last field; copies keep them.
         if (expected.recordLength() > table.layout().recordLength())
             m_lines.append(QStringLiteral("%1: records of %2 bytes, %3 in the program's dictionary")
                                .arg(table.name())

@@ -10,7 +10,7 @@ namespace engines::embedded {
 
 namespace {
 
-// Shapes of pooled statements: the kind in the low byte, what makes it differ above.
+// Pool codes of statements: the kind in the low byte, its parameters above.
 enum ShapeKind : quint64 {
     kScan = 1,
     kRead,
@@ -86,7 +86,7 @@ void StoredTable::checkStored() const {
     } catch (const DataError& error) {
         if (error.kind() != ErrorKind::NoSuchTable)
             throw;
-        if (number() == 0)  // not listed either
+        if (number() == 0)  // nor in the catalogue
             throw DataError(ErrorKind::NoSuchTable, name(),
                             QStringLiteral("the company has no such table"));
         throw DataError(ErrorKind::Damaged, name(),

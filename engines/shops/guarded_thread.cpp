@@ -71,7 +71,7 @@ void GuardedThread::work(const std::shared_ptr<Shared>& shared) {
         } catch (...) {
             failure = std::current_exception();
         }
-        job = nullptr;  // what it holds may call the driver when it goes
+        job = nullptr;  // destroying what it owns may call the driver
         lock.lock();
         shared->failure = std::exchange(failure, nullptr);
         shared->isGiven = shared->isAbandoned;

@@ -12,7 +12,7 @@ namespace engines::shops {
 
 namespace {
 
-// Text parameters up to this size are bound once; longer ones each time, as long texts.
+// Text parameters up to this size are bound once; longer ones are rebound each time, as long texts.
 constexpr qsizetype kDefaultTextSize = 255;
 constexpr qsizetype kLongText = 4000;
 // The shops' engine's type code of 16-bit integers.
@@ -71,7 +71,7 @@ PreparedOdbc::PreparedOdbc(std::shared_ptr<OdbcHandles> handles, QString sql,
       m_parameters(static_cast<size_t>(m_rewritten.parameters.size())) {}
 
 PreparedOdbc::~PreparedOdbc() {
-    // the statements of a lost connection are gone too
+    // a lost connection has freed its statements
     if (m_statement != SQL_NULL_HSTMT && !m_handles->isAbandoned && !m_handles->isLost)
         odbcCall("SQLFreeHandle", SQLFreeHandle, SQLSMALLINT(SQL_HANDLE_STMT),
                  SQLHANDLE(m_statement));
@@ -283,7 +283,7 @@ qint64 PreparedOdbc::execute(const std::vector<Value>& values) {
     for (size_t i = 0; i < m_parameters.size(); ++i)
         bind(i, values[i]);
     const SQLRETURN code = odbcCall("SQLExecute", SQLExecute, m_statement);
-    if (code != SQL_NO_DATA)  // what an UPDATE without rows says
+    if (code != SQL_NO_DATA)  // returned by an UPDATE that matches no rows
         check(code);
     if (!m_columns.empty()) {
         m_isResultOpen = true;

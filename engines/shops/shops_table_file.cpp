@@ -93,7 +93,7 @@ std::optional<StoredRecord> ShopsTableFile::get(RecordId id) {
     return StoredRecord{id, whole(std::move(record))};
 }
 
-// Repeats `attempt` until it meets no lock of another session or the time is up.
+// Repeats `attempt` until it is not refused by another session's lock or the time is over.
 template <typename Attempt>
 int ShopsTableFile::whenUnlocked(std::chrono::milliseconds wait, Attempt attempt) {
     const auto end = std::chrono::steady_clock::now() + wait;
@@ -137,7 +137,7 @@ void ShopsTableFile::unlock(RecordId id) {
 }
 
 void ShopsTableFile::release(RecordId id) {
-    constexpr int kNotLocked = 81;  // a removed record's lock went with it
+    constexpr int kNotLocked = 81;  // deleting a record releases its lock
     const int status = m_cursor->unlock(id);
     if (status != kOk && status != kNotLocked && !isGone(status))
         fail(status);

@@ -14,11 +14,9 @@
 namespace engines::shops {
 
 /// The records of one table of the shops' engine. A record's id is its physical address. Every call
-/// positions the cursor anew and relies on no engine state between calls.
-///
-/// Duplicates of a key come in the file's order: by insertion into the key, or by address. The
-/// position of a record among its duplicates is known while it is there, afterwards only from the
-/// records read last.
+/// repositions the cursor and relies on no engine state between calls.
+/// Duplicates of a key are in the file's order: by insertion into the key, or by address. The
+/// position of a deleted record among its duplicates is known only from the records read last.
 class ShopsTableFile : public TableFile {
   public:
     /// Opens a second cursor on the same file, for reads in storage order.
@@ -57,7 +55,7 @@ class ShopsTableFile : public TableFile {
     QByteArray whole(QByteArray bytes) const;
     QByteArray shortened(const QByteArray& bytes) const;
 
-    // Reading along a key: position the cursor on a record, then read on.
+    // Reading along a key: position the cursor on a record, then continue from there.
     int move(int operation, int key, const QByteArray& keyBytes = {});
     bool found(int status) const;
     bool positionOn(int key, const StoredRecord& record);
@@ -65,7 +63,7 @@ class ShopsTableFile : public TableFile {
         On,
         Before,
         Nowhere
-    };  ///< Before: the cursor's record is part of the result
+    };  ///< Before: the cursor's record belongs to the result; Nowhere: the result is empty
     Position positionBeside(int key, const StoredRecord& from, Direction direction);
     std::optional<Position> positionByNeighbours(int key, const StoredRecord& from,
                                                  Direction direction);
@@ -93,7 +91,7 @@ class ShopsTableFile : public TableFile {
 
     QByteArray m_current;  // the record of the last move
 
-    // The records read last along a key, in its order.
+    // Addresses of the records read last along a key, in key order.
     int m_lastReadKey = -1;
     std::deque<RecordId> m_lastRead;
 

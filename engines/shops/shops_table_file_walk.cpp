@@ -66,8 +66,8 @@ std::vector<StoredRecord> ShopsTableFile::fromEnd(int key, Direction direction, 
     return readOn(key, direction, max, Position::Before, std::nullopt);
 }
 
-// Among records of one value the engine finds the first by "greater", the last by "less". In a
-// descending key both follow the key, not the values.
+// Among records of equal value, "greater" finds the first and "less" the last. In a descending key
+// both follow the key's order, not the values'.
 std::vector<StoredRecord> ShopsTableFile::seek(int key, SeekOp op, const KeyValues& values,
                                                int max) {
     checkKey(key);
@@ -115,7 +115,7 @@ std::vector<StoredRecord> ShopsTableFile::next(int key, const StoredRecord& from
     return readOn(key, direction, max, position, from);
 }
 
-// Positions the cursor on a record if it is still at that place of the key.
+// Positions the cursor on a record if it is still at that position of the key.
 bool ShopsTableFile::positionOn(int key, const StoredRecord& record) {
     QByteArray stored;
     const int status = m_cursor->direct(record.id, key, stored);
@@ -126,7 +126,7 @@ bool ShopsTableFile::positionOn(int key, const StoredRecord& record) {
     return order.compare(m_current, record.bytes, order.segmentCount()) == 0;
 }
 
-// Positions the cursor to continue from a record that is no longer in its place.
+// Positions the cursor to continue from a record that is no longer there.
 ShopsTableFile::Position ShopsTableFile::positionBeside(int key, const StoredRecord& from,
                                                         Direction direction) {
     const KeyOrder& order = orderOf(key);
@@ -149,8 +149,8 @@ ShopsTableFile::Position ShopsTableFile::positionBeside(int key, const StoredRec
     return Position::Nowhere;
 }
 
-// The same among duplicates in insertion order: by the neighbours read last that are still in
-// place. nullopt without any.
+// The same for duplicates in insertion order: uses those read last that are still there. nullopt if
+// there are none.
 std::optional<ShopsTableFile::Position> ShopsTableFile::positionByNeighbours(
     int key, const StoredRecord& from, Direction direction) {
     if (m_lastReadKey != key)
@@ -158,15 +158,16 @@ std::optional<ShopsTableFile::Position> ShopsTableFile::positionByNeighbours(
     const auto place = std::find(m_lastRead.begin(), m_lastRead.end(), from.id);
     if (place == m_lastRead.end())
         return std::nullopt;
-    const auto stands = [&](RecordId id) { return positionOn(key, {id, from.bytes}); };
-    const auto later = std::find_if(place + 1, m_lastRead.end(), stands);
+    const auto isInPlace = [&](RecordId id) { return positionOn(key, {id, from.bytes}); };
+    const auto later = std::find_if(place + 1, m_lastRead.end(), isInPlace);
     const bool forward = direction == Direction::Forward;
     if (forward && later != m_lastRead.end())
         return Position::Before;
-    const auto earlier = std::find_if(std::make_reverse_iterator(place), m_lastRead.rend(), stands);
+    const auto earlier =
+        std::find_if(std::make_reverse_iterator(place), m_lastRead.rend(), isInPlace);
     if (earlier != m_lastRead.rend())
         return forward ? Position::On : Position::Before;
-    if (!forward && later != m_lastRead.end() && stands(*later))
+    if (!forward && later != m_lastRead.end() && isInPlace(*later))
         return Position::On;
     return std::nullopt;
 }
@@ -206,7 +207,7 @@ std::vector<StoredRecord> ShopsTableFile::readOn(int key, Direction direction, i
     return records;
 }
 
-// Reads several records in one call, or one by single operations.
+// Reads several records in one call, or a single record if the engine does not support that.
 int ShopsTableFile::readSome(int key, Direction direction, bool withCurrent, int wanted,
                              Records& records) {
     const bool forward = direction == Direction::Forward;

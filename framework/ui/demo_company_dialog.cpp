@@ -181,7 +181,7 @@ void DemoCompanyDialog::reject() {
     m_tool.kill();
 }
 
-// Cleans up after a killed tool. A folder that existed before is kept.
+// Cleans up after a killed zavdb. Keeps a folder that existed before.
 void DemoCompanyDialog::removeRemains() {
     if (m_folderIsOurs)
         QDir(QDir::fromNativeSeparators(m_folder->text().trimmed())).removeRecursively();

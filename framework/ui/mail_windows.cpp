@@ -13,8 +13,8 @@ namespace framework {
 
 namespace {
 
-// The wide form of the system's simple mail interface, as published; the compilers' headers have
-// only the narrow one.
+// Wide structures of the system's simple mail interface, as published; compilers' headers have only
+// the narrow ones.
 struct WideFile {
     ULONG reserved = 0;
     ULONG flags = 0;
@@ -50,7 +50,7 @@ constexpr ULONG kNotWithinText = 0xFFFFFFFF;
 
 }  // namespace
 
-// Found at run time: not every machine has a mail program behind the interface. Its wide form
+// Resolved at run time: not every machine has a mail program behind the interface. The wide form
 // exists since Windows 8.
 Desktop::Outcome Desktop::sendThroughSystem(const QString& subject, const QString& text,
                                             const QString& attachment) {

@@ -14,8 +14,8 @@ namespace framework {
 
 namespace {
 
-// Windows also open where no screen shows them: services, and tasks without a logged-on user, have
-// a window station of their own.
+// Windows can also be created where no screen shows them: services, and tasks without a logged-on
+// user, have their own window station.
 bool stationIsVisible() {
 #ifdef Q_OS_WIN
     USEROBJECTFLAGS flags{};

@@ -21,7 +21,7 @@ class PlaceKeeper : public QObject {
         : QObject(&window), m_window(window), m_key(std::move(key)) {}
 
     bool eventFilter(QObject*, QEvent* event) override {
-        // Minimising hides too, but then the system says so (spontaneous).
+        // Minimising also hides the window, but spontaneously.
         if (event->type() == QEvent::Hide && !event->spontaneous() && remembersPlaces())
             platform::userSettings()->setValue(m_key, m_window.saveGeometry());
         return false;

@@ -223,13 +223,13 @@ TEST(DefinitionNotes, NameIgnoredValues) {
     EXPECT_TRUE(vatchange::definitionNotes(loaded, kFacts).isEmpty());
 }
 
-TEST(LoadFindings, HoldUntilTheirValueIsEdited) {
+TEST(LoadFindings, ApplyUntilTheirValueIsEdited) {
     LoadedDefinition loaded = loadedWith("OstohintaEdit=x;KohdeAlvLuokkaEdit");
     EXPECT_EQ(vatchange::remainingFindings(loaded.findings, loaded.definition), loaded.findings);
     loaded.definition.targetClass = 6;
-    const auto holding = vatchange::remainingFindings(loaded.findings, loaded.definition);
-    ASSERT_EQ(holding.size(), 1U);
-    EXPECT_EQ(holding[0].control, str("OstohintaEdit"));
+    const auto remaining = vatchange::remainingFindings(loaded.findings, loaded.definition);
+    ASSERT_EQ(remaining.size(), 1U);
+    EXPECT_EQ(remaining[0].control, str("OstohintaEdit"));
 }
 
 TEST(IgnoreList, KeepsNumbersAndReportsTheRest) {

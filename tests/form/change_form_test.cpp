@@ -299,7 +299,7 @@ TEST_F(ChangeForm, KeepingTheVatFreePriceSetsCoefficientAndSource) {
     EXPECT_EQ(c().coefficient(1)->value(), 1.0);
 }
 
-TEST_F(ChangeForm, TheWheelChoosesNothing) {
+TEST_F(ChangeForm, TheWheelDoesNotChangeChoices) {
     saveDefinition("A", {});
     saveDefinition("B", {});
     openForm();

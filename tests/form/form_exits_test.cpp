@@ -76,7 +76,7 @@ TEST_F(FormExits, EscapeAsksOnlyWhenUnsavedChangesWouldBeLost) {
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_form == nullptr; }));
 }
 
-TEST_F(FormExits, EveryEditIsCheckedHoweverFastItIsLeft) {
+TEST_F(FormExits, EveryEditIsCheckedOnFastFocusChanges) {
     m_shop.addProducts(1);
     const std::pair<QWidget*, const char*> wrong[] = {{c().coefficient(1), "2"},
                                                       {c().deliveryLimit, "31.2.2024"}};

@@ -84,7 +84,7 @@ TEST(IniFile, EverythingElseSurvivesAChange) {
     EXPECT_EQ(ini.malformedLine(str("Two")), 0);
     ini.setValue(str("one"), str("b"), str("3"));
     ini.setValue(str("ONE"), str("c"), str("4"));
-    ini.setValue(str("Two"), str("X"), str(" q "));  // as it was: the line stays
+    ini.setValue(str("Two"), str("X"), str(" q "));  // unchanged value: the line stays
     ini.setValue(str("Three"), str("y"), str("5"));
     const QByteArray after =
         "; head\r\nloose=1\r\n\r\n[ One ]\r\n  a = 1 ; kept\r\nno key here\r\n# why b\r\nB=3\r\n"

@@ -15,7 +15,7 @@ using test::str;
 
 namespace {
 
-// The program itself, copied alone into a folder of its own: its batch list stands beside it.
+// The program itself, copied alone into a temporary folder, with its batch list next to it.
 class Program : public ::testing::Test {
   protected:
     Program() {
@@ -34,7 +34,7 @@ class Program : public ::testing::Test {
     }
 
     ~Program() override {
-        // What the log holds beyond the system's own texts begins with one of few words.
+        // Log lines beyond the system's own texts begin with one of these words.
         static const QRegularExpression kBeginnings(
             str("^(Aloitetaan |Rajaus: |Tryhmä |tarkastetaan |update |Tuotetiedot muutettu|Kohteen "
                 "ALV|Huomaa: |Tarkastus: |"

@@ -19,7 +19,7 @@ const QString kSeed = QStringLiteral("seed");
 
 constexpr int kProductsWorthWatching = 20000;
 
-// A company without these is none: the catalogue, and what every run reads.
+// Tables without which a company is unusable: the catalogue and those read by every run.
 const QStringList kEssentialTables = {
     QStringLiteral("X$File"), QStringLiteral("X$Field"), QStringLiteral("X$Index"),
     QStringLiteral("TUOTE"),  QStringLiteral("TRYHMA"),  QStringLiteral("ALVKANTA"),

@@ -32,7 +32,7 @@ class CompanyCopier {
           m_folder(absoluteFolder(folder)),
           m_work(QDir(m_folder).filePath(kCopyFolder)),
           m_lock(QDir(m_work).filePath(QStringLiteral("lock"))) {
-        m_lock.setStaleLockTime(0);  // held by a process that lives, however long
+        m_lock.setStaleLockTime(0);  // valid as long as its process lives
     }
 
     CopyResult run(const QString& sourceFolder) {
@@ -86,7 +86,7 @@ class CompanyCopier {
         }
     }
 
-    /// The source's tables; those that the catalogue lists without a data file are left out.
+    /// Opens the source's tables; skips listed tables without a data file.
     void openSourceTables() {
         for (const QString& name : m_source.tableNames()) {
             try {
@@ -151,7 +151,7 @@ class CompanyCopier {
     void moveToPlace() {
         const QString target = QDir(m_folder).filePath(engines::kEmbeddedFileName);
         QFile file(QDir(m_work).filePath(engines::kEmbeddedFileName));
-        if (!file.rename(target))  // takes nothing's place
+        if (!file.rename(target))  // never overwrites
             throw CommandError(QStringLiteral("The database cannot be moved to %1: %2")
                                    .arg(target, file.errorString()));
     }

@@ -93,7 +93,7 @@ void TAlvMuutosOt::MuutaOtRivi() {
     OtRiviTable.edit();
     PurchaseRow row = readRow();
     if (!isPurchaseRowConverted(row, m_change.sourceClass)) {
-        // Somebody else changed the row between reading and locking it.
+        // Another program changed the row between reading and locking.
         OtRiviTable.cancel();
         return;
     }

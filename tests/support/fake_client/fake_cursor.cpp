@@ -192,7 +192,7 @@ int FakeCursor::seek(int operation, CallBuffers& buffers, int key) {
     return give(std::move(found), key, buffers, operation / kLockBiasStep * kLockBiasStep);
 }
 
-// Somebody else removed the current record or moved it in the key.
+// Another session removed the current record or moved it in the key.
 bool FakeCursor::isLost() const {
     const std::optional<StoredRecord> stored = m_file.get(m_current->id);
     return !stored ||
@@ -324,7 +324,7 @@ int FakeCursor::remove() {
     return kOk;
 }
 
-void FakeCursor::returnStatement(RecordId id) {
+void FakeCursor::unlock(RecordId id) {
     m_file.unlock(id);
     if (m_taker)
         m_taker->lock(id, std::chrono::milliseconds(0));
@@ -336,7 +336,7 @@ int FakeCursor::unlock(CallBuffers& buffers, int key) {
     if (key >= 0) {  // the single lock
         if (!m_singleLock)
             return kLockError;
-        returnStatement(*m_singleLock);
+        unlock(*m_singleLock);
         m_singleLock.reset();
         return kOk;
     }
@@ -346,12 +346,12 @@ int FakeCursor::unlock(CallBuffers& buffers, int key) {
         const auto held = m_locks.find(qFromLittleEndian<quint32>(buffers.data));
         if (held == m_locks.end())
             return kLockError;
-        returnStatement(*held);
+        unlock(*held);
         m_locks.erase(held);
         return kOk;
     }
     for (const RecordId id : m_locks)
-        returnStatement(id);
+        unlock(id);
     m_locks.clear();
     return kOk;
 }

@@ -48,7 +48,7 @@ class FakeCursor {
     int update(CallBuffers& buffers);
     int remove();
     int unlock(CallBuffers& buffers, int key);
-    void returnStatement(data::RecordId id);
+    void unlock(data::RecordId id);
     int stat(CallBuffers& buffers);
     int givePosition(CallBuffers& buffers);
 
