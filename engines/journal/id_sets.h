@@ -3,25 +3,22 @@
 #include <vector>
 
 #include "data/journal/id_set.h"
-#include "engines/data_names.h"
 
 namespace engines::journal {
 
 /// Counts records, each once, as sets of ids by table.
 class IdSets {
   public:
-    /// @return false if the id was there already.
-    bool add(int table, qint64 id) {
+    void add(int table, qint64 id) {
         if (static_cast<size_t>(table) >= m_tables.size())
             m_tables.resize(static_cast<size_t>(table) + 1);
-        const bool added = m_tables[static_cast<size_t>(table)].add(id);
-        m_count += added ? 1 : 0;
-        return added;
+        if (m_tables[static_cast<size_t>(table)].add(id))
+            ++m_count;
     }
     qint64 count() const { return m_count; }
 
   private:
-    std::vector<IdSet> m_tables;
+    std::vector<data::IdSet> m_tables;
     qint64 m_count = 0;
 };
 
