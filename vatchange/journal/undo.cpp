@@ -85,6 +85,8 @@ QString ending(qint64 run, const UndoResult& result) {
 }
 
 void endIncomplete(RunJournal& journal, UndoPorts& ports) {
+    if (journal.recording() == 0)
+        return;
     try {
         journal.end(RunState::Incomplete);
     } catch (const std::exception& error) {  // then it counts as interrupted
