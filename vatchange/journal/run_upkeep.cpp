@@ -15,12 +15,12 @@ data::RunJournal& requireJournal(data::Database& database) {
     return *journal;
 }
 
-data::JournalRun requireRun(data::RunJournal& journal, qint64 run) {
+data::JournalRun requireRun(data::RunJournal& journal, qint64 run, EvenRunning evenRunning) {
     std::optional<data::JournalRun> head = journal.run(run);
     if (!head)
         throw RunRefused(QStringLiteral("There is no run %1.").arg(run),
                          QStringLiteral("Ajoa %1 ei ole.").arg(run));
-    if (head->state == data::RunState::Running)
+    if (head->state == data::RunState::Running && evenRunning == EvenRunning::No)
         throw RunRefused(QStringLiteral("Run %1 is going on.").arg(run),
                          QStringLiteral("Ajo %1 on käynnissä.").arg(run));
     return *head;

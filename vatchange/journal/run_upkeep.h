@@ -6,8 +6,10 @@ namespace vatchange {
 
 /// The company's run journal. @throws RunRefused if its engine keeps none.
 data::RunJournal& requireJournal(data::Database& database);
-/// The head of a run. @throws RunRefused if there is no such run or it is going on.
-data::JournalRun requireRun(data::RunJournal& journal, qint64 run);
+enum class EvenRunning { No, Yes };
+/// The head of a run. @throws RunRefused if there is no such run, or it is going on.
+data::JournalRun requireRun(data::RunJournal& journal, qint64 run,
+                            EvenRunning evenRunning = EvenRunning::No);
 
 /// The company's run lock. @throws RunRefused if another program holds it.
 class RunLock {
