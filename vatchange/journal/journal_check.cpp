@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "data/journal/entry_fields.h"
+#include "vatchange/journal/ignored_changes.h"
 #include "vatchange/journal/record_fields.h"
 #include "vatchange/journal/verified_fields.h"
 

@@ -1,16 +1,8 @@
 #include "vatchange/journal/verified_fields.h"
 
-#include <algorithm>
-
 namespace vatchange {
 
 namespace {
-
-bool isAnyOf(const QString& text, std::initializer_list<const char*> texts) {
-    return std::any_of(texts.begin(), texts.end(), [&text](const char* other) {
-        return text.compare(QLatin1String(other), Qt::CaseInsensitive) == 0;
-    });
-}
 
 std::vector<PriceField> allPriceFields() {
     std::vector<PriceField> fields;
@@ -62,24 +54,6 @@ bool computedFromVat0(const PriceField& price, const ChangeDefinition& definitio
         return definition.purchaseOrderFromVat0;
     const int level = price.field.right(1).toInt();  // hinta1..hinta9 of the stores
     return definition.levels[static_cast<size_t>(level - 1)].keepVat0;
-}
-
-bool isChangeDate(const QString& table, const QString& field) {
-    if (isAnyOf(table, {"TUOTE"}))
-        return isAnyOf(field, {"muutettupvm", "muutettutime"});
-    if (isAnyOf(table, {"TRYHMA"}))
-        return isAnyOf(field, {"muutospvm", "muutosklo"});
-    if (isAnyOf(table, {"VAKIOLASKUTUS"}))
-        return isAnyOf(field, {"muutospvm", "muutosaika"});
-    return isAnyOf(table, {"MYYMALAHINNAT"}) && isAnyOf(field, {"muutettu"});
-}
-
-bool isConsumedTable(const QString& table) {
-    return isAnyOf(table, {"HR", "WEBKLIITOS"});
-}
-
-bool isRunMark(const QString& table, const QString& key) {
-    return isAnyOf(table, {"INI"}) && isAnyOf(key, {"ZAV.INI TAKSAVAIHE 20240901"});
 }
 
 }  // namespace vatchange

@@ -21,14 +21,4 @@ const std::vector<PriceField>& priceFields();
 /// Whether the definition computes a price from the one without VAT.
 bool computedFromVat0(const PriceField& price, const ChangeDefinition& definition);
 
-/// Date or time of a record's last change.
-bool isChangeDate(const QString& table, const QString& field);
-
-/// Tables whose records other programs take or rewrite in the ordinary course: shelf labels and
-/// web shop marks.
-bool isConsumedTable(const QString& table);
-
-/// The run mark, by the text of its key.
-bool isRunMark(const QString& table, const QString& key);
-
 }  // namespace vatchange

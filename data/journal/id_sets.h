@@ -4,9 +4,9 @@
 
 #include "data/journal/id_set.h"
 
-namespace engines::journal {
+namespace data {
 
-/// Counts records, each once, as sets of ids by table.
+/// Sets of ids by table.
 class IdSets {
   public:
     void add(int table, qint64 id) {
@@ -15,6 +15,10 @@ class IdSets {
         if (m_tables[static_cast<size_t>(table)].add(id))
             ++m_count;
     }
+    bool contains(int table, qint64 id) const {
+        return static_cast<size_t>(table) < m_tables.size() &&
+               m_tables[static_cast<size_t>(table)].contains(id);
+    }
     qint64 count() const { return m_count; }
 
   private:
@@ -22,4 +26,4 @@ class IdSets {
     qint64 m_count = 0;
 };
 
-}  // namespace engines::journal
+}  // namespace data
