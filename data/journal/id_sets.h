@@ -9,11 +9,13 @@ namespace data {
 /// Sets of ids by table.
 class IdSets {
   public:
-    void add(int table, qint64 id) {
+    /// @return false if the id was there already.
+    bool add(int table, qint64 id) {
         if (static_cast<size_t>(table) >= m_tables.size())
             m_tables.resize(static_cast<size_t>(table) + 1);
-        if (m_tables[static_cast<size_t>(table)].add(id))
-            ++m_count;
+        const bool added = m_tables[static_cast<size_t>(table)].add(id);
+        m_count += added ? 1 : 0;
+        return added;
     }
     bool contains(int table, qint64 id) const {
         return static_cast<size_t>(table) < m_tables.size() &&

@@ -10,10 +10,12 @@ struct DateField {
     const char* table;
     const char* field;
 };
-constexpr std::array<DateField, 5> kDateFields{{{"TUOTE", "MUUTETTUPVM"},
+constexpr std::array<DateField, 7> kDateFields{{{"TUOTE", "MUUTETTUPVM"},
                                                 {"TUOTE", "MUUTETTUTIME"},
                                                 {"TRYHMA", "MUUTOSPVM"},
                                                 {"TRYHMA", "MUUTOSKLO"},
+                                                {"VAKIOLASKUTUS", "MUUTOSPVM"},
+                                                {"VAKIOLASKUTUS", "MUUTOSAIKA"},
                                                 {"MYYMALAHINNAT", "MUUTETTU"}}};
 
 bool same(const QString& name, const QString& other) {

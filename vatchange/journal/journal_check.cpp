@@ -7,6 +7,7 @@
 #include "data/journal/entry_fields.h"
 #include "vatchange/journal/ignored_changes.h"
 #include "vatchange/journal/record_fields.h"
+#include "vatchange/journal/run_chain.h"
 #include "vatchange/journal/verified_fields.h"
 
 namespace vatchange {
@@ -90,7 +91,7 @@ JournalCheck::JournalCheck(data::Database& database, data::RunJournal& journal, 
       m_definition(definition),
       m_verification(verification),
       m_findings(findings),
-      m_takenBack(entriesTakenBack(journal, run)),
+      m_takenBack(takenBack(journal, run)),
       m_laterRuns(journal, run) {
     if (definition)
         m_rules.emplace(*definition);
@@ -204,9 +205,11 @@ Finding JournalCheck::finding(Table& table, const JournalEntry& entry, const Fie
 void JournalCheck::see(const JournalEntry& entry) {
     ++m_verification.changes;
     Table& t = table(entry.table);
-    if (m_takenBack.contains(entry.seq)) {
-        ++m_verification.undone;
+    // an undo takes back a record as a whole, from its last entry on
+    if (m_takenBack.contains(0, entry.seq))
         t.undone->add(entry.record);
+    if (t.undone->contains(entry.record)) {
+        ++m_verification.undone;
         return;
     }
     if (t.consumed)

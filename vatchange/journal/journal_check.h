@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "data/engine/run_journal.h"
-#include "data/journal/id_set.h"
+#include "data/journal/id_sets.h"
 #include "vatchange/journal/finding_list.h"
-#include "vatchange/journal/other_runs.h"
+#include "vatchange/journal/later_runs.h"
 #include "vatchange/rules/price_rules.h"
 
 namespace vatchange {
@@ -54,7 +54,7 @@ class JournalCheck {
     std::optional<PriceRules> m_rules;
     Verification& m_verification;
     FindingList& m_findings;
-    data::IdSet m_takenBack;
+    data::IdSets m_takenBack;  // seqs, as ids of table 0
     LaterRuns m_laterRuns;
     std::vector<data::JournalTable> m_journalTables;
     std::vector<std::unique_ptr<Table>> m_tables;

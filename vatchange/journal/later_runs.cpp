@@ -1,4 +1,4 @@
-#include "vatchange/journal/other_runs.h"
+#include "vatchange/journal/later_runs.h"
 
 #include <algorithm>
 
@@ -9,30 +9,6 @@ using data::IdSet;
 using data::JournalEntry;
 using data::JournalRun;
 using data::RunKind;
-
-namespace {
-
-IdSet takenBack(data::RunJournal& journal, const std::vector<JournalRun>& runs, qint64 run) {
-    IdSet seqs;
-    for (const JournalRun& undo : runs) {
-        // an undo has a higher number than the run that it takes back
-        if (undo.kind != RunKind::Undo || undo.undoneRun != run || undo.number <= run)
-            continue;
-        const IdSet restored = takenBack(journal, runs, undo.number);
-        journal.visit(undo.number, Direction::Forward, [&](const JournalEntry& entry) {
-            if (!entry.isMark && entry.origin > 0 && !restored.contains(entry.seq))
-                seqs.add(entry.origin);
-            return true;
-        });
-    }
-    return seqs;
-}
-
-}  // namespace
-
-IdSet entriesTakenBack(data::RunJournal& journal, qint64 run) {
-    return takenBack(journal, journal.runs(), run);
-}
 
 void LaterRuns::read() {
     m_later.emplace();

@@ -9,10 +9,6 @@
 
 namespace vatchange {
 
-/// Entries of a run that its undos have taken back, by seq. What an undo of an undo has restored
-/// does not count.
-data::IdSet entriesTakenBack(data::RunJournal& journal, qint64 run);
-
 /// The runs after a run, its own undos apart: who changed a record last. Reads their journals when
 /// it is first asked.
 class LaterRuns {
