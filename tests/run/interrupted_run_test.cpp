@@ -200,7 +200,7 @@ TEST_F(InterruptedRun, ProcessDiesAfterEachStatement) {
     const std::vector<qsizetype> commits = commitsOf(m_log);
     ASSERT_GT(commits.size(), 60U);
     int cut = 0;
-    for (size_t n = 0; n < commits.size() && !HasFailure(); ++n) {
+    for (size_t n = 0; n + 1 < commits.size() && !HasFailure(); ++n) {  // the last one ends the run
         SCOPED_TRACE("statement " + std::to_string(n));
         const auto database = openCopy(m_start, m_log.left(commits[n]));
         if (n % 3 != 0) {  // the resumed run is interrupted as well
@@ -254,6 +254,78 @@ TEST_F(InterruptedRun, StepsThatFailedBeforeTheyKnewTheirRows) {
     for (const char* table : {"ASALE", "KAMPPANJA", "VAKIOLASKUTUS", "MAARAALE", "MYYMALAHINNAT"})
         database->journal()->setNote(result.run, QStringLiteral("rows/") + table, {});
     expectFinishes(*database);
+}
+
+TEST_F(InterruptedRun, ProductsThatAnotherProgramHolds) {
+    const auto hold = [this](data::Database& other) {
+        auto products = other.openTable(QStringLiteral("TUOTE"));
+        const auto record = products->seek(0, data::SeekOp::Equal, {QStringLiteral("A1")}, 1);
+        EXPECT_TRUE(products->lock(record.at(0).id, std::chrono::milliseconds(0)));
+        return products;
+    };
+    {
+        const auto database = openCopy(m_start, {});
+        const auto other = engines::openEmbedded(QStringLiteral("Koeyritys"), m_folder.path());
+        auto held = hold(*other);
+        InterruptingPorts ports;
+        ports.onStatus = [&held](const QString& text) {
+            if (text == QStringLiteral("Tuote B/1"))
+                held.reset();
+        };
+        EXPECT_TRUE(run(*database, ports, 0).clean());
+        EXPECT_TRUE(ports.hasLine("Virhe tuotteen päivityksessä: A1 tuotetta ei voi muokata"));
+        EXPECT_TRUE(ports.hasLine("Huomaa: tuote A1 muutettiin uudella yrityksellä"));
+        EXPECT_EQ(tablesOf(*database), m_done);
+    }
+    const auto database = openCopy(m_start, {});
+    const auto other = engines::openEmbedded(QStringLiteral("Koeyritys"), m_folder.path());
+    auto held = hold(*other);
+    InterruptingPorts ports;
+    const RunResult first = run(*database, ports, 0);
+    EXPECT_EQ(first.state, RunState::Incomplete);
+    EXPECT_EQ(first.skippedNumbers, QStringList("A1"));
+    held.reset();
+
+    // the batch's next definition would multiply the rows of A1 again
+    const Tables between = tablesOf(*database);
+    ChangeDefinition dependents = m_definition;
+    dependents.products = dependents.salesOrders = dependents.purchaseOrders = false;
+    InterruptingPorts second;
+    const RunResult next = vatchange::runChange(*database, dependents, second, {0, first.run});
+    EXPECT_FALSE(next.clean());
+    EXPECT_GT(second.linesWith("Huomaa: taulun ASALE riviä ei muuteta, koska saman erän"), 0);
+    EXPECT_EQ(tablesOf(*database), between);
+    database->journal()->forget(next.run);
+    expectFinishes(*database);
+}
+
+TEST_F(InterruptedRun, IsNotResumedAfterAChangeOfWhatItWasMadeWith) {
+    const auto database = openCopy(m_start, {});
+    InterruptingPorts ports;
+    ports.cancelAt = 5;
+    const qint64 number = run(*database, ports, 0).run;
+    const Tables between = tablesOf(*database);
+    const auto refusal = [&](qint64 resumed, const ChangeDefinition& definition,
+                             const QString& name) {
+        InterruptingPorts again;
+        again.definition = name;
+        const RunResult result = vatchange::runChange(*database, definition, again, {resumed, 0});
+        EXPECT_TRUE(result.refused);
+        EXPECT_EQ(result.run, 0);
+        return result.refusal;
+    };
+    ChangeDefinition other = m_definition;
+    other.levels[0].coefficient = 1.1;
+    EXPECT_EQ(refusal(9, m_definition, "Koe"),
+              "Ajoa 9 ei voi jatkaa: sitä ei ole ajopäiväkirjassa.");
+    EXPECT_TRUE(refusal(number, m_definition, "Muu").endsWith("se on määrittelyn Koe ajo."));
+    EXPECT_TRUE(refusal(number, other, "Koe").contains(": määrittelyä on muutettu ajon"));
+    test::exec(*database, "update ALVKANTA set Prosentti = 13.5 where luokka = 2");
+    EXPECT_TRUE(refusal(number, m_definition, "Koe").contains("prosentteja on muutettu ajon"));
+    test::exec(*database, "update ALVKANTA set Prosentti = 14 where luokka = 2");
+    EXPECT_EQ(tablesOf(*database), between);
+    expectFinishes(*database);
+    EXPECT_TRUE(refusal(number, m_definition, "koe").endsWith("se ei ole kesken."));
 }
 
 }  // namespace
