@@ -101,7 +101,8 @@ void UndoRecords::takeBack(UndoTable& table, const NetChange& change, const Tell
 void UndoRecords::takeBackExisting(UndoTable& table, const NetChange& change, data::RecordId record,
                                    const QByteArray& present, const Tell& tell) {
     Judged judged = judge(table, change, present);
-    if (table.consumed && !judged.intact && !m_options.scope.exact) {
+    const bool consumed = table.consumed && (!judged.intact || table.isPrintedLabel(present));
+    if (consumed && !m_options.scope.exact) {
         repeatSignal(table, change);
         return;
     }
@@ -139,29 +140,27 @@ void UndoRecords::putBack(UndoTable& table, const NetChange& change, const Tell&
     QByteArray record = recordBefore(change, table.layout().recordLength());
     if (!m_options.scope.exact)
         setDates(table, record);
+    const bool isMark = table.isRunMark(change.key);
+    std::optional<data::RecordId> there;
+    if (isMark || table.isLabel() || table.hasUniqueKey()) {
+        const auto found = table.file->seek(0, data::SeekOp::Equal, table.keyValues(change.key), 1);
+        if (!found.empty())
+            there = found.front().id;
+    }
+    if (there && table.hasUniqueKey()) {
+        tell({wholeRecord(Reason::Exists, table, change)});
+        return;
+    }
     ++m_result.putBack;
     if (m_options.dryRun)
         return;
     // neither a second mark nor a second label of a product
-    if (table.isRunMark(change.key) || table.isLabel()) {
-        const auto there = table.file->seek(0, data::SeekOp::Equal, table.keyValues(change.key), 1);
-        if (!there.empty() && table.isLabel() && !m_options.scope.exact) {
-            repeatSignal(table, change);
-            return;
-        }
-        if (!there.empty() && !table.isLabel()) {
-            table.file->update(there.front().id, record);
-            return;
-        }
-    }
-    try {
+    if (there && isMark)
+        table.file->update(*there, record);
+    else if (there && !m_options.scope.exact)
+        repeatSignal(table, change);
+    else
         table.file->insert(record);
-    } catch (const data::DataError& error) {
-        if (error.kind() != data::ErrorKind::DuplicateKey)
-            throw;
-        --m_result.putBack;
-        tell({wholeRecord(Reason::Exists, table, change)});
-    }
 }
 
 void UndoRecords::setDates(const UndoTable& table, QByteArray& record) const {

@@ -1,6 +1,7 @@
 #include "vatchange/journal/undo_tables.h"
 
 #include <algorithm>
+#include <array>
 
 #include "data/journal/entry_fields.h"
 #include "data/record/record_codec.h"
@@ -12,6 +13,7 @@ namespace vatchange {
 namespace {
 
 constexpr int kSameKey = 100;
+constexpr std::array<const char*, 2> kPrintFields{"TULPVM", "TULAIKA"};
 
 bool same(const QString& name, const QString& other) {
     return name.compare(other, Qt::CaseInsensitive) == 0;
@@ -75,6 +77,17 @@ bool UndoTable::isLabel() const {
     return same(stored.name, kLabelTable);
 }
 
+bool UndoTable::isPrintedLabel(const QByteArray& record) const {
+    if (!isLabel())
+        return false;
+    const QByteArray empty(record.size(), '\0');
+    return std::any_of(kPrintFields.begin(), kPrintFields.end(), [&](const char* name) {
+        const int field = layout().indexOf(QLatin1String(name));
+        return field >= 0 &&
+               fieldText(layout(), field, record) != fieldText(layout(), field, empty);
+    });
+}
+
 bool UndoTable::isRunMark(const QByteArray& keyBytes) const {
     return settings && vatchange::isRunMark(stored.name, key(keyBytes));
 }
@@ -96,7 +109,7 @@ std::optional<data::StoredRecord> UndoTable::find(const NetChange& change) const
     if (!file->keys().empty()) {
         for (data::StoredRecord& record :
              file->seek(0, data::SeekOp::Equal, keyValues(change.key), kSameKey)) {
-            if (file->keys().front().unique || holds(change, record.bytes))
+            if (hasUniqueKey() || holds(change, record.bytes))
                 return std::move(record);
         }
     }

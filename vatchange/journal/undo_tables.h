@@ -26,7 +26,10 @@ struct UndoTable {
     /// Value of the key's field at a position.
     data::Value keyValue(const QByteArray& keyBytes, int position) const;
     data::KeyValues keyValues(const QByteArray& keyBytes) const;
+    bool hasUniqueKey() const { return !file->keys().empty() && file->keys().front().unique; }
     bool isLabel() const;
+    /// Printing sets fields that a run may have found empty.
+    bool isPrintedLabel(const QByteArray& record) const;
     bool isRunMark(const QByteArray& keyBytes) const;
     /// The record that a change is about, also if it was stored anew since; nothing if it is gone.
     std::optional<data::StoredRecord> find(const NetChange& change) const;
