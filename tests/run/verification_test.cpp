@@ -10,6 +10,7 @@
 #include "tests/run/run_company.h"
 #include "vatchange/journal/run_notes.h"
 #include "vatchange/journal/run_outcome.h"
+#include "vatchange/journal/undo.h"
 #include "vatchange/journal/verification_text.h"
 #include "vatchange/rules/selection.h"
 
@@ -21,16 +22,10 @@ class VerificationTest : public ::testing::Test {
   protected:
     data::RunJournal& journal() { return *company.database().journal(); }
 
-    // Runs a definition with a journal. @return the run's number.
-    qint64 run(const ChangeDefinition& definition, const RunOutcome& outcome = {}) {
-        data::JournalRun head;
-        head.definition = "Koe";
-        const qint64 number =
-            journal().begin(head, {{kDefinitionNote, definitionNote(definition)}});
-        company.run(definition);
-        journal().setNote(number, kOutcomeNote, outcomeNote(outcome));
-        journal().end(data::RunState::Done);
-        return number;
+    // Runs a definition. @return the run's number.
+    qint64 run(const ChangeDefinition& definition) {
+        last = company.run(definition);
+        return last.run;
     }
 
     Verification verify(qint64 number) { return verifyRun(company.database(), number); }
@@ -60,6 +55,7 @@ class VerificationTest : public ::testing::Test {
     }
 
     test::RunCompany company;
+    RunResult last;
 };
 
 ChangeDefinition withOrders() {
@@ -113,7 +109,7 @@ TEST_F(VerificationTest, SumsAndWhatSomebodyChangedSince) {
     EXPECT_FALSE(verification.productsLeft());
 }
 
-TEST_F(VerificationTest, ALaterRunIsNamedAndTheOwnUndoIsNone) {
+TEST_F(VerificationTest, ALaterRunIsNamed) {
     company.execAll({"insert into TUOTE (NUMERO, LVV, HINTA) values ('a', 3, 10), ('b', 3, 20)"});
     const qint64 first = run(test::plainDefinition());
     ChangeDefinition back = test::plainDefinition();
@@ -127,29 +123,32 @@ TEST_F(VerificationTest, ALaterRunIsNamedAndTheOwnUndoIsNone) {
             "TUOTE b LVV: the run left 6, now 2",
             QStringLiteral("TUOTE a HINTA: the run left 10.12, now 20.24 (run %1)").arg(second),
             QStringLiteral("TUOTE a LVV: the run left 6, now 3 (run %1)").arg(second)}));
-    company.exec("update TUOTE set HINTA = 10.12, LVV = 6");
+}
 
-    // an undo that takes back the change of 'a', and an undo of that
-    const auto undo = [&](qint64 ofRun, const QString& sql, qint64 origin) {
-        data::JournalRun head;
-        head.kind = data::RunKind::Undo;
-        head.undoneRun = ofRun;
-        const qint64 number = journal().begin(head, {});
-        journal().setOrigin(origin);
-        company.exec(sql);
-        journal().end(data::RunState::Done);
-        return number;
-    };
-    const qint64 undone = undo(first, "update TUOTE set HINTA = 10, LVV = 3 where NUMERO = 'a'", 1);
+TEST_F(VerificationTest, WhatAnUndoTakesBackIsNoLaterChange) {
+    struct Ports : UndoPorts {
+        void log(const QString&) override {}
+        void conflict(const UndoConflict& conflict) override {
+            ADD_FAILURE() << conflict.key.toStdString();
+        }
+    } ports;
+    company.execAll({"insert into TUOTE (NUMERO, LVV, HINTA) values ('a', 3, 10), ('b', 3, 20)"});
+    const qint64 first = run(test::plainDefinition());
+    UndoOptions options;
+    options.scope.table = "TUOTE";
+    options.scope.key = "a";
+    const qint64 undo = undoRun(company.database(), first, options, ports).run;
     Verification verification = verify(first);
+    EXPECT_EQ(verification.changes, 2);
     EXPECT_EQ(verification.undone, 1);
     EXPECT_EQ(remaining(verification), QStringList{"TUOTE 1 undone"});
-    EXPECT_FALSE(findings(verification).join(' ').contains("TUOTE a"));
-    EXPECT_TRUE(verify(undone).holds());
-    undo(undone, "update TUOTE set HINTA = 10.12, LVV = 6 where NUMERO = 'a'", 1);
+    EXPECT_TRUE(verification.holds());
+    EXPECT_TRUE(verify(undo).holds());
+    undoRun(company.database(), undo, {}, ports);
     verification = verify(first);
     EXPECT_EQ(verification.undone, 0);
     EXPECT_EQ(remaining(verification), QStringList());
+    EXPECT_TRUE(verification.holds());
 }
 
 TEST_F(VerificationTest, AFieldThatTheRunChangedTwiceCountsOnce) {
@@ -237,7 +236,7 @@ TEST_F(VerificationTest, WhatIsLeftHasItsReason) {
         qint64 number = 0;
         if (c.recorded) {
             // what the run changes is put back afterwards
-            number = run(definition, c.outcome);
+            number = run(definition);
             const Verification verification = verify(number);
             EXPECT_EQ(remaining(verification), c.remaining);
             EXPECT_EQ(verification.productsLeft(), c.productsLeft);
@@ -303,6 +302,12 @@ TEST_F(VerificationTest, FindsTheProductThatTheIndexLacks) {
     company.execAll(
         {"insert into TUOTE (NUMERO, LVV, HINTA) values ('a', 3, 10), ('b', 3, 20), "
          "('c', 3, 30)"});
+    run([] {
+        ChangeDefinition other = test::plainDefinition();
+        other.sourceClass = 7;
+        return other;
+    }());
+    company.ports.lines.clear();
     {
         // 'b' is in the table and not in the index of its key
         const engines::sqlite::SqliteHandle handle(company.folder() + "/YRITYS.ZDB",

@@ -66,9 +66,9 @@ bool convertedProducts(const EarlierRun& run, const ChangeDefinition& definition
 
 }  // namespace
 
-std::vector<RepeatedRows> earlierRunsOfSameRows(const ChangeDefinition& definition,
-                                                const std::vector<EarlierRun>& earlier) {
-    std::vector<RepeatedRows> repeated;
+std::vector<EarlierChange> earlierRunsOfSameRows(const ChangeDefinition& definition,
+                                                 const std::vector<EarlierRun>& earlier) {
+    std::vector<EarlierChange> changes;
     for (const EarlierRun& run : earlier) {
         if (run.state == data::RunState::Undone || !sameClasses(run.definition, definition) ||
             disjointGroups(run.definition, definition))
@@ -79,15 +79,15 @@ std::vector<RepeatedRows> earlierRunsOfSameRows(const ChangeDefinition& definiti
             });
         if (converted)
             continue;
-        RepeatedRows rows{run.run, {}};
+        EarlierChange rows{run.run, {}};
         for (const DependentTable& table : dependentTables()) {
             if (definition.*table.converted && run.tables.contains(table.name, Qt::CaseInsensitive))
                 rows.tables += table.name;
         }
         if (!rows.tables.isEmpty())
-            repeated.push_back(std::move(rows));
+            changes.push_back(std::move(rows));
     }
-    return repeated;
+    return changes;
 }
 
 std::vector<EarlierRun> earlierRuns(data::RunJournal& journal, qint64 except) {
@@ -106,7 +106,7 @@ std::vector<EarlierRun> earlierRuns(data::RunJournal& journal, qint64 except) {
     return earlier;
 }
 
-QString repeatedRowsText(const RepeatedRows& rows) {
+QString earlierChangeText(const EarlierChange& rows) {
     QStringList names;
     for (const DependentTable& table : dependentTables()) {
         if (rows.tables.contains(table.name))

@@ -19,23 +19,23 @@ struct EarlierRun {
 
 /// Dependent tables that an earlier run of the same classes has changed already, and whose rows a
 /// new run would change again.
-struct RepeatedRows {
+struct EarlierChange {
     qint64 run = 0;
     QStringList tables;
-    bool operator==(const RepeatedRows&) const = default;
+    bool operator==(const EarlierChange&) const = default;
 };
 
 /// A run converts dependent rows of products that still have the source class: those of an earlier
 /// run are selected again if it left the products alone or did not come to its end. Undone runs and
 /// disjoint restrictions do not count.
-std::vector<RepeatedRows> earlierRunsOfSameRows(const ChangeDefinition& definition,
-                                                const std::vector<EarlierRun>& earlier);
+std::vector<EarlierChange> earlierRunsOfSameRows(const ChangeDefinition& definition,
+                                                 const std::vector<EarlierRun>& earlier);
 
 /// The runs of a journal for the function above, but for `except` (one that is being resumed).
 /// @throws data::DataError.
 std::vector<EarlierRun> earlierRuns(data::RunJournal& journal, qint64 except = 0);
 
 /// "Asiakashinnat ja kampanjat on jo muutettu ajossa 3 ...", without "Huomaa: ".
-QString repeatedRowsText(const RepeatedRows& rows);
+QString earlierChangeText(const EarlierChange& rows);
 
 }  // namespace vatchange
