@@ -52,6 +52,8 @@ TEST(ChangeRun, LogsProductsAndGroups) {
                   ")2=9.990, UUSIHINTA=9.990 VANHAHINTA(=hinta3 )3=9.990, UUSIHINTA=10.110 "
                   "VANHAOSTOHINTA=8.000, UUSIOSTOHINTA=10.000 VANHAVIIMOH=6.000, UUSIVIIMOH=3.000",
                   "Tuotetiedot muutettu ( 2 kpl)",
+                  // the two products and the store price
+                  "Tarkastus: muutoksia 3; vanha alv-luokka jäi: TUOTE 1 (rajaus).",
               }));
 
     // a rerun finds nothing left to change
@@ -109,6 +111,8 @@ TEST(ChangeRun, LogsDependentTablesOrdersAndProductCodes) {
                   "tuotekoodit sisältävät kiellettyjä merkkejä",
                   "A 1;Nimi",
                   "Verkkokauppa -valinta poistettiin 1 tuotteelta",
+                  // five price rows, the product and its web shop mark
+                  "Tarkastus: muutoksia 7; vanha alv-luokka jäi: TUOTE 1 (taulua ei valittu).",
               }));
 }
 

@@ -8,6 +8,7 @@
 #include "data/record/record_codec.h"
 #include "engines/sqlite/sqlite_handle.h"
 #include "tests/run/run_company.h"
+#include "vatchange/journal/earlier_runs.h"
 #include "vatchange/journal/run_notes.h"
 #include "vatchange/journal/run_outcome.h"
 #include "vatchange/journal/undo.h"
@@ -401,4 +402,80 @@ TEST_F(VerificationTest, SelectionOnRecordsEqualsTheCondition) {
                                          groupRangeCondition(definition)));
     }
     EXPECT_GT(chosen, 1000);
+}
+
+TEST_F(VerificationTest, EarlierRunsThatChangedTheSameDependentRows) {
+    const auto definition = [](const std::function<void(ChangeDefinition&)>& change) {
+        ChangeDefinition d = test::plainDefinition();
+        d.customerPriceLists = d.campaigns = true;
+        change(d);
+        return d;
+    };
+    const auto nothing = [](ChangeDefinition&) {};
+    const auto noProducts = [](ChangeDefinition& d) { d.products = false; };
+    const QStringList both{"TUOTE", "ASALE", "KAMPPANJA"};
+    using data::RunState;
+    struct Case {
+        const char* name;
+        std::function<void(ChangeDefinition&)> now;
+        std::vector<EarlierRun> earlier;
+        std::vector<EarlierChange> found;
+    };
+    const Case cases[] = {
+        {"products were converted", nothing, {{1, RunState::Done, definition(nothing), both}}, {}},
+        {"products were switched off",
+         [](ChangeDefinition& d) { d.campaigns = false; },
+         {{1, RunState::Done, definition(noProducts), both}},
+         {{1, {"ASALE"}}}},
+        {"each such run",
+         noProducts,
+         {{1, RunState::Done, definition(noProducts), both},
+          {4, RunState::Done, definition(noProducts), {"KAMPPANJA"}}},
+         {{1, {"ASALE", "KAMPPANJA"}}, {4, {"KAMPPANJA"}}}},
+        {"products were converted by a later run",
+         nothing,
+         {{1, RunState::Done, definition(noProducts), both},
+          {2, RunState::Errors, definition([](ChangeDefinition& d) { d.campaigns = false; }), {}}},
+         {}},
+        {"products were left behind",
+         nothing,
+         {{1, RunState::Accepted, definition(nothing), both}},
+         {{1, {"ASALE", "KAMPPANJA"}}}},
+        {"undone", nothing, {{1, RunState::Undone, definition(noProducts), both}}, {}},
+        {"other classes",
+         nothing,
+         {{1, RunState::Done, definition([](ChangeDefinition& d) {
+               d.products = false;
+               d.sourceClass = 7;
+           }),
+           both}},
+         {}},
+        {"other groups",
+         [](ChangeDefinition& d) {
+             d.productGroup = {true, 10, 20, {}};
+         },
+         {{1, RunState::Done, definition([](ChangeDefinition& d) {
+               d.products = false;
+               d.productGroup = {true, 0, 9, {}};
+           }),
+           both},
+          {2, RunState::Done, definition([](ChangeDefinition& d) {
+               d.products = false;
+               d.productGroup = {true, 20, 30, {}};
+           }),
+           both}},
+         {{2, {"ASALE", "KAMPPANJA"}}}},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(earlierRunsOfSameRows(definition(c.now), c.earlier), c.found) << c.name;
+
+    // in a run
+    company.execAll({"insert into TUOTE (NUMERO, LVV) values ('a', 3)",
+                     "insert into KAMPPANJA (Tuote, RiviNro, Myyntihinta) values ('a', 1, 10)"});
+    run(definition(noProducts));
+    EXPECT_EQ(company.ports.linesWith("Huomaa: "), 0);
+    run(definition(noProducts));
+    EXPECT_EQ(company.ports.lines.filter("Huomaa: ").join('|').toStdString(),
+              "Huomaa: ajo 1 on jo muuttanut samoilla alv-luokilla: kampanjat. Tämä ajo muuttaa "
+              "uudestaan ne rivit, joiden tuotteella on vielä vanha alv-luokka.");
 }

@@ -15,7 +15,7 @@ void verifyAtEnd(RunContext& run) {
         journal->setNote(run.result.run, kOutcomeNote, outcomeNote(run.outcome));
         run.result.verification = verifyRun(run.database, run.result.run);
         const QString line = verificationLine(*run.result.verification);
-        if (run.result.verification->holds())
+        if (run.result.verification->holds() || run.result.cancelled)
             run.ports.log(line);
         else
             run.ports.NaytaViesti(line);
