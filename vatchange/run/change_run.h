@@ -43,11 +43,13 @@ struct RunResult {
     QStringList failures;             ///< error messages of the failed steps, in step order
     QString refusal;                  ///< why the run was refused
     std::optional<Verification> verification;  ///< none without a journal, or if it failed
+    qint64 lostLogLines = 0;  ///< lines that the change log lacks; set by runWithSummary()
+    QString logProblem;       ///< why, in Finnish, with the file
 
     /// Complete success: exit status 0.
     bool clean() const {
         return !refused && !cancelled && failedSteps == 0 && skippedProducts == 0 &&
-               !(verification && verification->productsLeft());
+               lostLogLines == 0 && !(verification && verification->productsLeft());
     }
 };
 
