@@ -288,8 +288,9 @@ TEST(StoppedRun, KeepsAndReportsWhatIsDone) {
     EXPECT_TRUE(company.ports.messages.front().contains(QStringLiteral("voimaan: tuotteet 2, ")));
     EXPECT_EQ(company.ports.lines.at(company.ports.lines.size() - 2),
               company.ports.messages.front());
+    // two products, their labels and web shop marks
     EXPECT_TRUE(company.ports.lines.last().startsWith(QStringLiteral(
-        "Tarkastus: muutoksia 4; vanha alv-luokka jäi: TUOTE 1 (ajo jäi kesken); ")));
+        "Tarkastus: muutoksia 6; vanha alv-luokka jäi: TUOTE 1 (ajo jäi kesken); ")));
     EXPECT_TRUE(company::readUnfinishedNotes().empty());
 }
 
