@@ -4,7 +4,10 @@
 #include "company/unfinished_note.h"
 #include "data/clock.h"
 #include "vatchange/rules/log_texts.h"
+#include "vatchange/run/dependent_step.h"
+#include "vatchange/run/journal_session.h"
 #include "vatchange/run/run_context.h"
+#include "vatchange/run/run_verification.h"
 
 namespace vatchange {
 
@@ -25,6 +28,10 @@ bool ExecWithExceptionHandling(RunContext& run, const ErrorWording& wording, Ste
         step();
         return true;
     } catch (const std::exception& error) {
+        const auto* failure = dynamic_cast<const data::DataError*>(&error);
+        if (failure && (failure->kind() == data::ErrorKind::Locked ||
+                        failure->kind() == data::ErrorKind::NoConnection))
+            run.leftBehind = true;
         const QString text = wording.before + stepErrorText(error) + wording.after;
         ++run.result.failedSteps;
         run.result.failures += text;
@@ -73,38 +80,15 @@ QString changedSoFar(const RunResult& result) {
     return kinds.join(QStringLiteral(", "));
 }
 
-/// The unfinished-run note, from before the first change to the end of the run. It remains if
-/// products were skipped whose dependent rows this or an earlier run has already changed.
-class RunInProgress {
-  public:
-    explicit RunInProgress(const RunContext& run)
-        : m_run(run), m_wasNoted(company::writeUnfinishedNote(run.ports.definitionName())) {}
-    ~RunInProgress() {
-        if ((m_dependents.isEmpty() && !m_wasNoted) || m_run.result.clean())
-            company::removeUnfinishedNote(m_run.ports.definitionName());
-    }
-    RunInProgress(const RunInProgress&) = delete;
-    RunInProgress& operator=(const RunInProgress&) = delete;
-
-    /// Call right after the dependent tables.
-    void dependentsDone() { m_dependents = changedSoFar(m_run.result); }
-
-    /// Warns that a rerun of the definition would change dependent rows again.
-    void warnOfRerun() const {
-        if (m_dependents.isEmpty() || m_run.result.clean())
-            return;
-        m_run.ports.log(QStringLiteral("Ajo jäi vajaaksi, ja jo kerrottuja rivejä ovat: ") +
-                        m_dependents +
-                        QStringLiteral(". Uusi ajo kertoisi uudestaan ne, joiden tuotteella on "
-                                       "vielä vanha alv-luokka: ota nämä taulut pois "
-                                       "määrittelystä ennen uutta ajoa."));
-    }
-
-  private:
-    const RunContext& m_run;
-    const bool m_wasNoted;
-    QString m_dependents;
-};
+/// Tells which dependent rows an unfinished run has changed, and how to finish it.
+void reportUnfinished(RunContext& run, const QString& dependents) {
+    if (dependents.isEmpty() || !run.journal || !data::isUnfinished(stateOf(run)))
+        return;
+    run.ports.log(QStringLiteral("Ajo jäi vajaaksi, ja jo kerrottuja rivejä ovat: ") + dependents +
+                  QStringLiteral(". Jatka ajoa %1: uusi ajo kertoisi uudestaan ne, joiden "
+                                 "tuotteella on vielä vanha alv-luokka.")
+                      .arg(run.result.run));
+}
 
 /// Finds the label table if labels are on. Reports an unreadable one; products are then changed
 /// without labels.
@@ -122,20 +106,20 @@ LabelTable prepareShelfLabels(RunContext& run) {
 void convertDependentTables(RunContext& run) {
     if (run.definition.customerPriceLists) {
         attempt(run, {QStringLiteral("Virhe asiakashinnaston päivityksessä: ")},
-                [&] { convertCustomerPriceLists(run); });
+                [&] { convertDependentRows(run, customerPriceStep(run)); });
     }
     if (run.definition.campaigns) {
         attempt(run, {QStringLiteral("Virhe kampanjan päivityksessä: ")},
-                [&] { convertCampaigns(run); });
+                [&] { convertDependentRows(run, campaignStep(run)); });
     }
     if (run.definition.recurringInvoicing) {
         attempt(run,
                 {QStringLiteral("Virhe "), QStringLiteral(" vakiolaskutuksen päivityksessä. ")},
-                [&] { convertRecurringInvoices(run); });
+                [&] { convertDependentRows(run, recurringInvoiceStep(run)); });
     }
     if (run.definition.quantityDiscounts) {
         attempt(run, {QStringLiteral("Virhe "), QStringLiteral(" määräalen päivityksessä. ")},
-                [&] { convertQuantityDiscounts(run); });
+                [&] { convertDependentRows(run, quantityDiscountStep(run)); });
     }
 }
 
@@ -144,8 +128,9 @@ void convertProductsAndGroups(RunContext& run, LabelTable labels) {
         return;
     run.ports.log(QStringLiteral("Aloitetaan tuoteryhmien päivitys"));
     for (const GroupUpdate& update : groupUpdates(run.definition)) {
-        attempt(run, {QStringLiteral("Virhe tuoteryhmän päivityksessä: ")},
-                [&] { updateProductGroups(run, update); });
+        if (!attempt(run, {QStringLiteral("Virhe tuoteryhmän päivityksessä: ")},
+                     [&] { updateProductGroups(run, update); }))
+            run.outcome.failedTables.insert(QStringLiteral("TRYHMA"));
     }
     attempt(run, {QStringLiteral("Virhe alvien muutoksessa ->")}, [&] { updateStorePrices(run); });
     if (run.stopRequested())
@@ -155,6 +140,8 @@ void convertProductsAndGroups(RunContext& run, LabelTable labels) {
     const bool converted = attempt(run, {QStringLiteral("Virhe tuotetietojen muutoksessa -> ")},
                                    [&] { convertProducts(run, labels); });
     if (!converted) {
+        run.leftBehind = true;
+        run.outcome.failedTables.insert(QStringLiteral("TUOTE"));
         run.ports.log(QStringLiteral("Ennen virhettä muutettiin tuotteita ") +
                       QString::number(run.result.products) + QStringLiteral(" kpl"));
     }
@@ -163,12 +150,14 @@ void convertProductsAndGroups(RunContext& run, LabelTable labels) {
 
 void convertOrders(RunContext& run) {
     if (run.definition.salesOrders) {
-        attempt(run, {QStringLiteral("Virhe myyntitilausten päivityksessä: ")},
-                [&] { convertSalesOrders(run); });
+        if (!attempt(run, {QStringLiteral("Virhe myyntitilausten päivityksessä: ")},
+                     [&] { convertSalesOrders(run); }))
+            run.outcome.failedTables.insert(QStringLiteral("MTRIVI"));
     }
     if (run.definition.purchaseOrders) {
-        attempt(run, {QStringLiteral("Virhe ostotilausten päivityksessä: ")},
-                [&] { convertPurchaseOrders(run); });
+        if (!attempt(run, {QStringLiteral("Virhe ostotilausten päivityksessä: ")},
+                     [&] { convertPurchaseOrders(run); }))
+            run.outcome.failedTables.insert(QStringLiteral("WINOTRI"));
     }
 }
 
@@ -191,14 +180,13 @@ void reportStop(RunContext& run) {
 }
 
 void runSteps(RunContext& run) {
-    RunInProgress inProgress(run);
     const LabelTable labels = prepareShelfLabels(run);
     run.ports.log(QStringLiteral("Aloitetaan taksavaiheet, parametrit ->"));
     run.ports.log(QStringLiteral("Rajaus: ") + run.condition + QStringLiteral(" Pyöristys: ") +
                   roundingText(run.definition));
     run.ports.log(QStringLiteral("Aloitetaan taksavaihe"));
     convertDependentTables(run);
-    inProgress.dependentsDone();
+    const QString dependents = changedSoFar(run.result);
     if (run.definition.products)
         convertProductsAndGroups(run, labels);
     convertOrders(run);
@@ -212,7 +200,7 @@ void runSteps(RunContext& run) {
         reportStop(run);
     else
         MarkVatChangeAsDone(run);
-    inProgress.warnOfRerun();
+    reportUnfinished(run, dependents);
 }
 
 /// Claims the company for this run. Returns the reason if impossible, else empty.
@@ -238,7 +226,8 @@ void releaseCompany(data::Database& database, RunPorts& ports) {
 
 }  // namespace
 
-RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports) {
+RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports,
+                    const RunOptions& options) {
     RunResult result;
     result.refusal = claimCompany(database);
     if (!result.refusal.isEmpty()) {
@@ -250,10 +239,18 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
     ChangeDefinition definition = loaded.definition;
     dropMissingGroups(definition, facts);
     RunContext run(database, definition, ports, result);
-    if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) && earlierRunsAllow(run)) {
+    if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) && earlierRunsAllow(run) &&
+        enterJournal(run, loaded, options)) {
         for (const QString& note : definitionNotes(loaded, facts))
             ports.log(kNoticePrefix + note);
+        reportEarlierChanges(run);
         runSteps(run);
+        // a run that was asked to end must have ended before the verification takes its time
+        if (result.cancelled)
+            leaveJournal(run);
+        verifyAtEnd(run);
+        if (!result.cancelled)
+            leaveJournal(run);
     } else {
         result.refused = true;
     }

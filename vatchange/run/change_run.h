@@ -3,9 +3,11 @@
 #include <QString>
 #include <QStringList>
 #include <deque>
+#include <optional>
 
-#include "data/engine/engine.h"
+#include "data/engine/run_journal.h"
 #include "vatchange/definition/load_rules.h"
+#include "vatchange/journal/verification.h"
 #include "vatchange/ports/run_ports.h"
 
 namespace vatchange {
@@ -17,8 +19,16 @@ struct ChangedRows {
     qint64 rows = 0;
 };
 
+/// How a run is made.
+struct RunOptions {
+    qint64 resume = 0;  ///< number of the run to be resumed; 0: a new run
+    qint64 batch = 0;   ///< number of the first run of the batch; 0: this is it, or no batch
+};
+
 /// How a run of one definition ended.
 struct RunResult {
+    qint64 run = 0;  ///< its number in the journal; 0 without a journal or if refused
+    data::RunState state = data::RunState::Done;  ///< as stored in the journal; Done if refused
     bool refused = false;  ///< stopped before any change: definition, date, classes or another run
     bool cancelled = false;   ///< stopped by the user, between rows or after a failed label
     int failedSteps = 0;      ///< steps that reported an error
@@ -32,13 +42,14 @@ struct RunResult {
     std::deque<ChangedRows> changed;  ///< in step order
     QStringList failures;             ///< error messages of the failed steps, in step order
     QString refusal;                  ///< why the run was refused
-    qint64 lostLogLines = 0;          ///< lines that the change log lacks; set by runWithSummary()
-    QString logProblem;               ///< why, in Finnish, with the file
+    std::optional<Verification> verification;  ///< none without a journal, or if it failed
+    qint64 lostLogLines = 0;  ///< lines that the change log lacks; set by runWithSummary()
+    QString logProblem;       ///< why, in Finnish, with the file
 
     /// Complete success: exit status 0.
     bool clean() const {
         return !refused && !cancelled && failedSteps == 0 && skippedProducts == 0 &&
-               lostLogLines == 0;
+               lostLogLines == 0 && !(verification && verification->productsLeft());
     }
 };
 
@@ -47,6 +58,11 @@ struct RunResult {
 /// groups, store prices, products, open orders, product code check, run mark. A failed step is
 /// reported and the run continues with the next. No transaction spans the run. Database errors do
 /// not propagate.
-RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports);
+///
+/// Where the database keeps a journal, a run that cannot be entered there is refused. A resumed run
+/// finishes what an earlier attempt left: the same definition, VAT rates and table layouts, and it
+/// changes no dependent row that the run has changed already.
+RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports,
+                    const RunOptions& options = {});
 
 }  // namespace vatchange

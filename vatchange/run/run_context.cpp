@@ -49,6 +49,7 @@ void RunContext::skipProduct(const QString& number) {
     ports.log(QStringLiteral("Virhe tuotteen päivityksessä: ") + number +
               QStringLiteral(" tuotetta ei voi muokata"));
     ++result.skippedProducts;
+    outcome.passedOver.insert(number);
     if (result.skippedNumbers.size() < RunResult::kListedProducts)
         result.skippedNumbers += number;
 }
@@ -66,6 +67,16 @@ bool RunContext::stopRequested() {
     if (ports.cancelled())
         result.cancelled = true;
     return result.cancelled;
+}
+
+void RunContext::setOrigin(qint64 origin) {
+    if (journal)
+        journal->setOrigin(origin);
+}
+
+void RunContext::mark(const QByteArray& text) {
+    if (journal)
+        journal->mark(text);
 }
 
 void RunContext::stop(const QString& cause) {

@@ -4,12 +4,16 @@
 #include <QStringList>
 #include <exception>
 #include <map>
+#include <memory>
 #include <set>
 
 #include "data/engine/engine.h"
 #include "data/error.h"
 #include "data/sql/uni_query.h"
 #include "vatchange/definition/definition_problems.h"
+#include "vatchange/journal/run_notes.h"
+#include "vatchange/journal/run_outcome.h"
+#include "vatchange/journal/run_progress.h"
 #include "vatchange/ports/run_ports.h"
 #include "vatchange/rules/price_rules.h"
 #include "vatchange/rules/statements.h"
@@ -26,9 +30,10 @@ class VatClasses {
     bool exists(int vatClass) const { return m_rates.count(vatClass) > 0; }
     double ratePercent(qint64 vatClass) const;  ///< 0 for an unknown class
     std::set<int> numbers() const;
+    const VatRates& rates() const { return m_rates; }
 
   private:
-    std::map<qint64, double> m_rates;
+    VatRates m_rates;
 };
 
 /// State shared by the steps of a run.
@@ -49,6 +54,15 @@ struct RunContext {
     qint64& changedRows(const QString& what);
     /// Logs, counts and lists a product whose record another program holds.
     void skipProduct(const QString& number);
+
+    data::RunJournal* journal = nullptr;  ///< that records the run; none without a journal
+    /// What a resumed run had done before; none for a new run.
+    std::unique_ptr<RunProgress> progress;
+    /// Set when a step leaves products or orders behind that a resumed run can still change.
+    bool leftBehind = false;
+    RunOutcome outcome;                 ///< what verification has to know of the steps
+    void setOrigin(qint64 origin);      ///< see RunJournal::setOrigin()
+    void mark(const QByteArray& text);  ///< appends a mark to the journal
 
     /// Processes window events, then returns whether to stop; called between rows.
     bool stopRequested();
@@ -88,10 +102,6 @@ bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
 /// reason has been shown.
 bool checkDefinition(RunContext& run);
 
-void convertCustomerPriceLists(RunContext& run);
-void convertCampaigns(RunContext& run);
-void convertRecurringInvoices(RunContext& run);
-void convertQuantityDiscounts(RunContext& run);
 /// Updates one of the three class fields of the product groups.
 void updateProductGroups(RunContext& run, const GroupUpdate& update);
 void updateStorePrices(RunContext& run);

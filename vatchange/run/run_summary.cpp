@@ -10,7 +10,7 @@
 namespace vatchange {
 
 RunSummary runWithSummary(data::Database& database, const LoadedDefinition& definition,
-                          RunPorts& ports) {
+                          RunPorts& ports, const RunOptions& options) {
     RunSummary summary;
     summary.definitionName = ports.definitionName();
     summary.definition = definition.definition;
@@ -18,7 +18,7 @@ RunSummary runWithSummary(data::Database& database, const LoadedDefinition& defi
     summary.logFrom = QFileInfo(summary.logName).size();
     summary.started = data::Clock::now();
     const qint64 lostBefore = company::lostChangeLogLines().count;
-    summary.result = runChange(database, definition, ports);
+    summary.result = runChange(database, definition, ports, options);
     summary.result.lostLogLines = company::lostChangeLogLines().count - lostBefore;
     if (summary.result.lostLogLines > 0)
         summary.result.logProblem = company::lostChangeLogLines().problem;
