@@ -93,8 +93,8 @@ class RunJournal {
     std::optional<JournalRun> run(qint64 number);
 
     /// Starts a run and records the changes of this connection from now on. Number, state and rows
-    /// of `head` are ignored. `notes` are stored with the head in one transaction, durably. Removes
-    /// runs that are older than kKeptDays and not unfinished, with their undos.
+    /// of `head` are ignored. `notes` are stored with the head in one transaction, durably. A run
+    /// (not an undo) removes runs that are older than kKeptDays and not unfinished.
     virtual qint64 begin(const JournalRun& head,
                          const std::vector<std::pair<QString, QByteArray>>& notes) = 0;
     /// Records into an existing run again; later entries follow the stored ones.
