@@ -27,11 +27,11 @@ class ScriptedDialogs : public framework::DialogHandler {
     void expectAnyMessage() { m_expected.push_back({{}, false, {}, true}); }
     void expectQuestion(const QString& text, bool yes) { m_expected.push_back({text, yes, {}}); }
     void expectFileChoice(const QString& fileName) { m_expected.push_back({{}, false, fileName}); }
-    bool allCame() const { return m_expected.empty(); }
+    bool allShown() const { return m_expected.empty(); }
     const QString& lastText() const { return m_lastText; }
     framework::MessageKind lastKind() const { return m_lastKind; }
 
-    bool someoneThere() const override { return true; }
+    bool isInteractive() const override { return true; }
     void message(QWidget*, framework::MessageKind kind, const QString& text) override {
         m_lastKind = kind;
         next(text);

@@ -8,7 +8,7 @@ namespace tools {
 namespace {
 
 int copy(const Arguments& arguments) {
-    requireFreeName(arguments.at(1));  // before the source's server is asked for anything
+    requireFreeName(arguments.at(1));  // before contacting the source's server
     const std::unique_ptr<data::Database> source = openCompany(arguments.at(0));
     if (!arguments.has(kForce))
         requireNoUnfinishedRun(*source, arguments.at(0), QStringLiteral("be copied"));

@@ -12,7 +12,7 @@ namespace vatchange {
 ///
 /// Each request appends a row after the earlier ones of the same table name and key. The web shop
 /// uses the latest row of a key, so its letter combines the pending and the new mark: see
-/// settledLetter.
+/// resultingLetter.
 ///
 /// If the web shop log is on (ZAV.INI, section "VERKKOKAUPPA", key "Loki" = 1), each request is
 /// also logged to "WEBKAUPPA.LOG" in the company's data folder, in change log format. The setting
@@ -31,8 +31,8 @@ class WebShopMarkWriter {
     /// does not throw.
     void mark(const QString& tableName, const QString& key, QChar letter, const Report& report);
 
-    /// See settledWebShopLetter().
-    static QChar settledLetter(QChar pending, QChar letter);
+    /// See resultingWebShopLetter().
+    static QChar resultingLetter(QChar pending, QChar letter);
 
   private:
     struct Data;
