@@ -13,8 +13,16 @@ namespace shell {
 enum class ExitStatus {
     Done = 0,
     Failed = 1,       ///< a definition was refused, or part of a run failed
-    Unavailable = 2,  ///< no such company, no database, or an unknown definition in the batch list
+    Unavailable = 2,  ///< no such company, no database, no window that anybody sees, a batch list
+                      ///< that cannot be read or names an unknown definition
     AlreadyRun = 3    ///< the run mark is set
+};
+
+/// The batch list as it was found.
+struct BatchSource {
+    company::BatchList names;
+    QString text;             ///< which file it is and what it holds, in Finnish
+    bool unreadable = false;  ///< `text` says why
 };
 
 /// What a batch needs from the program.
@@ -32,6 +40,7 @@ struct BatchPorts {
     /// Runs the definition in the form.
     std::function<vatchange::RunResult()> run;
     std::function<void(const QString& line)> generalLog;
+    std::function<void(const QString& line)> standardError;
     std::function<void(const QString& line)> changeLog;
 };
 
@@ -41,9 +50,10 @@ extern const QString kAlreadyRunText;
 /// Prefix of change log lines about the program's own errors.
 extern const QString kErrorPrefix;
 
-/// Runs the definitions in list order and skips empty names. A definition that fails or cannot be
-/// read does not stop the next ones; a name that is not saved stops all before the first. A
-/// cancelled run ends the batch. Other errors of the ports are passed on.
-ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports);
+/// Runs the definitions in list order and skips empty names. Which list it is goes to the general
+/// log, and to standard error if it holds nothing or cannot be read. A definition that fails or
+/// cannot be read does not stop the next ones; a name that is not saved stops all before the first.
+/// A cancelled run ends the batch. Other errors of the ports are passed on.
+ExitStatus runBatch(const BatchSource& list, const BatchPorts& ports);
 
 }  // namespace shell

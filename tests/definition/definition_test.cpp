@@ -205,8 +205,11 @@ TEST(DefinitionNotes, NameIgnoredValues) {
     LoadedDefinition loaded = loadedWith(
         "HintaLahde3=hinta10;HintaLahde4=0;HintaLahde5=;"
         "edtPaaryhmaIgnore=610, 620,,x 1;AsRyhmaCheckList=1,9");
+    loaded.repeatedLine = 12;
     EXPECT_EQ(vatchange::definitionNotes(loaded, kFacts),
-              QStringList({str("tuntematon hinnan lähde HintaLahde3=hinta10, hintatasoa ei "
+              QStringList({str("määrittelyn nimi on tiedostossa toisen kerran rivillä 12: vain "
+                               "ensimmäinen luetaan"),
+                           str("tuntematon hinnan lähde HintaLahde3=hinta10, hintatasoa ei "
                                "muuteta"),
                            str("ulosrajattavissa ryhmissä (edtPaaryhmaIgnore) on kohta, joka ei "
                                "ole ryhmän numero ja jota ei oteta huomioon: x 1"),

@@ -89,7 +89,8 @@ TEST_F(OrderConversion, FailureKeepsPostedRowsAndNamesTheRow) {
         QStringLiteral("update MTRIVI set OstoVero = 2 where TilausNro = 2 and "
                        "RiviNro <> 2"));
     m_sales.targetClass = 200;
-    expectError(data::ErrorKind::BadValue, {"MTRIVI", "tilaus 2, rivi 2: ", "OstoVero", "200"},
+    expectError(data::ErrorKind::BadValue,
+                {"MTRIVI", "tilaus 2, rivi 2: kenttä OstoVero, arvo \"200\". "},
                 [this] { convertSales(); });
     EXPECT_EQ(classesOf("MTRIVI", "Verokanta"), "200 200 3 3");
     EXPECT_EQ(m_rows, 2);
@@ -119,7 +120,7 @@ TEST_F(OrderConversion, LockedRowFailsAndARerunFinishes) {
         const auto rows = other->openTable(QLatin1String(name));
         const auto held = rows->seek(0, data::SeekOp::Equal, {order, 2}, 1);
         ASSERT_TRUE(rows->lock(held.at(0).id, std::chrono::milliseconds(0)));
-        expectError(data::ErrorKind::Locked, {QStringLiteral("tilaus %1, rivi 2").arg(order)},
+        expectError(data::ErrorKind::Locked, {QStringLiteral("tilaus %1, rivi 2. ").arg(order)},
                     convert);
         EXPECT_EQ(classesOf(name, field), "5 3 3");
         rows->unlock(held.at(0).id);

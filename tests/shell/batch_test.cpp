@@ -22,6 +22,7 @@ struct Recorder {
     std::map<QString, RunResult> results;
     QStringList events;
     QString loaded;
+    bool listIsUnreadable = false;
 
     ExitStatus run(const char* list) {
         const QStringList names = str(list).split(u' ');  // "-" is an empty name
@@ -46,8 +47,9 @@ struct Recorder {
             return results[loaded];
         };
         ports.generalLog = [this](const QString& line) { events += str("general: ") + line; };
+        ports.standardError = [this](const QString& line) { events += str("error: ") + line; };
         ports.changeLog = [this](const QString& line) { events += line; };
-        return runBatch(batch, ports);
+        return runBatch({batch, str("lista"), listIsUnreadable}, ports);
     }
 };
 
@@ -62,19 +64,21 @@ TEST(Batch, RunsTheListInOrderUnlessSomethingForbidsIt) {
         ExitStatus status;
         QString events;
     } cases[] = {
-        {"c - a -", false, "", false, ExitStatus::Done, str("open") + c + a},
+        {"c - a -", false, "", false, ExitStatus::Done, str("general: lista|open") + c + a},
         {"C", false, "", false, ExitStatus::Done,
-         str("open|Aloitetaan muutos määrittelylle: C|run C")},
-        {"-", false, "", false, ExitStatus::Done, str("open")},
+         str("general: lista|open|Aloitetaan muutos määrittelylle: C|run C")},
+        {"-", false, "", false, ExitStatus::Done, str("general: lista|error: lista|open")},
         {"x a", true, "luokat", false, ExitStatus::AlreadyRun,
          str("general: Taksavaihe on kertaalleen ajettu")},
         {"a b x y", false, "luokat", false, ExitStatus::Unavailable,
-         str("Määrittelyä ei löydy, eräajoa ei tehdä: x|Määrittelyä ei löydy, eräajoa ei tehdä: "
-             "y")},
+         str("general: lista|Määrittelyä ei löydy, eräajoa ei tehdä: x|"
+             "error: Määrittelyä ei löydy, eräajoa ei tehdä: x|"
+             "Määrittelyä ei löydy, eräajoa ei tehdä: y|"
+             "error: Määrittelyä ei löydy, eräajoa ei tehdä: y")},
         {"a", false, "luokat|luettelo", false, ExitStatus::Failed,
-         str("Virhe: luokat|Virhe: luettelo")},
+         str("general: lista|Virhe: luokat|Virhe: luettelo")},
         {"a b c", false, "", true, ExitStatus::Failed,
-         str("open") + a + str("|Määrittelyä ei ajeta: \"b\": rivi 3") + c},
+         str("general: lista|open") + a + str("|Määrittelyä ei ajeta: \"b\": rivi 3") + c},
     };
     for (const auto& t : cases) {
         Recorder r;
@@ -84,6 +88,13 @@ TEST(Batch, RunsTheListInOrderUnlessSomethingForbidsIt) {
         EXPECT_EQ(r.run(t.list), t.status) << t.list;
         EXPECT_EQ(r.events.join(u'|'), t.events) << t.list;
     }
+
+    Recorder r;
+    r.listIsUnreadable = true;
+    EXPECT_EQ(r.run("-"), ExitStatus::Unavailable);
+    EXPECT_EQ(r.events.join(u'|'), str("general: lista|error: lista"));
+    r.marked = true;  // looked at first
+    EXPECT_EQ(r.run("-"), ExitStatus::AlreadyRun);
 }
 
 TEST(Batch, AFailedDefinitionFailsTheBatchAndOnlyACancelStopsIt) {

@@ -7,6 +7,9 @@
 #include "data/error.h"
 
 #ifndef Q_OS_WIN
+#ifdef Q_OS_LINUX
+#include <sys/fsuid.h>
+#endif
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
@@ -30,6 +33,26 @@ data::DataError thrownBy(Call&& call) {
 }
 
 #ifndef Q_OS_WIN
+/// During its life file permissions hold for this thread also when root runs the tests.
+class WithoutPrivileges {
+  public:
+#ifdef Q_OS_LINUX
+    WithoutPrivileges() {
+        ::setfsuid(::geteuid() == 0 ? kNobody : ::geteuid());
+    }
+    ~WithoutPrivileges() {
+        ::setfsuid(::geteuid());
+    }
+#else
+    WithoutPrivileges() = default;
+#endif
+    WithoutPrivileges(const WithoutPrivileges&) = delete;
+    WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
+
+  private:
+    static constexpr uid_t kNobody = 65534;
+};
+
 /// Makes the call `count` times in each of two concurrent processes, with the process's name and a
 /// number.
 template <typename Call>

@@ -4,6 +4,7 @@
 #include "company/unfinished_note.h"
 #include "data/clock.h"
 #include "vatchange/rules/log_texts.h"
+#include "vatchange/run/dependent_step.h"
 #include "vatchange/run/journal_session.h"
 #include "vatchange/run/run_context.h"
 
@@ -21,7 +22,7 @@ struct ErrorWording {
 
 /// Runs one step. Returns false if it failed; shows and counts the failure.
 template <typename Step>
-bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
+bool ExecWithExceptionHandling(RunContext& run, const ErrorWording& wording, Step&& step) {
     try {
         step();
         return true;
@@ -30,7 +31,7 @@ bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
         if (failure && (failure->kind() == data::ErrorKind::Locked ||
                         failure->kind() == data::ErrorKind::NoConnection))
             run.leftBehind = true;
-        const QString text = wording.before + errorText(error) + wording.after;
+        const QString text = wording.before + stepErrorText(error) + wording.after;
         ++run.result.failedSteps;
         run.result.failures += text;
         run.ports.NaytaViesti(text);
@@ -41,7 +42,7 @@ bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
 /// Runs one step unless the user has stopped the run.
 template <typename Step>
 bool attempt(RunContext& run, const ErrorWording& wording, Step&& step) {
-    return run.stopRequested() || guarded(run, wording, step);
+    return run.stopRequested() || ExecWithExceptionHandling(run, wording, step);
 }
 
 /// Warns of earlier runs that changed rows of products that are still unconverted. Returns false if
@@ -104,20 +105,20 @@ LabelTable prepareShelfLabels(RunContext& run) {
 void convertDependentTables(RunContext& run) {
     if (run.definition.customerPriceLists) {
         attempt(run, {QStringLiteral("Virhe asiakashinnaston päivityksessä: ")},
-                [&] { convertCustomerPriceLists(run); });
+                [&] { convertDependentRows(run, customerPriceStep(run)); });
     }
     if (run.definition.campaigns) {
         attempt(run, {QStringLiteral("Virhe kampanjan päivityksessä: ")},
-                [&] { convertCampaigns(run); });
+                [&] { convertDependentRows(run, campaignStep(run)); });
     }
     if (run.definition.recurringInvoicing) {
         attempt(run,
                 {QStringLiteral("Virhe "), QStringLiteral(" vakiolaskutuksen päivityksessä. ")},
-                [&] { convertRecurringInvoices(run); });
+                [&] { convertDependentRows(run, recurringInvoiceStep(run)); });
     }
     if (run.definition.quantityDiscounts) {
         attempt(run, {QStringLiteral("Virhe "), QStringLiteral(" määräalen päivityksessä. ")},
-                [&] { convertQuantityDiscounts(run); });
+                [&] { convertDependentRows(run, quantityDiscountStep(run)); });
     }
 }
 
@@ -155,10 +156,10 @@ void convertOrders(RunContext& run) {
     }
 }
 
-void writeMark(RunContext& run) {
+void MarkVatChangeAsDone(RunContext& run) {
     if (!company::programWritesMark(run.ports.programFileName()))
         return;
-    guarded(run, {QStringLiteral("Virhe ajomerkinnän kirjoituksessa: ")}, [&] {
+    ExecWithExceptionHandling(run, {QStringLiteral("Virhe ajomerkinnän kirjoituksessa: ")}, [&] {
         company::writeExecutionMark(run.database, data::Clock::now());
         run.result.markWritten = true;
     });
@@ -193,7 +194,7 @@ void runSteps(RunContext& run) {
     if (run.stopRequested())
         reportStop(run);
     else
-        writeMark(run);
+        MarkVatChangeAsDone(run);
     reportUnfinished(run, dependents);
 }
 
@@ -237,7 +238,14 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
         enterJournal(run, loaded, options)) {
         for (const QString& note : definitionNotes(loaded, facts))
             ports.log(kNoticePrefix + note);
-        runSteps(run);
+        try {
+            runSteps(run);
+        } catch (...) {  // of the ports
+            run.leftBehind = true;
+            leaveJournal(run);
+            releaseCompany(database, ports);
+            throw;
+        }
         leaveJournal(run);
     } else {
         result.refused = true;

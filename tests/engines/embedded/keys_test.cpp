@@ -173,8 +173,11 @@ TEST_F(EmbeddedKeys, NextContinuesAfterADeletedRecordAndIdsAreNotReused) {
     EXPECT_EQ(file->next(0, stored[2], Direction::Forward, 1).at(0).id, stored[3].id);
     EXPECT_EQ(file->next(0, stored[2], Direction::Backward, 1).at(0).id, stored[1].id);
     EXPECT_FALSE(file->get(stored[2].id).has_value());
-    EXPECT_EQ(errorOf([&] { file->update(stored[2].id, stored[2].bytes); }).kind(),
-              ErrorKind::Gone);
+    const DataError gone = errorOf([&] { file->update(stored[2].id, stored[2].bytes); });
+    EXPECT_EQ(gone.kind(), ErrorKind::Gone);
+    EXPECT_EQ(gone.finnish(),
+              QString("Tietue on sillä välin poistettu: TRYHMA: toinen ohjelma poisti sen. Hae "
+                      "tiedot uudelleen."));
     EXPECT_EQ(errorOf([&] { file->remove(stored[2].id); }).kind(), ErrorKind::Gone);
     run("delete from tryhma");
     file.reset();
@@ -198,6 +201,8 @@ TEST_F(EmbeddedKeys, UniqueKeysAndNumbersGivenOut) {
     EXPECT_EQ(error.kind(), ErrorKind::DuplicateKey);
     EXPECT_EQ(error.table(), "UUSIHINTA");
     EXPECT_TRUE(error.detail().contains("Avain \"7\"")) << error.english().toStdString();
+    EXPECT_TRUE(error.finnish().contains("UUSIHINTA: avaimessa 0 on jo Avain \"7\" ("))
+        << error.finnish().toStdString();
     run("insert into uusihinta (tuote) values ('x')");
     EXPECT_EQ(rows("select avain, tuote from uusihinta where tuote = 'x'"), QStringList{"9|x"});
     EXPECT_EQ(file->recordCount(), 4);
@@ -241,7 +246,11 @@ TEST_F(EmbeddedKeys, CatalogueGivesTheSourcesLayouts) {
             EXPECT_EQ(fields.join(' ').toLower(), source.keys[k].fields.join(' ').toLower());
         }
     }
-    EXPECT_EQ(errorOf([&] { db->openTable("PUUTTUU"); }).kind(), ErrorKind::NoSuchTable);
+    const DataError missing = errorOf([&] { db->openTable("PUUTTUU"); });
+    EXPECT_EQ(missing.kind(), ErrorKind::NoSuchTable);
+    EXPECT_EQ(missing.finnish(),
+              QString("Taulua ei ole tietokannassa: PUUTTUU: sitä ei ole tietokannan hakemistossa "
+                      "eikä sanakirjassa. Tarkista, että yrityksen tietokanta on ajan tasalla."));
     EXPECT_EQ(rows("select nro, nimi from hintataso where nro in (1, 9) order by nro"),
               (QStringList{"1|Hinta 1", "9|Hinta 9"}));
 }

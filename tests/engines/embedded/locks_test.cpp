@@ -74,6 +74,7 @@ TEST_F(EmbeddedLocks, AStatementStopsAtAHeldRecordAndChangesNothing) {
         EXPECT_EQ(error.kind(), ErrorKind::Locked) << sql;
         EXPECT_EQ(error.table(), "TRYHMA");
         EXPECT_TRUE(error.detail().contains("Nro \"2\"")) << error.english().toStdString();
+        EXPECT_TRUE(error.finnish().contains("TRYHMA: tietue Nro \"2\". "));
     }
     EXPECT_EQ(errorOf([&] { mine->update(held.id, held.bytes); }).kind(), ErrorKind::Locked);
     EXPECT_EQ(errorOf([&] { mine->remove(held.id); }).kind(), ErrorKind::Locked);
