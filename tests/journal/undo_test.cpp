@@ -100,7 +100,7 @@ class Undo : public testing::Test {
 
   private:
     QTemporaryDir m_folder;
-    test::ChangeMorning m_morning;
+    const data::Clock::Override m_morning{test::changeMorning};
 };
 
 TEST_F(Undo, ExactLeavesEveryTableAsBeforeTheRun) {
