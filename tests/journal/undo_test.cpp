@@ -176,7 +176,6 @@ TEST_F(Undo, InterruptedAnywhereAndRepeatedIsTheSame) {
         QDir(path("kuollut")).removeRecursively();
     }
 }
-}
 
 TEST_F(Undo, IsItselfUndoneAndAgain) {
     const qint64 first = undo(run, test::exactly()).run;

@@ -4,11 +4,11 @@
 
 namespace vatchange {
 
-// What may differ from what a run left without anybody having changed the run's work.
+// Differences from what a run left that do not count as later changes.
 
 /// Date or time of a record's last change, which the run itself sets.
 bool isChangeDate(const QString& table, const QString& field);
-/// Shelf labels and web shop marks: they are consumed by the programs that they are made for.
+/// Shelf labels and web shop marks: other programs consume them.
 bool isConsumedTable(const QString& table);
 inline const QString kLabelTable = QStringLiteral("HR");
 inline const QString kWebShopTable = QStringLiteral("WEBKLIITOS");

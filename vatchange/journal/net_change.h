@@ -18,10 +18,10 @@ struct NetChange {
 };
 
 NetChange netChangeOf(const data::JournalEntry& entry);
-/// Takes in the entry of the same record that came before.
+/// Merges an earlier entry of the same record.
 void putBefore(NetChange& change, const data::JournalEntry& earlier);
 
-/// Zeros where the change tells nothing.
+/// The record's bytes before (after) the change; zero where it did not change them.
 QByteArray recordBefore(const NetChange& change, int recordLength);
 QByteArray recordAfter(const NetChange& change, int recordLength);
 

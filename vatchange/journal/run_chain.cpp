@@ -27,10 +27,10 @@ void addTakenBack(RunJournal& journal, const std::vector<JournalRun>& runs, qint
         // an undo has a higher number than what it undoes, so this ends with a damaged head too
         if (!isUndoOf(undo, run) || undo.number <= run)
             continue;
-        data::IdSets broughtAgain;
-        addTakenBack(journal, runs, undo.number, broughtAgain);
+        data::IdSets redone;
+        addTakenBack(journal, runs, undo.number, redone);
         visitRecords(journal, undo.number, [&](const JournalEntry& entry) {
-            if (entry.origin > 0 && !broughtAgain.contains(0, entry.seq))
+            if (entry.origin > 0 && !redone.contains(0, entry.seq))
                 taken.add(0, entry.origin);
             return true;
         });
@@ -99,7 +99,7 @@ qint64 laterRunOver(RunJournal& journal, qint64 run, const data::IdSets& records
     const std::vector<data::JournalTable> tables = journal.tables(run);
     const std::vector<JournalRun> runs = journal.runs();
     for (auto later = runs.rbegin(); later != runs.rend() && later->number > run; ++later) {
-        // the undo of a later run is told by what it leaves of that
+        // undos of later runs are accounted for by takenBack() of those runs
         const bool isCounted = later->kind == RunKind::Change || later->undoneRun < run;
         if (isCounted && later->state != RunState::Undone &&
             touches(journal, later->number, tables, records))

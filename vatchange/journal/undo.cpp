@@ -1,5 +1,7 @@
 #include "vatchange/journal/undo.h"
 
+#include <QtGlobal>
+
 #include "data/clock.h"
 #include "vatchange/journal/run_refused.h"
 #include "vatchange/journal/run_upkeep.h"
@@ -110,8 +112,37 @@ void recordBeginning(RunJournal& journal, const JournalRun& undone, const UndoOp
     result.run = journal.begin(head, {{kUndoNote, undoNote(options.scope)}});
 }
 
-void performRecorded(RunJournal& journal, UndoWalk& walk, const JournalRun& undone,
+/// Lets commits be flushed together: each record's change is complete on its own.
+class DeferredFlushes {
+  public:
+    explicit DeferredFlushes(data::Database& database) : m_database(database) {
+        database.deferFlushes(true);
+    }
+    ~DeferredFlushes() {
+        if (!m_on)
+            return;
+        try {
+            end();
+        } catch (const std::exception& error) {  // the failure that led here is reported
+            qWarning("DeferredFlushes: %s", error.what());
+        }
+    }
+    DeferredFlushes(const DeferredFlushes&) = delete;
+    DeferredFlushes& operator=(const DeferredFlushes&) = delete;
+
+    void end() {
+        m_on = false;
+        m_database.deferFlushes(false);
+    }
+
+  private:
+    data::Database& m_database;
+    bool m_on = true;
+};
+
+void performRecorded(data::Database& database, UndoWalk& walk, const JournalRun& undone,
                      const UndoOptions& options, UndoPorts& ports, UndoResult& result) {
+    RunJournal& journal = *database.journal();
     recordBeginning(journal, undone, options, result);
     try {
         beginUndoneState(journal, undone.number);
@@ -120,7 +151,9 @@ void performRecorded(RunJournal& journal, UndoWalk& walk, const JournalRun& undo
             (result.resumed ? QStringLiteral(", jatketaan kesken jäänyttä perumista") : QString()));
         if (result.resumed)
             walk.takeUp(result.run);
+        DeferredFlushes deferred(database);
         walk.perform();
+        deferred.end();
         journal.end(result.cancelled  ? RunState::Stopped
                     : result.held > 0 ? RunState::Incomplete
                                       : RunState::Done);
@@ -157,7 +190,7 @@ UndoResult undoRun(data::Database& database, qint64 run, const UndoOptions& opti
         result.run = 0;
         walk.perform();
     } else {
-        performRecorded(journal, walk, undone, options, ports, result);
+        performRecorded(database, walk, undone, options, ports, result);
     }
     return result;
 }

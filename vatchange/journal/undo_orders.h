@@ -10,9 +10,9 @@
 
 namespace vatchange {
 
-/// Decides which orders an undo may take back: those that are byte for byte what the run left. Its
-/// decisions are marks of the undo's journal, since its own changes make an order another; so is
-/// what it leaves of an order in the end.
+/// Decides which orders an undo may take back: those whose bytes are what the run left. Decisions
+/// are stored as marks in the undo's journal, because the undo's own changes alter the fingerprint;
+/// so is the fingerprint that the undo leaves.
 class UndoOrders {
   public:
     UndoOrders(data::Database& database, qint64 run, bool dryRun);
@@ -24,7 +24,7 @@ class UndoOrders {
     bool takeUp(const QByteArray& mark);
 
     enum class Judgement { TakenBack, LeftNow, Left };
-    /// LeftNow: at the first question about an order that is left. An order that the run did not
+    /// LeftNow: the first time an order is asked for that is left. An order that the run did not
     /// finish is taken back, field by field.
     Judgement judge(const OrderTables& tables, qint64 number);
     /// Records what was left of the order judged last.

@@ -22,7 +22,7 @@ class UndoRecords {
     void takeBack(UndoTable& table, const NetChange& change, const Tell& tell);
 
   private:
-    /// What a record is compared with what the run left.
+    /// Result of comparing a record with what the run left.
     struct Judged {
         QByteArray restored;  ///< with the values from before where the run's still stand
         bool intact = true;   ///< all the run's values stand, dates of change aside

@@ -121,7 +121,7 @@ void UndoSignals::mark(const UndoTable& table, const NetChange& change) {
     QByteArray record = emptyRecord(layout);
     set(layout, record, "TAULU", marked);
     set(layout, record, "TUNNISTE", key);
-    set(layout, record, "TYYPPI", QString(settledWebShopLetter(pending, letter)));
+    set(layout, record, "TYYPPI", QString(resultingWebShopLetter(pending, letter)));
     set(layout, record, "MUUTOSPVM", now.date());
     set(layout, record, "MUUTOSKLO", now.time());
     table.file->insert(record);

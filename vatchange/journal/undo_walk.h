@@ -13,21 +13,21 @@
 
 namespace vatchange {
 
-/// Goes through a run's changes from the last to the first and takes each record back. Memory grows
-/// with the number of records by a few bits each.
+/// Takes a run's records back, from the last change to the first. Needs a few bits of memory per
+/// record.
 class UndoWalk {
   public:
     UndoWalk(data::Database& database, qint64 run, const UndoOptions& options, UndoTables& tables,
              UndoPorts& ports, UndoResult& result);
 
-    /// Finds out which records are concerned. Before everything else.
+    /// Collects the records concerned. Must be called first.
     void prepare();
     /// Records that the undo would change, by index of the run's tables; labels, web shop marks
     /// and the run mark are left out.
     const data::IdSets& records() const { return m_records; }
     bool nothingSelected() const { return m_seen.count() == 0; }
 
-    /// Takes in what the first part of an undo that goes on has recorded.
+    /// Reads what an interrupted undo has recorded so far.
     void takeUp(qint64 undo);
     void perform();
 

@@ -7,7 +7,7 @@ namespace vatchange {
 /// The letter to store for a web shop change mark, given the latest pending one (null: none) and
 /// the new one. A pending 'L' followed by 'M' stays 'L', because the row has yet to be added;
 /// otherwise the new letter wins. 'M' or 'L' after a pending 'P' puts the row back on the web shop.
-inline QChar settledWebShopLetter(QChar pending, QChar letter) {
+inline QChar resultingWebShopLetter(QChar pending, QChar letter) {
     return pending == u'L' && letter == u'M' ? pending : letter;
 }
 

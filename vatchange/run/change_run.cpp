@@ -244,13 +244,19 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
         for (const QString& note : definitionNotes(loaded, facts))
             ports.log(kNoticePrefix + note);
         reportEarlierChanges(run);
-        runSteps(run);
-        // a run that was asked to end must have ended before the verification takes its time
-        if (result.cancelled)
+        try {
+            runSteps(run);
+            // a run that was asked to end must have ended before the verification takes its time
+            if (result.cancelled)
+                leaveJournal(run);
+            verifyAtEnd(run);
+        } catch (...) {  // of the ports
+            run.leftBehind = true;
             leaveJournal(run);
-        verifyAtEnd(run);
-        if (!result.cancelled)
-            leaveJournal(run);
+            releaseCompany(database, ports);
+            throw;
+        }
+        leaveJournal(run);
     } else {
         result.refused = true;
     }

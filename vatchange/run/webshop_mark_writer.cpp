@@ -73,7 +73,7 @@ void WebShopMarkWriter::mark(const QString& tableName, const QString& key, QChar
 }
 
 QChar WebShopMarkWriter::resultingLetter(QChar pending, QChar letter) {
-    return settledWebShopLetter(pending, letter);
+    return resultingWebShopLetter(pending, letter);
 }
 
 }  // namespace vatchange

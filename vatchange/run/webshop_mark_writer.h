@@ -31,7 +31,7 @@ class WebShopMarkWriter {
     /// does not throw.
     void mark(const QString& tableName, const QString& key, QChar letter, const Report& report);
 
-    /// See settledWebShopLetter().
+    /// See resultingWebShopLetter().
     static QChar resultingLetter(QChar pending, QChar letter);
 
   private:
