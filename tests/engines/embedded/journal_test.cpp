@@ -93,6 +93,13 @@ TEST_F(Journal, HoldsWhatWasStoredInItsOrderAndNothingElse) {
     EXPECT_EQ(begin(), number + 1);
 }
 
+TEST_F(Journal, ItsTablesAppearUnderProgramsThatHaveTheCompanyOpen) {
+    const auto other = engines::openEmbedded("TOINEN", folder());
+    EXPECT_EQ(test::rows(*other, "select count(*) from TRYHMA"), QStringList{"0"});
+    begin();
+    EXPECT_EQ(test::rows(*other, "select Nro from TRYHMA"), QStringList());
+}
+
 TEST_F(Journal, EveryFlippedByteIsTold) {
     run("insert into TRYHMA (Nro, NIMI) values (7, 'Maalit')");
     const qint64 number = begin();
