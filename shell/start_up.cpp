@@ -17,6 +17,7 @@
 #include "framework/ui/splash.h"
 #include "platform/command_line.h"
 #include "platform/dictionary_module.h"
+#include "platform/end_request.h"
 #include "shell/build_stamp.h"
 #include "shell/main_form.h"
 #include "shell/program_title.h"
@@ -165,6 +166,11 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
 
 int runProgram(QApplication& application) {
     const bool batch = platform::hasSwitch(QStringLiteral("/E"));
+    if (batch) {
+        platform::watchEndRequests();
+        QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
+                         platform::requestEnd, Qt::DirectConnection);
+    }
     QApplication::setApplicationVersion(buildStamp());
     framework::useFinnishTexts();
     framework::installHelpKey();

@@ -22,7 +22,7 @@ class LockFile {
     /// Marks that a run is going on; calls nest. @return false when another process has done so.
     bool beginRun();
     void endRun();
-    /// Whether any process, this one included, is in a run.
+    /// Whether another process is in a run.
     bool runGoesOn();
 
   private:

@@ -25,7 +25,7 @@ using sqlite::Statement;
 class JournalStore : public RunJournal {
   public:
     /// `onCreation`: SQL that runs when the tables are made, in the same transaction. `runGoesOn`:
-    /// whether any process is in a run.
+    /// whether another process is in a run.
     JournalStore(sqlite3* db, QString fileName, QByteArray onCreation,
                  std::function<bool()> runGoesOn);
     ~JournalStore() override;

@@ -4,6 +4,7 @@
 #include "company/unfinished_note.h"
 #include "data/clock.h"
 #include "vatchange/rules/log_texts.h"
+#include "vatchange/run/earlier_runs.h"
 #include "vatchange/run/run_context.h"
 
 namespace vatchange {
@@ -37,29 +38,6 @@ bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
 template <typename Step>
 bool attempt(RunContext& run, const ErrorWording& wording, Step&& step) {
     return run.stopRequested() || guarded(run, wording, step);
-}
-
-/// Warns of earlier runs that changed rows of products that are still unconverted. Returns false if
-/// the user declines.
-bool earlierRunsAllow(RunContext& run) {
-    QStringList notes;
-    for (const company::UnfinishedNote& note : company::readUnfinishedNotes())
-        notes += company::unfinishedNoteText(note) + u'.';
-    if (notes.isEmpty())
-        return true;
-    const QString text =
-        notes.join(u' ') +
-        QStringLiteral(
-            " Asiakashinnastojen, kampanjoiden, toistuvaislaskutuksen ja "
-            "määräalennusten rivit, joiden tuotteella on vielä vanha alv-luokka, on "
-            "voitu jo kertoa kertoimella: tarkasta ne, ettei tämä ajo kerro niitä "
-            "uudestaan.");
-    run.ports.log(kNoticePrefix + text);
-    if (run.ports.unattended() || !run.definition.changesDependents() ||
-        run.ports.ask(text + QStringLiteral("\r\rJatketaanko?")))
-        return true;
-    run.result.refusal = text;
-    return false;
 }
 
 /// Changed rows so far, as "kampanjarivit 3, tuotteet 12"; empty if none.
@@ -220,9 +198,7 @@ QString claimCompany(data::Database& database) {
     try {
         if (database.beginRun())
             return {};
-        return QStringLiteral(
-            "Yrityksen toinen ajo on kesken. Tätä ajoa ei aloiteta; yritä uudestaan, "
-            "kun se on päättynyt.");
+        return kOtherRunText;
     } catch (const std::exception& error) {
         return QStringLiteral("Virhe ajon aloituksessa: ") + errorText(error);
     }
@@ -238,7 +214,8 @@ void releaseCompany(data::Database& database, RunPorts& ports) {
 
 }  // namespace
 
-RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports) {
+RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports,
+                    const RunOptions& options) {
     RunResult result;
     result.refusal = claimCompany(database);
     if (!result.refusal.isEmpty()) {
@@ -250,7 +227,8 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
     ChangeDefinition definition = loaded.definition;
     dropMissingGroups(definition, facts);
     RunContext run(database, definition, ports, result);
-    if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) && earlierRunsAllow(run)) {
+    if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) &&
+        earlierRunsAllow(run, options)) {
         for (const QString& note : definitionNotes(loaded, facts))
             ports.log(kNoticePrefix + note);
         runSteps(run);

@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <deque>
 
-#include "data/engine/engine.h"
+#include "data/engine/run_journal.h"
 #include "vatchange/definition/load_rules.h"
 #include "vatchange/ports/run_ports.h"
 
@@ -17,9 +17,22 @@ struct ChangedRows {
     qint64 rows = 0;
 };
 
+/// Told by a run that is refused because another process is in a run of the company.
+inline const QString kOtherRunText = QStringLiteral(
+    "Yrityksen toinen ajo on kesken. Tätä ajoa ei aloiteta; yritä uudestaan, kun se on päättynyt.");
+
+/// How a run is made.
+struct RunOptions {
+    qint64 resume = 0;  ///< number of the run to be resumed; 0: a new run
+    qint64 batch = 0;   ///< number of the first run of the batch; 0: this is it, or no batch
+};
+
 /// How a run of one definition ended.
 struct RunResult {
+    qint64 run = 0;  ///< its number in the journal; 0 without a journal or if refused
+    data::RunState state = data::RunState::Done;  ///< as stored in the journal; Done if refused
     bool refused = false;  ///< stopped before any change: definition, date, classes or another run
+    bool blocked = false;  ///< refused, because an earlier run is unfinished
     bool cancelled = false;   ///< stopped by the user, between rows or after a failed label
     int failedSteps = 0;      ///< steps that reported an error
     int skippedProducts = 0;  ///< products whose record another program had locked
@@ -44,6 +57,11 @@ struct RunResult {
 /// groups, store prices, products, open orders, product code check, run mark. A failed step is
 /// reported and the run continues with the next. No transaction spans the run. Database errors do
 /// not propagate.
-RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports);
+///
+/// Where the database keeps a journal, a run that cannot be entered there is refused. A resumed run
+/// finishes what an earlier attempt left: the same definition, VAT rates and table layouts, and it
+/// changes no dependent row that the run has changed already.
+RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports,
+                    const RunOptions& options = {});
 
 }  // namespace vatchange

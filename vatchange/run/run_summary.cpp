@@ -10,14 +10,14 @@
 namespace vatchange {
 
 RunSummary runWithSummary(data::Database& database, const LoadedDefinition& definition,
-                          RunPorts& ports) {
+                          RunPorts& ports, const RunOptions& options) {
     RunSummary summary;
     summary.definitionName = ports.definitionName();
     summary.definition = definition.definition;
     summary.logName = QFileInfo(company::AlvMuutosLogName()).absoluteFilePath();
     summary.logFrom = QFileInfo(summary.logName).size();
     summary.started = data::Clock::now();
-    summary.result = runChange(database, definition, ports);
+    summary.result = runChange(database, definition, ports, options);
     summary.ended = data::Clock::now();
     summary.logTo = QFileInfo(summary.logName).size();
     return summary;

@@ -23,7 +23,7 @@ struct RunSummary {
 
 /// Runs the change and collects the data for its report.
 RunSummary runWithSummary(data::Database& database, const LoadedDefinition& definition,
-                          RunPorts& ports);
+                          RunPorts& ports, const RunOptions& options = {});
 
 /// A run's log lines; of a long run only the first and last ones.
 struct LogExcerpt {
