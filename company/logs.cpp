@@ -67,15 +67,6 @@ QString timeStamp() {
     return text;
 }
 
-QString userName() {
-#ifdef Q_OS_WIN
-    return qEnvironmentVariable("USERNAME");
-#else
-    const passwd* entry = ::getpwuid(::getuid());
-    return entry ? QString::fromLocal8Bit(entry->pw_name) : QString::number(::getuid());
-#endif
-}
-
 QByteArray windows1252WithGaps(QString text) {
     QByteArray bytes;
     qsizetype bad = 0;
@@ -126,6 +117,15 @@ QString computerName() {
         return QString::fromWCharArray(name, static_cast<qsizetype>(length));
 #endif
     return QSysInfo::machineHostName();
+}
+
+QString userName() {
+#ifdef Q_OS_WIN
+    return qEnvironmentVariable("USERNAME");
+#else
+    const passwd* entry = ::getpwuid(::getuid());
+    return entry ? QString::fromLocal8Bit(entry->pw_name) : QString::number(::getuid());
+#endif
 }
 
 void setLogErrorReport(std::function<void(const QString& text)> report) {

@@ -28,6 +28,8 @@ void writeGeneralLog(const QString& message);
 
 /// This machine's host name.
 QString computerName();
+/// The operating system's name of the user.
+QString userName();
 
 /// Sets the handler for failures of the log writers and of other small files that must not stop a
 /// run. Texts are Finnish. Default, and for an empty handler: standard error. The handler must not

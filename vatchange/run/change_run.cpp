@@ -1,10 +1,10 @@
 #include "vatchange/run/change_run.h"
 
 #include "company/run_mark.h"
-#include "company/unfinished_note.h"
 #include "data/clock.h"
 #include "vatchange/rules/log_texts.h"
 #include "vatchange/run/earlier_runs.h"
+#include "vatchange/run/journal_session.h"
 #include "vatchange/run/run_context.h"
 
 namespace vatchange {
@@ -26,6 +26,10 @@ bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
         step();
         return true;
     } catch (const std::exception& error) {
+        const auto* failure = dynamic_cast<const data::DataError*>(&error);
+        if (failure && (failure->kind() == data::ErrorKind::Locked ||
+                        failure->kind() == data::ErrorKind::NoConnection))
+            run.leftBehind = true;
         const QString text = wording.before + errorText(error) + wording.after;
         ++run.result.failedSteps;
         run.result.failures += text;
@@ -51,38 +55,15 @@ QString changedSoFar(const RunResult& result) {
     return kinds.join(QStringLiteral(", "));
 }
 
-/// The unfinished-run note, from before the first change to the end of the run. It remains if
-/// products were skipped whose dependent rows this or an earlier run has already changed.
-class RunInProgress {
-  public:
-    explicit RunInProgress(const RunContext& run)
-        : m_run(run), m_wasNoted(company::writeUnfinishedNote(run.ports.definitionName())) {}
-    ~RunInProgress() {
-        if ((m_dependents.isEmpty() && !m_wasNoted) || m_run.result.clean())
-            company::removeUnfinishedNote(m_run.ports.definitionName());
-    }
-    RunInProgress(const RunInProgress&) = delete;
-    RunInProgress& operator=(const RunInProgress&) = delete;
-
-    /// Call right after the dependent tables.
-    void dependentsDone() { m_dependents = changedSoFar(m_run.result); }
-
-    /// Warns that a rerun of the definition would change dependent rows again.
-    void warnOfRerun() const {
-        if (m_dependents.isEmpty() || m_run.result.clean())
-            return;
-        m_run.ports.log(QStringLiteral("Ajo jäi vajaaksi, ja jo kerrottuja rivejä ovat: ") +
-                        m_dependents +
-                        QStringLiteral(". Uusi ajo kertoisi uudestaan ne, joiden tuotteella on "
-                                       "vielä vanha alv-luokka: ota nämä taulut pois "
-                                       "määrittelystä ennen uutta ajoa."));
-    }
-
-  private:
-    const RunContext& m_run;
-    const bool m_wasNoted;
-    QString m_dependents;
-};
+/// Tells which dependent rows an unfinished run has changed, and how to finish it.
+void reportUnfinished(RunContext& run, const QString& dependents) {
+    if (dependents.isEmpty() || !run.journal || !data::isUnfinished(stateOf(run)))
+        return;
+    run.ports.log(QStringLiteral("Ajo jäi vajaaksi, ja jo kerrottuja rivejä ovat: ") + dependents +
+                  QStringLiteral(". Jatka ajoa %1: uusi ajo kertoisi uudestaan ne, joiden "
+                                 "tuotteella on vielä vanha alv-luokka.")
+                      .arg(run.result.run));
+}
 
 /// Finds the label table if labels are on. Reports an unreadable one; products are then changed
 /// without labels.
@@ -133,6 +114,7 @@ void convertProductsAndGroups(RunContext& run, LabelTable labels) {
     const bool converted = attempt(run, {QStringLiteral("Virhe tuotetietojen muutoksessa -> ")},
                                    [&] { convertProducts(run, labels); });
     if (!converted) {
+        run.leftBehind = true;
         run.ports.log(QStringLiteral("Ennen virhettä muutettiin tuotteita ") +
                       QString::number(run.result.products) + QStringLiteral(" kpl"));
     }
@@ -169,14 +151,13 @@ void reportStop(RunContext& run) {
 }
 
 void runSteps(RunContext& run) {
-    RunInProgress inProgress(run);
     const LabelTable labels = prepareShelfLabels(run);
     run.ports.log(QStringLiteral("Aloitetaan taksavaiheet, parametrit ->"));
     run.ports.log(QStringLiteral("Rajaus: ") + run.condition + QStringLiteral(" Pyöristys: ") +
                   roundingText(run.definition));
     run.ports.log(QStringLiteral("Aloitetaan taksavaihe"));
     convertDependentTables(run);
-    inProgress.dependentsDone();
+    const QString dependents = changedSoFar(run.result);
     if (run.definition.products)
         convertProductsAndGroups(run, labels);
     convertOrders(run);
@@ -190,7 +171,7 @@ void runSteps(RunContext& run) {
         reportStop(run);
     else
         writeMark(run);
-    inProgress.warnOfRerun();
+    reportUnfinished(run, dependents);
 }
 
 /// Claims the company for this run. Returns the reason if impossible, else empty.
@@ -228,10 +209,11 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
     dropMissingGroups(definition, facts);
     RunContext run(database, definition, ports, result);
     if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) &&
-        earlierRunsAllow(run, options)) {
+        earlierRunsAllow(run, options) && enterJournal(run, loaded, options)) {
         for (const QString& note : definitionNotes(loaded, facts))
             ports.log(kNoticePrefix + note);
         runSteps(run);
+        leaveJournal(run);
     } else {
         result.refused = true;
     }

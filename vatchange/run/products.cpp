@@ -117,6 +117,7 @@ class ProductConversion {
             m_marks.mark(number, u'M');
         if (product.labels <= 0 || m_labels.write(number, product.labels))
             return true;
+        m_run.leftBehind = true;
         if (!m_run.ports.unattended())  // the user was asked
             m_run.stop(QStringLiteral("hyllynreunaetiketin virheen jälkeen"));
         return false;

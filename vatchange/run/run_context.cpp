@@ -60,6 +60,16 @@ bool RunContext::stopRequested() {
     return result.cancelled;
 }
 
+void RunContext::setOrigin(qint64 origin) {
+    if (journal)
+        journal->setOrigin(origin);
+}
+
+void RunContext::mark(const QByteArray& text) {
+    if (journal)
+        journal->mark(text);
+}
+
 void RunContext::stop(const QString& cause) {
     result.cancelled = true;
     stopCause = cause;

@@ -10,6 +10,7 @@
 #include "data/error.h"
 #include "data/sql/uni_query.h"
 #include "vatchange/definition/definition_problems.h"
+#include "vatchange/journal/run_notes.h"
 #include "vatchange/ports/run_ports.h"
 #include "vatchange/rules/price_rules.h"
 #include "vatchange/rules/statements.h"
@@ -26,9 +27,10 @@ class VatClasses {
     bool exists(int vatClass) const { return m_rates.count(vatClass) > 0; }
     double ratePercent(qint64 vatClass) const;  ///< 0 for an unknown class
     std::set<int> numbers() const;
+    const VatRates& rates() const { return m_rates; }
 
   private:
-    std::map<qint64, double> m_rates;
+    VatRates m_rates;
 };
 
 /// State shared by the steps of a run.
@@ -49,6 +51,12 @@ struct RunContext {
     qint64& changedRows(const QString& what);
     /// Logs, counts and lists a product whose record another program holds.
     void passOverProduct(const QString& number);
+
+    data::RunJournal* journal = nullptr;  ///< that records the run; none without a journal
+    /// Set when a step leaves products or orders behind that a resumed run can still change.
+    bool leftBehind = false;
+    void setOrigin(qint64 origin);      ///< see RunJournal::setOrigin()
+    void mark(const QByteArray& text);  ///< appends a mark to the journal
 
     /// Processes window events, then returns whether to stop; called between rows.
     bool stopRequested();

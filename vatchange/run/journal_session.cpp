@@ -1,0 +1,124 @@
+#include "vatchange/run/journal_session.h"
+
+#include "company/logs.h"
+#include "data/clock.h"
+#include "data/journal/entry_fields.h"
+
+namespace vatchange {
+
+namespace {
+
+const QString kChanged = QStringLiteral(
+    " ajon alkamisen jälkeen. Peru ajo tai hyväksy se sellaisena kuin se on, ja aja määrittely "
+    "sitten uudestaan.");
+
+/// The table that is no longer laid out as when the run changed it; empty if none.
+QString changedTable(data::Database& database, data::RunJournal& journal, qint64 run) {
+    for (const data::JournalTable& table : journal.tables(run)) {
+        try {
+            const auto file = database.openTable(table.name);
+            if (!data::describes(table, file->layout(), file->keys()))
+                return table.name;
+        } catch (const data::DataError& error) {
+            if (error.kind() != data::ErrorKind::NoSuchTable)
+                throw;
+            return table.name;
+        }
+    }
+    return {};
+}
+
+/// Why a run cannot be resumed; empty if it can.
+QString resumeProblem(RunContext& run, data::RunJournal& journal, const LoadedDefinition& loaded,
+                      qint64 number) {
+    const std::optional<data::JournalRun> head = journal.run(number);
+    if (!head)
+        return QStringLiteral("sitä ei ole ajopäiväkirjassa.");
+    if (head->kind != data::RunKind::Change ||
+        (!data::isUnfinished(head->state) && head->state != data::RunState::Errors))
+        return QStringLiteral("se ei ole kesken.");
+    if (head->definition != run.ports.definitionName())
+        return QStringLiteral("se on määrittelyn %1 ajo.").arg(head->definition);
+    if (journal.note(number, kDefinitionNote) != definitionNote(loaded.definition))
+        return QStringLiteral("määrittelyä on muutettu") + kChanged;
+    if (journal.note(number, kRatesNote) != ratesNote(run.classes.rates()))
+        return QStringLiteral("alv-luokkien prosentteja on muutettu") + kChanged;
+    const QString table = changedTable(run.database, journal, number);
+    if (!table.isEmpty())
+        return QStringLiteral("taulun %1 rakennetta on muutettu").arg(table) + kChanged;
+    return {};
+}
+
+void begin(RunContext& run, data::RunJournal& journal, const LoadedDefinition& loaded,
+           const RunOptions& options) {
+    data::JournalRun head;
+    head.definition = run.ports.definitionName();
+    head.started = data::Clock::now();
+    head.user = company::userName();
+    head.computer = company::computerName();
+    head.batch = options.batch;
+    run.result.run = journal.begin(head, {{kDefinitionNote, definitionNote(loaded.definition)},
+                                          {kRatesNote, ratesNote(run.classes.rates())}});
+}
+
+void resume(RunContext& run, data::RunJournal& journal, qint64 number) {
+    journal.resume(number);
+    run.result.run = number;
+    run.ports.log(QStringLiteral("Jatketaan keskeytynyttä ajoa %1").arg(number));
+}
+
+}  // namespace
+
+bool enterJournal(RunContext& run, const LoadedDefinition& loaded, const RunOptions& options) {
+    data::RunJournal* journal = run.database.journal();
+    if (!journal)
+        return true;
+    QString& refusal = run.result.refusal;
+    try {
+        if (options.resume == 0) {
+            begin(run, *journal, loaded, options);
+        } else {
+            const QString problem = resumeProblem(run, *journal, loaded, options.resume);
+            if (problem.isEmpty())
+                resume(run, *journal, options.resume);
+            else
+                refusal = QStringLiteral("Ajoa %1 ei voi jatkaa: ").arg(options.resume) + problem;
+        }
+    } catch (const std::exception& error) {
+        refusal = QStringLiteral("Virhe ajopäiväkirjan avauksessa, ajoa ei aloiteta: ") +
+                  errorText(error);
+    }
+    if (refusal.isEmpty()) {
+        run.journal = journal;
+        return true;
+    }
+    run.result.run = 0;
+    run.ports.NaytaViesti(refusal);
+    return false;
+}
+
+data::RunState stateOf(const RunContext& run) {
+    if (run.result.cancelled)
+        return data::RunState::Stopped;
+    if (run.leftBehind || run.result.skippedProducts > 0)
+        return data::RunState::Incomplete;
+    return run.result.failedSteps > 0 ? data::RunState::Errors : data::RunState::Done;
+}
+
+void leaveJournal(RunContext& run) {
+    run.result.state = stateOf(run);
+    if (!run.journal)
+        return;
+    try {
+        run.journal->end(run.result.state);
+    } catch (const std::exception& error) {
+        run.result.state = data::RunState::Interrupted;
+        ++run.result.failedSteps;
+        run.result.failures +=
+            QStringLiteral("Virhe ajopäiväkirjan päätöksessä: ") + errorText(error);
+        run.ports.NaytaViesti(run.result.failures.last());
+    }
+    run.journal = nullptr;
+}
+
+}  // namespace vatchange
