@@ -21,6 +21,13 @@ QString loadProblem(const QString& name, const BatchPorts& ports) {
     }
 }
 
+bool isAlreadyRun(const BatchPorts& ports) {
+    if (!ports.alreadyRun())
+        return false;
+    ports.generalLog(kAlreadyRunText);
+    return true;
+}
+
 class RunLock {
   public:
     explicit RunLock(data::Database& database)
@@ -70,11 +77,9 @@ bool runDefinitions(BatchProgress& batch, const BatchPorts& ports) {
 }  // namespace
 
 ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports) {
-    const bool continues = BatchProgress::unfinished(ports);
-    if (!continues && ports.alreadyRun()) {
-        ports.generalLog(kAlreadyRunText);
+    const bool unfinished = BatchProgress::unfinished(ports);
+    if (!unfinished && isAlreadyRun(ports))
         return ExitStatus::AlreadyRun;
-    }
 
     QStringList definitions;
     QStringList unknown;
@@ -97,7 +102,7 @@ ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports) {
         return ExitStatus::Failed;
     }
 
-    if (definitions.isEmpty() && !continues)
+    if (definitions.isEmpty() && !unfinished)
         return ExitStatus::Done;
     const RunLock lock(*ports.database);
     if (!lock.taken()) {
@@ -108,6 +113,11 @@ ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports) {
     if (const QString refusal = batch.refusal(); !refusal.isEmpty()) {
         ports.changeLog(refusal);
         return ExitStatus::Failed;
+    }
+    if (!batch.continues()) {
+        if (unfinished && isAlreadyRun(ports))  // it was given up, or another process finished it
+            return ExitStatus::AlreadyRun;
+        batch.begin();
     }
     ports.openForm();
     const bool clean = runDefinitions(batch, ports);

@@ -35,31 +35,35 @@ BatchProgress::BatchProgress(const BatchPorts& ports, const QStringList& names) 
     for (const QString& name : names)
         m_batch.definitions.push_back({name, ports.values(name)});
     std::optional<vatchange::Batch> earlier = storedBatch(ports);
-    if (earlier && !earlier->isFinished()) {
-        if (earlier->sameDefinitions(m_batch)) {
-            m_batch = *std::move(earlier);
-            ports.changeLog(QStringLiteral("Jatketaan keskeytynyttä ajoa: eräajosta on jäljellä ") +
-                            unfinishedNames(m_batch).join(QStringLiteral(", ")));
-            return;
-        }
-        m_refusal = editedProblem(*earlier, m_batch);
-        if (!m_refusal.isEmpty())
-            return;
-        ports.changeLog(QStringLiteral("Huomaa: aiempaa eräajoa ei jatketa, koska sen luetteloa "
-                                       "tai määrittelyä on muutettu; siitä jäi ajamatta ") +
-                        unfinishedNames(*earlier).join(QStringLiteral(", ")));
+    if (!earlier || earlier->isFinished())
+        return;
+    m_continues = earlier->sameDefinitions(m_batch);
+    if (m_continues) {
+        m_batch = *std::move(earlier);
+        ports.changeLog(QStringLiteral("Jatketaan keskeytynyttä ajoa: eräajosta on jäljellä ") +
+                        unfinishedNames(m_batch).join(QStringLiteral(", ")));
+        return;
     }
-    if (data::RunJournal* journal = ports.database->journal();
-        journal != nullptr && !m_batch.definitions.empty()) {
-        m_batch = vatchange::newBatch(*journal, std::move(m_batch.definitions));
-        vatchange::storeBatch(*journal, m_batch);
-    }
+    m_refusal = editedProblem(*earlier);
+    if (!m_refusal.isEmpty())
+        return;
+    ports.changeLog(QStringLiteral("Huomaa: aiempaa eräajoa ei jatketa, koska sen luetteloa tai "
+                                   "määrittelyä on muutettu; siitä jäi ajamatta ") +
+                    unfinishedNames(*earlier).join(QStringLiteral(", ")));
+    vatchange::removeBatch(*ports.database->journal());
+}
+
+void BatchProgress::begin() {
+    data::RunJournal* journal = m_ports.database->journal();
+    if (journal == nullptr || m_batch.definitions.empty())
+        return;
+    m_batch = vatchange::newBatch(*journal, std::move(m_batch.definitions));
+    vatchange::storeBatch(*journal, m_batch);
 }
 
 // Empty if the earlier batch makes way for the new one: the user has asked for that with "/U", or
 // has accepted or undone the runs that it left unfinished.
-QString BatchProgress::editedProblem(const vatchange::Batch& earlier,
-                                     const vatchange::Batch& now) const {
+QString BatchProgress::editedProblem(const vatchange::Batch& earlier) const {
     const QString edited = QStringLiteral(
         "Virhe: keskeytynyttä eräajoa ei jatketa, koska sen luetteloa tai määrittelyä on muutettu. "
         "Palauta ne ennalleen");

@@ -14,12 +14,15 @@ class BatchProgress {
     /// Whether the journal holds a batch with something left to do.
     static bool unfinished(const BatchPorts& ports);
 
-    /// Continues the unfinished batch of the journal or stores a new one of these definitions; says
-    /// in the change log what it continues or gives up. To be called with the run lock held.
+    /// Continues the unfinished batch of the journal if these are its definitions; says in the
+    /// change log what it continues or gives up. To be created with the run lock held.
     BatchProgress(const BatchPorts& ports, const QStringList& names);
 
     /// Why the unfinished batch cannot be continued, in Finnish; empty if nothing is in the way.
     const QString& refusal() const { return m_refusal; }
+    bool continues() const { return m_continues; }
+    /// Stores a new batch of the definitions.
+    void begin();
 
     struct Definition {
         QString name;
@@ -38,7 +41,7 @@ class BatchProgress {
     bool stored() const { return m_stored; }
 
   private:
-    QString editedProblem(const vatchange::Batch& earlier, const vatchange::Batch& now) const;
+    QString editedProblem(const vatchange::Batch& earlier) const;
     void store();
 
     const BatchPorts& m_ports;
@@ -46,6 +49,7 @@ class BatchProgress {
     size_t m_tried = 0;  // definitions before this one are done with
     Definition m_current;
     QString m_refusal;
+    bool m_continues = false;
     bool m_stored = true;
 };
 

@@ -55,7 +55,7 @@ bool notesAllow(RunContext& run) {
                                .arg(command("accept-run", 0));
     if (!acceptOrRefuse(run, text, advice))
         return false;
-    company::removeUnfinishedNote(run.ports.definitionName());  // the user has accepted it
+    company::acceptUnfinishedNote(run.ports.definitionName());
     return true;
 }
 
