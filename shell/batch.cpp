@@ -102,8 +102,10 @@ ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports) {
         return ExitStatus::Failed;
     }
 
-    if (definitions.isEmpty() && !unfinished)
+    if (definitions.isEmpty() && !unfinished) {
+        ports.openForm();
         return ExitStatus::Done;
+    }
     const RunLock lock(*ports.database);
     if (!lock.taken()) {
         ports.changeLog(vatchange::kOtherRunText);

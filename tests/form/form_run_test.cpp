@@ -162,7 +162,8 @@ TEST_F(FormRun, AsksWhatToDoAboutAnUnfinishedRunOfTheSameDefinition) {
         "Alusta aloitettu ajo kertoisi uudestaan nämä jo kerrotut rivit:\n\nASALE 3 (1 398 0 0; "
         "1 399 0 0; 1 400 0 0)\n\nAloitetaanko silti alusta?");
     const auto customerPrices = [this](double price) {
-        return m_shop.number(str("select count(*) from ASALE where Hinta = %1").arg(price));
+        return m_shop.number(
+            str("select count(*) from ASALE where round(Hinta, 2) = %1").arg(price));
     };
 
     stopInProducts();

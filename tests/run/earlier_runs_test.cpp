@@ -62,14 +62,15 @@ class UnfinishedRun : public ::testing::Test {
         for (const char* product : {"A1", "A2"}) {
             for (const char* sql :
                  {"insert into TUOTE (NUMERO, LVV, HINTA, RYHMA, MaaraAle) "
-                  "values ('%1', 3, 10, %2, %2)",
+                  "values ('#1', 3, 10, #2, #2)",
                   "insert into ASALE (AsiakasNumero, Tuote, Maara, Hinta, Tyyppi) "
-                  "values (7, '%1', 1.5, 100, 1)",
-                  "insert into KAMPPANJA (Tuote, RiviNro, Myyntihinta) values ('%1', 1, 100)",
-                  "insert into VAKIOLASKUTUS (Asiakas, Tuote, Ahinta) values (7, '%1', 100)",
-                  "insert into MAARAALE (Numero, Arvo) values (%2, 100)"})
-                m_company.exec(
-                    QString::fromUtf8(sql).arg(QLatin1String(product), QLatin1String(product + 1)));
+                  "values (7, '#1', 1.5, 100, 1)",
+                  "insert into KAMPPANJA (Tuote, RiviNro, Myyntihinta) values ('#1', 1, 100)",
+                  "insert into VAKIOLASKUTUS (Asiakas, Tuote, Ahinta) values (7, '#1', 100)",
+                  "insert into MAARAALE (Numero, Arvo) values (#2, 100)"})
+                m_company.exec(QString::fromUtf8(sql)
+                                   .replace(QLatin1String("#1"), QLatin1String(product))
+                                   .replace(QLatin1String("#2"), QLatin1String(product + 1)));
         }
         const auto other = m_company.otherProgram();
         const auto products = other->openTable(QStringLiteral("TUOTE"));

@@ -107,7 +107,7 @@ TEST(Batch, RunsTheListInOrderUnlessSomethingForbidsIt) {
         {"c - a -", false, "", false, ExitStatus::Done, str("open") + c + a},
         {"C", false, "", false, ExitStatus::Done,
          str("open|Aloitetaan muutos määrittelylle: C|run C")},
-        {"-", false, "", false, ExitStatus::Done, str("")},
+        {"-", false, "", false, ExitStatus::Done, str("open")},
         {"x a", true, "luokat", false, ExitStatus::AlreadyRun,
          str("general: Taksavaihe on kertaalleen ajettu")},
         {"a b x y", false, "luokat", false, ExitStatus::Unavailable,

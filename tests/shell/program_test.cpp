@@ -207,6 +207,7 @@ class InterruptedProgram : public Program {
     static constexpr int kProducts = 600;
 
     InterruptedProgram() {
+        company::takeIntoUse(m_company);
         for (const auto& [name, from, to] :
              {std::tuple{"Ensin", "1", "2"}, {"Toiseksi", "3", "6"}, {"Lopuksi", "2", "3"}})
             m_store.save(m_form, {str(name),
@@ -231,7 +232,6 @@ class InterruptedProgram : public Program {
         EXPECT_TRUE(QDir(m_whole.path()).mkdir(str("MAARITYS")) &&
                     QFile::copy(m_shop.file(definitions), m_whole.file(definitions)));
         EXPECT_EQ(run({str("Keskeytymätön"), str("/E")}), 0) << m_errors.toStdString();
-        company::takeIntoUse(m_company);
     }
 
     /// Starts the batch and ends it between the first and the last product of "Toiseksi".
