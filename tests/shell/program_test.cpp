@@ -217,6 +217,7 @@ class InterruptedProgram : public Program {
                                    {str("HintaLahde1"), str("hinta")},
                                    {str("Hinta1Edit"), str("1.1")},
                                    {str("asiakashinnasto"), str("1")}}});
+        m_shop.exec(str("delete from TUOTE"));
         m_shop.addProducts(kProducts);
         m_shop.exec(str("update TUOTE set HRKPL = 1, Verkkokauppa = 1"));
         m_shop.exec(str("update TUOTE set LVV = 1 where NUMERO < '2'"));
