@@ -78,7 +78,7 @@ void fillEngine(Database& db, int products) {
 
 // TUOTE as an ordinary SQLite table with the same keys.
 engines::sqlite::SqliteHandle makePlain(const QString& fileName, const TableSource& source,
-                                          int products) {
+                                        int products) {
     engines::sqlite::SqliteHandle handle(fileName, engines::sqlite::SqliteHandle::Mode::Create);
     engines::sqlite::execute(
         handle.get(),
@@ -207,7 +207,7 @@ int main(int argc, char** argv) {
     std::vector<int> order;
     for (int i = 0; i < updates; ++i)
         order.push_back(static_cast<int>(random() % static_cast<unsigned>(products)));
-    // In turns, so that variations of the disk affect both equally.
+    // Alternating, so that disk variations affect both equally.
     Timing engine, other;
     for (size_t from = 0; from < order.size(); from += order.size() / 10 + 1) {
         const size_t to = std::min(order.size(), from + order.size() / 10 + 1);
@@ -239,7 +239,7 @@ int main(int argc, char** argv) {
                    folder.filePath(QStringLiteral("plain.db")),
                    engines::sqlite::SqliteHandle::Mode::ReadWrite);
                engines::sqlite::Statement(fresh.get(),
-                                            "SELECT NIMI FROM TUOTE WHERE NUMERO = 'T00000001'")
+                                          "SELECT NIMI FROM TUOTE WHERE NUMERO = 'T00000001'")
                    .step();
            }));
     return 0;

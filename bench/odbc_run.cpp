@@ -54,7 +54,7 @@ class SilentPorts : public vatchange::RunPorts {
     void log(const QString&) override {}
     void status(const QString&) override {}
     void progress(qint64, qint64) override {}
-    void breathe() override {}
+    void processEvents() override {}
     bool cancelled() const override { return false; }
     QString programFileName() const override { return QStringLiteral("odbc_run"); }
     bool skipEarlyDateCheck() const override { return true; }

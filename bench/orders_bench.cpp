@@ -124,7 +124,7 @@ class MeasuringPorts : public vatchange::RunPorts {
         if (done % 1000 == 0)
             m_measured.megabytes = std::max(m_measured.megabytes, anonymousMegabytes());
     }
-    void breathe() override {}
+    void processEvents() override {}
     bool cancelled() const override { return false; }
     QString programFileName() const override { return {}; }
     bool skipEarlyDateCheck() const override { return true; }

@@ -246,14 +246,14 @@ int main(int argc, char** argv) {
         const QString folder = arguments[option + 1];
         form->NollaaSuodin();
         grab(folder, QStringLiteral("tuotehaku.png"), *form);
-        const auto shoot = [&folder](search::TBtrHakuForm* window, const QString& name) {
+        const auto saveScreenshot = [&folder](search::TBtrHakuForm* window, const QString& name) {
             window->show();
             grab(folder, name, *window);
             delete window;
         };
-        shoot(new search::TTrHakuForm, QStringLiteral("tuoteryhmahaku.png"));
-        shoot(new search::TPrHakuForm, QStringLiteral("paaryhmahaku.png"));
-        shoot(new search::TArHakuForm, QStringLiteral("aliryhmahaku.png"));
+        saveScreenshot(new search::TTrHakuForm, QStringLiteral("tuoteryhmahaku.png"));
+        saveScreenshot(new search::TPrHakuForm, QStringLiteral("paaryhmahaku.png"));
+        saveScreenshot(new search::TArHakuForm, QStringLiteral("aliryhmahaku.png"));
     }
     delete form;
     company::TZavDbConnectionModule::shutDown();

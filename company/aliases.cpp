@@ -90,7 +90,7 @@ QStringList aliasNames() {
                 names.append(name);
         }
     }
-    platform::sortForFinnishEyes(names);
+    platform::sortInFinnishOrder(names);
     return names;
 }
 

@@ -5,17 +5,17 @@
 
 namespace data {
 
-/// The product's clock: local time. CURDATE(), CURTIME() and now() of the SQL, the logs and the
-/// early-date check all ask it, so that a test can set the time of all of them at once.
+/// The program's clock, in local time. SQL functions (CURDATE(), CURTIME(), now()), logs and the
+/// early-date check all use it, so that tests can set the time for all of them.
 class Clock {
   public:
-    /// To the second: a run asks for every row, and the system's zone is looked up once a second.
+    /// To the second. Fast enough for every row of a run: the time zone is looked up once a second.
     static QDateTime now();
     /// With milliseconds, for traces.
     static QDateTime preciseNow();
     static QDate today() { return now().date(); }
 
-    /// Replaces the source of time until the object goes; for tests.
+    /// Replaces the time source during its lifetime. For tests.
     class Override {
       public:
         explicit Override(std::function<QDateTime()> source);

@@ -50,7 +50,7 @@ const Wording& wordingOf(ErrorKind kind) {
     return kWordings.back();
 }
 
-// Drivers' texts come with line breaks of their own; blanks inside a value stay as they are.
+// Driver messages may contain line breaks; blanks inside values are kept.
 QString oneLine(const QString& text) {
     QString line = text;
     line.replace(QLatin1String("\r\n"), QLatin1String(" "));
@@ -61,7 +61,7 @@ QString oneLine(const QString& text) {
     return line.trimmed();
 }
 
-// "what: table: detail (code n)", leaving out what is not known.
+// "what: table: detail (code n)"; empty parts are left out.
 QString compose(const char16_t* what, const QString& table, const QString& detail, int code,
                 const QString& codeWord) {
     QString line = QString::fromUtf16(what);

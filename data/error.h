@@ -6,49 +6,49 @@
 
 namespace data {
 
-/// What went wrong, as far as a caller can act on it.
+/// Kinds of failure that callers distinguish.
 enum class ErrorKind {
     NoConnection,  ///< the company's database cannot be reached
     NoSuchTable,   ///< the table is neither in the catalogue nor in a dictionary
-    NoSuchField,   ///< a field, key or parameter name that the table or statement lacks
-    BadValue,      ///< a value that its field cannot hold
-    DuplicateKey,  ///< a unique key has the value already
-    Locked,        ///< somebody else holds the record (or the database) and the wait is over
-    Gone,          ///< the record was deleted meanwhile
-    Syntax,        ///< a statement, filter or dictionary source that cannot be read
-    Damaged,       ///< bytes that are not what the format says
-    ReadOnly,      ///< the database may not be written
-    DiskFull,      ///< no room on the disk
-    Io,            ///< any other failure of reading or writing
-    Engine         ///< anything else that the engine refuses
+    NoSuchField,   ///< no such field, key or parameter
+    BadValue,      ///< the field cannot store the value
+    DuplicateKey,  ///< a unique key already has the value
+    Locked,        ///< another program held the record (or the database) until the wait expired
+    Gone,          ///< the record has been deleted
+    Syntax,        ///< malformed statement, filter or dictionary source
+    Damaged,       ///< bytes contradict the format
+    ReadOnly,      ///< the database is write-protected
+    DiskFull,      ///< the disk is full
+    Io,            ///< any other read or write failure
+    Engine         ///< any other engine failure
 };
 
-/// The one error type of the data module: expected outcomes (not found, end of table) are return
-/// values, everything else throws this. Kept as parts, so that a window can say it in Finnish and
-/// a command line in English.
+/// The only exception type of the data module. Expected outcomes (not found, end of table) are
+/// return values. The parts are kept apart so that windows can show Finnish and command line tools
+/// English.
 class DataError : public std::runtime_error {
   public:
     DataError(ErrorKind kind, QString table, QString detail, int nativeCode = 0);
 
-    /// An error that is told by this message alone, word for word, in either language.
+    /// An error with one fixed message in both languages.
     static DataError verbatim(ErrorKind kind, const QString& message);
 
     ErrorKind kind() const { return m_kind; }
-    /// Table (or file) concerned; empty when none is.
+    /// Table (or file) concerned; may be empty.
     const QString& table() const { return m_table; }
-    /// What exactly: the field and value, the driver's text, the place in a statement. English or
-    /// the driver's own language; no line breaks.
+    /// Field and value, driver message, or position in a statement. In English or the driver's
+    /// language; no line breaks.
     const QString& detail() const { return m_detail; }
-    /// The engine's own code; 0 when it has none.
+    /// The engine's own code; 0 if there is none.
     int nativeCode() const { return m_nativeCode; }
 
-    /// The same error with texts of its own for finnish(): the detail and, unless empty, what to do
-    /// about it (whole sentences) in place of the kind's usual advice.
+    /// A copy with its own Finnish detail and, unless empty, its own advice (whole sentences)
+    /// instead of the kind's.
     DataError inFinnish(const QString& detail, const QString& remedy = QString()) const;
 
-    /// One line in Finnish: what, where, and what to do about it. For windows and the logs.
+    /// One line in Finnish for windows and logs: what, where, and what to do.
     QString finnish() const;
-    /// One line in English, for the command line tools; also what what() holds as UTF-8.
+    /// One line in English for command line tools; what() returns it as UTF-8.
     QString english() const;
 
   private:
@@ -63,7 +63,7 @@ class DataError : public std::runtime_error {
     bool m_verbatim = false;
 };
 
-/// One line for the user about an exception: the Finnish text of a data error.
+/// One line for the user: finnish() of a DataError, otherwise what().
 QString errorText(const std::exception& error);
 
 }  // namespace data

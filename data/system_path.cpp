@@ -6,7 +6,7 @@ namespace data {
 
 QString systemPath(const QString& fileName) {
 #ifdef Q_OS_WIN
-    // 12 characters stay free for what is put behind a folder's or database's name ("-journal").
+    // Leaves 12 characters for suffixes of a folder's or database's name ("-journal").
     constexpr qsizetype kLongest = 260 - 1 - 12;
     const QString full = QDir::toNativeSeparators(QDir(fileName).absolutePath());
     if (full.size() <= kLongest || full.startsWith(QLatin1String("\\\\?\\")))

@@ -4,9 +4,8 @@
 
 namespace data {
 
-/// A file name as this program's own calls of the operating system take it. On Windows a long name
-/// gets the prefix that frees it from the limit of 260 characters; elsewhere nothing changes. For
-/// what does not go through QFile, which does the same by itself.
+/// A file name for direct calls of the operating system (QFile does this itself). On Windows a long
+/// name gets the prefix that lifts the 260-character limit; elsewhere unchanged.
 QString systemPath(const QString& fileName);
 
 }  // namespace data

@@ -8,14 +8,14 @@ namespace data {
 
 namespace {
 
-// Characters of the codes 80..9F; all other codes are those of Latin-1.
+// Characters of the codes 80..9F; all other codes equal Latin-1.
 constexpr std::array<char16_t, 32> kHigh{{
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 }};
 
-// The reverse, in character order, for a binary search.
+// The inverse, sorted by character.
 struct Reverse {
     char16_t character = 0;
     unsigned char code = 0;
@@ -36,7 +36,7 @@ bool isHigh(char16_t code) {
     return code >= 0x80 && code < 0xA0;
 }
 
-// The code of a character that is not one of Latin-1's own; -1 when there is none.
+// Code of a character outside Latin-1; -1 if there is none.
 int reverseCode(char16_t character) {
     const auto* at =
         std::lower_bound(kReverse.begin(), kReverse.end(), character,
@@ -77,8 +77,8 @@ bool toWindows1252(const QString& text, QByteArray& bytes, qsizetype* badIndex) 
     return true;
 }
 
-// Order: the codes up to '@', the letters A..Z, then Å Ä Ö, then everything else by its code. A
-// small letter weighs what its capital does; no two other characters share a weight.
+// Order: the codes up to '@', the letters A..Z, then Å Ä Ö, then everything else by code. A
+// lower-case letter has its capital's weight; no other characters share a weight.
 // clang-format off
 const unsigned char kCaseFoldWeight[256] = {
       0,   1,   2,   3,   4,   5,   6,   7,   8,   9,  10,  11,  12,  13,  14,  15,

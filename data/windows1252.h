@@ -5,19 +5,18 @@
 
 namespace data {
 
-/// Text of records is Windows-1252. The five codes that the table leaves open (81, 8D, 8F, 90, 9D)
-/// stand for the control characters of the same number, so that every byte comes back as it was.
+/// Record texts are Windows-1252. The five undefined codes (81, 8D, 8F, 90, 9D) map to the control
+/// characters of the same number, so that every byte survives a round trip.
 QString fromWindows1252(const char* bytes, qsizetype length);
 inline QString fromWindows1252(const QByteArray& bytes) {
     return fromWindows1252(bytes.constData(), bytes.size());
 }
 
-/// The bytes of a text. @return false, leaving `bytes` alone, when a character has no code;
-/// `*badIndex` (when given) is its place in the text.
+/// Encodes a text. @return false, leaving `bytes` unchanged, if a character has no code; its index
+/// goes to `*badIndex` (if given).
 bool toWindows1252(const QString& text, QByteArray& bytes, qsizetype* badIndex = nullptr);
 
-/// Weight of a byte in keys that ignore case: letters fold to one case, and å, ä, ö come after z in
-/// this order.
+/// Weight of a byte in case-insensitive keys: å, ä, ö come after z in this order.
 extern const unsigned char kCaseFoldWeight[256];
 
 }  // namespace data

@@ -1,6 +1,6 @@
-// Catalogue rows of any bytes: a catalogue that is refused, or whose tables are refused, or layouts
-// that read any record and compile into a new company's catalogue again. Input: pieces, each a byte
-// that says which catalogue table the row belongs to and how much of it follows.
+// Any bytes as catalogue rows: either the catalogue or its tables are refused, or their layouts
+// read any record and compile into a new company's catalogue. Input: pieces, each a byte with
+// catalogue table and length, then the row's bytes.
 
 #include <map>
 #include <vector>
@@ -16,7 +16,7 @@ namespace {
 
 using Rows = std::map<QString, std::vector<QByteArray>>;
 
-// The beginnings of rows are given: their numbers, names and flags; the rest is zeros.
+// The start of each row is given (numbers, names, flags); the rest is zeros.
 Rows takeRows(const uint8_t* data, size_t size) {
     static const QString kTables[] = {data::kFileTable, data::kFieldTable, data::kIndexTable};
     static const std::map<QString, int> kLengths = [] {
@@ -51,7 +51,7 @@ void useTable(const data::TableDescription& table) {
             values.push_back(data::readValue(table.layout.field(segment.fieldIndex), bytes));
         try {
             image.prefix(values);
-        } catch (const data::DataError&) {  // a value that no field may be given, such as NaN
+        } catch (const data::DataError&) {  // a value that no field can store, such as NaN
             continue;
         }
     }

@@ -6,9 +6,9 @@
 #include "data/record/record_layout.h"
 #include "fuzz/fuzz.h"
 
-// One field over any bytes, and any text as its value. Input: which field, then its record bytes,
-// then the text as UTF-8. What is read can be written back and reads the same; a text that is
-// accepted is stored, and its printed form is accepted again and stores the same bytes.
+// One field over any bytes, and any text as its value. Input: field number, record bytes, text as
+// UTF-8. A value read can be written back and reads the same; an accepted text is stored, and its
+// printed form is accepted and stores the same bytes.
 
 namespace {
 
@@ -61,9 +61,9 @@ bool sameValue(const data::Value& a, const data::Value& b) {
 void rewrite(const data::TFieldCacheItem& field, QByteArray record) {
     const data::Value value = data::readValue(field, at(record));
     if (field.kind() == Kind::Float && !std::isfinite(value.toDouble()))
-        return;  // bytes of no number; writing them is refused
+        return;  // not a number; writing it is refused
     if (field.kind() == Kind::Time && !value.toTime().isValid())
-        return;  // bytes of no time; stored as the empty one, which reads as midnight
+        return;  // not a time; stored as the empty one, which reads as midnight
     data::writeValue(field, at(record), value, QString());
     require(sameValue(data::readValue(field, at(record)), value));
 }
@@ -79,7 +79,7 @@ void storeText(const data::TFieldCacheItem& field, const QString& text) {
     try {
         data::writeValue(field, at(first), value, QString());
     } catch (const data::DataError&) {
-        // Only the zone can carry an accepted timestamp out of the storable years.
+        // Only a time zone can move an accepted timestamp out of the storable years.
         require(field.kind() == Kind::Timestamp);
         return;
     }

@@ -1,5 +1,5 @@
-// Any words as a command line: of zavdb (parsed, not run), and as the program's parameters. Words
-// are separated by line breaks.
+// Any words as a command line: of zavdb (parsed, not run), and as the program's parameters. One
+// word per line.
 
 #include <QCoreApplication>
 
@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (const QString& word : words) {
         require(platform::hasSwitch(word));
         require(!platform::hasSwitchAfterFirst(word) || words.size() > 1);
-        // a name that is accepted names a folder's entry and nothing else
+        // an accepted name is a single path component
         if (company::aliasNameProblem(word).isEmpty())
             require(!word.isEmpty() && !word.contains(u'/') && !word.contains(u'\\') &&
                     word != QLatin1String("..") && !word.startsWith(u'-'));

@@ -1,5 +1,4 @@
-// CSV: any bytes are either refused or read; what was read comes back the same after it was
-// written.
+// Any bytes as CSV: refused, or read; rows read come back the same after writing.
 
 #include <QBuffer>
 #include <vector>
@@ -11,7 +10,7 @@ namespace {
 
 using Rows = std::vector<std::vector<QString>>;
 
-/// @return false when the bytes are no CSV, or no UTF-8.
+/// @return false if the bytes are not CSV or not UTF-8.
 bool readAll(QByteArray bytes, Rows& rows) {
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);

@@ -1,4 +1,4 @@
-// Any bytes as a form's saved definitions: read, decoded, judged, saved and read again.
+// Any bytes as a form's saved definitions: read, decoded, checked, saved and read again.
 
 #include <QDir>
 #include <QFile>
@@ -14,8 +14,8 @@
 
 namespace {
 
-// What is taken reads back; the statements that a definition's texts lead to hold nothing of them
-// but whole numbers and names of price columns.
+// Accepted values read back the same; statements built from a definition's texts contain only its
+// integers and names of price columns.
 void useDefinition(const framework::SavedDefinition& saved) {
     const vatchange::DecodedDefinition decoded = vatchange::decodeDefinition(saved);
     framework::SavedDefinition written;
@@ -27,7 +27,7 @@ void useDefinition(const framework::SavedDefinition& saved) {
 
     vatchange::LoadedDefinition loaded = vatchange::loadDefinition(saved);
     require(loaded.findings.size() >= decoded.unreadable.size());
-    require(vatchange::stillHolding(loaded.findings, loaded.definition).size() ==
+    require(vatchange::remainingFindings(loaded.findings, loaded.definition).size() ==
             loaded.findings.size());
     vatchange::ChangeDefinition& definition = loaded.definition;
     require(vatchange::applyLoadRules(definition).empty());
@@ -46,7 +46,7 @@ void useDefinition(const framework::SavedDefinition& saved) {
     require(assignment.match(vatchange::storePriceAssignments(definition, 1.255)).hasMatch());
 }
 
-// Any text is tried as the value of each field of the table, too.
+// Also tries any text as the value of each field of the table.
 void useText(const QString& text) {
     framework::SavedDefinition saved;
     for (const vatchange::ChangeField& field : vatchange::changeFields())

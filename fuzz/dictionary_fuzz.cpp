@@ -6,8 +6,8 @@
 #include "data/record/record_layout.h"
 #include "fuzz/fuzz.h"
 
-// Any bytes as a compiled dictionary block and as a readable source: an error or a table, and a
-// table compiles into a block that reads back to the same fields.
+// Any bytes as a compiled dictionary block and as source text: an error or a table, and a table
+// compiles into a block that reads back to the same fields.
 
 namespace {
 

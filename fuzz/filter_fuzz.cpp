@@ -5,8 +5,8 @@
 #include "data/record/filter.h"
 #include "fuzz/fuzz.h"
 
-// Any text is a filter or a DataError, and any record of the right length can be asked. The input
-// is the record's bytes (as far as it reaches, after a length byte) and then the expression.
+// Any text as a filter: a DataError, or it accepts or rejects any record. Input: a length byte, the
+// record's bytes (padded), then the expression.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     static const data::TableSource source = data::parseTableSource(
         "table F\n"

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// Aborts when a property does not hold: libFuzzer keeps the input.
+/// Aborts if a property does not hold: libFuzzer keeps the input.
 inline void require(bool holds, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
     if (holds)
         return;

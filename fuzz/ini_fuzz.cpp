@@ -9,7 +9,7 @@ using platform::IniFile;
 
 namespace {
 
-/// Everything that the file says must come back from what is written.
+/// Every entry comes back from the written file.
 void requireSame(const IniFile& a, const IniFile& b) {
     require(a.sections() == b.sections());
     for (const QString& section : a.sections()) {
@@ -19,7 +19,7 @@ void requireSame(const IniFile& a, const IniFile& b) {
     }
 }
 
-/// What is spelled for the settings file reads back; what a file says, whatever it is, reads.
+/// Text encoded for the settings file reads back; any text can be decoded.
 void requireSpelling(const QString& text) {
     require(platform::plainValue(platform::writtenValue(text)) == text &&
             platform::plainPath(platform::writtenPath(text)) == text);
@@ -31,7 +31,7 @@ void requireSpelling(const QString& text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-    if (size > 4096)  // each lookup walks the file
+    if (size > 4096)  // each lookup scans the file
         return 0;
     const QByteArray input = inputBytes(bytes, size);
     try {
@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
             requireSpelling(entry.text);
         }
 
-        // The input as a value, in an old place and in a new one.
+        // The input as a value of an existing and of a new key.
         const QString value = QString::fromUtf8(input);
         requireSpelling(value);
         if (const QStringList sections = ini.sections(); !sections.isEmpty()) {

@@ -28,7 +28,7 @@ int replayFolder(const FuzzTarget& target, const std::filesystem::path& folder) 
         std::ifstream file(entry.path(), std::ios::binary);
         const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
         std::printf("%s\n", entry.path().filename().string().c_str());
-        std::fflush(stdout);  // names the culprit when the next line crashes
+        std::fflush(stdout);  // names the input if the next line crashes
         target.run(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
         ++count;
     }

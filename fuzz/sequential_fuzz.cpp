@@ -1,5 +1,5 @@
-// Sequential files: any bytes are refused with a place inside them, or read; what was read comes
-// back the same after it was written. The first byte chooses the lengths that a record may have.
+// Any bytes as a sequential file: refused with a position inside them, or read; records read come
+// back the same after writing. The first byte selects the allowed record lengths.
 
 #include <QBuffer>
 #include <QString>
@@ -10,7 +10,7 @@
 
 namespace {
 
-/// @return false when the bytes are no such file.
+/// @return false if the bytes are not a sequential file.
 bool readAll(QByteArray bytes, int shortest, int longest, std::vector<QByteArray>& records) {
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);

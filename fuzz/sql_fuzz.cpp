@@ -1,5 +1,5 @@
-// Any text as a SQL statement on a small company: refused, or run, with values for its parameters.
-// Whatever it did, every record still stands under its keys' values, and it is undone afterwards.
+// Any text as a SQL statement on a small company: refused, or run with parameter values. Afterwards
+// every record is still listed under its keys' values; then the statement is undone.
 
 #include <QTemporaryDir>
 #include <cstring>
@@ -19,7 +19,7 @@ namespace {
 using namespace data;
 using namespace engines::embedded;
 
-constexpr int kMostSteps = 300;  // of a thousand instructions each: joins of joins end here
+constexpr int kMaxSteps = 300;  // of a thousand instructions each: stops joins of joins
 
 const char* const kRows[] = {
     "insert into TUOTE (NUMERO, NIMI, HINTA, LVV, RYHMA) values ('100', 'Ämpäri', 12.9, 1, 7)",
@@ -44,8 +44,8 @@ class Company {
         m_connection->lockWait = std::chrono::milliseconds(0);
         sqlite3_progress_handler(
             m_connection->db(), 1000,
-            [](void* steps) { return ++*static_cast<int*>(steps) > kMostSteps ? 1 : 0; }, &m_steps);
-        // a text of a gigabyte is no fault of the engine's
+            [](void* steps) { return ++*static_cast<int*>(steps) > kMaxSteps ? 1 : 0; }, &m_steps);
+        // a text of a gigabyte is not an engine fault
         sqlite3_limit(m_connection->db(), SQLITE_LIMIT_LENGTH, 1 << 20);
         sqlite3_limit(m_connection->db(), SQLITE_LIMIT_SQL_LENGTH, 1 << 16);
         m_before = contents();
@@ -67,7 +67,7 @@ class Company {
             });
         } catch (const Undo&) {
             m_steps = INT_MIN;
-        } catch (const DataError&) {  // ended by the limit on the way out
+        } catch (const DataError&) {  // stopped by the limit
             m_steps = INT_MIN;
         }
         require(contents() == m_before);
@@ -90,7 +90,7 @@ class Company {
         }
     }
 
-    // Each key shows every record once, in the order of the keys' values.
+    // Each key lists every record once, in key order.
     void requireOrder() {
         for (const char* name : kTables) {
             StoredTable& table = m_connection->table(QLatin1String(name));

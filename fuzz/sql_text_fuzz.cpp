@@ -1,5 +1,5 @@
-// Any text as a statement: its parameters are found, and every engine's rewriting ends, is stable
-// where it promises to be, and keeps the parameters.
+// Any text as a statement: its parameters are found, and every dialect's rewriting ends, is
+// idempotent where promised, and keeps the parameters.
 
 #include "data/sql/uni_query.h"
 #include "engines/embedded/sql_text.h"

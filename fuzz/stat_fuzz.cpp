@@ -1,4 +1,4 @@
-// Any bytes as the shops' engine's description of a file: an error, or keys that lie in the record.
+// Any bytes as the shops' engine's description of a file: an error, or keys inside the record.
 
 #include "data/error.h"
 #include "engines/shops/file_stat.h"

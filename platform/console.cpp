@@ -18,7 +18,7 @@ bool given(DWORD which) {
 }
 
 // A stream that cannot be redirected stays discarded.
-bool leadToConsole(FILE* stream) {
+bool redirectToConsole(FILE* stream) {
     return std::freopen("CONOUT$", "w", stream) != nullptr;
 }
 
@@ -29,9 +29,9 @@ Console::Console() {
     const bool error = given(STD_ERROR_HANDLE);
     if ((!output || !error) && AttachConsole(ATTACH_PARENT_PROCESS)) {
         if (!output)
-            leadToConsole(stdout);
+            redirectToConsole(stdout);
         if (!error)
-            leadToConsole(stderr);
+            redirectToConsole(stderr);
     }
     m_codePage = GetConsoleOutputCP();
     if (m_codePage != 0)

@@ -8,7 +8,7 @@
 
 namespace platform {
 
-void withholdWritingFromOthers() {
+void denyWriteToOthers() {
 #ifndef Q_OS_WIN
     ::umask(::umask(S_IWOTH) | S_IWOTH);
 #endif

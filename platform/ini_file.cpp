@@ -334,7 +334,7 @@ bool IniFile::removeSection(const QString& section) {
            }) > 0;
 }
 
-int IniFile::strayLine(const std::optional<QString>& section) const {
+int IniFile::malformedLine(const std::optional<QString>& section) const {
     int number = 0;
     for (const Section& candidate : m_data->sections) {
         if (!candidate.header.isEmpty())

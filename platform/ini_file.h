@@ -66,7 +66,7 @@ class IniFile {
     /// Number (from 1, as the file would be written) of the first malformed line of a section or
     /// the file: no key, comment or section name and not empty. It may be a truncated key. 0 if
     /// none.
-    int strayLine(const std::optional<QString>& section = std::nullopt) const;
+    int malformedLine(const std::optional<QString>& section = std::nullopt) const;
 
   private:
     struct Data;

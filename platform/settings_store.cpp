@@ -121,7 +121,7 @@ std::vector<SettingsStore> SettingsStore::openAll(Use use) {
         data->lock = lockForChange(data->fileName, kLockWait);
     }
     data->file = IniFile::read(data->fileName);
-    if (const int line = data->file.strayLine(); line > 0)
+    if (const int line = data->file.malformedLine(); line > 0)
         throw data::DataError(data::ErrorKind::Damaged, data->fileName,
                               QStringLiteral("line %1 is no setting").arg(line));
     std::vector<SettingsStore> stores;

@@ -20,7 +20,7 @@ bool sameIgnoringAsciiCase(const QString& a, const QString& b) {
                       [](QChar x, QChar y) { return foldAscii(x) == foldAscii(y); });
 }
 
-void sortForFinnishEyes(QStringList& names) {
+void sortInFinnishOrder(QStringList& names) {
     QCollator collator(QLocale(QLocale::Finnish, QLocale::Finland));
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     std::sort(names.begin(), names.end(), [&collator](const QString& a, const QString& b) {

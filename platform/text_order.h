@@ -9,6 +9,6 @@ namespace platform {
 bool sameIgnoringAsciiCase(const QString& a, const QString& b);
 
 /// Sorts in Finnish order: case ignored, å, ä, ö after z.
-void sortForFinnishEyes(QStringList& names);
+void sortInFinnishOrder(QStringList& names);
 
 }  // namespace platform

@@ -143,11 +143,11 @@ void TBtrHakuForm::connectControls() {
     });
     connect(&model(), &TableModel::countChanged, this, &TBtrHakuForm::updateNavigator);
     connect(&model(), &TableModel::outdated, this, [this] {
-        // While choosing, the table stands on the chosen record; the next activation looks again.
+        // While choosing, the table is on the chosen record; the next activation rereads.
         if (!choosing)
             guarded([this] { m_view->cursor.showRechecked(); });
     });
-    connect(&model(), &TableModel::failed, this, &TBtrHakuForm::tellError);
+    connect(&model(), &TableModel::failed, this, &TBtrHakuForm::showError);
     connect(Tallenna, &QAction::triggered, this, [this] { TallennaClick(false); });
     connect(Tallennakorkeus, &QAction::triggered, this, [this] { TallennaClick(true); });
     connectNavigator();
@@ -174,14 +174,14 @@ bool TBtrHakuForm::guarded(const std::function<void()>& work) {
         work();
         return true;
     } catch (const std::exception& error) {
-        tellError(data::errorText(error));
+        showError(data::errorText(error));
     }
     return false;
 }
 
 // Closing the box activates the window. That activation must not reread: a table that cannot be
-// read would show one box after the other, and the window could not be left any more.
-void TBtrHakuForm::tellError(const QString& text) {
+// read would show one box after another, and the window could not be closed.
+void TBtrHakuForm::showError(const QString& text) {
     const QPointer<TBtrHakuForm> self(this);
     m_nextActivation = NextActivation::KeepsRows;
     framework::Dialogs::error(this, text);
@@ -229,7 +229,7 @@ void TBtrHakuForm::Lataus() {
     FormLayout layout = readLayout(file, objectName(), defaultColumns());
     model().setColumns(std::move(layout.columns));
     m_view->header.apply();
-    // The user's settings keep the window's place; a saved layout gives its size.
+    // The window's position is in the user's settings, its size in the saved layout.
     framework::rememberPlace(*this, objectName());
     resize(layout.width.value_or(width()), layout.height.value_or(height()));
     if (layout.order && *layout.order < IndexCombo->count())
@@ -333,7 +333,7 @@ void TBtrHakuForm::choose() {
     const int row = m_view->cursor.row();
     const auto shown = model().record(row);
     if (!shown && !model().rows().isKnown(row)) {
-        goToRow(row);  // still blank: reads it, and the next time chooses it
+        goToRow(row);  // still blank: reads it; the next attempt chooses it
         return;
     }
     if (!m_view->cursor.placeTable(row) || !isStillShown(*shown)) {
@@ -350,15 +350,15 @@ void TBtrHakuForm::choose() {
         m_choose(DBGrid1, *Hakutable);
 }
 
-// Whether the table's record, read just now, still is the row that was shown: it belongs to the
-// view, and its place was not given to another record.
+// Whether the table's record, just reread, is still the row shown: in the view, with the same value
+// of the result field.
 bool TBtrHakuForm::isStillShown(const data::StoredRecord& shown) const {
     return model().rows().isWanted(Hakutable->recordId(), Hakutable->recordBytes()) &&
            Hakutable->fieldByName(m_resultField).asString() ==
                GridRow(recordLayout(), shown).text(m_resultField);
 }
 
-// The row is no longer what it shows: nothing is chosen instead.
+// The row no longer shows its record: nothing is chosen.
 void TBtrHakuForm::rowIsGone(const std::optional<data::StoredRecord>& shown) {
     refreshRows(true);
     if (shown)

@@ -43,31 +43,31 @@ class TBtrHakuForm : public QDialog, public SearchControls {
 
     // --- before FormCreate()
     void setTableName(const QString& name) { m_tableName = name; }
-    /// The caller's own filter ("passiivinen = false"); may also be changed later.
+    /// The caller's own filter ("passiivinen = false"); may be changed later.
     void setBaseFilter(const QString& expression);
     const QString& baseFilter() const { return m_filter.baseFilter(); }
     /// Key to begin with, by number ("0"); a saved "Lajittelu" of the layout wins.
     void setIndexName(const QString& number) { m_initialIndex = number; }
-    /// The field whose value a choice gives and a dragged row carries ("numero"); default: the
-    /// first field of key 0.
+    /// The field whose value a choice returns and a drag carries ("numero"); default: the first
+    /// field of key 0.
     void setResultField(const QString& field) { m_resultField = field; }
     const QString& resultField() const { return m_resultField; }
 
     void setChooseHandler(ChooseHandler handler) { m_choose = std::move(handler); }
 
     /// Opens the table, creates the columns, reads layout and settings. Once.
-    /// @throws data::DataError when the table cannot be opened.
+    /// @throws data::DataError if the table cannot be opened.
     void FormCreate();
 
     // --- what a caller gets
     /// The selected records, in the order of the rows.
     std::vector<data::StoredRecord> Valitut() const { return m_view->cursor.selected(); }
     int Valittuja() const { return m_view->cursor.selectedCount(); }
-    /// A field's value in the current record, by name, case ignored; invalid without a record.
+    /// A field's value in the current record (name case-insensitive); invalid without a record.
     /// @throws data::DataError(NoSuchField)
     data::Value KenttaArvo(const QString& field) const;
 
-    // --- users: a form that serves several caller windows is kept while one of them is registered
+    // --- users: a form that serves several caller windows stays open while one is registered
     void lisaaKayttaja(const QString& caller);
     void poistaKayttaja(const QString& caller);
     bool OnkoKayttajia(const QString& caller = {}) const;
@@ -82,17 +82,17 @@ class TBtrHakuForm : public QDialog, public SearchControls {
 
     TableModel& model() const { return m_view->model; }
     QString userFilter() const { return m_filter.userFilter(); }
-    /// The expression that the table's filter now is.
+    /// The table's current filter expression.
     QString tableFilter() const { return changedFilter().expression(); }
 
-    /// Selects a key by its place in IndexCombo and orders by it.
+    /// Orders by the key at this index of IndexCombo.
     void selectIndex(int place);
-    /// Goes to the nearest record of a key, by number-as-text; `value` is its first field's.
-    /// @return false when there is no such key or its field cannot hold the value.
+    /// Moves to the nearest record in a key, by number as text; `value`: of the key's first field.
+    /// @return false if there is no such key or its field cannot store the value.
     bool gotoNearest(const QString& index, const QString& value);
     /// A text dropped on a column.
     void dropText(const QString& text, int column, bool onIndicator = false);
-    /// Drops user filter and range, back to the base filter.
+    /// Removes user filter and range; the base filter stays.
     void NollaaSuodin();
 
   protected:
@@ -100,40 +100,40 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     /// The columns before any saved layout; default: every field of the table. Computed columns
     /// are listed here too. The table is open.
     virtual std::vector<GridColumn> defaultColumns() const;
-    /// Whether a column may be shown at all now ("VERKKOKAUPPA" without the integration).
+    /// Whether a column may be shown ("VERKKOKAUPPA" only with the integration).
     virtual bool columnAllowed(const QString& field) const;
-    /// After the fields exist and before the rows are shown: display formats and values of
-    /// Hakutable's fields, lookups of the window.
+    /// Called when the fields exist, before rows are shown: set display formats and values of
+    /// Hakutable's fields, create lookups.
     virtual void afterOpen() {}
-    /// Keys of their own in the form's section of "FORMS.INI".
+    /// Saves the descendant's own keys in the form's section of "FORMS.INI".
     virtual void saveExtra(platform::IniFile& file, const QString& section) const;
     virtual void loadExtra(const platform::IniFile& file, const QString& section);
     /// Accepts or rejects a record in record-by-record search. Called for records that match.
     virtual bool PerusSuodata(const GridRow& row) const;
     virtual CellColours cellColours(const GridRow& row, const GridColumn& column) const;
-    /// Where a column's shown texts are looked up, for drops.
+    /// The lookup behind a column's shown texts, for drops.
     virtual std::optional<ColumnLookup> columnLookup(const QString& field) const;
-    /// A drop that the descendant handles itself: @return true. It may set a user filter.
+    /// Handles a drop in the descendant; @return true if handled. May set a user filter.
     virtual bool dropOnColumn(const QString& text, const GridColumn& column);
-    /// A key pressed in Suodatin, before the form's own handling. @return true when handled.
+    /// Handles a key pressed in Suodatin before the form does. @return true if handled.
     virtual bool filterKey(QKeyEvent& event);
-    /// Rereads what the descendant caches (activation, refresh).
+    /// Drops the descendant's caches (activation, refresh).
     virtual void dropCaches() {}
 
     void setUserFilter(const QString& expression);
-    /// Shows the records that `test` accepts, found by walking the table now, with the wait window.
-    /// `text` is what the user searches for.
-    /// @return false when the user cancelled (the rows before then stay).
+    /// Shows the records that `test` accepts, found by reading the whole table with the wait window
+    /// open. `text`: what the user searches for.
+    /// @return false if the user cancelled (the rows stay).
     bool searchRecords(const RowTest& test, const QString& text);
     const data::RecordLayout& recordLayout() const { return Hakutable->layout(); }
 
-    /// The program's one window of a class; null while there is none.
+    /// The program's only window of a class; null if there is none.
     template <class Form>
     static QPointer<Form>& onlyForm() {
         static QPointer<Form> only;
         return only;
     }
-    /// The same, created when there is none or it is leaving.
+    /// The same, created if there is none or it is closing.
     template <class Form>
     static Form* onlyForm(QWidget* parent) {
         QPointer<Form>& only = onlyForm<Form>();
@@ -156,7 +156,7 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     void columnMenu(const QPoint& place);
     void TallennaClick(bool withHeight);
     bool guarded(const std::function<void()>& work);
-    void tellError(const QString& text);
+    void showError(const QString& text);
 
     // keys and searching
     void IndexComboCloseUp();
@@ -194,7 +194,7 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     void rowIsGone(const std::optional<data::StoredRecord>& shown);
     void Peruuta();
 
-    /// What shows the table; exists while that is open.
+    /// Exists while the table is open.
     struct View {
         explicit View(TBtrHakuForm& form);
         TableModel model;

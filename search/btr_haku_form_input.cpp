@@ -8,7 +8,7 @@
 #include "search/btr_haku_form.h"
 #include "search/wait_window.h"
 
-// What the user does in the generic search window: keys, typing, drops, check boxes.
+// User input in the generic search window: keys, typing, drops, check boxes.
 
 namespace search {
 
@@ -124,7 +124,7 @@ void TBtrHakuForm::AlueRajausClick(bool on) {
 
 // --- filters
 
-// A copy of the filter to change, with the check box as it is.
+// A modifiable copy of the filter, with the check box's current state.
 FilterState TBtrHakuForm::changedFilter() const {
     FilterState filter = m_filter;
     filter.setShowPassive(Passiiviset->isChecked());
@@ -140,14 +140,14 @@ void TBtrHakuForm::setBaseFilter(const QString& expression) {
         m_filter = std::move(filter);
 }
 
-// Shows what the filter's expression and range let through.
+// Shows the rows that the filter's expression and range accept.
 void TBtrHakuForm::applyFilter(FilterState filter) {
     const QString expression = filter.expression();
     showRows(std::move(filter), expressionTest(expression, recordLayout()));
-    Hakutable->setFilter(expression);  // for callers that ask; the model filters the rows
+    Hakutable->setFilter(expression);  // for callers; the model filters the rows
 }
 
-// Shows other rows and keeps their filter; the current record stays current where it is shown.
+// Shows other rows and stores their filter; the current record stays current if it is shown.
 void TBtrHakuForm::showRows(FilterState filter, RowTest test) {
     const auto stay = m_stage == Stage::Opening ? std::nullopt : m_view->cursor.record();
     model().show(m_view->keys.key(), filter.range(), std::move(test));
@@ -164,7 +164,7 @@ void TBtrHakuForm::describeRows() {
 }
 
 void TBtrHakuForm::setUserFilter(const QString& expression) {
-    // By itself first: an error tells its place in this text.
+    // Parsed separately first: an error's position refers to this text.
     expressionTest(expression, recordLayout());
     FilterState filter = changedFilter();
     filter.setUserFilter(expression);
@@ -186,7 +186,7 @@ void TBtrHakuForm::PassiivisetClick() {
     guarded([this] {
         if (m_filter.isRecordSearch()) {
             m_filter = changedFilter();
-            refreshRows(true);  // its test looks at the check box
+            refreshRows(true);  // its test reads the check box
         } else {
             applyFilter(changedFilter());
         }
@@ -257,28 +257,28 @@ bool TBtrHakuForm::searchRecords(const RowTest& test, const QString& text) {
     return true;
 }
 
-// Looks at all records, with the wait window in this window's place. @return false when cancelled.
+// Searches all records, with the wait window instead of this window. @return false if cancelled.
 bool TBtrHakuForm::walkRecords(const RowTest& test) {
-    // QDialog would end its modal loop when it is hidden; the window only leaves the screen.
+    // Hiding a QDialog would end its modal loop; this only takes the window off the screen.
     const bool wasVisible = isVisible();
     HakuLabel->show();
     WaitWindow wait(this);
     if (wasVisible)
-        QWidget::setVisible(false);  // NOLINT(bugprone-parent-virtual-call): as said above
+        QWidget::setVisible(false);  // NOLINT(bugprone-parent-virtual-call): see above
     wait.show();
-    wait.goOn(0);
+    wait.onProgress(0);
     const auto back = qScopeGuard([&] {
         wait.hide();
         HakuLabel->hide();
         if (wasVisible) {
             m_nextActivation = NextActivation::KeepsRows;
-            QWidget::setVisible(true);  // NOLINT(bugprone-parent-virtual-call): as above
+            QWidget::setVisible(true);  // NOLINT(bugprone-parent-virtual-call): see above
             raise();
             activateWindow();
         }
     });
     return model().search(m_view->keys.key(), m_filter.range(), test,
-                          [&wait](double share) { return wait.goOn(share); });
+                          [&wait](double share) { return wait.onProgress(share); });
 }
 
 // --- keys

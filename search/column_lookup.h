@@ -4,7 +4,7 @@
 
 namespace search {
 
-/// Where the shown texts of a column come from when they are looked up in another table.
+/// Lookup of a column's shown texts in another table.
 struct ColumnLookup {
     QString localField;  ///< field of the browsed table that holds the key ("RYHMA")
     QString table;       ///< "TRYHMA"
@@ -15,9 +15,9 @@ struct ColumnLookup {
     bool digitsOnly = false;
 };
 
-/// The condition for all records whose lookup shows a text that begins with `name` (case ignored):
-/// walks the lookup table of the current company and names the keys found.
-/// @throws data::DataError when the table cannot be read.
+/// The condition for all records whose lookup shows a text beginning with `name` (case ignored):
+/// reads the lookup table of the current company and lists the keys found.
+/// @throws data::DataError if the table cannot be read.
 QString lookupExpression(const ColumnLookup& lookup, const QString& name);
 
 }  // namespace search

@@ -15,11 +15,11 @@ struct SearchText {
     QString text;
     bool anywhere = false;  ///< anywhere in the field; else at its start
 };
-/// A leading "*" of the dropped text, or a "#" at the start of the filter edit's text, asks for a
-/// match anywhere; the dropped text's first character is then left out.
+/// A leading "*" of the dropped text, or a "#" at the start of the filter edit's text, matches
+/// anywhere; the dropped text's first character is then removed.
 SearchText asetaSuodatin(const QString& dropped, const QString& inEdit);
 
-/// Whether a drop searches record by record whatever the column is.
+/// Whether a drop starts a record search whatever the column is.
 bool isRecordSearch(const QString& dropped, bool onIndicator);
 
 /// What a drop on a column does.
@@ -43,12 +43,12 @@ DropAction dropAction(const QString& text, const DropTarget& target);
 
 /// The parts of a dropped text.
 struct DroppedText {
-    QString op;     ///< leading "<", ">" and "=", at most ten; "=" when there is none
+    QString op;     ///< leading "<", ">" and "=", at most ten; "=" if none
     QString value;  ///< the rest
 };
 DroppedText splitOperator(const QString& text);
 
-/// A complete filter typed by the user: what follows a leading "!".
+/// A complete filter typed by the user: the text after a leading "!".
 std::optional<QString> ownExpression(const QString& text);
 
 /// Whether a text counts as a number: only "01234567890,.-+".
@@ -56,14 +56,14 @@ bool isNumericText(const QString& text);
 /// Only digits and "-".
 bool isDigitText(const QString& text);
 
-/// The condition for a text dropped on a data field: a number on an integer field is not quoted,
-/// anything else is, with a "*" at the end for a string field, so that prefixes match.
+/// The condition for a text dropped on a data field: a number on an integer field is not quoted;
+/// anything else is, with "*" at the end for a string field, so that prefixes match.
 QString dropExpression(const QString& field, data::Kind kind, const QString& text);
 
 /// A condition on a quoted key value: one for each matching row of a lookup.
 QString lookupTerm(const QString& field, const QString& key);
 
-/// A condition that no record fulfils; the field is a text or a number.
+/// A condition that no record meets; the field is a text or a number.
 QString noRecord(const QString& field);
 
 /// The table's filter from base and user filter. While passive records are shown, the base filter

@@ -7,9 +7,9 @@
 
 namespace search {
 
-/// What restricts the rows of a search window: the caller's base filter, the user's filter or
-/// record search, a range of the key, passive records. A plain value: the window changes a copy and
-/// keeps it when the rows could be shown.
+/// Restrictions of a search window's rows: the caller's base filter, the user's filter or record
+/// search, a range of the key, passive records. A plain value: the window changes a copy and keeps
+/// it if the rows could be shown.
 class FilterState {
   public:
     /// Ends a record search, as every new filter expression does.
@@ -21,11 +21,11 @@ class FilterState {
     void setUserFilter(const QString& expression);
     /// Empty without a filter, and during a record search.
     QString userFilter() const;
-    /// The rows are those that a record search for a text has found; replaces the user's filter.
+    /// The rows found by a record search for a text; replaces the user's filter.
     void setRecordSearch(const QString& text);
     bool isRecordSearch() const { return m_source == Source::RecordSearch; }
 
-    /// `text` is what the user typed for the range.
+    /// `text`: as typed by the user.
     void setRange(KeyRange range, const QString& text);
     void clearRange() { m_range.reset(); }
     const std::optional<KeyRange>& range() const { return m_range; }
@@ -37,7 +37,7 @@ class FilterState {
 
     /// The expression for the table's filter.
     QString expression() const;
-    /// What the user has restricted the rows by, for the line below them.
+    /// The user's restrictions, for the line below the rows.
     QString description() const;
 
   private:
@@ -46,7 +46,7 @@ class FilterState {
     QString m_base;
     bool m_showPassive = false;
     Source m_source = Source::None;
-    QString m_text;  // the user's filter, or what the record search looked for
+    QString m_text;  // the user's filter, or the text of the record search
     std::optional<KeyRange> m_range;
     QString m_rangeText;
 };

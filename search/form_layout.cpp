@@ -9,7 +9,7 @@ namespace search {
 namespace {
 
 constexpr int kSmallestWindow = 120;  // pixels
-constexpr int kMostColumns = 10000;   // bounds the loop over a damaged number
+constexpr int kMaxColumns = 10000;    // limit for damaged files
 
 const QString kColumnCount = QStringLiteral("Sarakkeita");
 const QString kWidth = QStringLiteral("Lomakeleveys");
@@ -83,7 +83,7 @@ void writeLayout(platform::IniFile& file, const QString& section, const FormLayo
         file.setValue(section, columnKey(count++), column.field);
     }
     const int before = numberOf(file, section, kColumnCount, 0).value_or(0);
-    for (int i = count; i < std::min(before, kMostColumns); ++i)
+    for (int i = count; i < std::min(before, kMaxColumns); ++i)
         file.removeKey(section, columnKey(i));
     write(kColumnCount, count);
     if (layout.width)

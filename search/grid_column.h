@@ -15,7 +15,7 @@ struct GridColumn {
     QString title;  ///< empty: the field's name
     int width = 0;  ///< pixels; 0: by the field's size
     bool visible = true;
-    /// The shown text; required for a computed column. Empty: the field's display text.
+    /// The shown text; required for a computed column. Default: the field's display text.
     std::function<QString(const GridRow&)> text = {};
     bool alignRight = false;  ///< computed columns only; number fields always are
 

@@ -12,7 +12,7 @@ namespace {
 constexpr int kNarrowest = 40;
 constexpr int kWidest = 260;
 constexpr int kPadding = 14;
-// Characters of columns that are no text fields.
+// Width in characters of columns other than text fields.
 constexpr int kComputedSize = 14;
 constexpr int kNumberSize = 9;
 

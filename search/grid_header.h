@@ -9,19 +9,19 @@
 
 namespace search {
 
-/// The columns of a search grid as they stand in its header: shown or hidden, moved, resized.
+/// The columns of a search grid in its header: shown or hidden, moved, resized.
 class GridHeader {
   public:
     /// Whether a column may be shown at all now.
     using Allowed = std::function<bool(const QString& field)>;
 
-    /// Grid and model must live on; the grid shows the model.
+    /// Grid and model must outlive it; the grid shows the model.
     GridHeader(SearchGrid& grid, TableModel& model, Allowed allowed);
 
     /// Shows the model's columns with their widths; without one, a width by field and title.
     void apply();
-    /// The columns as the user has arranged them. One that is only not allowed now keeps the
-    /// visibility that it had when it was applied.
+    /// The columns as arranged by the user. A column that is currently not allowed keeps the
+    /// visibility it had when applied.
     std::vector<GridColumn> columns() const;
     /// Adds a checkable entry for each column; the last shown column cannot be hidden.
     void fillMenu(QMenu& menu);

@@ -6,14 +6,14 @@
 
 namespace search {
 
-/// Reads a row of the browsed table by field name (case ignored); a missing field reads as empty.
-/// Holds references: layout and record must outlive it.
+/// Reads a row of the browsed table by field name (case-insensitive); a missing field reads as
+/// empty. Keeps references: layout and record must outlive it.
 class GridRow {
   public:
     GridRow(const data::RecordLayout& layout, const data::StoredRecord& record)
         : m_layout(&layout), m_record(&record) {}
 
-    data::Value value(const QString& field) const;  ///< invalid when the table has no such field
+    data::Value value(const QString& field) const;  ///< invalid if the table has no such field
     qint64 integer(const QString& field) const;
     double number(const QString& field) const;
     bool flag(const QString& field) const;

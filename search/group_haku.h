@@ -5,7 +5,7 @@
 namespace search {
 
 /// Base of the three group windows: they return "Nro", show the web shop flag as "K" or "E", and
-/// paint the rows of groups that the web shop does not show red.
+/// show rows of groups outside the web shop in red.
 class GroupHakuForm : public TBtrHakuForm {
     Q_OBJECT
   public:
@@ -15,7 +15,7 @@ class GroupHakuForm : public TBtrHakuForm {
         QString table;
         QString webShopFlag;
         QSize clientSize;
-        bool alwaysColoured;  ///< even without the web shop integration
+        bool alwaysColoured;  ///< also without the web shop integration
     };
 
   protected:

@@ -7,26 +7,26 @@
 
 namespace search {
 
-/// Maps places in a key's order to records and back, for all records of a table. Keeps every
-/// kStep-th record (about 1 KB each) once it is known; from there a place is found by counting a
-/// short distance along the key.
+/// Maps positions in a key's order to records and back, for all records of a table. Keeps every
+/// kStep-th record once known (about 1 KB each); others are found by counting a short distance
+/// along the key from there.
 class KeyPlaces {
   public:
     static constexpr qint64 kStep = 2048;
 
     explicit KeyPlaces(data::TableFile& file, int key = 0) : m_file(&file), m_key(key) {}
 
-    /// Starts over with a key; counts the records again.
+    /// Restarts with a key; counts the records again.
     void reset(int key);
     int key() const { return m_key; }
     qint64 count() const { return m_count; }
 
-    /// Reads the next kept record. @return false when there is none left.
+    /// Reads the next record to keep. @return false if none is left.
     bool learn();
 
-    /// The record at a place (0 is the first); nothing beyond the end.
+    /// The record at a position (from 0); nothing beyond the end.
     std::optional<data::StoredRecord> at(qint64 place);
-    /// How many records stand before this one.
+    /// Number of records before this one.
     qint64 placeOf(const data::StoredRecord& record);
 
     /// Key order: by key value, then by order of insertion.

@@ -7,7 +7,7 @@ namespace search {
 
 namespace {
 
-// "ú": sorts after every letter that follows the low end of a range of texts.
+// "ú": sorts after every letter that can follow the low end of a text range.
 constexpr char16_t kAfterAllTexts = 250;
 
 bool isInteger(data::Kind kind) {

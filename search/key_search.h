@@ -9,27 +9,26 @@
 
 namespace search {
 
-/// What a typed text means for a key field; nothing when the field cannot hold it.
+/// A typed text as a key field's value; nothing if the field cannot store it.
 std::optional<data::Value> keyValue(const data::TFieldCacheItem& field, const QString& text);
 
-/// The range of a key that a text asks for: values that begin with it for a text field, the value
-/// itself for a date or a whole number.
+/// The key range for a typed text: values beginning with it for a text field, the value itself for
+/// a date or an integer.
 struct TextRange {
     std::optional<KeyRange> range = {};
-    QString message = {};  ///< why there is no range, for the user
+    QString message = {};  ///< reason if there is no range, for the user
 };
 TextRange textRange(const data::TFieldCacheItem& field, const QString& text);
 
-/// The completion of a text while it is typed. A change by the completion itself or by deleting
-/// does not complete again.
+/// Completes text while it is typed, but not after its own changes or deletions.
 class Completion {
   public:
-    /// @return whether the text now waits to be completed.
+    /// @return whether the text is to be completed.
     bool textChanged(const QString& text);
-    /// Delete or Backspace is about to change the text (`changes`), or has nothing to delete.
+    /// Delete or Backspace was pressed; `changes`: there is something to delete.
     void aboutToDelete(bool changes);
-    /// The whole text when a found value completes what was typed: it begins with it (case ignored)
-    /// and is longer. The next change of the text is then the completion's own.
+    /// The whole text if the found value completes the typed one: begins with it (case ignored) and
+    /// is longer. The next change of the text is then the completion's own.
     std::optional<QString> complete(const QString& typed, const QString& found);
 
   private:
@@ -37,10 +36,10 @@ class Completion {
     NextChange m_next = NextChange::Typed;
 };
 
-/// The keys of an open record table, and the search along the current one.
+/// The keys of an open record table, and searching in the current one.
 class KeySearch {
   public:
-    /// Both must live on; the model shows the table.
+    /// Both must outlive it; the model shows the table.
     KeySearch(data::TtbTable& table, TableModel& model) : m_table(table), m_model(model) {}
 
     struct Order {
@@ -54,8 +53,8 @@ class KeySearch {
     const data::TFieldCacheItem& field() const;
     /// Its value in the table's current record.
     QString currentText() const;
-    /// The row nearest to a text in the current key; -1 when there is none, or when the text is no
-    /// value of the key.
+    /// The row nearest to a text in the current key; -1 if there is none or the text is not a value
+    /// of the key.
     int nearestRow(const QString& text);
 
   private:

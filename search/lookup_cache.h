@@ -10,8 +10,8 @@
 
 namespace search {
 
-/// Some fields of another table's records, read by key on first use and kept (least recently used
-/// dropped first). A table that the company does not have counts as empty.
+/// Selected fields of another table's records, read by key on first use and cached (least recently
+/// used first out). A missing table counts as empty.
 class LookupCache {
   public:
     /// Lookups kept, including those that found nothing.
@@ -22,12 +22,12 @@ class LookupCache {
     LookupCache(data::Database& database, QString tableName, int key, QStringList fields,
                 int bound = kBound);
 
-    /// The fields' values, in the order given, of the first record whose leading key fields equal
-    /// the values; nullptr when there is none. Valid until the next call.
-    /// @throws data::DataError when the table cannot be read, or lacks a field.
+    /// The fields' values, in the given order, of the first record whose leading key fields equal
+    /// the values; nullptr if there is none. Valid until the next call.
+    /// @throws data::DataError if the table cannot be read or lacks a field.
     const Row* find(const data::KeyValues& values);
 
-    /// Forgets what was read.
+    /// Clears the cache.
     void clear() { m_rows.clear(); }
     qsizetype size() const { return m_rows.size(); }
 

@@ -30,7 +30,7 @@ QString quantityText(double quantity, const StockUnit& unit, QChar decimalSepara
     const double settled = std::round(quantity * 1e6) / 1e6;
     const double whole = std::trunc(settled);
     const double left = std::abs((settled - whole) * unit.portionSize * unit.stockFactor);
-    // The part has no sign of its own, so a shortage of less than a unit gets it here.
+    // The fraction has no sign of its own, so a shortage of less than a unit gets it here.
     const QString sign = settled < 0 && whole == 0 ? QStringLiteral("-") : QString();
     return sign + data::formatNumber(QStringLiteral("0"), whole, decimalSeparator) +
            QStringLiteral("P ") +

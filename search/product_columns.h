@@ -13,7 +13,7 @@ struct StockBalance {
     double reserved = 0;  ///< varattu, for customers
 };
 
-/// How a stock quantity divides into units and portions.
+/// Division of a stock quantity into units and portions.
 struct StockUnit {
     QString unit;            ///< VarastoYks
     double portionSize = 0;  ///< AnnosKoko: centilitres of a portion
@@ -41,8 +41,8 @@ int priceDecimals(const QString& priceFormat);
 /// The display format of a price: "#0." and a "0" for each decimal.
 QString priceDisplayFormat(const QString& priceFormat);
 
-/// The key for a quick search: names for a text that begins with a lower-case Finnish letter, else
-/// product numbers (which may begin with a capital letter; names are typed in lower case).
+/// The key for a quick search: names if the text begins with a lower-case Finnish letter, else
+/// product numbers (which may begin with a capital; names are typed in lower case).
 QString quickSearchKey(const QString& text);
 
 }  // namespace search

@@ -7,26 +7,27 @@
 
 namespace search {
 
-/// What the product window shows from other tables, read by key when a row needs it, and cached.
+/// Data that the product window shows from other tables, read by key when a row needs it, and
+/// cached.
 class ProductLookups {
   public:
     explicit ProductLookups(data::Database& database);
 
-    /// Names of groups and suppliers; empty when the key does not exist.
+    /// Names of groups and suppliers; empty if the key does not exist.
     QString productGroupName(qint64 number);
     QString mainGroupName(qint64 number);
     QString subGroupName(qint64 number);
     QString supplierName(const QString& code);
-    /// Percent of a VAT class; 0 when there is no such class.
+    /// Percent of a VAT class; 0 if there is no such class.
     double vatPercent(qint64 vatClass);
-    /// The product's stock in a store; nothing when the store has no stock record of it.
+    /// The product's stock in a store; nothing without a stock record.
     std::optional<StockBalance> stock(int store, const QString& product);
     /// The product's shelf places in a store.
     QStringList shelfPlaces(int store, const QString& product);
-    /// The product's kind (TuoteLaji); 0 when it has none.
+    /// The product's kind (TuoteLaji); 0 if it has none.
     qint64 productKind(const QString& product);
 
-    /// Forgets what was read.
+    /// Clears the caches.
     void clear();
 
   private:

@@ -6,8 +6,7 @@
 
 namespace search {
 
-/// Settings of the product and group search windows, from the settings table; docs/settings.md
-/// describes them.
+/// Settings of the product and group search windows, see docs/settings.md.
 struct ProductSettings {
     int store = 1;  ///< the store whose stock is shown
     bool purchasePricesHidden = false;
@@ -17,10 +16,10 @@ struct ProductSettings {
 
 ProductSettings readProductSettings(data::Database& database);
 
-/// Value of a yes-or-no setting: on unless empty, "0" or "false".
+/// A boolean setting: on unless empty, "0" or "false".
 bool isSettingOn(const QString& text);
 
-/// Whether the company sells in a web shop.
+/// Whether the company has a web shop.
 bool webShopInUse(data::Database& database);
 
 }  // namespace search

@@ -8,8 +8,8 @@
 namespace search {
 
 /// Numbers of the products whose shelf place in a store begins with a text; a leading "<", ">",
-/// "<=", ">=" or "<>" compares instead, as in a filter. Case is ignored. Reads all stock records of
-/// the store.
+/// "<=", ">=" or "<>" compares instead, as in a filter. Case-insensitive. Reads all stock records
+/// of the store.
 QSet<QString> productsByShelfPlace(data::Database& database, int store, const QString& text);
 
 }  // namespace search

@@ -22,23 +22,23 @@ class ProductTexts {
     QString subGroup(const GridRow& product);
     QString supplier(const GridRow& product);
 
-    /// Stock of the current store; empty when it has no stock record of the product.
+    /// Stock in the current store; empty without a stock record.
     QString balance(const GridRow& product);
     QString ordered(const GridRow& product);
     QString reserved(const GridRow& product);
     QString free(const GridRow& product);
     QString situation(const GridRow& product);
-    QString shelfPlaces(const GridRow& product);  ///< also while stock is not shown
+    QString shelfPlaces(const GridRow& product);  ///< also if stock is not shown
 
     QString priceWithoutVat(const GridRow& product);
-    /// Purchase prices are empty when hidden by the settings or by the product.
+    /// Purchase prices are empty if hidden by the settings or by the product.
     QString lastPurchasePrice(const GridRow& product);
     QString averagePurchasePrice(const GridRow& product);
     QString purchasePriceWithoutVat(const GridRow& product);
 
     ProductLookups& lookups() { return m_lookups; }
     const ProductSettings& settings() const { return m_settings; }
-    /// Takes new settings and forgets the lookups.
+    /// Sets new settings and clears the lookups.
     void reread(ProductSettings settings);
 
   private:

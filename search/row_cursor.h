@@ -8,29 +8,29 @@
 
 namespace search {
 
-/// The current row of a search grid, and the record table that stands on its record. Calls read
-/// the table: @throws data::DataError.
+/// The current row of a search grid, and the record table positioned on its record. Calls read the
+/// table: @throws data::DataError.
 class RowCursor {
   public:
-    /// All must live on; the grid shows the model and the model the table.
+    /// All must outlive it; the grid shows the model and the model the table.
     RowCursor(SearchGrid& grid, TableModel& model, data::TtbTable& table)
         : m_grid(grid), m_model(model), m_table(table) {}
 
     int row() const { return m_grid.currentIndex().row(); }
-    /// Makes a row current (bounded to the rows there are), selects and shows it.
+    /// Makes a row current (clamped to the existing rows), selects and shows it.
     void goTo(int row);
-    /// As goTo() with the row of a record, or the next one that is shown; else the first row.
+    /// As goTo() with the row of a record, or the next one shown; else the first row.
     void goTo(const std::optional<data::StoredRecord>& record);
 
-    /// Puts the table on a row's record. @return false, with the table where it was, when the row
+    /// Moves the table to a row's record. @return false, leaving the table where it was, if the row
     /// is not known yet or its record is gone.
     bool placeTable(int row);
-    /// The record that the table stands on.
+    /// The table's current record.
     std::optional<data::StoredRecord> record() const;
 
-    /// After rows have come into sight: makes them known.
+    /// Makes rows that became visible known.
     void wantVisible();
-    /// Shows what the model's recheck has found; the current row stays where it is seen.
+    /// Shows the result of the model's recheck; the current row stays at its position on screen.
     void showRechecked();
 
     /// The selected records, in the order of the rows.

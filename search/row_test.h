@@ -6,15 +6,15 @@
 
 namespace search {
 
-/// Whether a record belongs to a view. The bytes live only during the call.
+/// Whether a record belongs to a view. The bytes are valid only during the call.
 using RowTest = data::TableFile::Visitor;
 
-/// Tests records by a filter expression; empty when the expression is. The layout must live on.
+/// Tests records by a filter expression; empty if the expression is. The layout must outlive it.
 /// @throws data::DataError(Syntax, NoSuchField)
 RowTest expressionTest(const QString& expression, const data::RecordLayout& layout);
 
-/// Tests records by what a column shows of them. With `bothNames` a search of "nimi" also looks at
-/// "nimi2". The table must live on, open.
+/// Tests records by the text that a column shows. With `bothNames` a search in "nimi" includes
+/// "nimi2". The table must stay open.
 RowTest columnTest(const data::TtbTable& table, const GridColumn& column, const SearchText& search,
                    bool bothNames);
 

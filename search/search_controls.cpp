@@ -22,7 +22,7 @@ Widget* make(const char* name, Arguments... arguments) {
     return made;
 }
 
-// The style's own icons are dark lines, which could not be seen in a dark window.
+// The style's own icons are dark lines, invisible in a dark window.
 QIcon inTextColours(const QIcon& icon, const QWidget& widget) {
     QIcon coloured;
     const auto add = [&](QIcon::Mode mode, QPalette::ColorGroup group) {

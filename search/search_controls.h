@@ -14,8 +14,8 @@
 
 namespace search {
 
-/// The controls of a search window and their places in it, under their given names (object names
-/// too). The window owns them.
+/// The controls of a search window and their layout, under their given names (also object names).
+/// The window owns them.
 struct SearchControls {
     explicit SearchControls(QDialog& window);
 
@@ -36,8 +36,8 @@ struct SearchControls {
     QAction* nbNext;
     QAction* nbLast;
     QAction* nbRefresh;
-    QLabel* RiviLabel;  ///< how many rows there are
-    QLabel* EhtoLabel;  ///< what restricts them
+    QLabel* RiviLabel;  ///< number of rows
+    QLabel* EhtoLabel;  ///< their restrictions
 
   private:
     void create(QDialog& window);

@@ -9,9 +9,8 @@
 
 namespace search {
 
-/// The grid of a search window: read only, selects whole rows, several at a time. Rows are dragged
-/// with the left button; the wheel moves the current row; the indicator column at the left marks
-/// it.
+/// The grid of a search window: read-only, multiple selection of whole rows. The left button drags
+/// rows, the wheel moves the current row, and the indicator column at the left marks it.
 class SearchGrid : public QTableView {
     Q_OBJECT
   public:
@@ -20,7 +19,7 @@ class SearchGrid : public QTableView {
     /// Pixels the mouse must move to start a drag.
     static constexpr int kDragDistance = 5;
 
-    /// The colours of a cell; called while it is painted.
+    /// The colours of a cell; called during painting.
     using Colours = std::function<CellColours(int row, int column)>;
     void setColours(Colours colours);
 

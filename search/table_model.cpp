@@ -68,7 +68,7 @@ int TableModel::columnOf(const QString& field) const {
     return found == m_columns.end() ? -1 : static_cast<int>(found - m_columns.begin());
 }
 
-// The record of a row, through the page cache; null while it is not known.
+// The record of a row, through the page cache; null if it is not known.
 const StoredRecord* TableModel::find(qint64 row) const {
     const qint64 number = row / kPageRows;
     Page* page = m_pages.object(number);
@@ -91,7 +91,7 @@ const StoredRecord* TableModel::find(qint64 row) const {
             for (StoredRecord& record : m_rows.read(first, wanted))
                 fresh->push_back(std::move(record));
         } catch (const data::DataError& error) {
-            tellFailure(data::errorText(error));
+            reportFailure(data::errorText(error));
         }
         m_pages.insert(number, fresh.release());
         page = m_pages.object(number);
@@ -106,11 +106,11 @@ const StoredRecord* TableModel::find(qint64 row) const {
     return &(*page)[place];
 }
 
-// Once for all rows: painting must not open a dialog for every cell.
-void TableModel::tellFailure(const QString& text) const {
-    if (m_failureTold)
+// Once for all rows: painting must not open a dialog per cell.
+void TableModel::reportFailure(const QString& text) const {
+    if (m_failureReported)
         return;
-    m_failureTold = true;
+    m_failureReported = true;
     auto* self = const_cast<TableModel*>(this);
     QMetaObject::invokeMethod(
         self, [self, text] { Q_EMIT self->failed(text); }, Qt::QueuedConnection);
@@ -140,7 +140,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
         try {
             return column.text(GridRow(m_table.layout(), *found));
         } catch (const data::DataError& error) {  // from another table that the column reads
-            tellFailure(data::errorText(error));
+            reportFailure(data::errorText(error));
             return QString();
         }
     }
@@ -170,7 +170,7 @@ QVariant TableModel::headerData(int section, Qt::Orientation orientation, int ro
 
 // --- other rows
 
-// One slice; more only while the first screen is not full.
+// One slice; more only until the first screen is full.
 void TableModel::learnFirstRows(ViewRows& rows) {
     const QDeadlineTimer deadline(kFirstRowsMs);
     ViewRows::Change change;
@@ -187,10 +187,10 @@ void TableModel::show(int key, std::optional<KeyRange> range, RowTest test) {
 }
 
 bool TableModel::search(int key, std::optional<KeyRange> range, RowTest test,
-                        const std::function<bool(double)>& goOn) {
+                        const std::function<bool(double)>& onProgress) {
     ViewRows fresh(m_table.file());
     fresh.show(key, std::move(range), std::move(test));
-    if (!fresh.learnAll(goOn))
+    if (!fresh.learnAll(onProgress))
         return false;
     takeRows(std::move(fresh));
     return true;
@@ -203,7 +203,7 @@ void TableModel::takeRows(ViewRows&& rows) {
     });
 }
 
-// Replaces all rows in a reset, which ends also when reading fails.
+// Replaces all rows in a reset, which ends even if reading fails.
 void TableModel::replaceRows(const std::function<void()>& work) {
     beginResetModel();
     const auto end = qScopeGuard([this] {
@@ -214,7 +214,7 @@ void TableModel::replaceRows(const std::function<void()>& work) {
     work();
 }
 
-// Walks until a row is known, for a short time.
+// Walks until a row is known or a short time is over.
 ViewRows::Change TableModel::learnUntil(const std::function<qint64()>& row) {
     ViewRows::Change change;
     const QDeadlineTimer deadline(kWantMs);
@@ -227,7 +227,7 @@ ViewRows::Change TableModel::learnUntil(const std::function<qint64()>& row) {
 // After all rows were replaced, within a reset.
 void TableModel::restarted() {
     m_pages.clear();
-    m_failureTold = false;
+    m_failureReported = false;
     m_blanksShown = false;
     m_rowCount = asRow(m_rows.count());
     m_idle.start();
@@ -273,7 +273,7 @@ bool TableModel::want(int first, int last, bool mayRestart) {
     if (m_rowCount == 0 || (m_rows.isKnown(first) && m_rows.isKnown(last)))
         return false;
     if (!mayRestart || m_rows.isKnown(first) || m_rows.isKnown(last)) {
-        // Next to the known rows: walking on for a moment usually reaches them.
+        // Near the known rows: a short walk usually reaches them.
         ViewRows::Change change;
         m_rows.learn(QDeadlineTimer(kWantMs), change);
         apply(change);

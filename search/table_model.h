@@ -34,37 +34,37 @@ class TableModel : public QAbstractTableModel {
     const GridColumn& column(int place) const { return m_columns[static_cast<size_t>(place)]; }
     /// The table's field of a column; nullptr for a computed column.
     const data::TField* field(int place) const { return m_fields[static_cast<size_t>(place)]; }
-    int columnOf(const QString& field) const;  ///< -1: none; case ignored
+    int columnOf(const QString& field) const;  ///< -1: none; case-insensitive
 
-    /// Shows other rows; clears selection and current row. @throws data::DataError; the rows stay
-    /// then.
+    /// Shows other rows; clears selection and current row. @throws data::DataError, keeping the
+    /// rows.
     void show(int key, std::optional<KeyRange> range, RowTest test);
-    /// The same, walking all records at once. `goOn`, called some times a second with the share
-    /// done (0 to 1), cancels by returning false. @return false when cancelled: the rows stay then.
+    /// The same, walking all records at once. `onProgress`, called several times a second with the
+    /// share done (0 to 1), cancels by returning false. @return false if cancelled: the rows stay.
     bool search(int key, std::optional<KeyRange> range, RowTest test,
-                const std::function<bool(double)>& goOn);
+                const std::function<bool(double)>& onProgress);
     const ViewRows& rows() const { return m_rows; }
     bool isCountExact() const { return m_rows.isCountExact(); }
 
-    /// The record of a row; nothing while it is not known.
+    /// The record of a row; nothing if it is not known.
     std::optional<data::StoredRecord> record(int row) const;
-    /// The row of a record or of the next one that is shown; -1 when there is none. While the count
-    /// is not exact this may replace all rows (a reset), with estimated row numbers.
+    /// The row of a record or of the next one shown; -1 if there is none. While the count is not
+    /// exact this may replace all rows (a reset), with estimated row numbers.
     int rowOf(const data::StoredRecord& record);
     int nearest(const data::KeyValues& values);
-    /// The last row, made known. -1 when there is none.
+    /// The last row, made known; -1 if there is none.
     int lastRow();
-    /// Makes visible rows known as far as a few milliseconds allow. With `mayRestart`, a walk for
-    /// rows far from the known ones starts over there (a reset). @return whether it did.
+    /// Makes visible rows known as far as a few milliseconds allow. With `mayRestart`, the walk
+    /// restarts (a reset) for rows far from the known ones. @return whether it did.
     bool want(int first, int last, bool mayRestart);
     /// Rereads the records, keeping row numbers.
     void reread();
-    /// Walks a filtered view again in idle time, beside the rows shown, and emits outdated() when
-    /// it found other records. Without changes the rows stay as they are.
+    /// Walks a filtered view again in idle time and emits outdated() if it finds other records.
+    /// Until then the rows shown do not change.
     void recheck();
-    /// Shows what recheck() has found; clears selection and current row.
+    /// Shows the result of recheck(); clears selection and current row.
     void showRechecked();
-    /// Walks until every row is known, however long that takes.
+    /// Walks until every row is known, without a time limit.
     void learnAll();
 
   Q_SIGNALS:
@@ -89,7 +89,7 @@ class TableModel : public QAbstractTableModel {
     void takeRows(ViewRows&& rows);
     void replaceRows(const std::function<void()>& work);
     int toRow(std::optional<qint64> row, bool wasRestarted);
-    void tellFailure(const QString& text) const;
+    void reportFailure(const QString& text) const;
 
     data::TtbTable& m_table;
     std::vector<GridColumn> m_columns;
@@ -97,10 +97,10 @@ class TableModel : public QAbstractTableModel {
     mutable ViewRows m_rows;
     std::optional<ViewRows> m_recheck;  // the same view, walked again
     int m_rowCount = 0;
-    qint64 m_offset = 0;  // from told row numbers to m_rows', while a change is announced
+    qint64 m_offset = 0;  // from announced row numbers to m_rows', while a change is announced
     mutable QCache<qint64, Page> m_pages;
     mutable bool m_blanksShown = false;
-    mutable bool m_failureTold = false;
+    mutable bool m_failureReported = false;
     QTimer m_idle;
 };
 

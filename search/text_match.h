@@ -8,8 +8,8 @@
 
 namespace search {
 
-/// Searches a field for a text, at the start of the field or anywhere, ignoring case. Text fields
-/// are compared by bytes, others by the text that is shown.
+/// Searches a field for a text, at its start or anywhere, ignoring case. Text fields are compared
+/// by bytes, others by their shown text.
 class TextMatch {
   public:
     TextMatch(const QString& text, bool anywhere);
@@ -25,7 +25,7 @@ class TextMatch {
   private:
     QString m_text;
     bool m_anywhere;
-    bool m_possible;       // the text exists in Windows-1252
+    bool m_possible;       // the text can be encoded in Windows-1252
     QByteArray m_weights;  // case-folded bytes of the text
 };
 

@@ -20,10 +20,10 @@ class TTuoteHakuForm : public TBtrHakuForm {
     static TTuoteHakuForm* instanssi(QWidget* parent = nullptr);
     /// Shows instanssi() and brings it to the front.
     static void NaytaLomake(QWidget* parent = nullptr);
-    /// Closes the window when there is one.
+    /// Closes the window, if any.
     static void SuljeHaku();
 
-    /// Whether the stock columns are filled. Saved with the layout.
+    /// Fills the stock columns. Saved with the layout.
     QCheckBox* NaytaSaldot;
 
     /// The product's kind (TUOTE2).

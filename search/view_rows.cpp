@@ -14,17 +14,17 @@ using data::StoredRecord;
 
 namespace {
 
-// Records between two looks at the clock.
+// Records between two checks of the clock.
 constexpr int kSlice = 256;
 constexpr int kBatch = 16384;
 constexpr int kIdBatch = 65536;
 constexpr size_t kHints = size_t{1} << 23;  // bits
-constexpr int kTellMs = 40;
+constexpr int kReportMs = 40;
 // Smaller errors of an estimate are not corrected, so that the scroll bar does not jitter.
 constexpr double kTolerance = 0.15;
 constexpr qint64 kSmallestCorrection = 64;
 constexpr int kWarmLevels = 10;
-constexpr size_t kMostProbes = 4096;  // about 1 KB each
+constexpr size_t kMaxProbes = 4096;  // about 1 KB each
 
 }  // namespace
 
@@ -40,7 +40,7 @@ void ViewRows::show(int key, std::optional<KeyRange> range, RowTest test) {
     beginFromStart();
 }
 
-// The places of the range's two ends.
+// Computes the positions of the range's ends.
 void ViewRows::limits() {
     m_low = 0;
     m_high = m_places.count();
@@ -77,12 +77,12 @@ void ViewRows::beginFromStart() {
 }
 
 // Restarts the walk at a record of the range.
-void ViewRows::begin(const StoredRecord& first, qint64 itsPlace) {
+void ViewRows::begin(const StoredRecord& first, qint64 firstPlace) {
     const double share =
         m_endPlace > m_firstPlace && !m_ids.empty()
             ? static_cast<double>(m_ids.size()) / static_cast<double>(m_endPlace - m_firstPlace)
             : 1.0;
-    const qint64 place = std::clamp(itsPlace, m_low, m_high);
+    const qint64 place = std::clamp(firstPlace, m_low, m_high);
     m_ids.clear();
     m_probes.clear();
     m_startReached = m_endReached = false;
@@ -213,14 +213,14 @@ bool ViewRows::learn(const QDeadlineTimer& deadline, Change& change) {
     return !isCountExact();
 }
 
-bool ViewRows::learnAll(const std::function<bool(double)>& goOn) {
-    // First all records in the fastest order of reading; then the accepted ones in key order.
+bool ViewRows::learnAll(const std::function<bool(double)>& onProgress) {
+    // First visits all records in the fastest order, then collects the accepted ones in key order.
     std::unordered_set<RecordId> accepted;
     std::vector<bool> hints(kHints);  // avoids most lookups in the set
     std::optional<RecordId> at;
     qint64 seen = 0;
-    QElapsedTimer sinceTold;
-    sinceTold.start();
+    QElapsedTimer sinceReport;
+    sinceReport.start();
     const qint64 total = std::max<qint64>(m_places.count(), 1);
     do {
         at = m_file->visitStored(at, kBatch, [&](RecordId id, const QByteArray& bytes) {
@@ -231,11 +231,11 @@ bool ViewRows::learnAll(const std::function<bool(double)>& goOn) {
             }
             return true;
         });
-        if (sinceTold.elapsed() < kTellMs)
+        if (sinceReport.elapsed() < kReportMs)
             continue;
-        if (!goOn(std::min(1.0, static_cast<double>(seen) / static_cast<double>(total))))
+        if (!onProgress(std::min(1.0, static_cast<double>(seen) / static_cast<double>(total))))
             return false;
-        sinceTold.restart();
+        sinceReport.restart();
     } while (at);
     m_ids.clear();
     m_probes.clear();
@@ -319,7 +319,7 @@ void ViewRows::startAtEnd() {
         begin(*record, m_high - 1);
 }
 
-// A record for the binary search among the known rows; null when it is gone.
+// A record for the binary search among the known rows; null if it is gone.
 const StoredRecord* ViewRows::probe(size_t row) {
     const RecordId id = m_ids[row];
     auto found = m_probes.find(id);
@@ -327,7 +327,7 @@ const StoredRecord* ViewRows::probe(size_t row) {
         std::optional<StoredRecord> at = m_file->get(id);
         if (!at)
             return nullptr;
-        if (m_probes.size() >= kMostProbes)
+        if (m_probes.size() >= kMaxProbes)
             m_probes.clear();
         found = m_probes.emplace(id, std::move(*at)).first;
     }
@@ -367,8 +367,8 @@ std::optional<qint64> ViewRows::rowOf(const StoredRecord& record, bool* restarte
         return std::min(m_places.placeOf(record), count() - 1);
     }
     const bool beforeFirst = !m_startReached && m_first && m_places.compare(record, *m_first) < 0;
-    const bool behindLast = !m_endReached && (!m_last || m_places.compare(record, *m_last) > 0);
-    if (beforeFirst || behindLast) {
+    const bool afterLast = !m_endReached && (!m_last || m_places.compare(record, *m_last) > 0);
+    if (beforeFirst || afterLast) {
         StoredRecord from = record;
         if (side(record.bytes) < 0) {
             const auto low = m_file->seek(key(), SeekOp::GreaterOrEqual, m_range->low, 1);

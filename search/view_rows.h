@@ -18,13 +18,12 @@ struct KeyRange {
     data::KeyValues high;
 };
 
-/// The rows of a view over one table: the records that a test accepts, in the order of a key,
-/// within a range of it.
-///
-/// A plain view (no range, no test) knows all rows immediately. Any other view is walked in time
-/// slices (learn()), from the first row or from where the user looks, towards both ends. Records
-/// met so far are the known rows; the numbers of rows before and after them are estimates until the
-/// walk reaches that end. Memory: 8 bytes a known row.
+/// The rows of a view over one table: the records accepted by a test, in the order of a key, within
+/// a range of it.
+/// In a plain view (no range, no test) all rows are known immediately. Any other view is walked in
+/// time slices (learn()), from the first row or from the user's position, towards both ends.
+/// Records visited so far are the known rows; the numbers of rows before and after them are
+/// estimates until the walk reaches that end. Memory: 8 bytes per known row.
 class ViewRows {
   public:
     /// Rows inserted (negative: removed) before the first known row and after the last one;
@@ -38,7 +37,7 @@ class ViewRows {
 
     explicit ViewRows(data::TableFile& file) : m_file(&file), m_places(file) {}
 
-    /// Another view, not walked yet: learn() follows.
+    /// Sets another view, not walked yet: learn() follows.
     /// @throws data::DataError(BadValue) for a range that does not fit the key; the view stays.
     void show(int key, std::optional<KeyRange> range, RowTest test);
     int key() const { return m_places.key(); }
@@ -57,32 +56,33 @@ class ViewRows {
     /// Whether the known rows are the same records in the same order.
     bool hasSameRows(const ViewRows& other) const { return m_ids == other.m_ids; }
 
-    /// Walks on until the deadline. @return false when nothing is left to do. `change` receives the
-    /// change of the row numbers.
+    /// Continues the walk until the deadline. @return false if it is finished. `change` receives
+    /// the change of the row numbers.
     bool learn(const QDeadlineTimer& deadline, Change& change);
-    /// Walks all records now, so that every row is known. `goOn`, called some times a second with
-    /// the share done (0 to 1), cancels by returning false: the view must be discarded then.
-    bool learnAll(const std::function<bool(double)>& goOn);
-    /// The share of the records (0 to 1) that the walk has passed.
+    /// Walks all records now, so that every row is known. `onProgress`, called several times a
+    /// second with the share done (0 to 1), cancels by returning false: the view must be discarded
+    /// then.
+    bool learnAll(const std::function<bool(double)>& onProgress);
+    /// The share of the records (0 to 1) visited so far.
     double progress() const;
 
-    /// Records of `count` rows from `row` on, as far as known.
+    /// Records of `count` rows from `row`, as far as known.
     std::vector<data::StoredRecord> read(qint64 row, int count);
 
-    /// Restarts the walk at the row's estimated place; row numbers become estimates.
+    /// Restarts the walk at the row's estimated position; row numbers become estimates.
     void startAtRow(qint64 row);
     /// Restarts the walk at the end of the view.
     void startAtEnd();
 
-    /// The row of a record or, when it does not belong to the view, of the next one (else the last
-    /// row). May restart the walk at the record (`*restarted`); row numbers are estimates then.
-    /// Nothing while the view is empty.
+    /// The row of a record or, if it is not in the view, of the next one (else the last row). May
+    /// restart the walk at the record (`*restarted`); row numbers are estimates then. Nothing if
+    /// the view is empty.
     std::optional<qint64> rowOf(const data::StoredRecord& record, bool* restarted);
     /// The row of the first record whose leading key fields are >= the values.
     std::optional<qint64> nearest(const data::KeyValues& values, bool* restarted);
 
   private:
-    void begin(const data::StoredRecord& first, qint64 itsPlace);
+    void begin(const data::StoredRecord& first, qint64 firstPlace);
     void beginFromStart();
     bool walk(data::Direction direction, const QDeadlineTimer& deadline);
     void take(const data::StoredRecord& record, data::Direction direction);
@@ -108,7 +108,7 @@ class ViewRows {
     bool m_endReached = false;
     qint64 m_before = 0;  // estimated rows
     qint64 m_after = 0;
-    // As places of the key: the range, and the walk so far.
+    // As positions in the key: the range, and the walk so far.
     qint64 m_low = 0;
     qint64 m_high = 0;
     qint64 m_firstPlace = 0;

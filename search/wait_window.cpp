@@ -39,7 +39,7 @@ WaitWindow::WaitWindow(QWidget* owner)
     move(around.center() - rect().center());
 }
 
-bool WaitWindow::goOn(double share) {
+bool WaitWindow::onProgress(double share) {
     m_progress->setValue(static_cast<int>(share * kSteps));
     QCoreApplication::processEvents();
     return !m_cancelled;

@@ -13,8 +13,8 @@ class WaitWindow : public QWidget {
     Q_OBJECT
   public:
     explicit WaitWindow(QWidget* owner);
-    /// Shows the share done (0 to 1) and processes events. @return false when cancelled.
-    bool goOn(double share);
+    /// Shows the share done (0 to 1) and processes events. @return false if cancelled.
+    bool onProgress(double share);
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;

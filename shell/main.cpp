@@ -14,13 +14,13 @@ extern const qint64 kProgramBuildTime;
 
 int main(int argc, char** argv) {
     const platform::Console console;
-    platform::withholdWritingFromOthers();
+    platform::denyWriteToOthers();
     shell::setBuildTime(shell::imageTime().value_or(kProgramBuildTime));
     QStringList parameters;
     for (int i = 1; i < argc; ++i)
         parameters.append(QString::fromLocal8Bit(argv[i]));
 
-    const QString answer = shell::answerWithoutWindows(parameters);
+    const QString answer = shell::commandLineAnswer(parameters);
     if (!answer.isEmpty()) {
         QTextStream(stdout) << answer;
         return 0;

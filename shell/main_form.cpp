@@ -178,7 +178,7 @@ ExitStatus TMainForm::runWholeBatch() {
         QCoreApplication::processEvents();
     };
     ports.load = [this](const QString& name) {
-        if (m_changeForm == nullptr)  // closed by hand between two definitions
+        if (m_changeForm == nullptr)  // closed by the user between two definitions
             openChangeForm();
         m_changeForm->showStatus(name);
         return framework::TRapMaarForm::LataaArvot(*m_changeForm, name);
@@ -207,7 +207,7 @@ void TMainForm::runBatchAndLeave() {
             kErrorPrefix + QStringLiteral("eräajo päättyi virheeseen: ") + data::errorText(e);
         company::WriteAlvMuutosLog(text);
         QTextStream(stderr) << text << '\n';
-        if (m_inRun && framework::Dialogs::someoneThere()) {
+        if (m_inRun && framework::Dialogs::isInteractive()) {
             framework::Dialogs::error(this, text);
             return;  // leave the windows to the user at the screen
         }
@@ -225,7 +225,7 @@ void TMainForm::runBatchAndLeave() {
 }
 
 void TMainForm::BtnLogClick() {
-    // A missing log goes to the desktop too, which reports it.
+    // The desktop reports a missing log.
     const QString fileName = company::AlvMuutosLogName();
     if (!framework::Desktop::instance().open(
             QUrl::fromLocalFile(QFileInfo(fileName).absoluteFilePath())))

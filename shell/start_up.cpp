@@ -55,13 +55,12 @@ bool anyOf(const QStringList& parameters, std::initializer_list<const char*> wan
     return false;
 }
 
-int tell(ExitStatus status, const QString& text) {
+int fail(ExitStatus status, const QString& text) {
     QTextStream(stderr) << text << '\n';
     return static_cast<int>(status);
 }
 
-// Unknown switches, as typed. A batch must not run with one: it would not do what was asked for
-// ("rehearse only").
+// Unknown switches, as typed. A batch must not run with one: it would ignore what was requested.
 QStringList unknownSwitches() {
     static constexpr std::array kKnown = {
         "/E", "/U", "/EP", "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
@@ -88,21 +87,21 @@ QString wantedCompany() {
 
 // Nobody can answer a dialog.
 bool unattended() {
-    return platform::hasSwitch(QStringLiteral("/E")) || !framework::Dialogs::someoneThere();
+    return platform::hasSwitch(QStringLiteral("/E")) || !framework::Dialogs::isInteractive();
 }
 
 // Shows why the program cannot start, or writes it to standard error. @return the exit status
 int refuse(ExitStatus status, const QString& text) {
     if (unattended())
-        return tell(status, text);
+        return fail(status, text);
     framework::Dialogs::error(nullptr, text);
     return static_cast<int>(status);
 }
 
-// Filters the offscreen platform's complaints: an unattended run's standard error is for errors.
+// Filters warnings of the offscreen platform: an unattended run's standard error is for errors.
 QtMessageHandler otherMessages = nullptr;
-void leaveOutPlatformComplaints(QtMsgType type, const QMessageLogContext& context,
-                                const QString& text) {
+void filterPlatformWarnings(QtMsgType type, const QMessageLogContext& context,
+                            const QString& text) {
     if (!text.startsWith(QLatin1String("This plugin does not support")))
         otherMessages(type, context, text);
 }
@@ -120,7 +119,7 @@ Choice chooseCompany() {
 
 }  // namespace
 
-QString answerWithoutWindows(const QStringList& parameters) {
+QString commandLineAnswer(const QStringList& parameters) {
     if (anyOf(parameters, {"--help", "-h", "/?"}))
         return kHelp;
     if (anyOf(parameters, {"--version"}))
@@ -137,7 +136,7 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
     const bool x11 = !qEnvironmentVariableIsEmpty("DISPLAY");
     const bool wayland = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     if (unattended) {
-        // Tried in turn: the display may be gone.
+        // Tried in this order: the display may be gone.
         QByteArrayList platforms;
         if (!chosen.isEmpty()) {
             platforms.append(chosen);
@@ -174,12 +173,12 @@ int runProgram(QApplication& application) {
     QApplication::setApplicationVersion(buildStamp());
     framework::useFinnishTexts();
     framework::installHelpKey();
-    if (!framework::Dialogs::someoneThere())
-        otherMessages = qInstallMessageHandler(leaveOutPlatformComplaints);
+    if (!framework::Dialogs::isInteractive())
+        otherMessages = qInstallMessageHandler(filterPlatformWarnings);
     company::setLogErrorReport([](const QString& text) { QTextStream(stderr) << text << '\n'; });
     company::TZavDbConnectionModule::setNotice(framework::showNotice);
     if (const QStringList unknown = unknownSwitches(); !unknown.isEmpty()) {
-        const int status = tell(ExitStatus::Unavailable, QStringLiteral("Tuntematon valitsin: ") +
+        const int status = fail(ExitStatus::Unavailable, QStringLiteral("Tuntematon valitsin: ") +
                                                              unknown.join(QStringLiteral(", ")));
         if (batch)
             return status;
@@ -199,7 +198,7 @@ int runProgram(QApplication& application) {
             case Choice::Cancelled:
                 return static_cast<int>(ExitStatus::Done);
             case Choice::Impossible:
-                return tell(ExitStatus::Unavailable,
+                return fail(ExitStatus::Unavailable,
                             wantedCompany().isEmpty()
                                 ? QStringLiteral("Yrityksen nimi puuttuu")
                                 : QStringLiteral("Yritystä ei löydy: ") + wantedCompany());
@@ -226,7 +225,7 @@ int runProgram(QApplication& application) {
         if (unattended()) {
             for (const QString& problem : problems)
                 company::WriteAlvMuutosLog(kErrorPrefix + problem);
-            return tell(ExitStatus::Failed, text);
+            return fail(ExitStatus::Failed, text);
         }
         framework::Dialogs::error(&mainForm, text);
     }

@@ -7,7 +7,7 @@
 namespace shell {
 
 /// Returns the text for "--help" or "--version"; empty without either.
-QString answerWithoutWindows(const QStringList& parameters);
+QString commandLineAnswer(const QStringList& parameters);
 
 /// Chooses the Qt platform unless one is set: an unattended start without a display runs offscreen.
 /// Call before creating the application.

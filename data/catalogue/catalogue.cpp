@@ -14,7 +14,7 @@ namespace {
 constexpr quint32 kMemoKindWord = 22 << 16 | static_cast<quint32>(Kind::Memo);
 constexpr quint32 kAutoIncrementKindWord = 29 << 16 | static_cast<quint32>(Kind::Integer);
 
-// Rows of X$Field that name a key or hold a column's constraints, as other programs write them.
+// Types of X$Field rows that name a key or hold a column's constraints; other programs write them.
 constexpr int kConstraintRow = 227;
 constexpr int kKeyNameRow = 255;
 

@@ -13,7 +13,7 @@ namespace data {
 
 /// Layout and keys of one table.
 struct TableDescription {
-    QString name;      ///< as the catalogue writes it
+    QString name;      ///< spelled as in the catalogue
     int number = 0;    ///< Xf$Id
     QString location;  ///< Xf$Loc: the file that holds the records
     RecordLayout layout;
@@ -28,46 +28,45 @@ inline const QString kIndexTable = QStringLiteral("X$Index");
 enum IndexFlag : int {
     kDuplicates = 1,
     kModifiable = 2,
-    kSegmented = 16,  ///< another segment of the key follows
+    kSegmented = 16,  ///< another segment of the same key follows
     kIgnoreCase = 32,
     kDescending = 64
 };
 
-/// Flag of Xf$Flags: a table of the catalogue itself.
+/// Bit of Xf$Flags: the table belongs to the catalogue itself.
 inline constexpr int kCatalogueFile = 16;
 
-/// A name as tables are looked up by it: case ignored.
+/// A table name folded for case-insensitive lookup.
 QString foldedName(const QString& tableName);
 
-/// The layout of a table's compiled dictionary. `recordLength` 0 takes the end of the last field.
-/// @throws DataError(NoSuchTable) when there is none.
+/// Layout from a table's compiled dictionary. `recordLength` 0: up to the end of the last field.
+/// @throws DataError(NoSuchTable) if there is no dictionary.
 RecordLayout compiledLayout(const QString& tableName, int recordLength = 0);
 
-/// The tables of a company, read from its catalogue once: a table's rows are parsed when it is
-/// first asked for.
+/// The tables of a company. The catalogue is read once; a table's rows are parsed on first use.
 class Catalogue {
   public:
-    /// Shows every record of a catalogue table, in the order of its first key, to `see`. The bytes
-    /// are those of the table's compiled layout and live during the call.
+    /// Calls `see` with every record of a catalogue table, in order of its first key. The bytes
+    /// follow the table's compiled layout and are valid only during the call.
     using Rows = std::function<void(const RecordLayout& table,
                                     const std::function<void(const uchar*)>& see)>;
 
     Catalogue() = default;
-    /// @throws DataError(Damaged) naming the table that is listed twice or the like, and what
+    /// @throws DataError(Damaged) naming a table that is listed twice, for example, and whatever
     /// `rows` throws.
     explicit Catalogue(const Rows& rows);
 
-    /// Tables as the catalogue lists them, in the order of their numbers.
+    /// Listed tables, in order of their numbers.
     QStringList tableNames() const;
     bool lists(const QString& tableName) const;
 
-    /// Layout and keys of a table: from its rows, else (a table that is stored but not listed) from
-    /// its compiled dictionary and the keys of its source. `recordLength` is the data file's; 0
-    /// takes the end of the last field.
-    /// @throws DataError(NoSuchTable; Damaged when the rows contradict each other or the length).
+    /// Layout and keys of a table: from its rows or, for a table that is stored but not listed,
+    /// from its compiled dictionary and its source's keys. `recordLength`: the data file's; 0: up
+    /// to the end of the last field.
+    /// @throws DataError(NoSuchTable; Damaged if the rows contradict each other or the length).
     TableDescription describe(const QString& tableName, int recordLength = 0) const;
 
-    /// Where the records of a listed table are (Xf$Loc); empty for others.
+    /// Data file of a listed table (Xf$Loc); empty for others.
     QString location(const QString& tableName) const;
 
   private:
@@ -101,7 +100,7 @@ class Catalogue {
     QHash<QString, size_t> m_byName;  // folded
 };
 
-/// Layout and keys as a source gives them. `number` is the table's Xf$Id.
+/// Layout and keys of a table source. `number`: the table's Xf$Id.
 TableDescription describeSource(const TableSource& source, int number);
 
 }  // namespace data

@@ -2,7 +2,7 @@
 
 #include <QByteArrayView>
 
-/// The fixed texts of a compiled dictionary block; each is five bytes with its terminating zero.
+/// Fixed texts of a compiled dictionary block: five bytes each, including the terminating zero.
 namespace data {
 
 inline constexpr int kVersion = 2;

@@ -13,7 +13,7 @@ namespace data {
 
 namespace {
 
-// One word table of the source format; the first spelling of a value is the one that is documented.
+// Words of the source format by value; the first spelling of a value is the documented one.
 template <typename T>
 std::optional<T> lookUp(const QHash<QString, T>& words, const QString& word) {
     const auto at = words.constFind(word);

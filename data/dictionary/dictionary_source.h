@@ -10,7 +10,7 @@
 
 namespace data {
 
-/// A key as a dictionary source names it.
+/// A key in a dictionary source.
 struct KeySource {
     int number = 0;
     bool unique = false;
@@ -18,29 +18,28 @@ struct KeySource {
     QStringList fields;
 };
 
-/// A table as its readable source (*.dict) describes it: the fields, which are compiled into the
-/// binary block, and the keys, which the embedded engine gives a new company's table.
+/// A table's source file (*.dict): the fields, which are compiled into the binary block, and the
+/// keys, which the embedded engine creates in a new company.
 struct TableSource {
-    QString name;  ///< as its author wrote it
+    QString name;  ///< spelled as in the source
     std::vector<TFieldCacheItem> fields;
     std::vector<KeySource> keys;
-    /// The keys of a table whose open file tells them in full, instead of `keys`: segment by
-    /// segment, by the fields' places in `fields`.
+    /// Complete key definitions from an open data file, with indexes into `fields`; replace `keys`.
     std::vector<KeyDef> keyDefs = {};
 
-    /// End of the last field: the record length of the embedded engine's table.
+    /// End of the last field: the record length in the embedded engine.
     int span() const;
 };
 
 /// Parses the text of a *.dict file. @throws DataError(Syntax) naming the file, line and word.
 TableSource parseTableSource(const QByteArray& text, const QString& fileName);
 
-/// Writes the compiled block of a table. @throws DataError(BadValue) when a name or number does not
-/// fit the format.
+/// Compiles the dictionary block of a table. @throws DataError(BadValue) if a name or number does
+/// not fit the format.
 QByteArray compileBlock(const QString& tableName, const std::vector<TFieldCacheItem>& fields);
 
-/// The sources of every table of a new company (compiled ones and catalogue-only ones), carried as
-/// resources ":/data/source/NAME.dict", in the order of table name.
+/// Sources of all tables of a new company, including those without a compiled dictionary, sorted by
+/// name. Resources ":/data/source/NAME.dict".
 std::vector<TableSource> allTableSources();
 
 }  // namespace data

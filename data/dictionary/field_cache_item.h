@@ -22,7 +22,7 @@ enum class Kind : quint16 {
     LargeInt = 18
 };
 
-/// On-disk encoding: the shops' engine's data type codes, and two of the dictionary's own.
+/// On-disk encoding: the shops' engine's data type codes, and two more of the dictionary's.
 enum class Storage : quint16 {
     String = 0,           ///< blank-padded characters
     Integer = 1,          ///< signed, little-endian, 1, 2, 4 or 8 bytes
@@ -32,10 +32,10 @@ enum class Storage : quint16 {
     Logical = 7,          ///< one byte, 0 is false
     LString = 10,         ///< length byte, then characters
     ZString = 11,         ///< characters and a terminating zero
-    Note = 12,            ///< text closed by a terminator inside a fixed area
+    Note = 12,            ///< text up to a terminator inside a fixed area
     LVar = 13,            ///< length word, then bytes
     UnsignedBinary = 14,  ///< unsigned, little-endian, 1 or 2 bytes
-    AutoIncrement = 15,   ///< signed 32-bit; 0 on insert asks for the next number
+    AutoIncrement = 15,   ///< signed 32-bit; 0 on insert is replaced by the next number
     Bit = 16,             ///< one bit of the byte at the offset, see mask
     Timestamp = 20,       ///< 8 bytes
     Blob = 21,            ///< 8 bytes: offset and length
@@ -44,14 +44,14 @@ enum class Storage : quint16 {
     Real48 = 255          ///< six-byte floating point
 };
 
-/// One field of a table as its dictionary describes it; kept as read.
+/// One field of a table as read from its dictionary.
 struct TFieldCacheItem {
     static constexpr int kMaxNameLength = 31;
 
     quint16 number = 0;    ///< 1, 2, 3 ... in entry order, so its index in the table is number - 1
     QString name;          ///< at most kMaxNameLength characters
     quint32 kindWord = 0;  ///< Kind in the low 16 bits, a qualifier in the high ones
-    quint16 size = 0;      ///< characters for a string, bytes otherwise (a boolean says 4)
+    quint16 size = 0;      ///< characters for a string, bytes otherwise (4 for a boolean)
     quint16 mask = 0;      ///< the bit of a Storage::Bit field
     quint16 offset = 0;    ///< byte offset in the record
     quint16 storedLength = 0;  ///< bytes occupied in the record

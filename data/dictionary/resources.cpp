@@ -2,7 +2,7 @@
 
 #include <QDir>
 
-// Q_INIT_RESOURCE declares a function of the generated file, which is outside of any namespace.
+// Q_INIT_RESOURCE declares a function in the global namespace.
 static void initialize() {
     Q_INIT_RESOURCE(dictionary);
 }

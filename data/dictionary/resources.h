@@ -2,8 +2,8 @@
 
 namespace data {
 
-/// Makes the compiled dictionaries and their sources known to the program. The module is a static
-/// library, whose resources a program sees only when something asks for them; may be called often.
+/// Registers the compiled dictionaries and their sources. Needed because a static library's
+/// resources are not registered automatically; may be called repeatedly.
 void initDictionaryResources();
 
 }  // namespace data

@@ -18,7 +18,7 @@ namespace {
 const QString kProgramFolder = QStringLiteral(":/program/dictionary");
 const QString kDataFolder = QStringLiteral(":/data/dictionary");
 
-// Walks the bytes of a block; every read beyond its end is an error that names the table.
+// Reads a block; reading past its end throws an error that names the table.
 class BlockCursor {
   public:
     BlockCursor(const QByteArray& block, QString tableName, qsizetype at = 0)
@@ -38,7 +38,7 @@ class BlockCursor {
 
     void skipName() { take(number<quint8>()); }
 
-    // The version as a number; -1 when the text is none.
+    // The version number; -1 if the text is not a number.
     int version() {
         const QByteArray text =
             QByteArray(take(kVersionSignature.size()), kVersionSignature.size());
@@ -100,9 +100,9 @@ Module& module() {
     return blocks;
 }
 
-// Cuts a file of blocks that follow one another. A block of another version is kept up to its end
-// signature, so that reading its table says what is wrong with it.
-Module cutModule(const QByteArray& bytes, const QString& fileName) {
+// Splits a file of consecutive blocks. A block of an unknown version is kept up to its end
+// signature, so that reading its table reports the version.
+Module splitModule(const QByteArray& bytes, const QString& fileName) {
     Module blocks;
     qsizetype start = 0;
     while (start < bytes.size()) {
@@ -183,7 +183,7 @@ void TTblResReader::setModuleFile(const QString& fileName) {
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError)
         throw DataError(ErrorKind::Io, fileName, file.errorString());
-    module() = cutModule(bytes, fileName);
+    module() = splitModule(bytes, fileName);
 }
 
 QStringList TTblResReader::tableNames() {

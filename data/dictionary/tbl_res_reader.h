@@ -9,44 +9,42 @@
 
 namespace data {
 
-/// What a table object keeps of its dictionary: the field collection, whether and under which name
-/// it was read from a resource, and (apart from it) its key names.
+/// Dictionary data of a table object: its fields and the name they were read under.
 class TTblResBase {
   public:
     std::vector<TFieldCacheItem> FFields;  ///< entry order: index = field number - 1
-    bool FFieldsResFlag = false;           ///< the fields came from a dictionary
-    QString FFieldsResName;                ///< under this name
+    bool FFieldsResFlag = false;           ///< fields were read from a dictionary
+    QString FFieldsResName;                ///< name they were read under
     QStringList FIndexNames;
     QString FTitanTable;  ///< the table this object describes
 };
 
 /// Reads the compiled dictionary block of a table (see docs/record-format.md for its bytes).
-///
-/// A block is looked up by table name, case ignored, in this order; the first hit is used:
-///   1. the separately loaded dictionary file, when one is set (setModuleFile),
-///   2. the program's own resources (":/program/dictionary/NAME"),
-///   3. the resources of data/ itself (":/data/dictionary/NAME").
+/// Blocks are looked up by table name (case-insensitive), in this order:
+///   1. the loaded dictionary file, if any (setModuleFile),
+///   2. the program's resources (":/program/dictionary/NAME"),
+///   3. the resources of data/ (":/data/dictionary/NAME").
 class TTblResReader {
   public:
     /// Reads the dictionary of `tableName` into `table.FFields` (cleared first).
-    /// @return true when a block was found and read to its end signature; false when there is none
-    ///         or its version is unknown (then no field items are created).
+    /// @return true if a block was found and read to its end signature; false if there is none or
+    /// its version is unknown (no fields are created then).
     /// @throws DataError(Damaged) for a version 1 block ("Error - Resource [NAME]  in old format.
-    ///         Re-compile with RESMAIN.EXE") and for a block that breaks off.
+    ///         Re-compile with RESMAIN.EXE") and for a truncated block.
     static bool ReadResource(const QString& tableName, TTblResBase& table);
 
-    /// Decodes one block. As ReadResource, on given bytes. `tableName` stands in the error text.
+    /// As ReadResource, from the given bytes. `tableName` is for error messages.
     static bool readBlock(const QByteArray& block, const QString& tableName,
                           std::vector<TFieldCacheItem>& fields);
 
-    /// The raw block of a table, empty when none is found.
+    /// The raw block of a table; empty if there is none.
     static QByteArray findBlock(const QString& tableName);
 
-    /// Sets the separately loaded module: a file of compiled blocks, one after another. An empty
-    /// name unsets it. @throws DataError(Io, Damaged) naming the file; the earlier module stays.
+    /// Sets the loaded dictionary file: compiled blocks, one after another. An empty name unsets
+    /// it. @throws DataError(Io, Damaged) naming the file; the previous file stays set.
     static void setModuleFile(const QString& fileName);
 
-    /// Names (upper case) of all tables that have a block in any of the three places.
+    /// Upper-case names of all tables that have a block.
     static QStringList tableNames();
 };
 

@@ -4,7 +4,7 @@
 
 #include "data/record/record_codec.h"
 
-// What an engine does record by record unless it knows better.
+// Default implementations, record by record.
 
 namespace data {
 
@@ -36,7 +36,7 @@ std::optional<StoredRecord> TableFile::skip(int key, const std::optional<StoredR
 
 qint64 TableFile::countBetween(int key, const std::optional<StoredRecord>& from,
                                const StoredRecord& to) {
-    // Walks back from `to`, so that both ends may be records that are gone.
+    // Walks back from `to`: neither end needs to exist.
     KeyValues first;
     if (from) {
         for (const KeySegment& segment : keys()[static_cast<size_t>(key)].segments)

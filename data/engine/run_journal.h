@@ -18,11 +18,11 @@ enum class RunKind { Change, Undo };
 enum class RunState {
     Running,
     Interrupted,  ///< its process died; never stored: a stored Running of a dead process
-    Stopped,      ///< by the user or by a request of the system to end
-    Incomplete,   ///< products or orders were left behind
+    Stopped,      ///< by the user, or because the system ends the program
+    Incomplete,   ///< some products or orders were not converted
     Errors,       ///< other steps failed
     Done,
-    Accepted,  ///< unfinished, and left as it is
+    Accepted,  ///< unfinished, but accepted as it is
     PartlyUndone,
     Undone
 };
@@ -35,14 +35,14 @@ struct JournalRun {
     qint64 number = 0;  ///< from 1, in the order of the first starts
     RunKind kind = RunKind::Change;
     RunState state = RunState::Running;
-    QString definition;  ///< its name; empty for one that was not saved
+    QString definition;  ///< its name; empty if it was not saved
     QDateTime started;   ///< local time
     QDateTime ended;     ///< invalid while running or interrupted; the last end after a resume
     qint64 rows = 0;     ///< changed records, each counted once
     QString user;
     QString computer;
     qint64 batch = 0;      ///< number of the first run of its batch; 0: no batch
-    qint64 undoneRun = 0;  ///< of an undo: the run that it takes back
+    qint64 undoneRun = 0;  ///< of an undo: the run that it undoes
 };
 
 enum class Operation { Update, Insert, Delete };
@@ -55,15 +55,15 @@ struct ByteChange {
     QByteArray after;
 };
 
-/// A table as it was when a run first changed it. Its changes can be read only as long as the
-/// catalogue describes it the same way.
+/// A table's description when a run first changed it. The changes can only be read while the
+/// catalogue's description is the same.
 struct JournalTable {
     QString name;
     int recordLength = 0;
     QByteArray fingerprint;  ///< see layoutFingerprint()
 };
 
-/// One stored change of a record, or a mark between changes.
+/// One recorded change of a record, or a mark between changes.
 struct JournalEntry {
     qint64 seq = 0;  ///< from 1 within the run, without gaps
     bool isMark = false;
@@ -73,15 +73,14 @@ struct JournalEntry {
     RecordId record = 0;
     Operation operation = Operation::Update;
     qint64 origin = 0;  ///< see RunJournal::setOrigin()
-    QByteArray key;  ///< bytes of the fields of key 0, one after the other, unchanged by the change
+    QByteArray key;     ///< bytes of key 0's fields, concatenated; the change does not affect them
     std::vector<ByteChange> changes;  ///< by offset
 };
 
-/// The run journal of a company: which records its runs changed, from what to what, in order. A
-/// change and its entry are stored together or not at all. Every function throws DataError; Damaged
-/// if the journal is not as it was written.
-///
-/// At most one run records at a time: the one of the process that holds the company's run mark
+/// The run journal of a company: the records changed by its runs, with old and new bytes, in order.
+/// A change and its entry are committed together. Every function throws DataError; Damaged if the
+/// stored journal is corrupt.
+/// At most one run records at a time: that of the process holding the company's run mark
 /// (Database::beginRun).
 class RunJournal {
   public:
@@ -89,31 +88,31 @@ class RunJournal {
 
     /// Oldest first. Empty if the company has no journal yet.
     virtual std::vector<JournalRun> runs() = 0;
-    /// @return the run; nothing if there is none of that number.
+    /// @return the run; nothing if there is none with this number.
     std::optional<JournalRun> run(qint64 number);
 
-    /// Starts a run and records the changes of this connection from now on. Number, state and rows
-    /// of `head` are ignored. `notes` are stored with the head in one transaction, durably. Removes
-    /// runs that are older than kKeptDays and not unfinished, with their undos.
+    /// Starts a run and records this connection's changes from now on. Number, state and rows of
+    /// `head` are ignored. `notes` are committed durably with the head. Removes finished runs older
+    /// than kKeptDays, with their undos.
     virtual qint64 begin(const JournalRun& head,
                          const std::vector<std::pair<QString, QByteArray>>& notes) = 0;
-    /// Records into an existing run again; later entries follow the stored ones.
+    /// Resumes recording an existing run; new entries follow the stored ones.
     virtual void resume(qint64 run) = 0;
     /// Ends recording and stores state, end and number of changed records.
     virtual void end(RunState state) = 0;
-    /// The run that records; 0 if none does.
+    /// Number of the run being recorded; 0 if none.
     virtual qint64 recording() const = 0;
 
     static constexpr int kKeptDays = 400;
 
-    /// What the following changes are made for, until set again: in a run the position (from 1) in
-    /// the step's list of rows, in an undo the seq of the entry that is taken back; 0: nothing.
+    /// Origin of the following changes, until set again: in a run the position (from 1) in the
+    /// step's list of rows, in an undo the seq of the entry being undone; 0: none.
     virtual void setOrigin(qint64 origin) = 0;
-    /// Appends a mark to the recording run.
+    /// Appends a mark to the run being recorded.
     virtual void mark(const QByteArray& text) = 0;
 
     virtual void setState(qint64 run, RunState state) = 0;
-    /// Removes a run with its entries and notes.
+    /// Deletes a run with its entries and notes.
     virtual void forget(qint64 run) = 0;
 
     /// Entries of a run, at most `max`: Forward those after `from` (0: from the first), Backward
@@ -125,7 +124,7 @@ class RunJournal {
                const std::function<bool(const JournalEntry&)>& see);
     /// Seq of the run's last entry; 0 if it has none.
     virtual qint64 lastEntry(qint64 run) = 0;
-    /// The tables that a run changed; JournalEntry::table is an index of them.
+    /// The tables that a run changed; indexed by JournalEntry::table.
     virtual std::vector<JournalTable> tables(qint64 run) = 0;
 
     /// Named data of a run (definition, rates, lists of rows); run 0: of the company (a batch).
@@ -133,7 +132,7 @@ class RunJournal {
     /// An empty value removes the note.
     virtual void setNote(qint64 run, const QString& name, const QByteArray& value) = 0;
 
-    /// What is wrong with the stored journal, an English line each; empty when all is well.
+    /// Errors of the stored journal, one English line each; empty if there are none.
     virtual QStringList check() = 0;
 };
 

@@ -39,7 +39,7 @@ void putBytes(QByteArray& out, const QByteArray& bytes) {
     out += bytes;
 }
 
-/// Reads an entry's bytes; every read that reaches beyond them throws.
+/// Reads an entry's bytes; throws past their end.
 class Reader {
   public:
     Reader(QByteArrayView bytes, qint64 run, qint64 seq) : m_bytes(bytes), m_run(run), m_seq(seq) {}
@@ -92,7 +92,7 @@ class Reader {
     qint64 m_seq;
 };
 
-/// Reads what stands before the check sum. @throws DataError(Damaged) if that is wrong.
+/// Reads the bytes before the check sum. @throws DataError(Damaged) if it does not match.
 Reader checkedReader(QByteArrayView bytes, qint64 run, qint64 seq) {
     const qsizetype end = std::max<qsizetype>(bytes.size() - kChecksumLength, 0);
     const Reader reader(bytes.first(end), run, seq);

@@ -20,7 +20,7 @@ namespace data {
 // an entry in another's place is noticed. Numbers have 7 bits a byte, the lowest first; a key has
 // its length before it. A table is stored as its name, record length and fingerprint.
 
-/// Finds what a change has to store: compares records field by field.
+/// Finds the differences to store: compares records field by field.
 class RecordDifference {
   public:
     RecordDifference(const RecordLayout& layout, const std::vector<KeyDef>& keys);
@@ -30,7 +30,7 @@ class RecordDifference {
     /// The places that are not zero.
     std::vector<ByteChange> ofInsert(const QByteArray& after) const;
     std::vector<ByteChange> ofDelete(const QByteArray& before) const;
-    /// The bytes of key 0's fields, one after the other, without trailing zero bytes.
+    /// The bytes of key 0's fields, concatenated, without trailing zero bytes.
     QByteArray key(const QByteArray& record) const;
 
   private:
@@ -49,7 +49,7 @@ QByteArray encodeTable(const JournalTable& table, qint64 run, qint64 number);
 /// @throws DataError(Damaged).
 JournalTable decodeTable(QByteArrayView bytes, qint64 run, qint64 number);
 
-/// The seq is the argument's, not the entry's.
+/// `seq` replaces the entry's own.
 QByteArray encodeEntry(const JournalEntry& entry, qint64 run, qint64 seq);
 /// @throws DataError(Damaged) naming run and entry.
 JournalEntry decodeEntry(QByteArrayView bytes, qint64 run, qint64 seq);

@@ -8,15 +8,15 @@
 
 namespace data {
 
-// What a journal entry says in terms of its table's fields. The layout must be the one that the
-// entry was written with: see describes().
+// Journal entries in terms of their table's fields. The layout must be the one that the entry was
+// written with: see describes().
 
-/// Whether the table is still laid out as it was when the run changed it.
+/// Whether the table still has the layout of the run that changed it.
 bool describes(const JournalTable& table, const RecordLayout& layout,
                const std::vector<KeyDef>& keys);
 
-/// A field with other values before and after, as texts (valueToText). Of an insert `before` is
-/// empty, of a delete `after`, and only fields that are not empty are listed.
+/// A field that differs, with its texts before and after (valueToText). For an insert `before` is
+/// empty, for a delete `after`; then only non-empty fields are listed.
 struct FieldChange {
     int field = 0;  ///< index in the layout
     QString before;
@@ -28,7 +28,7 @@ std::vector<FieldChange> changedFields(const RecordLayout& layout, const Journal
 QString keyText(const RecordLayout& layout, const std::vector<KeyDef>& keys,
                 const JournalEntry& entry);
 
-/// Puts the bytes from before (after) the change into a record.
+/// Writes the change's old (new) bytes into a record.
 void applyBefore(const JournalEntry& entry, QByteArray& record);
 void applyAfter(const JournalEntry& entry, QByteArray& record);
 

@@ -5,23 +5,22 @@
 
 namespace data {
 
-/// Exclusive byte-range locks of the operating system on one file, which is made when missing. They
-/// exclude every other ByteRangeLock on the file, in this process too, and vanish with the object
-/// and with the process.
+/// Exclusive byte-range locks of the operating system on one file, created if missing. They also
+/// exclude other ByteRangeLock objects of the same process, and end with the object or the process.
 class ByteRangeLock {
   public:
-    /// True where locked ranges merge and split freely; false where a range can only be unlocked
-    /// as it was locked, and where an own range may not be locked again.
+    /// True if adjacent ranges merge and can be unlocked in parts (Linux); false if a range must be
+    /// unlocked exactly as locked and cannot be locked twice (Windows).
     static const bool kRangesMerge;
 
-    /// @throws std::filesystem::filesystem_error when the file cannot be opened for writing.
+    /// @throws std::filesystem::filesystem_error if the file cannot be opened for writing.
     explicit ByteRangeLock(const std::filesystem::path& file);
     ~ByteRangeLock();
     ByteRangeLock(const ByteRangeLock&) = delete;
     ByteRangeLock& operator=(const ByteRangeLock&) = delete;
 
-    /// @return false when somebody else holds a part of the range. Does not wait.
-    /// @throws std::system_error for anything else.
+    /// Does not wait. @return false if a part of the range is locked by another holder.
+    /// @throws std::system_error for any other failure.
     bool tryLock(std::int64_t offset, std::int64_t length);
     void unlock(std::int64_t offset, std::int64_t length) noexcept;
 

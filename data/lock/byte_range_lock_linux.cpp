@@ -8,8 +8,8 @@
 #include <cerrno>
 #include <system_error>
 
-// Open-file-description locks: owned by the open file and not by the process, so that two
-// connections of one process exclude each other and closing one leaves the other's locks alone.
+// Open-file-description locks belong to the open file, not the process: two connections of one
+// process exclude each other, and closing one does not release the other's locks.
 
 namespace data {
 

@@ -7,19 +7,19 @@
 
 namespace data {
 
-/// A company's lock file: byte-range locks with errors that name the file. Byte 0 says that a run
-/// is going on; what the other bytes stand for is the engine's business.
+/// A company's lock file; errors name the file. Byte 0 marks a run in progress; the engine defines
+/// the other bytes.
 class LockFile {
   public:
     /// @throws DataError(ReadOnly, Io) naming the lock file.
     explicit LockFile(const QString& fileName);
 
-    /// @return false when somebody else holds a part of the range. Does not wait.
+    /// Does not wait. @return false if another process holds a part of the range.
     /// @throws DataError(Io).
     bool tryLock(std::int64_t offset, std::int64_t length);
     void unlock(std::int64_t offset, std::int64_t length) noexcept;
 
-    /// Marks that a run is going on; calls nest. @return false when another process has done so.
+    /// Marks a run in progress; calls nest. @return false if another process has a run in progress.
     bool beginRun();
     void endRun();
     /// Whether another process is in a run.

@@ -10,9 +10,9 @@ namespace {
 struct Pattern {
     QString prefix;
     QString suffix;
-    int leastWhole = 0;  // digits always shown before the point
-    int leastDecimals = 0;
-    int mostDecimals = 0;
+    int minWholeDigits = 0;  // digits always shown before the point
+    int minDecimals = 0;
+    int maxDecimals = 0;
     bool grouped = false;
 };
 
@@ -33,13 +33,13 @@ Pattern readPattern(const QString& format) {
         if (c == QLatin1Char('\'') || c == QLatin1Char('"')) {
             quote = c;
         } else if (isDigit && afterPoint) {
-            ++pattern.mostDecimals;
+            ++pattern.maxDecimals;
             if (c == QLatin1Char('0'))
-                pattern.leastDecimals = pattern.mostDecimals;
+                pattern.minDecimals = pattern.maxDecimals;
         } else if (isDigit) {
             inDigits = true;
-            if (c == QLatin1Char('0') || pattern.leastWhole > 0)
-                ++pattern.leastWhole;
+            if (c == QLatin1Char('0') || pattern.minWholeDigits > 0)
+                ++pattern.minWholeDigits;
         } else if (c == QLatin1Char('.') && !afterPoint) {
             inDigits = afterPoint = true;
         } else if (c == QLatin1Char(',') && !afterPoint) {
@@ -57,17 +57,17 @@ QString formatNumber(const QString& format, double value, QChar decimalSeparator
     if (!std::isfinite(value))
         return QString::number(value);
     const Pattern pattern = readPattern(format);
-    const QString digits = QString::number(std::fabs(value), 'f', pattern.mostDecimals);
+    const QString digits = QString::number(std::fabs(value), 'f', pattern.maxDecimals);
     QString whole = digits.section(QLatin1Char('.'), 0, 0);
     QString decimals = digits.section(QLatin1Char('.'), 1, 1);
-    while (decimals.size() > pattern.leastDecimals && decimals.endsWith(QLatin1Char('0')))
+    while (decimals.size() > pattern.minDecimals && decimals.endsWith(QLatin1Char('0')))
         decimals.chop(1);
     const bool isZero = std::all_of(digits.begin(), digits.end(), [](QChar c) {
         return c == QLatin1Char('0') || c == QLatin1Char('.');
     });
-    if (whole == QLatin1String("0") && pattern.leastWhole == 0 && !decimals.isEmpty())
+    if (whole == QLatin1String("0") && pattern.minWholeDigits == 0 && !decimals.isEmpty())
         whole.clear();
-    whole = whole.rightJustified(pattern.leastWhole, QLatin1Char('0'));
+    whole = whole.rightJustified(pattern.minWholeDigits, QLatin1Char('0'));
     if (pattern.grouped)
         for (qsizetype at = whole.size() - 3; at > 0; at -= 3)
             whole.insert(at, QChar(QChar::Nbsp));

@@ -6,23 +6,23 @@
 
 #include "data/record/record_codec.h"
 
-/// Pieces that the codec's reading and writing share with its text forms.
+/// Helpers shared by the codec and the text conversions.
 namespace data {
 
-/// Smallest and largest number that an integer field's bytes hold.
+/// Smallest and largest number of an integer field.
 std::pair<qint64, qint64> integerRange(const TFieldCacheItem& field);
 
-/// Why a number cannot be stored in an integer or float field; empty when it can.
+/// Why an integer or float field cannot store a number; empty if it can.
 QString integerProblem(const TFieldCacheItem& field, qint64 value);
 QString floatProblem(const TFieldCacheItem& field, double value);
 
-/// Characters that a string or memo field holds at most.
+/// Maximum number of characters of a string or memo field.
 int textCapacity(const TFieldCacheItem& field);
 
-/// The bytes of a text as its field stores them. @return why it cannot, empty when it can.
+/// Encodes a text as its field stores it. @return the reason if it cannot be stored, else empty.
 QString encodeText(const TFieldCacheItem& field, const QString& text, QByteArray& bytes);
 
-/// yyyy-mm-dd or, when `compact` is allowed, yyyymmdd; invalid when it is no calendar day.
+/// yyyy-mm-dd or, if `compactAllowed`, yyyymmdd; invalid if it is not a calendar day.
 QDate parseDate(const QString& text, bool compactAllowed);
 
 }  // namespace data

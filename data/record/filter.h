@@ -10,13 +10,13 @@ namespace data {
 
 /// A compiled record filter: comparisons (=, <>, <, <=, >, >=) of a field with a quoted text,
 /// number, true/false or date, joined by `and`, `or`, `not` and parentheses (`not` binds strongest,
-/// then `and`). Case is ignored, in names, words and texts; trailing blanks do not count. A text
-/// that ends in "*" is compared with the beginning of the field only, so that = matches a prefix. A
-/// date is quoted as 'yyyy-mm-dd', 'yyyymmdd' or 'd.m.yyyy' ('' is no date, and before all dates),
-/// a time as 'hh:mm' or 'hh:mm:ss', a timestamp as date and time or as a date, which then stands
-/// for the whole day. A quote inside a text is doubled. Numbers may have a decimal comma or point,
-/// and are compared in the field's own precision; they may be quoted, and a number compared with a
-/// text field counts as text. A boolean field by itself is a condition. An empty text accepts all.
+/// then `and`). An empty filter accepts all records. Case of names, words and texts is ignored, and
+/// so are trailing blanks. A text ending in "*" is compared with the beginning of the field only,
+/// so that = matches a prefix. Dates are quoted as 'yyyy-mm-dd', 'yyyymmdd' or 'd.m.yyyy' ('' is no
+/// date, before all dates), times as 'hh:mm' or 'hh:mm:ss', timestamps as date and time or as a
+/// date, meaning the whole day. A quote inside a text is doubled. Numbers may have a decimal comma
+/// or point, may be quoted, and are compared in the field's precision; a number compared with a
+/// text field is a text. A boolean field is a condition by itself.
 class Filter {
   public:
     /// @throws DataError(Syntax) with the 1-based column and what was expected, in Finnish ("kohta

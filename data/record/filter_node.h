@@ -6,12 +6,12 @@
 
 namespace data {
 
-/// A node of a compiled filter: a junction of other nodes, or the comparison of a field with a
-/// constant in the form that the field's bytes are compared with.
+/// A node of a compiled filter: and/or/not of other nodes, or the comparison of a field with a
+/// constant in stored form.
 struct Filter::Node {
     enum class Type { And, Or, Not, Integer, Number, Text, Date, Time, Timestamp };
     enum class Op { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual };
-    /// A character that Windows-1252 lacks: after all that it has, and equal to none.
+    /// Weight of a character outside Windows-1252: sorts last and equals none.
     static constexpr quint16 kForeign = 256;
 
     Type type = Type::And;

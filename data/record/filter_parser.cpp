@@ -21,7 +21,7 @@ namespace {
 
 using Node = Filter::Node;
 
-// Parentheses and `not` within each other; users' filters have a handful.
+// Nesting of parentheses and `not`.
 constexpr int kMaxDepth = 200;
 
 struct Token {
@@ -310,7 +310,7 @@ class Parser {
         }
     }
 
-    // 0.1 in a single-precision field is another double than 0.1; who asks for 0.1 means both.
+    // 0.1 in a single-precision field is a different double: round the constant the same way.
     static double inFieldPrecision(const TFieldCacheItem& field, double number) {
         TFieldCacheItem alone = field;
         alone.offset = 0;
@@ -319,7 +319,7 @@ class Parser {
         try {
             writeFloat(alone, record, number, QString());
         } catch (const DataError&) {
-            return number;  // beyond the field's range: compared as it is
+            return number;  // out of the field's range: compared unrounded
         }
         return readFloat(alone, record);
     }

@@ -28,7 +28,7 @@ bool doubleToReal48(double value, uchar* bytes) {
         return false;
     int exponent = 0;
     const double half = std::frexp(std::abs(value), &exponent);  // [0.5, 1) x 2^exponent
-    // 40 significant bits; the current rounding mode is to nearest, ties to even.
+    // 40 significant bits; the rounding mode is to nearest, ties to even.
     auto significand = static_cast<quint64>(std::nearbyint(std::ldexp(half, kFractionBits + 1)));
     if (significand >> (kFractionBits + 1) != 0) {
         significand >>= 1U;
@@ -38,7 +38,7 @@ bool doubleToReal48(double value, uchar* bytes) {
     if (stored > 255)
         return false;
     if (stored < 1) {
-        // There are no denormals: the nearest is either zero or the smallest number, 2^-128.
+        // No denormals: rounds to zero or to the smallest number, 2^-128.
         const bool up = std::abs(value) > std::ldexp(1.0, -129);
         significand = up ? quint64{1} << kFractionBits : 0;
         stored = 1;

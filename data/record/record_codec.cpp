@@ -21,7 +21,7 @@ constexpr quint64 kTicksAtUnixEpoch = 621355968000000000ULL;
 constexpr quint64 kTicksEnd = 3155378976000000000ULL;
 constexpr quint64 kTicksPerMs = 10000;
 
-// 1899-12-30 as a Julian day number, the day 0 of dates kept as doubles.
+// Julian day number of 1899-12-30, day 0 of Storage::DateDouble.
 constexpr qint64 kDayZero = 2415019;
 constexpr int kMaxYear = 9999;
 
@@ -39,7 +39,7 @@ bool isStorableYear(const QDate& date) {
     return date.year() >= 1 && date.year() <= kMaxYear;
 }
 
-// The value as an error text shows it.
+// The value for an error message.
 QString shown(const Value& value) {
     switch (value.typeId()) {
         case QMetaType::Double:
@@ -65,7 +65,7 @@ QString shown(const Value& value) {
         QStringLiteral("field %1, value \"%2\": %3").arg(field.name, shown(value), why));
 }
 
-// Length of a text without its padding. A record that another program left zeroed counts as blank.
+// Length of a text without padding. Zero bytes count as padding: other programs write them.
 qsizetype paddedLength(const uchar* bytes, qsizetype length) {
     while (length > 0 && (bytes[length - 1] == ' ' || bytes[length - 1] == 0))
         --length;
@@ -121,7 +121,7 @@ void writeTimestamp(const TFieldCacheItem& field, uchar* record, const QDateTime
         clearField(field, record);
         return;
     }
-    // The zone can carry the first and the last day over the ends of the range.
+    // The time zone can move the first and last day out of range.
     const QDateTime utc = time.toUTC();
     if (!isStorableYear(utc.date()))
         refuse(field, table, time, QStringLiteral("year outside 1..9999"));
@@ -155,7 +155,7 @@ bool isWhole(double value) {
            value < 9223372036854775808.0;
 }
 
-// A number that was given as some other type, for an integer or boolean field.
+// Converts a value of another type to a whole number for an integer or boolean field.
 bool toWhole(const Value& value, qint64& whole) {
     switch (value.typeId()) {
         case QMetaType::Double:
@@ -280,7 +280,7 @@ QDateTime readTimestamp(const TFieldCacheItem& field, const uchar* record) {
     const auto ticks = load<quint64>(record + field.offset);
     if (ticks < kTicksPerMs || ticks >= kTicksEnd)
         return QDateTime();
-    // Whole milliseconds from the first day on, so that times before 1970 round the same way.
+    // Whole milliseconds since the first day: rounds times before 1970 in the same direction.
     const qint64 ms = static_cast<qint64>(ticks / kTicksPerMs) -
                       static_cast<qint64>(kTicksAtUnixEpoch / kTicksPerMs);
     return QDateTime::fromMSecsSinceEpoch(ms, Qt::LocalTime);
@@ -301,7 +301,7 @@ QByteArrayView readTextBytes(const TFieldCacheItem& field, const uchar* record) 
                 length = static_cast<const uchar*>(end) - at;
             return QByteArrayView(at, length);
         default:
-            return QByteArrayView();  // a BLOB's text is not in the fixed record
+            return QByteArrayView();  // a BLOB's text is outside the fixed record
     }
 }
 
@@ -376,7 +376,7 @@ void writeInteger(const TFieldCacheItem& field, uchar* record, qint64 value, con
 }
 
 void writeFloat(const TFieldCacheItem& field, uchar* record, double value, const QString& table) {
-    // One zero: values that compare equal are stored as equal bytes.
+    // + 0.0 turns -0.0 into 0.0: equal values are stored as equal bytes.
     const double number = value + 0.0;
     uchar* at = record + field.offset;
     if (field.storage == Storage::Real48) {
@@ -467,7 +467,7 @@ double dateToDays(QDate date) {
 }
 
 QDate daysToDate(double days) {
-    // Bounds of the years 1..9999, in days; also false for not-a-number.
+    // Years 1..9999 in days; also rejects NaN.
     if (!(days > -693594 && days < 2958466))
         return QDate();
     const auto whole = static_cast<qint64>(days);

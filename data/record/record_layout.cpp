@@ -17,7 +17,7 @@ bool isOneOf(int length, std::initializer_list<int> lengths) {
     return std::find(lengths.begin(), lengths.end(), length) != lengths.end();
 }
 
-// Whether the codec can read a field of this kind, storage type and length.
+// Whether the codec supports this combination of kind, storage type and length.
 bool isReadable(const TFieldCacheItem& field) {
     const int length = field.storedLength;
     switch (field.kind()) {

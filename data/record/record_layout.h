@@ -9,13 +9,13 @@
 
 namespace data {
 
-/// The fields of one table, their places in the record and the record's length.
+/// The fields of one table, their offsets in the record and the record's length.
 class RecordLayout {
   public:
     RecordLayout() = default;
-    /// `recordLength` 0 takes the end of the last field.
-    /// @throws DataError(Damaged) when a field reaches beyond the record, or its storage type and
-    ///         length do not go together; it names the table and field.
+    /// `recordLength` 0: up to the end of the last field.
+    /// @throws DataError(Damaged) naming table and field if a field reaches beyond the record or
+    /// its storage type does not allow its length.
     RecordLayout(QString tableName, std::vector<TFieldCacheItem> fields, int recordLength = 0);
 
     const QString& tableName() const { return m_tableName; }
@@ -24,7 +24,7 @@ class RecordLayout {
     int fieldCount() const { return static_cast<int>(m_fields.size()); }
     int recordLength() const { return m_recordLength; }
 
-    /// Index of the field of that name, case ignored; -1 when there is none.
+    /// Index of a field by name (case-insensitive); -1 if there is none.
     int indexOf(const QString& name) const;
 
   private:

@@ -12,7 +12,7 @@ namespace data {
 
 namespace {
 
-// Sizes that people write without an exponent.
+// Numbers of these sizes are written without an exponent.
 constexpr double kSmallestPlain = 1e-7;
 constexpr double kLargestPlain = 1e16;
 
@@ -66,7 +66,7 @@ QString timeText(const QTime& time) {
     return QString::fromLatin1(buffer.data(), length);
 }
 
-// The number that `count` digits from `from` make; -1 when one of them is no digit.
+// The number in `count` digits from `from`; -1 if a character is not a digit.
 int digitsAt(const QString& text, int from, int count) {
     int number = 0;
     for (int i = from; i < from + count; ++i) {
@@ -78,7 +78,7 @@ int digitsAt(const QString& text, int from, int count) {
     return number;
 }
 
-// hh:mm:ss; invalid when it is no time of day.
+// hh:mm:ss; invalid if it is not a time of day.
 QTime parseTime(const QString& text) {
     if (text.size() != 8 || text.at(2) != QLatin1Char(':') || text.at(5) != QLatin1Char(':'))
         return QTime();
@@ -93,10 +93,10 @@ QDateTime parseTimestamp(const QString& text) {
     return date.isValid() && time.isValid() ? QDateTime(date, time, Qt::LocalTime) : QDateTime();
 }
 
-// Optional sign, then what std::from_chars takes; no blanks, grouping, hexadecimal or "inf".
+// Optional sign and a number for std::from_chars; no blanks, grouping, hexadecimal or "inf".
 template <typename T>
 bool parseNumber(const QString& text, T& number, std::errc& error) {
-    const QByteArray bytes = text.toLatin1();  // characters without a code become '?'
+    const QByteArray bytes = text.toLatin1();  // characters outside Latin-1 become '?'
     const char* first = bytes.constData();
     const char* last = first + bytes.size();
     if (first != last && *first == '+')
@@ -238,7 +238,7 @@ QString encodeText(const TFieldCacheItem& field, const QString& text, QByteArray
         return QStringLiteral("text longer than %1 characters").arg(capacity);
     qsizetype bad = 0;
     if (!toWindows1252(text, bytes, &bad)) {
-        // A pair of surrogates is one character to the reader of the message.
+        // Show a surrogate pair as one character.
         const bool pair = text.at(bad).isHighSurrogate() && bad + 1 < text.size() &&
                           text.at(bad + 1).isLowSurrogate();
         const QString character = text.mid(bad, pair ? 2 : 1);

@@ -15,7 +15,7 @@ bool isNamePart(QChar c) {
 
 }  // namespace
 
-qsizetype behindSqlPiece(const QString& sql, qsizetype at) {
+qsizetype endOfSqlPiece(const QString& sql, qsizetype at) {
     const auto after = [&](QLatin1String end, qsizetype from) {
         const qsizetype found = sql.indexOf(end, from);
         return found < 0 ? sql.size() : found + end.size();
@@ -44,7 +44,7 @@ qsizetype sqlParameterLength(const QString& sql, qsizetype at) {
 
 QStringList parameterNames(const QString& sql) {
     QStringList names;
-    for (qsizetype at = 0; at < sql.size(); at = behindSqlPiece(sql, at)) {
+    for (qsizetype at = 0; at < sql.size(); at = endOfSqlPiece(sql, at)) {
         const qsizetype length = sqlParameterLength(sql, at);
         const QString name = sql.mid(at + 1, length - 1);
         if (length > 0 && !names.contains(name, Qt::CaseInsensitive))
@@ -55,7 +55,7 @@ QStringList parameterNames(const QString& sql) {
 
 QStringList scriptStatements(const QString& script) {
     QStringList statements;
-    QString words;  // the statement without comments: one of comments alone is none
+    QString words;  // the statement without comments; empty if it has nothing else
     qsizetype start = 0;
     for (qsizetype at = 0; at <= script.size();) {
         if (at == script.size() || script.at(at) == QLatin1Char(';')) {
@@ -65,7 +65,7 @@ QStringList scriptStatements(const QString& script) {
             start = ++at;
             continue;
         }
-        const qsizetype end = behindSqlPiece(script, at);
+        const qsizetype end = endOfSqlPiece(script, at);
         const QStringView piece = QStringView(script).sliced(at, end - at);
         if (!piece.startsWith(QLatin1String("--")) && !piece.startsWith(QLatin1String("/*")))
             words += piece;

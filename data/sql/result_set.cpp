@@ -109,7 +109,7 @@ void ResultSet::append(const SqlStatement& statement) {
         spill();
 }
 
-// Moves all blocks but the last, which is still being filled, to a file.
+// Moves all blocks except the last, which is still being filled, to a file.
 void ResultSet::spill() {
     auto file = std::make_unique<QTemporaryFile>();
     if (!file->open())

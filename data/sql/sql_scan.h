@@ -4,11 +4,11 @@
 
 namespace data {
 
-/// The place behind what begins at `at`: a quoted text or name, a comment, or a single character.
-/// A doubled quote inside a text counts as the end of one and the start of the next.
-qsizetype behindSqlPiece(const QString& sql, qsizetype at);
+/// End of the quoted text or name, comment or single character that begins at `at`. A doubled quote
+/// inside a text counts as the end of one text and the start of the next.
+qsizetype endOfSqlPiece(const QString& sql, qsizetype at);
 
-/// Length of the parameter (":name") that begins at `at`, colon included; 0 when none does.
+/// Length of the parameter (":name") at `at`, including the colon; 0 if there is none.
 qsizetype sqlParameterLength(const QString& sql, qsizetype at);
 
 }  // namespace data

@@ -29,7 +29,7 @@ void TParam::setValue(const Value& v) {
             break;
         case QMetaType::QTime:
         case QMetaType::QDateTime:
-            // Not null, as the empty text is not NULL.
+            // Never a null string: the empty text is not NULL.
             m_value = QStringLiteral("") + valueToPlainText(v);
             break;
         case QMetaType::Bool:
@@ -82,7 +82,7 @@ void TUniQuery::setConnection(Database* database) {
     m_database = database;
 }
 
-// Parameters follow the text; one that the new text has as well keeps its object and value.
+// Parameters follow the text; those that remain keep their object and value.
 void TUniQuery::syncParameters() {
     if (m_sql.revision() == m_parsedRevision)
         return;

@@ -10,7 +10,7 @@
 
 namespace data {
 
-/// The lines of a statement; joined with line breaks they are one statement.
+/// The lines of a statement; joined by line breaks.
 class SqlText {
   public:
     void clear() {
@@ -27,7 +27,7 @@ class SqlText {
     }
     QString text() const { return m_lines.join(QLatin1Char('\n')); }
     bool isEmpty() const { return m_lines.isEmpty(); }
-    /// Grows with every change, so that a reader knows when to read again.
+    /// Incremented by every change.
     quint64 revision() const { return m_revision; }
 
   private:
@@ -43,7 +43,7 @@ class TParam {
     void setInteger(qint64 v) { m_value = v; }
     void setFloat(double v) { m_value = v; }
     void setString(const QString& v) { m_value = v; }
-    void setDate(const QDate& v);  ///< as quoted 'yyyy-mm-dd'; an invalid date is the empty text
+    void setDate(const QDate& v);  ///< quoted 'yyyy-mm-dd'; an invalid date is the empty text
     void setNull() { m_value = Value(); }
     void setValue(const Value& v);  ///< dates and times as texts, booleans as 1 and 0
     const Value& value() const { return m_value; }
@@ -55,7 +55,7 @@ class TParam {
 
 class ResultSet;
 
-/// A column of an open query, with the accessors of a table's field. Lives until close().
+/// A column of an open query, with the accessors of TField. Valid until close().
 class TQueryField {
   public:
     const QString& fieldName() const { return m_name; }
@@ -74,10 +74,10 @@ class TQueryField {
     const ResultSet* m_result = nullptr;
 };
 
-/// A SQL query: text in lines, named parameters (":name", case ignored), an open result or an
-/// executed statement. The result is fixed when it is opened: its record count is known, and rows
-/// written afterwards do not change what is still read. A large result is kept in a temporary file.
-/// All failures throw DataError.
+/// A SQL query: text in lines, named parameters (":name", case-insensitive), and an open result or
+/// an executed statement. The result is fixed when opened: the record count is known, and later
+/// writes do not change it. Large results are kept in a temporary file. All failures throw
+/// DataError.
 class TUniQuery {
   public:
     explicit TUniQuery(Database* database = nullptr);
@@ -86,16 +86,16 @@ class TUniQuery {
     TUniQuery& operator=(const TUniQuery&) = delete;
 
     void setConnection(Database* database);
-    /// Statements and parameter values go to the debugger output.
+    /// Logs statements and parameter values to the debug output.
     void setDebug(bool on) { m_debug = on; }
     /// The same for every query of the process.
     static void setDebugOfAll(bool on) { s_debugOfAll = on; }
 
     SqlText& sql() { return m_sql; }
 
-    /// A parameter of the present text. @throws DataError(NoSuchField) when the text has none such.
+    /// A parameter of the current text. @throws DataError(NoSuchField) if there is none.
     TParam& paramByName(const QString& name);
-    /// nullptr when the text has no parameter of that name.
+    /// nullptr if the text has no such parameter.
     TParam* findParam(const QString& name);
 
     void open();
@@ -107,7 +107,7 @@ class TUniQuery {
     void next();
     bool eof() const;
     TQueryField& fieldByName(
-        const QString& name);  ///< case ignored; @throws DataError(NoSuchField)
+        const QString& name);  ///< case-insensitive; @throws DataError(NoSuchField)
     TQueryField* findField(const QString& name);
     QStringList fieldNames() const;
 
@@ -135,13 +135,13 @@ class TUniQuery {
     inline static bool s_debugOfAll = false;
 };
 
-/// A SQL script: statements with a semicolon between them, run in order.
+/// A SQL script: statements separated by semicolons, run in order.
 class TUniScript {
   public:
     explicit TUniScript(Database* database = nullptr) : m_database(database) {}
     void setConnection(Database* database) { m_database = database; }
     SqlText& sql() { return m_sql; }
-    /// Runs the statements; the first that fails ends it, and what was run before it stays.
+    /// Runs the statements up to the first failure; the effects of those before it stay.
     void execute();
 
   private:
@@ -149,12 +149,12 @@ class TUniScript {
     SqlText m_sql;
 };
 
-/// The statements of a script, in order, without empty ones: semicolons in quoted texts, quoted
-/// names and comments part none.
+/// The non-empty statements of a script, in order. Semicolons in quoted texts, quoted names and
+/// comments do not separate.
 QStringList scriptStatements(const QString& script);
 
-/// Names of the parameters in a statement, in order of appearance, each once: a colon and a name
-/// outside of quoted texts, quoted names and comments.
+/// The parameters of a statement, in order of first appearance: a colon and a name outside quoted
+/// texts, quoted names and comments.
 QStringList parameterNames(const QString& sql);
 
 }  // namespace data

@@ -8,8 +8,8 @@ namespace data {
 
 namespace {
 
-// Records a call: one for a lone look, then more as a walk goes on. A range or a test starts with
-// the second size, since such a view is short or skips much.
+// Records per call: one for a single lookup, more as a walk continues. Views with a range or test
+// start at the second size: they are short or skip many records.
 constexpr std::array<int, 4> kBatchSizes{1, 16, 64, 256};
 constexpr int kPlainLevels = 3;  // a walk without a test stops growing here
 
@@ -64,10 +64,10 @@ std::optional<StoredRecord> KeyView::last() {
 std::optional<StoredRecord> KeyView::step(const StoredRecord& from, Direction direction) {
     if (m_direction != direction || !m_anchor || !isSamePlace(from)) {
         forget();
-        // A record posted outside of the range: the view begins behind it.
+        // A record posted outside the range: the view begins after it.
         if (direction == Direction::Forward && isBefore(from))
             return first();
-        if (direction == Direction::Backward && isBehind(from))
+        if (direction == Direction::Backward && isAfter(from))
             return last();
         m_direction = direction;
         m_anchor = from;
@@ -80,7 +80,7 @@ std::optional<StoredRecord> KeyView::find(const KeyValues& values) {
     const int asked = nextSize();
     std::optional<StoredRecord> found =
         begin(seekFrom(values, SeekOp::Equal, asked), asked, Direction::Forward, &values);
-    // What ended a search for equal keys is not the end of the view.
+    // A search for equal keys does not end at the end of the view.
     m_ahead.clear();
     m_aheadAt = 0;
     m_ended = false;
@@ -94,7 +94,7 @@ std::optional<StoredRecord> KeyView::findNearest(const KeyValues& values) {
 }
 
 bool KeyView::contains(const StoredRecord& record) const {
-    return !isBefore(record) && !isBehind(record) && (!m_accept || m_accept(record));
+    return !isBefore(record) && !isAfter(record) && (!m_accept || m_accept(record));
 }
 
 int KeyView::compare(const StoredRecord& record, const KeyValues& values) const {
@@ -105,7 +105,7 @@ bool KeyView::isBefore(const StoredRecord& record) const {
     return m_range && compare(record, m_range->low) < 0;
 }
 
-bool KeyView::isBehind(const StoredRecord& record) const {
+bool KeyView::isAfter(const StoredRecord& record) const {
     return m_range && compare(record, m_range->high) > 0;
 }
 
@@ -118,7 +118,7 @@ int KeyView::nextSize() {
     return size;
 }
 
-// Seeks by values, but not before the range begins.
+// Seeks by values, but not to before the range.
 std::vector<StoredRecord> KeyView::seekFrom(const KeyValues& values, SeekOp op, int asked) {
     if (values.empty())
         return m_range && !m_range->low.empty()
@@ -143,8 +143,8 @@ void KeyView::fetch(std::vector<StoredRecord> batch, int asked) {
     m_aheadAt = 0;
 }
 
-// The next accepted record of what was read ahead and what follows it; it becomes the anchor.
-// `only` ends the scan where the leading key fields are no longer these.
+// The next accepted record, from those read ahead and then from the table; it becomes the anchor.
+// With `only`, ends where the leading key fields differ from these values.
 std::optional<StoredRecord> KeyView::scan(const KeyValues* only) {
     StoredRecord last = m_anchor.value_or(StoredRecord{});
     try {
@@ -152,7 +152,7 @@ std::optional<StoredRecord> KeyView::scan(const KeyValues* only) {
             while (m_aheadAt < m_ahead.size()) {
                 last = std::move(m_ahead[m_aheadAt++]);
                 const bool isOutside =
-                    m_direction == Direction::Forward ? isBehind(last) : isBefore(last);
+                    m_direction == Direction::Forward ? isAfter(last) : isBefore(last);
                 if (isOutside || (only != nullptr && compare(last, *only) != 0)) {
                     forget();
                     return std::nullopt;

@@ -9,12 +9,11 @@
 
 namespace data {
 
-/// The records of a table in the order of one key, within a range of it, that a test accepts: what
-/// a record table shows. Reads ahead in growing batches while a walk goes on in one direction. What
-/// was read ahead is used only from the very place (record and key value) that it follows; after
-/// other writes than that of the record stood on, call forget().
-///
-/// A call that throws leaves key, range and test as they were.
+/// The records shown by a record table: in the order of one key, within a range of it, accepted by
+/// a test. Reads ahead in growing batches while a walk continues in one direction. Records read
+/// ahead are used only from the exact position (record and key value) that they follow; after any
+/// other write than to the current record, call forget().
+/// A call that throws leaves key, range and test unchanged.
 class KeyView {
   public:
     struct Range {
@@ -25,7 +24,7 @@ class KeyView {
 
     KeyView(TableFile& file, const KeyDef& key);
 
-    void setKey(const KeyDef& key);  ///< also drops the range
+    void setKey(const KeyDef& key);  ///< also removes the range
     void setRange(std::optional<Range> range);
     const std::optional<Range>& range() const { return m_range; }
     void setAccept(Accept accept);  ///< empty: all
@@ -33,20 +32,19 @@ class KeyView {
 
     std::optional<StoredRecord> first();
     std::optional<StoredRecord> last();
-    /// The next or previous record of the view from a place, which need be neither in the view nor
-    /// exist any more.
+    /// The view's next or previous record from a position, which need not be in the view or exist.
     std::optional<StoredRecord> step(const StoredRecord& from, Direction direction);
     /// The first record whose leading key fields equal the values.
     std::optional<StoredRecord> find(const KeyValues& values);
     /// The first record whose leading key fields are at or after the values.
     std::optional<StoredRecord> findNearest(const KeyValues& values);
     bool contains(const StoredRecord& record) const;
-    /// Compares the leading key fields of a record with values, in the order of the key.
+    /// Compares a record's leading key fields with values, in the order of the key.
     int compare(const StoredRecord& record, const KeyValues& values) const;
 
   private:
-    bool isBefore(const StoredRecord& record) const;  // below the range's low end
-    bool isBehind(const StoredRecord& record) const;
+    bool isBefore(const StoredRecord& record) const;  // before the range's low end
+    bool isAfter(const StoredRecord& record) const;
     int nextSize();
     std::optional<StoredRecord> begin(std::vector<StoredRecord> batch, int asked,
                                       Direction direction, const KeyValues* only = nullptr);
@@ -60,8 +58,8 @@ class KeyView {
     std::optional<Range> m_range;
     Accept m_accept;
 
-    // Read ahead: m_ahead[m_aheadAt ...] follow m_anchor in m_direction; after them comes nothing
-    // when m_ended.
+    // Read ahead: m_ahead[m_aheadAt ...] follow m_anchor in m_direction; m_ended: there are no
+    // more.
     std::optional<StoredRecord> m_anchor;
     Direction m_direction = Direction::Forward;
     std::vector<StoredRecord> m_ahead;

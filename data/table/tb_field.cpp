@@ -19,7 +19,7 @@ bool isWholeNumber(Kind kind) {
            kind == Kind::LargeInt;
 }
 
-// What a calculated field's kind amounts to as a stored field, for the text forms.
+// A stored field equivalent to a calculated one, for text conversion.
 TFieldCacheItem calculatedItem(const FieldDeclaration& declaration) {
     TFieldCacheItem item;
     item.name = declaration.name;
@@ -101,8 +101,8 @@ const std::vector<KeyDef>& TtbTable::keys() const {
     return m_file->keys();
 }
 
-// The bytes that the fields read: a record filter's candidate, the record being edited, the
-// current one.
+// The bytes that fields read: the candidate of a record filter, the edited record or the current
+// one.
 const QByteArray& TtbTable::readBytes() const {
     if (m_candidate != nullptr)
         return m_candidate->bytes;

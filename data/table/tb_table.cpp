@@ -76,8 +76,7 @@ void TtbTable::close() {
     m_file.reset();
 }
 
-// --- requirements: what a caller must have done before. Also checked in releases, since the
-// alternative is a wrong record.
+// --- preconditions, also checked in release builds: the alternative is a wrong record
 
 void TtbTable::refuse(const QString& why) const {
     throw DataError(ErrorKind::Engine, m_tableName, why);
@@ -167,8 +166,8 @@ QStringList TtbTable::indexFields(const QString& number) const {
     return names;
 }
 
-// Search values as the index can hold them: a text that is longer than its field stands for its
-// beginning (`cut` tells), so that a search text may be longer than what it looks for.
+// Search values shortened to what the index can hold: a text longer than its field becomes its
+// beginning (`cut` is set), so search texts may be longer than the field.
 KeyValues TtbTable::fitted(const KeyValues& values, bool* cut) const {
     const KeyDef& index = currentIndex();
     if (values.size() > index.segments.size())
@@ -239,7 +238,7 @@ void TtbTable::setKeyField(const QString& field, const Value& value) {
 }
 
 void TtbTable::gotoNearest() {
-    KeyValues values;  // a field left out before one that is set counts as empty
+    KeyValues values;  // a field left out before a set one counts as empty
     for (const auto& [segment, value] : m_searchKey) {
         values.resize(static_cast<size_t>(segment) + 1);
         values.back() = value;
@@ -293,7 +292,7 @@ void TtbTable::last() {
     place(m_view->last(), false, false);
 }
 
-// Moves the current record without telling anybody. @return false at the end of the view.
+// Moves the current record without a change notification. @return false at the end of the view.
 bool TtbTable::step(Direction direction) {
     if (!m_current)
         return false;

@@ -19,12 +19,11 @@ class TtbTable;
 class Filter;
 class KeyView;
 
-/// The database name under which every table of the program is opened.
+/// Database name under which the program opens all tables.
 inline const QString kDdfDatabase = QStringLiteral("ddf");
 
-/// One field of an open record table (or query): name, kind and the accessors. Belongs to its table
-/// and lives until that is closed. Reading needs a current record, writing needs edit or insert
-/// mode.
+/// One field of an open record table: name, kind and accessors. Valid until the table is closed.
+/// Reading needs a current record, writing needs edit or insert mode.
 class TField {
   public:
     const QString& fieldName() const { return m_name; }
@@ -32,17 +31,17 @@ class TField {
     int size() const { return m_size; }  ///< characters of a string, bytes otherwise
     bool isCalculated() const { return m_calculate != nullptr; }
 
-    /// 0 for an empty field; a float is truncated, a text is read as a number (0 when it is none)
+    /// 0 for an empty field; floats are truncated, texts are parsed (0 if not a number)
     qint64 asInteger() const;
     double asFloat() const;
     QString asString() const;  ///< as valueToText, without the display format
     bool asBoolean() const;
     QDate asDate() const;  ///< invalid when empty
     Value value() const;
-    /// What a window shows: the display format applied to numbers ("#0.00" and the like, decimal
-    /// separator of the user's locale), dates dd.mm.yyyy, booleans as the display values.
+    /// The text for windows: numbers with the display format ("#0.00" and the like, locale's
+    /// decimal separator), dates dd.mm.yyyy, booleans as the display values.
     QString displayText() const;
-    /// The same for a record's bytes that are not the table's current ones; no calculated fields.
+    /// The same for another record's bytes; not for calculated fields.
     QString displayText(const QByteArray& record) const;
 
     void setInteger(qint64 value);
@@ -54,18 +53,18 @@ class TField {
 
     void setDisplayFormat(const QString& format) { m_displayFormat = format; }
     const QString& displayFormat() const { return m_displayFormat; }
-    /// Texts of true and false, separated by a semicolon ("K;E").
+    /// Texts for true and false, separated by a semicolon ("K;E").
     void setDisplayValues(const QString& values) { m_displayValues = values; }
     const QString& displayValues() const { return m_displayValues; }
 
   private:
     friend class TtbTable;
-    const uchar* record() const;  // the bytes that accessors read
+    const uchar* record() const;  // bytes read by the accessors
     QString shownText(const Value& shown) const;
     uchar* editedRecord();
 
     TtbTable* m_table = nullptr;
-    TFieldCacheItem m_item;  // the layout's, or what a calculated field amounts to
+    TFieldCacheItem m_item;  // from the layout, or the equivalent of a calculated field
     QString m_name;
     Kind m_kind = Kind::String;
     int m_size = 0;
@@ -74,8 +73,8 @@ class TField {
     std::function<Value(const TtbTable&)> m_calculate;
 };
 
-/// A persistent field: declared before open, so that only the listed fields exist, in this order,
-/// with their display formats. `calculate` makes it a calculated field of the given kind.
+/// A persistent field: declared before open, so that only the listed fields exist, in this order
+/// and with these display formats. With `calculate` it is a calculated field of the given kind.
 struct FieldDeclaration {
     QString name;
     QString displayFormat = {};
@@ -86,27 +85,23 @@ struct FieldDeclaration {
 
 enum class TableState { Closed, Browse, Edit, Insert };
 
-/// A bookmark: the place of a record. Valid while the record exists, also after refresh and in
-/// another TtbTable on the same table.
+/// Position of a record. Valid while the record exists, also after refresh and in another TtbTable
+/// on the same table.
 struct Bookmark {
     RecordId id = 0;
-    QByteArray record;  ///< bytes when taken: its key value gives the place if the record is gone
+    QByteArray record;  ///< bytes when taken: their key gives the position of a deleted record
     bool isValid() const { return id != 0; }
 };
 
 /// A navigational dataset over one table: keyed search, ranges, filters, edit and post.
-///
-/// After every navigation call exactly one of these holds: a record is current (eof() and bof() say
-/// whether the last step ran into an end), or the view is empty and both eof() and bof() are true.
-/// The current record is a copy, and so are the records that a walk has read ahead: what others
-/// (SQL statements of this program included) change in them is seen after refresh() or edit(). The
-/// table's own writes are always seen.
-/// Nothing stays open in the engine between calls, so writes during a walk are safe: a record
-/// posted under a new key value is met again if its new place lies ahead.
-///
-/// All failures throw DataError; a failed call leaves the current record and state as they were.
-/// While a record is edited or inserted, navigation is refused (DataError(Engine)): post or cancel
-/// first.
+/// After every navigation call either a record is current (eof() and bof() tell whether the last
+/// step hit an end), or the view is empty and both eof() and bof() are true. The current record and
+/// records read ahead are copies: changes by others (including this program's SQL) show after
+/// refresh() or edit(). The table's own writes always show. Nothing stays open in the engine
+/// between calls, so writes during a walk are safe: a record posted under a new key value is
+/// visited again if its new position lies ahead.
+/// All failures throw DataError; a failed call leaves the current record and state unchanged. While
+/// a record is edited or inserted, navigation throws DataError(Engine): post or cancel first.
 class TtbTable {
   public:
     TtbTable();
@@ -118,61 +113,62 @@ class TtbTable {
     void setDatabase(Database* database);
     void setDatabaseName(const QString& name) { m_databaseName = name; }
     const QString& databaseName() const { return m_databaseName; }
-    /// May carry ";OWNER:name", which engines without owner names ignore.
+    /// May end in ";OWNER:name", which engines without owner names ignore.
     void setTableName(const QString& name);
     const QString& tableName() const { return m_tableName; }
     void setFieldDeclarations(std::vector<FieldDeclaration> declarations);
 
-    /// Opens on the current index (default "0") and stands on its first record.
+    /// Opens on the current index (default "0") and moves to its first record.
     void open();
     void close();
     bool isOpen() const { return m_state != TableState::Closed; }
     TableState state() const { return m_state; }
 
     // --- keys
-    /// Selects the index by number-as-text; the current record stays current, a range is cancelled.
-    /// @throws DataError(NoSuchField) when the table has no such index.
+    /// Selects the index by its number as text. The current record stays current; a range is
+    /// cancelled.
+    /// @throws DataError(NoSuchField) if the table has no such index.
     void setIndexName(const QString& number);
     const QString& indexName() const { return m_indexName; }
     QStringList indexNames() const;   ///< "0", "1", ...
     QStringList indexFields() const;  ///< of the current index
     QStringList indexFields(const QString& number) const;
 
-    /// Exact search on the leading key fields, within the range and filter. @return false, with the
-    /// current record unchanged, when there is none.
+    /// Exact search on the leading key fields, within range and filter. @return false, leaving the
+    /// current record unchanged, if there is none.
     bool findKey(const KeyValues& values);
-    /// First record whose leading key fields are >= values; at eof on the last record when there is
-    /// none. @return whether a record with exactly these values was found.
+    /// Moves to the first record with leading key fields >= values, or to the last record with
+    /// eof() if there is none. @return whether a record with exactly these values was found.
     bool findNearest(const KeyValues& values);
-    /// set key + go to nearest, field by field: setKey() clears the search values, setKeyField sets
-    /// one field of the current index by name, gotoNearest() positions.
+    /// Search field by field: setKey() clears the search values, setKeyField() sets one field of
+    /// the current index by name, gotoNearest() moves.
     void setKey();
     void setKeyField(const QString& field, const Value& value);
     void gotoNearest();
 
-    /// Restricts to low <= leading key fields <= high (both inclusive) on the current index and
-    /// goes to the first record. Holds until cancelRange(), also across edits and posts.
+    /// Restricts to low <= leading key fields <= high on the current index and moves to the first
+    /// record. Applies until cancelRange(), across edits and posts.
     void setRange(const KeyValues& low, const KeyValues& high);
     void cancelRange();  ///< the current record stays current
     bool hasRange() const;
 
     // --- walking
-    // first() and last() leave eof() and bof() false when there is a record, so that a walk of
-    // `while (!eof())` or `while (!bof())` meets every record from either end.
+    // first() and last() leave eof() and bof() false if there is a record, so that `while (!eof())`
+    // and `while (!bof())` visit all records.
     void first();
     void last();
     void next();
     void prior();
-    /// Moves by a number of records; @return how many it moved (less at an end).
+    /// Moves by a number of records; @return the number moved (fewer at an end).
     int moveBy(int count);
     bool eof() const { return m_eof; }
     bool bof() const { return m_bof; }
     bool isEmpty() const { return !m_current.has_value(); }
-    /// Records of the table (without range and filter).
+    /// Records of the table, ignoring range and filter.
     qint64 recordCount() const;
 
     // --- fields
-    TField& fieldByName(const QString& name);  ///< case ignored; @throws DataError(NoSuchField)
+    TField& fieldByName(const QString& name);  ///< case-insensitive; @throws DataError(NoSuchField)
     const TField& fieldByName(const QString& name) const;
     TField* findField(const QString& name);  ///< nullptr instead of an error
     const TField* findField(const QString& name) const;
@@ -181,49 +177,49 @@ class TtbTable {
     const std::vector<KeyDef>& keys() const;
 
     // --- changing
-    /// How long edit() waits for somebody else's lock; default 2000 ms.
+    /// How long edit() waits for another program's lock; default 2000 ms.
     void setLockWait(std::chrono::milliseconds wait) { m_lockWait = wait; }
-    /// Locks and rereads the current record. @throws DataError(Locked) after the wait, Gone when
-    /// the record was deleted. In edit mode already: does nothing.
+    /// Locks and rereads the current record; no effect in edit mode. @throws DataError(Locked)
+    /// after the wait, Gone if the record was deleted.
     void edit();
-    /// As edit(), but a record that somebody else holds is an answer, not an error.
+    /// As edit(), but returns false if another program holds the record.
     bool tryEdit(std::chrono::milliseconds wait);
     void insert();  ///< starts an empty record
     void append() { insert(); }
-    /// Writes at once, releases the lock, returns to browsing; the record stays current. On failure
-    /// the table stays in edit mode: post again or cancel().
+    /// Writes and commits the record, releases the lock and returns to browsing; the record stays
+    /// current. On failure the table stays in edit mode: post again or cancel().
     void post();
     void cancel();  ///< back to browsing; the record as stored
-    /// Inserts and posts one record from values in field order (invalid: left empty).
+    /// Inserts and posts one record; values in field order (invalid: left empty).
     void insertRecord(const std::vector<Value>& values);
-    /// Deletes the current record; the next one (at the end: the previous) becomes current.
+    /// Deletes the current record; the next (at the end: the previous) becomes current.
     void deleteRecord();
 
     // --- refresh, bookmarks, controls
-    /// Rereads the current record; when it is gone the nearest following one becomes current.
+    /// Rereads the current record; if it is gone, the nearest following one becomes current.
     void refresh();
     Bookmark bookmark() const;
-    /// @return false, with the current record unchanged, when that record is gone or outside the
+    /// @return false, leaving the current record unchanged, if the record is gone or outside the
     /// view.
     bool gotoBookmark(const Bookmark& mark);
     void disableControls() { ++m_controlsDisabled; }
     void enableControls();
     bool controlsDisabled() const { return m_controlsDisabled > 0; }
-    /// Called after every change of the current record or its data while controls are enabled.
+    /// Called after every change of the current record or its data, unless controls are disabled.
     void setOnChange(std::function<void()> handler) { m_onChange = std::move(handler); }
 
     // --- filter
-    /// A filter expression (data/record/filter.h). Takes effect while filtered() is on.
-    /// @throws DataError(Syntax) showing the place; the earlier filter stays.
+    /// A filter expression (data/record/filter.h), in effect while filtered() is on.
+    /// @throws DataError(Syntax) with the position; the previous filter stays.
     void setFilter(const QString& expression);
     const QString& filter() const { return m_filterText; }
     void setFiltered(bool on);
     bool filtered() const { return m_filtered; }
-    /// A record filter beside the expression: called with the table standing on the candidate.
+    /// A record filter in addition to the expression; called with the candidate as current record.
     void setOnFilterRecord(std::function<bool(const TtbTable&)> accept);
     bool hasFilterRecord() const { return static_cast<bool>(m_onFilterRecord); }
 
-    /// The current record's bytes and address, for callers that compare records.
+    /// The current record's bytes.
     const QByteArray& recordBytes() const;
     RecordId recordId() const;
     TableFile& file();
@@ -262,7 +258,7 @@ class TtbTable {
     TableState m_state = TableState::Closed;
     std::optional<StoredRecord> m_current;
     QByteArray m_buffer;                        // the record while editing or inserting
-    const StoredRecord* m_candidate = nullptr;  // the record that a record filter looks at
+    const StoredRecord* m_candidate = nullptr;  // the candidate that a record filter is testing
     bool m_eof = true;
     bool m_bof = true;
     std::optional<RecordId> m_locked;

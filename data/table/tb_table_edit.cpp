@@ -10,7 +10,7 @@
 
 namespace data {
 
-// Takes the current record's lock and rereads it. @return false when somebody else holds it.
+// Locks the current record and rereads it. @return false if another program holds it.
 bool TtbTable::beginEdit(std::chrono::milliseconds wait) {
     requireRecord();
     if (m_candidate != nullptr)
@@ -68,7 +68,7 @@ void TtbTable::post() {
     } else {
         m_file->update(m_current->id, m_buffer);
         m_current->bytes = m_buffer;
-        // What was read ahead stays good: it is used only while the record's key is what it was.
+        // Records read ahead stay valid: they are used only while the record's key is unchanged.
     }
     releaseLock();
     m_state = TableState::Browse;
@@ -128,8 +128,8 @@ void TtbTable::deleteRecord() {
     place(std::move(found), atEof, false);
 }
 
-// The write is done when this is called: a lock that cannot be given back must not make it look
-// failed. It vanishes with the program at the latest.
+// The write is already committed: failing to unlock must not make it look failed. The lock ends
+// with the process.
 void TtbTable::releaseLock() noexcept {
     if (!m_locked)
         return;

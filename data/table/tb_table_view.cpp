@@ -4,11 +4,11 @@
 #include "data/table/key_view.h"
 #include "data/table/tb_table.h"
 
-// What a record table shows: filters, refresh, bookmarks.
+// Filters, refresh and bookmarks of a record table.
 
 namespace data {
 
-// Makes a candidate the current record while a record filter looks at it.
+// Makes a candidate the current record while a record filter tests it.
 class TtbTable::Candidate {
   public:
     Candidate(TtbTable& table, const StoredRecord& record)
@@ -24,9 +24,9 @@ class TtbTable::Candidate {
     const StoredRecord* m_before;
 };
 
-// Carries out a change of what the view shows and finds the current record's place in it: the
-// record itself (with `keep` in any case), else the following one, else the one before.
-// `change(true)` takes it back.
+// Changes what the view shows and repositions on the current record if it is still shown (with
+// `keep` always), else on the following one, else on the previous. `change(true)` undoes the
+// change.
 void TtbTable::changeView(bool keep, const std::function<void(bool)>& change) {
     const bool browsing = m_state == TableState::Browse;
     try {
@@ -50,7 +50,7 @@ bool TtbTable::accepts(const StoredRecord& record) {
         return false;
     if (!m_onFilterRecord)
         return true;
-    const Candidate standOn(*this, record);
+    const Candidate candidate(*this, record);
     return m_onFilterRecord(*this);
 }
 

@@ -11,7 +11,7 @@ namespace embedded {
 
 namespace {
 
-constexpr int kPagesAStep = 1024;
+constexpr int kPagesPerStep = 1024;
 
 struct BackupHandle {
     explicit BackupHandle(sqlite3_backup* made) : backup(made) {}
@@ -21,20 +21,20 @@ struct BackupHandle {
     sqlite3_backup* backup;
 };
 
-// @return false when the progress said stop.
+// @return false if `progress` cancelled.
 bool copyPages(const QString& from, const QString& to,
                const std::function<bool(int done, int total)>& progress) {
     Connection source(from);
     SqliteHandle target(to, SqliteHandle::Mode::Create);
-    // One view of the database from the first page to the last: what others write meanwhile is not
-    // in the copy, and does not make it begin again.
+    // Hold one read transaction for the whole copy: concurrent writes stay out of it and do not
+    // restart it.
     execute(source.db(), "BEGIN", from);
     Statement(source.db(), "SELECT count(*) FROM sqlite_master", from).step();
     const BackupHandle handle(sqlite3_backup_init(target.get(), "main", source.db(), "main"));
     if (handle.backup == nullptr)
         throwSqlite(target.get(), sqlite3_errcode(target.get()), to);
     for (;;) {
-        const int code = sqlite3_backup_step(handle.backup, kPagesAStep);
+        const int code = sqlite3_backup_step(handle.backup, kPagesPerStep);
         const int total = sqlite3_backup_pagecount(handle.backup);
         const int done = total - sqlite3_backup_remaining(handle.backup);
         if (code != SQLITE_OK && code != SQLITE_DONE)
@@ -56,11 +56,11 @@ void backupEmbedded(const QString& folder, const QString& targetFile,
     using namespace embedded;
     if (QFile::exists(targetFile))
         throw DataError(ErrorKind::Io, targetFile, QStringLiteral("the file exists already"));
-    // In a folder of its own beside the target: no other file can be in its way.
-    const QTemporaryDir workshop(targetFile + QStringLiteral(".XXXXXX"));
-    if (!workshop.isValid())
-        throw DataError(ErrorKind::Io, targetFile, workshop.errorString());
-    const QString unfinished = companyFile(workshop.path());
+    // In a temporary folder next to the target: no other file can be in the way.
+    const QTemporaryDir workFolder(targetFile + QStringLiteral(".XXXXXX"));
+    if (!workFolder.isValid())
+        throw DataError(ErrorKind::Io, targetFile, workFolder.errorString());
+    const QString unfinished = companyFile(workFolder.path());
     if (copyPages(companyFile(folder), unfinished, progress) &&
         !QFile::rename(unfinished, targetFile))
         throw DataError(ErrorKind::Io, targetFile,

@@ -12,23 +12,23 @@ namespace engines::embedded {
 
 namespace {
 
-// Costs of a row: of reading an index entry, of reading a record in stored order, and of going
-// from an index entry to its record.
+// Costs: a seek; per row an index entry, a record in stored order, a record looked up from an index
+// entry.
 constexpr double kSeekCost = 5;
 constexpr double kImageCost = 0.5;
-constexpr double kLongImage = 100;  // bytes that make an entry cost twice as much
+constexpr double kLongImage = 100;  // index entry length (bytes) that doubles its cost
 constexpr double kRecordCost = 2;
 constexpr double kLookupCost = 3;
 
-// A share of reading the table for an index that serves many searches.
+// Cost per record of building an index that serves many lookups.
 constexpr double kFieldCost = 0.1;
 
-// How many records share the values of a key's leading fields is not counted, but estimated.
+// Estimated number of records per value of a key's leading fields; they are not counted.
 constexpr double kRowsOfWholeKey = 10;
 
 struct Candidate {
     ScanPlan plan;
-    std::vector<int> arguments;  // constraints, in the order of the scan's arguments
+    std::vector<int> arguments;  // constraint numbers, in the order of the scan's arguments
     double rows = 0;
     double cost = 0;
     bool unique = false;
@@ -85,12 +85,12 @@ bool Planner::collationFits(int constraint, const SegmentImage& segment, bool eq
     const char* collation = sqlite3_vtab_collation(m_info, constraint);
     const TFieldCacheItem& field = m_table.layout().field(segment.fieldIndex);
     const char* own = columnCollation(m_table.name(), field);
-    if (segment.form == ImageForm::FoldedText)  // finds too much, which SQLite sorts out
+    if (segment.form == ImageForm::FoldedText)  // finds too many; SQLite filters
         return equality && (sqlite3_stricmp(collation, own) == 0 ||
                             sqlite3_stricmp(collation, kNameCollation) == 0 ||
                             sqlite3_stricmp(collation, "BINARY") == 0);
     if (sqlite3_stricmp(own, kNameCollation) == 0)
-        return false;  // a key by exact name does not find names that differ in case
+        return false;  // a case-sensitive key does not find names that differ in case
     return sqlite3_stricmp(collation, own) == 0;
 }
 
@@ -119,8 +119,8 @@ bool Planner::keyHoldsColumns(int key) const {
     return (m_info->colUsed & ~held) == 0;
 }
 
-// Whether the scan of a key gives the order asked for; fields that are compared for equality may
-// be left out of it.
+// Whether a scan of the key returns the requested order; fields compared for equality may be left
+// out.
 bool Planner::orders(int key, int equalCount, bool& backward) const {
     const auto& segments = m_table.image(key).segments();
     if (m_info->nOrderBy == 0)
@@ -223,8 +223,7 @@ bool Planner::oneId(Candidate& candidate) const {
     return false;
 }
 
-// A whole-number field without a key, compared with something that changes from row to row of an
-// outer loop.
+// An integer field without a key, compared with a value that changes per row of an outer loop.
 bool Planner::byField(Candidate& candidate) const {
     for (int i = 0; i < m_info->nConstraint; ++i) {
         const auto& constraint = m_info->aConstraint[i];
@@ -245,8 +244,8 @@ bool Planner::byField(Candidate& candidate) const {
 }
 
 void Planner::apply(const Candidate& candidate) {
-    // Whole numbers are found exactly as long as every segment before them was a whole number too;
-    // SQLite looks at all others again.
+    // An integer is found exactly while all segments before it are integers too; otherwise SQLite
+    // checks again.
     bool exact = true;
     int argument = 0;
     for (const int constraint : candidate.arguments) {
@@ -270,7 +269,7 @@ void Planner::apply(const Candidate& candidate) {
 int Planner::choose() {
     Candidate best = byId();
     if (!oneId(best)) {
-        // What sorting the rows costs besides, which a plan that gives the order saves.
+        // Includes the cost of sorting if the plan does not return the requested order.
         const auto total = [this](const Candidate& c) {
             const bool sorts = m_info->nOrderBy > 0 && !c.ordered;
             return c.cost + (sorts ? c.rows * std::log2(c.rows + 1) * 0.5 : 0);

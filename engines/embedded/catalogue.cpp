@@ -9,7 +9,7 @@ namespace engines::embedded {
 
 namespace {
 
-// Shows the records of a catalogue table in the order of their ids.
+// Calls `see` with the records of a catalogue table in id order.
 void showRows(sqlite3* db, const RecordLayout& table,
               const std::function<void(const uchar*)>& see) {
     const QString& name = table.tableName();
@@ -46,7 +46,7 @@ Catalogue readCatalogue(sqlite3* db) {
 
 namespace {
 
-// Fills one record of a catalogue table.
+// Builds one record of a catalogue table.
 class RowWriter {
   public:
     explicit RowWriter(const QString& tableName) : m_layout(compiledLayout(tableName)) {}

@@ -11,22 +11,22 @@
 
 namespace engines::embedded {
 
-/// Name of the SQLite table that holds the records of a table.
+/// Name of the SQLite table with the records of a table.
 QString storedName(const QString& tableName);
 
 /// Reads the catalogue of an embedded company.
-/// @throws DataError(Damaged) naming the catalogue table that is missing or cannot be read.
+/// @throws DataError(Damaged) naming the catalogue table that is missing or unreadable.
 Catalogue readCatalogue(sqlite3* db);
 
-/// The record of one row of a catalogue table, for a new company: values by field name.
+/// Catalogue records for a new company.
 struct CatalogueRows {
     std::vector<QByteArray> files;    ///< records of X$File
     std::vector<QByteArray> fields;   ///< records of X$Field
     std::vector<QByteArray> indexes;  ///< records of X$Index
 };
 
-/// The rows that describe the tables, numbered in the order given.
-/// @throws DataError(BadValue) when a name or number does not fit its catalogue field.
+/// Rows describing the tables, numbered in the given order.
+/// @throws DataError(BadValue) if a name or number does not fit its catalogue field.
 CatalogueRows catalogueRows(const std::vector<TableSource>& tables);
 
 }  // namespace engines::embedded

@@ -16,7 +16,7 @@ namespace embedded {
 namespace {
 
 // Of a table that is damaged all over, the first records say enough.
-constexpr int kMaxLinesATable = 100;
+constexpr int kMaxLinesPerTable = 100;
 
 class Checker {
   public:
@@ -25,7 +25,7 @@ class Checker {
     QStringList run() {
         try {
             checkPages();
-        } catch (const DataError& error) {  // too damaged for the engine to say how; go on
+        } catch (const DataError& error) {  // too damaged to list the tables; continue
             m_lines.append(QStringLiteral("database file: %1").arg(error.english()));
         }
         const QStringList listed = m_connection.catalogue().tableNames();
@@ -63,16 +63,17 @@ class Checker {
             for (const KeyDef& key : table.keys())
                 checkUnique(table, key);
             checkRecords(table);
-            if (m_linesOfTable > kMaxLinesATable)
-                m_lines.append(
-                    QStringLiteral("%1: %2 more").arg(name).arg(m_linesOfTable - kMaxLinesATable));
+            if (m_linesOfTable > kMaxLinesPerTable)
+                m_lines.append(QStringLiteral("%1: %2 more")
+                                   .arg(name)
+                                   .arg(m_linesOfTable - kMaxLinesPerTable));
         } catch (const DataError& error) {
             m_lines.append(error.english());
         }
     }
 
     void report(const QString& line) {
-        if (++m_linesOfTable <= kMaxLinesATable)
+        if (++m_linesOfTable <= kMaxLinesPerTable)
             m_lines.append(line);
     }
 
@@ -81,7 +82,7 @@ class Checker {
         if (!TTblResReader::ReadResource(table.name(), compiled))
             return;
         const RecordLayout expected(table.name(), compiled.FFields);
-        // A shop's data files may have bytes behind the last field; a copy of theirs keeps them.
+        // The shops' engine's data files may have bytes after the last field; copies keep them.
         if (expected.recordLength() > table.layout().recordLength())
             m_lines.append(QStringLiteral("%1: records of %2 bytes, %3 in the program's dictionary")
                                .arg(table.name())

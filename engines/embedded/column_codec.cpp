@@ -79,7 +79,7 @@ void resultEmptyText(sqlite3_context* context) {
     sqlite3_result_text(context, "", 0, SQLITE_STATIC);
 }
 
-// What SQL reads from the field is what is to be stored.
+// Whether SQL would read exactly this value from the field.
 bool isStored(const TFieldCacheItem& field, const uchar* record, sqlite3_value* value) {
     const int type = sqlite3_value_type(value);
     switch (field.kind()) {

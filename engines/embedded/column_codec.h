@@ -10,19 +10,19 @@
 
 namespace engines::embedded {
 
-/// How SQL declares a field: name, type and collation.
+/// SQL declaration of a field: name, type and collation.
 QByteArray columnDeclaration(const QString& tableName, const TFieldCacheItem& field);
-/// Collation of a field's column; "BINARY" where the declaration names none.
+/// Collation of a field's column; "BINARY" if the declaration has none.
 const char* columnCollation(const QString& tableName, const TFieldCacheItem& field);
 
-/// Hands a field of a record to SQL: numbers as numbers, booleans as 0 and 1, dates as
-/// yyyy-mm-dd, times as hh:mm:ss, timestamps as yyyy-mm-dd hh:mm:ss in local time (no date and no
-/// timestamp: the empty text), texts as UTF-8, binary as a blob.
+/// Returns a record's field to SQL: numbers as numbers, booleans as 0 and 1, dates as yyyy-mm-dd,
+/// times as hh:mm:ss, timestamps as yyyy-mm-dd hh:mm:ss in local time (empty date or timestamp: the
+/// empty text), texts as UTF-8, binary as a blob.
 void resultField(sqlite3_context* context, const TFieldCacheItem& field, const uchar* record);
 
-/// Stores a value of SQL in a field; NULL and the empty text of a date or time store the empty
-/// value. A value equal to the stored one changes no byte.
-/// @throws DataError(BadValue) naming table, field and value; then nothing is changed.
+/// Stores a SQL value in a field; NULL, and the empty text for a date or time, store the empty
+/// value. A value equal to the stored one leaves the bytes unchanged.
+/// @throws DataError(BadValue) naming table, field and value, without changing anything.
 void storeField(const QString& tableName, const TFieldCacheItem& field, uchar* record,
                 sqlite3_value* value);
 

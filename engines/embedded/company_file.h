@@ -9,10 +9,10 @@
 
 namespace engines::embedded {
 
-/// Path of a company's database file in its folder.
+/// Path of the database file in a company's folder.
 QString companyFile(const QString& folder);
 
-/// Folded names of the tables whose records the file holds.
+/// Folded names of the tables stored in the file.
 QSet<QString> storedTables(sqlite3* db);
 
 }  // namespace engines::embedded

@@ -13,9 +13,10 @@ namespace engines::embedded {
 
 namespace {
 
-// How long the database's own write lock is waited for: another program's largest statement.
+// Wait for SQLite's write lock: must outlast another program's largest statement.
 constexpr int kBusyTimeoutMs = 10000;
 constexpr size_t kMaxCachedStatements = 32;
+constexpr std::chrono::milliseconds kFlushAfter{100};
 
 qint64 pragma(sqlite3* db, const QByteArray& name, const QString& fileName) {
     Statement statement(db, "PRAGMA " + name, fileName);
@@ -68,8 +69,8 @@ Connection::~Connection() {
     m_tables.clear();
 }
 
-// Beside the database itself, whichever link it is reached by: programs that come by different
-// paths must meet at one file.
+// Next to the database file itself, so that programs using different symbolic links share one lock
+// file.
 QString Connection::lockFileName(const QString& fileName) {
     const QString real = QFileInfo(fileName).canonicalFilePath();
     return (real.isEmpty() ? fileName : real) + QStringLiteral("-lock");
@@ -104,14 +105,15 @@ void Connection::checkFile() {
 
 void Connection::configure() {
     sqlite3* db = m_db;
-    // Cache and mapping bound what the process keeps: 32 MB of its own, the file's pages mapped.
+    // Bounds the process's memory: 32 MB of page cache, the rest of the file is mapped.
     execute(db,
             "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;"
             "PRAGMA wal_autocheckpoint = 4000; PRAGMA journal_size_limit = 67108864;"
             "PRAGMA cache_size = -32000; PRAGMA mmap_size = 2147418112;"
             "PRAGMA secure_delete = OFF;",
             m_fileName);
-    // A file from elsewhere may hold triggers and the like: they get no functions and no tables.
+    // The schema of a foreign file may contain triggers and views: it may use no functions or
+    // virtual tables.
     sqlite3_db_config(db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
@@ -123,14 +125,14 @@ void Connection::configure() {
     sqlite3_set_authorizer(db, authorize, this);
 }
 
-// The user's SQL reads and writes tables and nothing else: the stored bytes, the schema, settings
-// and transactions are the engine's own.
+// User SQL may only read and write tables. Stored bytes, schema, settings and transactions are
+// internal.
 int Connection::authorize(void* self, int action, const char* first, const char* second,
                           const char* /*database*/, const char* /*trigger*/) {
     auto* connection = static_cast<Connection*>(self);
     if (!connection->m_checksNames)
         return SQLITE_OK;
-    connection->m_askedLeave = true;
+    connection->m_authorizerCalled = true;
     switch (action) {
         case SQLITE_SELECT:
         case SQLITE_RECURSIVE:
@@ -185,7 +187,7 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     const char* tail = nullptr;
     clearFailure();
     m_checksNames = true;
-    m_askedLeave = false;
+    m_authorizerCalled = false;
     const int code = sqlite3_prepare_v3(db(), text.constData(), static_cast<int>(text.size()),
                                         SQLITE_PREPARE_PERSISTENT, &statement, &tail);
     m_checksNames = false;
@@ -195,8 +197,8 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     }
     if (statement == nullptr)
         throw DataError(ErrorKind::Syntax, QString(), QStringLiteral("the statement is empty"));
-    // VACUUM and the like ask no leave; what INSERT ... RETURNING returns nobody would read.
-    if (!m_askedLeave ||
+    // VACUUM bypasses the authorizer; RETURNING rows would go unread.
+    if (!m_authorizerCalled ||
         (sqlite3_stmt_readonly(statement) == 0 && sqlite3_column_count(statement) > 0)) {
         sqlite3_finalize(statement);
         throw DataError(ErrorKind::Syntax, QString(),
@@ -216,7 +218,7 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
     return statement;
 }
 
-void Connection::giveBack(const QString& sql, sqlite3_stmt* statement) {
+void Connection::returnStatement(const QString& sql, sqlite3_stmt* statement) {
     sqlite3_reset(statement);
     sqlite3_clear_bindings(statement);
     m_cache.push_back({sql, statement});
@@ -230,7 +232,7 @@ void Connection::runTransaction(const std::function<void()>& body) {
     execute(db(), "BEGIN IMMEDIATE", m_fileName);
     try {
         body();
-        // A failure that undoes everything at once may have been caught by the body.
+        // The body may have caught an error that rolled the transaction back.
         if (sqlite3_get_autocommit(db()) != 0)
             throw DataError(ErrorKind::Io, m_fileName,
                             QStringLiteral("the database undid the transaction"));
@@ -244,7 +246,7 @@ void Connection::runTransaction(const std::function<void()>& body) {
 
 void Connection::write(WriteUnit unit, const std::function<void()>& body) {
     if (m_inTransaction) {
-        // Its locks are kept to the transaction's end, and waiting here would hold the write lock.
+        // Fails immediately on a lock: waiting here would hold SQLite's write lock.
         try {
             body();
         } catch (const RecordIsHeld& held) {
@@ -259,11 +261,11 @@ void Connection::write(WriteUnit unit, const std::function<void()>& body) {
                 runTransaction(body);
             else
                 body();
-            m_locks->endStatement();
-            m_journal->stored();
+            stored();
             return;
         } catch (const RecordIsHeld& held) {
             undoStatement();
+            flushBeforeWait();
             if (!m_locks->waitForConflict(end))
                 throwLocked(held);
         } catch (...) {
@@ -292,8 +294,45 @@ void Connection::inTransaction(const std::function<void()>& body) {
         throw;
     }
     m_inTransaction = false;
+    stored();
+}
+
+void Connection::stored() {
     m_locks->endStatement();
     m_journal->stored();
+    if (!m_defersFlushes)
+        return;
+    const auto now = std::chrono::steady_clock::now();
+    if (!m_unflushedSince)
+        m_unflushedSince = now;
+    else if (now - *m_unflushedSince >= kFlushAfter)
+        flush();
+}
+
+void Connection::deferFlushes(bool on) {
+    if (on == m_defersFlushes)
+        return;
+    flush();
+    execute(db(), on ? "PRAGMA synchronous = NORMAL" : "PRAGMA synchronous = FULL", m_fileName);
+    m_defersFlushes = on;
+}
+
+// In NORMAL mode SQLite itself flushes the log only before it moves it into the database.
+void Connection::flush() {
+    if (!m_defersFlushes)
+        return;
+    sqlite3_file* log = nullptr;
+    int code = sqlite3_file_control(db(), "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+    if (code == SQLITE_OK && log != nullptr && log->pMethods != nullptr)
+        code = log->pMethods->xSync(log, SQLITE_SYNC_NORMAL);
+    if (code != SQLITE_OK)
+        throwSqlite(nullptr, code, m_fileName);
+    m_unflushedSince.reset();
+}
+
+void Connection::flushBeforeWait() {
+    if (m_unflushedSince)
+        flush();
 }
 
 void Connection::throwHeld(const StoredTable& table, const QByteArray& record) const {

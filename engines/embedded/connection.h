@@ -29,15 +29,16 @@ inline constexpr int kApplicationId = 0x5A444231;
 inline constexpr int kNewFormatVersion = 1;
 inline constexpr int kFormatVersion = 2;
 
-/// What one connection to a company's database shares: the catalogue, the open tables, the record
-/// locks and the cache of SQL statements. SQL reaches it through the module of the virtual tables.
+/// One connection to a company's database, with what its users share: the catalogue, open tables,
+/// record locks and the cache of SQL statements. SQL uses it through the virtual table module.
 class Connection {
   public:
-    /// Opens the database file and registers functions, collations and the module.
-    /// @throws DataError: NoConnection, ReadOnly, Damaged (none of ours), Engine (newer format).
+    /// Opens the database file and registers functions, collations and the virtual table module.
+    /// @throws DataError: NoConnection, ReadOnly, Damaged (not a company database), Engine (newer
+    /// format).
     explicit Connection(const QString& fileName);
-    /// Serves a connection that a program other than ours has opened: registers the same on it. A
-    /// statement there runs outside of write(): a record that somebody else holds fails it at once.
+    /// Registers the same on a connection that a host program has opened. Statements there run
+    /// outside of write(), so a record locked by another program fails them immediately.
     /// @throws DataError as above.
     explicit Connection(sqlite3* host);
     ~Connection();
@@ -50,51 +51,57 @@ class Connection {
     sqlite3* db() const { return m_db; }
     bool isHosted() const { return m_handle.get() == nullptr; }
     const Catalogue& catalogue();
-    /// Forgets what was read of the catalogue, and the open tables: for the making of a company.
+    /// Drops the catalogue that was read and the open tables. For creating a company.
     void forgetCatalogue();
     RecordLocks& locks() { return *m_locks; }
     journal::JournalStore& journal() { return *m_journal; }
     TransientIndexes& transientIndexes() { return m_transientIndexes; }
 
-    /// The table of that name (case ignored), opened when first asked for.
+    /// The table of that name (case-insensitive), opened on first use.
     /// @throws DataError(NoSuchTable, Damaged).
     StoredTable& table(const QString& name);
 
     std::chrono::milliseconds lockWait{2000};
 
-    /// A statement of the user's, from the cache when it was prepared before; giveBack() returns
-    /// it.
+    /// A user's statement, cached or newly prepared. Give it back with returnStatement().
     /// @throws DataError(Syntax, NoSuchTable, NoSuchField ...).
     sqlite3_stmt* prepare(const QString& sql);
-    void giveBack(const QString& sql, sqlite3_stmt* statement);
+    void returnStatement(const QString& sql, sqlite3_stmt* statement);
 
     enum class WriteUnit {
         Statement,  ///< the body runs one SQL statement, which is a transaction by itself
         Records     ///< the body's reads and writes become one transaction
     };
-    /// Runs a body that writes records. Locks that it takes for the statement are given up when it
-    /// is stored. Where a lock stops it, what it did is undone, the lock is waited for outside of
-    /// the database's own write lock, and the body runs again, to the end of the lock wait.
-    /// @throws DataError(Locked) naming table and record, and what the body throws.
+    /// Runs a body that writes records. Record locks taken for the statement are released at its
+    /// commit. If another program holds a record, the changes are rolled back, the lock is waited
+    /// for outside SQLite's write lock, and the body runs again until the lock wait expires.
+    /// @throws DataError(Locked) naming table and record, and whatever the body throws.
     void write(WriteUnit unit, const std::function<void()>& body);
-    /// As Database::inTransaction. Inside of another one it is a part of that.
+    /// As Database::inTransaction. A nested call joins the outer transaction.
     void inTransaction(const std::function<void()>& body);
 
-    /// Thrown through write() by what meets a record that somebody else holds.
+    /// As Database::deferFlushes and flush: the write-ahead log's flushes.
+    void deferFlushes(bool on);
+    void flush();
+    /// The same if something was committed since the last flush: before a wait.
+    void flushBeforeWait();
+
+    /// Thrown through write() when another program holds a record.
     struct RecordIsHeld {
         QString table;
         QString record;
     };
     [[noreturn]] void throwHeld(const StoredTable& table, const QByteArray& record) const;
 
-    // Failures inside SQLite's callbacks: kept here while SQLite unwinds, then thrown again.
+    // Exceptions cannot pass through SQLite's callbacks: they are kept here and rethrown
+    // afterwards.
     void keepFailure(std::exception_ptr failure) { m_failure = std::move(failure); }
     void clearFailure() { m_failure = nullptr; }
-    /// Throws the kept failure when there is one.
+    /// Rethrows the kept exception, if any.
     void throwFailure();
 
-    /// While the user's statement is prepared, what it names is checked (see authorize); the
-    /// engine's own statements that are prepared on the way pass.
+    /// Suspends the authorizer's name checks for the engine's own statements, which may be prepared
+    /// while a user's statement is.
     class InternalUse {
       public:
         explicit InternalUse(Connection& connection);
@@ -107,8 +114,8 @@ class Connection {
         bool m_previous;
     };
 
-    /// What SQLite has connected of the virtual tables and opened of their cursors. Only a host's
-    /// connection counts: it has to be left without prepared statements before it is closed.
+    /// Counts the connected virtual tables and open cursors. Only used on a host's connection,
+    /// which must have no prepared statements left when the host closes it.
     void countSqlTables(int more);
     void countCursors(int more);
 
@@ -119,11 +126,12 @@ class Connection {
     void checkFile();
     [[noreturn]] void throwLocked(const RecordIsHeld& held) const;
 
+    void stored();
     void runTransaction(const std::function<void()>& body);
     void undoStatement();
 
     QString m_fileName;
-    SqliteHandle m_handle;  // empty when a host has opened the database
+    SqliteHandle m_handle;  // empty on a host's connection
     sqlite3* m_db = nullptr;
     std::unique_ptr<RecordLocks> m_locks;
     std::unique_ptr<journal::JournalStore> m_journal;
@@ -137,8 +145,10 @@ class Connection {
     TransientIndexes m_transientIndexes;
     std::exception_ptr m_failure;
     bool m_checksNames = false;
-    bool m_askedLeave = false;  // SQLite asked authorize() about the statement being prepared
+    bool m_authorizerCalled = false;  // authorize() was called for the statement being prepared
     bool m_inTransaction = false;
+    bool m_defersFlushes = false;
+    std::optional<std::chrono::steady_clock::time_point> m_unflushedSince;
     int m_sqlTables = 0;
     int m_cursors = 0;
 };

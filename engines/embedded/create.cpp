@@ -28,7 +28,7 @@ bool isNamed(const TableSource& table, const QString& name) {
     return table.name.compare(name, Qt::CaseInsensitive) == 0;
 }
 
-// The tables with the catalogue's own first; those that the caller left out are added.
+// The tables, preceded by the catalogue's own; catalogue tables missing from the list are added.
 std::vector<TableSource> withCatalogue(const std::vector<TableSource>& tables) {
     const QStringList own{kFileTable, kFieldTable, kIndexTable};
     std::vector<TableSource> all;

@@ -50,6 +50,8 @@ class EmbeddedDatabase : public Database {
     bool beginRun() override { return m_connection->locks().beginRun(); }
     void endRun() override { m_connection->locks().endRun(); }
     RunJournal* journal() override { return &m_connection->journal(); }
+    void deferFlushes(bool on) override { m_connection->deferFlushes(on); }
+    void flush() override { m_connection->flush(); }
     void inTransaction(const std::function<void()>& body) override {
         m_connection->inTransaction(body);
     }

@@ -11,32 +11,31 @@
 
 namespace engines {
 
-/// File name of an embedded company's database inside the company's folder.
+/// File name of the database in an embedded company's folder.
 inline const QString kEmbeddedFileName = QStringLiteral("YRITYS.ZDB");
 
 /// True when the folder holds an embedded company.
 bool hasEmbeddedDatabase(const QString& folder);
 
-/// Opens the embedded database of a folder. @throws DataError: NoConnection when there is none,
-/// Damaged when the file is not a company database or its catalogue disagrees with its tables,
-/// ReadOnly ...
+/// Opens the embedded database of a folder. @throws DataError: NoConnection (no such file), Damaged
+/// (not a company database, or its catalogue disagrees with its tables), ReadOnly ...
 std::unique_ptr<Database> openEmbedded(const QString& companyName, const QString& folder);
 
-/// Creates a new company database in the folder (made when missing) with the given tables and their
-/// catalogue rows; the price level table gets its nine rows. @throws DataError; on failure nothing
-/// is left behind.
+/// Creates a company database in the folder (created if missing) with the given tables and their
+/// catalogue rows; the price level table gets its nine rows. @throws DataError; leaves nothing
+/// behind on failure.
 void createEmbedded(const QString& folder, const std::vector<TableSource>& tables);
 
-/// A consistent copy into a new file, safe while programs use the database. `progress` (may be
-/// empty) gets pages done and in all; it returns false to stop, and the unfinished copy is removed.
+/// Copies the database consistently into a new file while programs use it. `progress` (may be
+/// empty) gets pages done and total; if it returns false, the copy stops and is deleted.
 void backupEmbedded(const QString& folder, const QString& targetFile,
                     const std::function<bool(int done, int total)>& progress);
 
-/// Version of the SQLite library that the engine uses.
+/// Version of the SQLite library.
 QString embeddedLibraryVersion();
 
-/// Reads every record and every key of every table. @return one English line for each thing that is
-/// wrong; empty when all is well.
+/// Reads every record and key of every table. @return one English line per error; empty if there
+/// are none.
 QStringList checkEmbedded(const QString& folder);
 
 }  // namespace engines

@@ -54,7 +54,7 @@ void roundOf(sqlite3_context* context, int count, sqlite3_value** arguments) {
     sqlite3_result_double(context, std::isfinite(result) ? result : value);
 }
 
-// Rank of each code point below 65536 that Windows-1252 has a byte for: the byte.
+// Collation rank of a code point: its Windows-1252 byte if it has one.
 int rankOf(char32_t character) {
     if (character < 0x80)
         return static_cast<int>(character);
@@ -73,7 +73,7 @@ int rankOf(char32_t character) {
                                 : static_cast<int>(character) + 0x100;
 }
 
-// The character that begins at or before `place`, which may stand inside of it.
+// The character that begins at `place` or contains it.
 char32_t characterAt(const uchar* text, int length, int place) {
     int start = place;
     while (start > 0 && (text[start] & 0xC0) == 0x80)
@@ -130,8 +130,8 @@ void must(int code) {
 }  // namespace
 
 void registerFunctions(sqlite3* db) {
-    // Deterministic within one run of a statement: then it evaluates them once, and all rows that
-    // it writes carry the same time.
+    // Deterministic within one run of a statement, so SQLite evaluates them once and all rows
+    // written get the same time.
     constexpr int kFlags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
     const auto add = [db](const char* name, int arguments, auto function) {
         must(sqlite3_create_function_v2(db, name, arguments, kFlags, nullptr, function, nullptr,

@@ -6,16 +6,16 @@
 
 namespace engines::embedded {
 
-/// Collation of texts: the order of their Windows-1252 codes, which is the order of the keys;
-/// characters without a code stand behind all others. Equal means the same characters.
+/// Collation of texts: by Windows-1252 code, as in keys; characters without a code sort last. Equal
+/// means identical.
 inline constexpr char kTextCollation[] = "ZAVTEXT";
-/// Collation of dates: '-' is passed over, so that '2024-09-01' equals '20240901'.
+/// Collation of dates: ignores '-', so that '2024-09-01' equals '20240901'.
 inline constexpr char kDateCollation[] = "ZAVDATE";
-/// Collation of the catalogue's names: the ASCII letters' case ignored.
+/// Collation of catalogue names: ignores the case of ASCII letters.
 inline constexpr char kNameCollation[] = "NOCASE";
 
-/// Registers the product's SQL functions and collations: CURDATE(), CURTIME() and now() on the
-/// product's clock, FLOOR(x), round(x) and round(x, decimals) on doubles.
+/// Registers SQL functions and collations: CURDATE(), CURTIME() and now() by data::Clock, FLOOR(x),
+/// round(x) and round(x, decimals) on doubles.
 void registerFunctions(sqlite3* db);
 
 }  // namespace engines::embedded

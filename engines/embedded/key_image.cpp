@@ -16,8 +16,7 @@ namespace {
 
 constexpr quint64 kTopBit = quint64{1} << 63;
 
-// Julian day of the image 0: before 0001-01-01, so that every date that a record holds sorts above
-// "no date".
+// Julian day of date image 0: before 0001-01-01, so that every date sorts above "no date".
 constexpr qint64 kImageDayZero = 1721424;
 
 constexpr int kMaxRestoredLength = 255;
@@ -37,7 +36,7 @@ quint64 getBigEndian(const uchar* bytes, int length) {
 }
 
 quint64 ascendingBits(double value) {
-    const auto bits = std::bit_cast<quint64>(value + 0.0);  // one zero
+    const auto bits = std::bit_cast<quint64>(value + 0.0);  // -0.0 becomes 0.0
     return (bits & kTopBit) != 0 ? ~bits : bits | kTopBit;
 }
 
@@ -181,7 +180,7 @@ QByteArray KeyImage::build(const QByteArray& record) const {
 }
 
 QByteArray KeyImage::prefix(const std::vector<Value>& values) const {
-    // Fields may share bytes, so each is put into the record by itself.
+    // Fields may share bytes, so only one at a time is set in the record.
     QByteArray record(m_layout->recordLength(), '\0');
     auto* bytes = reinterpret_cast<uchar*>(record.data());
     QByteArray image;

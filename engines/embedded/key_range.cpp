@@ -10,9 +10,8 @@
 #include "data/windows1252.h"
 #include "engines/embedded/key_image.h"
 
-// Where a value that a statement compares a key field with stands among the field's images. The
-// value need not be one that the field can hold: 3.5 stands between two whole numbers, a text that
-// is too long just above its beginning.
+// Position of a compared SQL value among a field's images. The field need not be able to store the
+// value: 3.5 lies between two integers, a text that is too long just above its beginning.
 
 namespace engines::embedded {
 
@@ -54,11 +53,11 @@ Place placeOfWhole(qint64 value, const SegmentImage& segment,
     return {Place::Relation::At, integerImage(value, segment)};
 }
 
-// @return false when the place cannot be told.
+// @return false if the position is unknown.
 bool placeNumber(const TFieldCacheItem& field, const SegmentImage& segment, sqlite3_value* value,
                  Place& place) {
     const int type = sqlite3_value_numeric_type(value);
-    if (type == SQLITE_TEXT || type == SQLITE_BLOB) {  // SQL puts every number below them
+    if (type == SQLITE_TEXT || type == SQLITE_BLOB) {  // SQL sorts all numbers before these
         place.relation = Place::Relation::AboveAll;
         return true;
     }
@@ -67,7 +66,7 @@ bool placeNumber(const TFieldCacheItem& field, const SegmentImage& segment, sqli
         constexpr qint64 kLargestExact = qint64{1} << 53;
         if (type == SQLITE_INTEGER && (sqlite3_value_int64(value) > kLargestExact ||
                                        sqlite3_value_int64(value) < -kLargestExact))
-            return false;  // compared exactly, and a double cannot say it
+            return false;  // compared exactly, which a double cannot do
         const auto bits = std::bit_cast<quint64>(number + 0.0);
         const quint64 top = quint64{1} << 63;
         place = {Place::Relation::At, bigEndian((bits & top) != 0 ? ~bits : bits | top, 8)};
@@ -97,7 +96,7 @@ bool placeText(const SegmentImage& segment, sqlite3_value* value, Place& place) 
         place.relation = Place::Relation::AboveAll;
         return true;
     }
-    if (type != SQLITE_TEXT)  // whether SQL compares as text or as number depends on its origin
+    if (type != SQLITE_TEXT)  // SQL compares as text or number depending on the value's origin
         return false;
     const QString text = QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_value_text(value)),
                                            sqlite3_value_bytes(value));
@@ -136,7 +135,7 @@ bool placeDate(sqlite3_value* value, Place& place) {
     return true;
 }
 
-// The images of a comparison, before a descending segment turns them round.
+// Images that satisfy a comparison, for an ascending segment.
 ImageRange rangeOf(Comparison op, const Place& place) {
     using Answer = ImageRange::Answer;
     const bool wantsBelow = op == Comparison::Less || op == Comparison::LessOrEqual;
@@ -171,9 +170,9 @@ QByteArray inverted(QByteArray bytes) {
     return bytes;
 }
 
-// The same values among inverted images. A bound of an ascending range is a prefix p in "image >=
-// p" or "image < p"; padded to full length, the inverted images say "image <= ~p" or "image > ~p".
-ImageRange turnedRound(const ImageRange& range, int length) {
+// The same values as inverted images. A bound of an ascending range is a prefix p in "image >= p"
+// or "image < p"; padded to full length, the inverted images satisfy "image <= ~p" or "image > ~p".
+ImageRange mirrored(const ImageRange& range, int length) {
     const auto padded = [length](QByteArray bytes) {
         return inverted(bytes.append(QByteArray(length - bytes.size(), '\0')));
     };
@@ -207,7 +206,7 @@ ImageRange KeyImage::range(int segment, Comparison op, sqlite3_value* value) con
         case ImageForm::Text:
             known = placeText(image, value, place);
             break;
-        case ImageForm::FoldedText:  // equal texts have equal weights; the order is another one
+        case ImageForm::FoldedText:  // equal texts have equal weights, but their order differs
             known = op == Comparison::Equal && placeText(image, value, place);
             break;
         case ImageForm::Date:
@@ -220,7 +219,7 @@ ImageRange KeyImage::range(int segment, Comparison op, sqlite3_value* value) con
     if (!known)
         return {};
     const ImageRange range = rangeOf(op, place);
-    return image.descending ? turnedRound(range, image.length) : range;
+    return image.descending ? mirrored(range, image.length) : range;
 }
 
 }  // namespace engines::embedded

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kIdBits = 40;
 constexpr RecordId kLastId = (RecordId{1} << kIdBits) - 1;
-// The system walks a list of ranges at every lock, so that many of them cost more than they save.
+// The kernel walks a list of ranges at every lock: beyond this, one range for the table is cheaper.
 constexpr size_t kMaxRanges = 1000;
 constexpr std::chrono::milliseconds kFirstPause{1};
 constexpr std::chrono::milliseconds kLongestPause{20};
@@ -18,7 +18,7 @@ std::int64_t byteOf(const RecordAddress& record) {
     return (static_cast<std::int64_t>(record.table + 1) << kIdBits) + record.id;
 }
 
-// Calls `attempt` until it succeeds or the time comes.
+// Calls `attempt` until it succeeds or the time is over.
 template <typename Attempt>
 bool keepTrying(std::chrono::steady_clock::time_point end, Attempt attempt) {
     std::chrono::milliseconds pause = kFirstPause;
@@ -72,7 +72,7 @@ void RecordLocks::release(const RecordAddress& record) {
     if (held == m_held.end() || --held->second > 0)
         return;
     m_held.erase(held);
-    if (!isTaken(record))  // else the statement's end unlocks it
+    if (!isTaken(record))  // else endStatement() unlocks it
         m_file.unlock(byteOf(record), 1);
 }
 

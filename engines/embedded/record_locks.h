@@ -23,11 +23,10 @@ struct RecordAddress {
     }
 };
 
-/// The record locks of one connection: byte ranges of a lock file beside the database. Byte 0 says
-/// that a run is going on; the record `id` of table `t` is the byte ((t + 1) << 40) + id.
-///
-/// A lock is held by edit() and the like (hold/release, counted) or by a statement that writes the
-/// record (tryForStatement), to the end of that statement's commit. What is held passes the own
+/// The record locks of one connection: byte ranges of a lock file next to the database. Byte 0
+/// marks a run in progress; record `id` of table `t` is byte ((t + 1) << 40) + id.
+/// A lock is held by edit() and the like (hold/release, counted), or by a statement that writes the
+/// record (tryForStatement) until its commit. Held locks do not block the connection's own
 /// statements.
 class RecordLocks {
   public:
@@ -39,16 +38,16 @@ class RecordLocks {
     bool hold(const RecordAddress& record, std::chrono::milliseconds wait);
     void release(const RecordAddress& record);
 
-    /// Takes a record for the running statement. Many separate records of a table grow into the
-    /// whole table's range. @return false when somebody else holds the record (or another of the
-    /// table): conflict() tells which was asked for.
+    /// Locks a record for the running statement. Many separate records of a table are merged into
+    /// one range for the whole table. @return false if another program holds the record (or, then,
+    /// any record of the table); the conflict is remembered for waitForConflict().
     bool tryForStatement(const RecordAddress& record);
-    /// Gives up what the statement took and edit() does not hold.
+    /// Releases the statement's locks that edit() does not hold.
     void endStatement();
 
     const std::optional<RecordAddress>& conflict() const { return m_conflict; }
-    /// Waits until the record of the last conflict is free, or the time comes.
-    /// @return false when the time came.
+    /// Waits until the record of the last conflict is free.
+    /// @return false if the time is over.
     bool waitForConflict(std::chrono::steady_clock::time_point end);
 
     bool beginRun() { return m_file.beginRun(); }
@@ -56,7 +55,7 @@ class RecordLocks {
     bool runGoesOn() { return m_file.runGoesOn(); }
 
   private:
-    /// Locked ranges [first, last] of ids by first, none touching another.
+    /// Locked ranges [first, last] of ids by first; never adjacent.
     struct TableRanges {
         std::map<RecordId, RecordId> ranges;
         bool wholeTable = false;

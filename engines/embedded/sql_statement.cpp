@@ -6,7 +6,7 @@ namespace engines::embedded {
 
 namespace {
 
-// The name behind the colon; empty for a parameter without one.
+// The name after the colon; empty for a parameter without a name.
 QString parameterName(sqlite3_stmt* statement, int index) {
     const char* name = sqlite3_bind_parameter_name(statement, index);
     return name != nullptr ? QString::fromUtf8(name + 1) : QString();
@@ -34,7 +34,7 @@ int bindValue(sqlite3_stmt* statement, int index, const Value& value) {
         case QMetaType::Long:
         case QMetaType::LongLong:
             return sqlite3_bind_int64(statement, index, value.toLongLong());
-        case QMetaType::QDate:  // an invalid one is the empty text
+        case QMetaType::QDate:  // an invalid date becomes the empty text
             return bindText(statement, index,
                             value.toDate().toString(QStringLiteral("yyyy-MM-dd")));
         case QMetaType::QTime:
@@ -66,7 +66,7 @@ EmbeddedSqlStatement::EmbeddedSqlStatement(std::shared_ptr<Connection> connectio
 
 EmbeddedSqlStatement::~EmbeddedSqlStatement() {
     m_connection->transientIndexes().clear();
-    m_connection->giveBack(m_sql, m_statement);
+    m_connection->returnStatement(m_sql, m_statement);
 }
 
 QStringList EmbeddedSqlStatement::parameterNames() const {
@@ -85,7 +85,7 @@ void EmbeddedSqlStatement::bindIndex(qsizetype index, const Value& value) {
 }
 
 void EmbeddedSqlStatement::bind(const QString& name, const Value& value) {
-    // Callers bind in the order of the text, row after row of a run: try the expected place first.
+    // Callers bind in the order of the text, row after row: try the expected index first.
     if (m_distinct && m_nextBind < m_parameters.size() && m_parameters[m_nextBind] == name) {
         bindIndex(m_nextBind++, value);
         return;
@@ -112,7 +112,7 @@ bool EmbeddedSqlStatement::stepOnce() {
         return true;
     if (code == SQLITE_DONE)
         return false;
-    // A failure inside of a table's callbacks says more than SQLite's code.
+    // An exception kept by a callback says more than SQLite's code.
     try {
         m_connection->throwFailure();
         throwSqlite(m_connection->db(), code, QString());
@@ -130,6 +130,8 @@ bool EmbeddedSqlStatement::step() {
         m_atEnd = true;
         return false;
     }
+    if (sqlite3_stmt_busy(m_statement) == 0)
+        m_connection->flushBeforeWait();  // the query may take long
     m_atEnd = !stepOnce();
     return !m_atEnd;
 }

@@ -7,7 +7,7 @@
 
 namespace engines::embedded {
 
-/// A SQL statement behind the engines' common interface; returns to the connection's cache.
+/// A SQL statement of the embedded engine; returned to the connection's cache when destroyed.
 class EmbeddedSqlStatement : public SqlStatement {
   public:
     EmbeddedSqlStatement(std::shared_ptr<Connection> connection, const QString& sql);
@@ -32,8 +32,8 @@ class EmbeddedSqlStatement : public SqlStatement {
     sqlite3_stmt* m_statement;
     std::vector<SqlColumn> m_columns;
     QStringList m_parameters;  // by index, without the colon
-    bool m_distinct = false;   // no two of them are the same name
-    qsizetype m_nextBind = 0;  // where the next parameter of the text is expected
+    bool m_distinct = false;   // all names are different
+    qsizetype m_nextBind = 0;  // index expected by the next bind()
     bool m_atEnd = false;
 };
 

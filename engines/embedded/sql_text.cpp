@@ -6,8 +6,8 @@ namespace engines::embedded {
 
 namespace {
 
-// Place of the last character that is neither blank, semicolon nor comment; -1 when there is none.
-qsizetype lastMeaning(const QString& sql) {
+// Position of the last character that is not blank, semicolon or comment; -1 if there is none.
+qsizetype lastSignificant(const QString& sql) {
     qsizetype last = -1;
     for (qsizetype i = 0; i < sql.size(); ++i) {
         const QChar c = sql[i];
@@ -23,7 +23,7 @@ qsizetype lastMeaning(const QString& sql) {
                 break;
             i = end + 1;
         } else if (c == QLatin1Char('\'') || c == QLatin1Char('"') || c == QLatin1Char('`')) {
-            const qsizetype end = sql.indexOf(c, i + 1);  // a doubled quote begins the next piece
+            const qsizetype end = sql.indexOf(c, i + 1);  // a doubled quote starts the next piece
             if (end < 0)
                 return sql.size() - 1;
             i = last = end;
@@ -44,7 +44,7 @@ QString engineText(const QString& sql) {
     const QRegularExpressionMatch match = top.match(sql);
     if (!match.hasMatch())
         return sql;
-    QString text = sql.left(lastMeaning(sql) + 1);
+    QString text = sql.left(lastSignificant(sql) + 1);
     text.replace(0, match.capturedLength(), match.captured(1));
     return text + QStringLiteral(" LIMIT ") + match.captured(2);
 }

@@ -6,8 +6,8 @@
 
 namespace engines::embedded {
 
-/// The statement as the engine takes it: "select top N ..." (at the statement's beginning) becomes
-/// "select ... LIMIT N", a trailing semicolon goes. Everything else stays as it is.
+/// The statement for SQLite: a leading "select top N ..." becomes "select ... LIMIT N", a trailing
+/// semicolon is removed; otherwise unchanged.
 QString engineText(const QString& sql);
 
 }  // namespace engines::embedded

@@ -10,7 +10,7 @@ namespace engines::embedded {
 
 namespace {
 
-// Shapes of pooled statements: the kind in the low byte, what makes it differ above.
+// Pool codes of statements: the kind in the low byte, its parameters above.
 enum ShapeKind : quint64 {
     kScan = 1,
     kRead,
@@ -40,7 +40,7 @@ StatementLease::StatementLease(StoredTable* table, quint64 shape, Statement stat
 
 StatementLease::~StatementLease() {
     if (m_table != nullptr)
-        m_table->takeBack(m_shape, std::move(m_statement));
+        m_table->returnStatement(m_shape, std::move(m_statement));
 }
 
 StatementLease::StatementLease(StatementLease&& other) noexcept
@@ -86,7 +86,7 @@ void StoredTable::checkStored() const {
     } catch (const DataError& error) {
         if (error.kind() != ErrorKind::NoSuchTable)
             throw;
-        if (number() == 0)  // not listed either
+        if (number() == 0)  // nor in the catalogue
             throw DataError(ErrorKind::NoSuchTable, name(),
                             QStringLiteral("the company has no such table"));
         throw DataError(ErrorKind::Damaged, name(),
@@ -105,7 +105,7 @@ StatementLease StoredTable::lease(quint64 shape, const std::function<QByteArray(
     return StatementLease(this, shape, std::move(statement));
 }
 
-void StoredTable::takeBack(quint64 shape, Statement statement) {
+void StoredTable::returnStatement(quint64 shape, Statement statement) {
     statement.reset();
     m_pool[shape].push_back(std::move(statement));
 }

@@ -18,7 +18,7 @@ namespace engines::embedded {
 class Connection;
 class StoredTable;
 
-/// A statement borrowed from a table's pool; goes back, reset, when the lease ends.
+/// A statement borrowed from a table's pool; returned, reset, by the destructor.
 class StatementLease {
   public:
     StatementLease() = default;
@@ -37,25 +37,25 @@ class StatementLease {
     Statement m_statement;
 };
 
-/// What a scan of a table reads and in which order. Statements of the same shape share a pool.
+/// What a scan reads and in which order. Statements of the same shape share a pool.
 struct ScanShape {
     enum class Bounds {
         None,   ///< whole table
         Range,  ///< parameters 1 and 2: image >= ?1 and image < ?2
-        Equal   ///< parameter 1: image = ?1 (a whole key's)
+        Equal   ///< parameter 1: image = ?1 (of the whole key)
     };
     int key = -1;  ///< -1: by id
     Bounds bounds = Bounds::None;
     bool backward = false;
     bool imageOnly = false;  ///< column 1 is the key's image instead of the record
     bool limited = false;    ///< parameter 3: number of rows
-    bool offset = false;     ///< with limited: parameter 4: rows passed over first
+    bool offset = false;     ///< with limited: parameter 4: rows to skip
 };
 
-/// The stored records of one table on one connection: reading, and the one place that writes them.
+/// The stored records of one table on one connection. All writes go through write().
 class StoredTable {
   public:
-    /// @throws DataError(Damaged) when the stored table is missing or has other keys.
+    /// @throws DataError(Damaged) if the stored table is missing or has other keys.
     StoredTable(Connection& connection, TableDescription description);
     StoredTable(const StoredTable&) = delete;
     StoredTable& operator=(const StoredTable&) = delete;
@@ -71,36 +71,36 @@ class StoredTable {
 
     /// Rows: column 0 the id, column 1 the record (or image).
     StatementLease scan(const ScanShape& shape);
-    /// Records whose image is ?1 and whose id lies above ?2 (backward: below), at most ?3.
+    /// Records with image ?1 and an id above ?2 (backward: below), at most ?3.
     StatementLease scanSameKey(int key, bool backward);
-    /// How many records have an image >= low and < high.
+    /// Number of records with an image >= low and < high.
     qint64 countImages(int key, const QByteArray& low, const QByteArray& high);
-    /// How many records have this image and an id below (`below`) or above the given one.
+    /// Number of records with this image and an id below (`below`) or above the given one.
     qint64 countSameKey(int key, const QByteArray& image, RecordId id, bool below);
-    /// Above every image of a key: an upper bound that bounds nothing.
+    /// Greater than every image of a key.
     const QByteArray& topImage(int key) const { return m_topImages[static_cast<size_t>(key)]; }
 
-    /// The record's bytes; checks their number. @throws DataError(Damaged).
+    /// Returns the record after checking its length. @throws DataError(Damaged).
     QByteArrayView checked(QByteArrayView record) const;
     std::optional<QByteArray> read(RecordId id);
     qint64 count();
-    /// About how many records there are, at the cost of one look.
+    /// Upper estimate of the number of records: the largest id.
     qint64 estimatedCount();
 
-    // Writing: to be called within Connection::write.
-    /// Numbers an auto-increment field that holds 0 (in `record`).
+    // Writing: only within Connection::write.
+    /// Assigns the next number to an auto-increment field that is 0 (in `record`).
     RecordId insert(QByteArray& record);
     void update(RecordId id, const QByteArray& before, const QByteArray& after);
     void remove(RecordId id, const QByteArray& before);
 
-    /// The record as a person knows it: the values of its first key's fields.
+    /// The record for error messages: the values of its first key's fields.
     QString describe(const QByteArray& record) const;
 
   private:
     friend class StatementLease;
 
-    /// Every write of a record, whoever asked for it. No `before`: a new record, whose id is set;
-    /// no `after`: it goes.
+    /// All writes of records. Without `before` the record is inserted and `id` set; without `after`
+    /// it is deleted.
     void write(RecordId& id, const QByteArray* before, const QByteArray* after);
     void writeNew(RecordId& id, const QByteArray& record);
     void writeChange(RecordId id, const QByteArray& before, const QByteArray& after);
@@ -110,7 +110,7 @@ class StoredTable {
 
     void checkStored() const;
     StatementLease lease(quint64 shape, const std::function<QByteArray()>& text);
-    void takeBack(quint64 shape, Statement statement);
+    void returnStatement(quint64 shape, Statement statement);
     QByteArray scanText(const ScanShape& shape) const;
 
     Connection& m_connection;
@@ -123,10 +123,10 @@ class StoredTable {
     std::unordered_map<quint64, std::vector<Statement>> m_pool;
 };
 
-/// The SQL that makes a new company's table: its records and their keys.
+/// SQL that creates a table of a new company, with its indexes.
 std::vector<QByteArray> creationSql(const TableDescription& table);
 
-/// Keeps ids from being used again: the next id of tables whose last record was removed.
+/// Table of next ids, for tables whose last record was deleted: ids are not reused.
 inline constexpr char kIdsTable[] = "zdb_ids";
 
 }  // namespace engines::embedded

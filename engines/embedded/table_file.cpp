@@ -76,7 +76,7 @@ std::vector<StoredRecord> EmbeddedTableFile::next(int key, const StoredRecord& f
     checkKey(key);
     const QByteArray image = m_table.image(key).build(m_table.checked(from.bytes).toByteArray());
     const bool forward = direction == Direction::Forward;
-    // First the rest of the records of the same key, in the order of their ids, then the others.
+    // First the remaining records of the same key in id order, then the following keys.
     StatementLease same = m_table.scanSameKey(key, !forward);
     same->bind(1, image);
     same->bind(2, from.id);
@@ -125,7 +125,7 @@ std::optional<StoredRecord> EmbeddedTableFile::skip(int key,
     }
     RecordId id = 0;
     {
-        // The key alone identifies the record; records passed over are not read.
+        // The key identifies the record; skipped records are not read.
         StatementLease rows =
             m_table.scan({key, ScanShape::Bounds::Range, backward, true, true, true});
         rows->bind(1, low);
@@ -162,7 +162,7 @@ std::optional<StoredRecord> EmbeddedTableFile::visit(int key,
     std::optional<StoredRecord> last;
     RecordId lastId = 0;
     int left = max;
-    // false: it is not to go on.
+    // @return false to stop.
     const auto show = [&](StatementLease rows) {
         while (left > 0 && rows->step()) {
             const QByteArrayView bytes = m_table.checked(rows->blob(1));
@@ -265,8 +265,12 @@ std::optional<StoredRecord> EmbeddedTableFile::get(RecordId id) {
 }
 
 bool EmbeddedTableFile::lock(RecordId id, std::chrono::milliseconds wait) {
-    if (!m_connection->locks().hold({m_table.number(), id}, wait))
-        return false;
+    const RecordAddress record{m_table.number(), id};
+    if (!m_connection->locks().tryHold(record)) {
+        m_connection->flushBeforeWait();
+        if (!m_connection->locks().hold(record, wait))
+            return false;
+    }
     ++m_locked[id].count;
     return true;
 }
@@ -284,7 +288,7 @@ RecordId EmbeddedTableFile::insert(QByteArray& bytes) {
     RecordId id = 0;
     QByteArray record;
     m_connection->write(Connection::WriteUnit::Records, [&] {
-        record = bytes;  // a repeated attempt numbers it anew
+        record = bytes;  // a repeated attempt assigns a new number
         id = m_table.insert(record);
     });
     bytes = record;
@@ -303,7 +307,7 @@ void EmbeddedTableFile::update(RecordId id, const QByteArray& bytes) {
     const auto locked = m_locked.find(id);
     m_connection->write(Connection::WriteUnit::Records, [&] {
         const QByteArray before = stored(id);
-        // The lock keeps other programs out, but not other tables and statements of this one.
+        // The lock excludes other programs, not other tables and statements of this one.
         if (locked != m_locked.end() && !locked->second.seen.isEmpty() &&
             locked->second.seen != before)
             throw DataError(ErrorKind::Engine, m_table.name(),

@@ -8,7 +8,7 @@
 
 namespace engines::embedded {
 
-/// The records of one table behind the engines' common interface.
+/// The embedded engine's TableFile.
 class EmbeddedTableFile : public TableFile {
   public:
     EmbeddedTableFile(std::shared_ptr<Connection> connection, StoredTable& table);
@@ -52,7 +52,7 @@ class EmbeddedTableFile : public TableFile {
     StoredTable& m_table;
     struct Locked {
         int count = 0;
-        QByteArray seen;  // the record as it was last read or written under the lock
+        QByteArray seen;  // the record as last read or written under the lock
     };
     std::map<RecordId, Locked> m_locked;
 };

@@ -13,25 +13,24 @@ namespace engines::embedded {
 
 class StoredTable;
 
-/// The records of a table by the value of a whole-number field that no key has, made for the run of
-/// one statement: a subquery that looks for such a value in a large table once for every row
-/// outside of it then reads the table once. Rows that are looked for only once or twice are found
-/// by reading through the table, without an index.
+/// Index of a table by an integer field without a key, built for one run of a statement: a subquery
+/// that looks up such a field per outer row then reads the table only once. The first lookups read
+/// the table without an index.
 class TransientIndexes {
   public:
     using Entries = std::vector<std::pair<qint64, RecordId>>;  // ascending
 
-    /// Forgets all: to be called whenever a statement begins or ends.
+    /// Drops all indexes: call whenever a statement begins or ends.
     void clear() { m_fields.clear(); }
 
-    /// The index of a field; nullptr as long as it is not worth making. Valid until the statement
-    /// ends or a record is written.
+    /// The index of a field; nullptr while it is not worth building. Valid until the statement ends
+    /// or a record is written.
     const Entries* find(StoredTable& table, int field);
 
   private:
     struct Field {
         int searches = 0;
-        sqlite3_int64 changes = 0;  ///< of the connection when it was made
+        sqlite3_int64 changes = 0;  ///< the connection's change count when built
         bool made = false;
         Entries entries;
     };

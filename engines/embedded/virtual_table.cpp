@@ -8,8 +8,8 @@
 #include "engines/embedded/column_codec.h"
 #include "engines/embedded/connection.h"
 
-// The bridge between SQLite's callbacks and the record tables. Nothing may be thrown through
-// SQLite: a failure is kept in the connection and SQLite gets a code.
+// The bridge between SQLite's callbacks and the record tables. Exceptions must not pass through
+// SQLite: they are kept in the connection and SQLite gets a result code.
 
 namespace engines::embedded {
 
@@ -36,14 +36,14 @@ struct Cursor : sqlite3_vtab_cursor {
     StoredTable* table;
     ScanPlan plan;
     StatementLease rows;
-    // Bounds and images that the statement's parameters point to.
+    // Statement parameters point to these.
     QByteArray low;
     QByteArray high;
     bool atEnd = true;
     RecordId id = 0;
     const uchar* record = nullptr;
-    QByteArray rebuilt;  // of a scan that reads the key alone
-    // Of a scan by a field's value: the ids still to come.
+    QByteArray rebuilt;  // for scans that read only the key
+    // Scans by a field's value: ids left to visit.
     std::vector<RecordId> ids;
     size_t nextId = 0;
 };
@@ -71,7 +71,7 @@ QByteArray messageOf(const std::exception_ptr& failure) {
     }
 }
 
-// The result code that a host returns to its program.
+// Result code that a host returns to its program.
 int codeOf(const std::exception_ptr& failure) {
     try {
         std::rethrow_exception(failure);
@@ -93,7 +93,7 @@ int codeOf(const std::exception_ptr& failure) {
     }
 }
 
-// Runs the body of a callback; what it throws is kept for whoever runs the statement.
+// Runs a callback's body; an exception is kept for the caller of the statement.
 template <typename Body>
 int guarded(sqlite3_vtab* table, Body body) {
     try {
@@ -173,7 +173,7 @@ int advance(Cursor& cursor) {
     return SQLITE_OK;
 }
 
-// The record's bytes of the current row, or as many of them as the key tells.
+// Bytes of the current row's record, or those that the key gives.
 const uchar* currentRecord(Cursor& cursor) {
     if (cursor.record != nullptr)
         return cursor.record;
@@ -200,7 +200,7 @@ const uchar* currentRecord(Cursor& cursor) {
     return bytes;
 }
 
-// The field's value is part of the rebuilt record.
+// Whether the field is restored from the key.
 bool isRebuilt(const Cursor& cursor, int column) {
     const KeyImage& image = cursor.table->image(cursor.plan.key);
     for (size_t i = 0; i < image.segments().size(); ++i) {
@@ -210,8 +210,8 @@ bool isRebuilt(const Cursor& cursor, int column) {
     return false;
 }
 
-// Sets the bounds of the scan from the plan and the values.
-// @return false when no record can satisfy it.
+// Sets the scan's bounds from plan and values.
+// @return false if no record can match.
 bool setBounds(Cursor& cursor, sqlite3_value** values, ScanShape::Bounds& bounds) {
     using Answer = ImageRange::Answer;
     const ScanPlan& plan = cursor.plan;
@@ -258,7 +258,7 @@ bool setBounds(Cursor& cursor, sqlite3_value** values, ScanShape::Bounds& bounds
     return true;
 }
 
-// @return false when there is no index to go by.
+// @return false if there is no index to use.
 bool startByField(Cursor& cursor, sqlite3_value* value) {
     const TransientIndexes::Entries* entries =
         cursor.table->connection().transientIndexes().find(*cursor.table, cursor.plan.field);
@@ -322,7 +322,7 @@ int isAtEnd(sqlite3_vtab_cursor* cursor) {
 
 int readColumn(sqlite3_vtab_cursor* handle, sqlite3_context* context, int column) {
     if (sqlite3_vtab_nochange(context) != 0)
-        return SQLITE_OK;  // an UPDATE leaves this column as it is
+        return SQLITE_OK;  // the UPDATE does not change this column
     return guarded(handle->pVtab, [&] {
         Cursor& cursor = cursorOf(handle);
         const TFieldCacheItem& field = cursor.table->layout().field(column);
@@ -342,8 +342,8 @@ int readId(sqlite3_vtab_cursor* cursor, sqlite3_int64* id) {
     return SQLITE_OK;
 }
 
-// Puts the values of a statement into a record. Bits follow the byte fields that hold them, so that
-// a named bit wins; a column that the statement leaves alone leaves its bytes alone.
+// Writes a statement's values into a record. Bits come after the byte fields that contain them, so
+// that a named bit wins; columns not named keep their bytes.
 template <typename IsGiven>
 void applyValues(const StoredTable& table, QByteArray& record, sqlite3_value** values,
                  IsGiven isGiven) {
@@ -414,7 +414,7 @@ int beginWriting(sqlite3_vtab*) {
     return SQLITE_OK;
 }
 
-// The host's transaction is over, and the locks of its statements with it.
+// The host's transaction has ended: release its statements' locks.
 int endWriting(sqlite3_vtab* table) {
     tableOf(table).connection->locks().endStatement();
     return SQLITE_OK;

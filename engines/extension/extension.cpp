@@ -1,6 +1,6 @@
-// A loadable extension of SQLite: any program of SQLite (its shell, its ODBC driver) that opens a
-// company's database file and loads it sees the company's tables, with the engine's functions,
-// collations and record locks.
+// A loadable SQLite extension: a SQLite program (shell, ODBC driver) that opens a company's
+// database file and loads it can use the company's tables, with the engine's functions, collations
+// and record locks.
 
 #include <sqlite3.h>
 
@@ -9,14 +9,14 @@
 #include "engines/embedded/connection.h"
 #include "engines/embedded/sqlite_names.h"
 
-// The routines' declaration without the macros that would turn every call into one through it.
+// Declared without the macros that redirect every call through it.
 struct sqlite3_api_routines;
 
 namespace {
 
 using engines::embedded::Connection;
 
-// Tells that the extension is there, and owns the connection: SQLite calls the destructor when the
+// Shows that the extension is loaded. Owns the connection: SQLite calls the destructor when the
 // database is closed, after the last statement.
 constexpr char kVersionFunction[] = "zavrecord_version";
 
@@ -24,8 +24,8 @@ void returnVersion(sqlite3_context* context, int, sqlite3_value**) {
     sqlite3_result_int(context, engines::embedded::kFormatVersion);
 }
 
-// Numbers as texts in all their digits, for programs that fetch everything as text: a whole number
-// as "\1I5", a double as "\1R0.1"; anything else as it is.
+// Numbers as texts with all digits, for programs that fetch everything as text: an integer as
+// "\1I5", a double as "\1R0.1"; other values unchanged.
 void returnTagged(sqlite3_context* context, int, sqlite3_value** values) {
     char text[40];
     const auto give = [&](const char* made) {
@@ -82,7 +82,7 @@ extern "C" TV_EXPORT int sqlite3_extension_init(sqlite3* db, char** message,
                                        returnTagged, nullptr, nullptr, nullptr);
         if (tagged != SQLITE_OK)
             engines::embedded::throwSqlite(db, tagged, QString());
-        // Qt does not like to be unloaded.
+        // Qt does not support unloading.
         return SQLITE_OK_LOAD_PERMANENTLY;
     } catch (const std::exception& error) {
         *message = sqlite3_mprintf("%s", error.what());

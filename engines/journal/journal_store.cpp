@@ -165,17 +165,17 @@ std::vector<JournalRun> JournalStore::runs() {
     while (rows.step())
         runs.push_back(decodeHead(rows.integer(0), rows.bytes(1)).run);
     rows.reset();
-    std::optional<bool> goesOn;
+    std::optional<bool> continues;
     for (JournalRun& run : runs) {
         if (run.state != RunState::Running)
             continue;
         run.rows = run.number == m_run ? m_records.count() : countRecords(run.number);
         if (run.number == m_run)
             continue;
-        // a run that another process has resumed is not told from one that it left behind earlier
-        if (!goesOn)
-            goesOn = m_run == 0 && m_runGoesOn();
-        if (!*goesOn)
+        // a run resumed by another process looks the same as one left unfinished earlier
+        if (!continues)
+            continues = m_run == 0 && m_runGoesOn();
+        if (!*continues)
             run.state = RunState::Interrupted;
     }
     return runs;
@@ -201,7 +201,7 @@ qint64 JournalStore::begin(const JournalRun& head,
         removeOld();
         Statement largest(m_db, "SELECT ifnull(max(number), 0) FROM zdb_run", m_fileName);
         largest.step();
-        // a removed run's number is not used again
+        // the number of a removed run is not reused
         const QByteArray removed = note(0, QStringLiteral("largest")).value_or(QByteArray());
         stored.run.number = std::max(largest.integer(0), removed.toLongLong()) + 1;
         stored.run.state = RunState::Running;
@@ -506,19 +506,28 @@ void JournalStore::checkRun(const StoredHead& head, QStringList& problems) {
         });
         if (head.last != 0 && lastEntry(run) != head.last)
             throw damaged(run, "its last entries are missing");
-        Statement names(m_db, "SELECT name FROM zdb_note WHERE run = ?1", m_fileName);
-        names.bind(1, run);
-        while (names.step())
-            note(run, names.text(0));
+        checkNotes(run);
     } catch (const DataError& error) {
         problems += error.english();
     }
+}
+
+void JournalStore::checkNotes(qint64 run) {
+    Statement names(m_db, "SELECT name FROM zdb_note WHERE run = ?1", m_fileName);
+    names.bind(1, run);
+    while (names.step())
+        note(run, names.text(0));
 }
 
 QStringList JournalStore::check() {
     QStringList problems;
     if (!exists())
         return problems;
+    try {
+        checkNotes(0);
+    } catch (const DataError& error) {
+        problems += error.english();
+    }
     std::vector<std::pair<qint64, QByteArray>> heads;
     Statement rows(m_db, "SELECT number, head FROM zdb_run ORDER BY number", m_fileName);
     while (rows.step())

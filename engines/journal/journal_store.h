@@ -15,17 +15,15 @@ namespace engines::journal {
 using sqlite::Statement;
 
 /// The run journal as tables of a SQLite database:
-///
 ///     zdb_run(number, head)       a run's head as CBOR with a check sum
-///     zdb_table(place, entry)     the tables that it changed, under run * 2^32 + number
+///     zdb_table(place, entry)     tables that it changed, under run * 2^32 + number
 ///     zdb_change(place, entry)    its entries (entry_codec.h), under run * 2^32 + seq
 ///     zdb_note(run, name, value, checksum)
-///
-/// The engine opens the database, tells this class what it writes and when that is stored.
+/// The engine opens the database and reports writes and commits to this class.
 class JournalStore : public RunJournal {
   public:
-    /// `onCreation`: SQL that runs when the tables are made, in the same transaction. `runGoesOn`:
-    /// whether another process is in a run.
+    /// `onCreation`: SQL to run when the tables are created, in the same transaction. `runGoesOn`:
+    /// whether another process has a run in progress.
     JournalStore(sqlite3* db, QString fileName, QByteArray onCreation,
                  std::function<bool()> runGoesOn);
     ~JournalStore() override;
@@ -50,16 +48,20 @@ class JournalStore : public RunJournal {
     void setNote(qint64 run, const QString& name, const QByteArray& value) override;
     QStringList check() override;
 
-    /// Stores the entry of a change, in the transaction that changes the record. An update that
-    /// changes nothing is no entry. `before` empty: an insert; `after` empty: a delete.
-    /// To be called only while recording().
+    /// Stores the entry of a change, in the transaction that changes the record. An update without
+    /// a difference adds no entry. `before` empty: an insert; `after` empty: a delete.
+    /// Only while recording().
     void record(const RecordLayout& layout, const std::vector<KeyDef>& keys, RecordId id,
                 const QByteArray* before, const QByteArray* after);
-    /// What was recorded since the last call is stored, or undone with its transaction.
+    /// Stops recording as if the process had died: the run stays Running.
+    void suspend() { stopRecording(); }
+
+    /// The changes recorded since the last call are committed, or rolled back with their
+    /// transaction.
     void stored();
     void undone();
 
-    /// The tables' names, for the engine's list of what its files may hold.
+    /// Names of the tables, which the engine's files may contain.
     static QStringList tableNames();
 
   private:
@@ -88,6 +90,7 @@ class JournalStore : public RunJournal {
     void removeOld();
     void removeRun(qint64 run);
     qint64 countRecords(qint64 run);
+    void checkNotes(qint64 run);
     void checkRun(const StoredHead& head, QStringList& problems);
 
     sqlite3* m_db;
@@ -96,11 +99,11 @@ class JournalStore : public RunJournal {
     std::function<bool()> m_runGoesOn;
     bool m_exists = false;
 
-    qint64 m_run = 0;  // that records
+    qint64 m_run = 0;  // run being recorded
     qint64 m_origin = 0;
     qint64 m_next = 1;
     qint64 m_storedNext = 1;
-    std::vector<JournalTable> m_tables;  // of the recording run
+    std::vector<JournalTable> m_tables;  // of the run being recorded
     size_t m_storedTables = 0;
     QHash<QString, std::shared_ptr<Recorded>> m_recorded;  // by upper-case name
     IdSets m_records;

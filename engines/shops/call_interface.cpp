@@ -22,7 +22,7 @@ constexpr char kCallName[] = "BTRCALLID";
 
 }  // namespace
 
-QStringList CallLibrary::usualNames() {
+QStringList CallLibrary::defaultNames() {
 #if defined(Q_OS_WIN64)
     return {QStringLiteral("w64btrv.dll")};
 #elif defined(Q_OS_WIN)
@@ -41,7 +41,7 @@ bool CallLibrary::resolve() {
 
 std::shared_ptr<const CallLibrary> CallLibrary::load(const QString& library,
                                                      const QString& company) {
-    const QStringList names = library.isEmpty() ? usualNames() : QStringList(library);
+    const QStringList names = library.isEmpty() ? defaultNames() : QStringList(library);
     QString reason;
     for (const QString& name : names) {
         const std::shared_ptr<CallLibrary> loaded(new CallLibrary(name));

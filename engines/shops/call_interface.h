@@ -86,12 +86,12 @@ class CallLibrary {
     /// The setting that selects another library, for messages.
     static constexpr char kSetting[] = "Engine/ClientLibrary";
 
-    /// Loads `library` (a name or a path); if empty, the first of usualNames() found.
+    /// Loads `library` (a name or a path); if empty, the first of defaultNames() found.
     /// @throws DataError(NoConnection) for `company`, with the names tried.
     static std::shared_ptr<const CallLibrary> load(const QString& library, const QString& company);
 
     /// The library's names on this platform.
-    static QStringList usualNames();
+    static QStringList defaultNames();
 
     /// Makes one call. `length`: of the data buffer, in and out. The key buffer has kKeyBufferSize
     /// bytes.

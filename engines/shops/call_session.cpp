@@ -11,8 +11,8 @@ namespace engines::shops {
 namespace {
 
 // The client id: twelve zeros, two letters of the program, a number of the session.
-constexpr int kAgentPlace = 12;
-constexpr int kNumberPlace = 14;
+constexpr int kAgentOffset = 12;
+constexpr int kNumberOffset = 14;
 constexpr std::array<char, 2> kAgent{'T', 'V'};
 
 constexpr qsizetype kVersionBlockSize = 5;  // version and revision as words, a letter
@@ -21,9 +21,9 @@ constexpr qsizetype kVersionBlocks = 3;
 std::array<char, kClientIdSize> newClientId() {
     static std::atomic<quint16> last{0};
     std::array<char, kClientIdSize> id{};
-    id[kAgentPlace] = kAgent[0];
-    id[kAgentPlace + 1] = kAgent[1];
-    qToLittleEndian<quint16>(++last, id.data() + kNumberPlace);
+    id[kAgentOffset] = kAgent[0];
+    id[kAgentOffset + 1] = kAgent[1];
+    qToLittleEndian<quint16>(++last, id.data() + kNumberOffset);
     return id;
 }
 
@@ -58,7 +58,7 @@ CallSession::CallSession(const QString& company, const QString& library,
     : m_library(CallLibrary::load(library, company)),
       m_clientId(newClientId()),
       m_callLimit(callLimit) {
-    askVersion(company, connectLimit);
+    queryVersion(company, connectLimit);
 }
 
 CallSession::~CallSession() {
@@ -91,7 +91,7 @@ bool CallSession::run(const std::shared_ptr<Call>& call, std::chrono::millisecon
     return done;
 }
 
-void CallSession::askVersion(const QString& company, std::chrono::milliseconds limit) {
+void CallSession::queryVersion(const QString& company, std::chrono::milliseconds limit) {
     auto call = std::make_shared<Call>();
     call->operation = kVersion;
     call->data = QByteArray(kVersionBlockSize * kVersionBlocks, '\0');

@@ -49,7 +49,7 @@ class CallSession {
   private:
     struct Call;
     bool run(const std::shared_ptr<Call>& call, std::chrono::milliseconds limit);
-    void askVersion(const QString& company, std::chrono::milliseconds limit);
+    void queryVersion(const QString& company, std::chrono::milliseconds limit);
 
     std::shared_ptr<const CallLibrary> m_library;
     std::array<char, kClientIdSize> m_clientId{};

@@ -21,7 +21,7 @@ constexpr Dialect kShops{
     .top = Top::Kept,
     .whole = Whole::Bigint,
     .quotesDollarNames = false,
-    .roundsItsOwnWay = false,
+    .roundingDiffers = false,
     .emptyDateIsNull = false,
     .describesParameters = false,
     .taggedResults = false,
@@ -42,7 +42,7 @@ constexpr Dialect kVirtuoso{
     .top = Top::Kept,
     .whole = Whole::WideLong,
     .quotesDollarNames = true,
-    .roundsItsOwnWay = true,
+    .roundingDiffers = true,
     .emptyDateIsNull = true,
     .describesParameters = true,
     .taggedResults = false,
@@ -61,7 +61,7 @@ constexpr Dialect kMariaDb{
     .top = Top::Limit,
     .whole = Whole::Bigint,
     .quotesDollarNames = false,
-    .roundsItsOwnWay = true,
+    .roundingDiffers = true,
     .emptyDateIsNull = true,
     .describesParameters = false,
     .taggedResults = false,
@@ -81,7 +81,7 @@ constexpr Dialect kSqlite{
     .top = Top::Limit,
     .whole = Whole::Bigint,
     .quotesDollarNames = false,
-    .roundsItsOwnWay = false,
+    .roundingDiffers = false,
     .emptyDateIsNull = false,
     .describesParameters = false,
     .taggedResults = true,
@@ -255,8 +255,8 @@ RewrittenSql Dialect::rewritten(const QString& sql,
     dropEnd(tokens);
     if (top == Top::Limit)
         topToLimit(tokens);
-    if (roundsItsOwnWay)
-        spellOutRounding(tokens);
+    if (roundingDiffers)
+        expandRounding(tokens);
     if (losesRows)
         keepOrderOfTables(tokens);
     QList<bool> dates(tokens.size());

@@ -31,7 +31,7 @@ struct Dialect {
     Top top;                   ///< "select top N" or "... LIMIT N"
     Whole whole;               ///< integers as SQL_C_SBIGINT, or as a 64-bit SQL_C_SLONG
     bool quotesDollarNames;    ///< x$file must be quoted
-    bool roundsItsOwnWay;      ///< round() and floor() differ: expand them
+    bool roundingDiffers;      ///< round() and floor() differ: expand them
     bool emptyDateIsNull;      ///< date columns hold NULL for the empty date
     bool describesParameters;  ///< and accepts no text for dates and times
     bool taggedResults;        ///< doubles lose digits: see taggedQuery()

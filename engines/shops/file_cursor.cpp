@@ -19,9 +19,9 @@ constexpr int kRequestSize = 16;
 constexpr char kFromNext[] = "EG";
 constexpr char kFromCurrent[] = "UC";
 // Result: number of records; for each its length, address and bytes.
-constexpr int kAnswerHead = 2;
-constexpr int kRecordHead = 6;
-constexpr int kMostAnswer = 32000;
+constexpr int kAnswerHeaderSize = 2;
+constexpr int kRecordHeaderSize = 6;
+constexpr int kMaxAnswerSize = 32000;
 
 QByteArray readManyRequest(bool withCurrent, int count, int length) {
     QByteArray request(kRequestSize, '\0');
@@ -87,7 +87,7 @@ FileStat FileCursor::stat() {
 }
 
 int FileCursor::read(int operation, const QByteArray& key, int keyNumber, QByteArray& record) {
-    record = QByteArray(m_recordRoom, '\0');
+    record = QByteArray(m_recordCapacity, '\0');
     if (!key.isEmpty())
         m_key = key;
     return call(operation, record, m_key, keyNumber);
@@ -106,32 +106,33 @@ int FileCursor::position(RecordId& id) {
 }
 
 int FileCursor::direct(RecordId id, int keyNumber, QByteArray& record, int bias) {
-    record = QByteArray(std::max(m_recordRoom, kPositionSize), '\0');
+    record = QByteArray(std::max(m_recordCapacity, kPositionSize), '\0');
     qToLittleEndian(static_cast<quint32>(id), record.data());
     return call(kGetDirect + bias, record, m_key, keyNumber);
 }
 
-int FileCursor::mostAtOnce(int length) {
-    return (kMostAnswer - kAnswerHead) / (length + kRecordHead);
+int FileCursor::maxRecordsPerCall(int length) {
+    return (kMaxAnswerSize - kAnswerHeaderSize) / (length + kRecordHeaderSize);
 }
 
 int FileCursor::readMany(Direction direction, int keyNumber, bool withCurrent, int count,
                          int length, std::vector<StoredRecord>& found) {
     QByteArray data = readManyRequest(withCurrent, count, length);
-    data.resize(std::max<qsizetype>(kRequestSize, kAnswerHead + count * (length + kRecordHead)),
-                '\0');
+    data.resize(
+        std::max<qsizetype>(kRequestSize, kAnswerHeaderSize + count * (length + kRecordHeaderSize)),
+        '\0');
     const int status =
         call(direction == Direction::Forward ? kGetNextExtended : kGetPreviousExtended, data, m_key,
              keyNumber);
     if (status != kOk && status != kEndOfFile && status != kRejectCountReached &&
         status != kFilterLimitReached)
         return status;
-    if (data.size() < kAnswerHead)
+    if (data.size() < kAnswerHeaderSize)
         return status;
     const int answered = qFromLittleEndian<quint16>(data.constData());
-    qsizetype place = kAnswerHead;
+    qsizetype place = kAnswerHeaderSize;
     for (int i = 0; i < answered; ++i) {
-        const qsizetype bytes = place + kRecordHead;
+        const qsizetype bytes = place + kRecordHeaderSize;
         if (i >= count || bytes > data.size() ||
             qFromLittleEndian<quint16>(data.constData() + place) != length ||
             bytes + length > data.size())

@@ -29,7 +29,7 @@ class FileCursor {
     FileStat stat();
 
     /// Sets the read buffer's size: the longest record for files of variable length.
-    void setRecordRoom(int bytes) { m_recordRoom = bytes; }
+    void setRecordCapacity(int bytes) { m_recordCapacity = bytes; }
 
     /// Runs a read operation, with a lock bias if any: by `key`, or from the current record if
     /// `key` is empty. `record` gets the bytes read.
@@ -44,7 +44,7 @@ class FileCursor {
     int readMany(Direction direction, int keyNumber, bool withCurrent, int count, int length,
                  std::vector<StoredRecord>& found);
     /// Most records of that length in one such call.
-    static int mostAtOnce(int length);
+    static int maxRecordsPerCall(int length);
 
     /// The new record becomes current.
     int insert(const QByteArray& record);
@@ -60,7 +60,7 @@ class FileCursor {
     QString m_table;
     std::shared_ptr<PositionBlock> m_block = std::make_shared<PositionBlock>();
     QByteArray m_key;  // key buffer after the last read; the next one needs it
-    int m_recordRoom = 0;
+    int m_recordCapacity = 0;
 };
 
 }  // namespace engines::shops

@@ -13,16 +13,16 @@ namespace {
 // File description: record length, page size, number of keys (words), number of records (32
 // bits), file flags (word), four bytes more.
 constexpr int kFileDescriptionSize = 16;
-constexpr int kKeyCountPlace = 4;
-constexpr int kRecordCountPlace = 6;
-constexpr int kFileFlagsPlace = 10;
+constexpr int kKeyCountOffset = 4;
+constexpr int kRecordCountOffset = 6;
+constexpr int kFileFlagsOffset = 10;
 // Key segment: position, length, flags (words), number of values (32
 // bits), type, null value, two bytes more, key number, number of its collating sequence.
 constexpr int kKeySegmentSize = 16;
-constexpr int kKeyFlagsPlace = 4;
-constexpr int kKeyTypePlace = 10;
-constexpr int kKeyNumberPlace = 14;
-constexpr int kCollationPlace = 15;
+constexpr int kKeyFlagsOffset = 4;
+constexpr int kKeyTypeOffset = 10;
+constexpr int kKeyNumberOffset = 14;
+constexpr int kCollationOffset = 15;
 // Collating sequence: a signature, its name, the weights.
 constexpr int kCollationSize = 265;
 constexpr int kCollationNameSize = 8;
@@ -72,9 +72,9 @@ class StatReader {
         if (m_bytes.size() < kFileDescriptionSize)
             damaged(m_table, QStringLiteral("only %1 bytes").arg(m_bytes.size()));
         m_stat.recordLength = wordAt(m_bytes, 0);
-        m_stat.recordCount = qFromLittleEndian<quint32>(m_bytes.constData() + kRecordCountPlace);
-        m_stat.variableLength = (wordAt(m_bytes, kFileFlagsPlace) & kVariableLength) != 0;
-        const int keys = wordAt(m_bytes, kKeyCountPlace);
+        m_stat.recordCount = qFromLittleEndian<quint32>(m_bytes.constData() + kRecordCountOffset);
+        m_stat.variableLength = (wordAt(m_bytes, kFileFlagsOffset) & kVariableLength) != 0;
+        const int keys = wordAt(m_bytes, kKeyCountOffset);
         if (keys > kMaxKeys)
             damaged(m_table, QStringLiteral("%1 keys").arg(keys));
         readKeys(keys);
@@ -101,17 +101,17 @@ class StatReader {
 
     // @return true if another segment of the key follows.
     bool readSegment(KeyStat& key) {
-        const int flags = wordAt(m_bytes, m_place + kKeyFlagsPlace);
+        const int flags = wordAt(m_bytes, m_place + kKeyFlagsOffset);
         SegmentStat segment;
         segment.offset = wordAt(m_bytes, m_place) - 1;
         segment.length = wordAt(m_bytes, m_place + 2);
         segment.descending = (flags & kDescending) != 0;
         if ((flags & kExtendedType) != 0)
-            segment.type = static_cast<uchar>(m_bytes[m_place + kKeyTypePlace]);
+            segment.type = static_cast<uchar>(m_bytes[m_place + kKeyTypeOffset]);
         else
             segment.type = static_cast<int>((flags & kBinary) != 0 ? Storage::UnsignedBinary
                                                                    : Storage::String);
-        key.number = static_cast<uchar>(m_bytes[m_place + kKeyNumberPlace]);
+        key.number = static_cast<uchar>(m_bytes[m_place + kKeyNumberOffset]);
         key.duplicates = (flags & kDuplicates) != 0;
         key.byAddress = (flags & kRepeatingDuplicates) != 0;
         key.length += segment.length;
@@ -124,7 +124,7 @@ class StatReader {
                                  .arg(segment.offset));
         // Both flags may mark a numbered collating sequence.
         m_collations.push_back((flags & kCollated) != 0
-                                   ? static_cast<uchar>(m_bytes[m_place + kCollationPlace])
+                                   ? static_cast<uchar>(m_bytes[m_place + kCollationOffset])
                                    : kNoCollation);
         if ((flags & kCollated) == 0 && (flags & kNoCase) != 0 && isText(segment.type))
             segment.weights = upperCaseWeights();

@@ -28,7 +28,7 @@ void ignoreBrokenConnections() {
 
 // Shared between the two threads. The worker owns the contents while it has a job, the caller
 // otherwise.
-struct GuardedThread::Desk {
+struct GuardedThread::Shared {
     std::mutex mutex;
     std::condition_variable changed;
     bool isGiven = false;
@@ -47,23 +47,23 @@ struct GuardedThread::Desk {
 };
 
 GuardedThread::GuardedThread()
-    : m_desk(std::make_shared<Desk>()), m_thread([desk = m_desk] { work(desk); }) {}
+    : m_shared(std::make_shared<Shared>()), m_thread([shared = m_shared] { work(shared); }) {}
 
 GuardedThread::~GuardedThread() {
     if (m_abandoned)
         return;
-    m_desk->give(nullptr);
+    m_shared->give(nullptr);
     m_thread.join();
 }
 
-void GuardedThread::work(const std::shared_ptr<Desk>& desk) {
+void GuardedThread::work(const std::shared_ptr<Shared>& shared) {
     ignoreBrokenConnections();
-    std::unique_lock lock(desk->mutex);
+    std::unique_lock lock(shared->mutex);
     for (;;) {
-        desk->changed.wait(lock, [&desk] { return desk->isGiven; });
-        if (!desk->job)
+        shared->changed.wait(lock, [&shared] { return shared->isGiven; });
+        if (!shared->job)
             return;
-        std::function<void()> job = std::exchange(desk->job, nullptr);
+        std::function<void()> job = std::exchange(shared->job, nullptr);
         lock.unlock();
         std::exception_ptr failure;
         try {
@@ -71,27 +71,27 @@ void GuardedThread::work(const std::shared_ptr<Desk>& desk) {
         } catch (...) {
             failure = std::current_exception();
         }
-        job = nullptr;  // what it holds may call the driver when it goes
+        job = nullptr;  // destroying what it owns may call the driver
         lock.lock();
-        desk->failure = std::exchange(failure, nullptr);
-        desk->isGiven = desk->isAbandoned;
-        desk->changed.notify_all();
+        shared->failure = std::exchange(failure, nullptr);
+        shared->isGiven = shared->isAbandoned;
+        shared->changed.notify_all();
     }
 }
 
 bool GuardedThread::run(std::function<void()> job, std::chrono::milliseconds limit) {
     if (m_abandoned)
         return false;
-    m_desk->give(std::move(job));
-    std::unique_lock lock(m_desk->mutex);
-    if (!m_desk->changed.wait_for(lock, limit, [this] { return !m_desk->isGiven; })) {
+    m_shared->give(std::move(job));
+    std::unique_lock lock(m_shared->mutex);
+    if (!m_shared->changed.wait_for(lock, limit, [this] { return !m_shared->isGiven; })) {
         m_abandoned = true;
-        m_desk->isAbandoned = true;
+        m_shared->isAbandoned = true;
         m_thread.detach();
         return false;
     }
-    if (m_desk->failure)
-        std::rethrow_exception(std::exchange(m_desk->failure, nullptr));
+    if (m_shared->failure)
+        std::rethrow_exception(std::exchange(m_shared->failure, nullptr));
     return true;
 }
 

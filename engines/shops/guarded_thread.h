@@ -26,10 +26,10 @@ class GuardedThread {
     bool isAbandoned() const { return m_abandoned; }
 
   private:
-    struct Desk;
-    static void work(const std::shared_ptr<Desk>& desk);
+    struct Shared;
+    static void work(const std::shared_ptr<Shared>& shared);
 
-    std::shared_ptr<Desk> m_desk;
+    std::shared_ptr<Shared> m_shared;
     std::thread m_thread;
     bool m_abandoned = false;
 };

@@ -12,7 +12,7 @@ namespace engines::shops {
 
 namespace {
 
-constexpr int kTypeCurrency = 19;  // a signed whole number
+constexpr int kTypeCurrency = 19;  // a signed integer
 
 template <typename T>
 int order(const T& left, const T& right) {
@@ -58,9 +58,9 @@ int compareText(const SegmentStat& segment, const uchar* left, int leftLength, c
     return order(leftLength, rightLength);
 }
 
-int lengthOfZString(const uchar* bytes, int room) {
-    const void* end = std::memchr(bytes, 0, static_cast<size_t>(room));
-    return end == nullptr ? room : static_cast<int>(static_cast<const uchar*>(end) - bytes);
+int lengthOfZString(const uchar* bytes, int capacity) {
+    const void* end = std::memchr(bytes, 0, static_cast<size_t>(capacity));
+    return end == nullptr ? capacity : static_cast<int>(static_cast<const uchar*>(end) - bytes);
 }
 
 int compareSegment(const SegmentStat& segment, const uchar* left, const uchar* right) {
@@ -133,7 +133,7 @@ void fillSegment(const SegmentStat& segment, bool high, uchar* out) {
             break;
         case Storage::Date:
             std::memset(out, 0, size);
-            if (high && length == 4) {  // a date still, for engines that look
+            if (high && length == 4) {  // a valid date, in case the engine checks
                 out[0] = 31;
                 out[1] = 12;
                 qToLittleEndian<quint16>(9999, out + 2);

@@ -14,7 +14,7 @@
 #include "engines/data_names.h"
 #include "engines/shops/dialect.h"
 
-/// Calls of the driver manager: all go through odbcCall(), all failures through diagnose().
+/// Calls of the driver manager go through odbcCall(), failures through diagnose().
 namespace engines::shops {
 
 /// Diagnostics of a handle's last call.
@@ -35,7 +35,7 @@ void setOdbcTraced(bool on);
 void traceOdbc(const char* function, SQLRETURN code, qint64 microseconds);
 void traceOdbc(const QString& text);
 
-/// Calls a function of the driver manager by the tracing switch.
+/// Calls a function of the driver manager; traces it if tracing is on.
 template <typename... Parameters, typename... Arguments>
 SQLRETURN odbcCall(const char* name, SQLRETURN(SQL_API* function)(Parameters...),
                    Arguments... arguments) {

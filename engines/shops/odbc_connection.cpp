@@ -85,7 +85,7 @@ std::shared_ptr<PreparedOdbc> OdbcLink::prepare(const QString& sql) {
     return statement;
 }
 
-void OdbcLink::giveBack(std::shared_ptr<PreparedOdbc> statement) {
+void OdbcLink::returnStatement(std::shared_ptr<PreparedOdbc> statement) {
     if (!statement || !m_session || &statement->handles() != m_session->handles().get() ||
         m_session->isLost())
         return;
@@ -146,15 +146,15 @@ void OdbcLink::inTransaction(const std::function<void()>& body) {
         try {
             end(false);
         } catch (const DataError& error) {
-            traceOdbc(error.english());  // a lost connection takes its transaction along
+            traceOdbc(error.english());  // a lost connection rolls back its transaction
         }
         throw;
     }
     end(true);
 }
 
-// Roll back first: switching to autocommit would commit. A session that fails here is not used
-// again: its next statements would be part of a transaction that never ends.
+// Roll back first: switching to autocommit would commit. If this fails the session is abandoned,
+// because its next statements would belong to the old transaction.
 void OdbcLink::leaveTransaction() {
     if (m_session->isLost())
         return;

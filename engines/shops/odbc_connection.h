@@ -11,53 +11,52 @@
 
 namespace engines::shops {
 
-/// How a data source is reached. No user name is given unless one is set: the data source's own
-/// settings supply it.
+/// Connection settings of a data source. Without a user name the data source's own settings apply.
 struct OdbcSettings {
     QString dataSource;
     QString userName;
     QString password;
-    QString attributes;  ///< more of the connection string: "KEY=VALUE;KEY=VALUE"
-    /// An attempt to connect ends in an error after this time, whatever the driver does.
+    QString attributes;  ///< added to the connection string: "KEY=VALUE;KEY=VALUE"
+    /// Time limit of a connection attempt, enforced whatever the driver does.
     std::chrono::milliseconds connectLimit{15000};
-    /// The same for one statement or one part of its result; the connection is lost then.
+    /// Time limit of one statement or one fetch; after it the connection is lost.
     std::chrono::milliseconds statementLimit{60000};
 };
 
 class OdbcLink;
 
-/// One connection to a SQL database over the ODBC driver manager. A connection that is lost is told
-/// by the statement that met it (DataError NoConnection); the next statement connects anew. A
-/// statement is sent again only when a lock refused it and it has changed nothing. For one thread.
+/// One connection to a SQL database over the ODBC driver manager. If the connection is lost, the
+/// current statement fails (DataError NoConnection) and the next one reconnects. A statement is
+/// only repeated if a lock refused it before it changed anything. Not thread-safe.
 class OdbcConnection {
   public:
-    /// @throws DataError(NoConnection) with the driver manager's or the driver's text.
+    /// @throws DataError(NoConnection) with the message of the driver or driver manager.
     static std::unique_ptr<OdbcConnection> connect(const OdbcSettings& settings);
     ~OdbcConnection();
     OdbcConnection(const OdbcConnection&) = delete;
     OdbcConnection& operator=(const OdbcConnection&) = delete;
 
-    /// A statement with named parameters; its rows hold the values that the embedded engine gives.
-    /// A short cache keeps prepared statements by text. May outlive the connection, closed then.
+    /// A statement with named parameters; its rows have the same values as the embedded engine's.
+    /// Prepared statements are cached by text. May outlive the connection, and is closed then.
     /// @throws DataError(Syntax, NoSuchTable, NoSuchField, NoConnection ...).
     std::unique_ptr<SqlStatement> prepare(const QString& sql);
 
     /// As Database::inTransaction.
     void inTransaction(const std::function<void()>& body);
 
-    /// What is peculiar to the engine that the data source names.
+    /// The dialect of the data source's engine.
     const Dialect& dialect() const;
 
-    /// How long a statement waits for a lock; default 2000 ms. A server that waits by itself and
-    /// cannot be told how long waits to the statement's limit.
+    /// How long a statement waits for a lock; default 2000 ms. Servers whose lock wait cannot be
+    /// set wait until the statement's time limit.
     void setLockWait(std::chrono::milliseconds wait);
 
-    /// Called before each statement that returns no rows when the dialect says that record locks of
-    /// the client library stop the same program's SQL (Dialect::recordLocksStopSql).
+    /// Called before each statement that returns no rows if the client library's record locks block
+    /// this program's SQL (Dialect::recordLocksStopSql).
     void setBeforeWrite(std::function<void()> hook);
 
-    /// Every call into a driver goes to the debugger output: name, outcome, microseconds; with the
-    /// texts of statements. For all connections of the process.
+    /// Traces every driver call to the debug output: name, result, microseconds, statement texts.
+    /// For all connections of the process.
     static void setTracing(bool on);
 
   private:

@@ -11,20 +11,19 @@
 
 namespace engines::shops {
 
-/// The driver manager's handles of one connection. Statements on it may outlive its session; it is
-/// closed by then, and theirs with it.
+/// Driver manager handles of one connection. Statements may outlive their session; connection and
+/// statement handles are freed by then.
 struct OdbcHandles {
     OdbcHandles() = default;
     ~OdbcHandles();
     OdbcHandles(const OdbcHandles&) = delete;
     OdbcHandles& operator=(const OdbcHandles&) = delete;
 
-    /// Disconnects, which frees the handles of statements as well, and marks the connection as
-    /// lost.
+    /// Disconnects, which also frees the statement handles, and marks the connection as lost.
     void close();
 
-    /// Throws the DataError of the last call on a handle; a connection that is gone is marked.
-    /// `where` names the statement or data source.
+    /// Throws the DataError of a handle's last call; marks a lost connection. `where`: statement or
+    /// data source.
     [[noreturn]] void fail(SQLSMALLINT handleType, SQLHANDLE handle, const QString& where);
 
     SQLHENV environment = SQL_NULL_HENV;
@@ -32,11 +31,11 @@ struct OdbcHandles {
     bool isConnected = false;
     const Dialect* dialect = nullptr;
     std::atomic<bool> isLost{false};
-    /// A call never came back: the driver is inside of it, and no handle may be touched again.
+    /// A call never returned: the driver is still inside it, so no handle may be used.
     std::atomic<bool> isAbandoned{false};
 };
 
-/// One time connected: from the attempt to the loss of the connection or its end.
+/// One connection, from the attempt to connect to its loss or end.
 class OdbcSession {
   public:
     /// @throws DataError(NoConnection).
@@ -48,11 +47,11 @@ class OdbcSession {
     const std::shared_ptr<OdbcHandles>& handles() const { return m_handles; }
     bool isLost() const { return m_handles->isLost; }
 
-    /// Runs a job that calls the driver; it holds all that it touches. @throws what the job throws,
-    /// and DataError(NoConnection) when the limit is over: then the session is lost.
+    /// Runs a job that calls the driver; the job owns everything it uses. @throws what the job
+    /// throws, and DataError(NoConnection) at the time limit: the session is lost then.
     void guarded(std::function<void()> job, std::chrono::milliseconds limit, const QString& where);
 
-    /// Runs a statement of the dialect's own.
+    /// Runs one of the dialect's own statements.
     void execute(const QByteArray& sql);
     void setAutoCommit(bool on);
     /// Ends a transaction.

@@ -19,7 +19,7 @@ OdbcStatement::OdbcStatement(std::shared_ptr<OdbcLink> link, const QString& sql)
 }
 
 OdbcStatement::~OdbcStatement() {
-    m_link->giveBack(std::move(m_prepared));
+    m_link->returnStatement(std::move(m_prepared));
 }
 
 QStringList OdbcStatement::parameterNames() const {
@@ -32,7 +32,7 @@ QStringList OdbcStatement::parameterNames() const {
 }
 
 void OdbcStatement::bind(const QString& name, const Value& value) {
-    // Callers bind in the order of the text: try the expected place first.
+    // Callers bind in the order of the text: try the expected index first.
     const QStringList& names = m_prepared->rewritten().parameters;
     if (m_distinct && m_nextBind < m_values.size() &&
         names[static_cast<qsizetype>(m_nextBind)] == name) {
@@ -62,7 +62,7 @@ qint64 OdbcStatement::run(bool fetches) {
         return runOnce(fetches);
     if (m_link->beforeWrite)
         m_link->beforeWrite();
-    // Such an engine reports a locked record at once, and the statement has changed nothing.
+    // Such an engine reports a locked record immediately, before it changes anything.
     const auto end = std::chrono::steady_clock::now() + m_link->lockWait();
     for (;;) {
         try {

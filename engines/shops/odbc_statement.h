@@ -10,8 +10,8 @@
 
 namespace engines::shops {
 
-/// What the statements of a connection share: the session of the moment, the cache of prepared
-/// statements, the open transaction.
+/// Shared by a connection's statements: the current session, the cache of prepared statements, the
+/// open transaction.
 class OdbcLink {
   public:
     explicit OdbcLink(OdbcSettings settings);
@@ -19,10 +19,10 @@ class OdbcLink {
     OdbcLink(const OdbcLink&) = delete;
     OdbcLink& operator=(const OdbcLink&) = delete;
 
-    /// A statement of the present session, from the cache when it was prepared before; connects
-    /// anew when the connection was lost. giveBack() returns it.
+    /// A statement of the current session, cached or newly prepared; reconnects if the connection
+    /// was lost. Give it back with returnStatement().
     std::shared_ptr<PreparedOdbc> prepare(const QString& sql);
-    void giveBack(std::shared_ptr<PreparedOdbc> statement);
+    void returnStatement(std::shared_ptr<PreparedOdbc> statement);
 
     /// Runs a job on the statement's session within the statement time limit.
     void guarded(const PreparedOdbc& statement, std::function<void()> job);
@@ -57,7 +57,7 @@ class OdbcLink {
     bool m_isClosed = false;
 };
 
-/// A SQL statement behind the engines' common interface; returns to the connection's cache.
+/// A SQL statement over ODBC; returned to the connection's cache when destroyed.
 class OdbcStatement : public SqlStatement {
   public:
     OdbcStatement(std::shared_ptr<OdbcLink> link, const QString& sql);
@@ -81,7 +81,7 @@ class OdbcStatement : public SqlStatement {
     QString m_sql;
     std::shared_ptr<PreparedOdbc> m_prepared;
     std::vector<Value> m_values;
-    size_t m_nextBind = 0;  // expected place of the next parameter
+    size_t m_nextBind = 0;  // expected index of the next parameter
     bool m_distinct = false;
     bool m_hasRun = false;
     size_t m_row = 0;  // within the last batch

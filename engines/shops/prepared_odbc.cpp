@@ -12,8 +12,8 @@ namespace engines::shops {
 
 namespace {
 
-// Text parameters up to this size are bound once; longer ones each time, as long texts.
-constexpr qsizetype kUsualText = 255;
+// Text parameters up to this size are bound once; longer ones are rebound each time, as long texts.
+constexpr qsizetype kDefaultTextSize = 255;
 constexpr qsizetype kLongText = 4000;
 // The shops' engine's type code of 16-bit integers.
 constexpr SQLSMALLINT kShopsSmallInteger = 2008;
@@ -71,7 +71,7 @@ PreparedOdbc::PreparedOdbc(std::shared_ptr<OdbcHandles> handles, QString sql,
       m_parameters(static_cast<size_t>(m_rewritten.parameters.size())) {}
 
 PreparedOdbc::~PreparedOdbc() {
-    // the statements of a lost connection are gone too
+    // a lost connection has freed its statements
     if (m_statement != SQL_NULL_HSTMT && !m_handles->isAbandoned && !m_handles->isLost)
         odbcCall("SQLFreeHandle", SQLFreeHandle, SQLSMALLINT(SQL_HANDLE_STMT),
                  SQLHANDLE(m_statement));
@@ -175,14 +175,14 @@ void PreparedOdbc::bindBytes(size_t index, const QByteArray& bytes, bool isBinar
     Parameter& parameter = m_parameters[index];
     const SQLSMALLINT cType = isBinary ? SQL_C_BINARY : SQL_C_CHAR;
     parameter.indicator = bytes.size();
-    if (parameter.cType != cType || bytes.size() > parameter.room) {
-        parameter.room = std::max(kUsualText, bytes.size());
-        parameter.bytes = QByteArray(parameter.room + 1, '\0');
-        const bool isLong = parameter.room > kLongText;
+    if (parameter.cType != cType || bytes.size() > parameter.capacity) {
+        parameter.capacity = std::max(kDefaultTextSize, bytes.size());
+        parameter.bytes = QByteArray(parameter.capacity + 1, '\0');
+        const bool isLong = parameter.capacity > kLongText;
         const SQLSMALLINT sqlType = isBinary ? (isLong ? SQL_LONGVARBINARY : SQL_VARBINARY)
                                              : (isLong ? SQL_LONGVARCHAR : SQL_VARCHAR);
-        bindBuffer(index, cType, sqlType, static_cast<SQLULEN>(parameter.room),
-                   parameter.bytes.data(), parameter.room + 1);
+        bindBuffer(index, cType, sqlType, static_cast<SQLULEN>(parameter.capacity),
+                   parameter.bytes.data(), parameter.capacity + 1);
     }
     std::copy(bytes.begin(), bytes.end(), parameter.bytes.data());
     parameter.bytes.data()[bytes.size()] = '\0';
@@ -283,7 +283,7 @@ qint64 PreparedOdbc::execute(const std::vector<Value>& values) {
     for (size_t i = 0; i < m_parameters.size(); ++i)
         bind(i, values[i]);
     const SQLRETURN code = odbcCall("SQLExecute", SQLExecute, m_statement);
-    if (code != SQL_NO_DATA)  // what an UPDATE without rows says
+    if (code != SQL_NO_DATA)  // returned by an UPDATE that matches no rows
         check(code);
     if (!m_columns.empty()) {
         m_isResultOpen = true;

@@ -61,7 +61,7 @@ class PreparedOdbc {
         qint64 whole = 0;
         double real = 0;
         QByteArray bytes;
-        qsizetype room = 0;                  // bound size in bytes
+        qsizetype capacity = 0;              // bound size in bytes
         SQL_TIMESTAMP_STRUCT at{};           // or the shorter ones of a date or a time
         ColumnKind kind = ColumnKind::Text;  // of the database; only dates and times matter
     };

@@ -5,6 +5,7 @@
 
 #include "data/lock/lock_file.h"
 #include "engines/shops/odbc_connection.h"
+#include "engines/shops/separate_journal.h"
 #include "engines/shops/shops_tables.h"
 
 namespace engines::shops {
@@ -29,27 +30,27 @@ class ShopsDatabase : public Database {
     explicit ShopsDatabase(const ShopsDatabaseSettings& settings)
         : m_settings(settings),
           m_records(settings),
-          m_sql(OdbcConnection::connect(odbcSettings(settings))) {}
+          m_sql(OdbcConnection::connect(odbcSettings(settings))),
+          m_journal(
+              settings.folder, [this](const QString& table) { return m_records.openTable(table); },
+              [this] { return runLock().runGoesOn(); }) {}
 
     QString name() const override { return m_settings.name; }
     QStringList tableNames() override { return m_records.tableNames(); }
     std::unique_ptr<TableFile> openTable(const QString& tableName) override {
-        return m_records.openTable(tableName);
+        return journaled(m_records.openTable(tableName), m_journal);
     }
     std::unique_ptr<SqlStatement> prepare(const QString& sql) override {
-        return m_sql->prepare(sql);
+        return journaled(m_sql->prepare(sql), sql, m_journal, *this);
     }
+    RunJournal* journal() override { return &m_journal; }
     void setLockWait(std::chrono::milliseconds wait) override {
         m_records.setLockWait(wait);
         m_sql->setLockWait(wait);
     }
     bool statementsPassRecordLocks() const override { return !m_sql->dialect().recordLocksStopSql; }
 
-    bool beginRun() override {
-        if (!m_runLock)
-            m_runLock = std::make_unique<LockFile>(QDir(m_settings.folder).filePath(kRunLockFile));
-        return m_runLock->beginRun();
-    }
+    bool beginRun() override { return runLock().beginRun(); }
     void endRun() override {
         if (m_runLock)
             m_runLock->endRun();
@@ -60,10 +61,17 @@ class ShopsDatabase : public Database {
     }
 
   private:
+    LockFile& runLock() {
+        if (!m_runLock)
+            m_runLock = std::make_unique<LockFile>(QDir(m_settings.folder).filePath(kRunLockFile));
+        return *m_runLock;
+    }
+
     ShopsDatabaseSettings m_settings;
     ShopsTables m_records;
     std::unique_ptr<OdbcConnection> m_sql;
     std::unique_ptr<LockFile> m_runLock;
+    SeparateJournal m_journal;
 };
 
 }  // namespace

@@ -16,7 +16,7 @@ struct ShopsDatabaseSettings {
     QString folder;         ///< data folder (empty: the working folder) with the run's lock file
     QString ownerName;      ///< owner name of the record files; usually empty
     QString server;         ///< host that the shops' engine runs on; empty: this machine
-    QString clientLibrary;  ///< the shops' engine's client library; empty: its usual names
+    QString clientLibrary;  ///< client library of the shops' engine; empty: its default names
     QString dataSource;     ///< ODBC data source; empty: `name`
     QString userName;       ///< for the data source and the database; usually empty
     QString password;

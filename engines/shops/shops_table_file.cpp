@@ -45,11 +45,11 @@ ShopsTableFile::ShopsTableFile(std::unique_ptr<FileCursor> cursor, Opener opener
       m_fixedLength(stat.recordLength),
       m_variableLength(stat.variableLength),
       // Extended reads need records of one length.
-      m_readsMany(!stat.variableLength && FileCursor::mostAtOnce(stat.recordLength) > 0),
+      m_readsMany(!stat.variableLength && FileCursor::maxRecordsPerCall(stat.recordLength) > 0),
       m_numbersRecords(hasNumberedField(m_layout)) {
     for (const KeyStat& key : stat.keys)
         m_orders.emplace_back(key);
-    m_cursor->setRecordRoom(m_variableLength ? kLongestRecord : m_fixedLength);
+    m_cursor->setRecordCapacity(m_variableLength ? kLongestRecord : m_fixedLength);
 }
 
 ShopsTableFile::~ShopsTableFile() = default;
@@ -93,7 +93,7 @@ std::optional<StoredRecord> ShopsTableFile::get(RecordId id) {
     return StoredRecord{id, whole(std::move(record))};
 }
 
-// Repeats `attempt` until it meets no lock of another session or the time is up.
+// Repeats `attempt` until it is not refused by another session's lock or the time is over.
 template <typename Attempt>
 int ShopsTableFile::whenUnlocked(std::chrono::milliseconds wait, Attempt attempt) {
     const auto end = std::chrono::steady_clock::now() + wait;
@@ -137,7 +137,7 @@ void ShopsTableFile::unlock(RecordId id) {
 }
 
 void ShopsTableFile::release(RecordId id) {
-    constexpr int kNotLocked = 81;  // a removed record's lock went with it
+    constexpr int kNotLocked = 81;  // deleting a record releases its lock
     const int status = m_cursor->unlock(id);
     if (status != kOk && status != kNotLocked && !isGone(status))
         fail(status);
@@ -202,7 +202,7 @@ std::optional<RecordId> ShopsTableFile::visitStored(std::optional<RecordId> afte
                                                     const Visitor& see) {
     if (!m_stored) {
         m_stored = m_opener();
-        m_stored->setRecordRoom(m_variableLength ? kLongestRecord : m_fixedLength);
+        m_stored->setRecordCapacity(m_variableLength ? kLongestRecord : m_fixedLength);
         m_storedAt.reset();
     }
     QByteArray record;

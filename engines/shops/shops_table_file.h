@@ -14,11 +14,9 @@
 namespace engines::shops {
 
 /// The records of one table of the shops' engine. A record's id is its physical address. Every call
-/// positions the cursor anew and relies on no engine state between calls.
-///
-/// Duplicates of a key come in the file's order: by insertion into the key, or by address. The
-/// position of a record among its duplicates is known while it is there, afterwards only from the
-/// records read last.
+/// repositions the cursor and relies on no engine state between calls.
+/// Duplicates of a key are in the file's order: by insertion into the key, or by address. The
+/// position of a deleted record among its duplicates is known only from the records read last.
 class ShopsTableFile : public TableFile {
   public:
     /// Opens a second cursor on the same file, for reads in storage order.
@@ -57,22 +55,23 @@ class ShopsTableFile : public TableFile {
     QByteArray whole(QByteArray bytes) const;
     QByteArray shortened(const QByteArray& bytes) const;
 
-    // Reading along a key: position the cursor on a record, then read on.
+    // Reading along a key: position the cursor on a record, then continue from there.
     int move(int operation, int key, const QByteArray& keyBytes = {});
     bool found(int status) const;
-    bool standOn(int key, const StoredRecord& record);
-    enum class Stand {
+    bool positionOn(int key, const StoredRecord& record);
+    enum class Position {
         On,
         Before,
         Nowhere
-    };  ///< Before: the cursor's record is part of the result
-    Stand standBeside(int key, const StoredRecord& from, Direction direction);
-    std::optional<Stand> standByTrail(int key, const StoredRecord& from, Direction direction);
+    };  ///< Before: the cursor's record belongs to the result; Nowhere: the result is empty
+    Position positionBeside(int key, const StoredRecord& from, Direction direction);
+    std::optional<Position> positionByNeighbours(int key, const StoredRecord& from,
+                                                 Direction direction);
     using Test = std::function<bool(const QByteArray& record)>;
-    Records readOn(int key, Direction direction, int max, Stand stand,
+    Records readOn(int key, Direction direction, int max, Position position,
                    std::optional<StoredRecord> from, const Test& belongs = {});
     int readSome(int key, Direction direction, bool withCurrent, int wanted, Records& records);
-    void leaveTrail(int key, Direction direction, RecordId from, const Records& records);
+    void rememberRead(int key, Direction direction, RecordId from, const Records& records);
 
     template <typename Attempt>
     int whenUnlocked(std::chrono::milliseconds wait, Attempt attempt);
@@ -92,9 +91,9 @@ class ShopsTableFile : public TableFile {
 
     QByteArray m_current;  // the record of the last move
 
-    // The records read last along a key, in its order.
-    int m_trailKey = -1;
-    std::deque<RecordId> m_trail;
+    // Addresses of the records read last along a key, in key order.
+    int m_lastReadKey = -1;
+    std::deque<RecordId> m_lastRead;
 
     std::unique_ptr<FileCursor> m_stored;  // reads in storage order
     std::optional<RecordId> m_storedAt;

@@ -11,8 +11,8 @@ namespace engines::shops {
 
 namespace {
 
-constexpr size_t kLongestTrail = 1024;
-constexpr int kMostReplacings = 16;
+constexpr size_t kMaxLastRead = 1024;
+constexpr int kMaxRepositions = 16;
 
 bool isUnsupported(int status) {
     return status == kInvalidOperation || status == kWorkSpaceTooSmall ||
@@ -63,11 +63,11 @@ std::vector<StoredRecord> ShopsTableFile::fromEnd(int key, Direction direction, 
     checkKey(key);
     if (!found(move(direction == Direction::Forward ? kGetFirst : kGetLast, key)))
         return {};
-    return readOn(key, direction, max, Stand::Before, std::nullopt);
+    return readOn(key, direction, max, Position::Before, std::nullopt);
 }
 
-// Among records of one value the engine finds the first by "greater", the last by "less". In a
-// descending key both follow the key, not the values.
+// Among records of equal value, "greater" finds the first and "less" the last. In a descending key
+// both follow the key's order, not the values'.
 std::vector<StoredRecord> ShopsTableFile::seek(int key, SeekOp op, const KeyValues& values,
                                                int max) {
     checkKey(key);
@@ -104,18 +104,19 @@ std::vector<StoredRecord> ShopsTableFile::seek(int key, SeekOp op, const KeyValu
     }
     if (!found(status))
         return {};
-    return readOn(key, direction, max, Stand::Before, std::nullopt, belongs);
+    return readOn(key, direction, max, Position::Before, std::nullopt, belongs);
 }
 
 std::vector<StoredRecord> ShopsTableFile::next(int key, const StoredRecord& from,
                                                Direction direction, int max) {
     checkKey(key);
-    const Stand stand = standOn(key, from) ? Stand::On : standBeside(key, from, direction);
-    return readOn(key, direction, max, stand, from);
+    const Position position =
+        positionOn(key, from) ? Position::On : positionBeside(key, from, direction);
+    return readOn(key, direction, max, position, from);
 }
 
-// Positions the cursor on a record if it is still at that place of the key.
-bool ShopsTableFile::standOn(int key, const StoredRecord& record) {
+// Positions the cursor on a record if it is still at that position of the key.
+bool ShopsTableFile::positionOn(int key, const StoredRecord& record) {
     QByteArray stored;
     const int status = m_cursor->direct(record.id, key, stored);
     if (status == kInvalidRecordAddress || status == kInvalidKeyPath || !found(status))
@@ -125,60 +126,62 @@ bool ShopsTableFile::standOn(int key, const StoredRecord& record) {
     return order.compare(m_current, record.bytes, order.segmentCount()) == 0;
 }
 
-// Positions the cursor to continue from a record that is no longer in its place.
-ShopsTableFile::Stand ShopsTableFile::standBeside(int key, const StoredRecord& from,
-                                                  Direction direction) {
+// Positions the cursor to continue from a record that is no longer there.
+ShopsTableFile::Position ShopsTableFile::positionBeside(int key, const StoredRecord& from,
+                                                        Direction direction) {
     const KeyOrder& order = orderOf(key);
     if (order.stat().duplicates && !order.stat().byAddress) {
-        if (const std::optional<Stand> stand = standByTrail(key, from, direction))
-            return *stand;
+        if (const std::optional<Position> position = positionByNeighbours(key, from, direction))
+            return *position;
     }
     const bool forward = direction == Direction::Forward;
     int status = move(forward ? kGetGreaterOrEqual : kGetLessOrEqual, key, order.keyOf(from.bytes));
     while (found(status)) {
         if (order.compare(m_current, from.bytes, order.segmentCount()) != 0)
-            return Stand::Before;
+            return Position::Before;
         RecordId id = 0;
         if (const int at = m_cursor->position(id); at != kOk)
             fail(at);
         if (forward ? id > from.id : id < from.id)
-            return Stand::Before;
+            return Position::Before;
         status = move(forward ? kGetNext : kGetPrevious, key);
     }
-    return Stand::Nowhere;
+    return Position::Nowhere;
 }
 
-// The same among duplicates in insertion order: by the neighbours read last that are still in
-// place. nullopt without any.
-std::optional<ShopsTableFile::Stand> ShopsTableFile::standByTrail(int key, const StoredRecord& from,
-                                                                  Direction direction) {
-    if (m_trailKey != key)
+// The same for duplicates in insertion order: uses those read last that are still there. nullopt if
+// there are none.
+std::optional<ShopsTableFile::Position> ShopsTableFile::positionByNeighbours(
+    int key, const StoredRecord& from, Direction direction) {
+    if (m_lastReadKey != key)
         return std::nullopt;
-    const auto place = std::find(m_trail.begin(), m_trail.end(), from.id);
-    if (place == m_trail.end())
+    const auto place = std::find(m_lastRead.begin(), m_lastRead.end(), from.id);
+    if (place == m_lastRead.end())
         return std::nullopt;
-    const auto stands = [&](RecordId id) { return standOn(key, {id, from.bytes}); };
-    const auto later = std::find_if(place + 1, m_trail.end(), stands);
+    const auto isInPlace = [&](RecordId id) { return positionOn(key, {id, from.bytes}); };
+    const auto later = std::find_if(place + 1, m_lastRead.end(), isInPlace);
     const bool forward = direction == Direction::Forward;
-    if (forward && later != m_trail.end())
-        return Stand::Before;
-    const auto earlier = std::find_if(std::make_reverse_iterator(place), m_trail.rend(), stands);
-    if (earlier != m_trail.rend())
-        return forward ? Stand::On : Stand::Before;
-    if (!forward && later != m_trail.end() && stands(*later))
-        return Stand::On;
+    if (forward && later != m_lastRead.end())
+        return Position::Before;
+    const auto earlier =
+        std::find_if(std::make_reverse_iterator(place), m_lastRead.rend(), isInPlace);
+    if (earlier != m_lastRead.rend())
+        return forward ? Position::On : Position::Before;
+    if (!forward && later != m_lastRead.end() && isInPlace(*later))
+        return Position::On;
     return std::nullopt;
 }
 
 // Reads up to `max` records from the cursor. `from`: the record at or next to the cursor; the first
 // record that fails `belongs` ends the result.
-std::vector<StoredRecord> ShopsTableFile::readOn(int key, Direction direction, int max, Stand stand,
+std::vector<StoredRecord> ShopsTableFile::readOn(int key, Direction direction, int max,
+                                                 Position position,
                                                  std::optional<StoredRecord> from,
                                                  const Test& belongs) {
     Records records;
     int replacings = 0;
-    while (stand != Stand::Nowhere && static_cast<int>(records.size()) < max) {
-        const int status = readSome(key, direction, stand == Stand::Before,
+    while (position != Position::Nowhere && static_cast<int>(records.size()) < max) {
+        const int status = readSome(key, direction, position == Position::Before,
                                     max - static_cast<int>(records.size()), records);
         if (belongs && !records.empty() && !belongs(records.back().bytes)) {
             records.erase(
@@ -187,32 +190,32 @@ std::vector<StoredRecord> ShopsTableFile::readOn(int key, Direction direction, i
                 records.end());
             break;
         }
-        stand = Stand::On;
-        if (status == kLostPosition && ++replacings <= kMostReplacings) {
+        position = Position::On;
+        if (status == kLostPosition && ++replacings <= kMaxRepositions) {
             // Another session removed or moved the cursor's record.
             if (!records.empty())
                 from = records.back();
             if (!from)
                 fail(status);
-            if (!standOn(key, *from))
-                stand = standBeside(key, *from, direction);
+            if (!positionOn(key, *from))
+                position = positionBeside(key, *from, direction);
         } else if (!found(status)) {
             break;
         }
     }
-    leaveTrail(key, direction, from ? from->id : 0, records);
+    rememberRead(key, direction, from ? from->id : 0, records);
     return records;
 }
 
-// Reads several records in one call, or one by single operations.
+// Reads several records in one call, or a single record if the engine does not support that.
 int ShopsTableFile::readSome(int key, Direction direction, bool withCurrent, int wanted,
                              Records& records) {
     const bool forward = direction == Direction::Forward;
     if (m_readsMany && wanted > (withCurrent ? 1 : 0)) {
         const size_t before = records.size();
         const int status = m_cursor->readMany(
-            direction, key, withCurrent, std::min(wanted, FileCursor::mostAtOnce(m_fixedLength)),
-            m_fixedLength, records);
+            direction, key, withCurrent,
+            std::min(wanted, FileCursor::maxRecordsPerCall(m_fixedLength)), m_fixedLength, records);
         if (status == kRejectCountReached || status == kFilterLimitReached)
             return records.size() > before ? kOk : kEndOfFile;
         if (status == kOk && records.size() == before)
@@ -232,28 +235,28 @@ int ShopsTableFile::readSome(int key, Direction direction, bool withCurrent, int
     return kOk;
 }
 
-void ShopsTableFile::leaveTrail(int key, Direction direction, RecordId from,
-                                const Records& records) {
+void ShopsTableFile::rememberRead(int key, Direction direction, RecordId from,
+                                  const Records& records) {
     const bool forward = direction == Direction::Forward;
-    const bool goesOn = m_trailKey == key && !m_trail.empty() && from != 0 &&
-                        (forward ? m_trail.back() : m_trail.front()) == from;
-    if (!goesOn) {
-        m_trailKey = key;
-        m_trail.clear();
+    const bool continues = m_lastReadKey == key && !m_lastRead.empty() && from != 0 &&
+                           (forward ? m_lastRead.back() : m_lastRead.front()) == from;
+    if (!continues) {
+        m_lastReadKey = key;
+        m_lastRead.clear();
         if (from != 0)
-            m_trail.push_back(from);
+            m_lastRead.push_back(from);
     }
     for (const StoredRecord& record : records) {
         if (forward)
-            m_trail.push_back(record.id);
+            m_lastRead.push_back(record.id);
         else
-            m_trail.push_front(record.id);
+            m_lastRead.push_front(record.id);
     }
-    while (m_trail.size() > kLongestTrail) {
+    while (m_lastRead.size() > kMaxLastRead) {
         if (forward)
-            m_trail.pop_front();
+            m_lastRead.pop_front();
         else
-            m_trail.pop_back();
+            m_lastRead.pop_back();
     }
 }
 

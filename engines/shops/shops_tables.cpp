@@ -50,7 +50,7 @@ QByteArray uriPart(const QString& text) {
     return part;
 }
 
-// The engine does not know or understand the database's name.
+// Statuses for an unknown database name or URI: the table may still be found by its file.
 bool mayBeFoundByFile(int status) {
     return status == kDatabaseNameNotFound || status == kWrongUri || status == kInvalidFileName ||
            status == kFileNotFound;
@@ -80,8 +80,8 @@ TableDescription describeFile(const Catalogue& catalogue, const QString& tableNa
     // A text or binary field at the end extends into the variable part.
     TableDescription table = catalogue.describe(tableName);
     for (const TFieldCacheItem& field : table.layout.fields()) {
-        const bool mayGoOn = field.kind() == Kind::Memo || field.kind() == Kind::VarBinary;
-        const int end = field.offset + (mayGoOn ? 0 : field.storedLength);
+        const bool mayContinue = field.kind() == Kind::Memo || field.kind() == Kind::VarBinary;
+        const int end = field.offset + (mayContinue ? 0 : field.storedLength);
         if (end > stat.recordLength)
             disagrees(tableName, QStringLiteral("field %1 ends at byte %2 of a record of %3 bytes")
                                      .arg(field.name)
@@ -147,7 +147,7 @@ std::vector<KeyDef> keysOf(const TableDescription& table, const FileStat& stat) 
             }
             def.segments.push_back({index, !segment.weights.isEmpty(), segment.descending});
         }
-        // the segments left out may make it unique
+        // the omitted segments may make it unique
         def.unique = def.unique && def.segments.size() == key.segments.size();
         keys.push_back(std::move(def));
     }
@@ -177,7 +177,7 @@ QByteArray ShopsTables::uriOf(const QString& tableName) const {
     QString server = m_settings.server;
 #ifndef Q_OS_WIN
     if (server.isEmpty())
-        server = QStringLiteral("localhost");  // there the engine wants it named
+        server = QStringLiteral("localhost");  // this engine needs a host name
 #endif
     QByteArray uri = "btrv://";
     if (!m_settings.userName.isEmpty())
@@ -228,7 +228,7 @@ Catalogue ShopsTables::readCatalogue() {
                             QStringLiteral("a record has %1 bytes instead of %2")
                                 .arg(length)
                                 .arg(table.recordLength()));
-        cursor->setRecordRoom(length);
+        cursor->setRecordCapacity(length);
         QByteArray record;
         int status = cursor->read(kStepFirst, {}, 0, record);
         for (; status == kOk; status = cursor->read(kStepNext, {}, 0, record)) {
@@ -260,7 +260,7 @@ std::unique_ptr<TableFile> ShopsTables::openTable(const QString& tableName) {
     requireSession();
     const bool listed = catalogue().lists(tableName);
     if (!listed)
-        compiledLayout(tableName);  // there has to be one of the two
+        compiledLayout(tableName);  // throws if the table is in neither
     const QString location = catalogue().location(tableName);
     const auto open = [this, tableName, location] { return openCursor(tableName, location); };
     std::unique_ptr<FileCursor> cursor = open();

@@ -10,8 +10,8 @@ namespace {
 
 constexpr QLatin1String kNull("NULL");
 
-qsizetype nextMeaning(const SqlTokens& tokens, qsizetype at) {
-    while (at < tokens.size() && tokens[at].isMeaningless())
+qsizetype nextSignificant(const SqlTokens& tokens, qsizetype at) {
+    while (at < tokens.size() && tokens[at].isBlankOrComment())
         ++at;
     return at;
 }
@@ -82,7 +82,7 @@ std::optional<Call> spelt(const SqlTokens& tokens, qsizetype name) {
     if (tokens[name].kind != SqlToken::Word ||
         !(isRound || tokens[name].is(QLatin1String("floor"))))
         return std::nullopt;
-    const qsizetype open = nextMeaning(tokens, name + 1);
+    const qsizetype open = nextSignificant(tokens, name + 1);
     if (open >= tokens.size() || tokens[open].text != QLatin1String("("))
         return std::nullopt;
     const qsizetype close = closing(tokens, open);
@@ -90,7 +90,7 @@ std::optional<Call> spelt(const SqlTokens& tokens, qsizetype name) {
         return std::nullopt;
     QList<SqlTokens> arguments = argumentsOf(tokens, open, close);
     for (SqlTokens& argument : arguments)
-        spellOutRounding(argument);
+        expandRounding(argument);
     if (!isRound && arguments.size() == 1)
         return Call{flooredAsDouble(arguments[0]), close + 1};
     if (!isRound || arguments.size() > 2)
@@ -99,8 +99,8 @@ std::optional<Call> spelt(const SqlTokens& tokens, qsizetype name) {
     const int decimals =
         arguments.size() == 2 ? textOf(arguments[1]).trimmed().toInt(&isNumber) : 0;
     // more digits than a double has: left to the engine
-    constexpr int kMostDecimals = 30;
-    if (!isNumber || decimals < -kMostDecimals || decimals > kMostDecimals)
+    constexpr int kMaxDecimals = 30;
+    if (!isNumber || decimals < -kMaxDecimals || decimals > kMaxDecimals)
         return std::nullopt;
     return Call{roundedHalvesAway(arguments[0], decimals), close + 1};
 }
@@ -146,7 +146,7 @@ bool isComparison(const SqlToken& token) {
 bool returnsRows(const SqlTokens& tokens) {
     qsizetype at = 0;
     while (at < tokens.size() &&
-           (tokens[at].isMeaningless() || tokens[at].text == QLatin1String("(")))
+           (tokens[at].isBlankOrComment() || tokens[at].text == QLatin1String("(")))
         ++at;
     if (at == tokens.size())
         return false;
@@ -159,19 +159,19 @@ bool returnsRows(const SqlTokens& tokens) {
 
 void dropEnd(SqlTokens& tokens) {
     while (!tokens.isEmpty() &&
-           (tokens.last().isMeaningless() || tokens.last().text == QLatin1String(";")))
+           (tokens.last().isBlankOrComment() || tokens.last().text == QLatin1String(";")))
         tokens.removeLast();
 }
 
 void topToLimit(SqlTokens& tokens) {
-    qsizetype at = nextMeaning(tokens, 0);
+    qsizetype at = nextSignificant(tokens, 0);
     if (at >= tokens.size() || !tokens[at].is(QLatin1String("select")))
         return;
-    at = nextMeaning(tokens, at + 1);
+    at = nextSignificant(tokens, at + 1);
     if (at < tokens.size() &&
         (tokens[at].is(QLatin1String("all")) || tokens[at].is(QLatin1String("distinct"))))
-        at = nextMeaning(tokens, at + 1);
-    const qsizetype number = nextMeaning(tokens, at + 1);
+        at = nextSignificant(tokens, at + 1);
+    const qsizetype number = nextSignificant(tokens, at + 1);
     if (number >= tokens.size() || !tokens[at].is(QLatin1String("top")) ||
         tokens[number].kind != SqlToken::Number)
         return;
@@ -180,7 +180,7 @@ void topToLimit(SqlTokens& tokens) {
     tokens.append(symbols(limit));
 }
 
-void spellOutRounding(SqlTokens& tokens) {
+void expandRounding(SqlTokens& tokens) {
     SqlTokens made;
     for (qsizetype at = 0; at < tokens.size();) {
         if (std::optional<Call> call = spelt(tokens, at)) {
@@ -216,8 +216,8 @@ QList<bool> datesToNull(SqlTokens& tokens,
     };
     for (qsizetype at = 0; at < tokens.size(); ++at) {
         const SqlToken& column = tokens[at];
-        const qsizetype sign = nextMeaning(tokens, at + 1);
-        const qsizetype value = nextMeaning(tokens, sign + 1);
+        const qsizetype sign = nextSignificant(tokens, at + 1);
+        const qsizetype value = nextSignificant(tokens, sign + 1);
         const bool isWord = column.kind == SqlToken::Word;
         sets = (sets || (isWord && column.is(QLatin1String("set")))) &&
                !(isWord && column.is(QLatin1String("where")));

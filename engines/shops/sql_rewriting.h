@@ -19,7 +19,7 @@ void dropEnd(SqlTokens& tokens);
 void topToLimit(SqlTokens& tokens);
 
 /// round() and floor() in doubles, halves away from zero, and decimal literals as doubles.
-void spellOutRounding(SqlTokens& tokens);
+void expandRounding(SqlTokens& tokens);
 
 /// Fixes the join order of a query with subqueries to the order written.
 void keepOrderOfTables(SqlTokens& tokens);

@@ -12,24 +12,24 @@ bool isWordPart(QChar c) {
 }
 
 template <typename Test>
-qsizetype whileTrue(const QString& sql, qsizetype at, Test test) {
+qsizetype skipWhile(const QString& sql, qsizetype at, Test test) {
     while (at < sql.size() && test(sql.at(at)))
         ++at;
     return at;
 }
 
 // Digits, a decimal point, an exponent.
-qsizetype behindNumber(const QString& sql, qsizetype at) {
+qsizetype endOfNumber(const QString& sql, qsizetype at) {
     const auto isDigit = [](QChar c) { return c.isDigit(); };
-    at = whileTrue(sql, at, isDigit);
+    at = skipWhile(sql, at, isDigit);
     if (at < sql.size() && sql.at(at) == QLatin1Char('.'))
-        at = whileTrue(sql, at + 1, isDigit);
+        at = skipWhile(sql, at + 1, isDigit);
     if (at < sql.size() && sql.at(at).toLower() == QLatin1Char('e')) {
         qsizetype digits = at + 1;
         if (digits < sql.size() &&
             (sql.at(digits) == QLatin1Char('+') || sql.at(digits) == QLatin1Char('-')))
             ++digits;
-        const qsizetype end = whileTrue(sql, digits, isDigit);
+        const qsizetype end = skipWhile(sql, digits, isDigit);
         if (end > digits)
             at = end;
     }
@@ -42,12 +42,12 @@ SqlTokens tokensOf(const QString& sql) {
     SqlTokens tokens;
     for (qsizetype at = 0; at < sql.size();) {
         const QChar c = sql.at(at);
-        qsizetype end = behindSqlPiece(sql, at);
+        qsizetype end = endOfSqlPiece(sql, at);
         SqlToken::Kind kind = SqlToken::Symbol;
         if (c == QLatin1Char('\'')) {
             kind = SqlToken::Text;
             while (end < sql.size() && sql.at(end) == QLatin1Char('\''))  // a doubled quote
-                end = behindSqlPiece(sql, end);
+                end = endOfSqlPiece(sql, end);
         } else if (c == QLatin1Char('"')) {
             kind = SqlToken::QuotedName;
         } else if (end > at + 1) {
@@ -59,13 +59,13 @@ SqlTokens tokensOf(const QString& sql) {
             end = at + length;
         } else if (c.isDigit()) {
             kind = SqlToken::Number;
-            end = behindNumber(sql, at);
+            end = endOfNumber(sql, at);
         } else if (isWordPart(c)) {
             kind = SqlToken::Word;
-            end = whileTrue(sql, at, isWordPart);
+            end = skipWhile(sql, at, isWordPart);
         } else if (QStringLiteral("<>!").contains(c)) {
             end =
-                whileTrue(sql, at, [](QChar part) { return QStringLiteral("<>=").contains(part); });
+                skipWhile(sql, at, [](QChar part) { return QStringLiteral("<>=").contains(part); });
             end = std::max(end, at + 1);
         }
         tokens.append({kind, sql.mid(at, end - at)});

@@ -14,7 +14,7 @@ struct SqlToken {
     QString text;
 
     bool is(QLatin1String word) const { return text.compare(word, Qt::CaseInsensitive) == 0; }
-    bool isMeaningless() const { return kind == Blank || kind == Comment; }
+    bool isBlankOrComment() const { return kind == Blank || kind == Comment; }
 };
 
 using SqlTokens = QList<SqlToken>;

@@ -18,19 +18,19 @@ namespace {
 
 const char*& fileSystemName() {
 #ifdef Q_OS_WIN
-    static const char* name = "win32-longpath";  // the platform's own stops at 260 characters
+    static const char* name = "win32-longpath";  // the default file system stops at 260 characters
 #else
     static const char* name = nullptr;
 #endif
     return name;
 }
 
-/// SQLite makes files that the owner alone may write, whatever the umask; a company is shared by
-/// those whom the umask lets write. Files beside it take the database's rights from SQLite.
+/// Creates the file before SQLite does, because SQLite would let only the owner write, whatever the
+/// umask. SQLite gives its own files the database's mode.
 void makeFile([[maybe_unused]] const QString& fileName) {
 #ifndef Q_OS_WIN
-    // Only a new file: closing any other would end the locks that this process has on it. What
-    // stands in the way is told when SQLite opens the file.
+    // O_EXCL: closing a descriptor of an existing file would drop this process's locks on it.
+    // SQLite's open reports errors.
     const int file = ::open(QFile::encodeName(fileName).constData(),
                             O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0664);
     if (file >= 0)
@@ -42,7 +42,7 @@ bool startsWith(const char* text, const char* prefix) {
     return text != nullptr && std::strncmp(text, prefix, std::strlen(prefix)) == 0;
 }
 
-/// What a failure of the file itself is in Finnish; SQLite's own words are English.
+/// Adds Finnish texts to file errors; SQLite's own messages are English.
 DataError inFinnish(const DataError& error, int code) {
     switch (code & 0xFF) {
         case SQLITE_BUSY:
@@ -174,7 +174,7 @@ void Statement::bind(int index, qint64 value) {
 }
 
 void Statement::bind(int index, QByteArrayView blob) {
-    // An empty view would bind NULL: a null pointer is what it may hold.
+    // sqlite3_bind_blob() with a null pointer would bind NULL.
     const char* data = blob.isEmpty() ? "" : blob.data();
     check(sqlite3_bind_blob64(m_statement, index, data, static_cast<sqlite3_uint64>(blob.size()),
                               SQLITE_STATIC));
@@ -193,7 +193,7 @@ bool Statement::step() {
         return true;
     if (code == SQLITE_DONE)
         return false;
-    // The message is the connection's, so it is read before the reset.
+    // Read the connection's message before the reset.
     try {
         throwSqlite(sqlite3_db_handle(m_statement), code, m_table);
     } catch (...) {

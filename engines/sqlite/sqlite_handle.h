@@ -11,20 +11,20 @@
 
 namespace engines::sqlite {
 
-/// The error kind of a SQLite result code; `message` distinguishes SQL errors.
+/// Error kind of a SQLite result code; `message` distinguishes SQL errors.
 ErrorKind errorKind(int code, const char* message);
 
-/// Throws the DataError of the connection's last failure. `table` is the table or file concerned.
+/// Throws the connection's last failure as a DataError. `table`: table or file concerned.
 [[noreturn]] void throwSqlite(sqlite3* db, int code, const QString& table);
 
-/// One database file of SQLite; closes it. Every file that the engine opens is opened here.
+/// One open SQLite database file. The engine opens every file through this class.
 class SqliteHandle {
   public:
     enum class Mode { ReadWrite, Create };
 
     SqliteHandle() = default;
-    /// A file that is made may be read and written by owner and group and read by all, as far as
-    /// the umask lets them. @throws DataError(NoConnection, Io ...) naming the file.
+    /// A created file gets mode 0664 less the umask. @throws DataError(NoConnection, Io ...) naming
+    /// the file.
     SqliteHandle(const QString& fileName, Mode mode);
     ~SqliteHandle();
     SqliteHandle(SqliteHandle&& other) noexcept;
@@ -32,20 +32,20 @@ class SqliteHandle {
 
     sqlite3* get() const { return m_db; }
 
-    /// Names the virtual file system that files are opened with from now on; nullptr is the
-    /// platform's own. For tests with disks that fail.
+    /// Sets the virtual file system used for files opened from now on; nullptr: the platform's
+    /// default. For tests with failing disks.
     static void setFileSystem(const char* name);
 
   private:
     sqlite3* m_db = nullptr;
 };
 
-/// One prepared statement. All functions throw DataError for failures of SQLite. Bound blobs are
-/// not copied: they must live until the statement is reset.
+/// One prepared statement. All functions throw DataError on failure. Bound blobs are not copied:
+/// they must live until the statement is reset.
 class Statement {
   public:
     Statement() = default;
-    /// `text` is the product's own SQL. `table` is named by errors.
+    /// `text`: internal SQL. `table`: for error messages.
     Statement(sqlite3* db, const QByteArray& text, QString table = {});
     ~Statement();
     Statement(Statement&& other) noexcept;
@@ -59,7 +59,7 @@ class Statement {
     bool step();
     /// Runs to the end and resets.
     void run();
-    /// Never fails: what a step reported was thrown by that step.
+    /// Never fails: step() has already thrown any error.
     void reset();
 
     qint64 integer(int column) const { return sqlite3_column_int64(m_statement, column); }
@@ -77,10 +77,10 @@ class Statement {
     QString m_table;
 };
 
-/// Runs SQL of the product's own that returns nothing of interest.
+/// Runs internal SQL and discards its results.
 void execute(sqlite3* db, const QByteArray& sql, const QString& table = {});
 
-/// A name as SQL writes it: in double quotes, quotes doubled.
+/// Quotes a SQL identifier.
 QByteArray quotedName(const QString& name);
 
 }  // namespace engines::sqlite

@@ -29,7 +29,7 @@ std::optional<QString> nameInFile(const platform::IniFile& file, const QString& 
 }
 
 /// Rewrites the definition without malformed lines, which would keep it from being loaded.
-void dropStrayLines(platform::IniFile& ini, const QString& name) {
+void removeMalformedLines(platform::IniFile& ini, const QString& name) {
     std::vector<std::pair<QString, QString>> settings;
     for (const QString& key : ini.keys(name))
         settings.emplace_back(key, ini.value(name, key).value_or(QString()));
@@ -76,7 +76,7 @@ QString DefinitionStore::fileName(const QString& formName) const {
 QStringList DefinitionStore::GetValues(const QString& formName) const {
     QStringList names = platform::IniFile::read(fileName(formName)).sections();
     names.removeAll(QString());
-    platform::sortForFinnishEyes(names);
+    platform::sortInFinnishOrder(names);
     return names;
 }
 
@@ -91,7 +91,7 @@ std::optional<SavedDefinition> DefinitionStore::load(const QString& formName,
     const auto found = nameInFile(file, name);
     if (!found)
         return std::nullopt;
-    if (const int line = file.strayLine(*found); line > 0)
+    if (const int line = file.malformedLine(*found); line > 0)
         throw data::DataError(data::ErrorKind::Damaged, path,
                               QStringLiteral("line %1 of definition \"%2\" is no setting")
                                   .arg(QString::number(line), *found))
@@ -117,8 +117,8 @@ void DefinitionStore::save(const QString& formName, const SavedDefinition& defin
         throw data::DataError(data::ErrorKind::BadValue, file, problem);
     makeFolder(file);
     platform::changeIniFile(file, [&](platform::IniFile& ini) {
-        if (ini.strayLine(name) > 0)
-            dropStrayLines(ini, nameInFile(ini, name).value_or(name));
+        if (ini.malformedLine(name) > 0)
+            removeMalformedLines(ini, nameInFile(ini, name).value_or(name));
         ini.setValue(name, kDescription, definition.description);
         for (auto it = definition.values.constBegin(); it != definition.values.constEnd(); ++it)
             ini.setValue(name, it.key(), it.value());

@@ -68,14 +68,14 @@ void TPerusForm::definitionSaved(const SavedDefinition& definition) {
 }
 
 void TPerusForm::refreshNames() {
-    const QSignalBlocker silence(LatausCombo);
+    const QSignalBlocker blocker(LatausCombo);
     LatausCombo->clear();
     LatausCombo->addItems(TRapMaarForm::GetValues(formName()));
     showLoadedName();
 }
 
 void TPerusForm::showLoadedName() {
-    const QSignalBlocker silence(LatausCombo);
+    const QSignalBlocker blocker(LatausCombo);
     LatausCombo->setCurrentIndex(LatausCombo->findText(m_loaded.name, Qt::MatchFixedString));
 }
 

@@ -44,7 +44,8 @@ void RadioGroup::setRows(int rows) {
         m_grid->setRowMinimumHeight(row, height);
         m_grid->setRowStretch(row, 1);
         if (m_grid->itemAtPosition(row, 0) == nullptr) {
-            // A row without a widget of fixed height gets a different share than its neighbours.
+            // Without a widget of fixed height the row would get a different share than its
+            // neighbours.
             auto* filler = new QWidget(this);
             filler->setFixedHeight(height);
             m_grid->addWidget(filler, row, 0);

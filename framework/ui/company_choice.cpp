@@ -149,7 +149,7 @@ void TYritysValinta::refresh() {
     updateButtons();
 }
 
-// Replaces an empty list: the reason, and a button for a first company.
+// Shown instead of an empty list: the reason, and a button for a first company.
 QWidget* TYritysValinta::buildOffer() {
     auto* page = new QFrame(this);
     page->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);

@@ -15,8 +15,8 @@ class TYritysValinta : public QDialog {
   public:
     explicit TYritysValinta(QWidget* parent = nullptr);
 
-    /// Takes into use the company named by the first parameter that matches a company's name,
-    /// ignoring the case of a to z. @return false if none does
+    /// Selects the company named by the first parameter that is a registered name (case of a to z
+    /// ignored). @return false if there is none
     bool OnParametrina();
 
   private:
@@ -27,7 +27,7 @@ class TYritysValinta : public QDialog {
     QWidget* buildOffer();
 
     QTreeWidget* m_list;
-    QStackedWidget* m_pages;  ///< the list, or the hint that replaces it
+    QStackedWidget* m_pages;  ///< the list, or the page shown instead
     QLabel* m_hint;
     QPushButton* m_demo;
     QPushButton* m_choose;

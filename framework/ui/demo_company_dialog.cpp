@@ -14,8 +14,8 @@ namespace framework {
 
 namespace {
 
-constexpr int kFewestProducts = 10;
-constexpr int kMostProducts = 1'000'000;
+constexpr int kMinProducts = 10;
+constexpr int kMaxProducts = 1'000'000;
 constexpr int kProducts = 2000;
 constexpr int kMargin = 14;
 constexpr int kFolderCharacters = 48;
@@ -64,7 +64,7 @@ DemoCompanyDialog::DemoCompanyDialog(QWidget* parent)
     m_folder->setMinimumWidth(kFolderCharacters * fontMetrics().averageCharWidth());
     m_folder->setToolTip(QStringLiteral("Kansio, johon yrityksen tietokanta luodaan"));
     m_products->setObjectName(QStringLiteral("TuotteitaEdit"));
-    m_products->setRange(kFewestProducts, kMostProducts);
+    m_products->setRange(kMinProducts, kMaxProducts);
     m_products->setValue(kProducts);
     m_products->setGroupSeparatorShown(true);
     m_products->setSingleStep(1000);
@@ -76,9 +76,9 @@ DemoCompanyDialog::DemoCompanyDialog(QWidget* parent)
     m_progress->setRange(0, 0);
     m_progress->setTextVisible(false);
     m_progress->setAccessibleName(QStringLiteral("Luonti on käynnissä"));
-    QSizePolicy keepsItsPlace = m_progress->sizePolicy();
-    keepsItsPlace.setRetainSizeWhenHidden(true);
-    m_progress->setSizePolicy(keepsItsPlace);
+    QSizePolicy policy = m_progress->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    m_progress->setSizePolicy(policy);
 
     m_makeButton->setObjectName(QStringLiteral("LuoButton"));
     m_makeButton->setDefault(true);
@@ -181,7 +181,7 @@ void DemoCompanyDialog::reject() {
     m_tool.kill();
 }
 
-// Cleans up after a killed tool. A folder that existed before is kept.
+// Cleans up after a killed zavdb. Keeps a folder that existed before.
 void DemoCompanyDialog::removeRemains() {
     if (m_folderIsOurs)
         QDir(QDir::fromNativeSeparators(m_folder->text().trimmed())).removeRecursively();

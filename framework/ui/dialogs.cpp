@@ -19,8 +19,8 @@ DialogHandler& handler() {
 
 }  // namespace
 
-bool Dialogs::someoneThere() {
-    return handler().someoneThere();
+bool Dialogs::isInteractive() {
+    return handler().isInteractive();
 }
 
 void Dialogs::message(QWidget* parent, const QString& text) {

@@ -16,7 +16,7 @@ class DialogHandler {
     virtual ~DialogHandler() = default;
     /// False if nobody can see a window (offscreen platform, Windows task without a logged-on
     /// user). Nothing may wait for an answer then.
-    virtual bool someoneThere() const = 0;
+    virtual bool isInteractive() const = 0;
     virtual void message(QWidget* parent, MessageKind kind, const QString& text) = 0;
     virtual bool ask(QWidget* parent, const QString& text) = 0;
     virtual int choose(QWidget* parent, const QString& text, const QStringList& answers) = 0;
@@ -27,7 +27,7 @@ class DialogHandler {
 /// All dialogs go through this class. Texts are plain; "\r", "\n" and "\r\n" break lines.
 class Dialogs {
   public:
-    static bool someoneThere();
+    static bool isInteractive();
     static void message(QWidget* parent, const QString& text);
     static void warning(QWidget* parent, const QString& text);
     static void error(QWidget* parent, const QString& text);

@@ -9,10 +9,10 @@
 
 namespace framework {
 
-/// Checks typed text in a form's edits: when the focus leaves an edit for another control and, by
-/// checkAll(), before the form's values are used. A refused edit shows a warning and gets the focus
-/// back; the focus change that this causes does not count as leaving the other edit. Values set by
-/// code are not checked until the user enters the edit.
+/// Checks typed text in a form's edits: when the focus moves to another control and, by checkAll(),
+/// before the form's values are used. A refused edit shows a warning and gets the focus back; that
+/// focus change does not count as leaving the other edit. Values set by code are not checked until
+/// the user enters the edit.
 class ExitChecks : public QObject {
     Q_OBJECT
   public:
@@ -30,7 +30,7 @@ class ExitChecks : public QObject {
 
     /// Drops pending checks, for example because the controls were disabled.
     void dropExits();
-    /// The edit's value was set by code: nothing typed is left to check.
+    /// The edit's value was set by code: there is no typed text to check.
     void forget(const ExitEdit* edit);
     void forgetAll();
 

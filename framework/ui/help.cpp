@@ -61,7 +61,7 @@ void HelpBrowser::showSection(const QString& anchor) {
     setSource(address, QTextDocument::MarkdownResource);
     if (anchor.isEmpty())
         verticalScrollBar()->setValue(0);
-    else  // once more when a window just opened has its size
+    else  // again once a newly opened window has its size
         QTimer::singleShot(0, this, [this, anchor] { scrollToAnchor(anchor); });
 }
 
@@ -89,8 +89,9 @@ bool HelpBrowser::headingsAreNamed() const {
 }
 
 void HelpBrowser::nameHeadings() {
-    // An edited page is reloaded, without these names, at the next step within it.
-    const QSignalBlocker notAnEdit(document());
+    // Without this the page counts as edited and would be reloaded, without these names, at the
+    // next link within it.
+    const QSignalBlocker blocker(document());
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
         if (block.blockFormat().headingLevel() == 0)
             continue;
@@ -107,7 +108,7 @@ void HelpBrowser::nameHeadings() {
 
 // Thin lines between the cells, and padding.
 void HelpBrowser::ruleTables() {
-    const QSignalBlocker notAnEdit(document());
+    const QSignalBlocker blocker(document());
     for (QTextFrame* frame : document()->rootFrame()->childFrames()) {
         auto* table = qobject_cast<QTextTable*>(frame);
         if (table == nullptr)
@@ -297,7 +298,7 @@ void showHelp(const QWidget* control) {
     QWidget* modal = QApplication::activeModalWidget();
     HelpWindow* window = nullptr;
     if (modal != nullptr) {
-        // only a child of the modal window can be used beside it
+        // a modal window blocks all windows except its children
         window = modal->findChild<HelpWindow*>();
         if (window == nullptr)
             window = new HelpWindow(manual, modal);

@@ -13,8 +13,8 @@ namespace framework {
 
 namespace {
 
-// The wide form of the system's simple mail interface, as published; the compilers' headers have
-// only the narrow one.
+// Wide structures of the system's simple mail interface, as published; compilers' headers have only
+// the narrow ones.
 struct WideFile {
     ULONG reserved = 0;
     ULONG flags = 0;
@@ -45,12 +45,12 @@ using SendMail = ULONG(WINAPI*)(ULONG_PTR session, ULONG_PTR window, WideMessage
 constexpr ULONG kLogonWindow = 0x1;
 constexpr ULONG kMessageWindow = 0x8;
 constexpr ULONG kSuccess = 0;
-constexpr ULONG kUserGaveUp = 1;
+constexpr ULONG kUserCancelled = 1;
 constexpr ULONG kNotWithinText = 0xFFFFFFFF;
 
 }  // namespace
 
-// Found at run time: not every machine has a mail program behind the interface. Its wide form
+// Resolved at run time: not every machine has a mail program behind the interface. The wide form
 // exists since Windows 8.
 Desktop::Outcome Desktop::sendThroughSystem(const QString& subject, const QString& text,
                                             const QString& attachment) {
@@ -73,7 +73,7 @@ Desktop::Outcome Desktop::sendThroughSystem(const QString& subject, const QStrin
     message.fileCount = 1;
     message.files = &file;
     const ULONG answer = send(0, 0, &message, kMessageWindow | kLogonWindow, 0);
-    return answer == kSuccess || answer == kUserGaveUp ? Outcome::Done : Outcome::Failed;
+    return answer == kSuccess || answer == kUserCancelled ? Outcome::Done : Outcome::Failed;
 }
 
 }  // namespace framework

@@ -21,7 +21,7 @@ constexpr int kResolution = 300;  // dots per inch
 constexpr qreal kHead = kResolution * 0.32;
 constexpr qreal kFoot = kResolution * 0.32;
 constexpr qreal kSmallPoints = 8;
-const QColor kQuiet(0x55, 0x55, 0x55);
+const QColor kGrey(0x55, 0x55, 0x55);
 
 const QString kStyle = QStringLiteral(
     "h1 { font-size: 17pt; margin-top: 0; margin-bottom: 4px; }"
@@ -34,7 +34,7 @@ int pageOf(const QTextDocument& document, qreal y) {
     return static_cast<int>(y / document.pageSize().height());
 }
 
-// The first line below a block's top: of the block itself, or of the table that begins with it.
+// Bottom of the first line at the top of a block: its own, or that of a table beginning with it.
 qreal firstLineBottom(const QTextDocument& document, const QTextBlock& block) {
     const QRectF place = document.documentLayout()->blockBoundingRect(block);
     const qreal line = block.layout()->lineCount() > 0 ? block.layout()->lineAt(0).height() : 0;
@@ -42,7 +42,7 @@ qreal firstLineBottom(const QTextDocument& document, const QTextBlock& block) {
 }
 
 // Breaks the page before a heading that would be the last line on it. A break moves only later
-// text, so one pass is enough.
+// text, so one pass suffices.
 void keepHeadingsWithText(QTextDocument& document) {
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
         const QTextBlock next = block.next();
@@ -55,7 +55,7 @@ void keepHeadingsWithText(QTextDocument& document) {
         QTextBlockFormat format = block.blockFormat();
         format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
         cursor.setBlockFormat(format);
-        // full layout: a layout of the change alone omits lines further down
+        // full layout: an incremental one omits lines further down
         document.markContentsDirty(0, document.characterCount());
     }
 }
@@ -65,13 +65,13 @@ void paintMargins(QPainter& painter, const QRectF& page, const Report& report, i
     QFont small = painter.font();
     small.setPointSizeF(kSmallPoints);
     painter.setFont(small);
-    painter.setPen(kQuiet);
+    painter.setPen(kGrey);
     painter.drawText(page, Qt::AlignLeft | Qt::AlignTop, report.headLeft);
     painter.drawText(page, Qt::AlignRight | Qt::AlignTop, report.headRight);
     painter.drawText(page, Qt::AlignLeft | Qt::AlignBottom, report.footLeft);
     painter.drawText(page, Qt::AlignRight | Qt::AlignBottom,
                      QStringLiteral("Sivu %1/%2").arg(number).arg(pages));
-    painter.setPen(QPen(kQuiet, kResolution / 200.0));
+    painter.setPen(QPen(kGrey, kResolution / 200.0));
     const qreal headLine = page.top() + kHead * 0.6;
     const qreal footLine = page.bottom() - kFoot * 0.6;
     painter.drawLine(QPointF(page.left(), headLine), QPointF(page.right(), headLine));

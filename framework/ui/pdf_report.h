@@ -5,7 +5,7 @@
 namespace framework {
 
 /// A report: HTML body and the texts of each page's header and footer. The page number is at the
-/// right of the footer.
+/// right end of the footer.
 struct Report {
     QString html;
     QString headLeft;

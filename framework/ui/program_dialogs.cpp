@@ -14,8 +14,8 @@ namespace framework {
 
 namespace {
 
-// Windows also open where no screen shows them: services, and tasks without a logged-on user, have
-// a window station of their own.
+// Windows can also be created where no screen shows them: services, and tasks without a logged-on
+// user, have their own window station.
 bool stationIsVisible() {
 #ifdef Q_OS_WIN
     USEROBJECTFLAGS flags{};
@@ -45,13 +45,13 @@ QString title(const QWidget* parent) {
 
 }  // namespace
 
-bool ProgramDialogs::someoneThere() const {
+bool ProgramDialogs::isInteractive() const {
     static const QStringList kInvisible = {QStringLiteral("offscreen"), QStringLiteral("minimal")};
     return !kInvisible.contains(QGuiApplication::platformName()) && stationIsVisible();
 }
 
 void ProgramDialogs::message(QWidget* parent, MessageKind kind, const QString& text) {
-    if (!someoneThere()) {
+    if (!isInteractive()) {
         QTextStream(stderr) << text << '\n';
         return;
     }
@@ -62,7 +62,7 @@ void ProgramDialogs::message(QWidget* parent, MessageKind kind, const QString& t
 }
 
 bool ProgramDialogs::ask(QWidget* parent, const QString& text) {
-    if (!someoneThere())
+    if (!isInteractive())
         return false;
     QMessageBox box(QMessageBox::Question, title(parent), text, QMessageBox::NoButton, parent);
     box.setTextFormat(Qt::PlainText);
@@ -94,7 +94,7 @@ int ProgramDialogs::choose(QWidget* parent, const QString& text, const QStringLi
 
 QString ProgramDialogs::saveFileName(QWidget* parent, const QString& dialogTitle,
                                      const QString& suggested, const QString& filter) {
-    if (!someoneThere())
+    if (!isInteractive())
         return {};
     return QFileDialog::getSaveFileName(parent, dialogTitle, suggested, filter);
 }

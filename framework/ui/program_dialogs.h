@@ -7,7 +7,7 @@ namespace framework {
 /// Message boxes and Qt's file dialog if somebody is there, else standard error.
 class ProgramDialogs : public DialogHandler {
   public:
-    bool someoneThere() const override;
+    bool isInteractive() const override;
     void message(QWidget* parent, MessageKind kind, const QString& text) override;
     bool ask(QWidget* parent, const QString& text) override;
     int choose(QWidget* parent, const QString& text, const QStringList& answers) override;

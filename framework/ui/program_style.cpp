@@ -15,7 +15,7 @@ constexpr int kTitleTop = 7;
 constexpr int kTitleGap = 2;  // between the title and the contents
 constexpr double kCorner = 4.0;
 constexpr int kDarkGround = 100;  // lightness, of 255
-constexpr int kItemAir = 4;       // of a row in a list, above and below together
+constexpr int kItemPadding = 4;   // of list rows, above and below together
 
 QColor between(const QColor& from, const QColor& to, double share) {
     const auto mix = [share](int a, int b) { return static_cast<int>(a + (b - a) * share); };
@@ -28,7 +28,7 @@ QFont titleFont(const QWidget* widget) {
     return font;
 }
 
-// The plain group; one that can be checked stays as the base style draws it.
+// Only plain groups are cards; checkable ones keep the base style.
 const QStyleOptionGroupBox* asCard(QStyle::ComplexControl control, const QStyleOption* option) {
     if (control != QStyle::CC_GroupBox)
         return nullptr;
@@ -38,7 +38,7 @@ const QStyleOptionGroupBox* asCard(QStyle::ComplexControl control, const QStyleO
     return checkable ? nullptr : box;
 }
 
-// Of no height where a card has no title.
+// Height 0 if the card has no title.
 QRect titleRect(const QStyleOptionGroupBox& box, const QWidget* widget) {
     const int height = box.text.isEmpty() ? 0 : QFontMetrics(titleFont(widget)).height();
     return {box.rect.left() + kTitleLeft, box.rect.top() + kTitleTop,
@@ -64,7 +64,7 @@ void drawCard(const QStyleOptionGroupBox& box, QPainter* painter, const QWidget*
 
 ProgramStyle::ProgramStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
 
-// Placeholder texts are readable on any background and fade when disabled.
+// Placeholder texts: readable on any background, faded when disabled.
 void ProgramStyle::polish(QPalette& palette) {
     QProxyStyle::polish(palette);
     for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
@@ -75,7 +75,7 @@ void ProgramStyle::polish(QPalette& palette) {
                      palette.color(QPalette::Disabled, QPalette::Text));
 }
 
-// Fusion outlines check boxes and radio buttons darker than the background, invisible on a dark
+// Fusion outlines check boxes and radio buttons darker than the background: invisible on a dark
 // one.
 void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                                  QPainter* painter, const QWidget* widget) const {
@@ -135,7 +135,7 @@ QSize ProgramStyle::sizeFromContents(ContentsType type, const QStyleOption* opti
                      metrics.size(Qt::TextShowMnemonic, box->text).width() + 2 * kTitleLeft));
         }
     } else if (type == CT_ItemViewItem) {
-        wanted.rheight() += kItemAir;
+        wanted.rheight() += kItemPadding;
     }
     return wanted;
 }

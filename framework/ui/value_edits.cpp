@@ -20,7 +20,7 @@
 namespace framework {
 
 namespace {
-constexpr int kMostDecimals = 14;
+constexpr int kMaxDecimals = 14;
 }  // namespace
 
 void ExitEdit::focusOutEvent(QFocusEvent* event) {
@@ -86,7 +86,7 @@ void DecimalEdit::showValue(double value) {
     QLocale locale;
     locale.setNumberOptions(QLocale::OmitGroupSeparator);
     const bool fits = QString::number(value, 'f', m_decimals).toDouble() == value;
-    const int decimals = fits ? m_decimals : kMostDecimals;
+    const int decimals = fits ? m_decimals : kMaxDecimals;
     QString text = locale.toString(value, 'f', decimals);
     const QString point = locale.decimalPoint();
     if (text.contains(point)) {
@@ -114,7 +114,7 @@ void DecimalEdit::readTyped(const QString& typed) {
     QString text = typed.trimmed();
     text.replace(QLatin1Char(','), QLatin1Char('.'));
     if (text.section(QLatin1Char('.'), 1).size() <= m_decimals)
-        limitDecimals(m_decimals);  // the longer text of the set value is gone
+        limitDecimals(m_decimals);  // no longer the text of a set value
     double number = 0.0;
     if (text.isEmpty())
         m_readable = m_emptyIsZero;
@@ -141,7 +141,7 @@ int altDigit(const QKeyEvent& event) {
 
 void DecimalEdit::keyPressEvent(QKeyEvent* event) {
     if (altDigit(*event) >= 0) {
-        event->accept();  // the digit would be typed into the text
+        event->accept();  // else the digit would be typed into the text
         return;
     }
     ExitEdit::keyPressEvent(event);
@@ -159,7 +159,7 @@ void DecimalEdit::keyReleaseEvent(QKeyEvent* event) {
 
 namespace {
 
-// The locale's short date with four digits of the year.
+// The locale's short date format with a four-digit year.
 QString dateFormat() {
     QString format = QLocale().dateFormat(QLocale::ShortFormat);
     if (!format.contains(QStringLiteral("yyyy")))

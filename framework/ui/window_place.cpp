@@ -11,8 +11,8 @@ namespace framework {
 
 namespace {
 
-bool someoneWorksHere() {
-    return Dialogs::someoneThere() && !platform::hasSwitch(QStringLiteral("/E"));
+bool remembersPlaces() {
+    return Dialogs::isInteractive() && !platform::hasSwitch(QStringLiteral("/E"));
 }
 
 class PlaceKeeper : public QObject {
@@ -21,8 +21,8 @@ class PlaceKeeper : public QObject {
         : QObject(&window), m_window(window), m_key(std::move(key)) {}
 
     bool eventFilter(QObject*, QEvent* event) override {
-        // Minimising hides too, but then the system says so (spontaneous).
-        if (event->type() == QEvent::Hide && !event->spontaneous() && someoneWorksHere())
+        // Minimising also hides the window, but spontaneously.
+        if (event->type() == QEvent::Hide && !event->spontaneous() && remembersPlaces())
             platform::userSettings()->setValue(m_key, m_window.saveGeometry());
         return false;
     }
@@ -37,7 +37,7 @@ class PlaceKeeper : public QObject {
 bool rememberPlace(QWidget& window, const QString& name) {
     const QString key = QStringLiteral("Paikat/") + name;
     window.installEventFilter(new PlaceKeeper(window, key));
-    return someoneWorksHere() &&
+    return remembersPlaces() &&
            window.restoreGeometry(platform::userSettings()->value(key).toByteArray());
 }
 

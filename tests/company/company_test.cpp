@@ -45,13 +45,13 @@ TEST(Company, FolderRule) {
 TEST(Company, OnlyTheCaseOfAToZIsIgnored) {
     EXPECT_TRUE(sameIgnoringAsciiCase(str("Äiti Az"), str("Äiti aZ")));
     EXPECT_FALSE(sameIgnoringAsciiCase(str("Äiti"), str("äiti")));
-    EXPECT_FALSE(sameIgnoringAsciiCase(str("[a"), str("{a")));  // 0x20 apart, no letters
+    EXPECT_FALSE(sameIgnoringAsciiCase(str("[a"), str("{a")));  // 0x20 apart, but not letters
     EXPECT_FALSE(sameIgnoringAsciiCase(str("a"), str("ab")));
 }
 
 TEST(Company, NamesAreSortedInFinnishOrder) {
     QStringList names = str("Öljy äiti Zeta Åbo alfa Beta").split(u' ');
-    sortForFinnishEyes(names);
+    sortInFinnishOrder(names);
     EXPECT_EQ(names.join(u' '), str("alfa Beta Zeta Åbo äiti Öljy"));
 }
 
@@ -100,7 +100,7 @@ TEST_F(AliasesTest, ReplacesAndRemovesInAnyCaseOfAToZ) {
 }
 
 #ifndef Q_OS_WIN
-// Hand-written values are read as they stand and survive a save.
+// Hand-written values are read literally and survive a save.
 TEST_F(AliasesTest, KeepsAHandWrittenFile) {
     const char* const values[][2] = {{"/srv/a,b", "/srv/a,b"},
                                      {"Server=h;Port=1583", "Server=h;Port=1583"},
@@ -218,7 +218,7 @@ TEST_F(AliasesTest, ADamagedFileIsNamedAndLeftAlone) {
     EXPECT_THROW(store(), data::DataError);
 }
 
-TEST_F(AliasesTest, TakingACompanyIntoUse) {
+TEST_F(AliasesTest, SelectingACompany) {
     storeAlias({str("Eka Ö"), str("/data"), str("/oma"), str("zav")});
     storeAlias({str("tyhjä"), {}, {}, {}});
     ASSERT_TRUE(takeIntoUse(str("eKA Ö")));

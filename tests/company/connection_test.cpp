@@ -86,7 +86,8 @@ TEST_F(ConnectionTest, TheAliasChoosesTheEngineOrSaysWhyNot) {
     storeAlias({str("poissa"), empty.filePath(str("poissa")), {}, {}});
     storeAlias({str("kansioton"), {}, {}, {}});
     const QString workingFolder = QDir::currentPath();
-    ASSERT_TRUE(QDir::setCurrent(m_company.path()));  // its database is nobody's here
+    ASSERT_TRUE(
+        QDir::setCurrent(m_company.path()));  // its database is not a registered company here
     const char* const cases[][3] = {
         {"tyhjä", "client library", ""},
         {"poissa", "does not exist", "poissa\" ei ole"},
@@ -105,7 +106,7 @@ TEST_F(ConnectionTest, TheAliasChoosesTheEngineOrSaysWhyNot) {
 
 TEST_F(ConnectionTest, FileErrorsNameTheRemedyInFinnish) {
     const QString file = m_company.file(engines::kEmbeddedFileName);
-    const auto told = [&] {
+    const auto message = [&] {
         return test::thrownBy([&] { TZavDbConnectionModule::openByAlias(currentCompany().name); })
             .finnish();
     };
@@ -114,13 +115,14 @@ TEST_F(ConnectionTest, FileErrorsNameTheRemedyInFinnish) {
         ASSERT_TRUE(database.open(QIODevice::ReadWrite) && database.seek(60));
         ASSERT_EQ(database.write(QByteArray::fromHex("00000063")), 4);  // user_version 99
     }
-    EXPECT_EQ(told(), str("Tietokanta hylkäsi toiminnon: ") + file +
-                          str(": tietokannan muoto 99 on uudempi kuin tämän ohjelman muoto 1. "
-                              "Ota käyttöön ohjelman uudempi versio."));
+    EXPECT_EQ(message(), str("Tietokanta hylkäsi toiminnon: ") + file +
+                             str(": tietokannan muoto 99 on uudempi kuin tämän ohjelman muoto 2. "
+                                 "Ota käyttöön ohjelman uudempi versio."));
     test::writeFile(file, QByteArray("jotain muuta\n").repeated(1000));
-    EXPECT_EQ(told(), str("Tiedot ovat vioittuneet: ") + file +
-                          str(": tiedosto ei ole tietokanta (virhekoodi 26). Palauta varmuuskopio "
-                              "tai ota yhteys tukeen."));
+    EXPECT_EQ(message(),
+              str("Tiedot ovat vioittuneet: ") + file +
+                  str(": tiedosto ei ole tietokanta (virhekoodi 26). Palauta varmuuskopio "
+                      "tai ota yhteys tukeen."));
 }
 
 TEST_F(ConnectionTest, SwitchesTraceTheQueriesOfTheProgram) {

@@ -56,7 +56,7 @@ TEST_F(LogsTest, GeneralLogIsWindows1252) {
     EXPECT_TRUE(entry.match(text).hasMatch()) << text.toStdString();
 }
 
-TEST_F(LogsTest, AFailureIsReportedOnceAndStopsNobody) {
+TEST_F(LogsTest, AFailureIsReportedOnceAndStopsNothing) {
     const QString blocked = m_company.file(str("ALVMUUTOS.LOG"));
     ASSERT_TRUE(QDir().mkpath(blocked));
     for (int i = 0; i < 3; ++i)

@@ -51,7 +51,7 @@ const auto kLVar = field(Kind::VarBinary, Storage::LVar, 6);
 const auto kBlob = field(Kind::Memo, Storage::Blob, 8);
 const auto kGuid = field(Kind::RawBytes, Storage::Guid, 16);
 
-// Texts of values with the bytes that hold them, separated by '|'.
+// Value texts with their bytes, separated by '|'.
 struct Texts {
     data::TFieldCacheItem field;
     const char* pairs;
@@ -340,7 +340,7 @@ TEST(Windows1252, EveryByteComesBack) {
     EXPECT_EQ(text.at(0x80), QChar(0x20AC));  // €
     EXPECT_EQ(text.at(0x8A), QChar(0x0160));  // Š
     EXPECT_EQ(text.at(0x9F), QChar(0x0178));  // Ÿ
-    EXPECT_EQ(text.at(0x81), QChar(0x0081));  // an open code
+    EXPECT_EQ(text.at(0x81), QChar(0x0081));  // an undefined code
     EXPECT_EQ(text.at(0xE4), QChar(0x00E4));  // ä
     QByteArray back;
     ASSERT_TRUE(data::toWindows1252(text, back));

@@ -34,7 +34,7 @@ data::TableSource parse(const char* text) {
     return data::parseTableSource(QByteArray(text), "koe.dict");
 }
 
-// The message of the error that reading a block ends in; empty when there is none.
+// The error message of reading a block; empty if there is none.
 QString readError(const QByteArray& block, const QString& table = "KOE") {
     std::vector<data::TFieldCacheItem> fields;
     try {
@@ -81,7 +81,7 @@ TEST(DictionaryBlock, EveryTruncationIsDamage) {
 TEST(DictionaryBlock, OtherVersions) {
     QByteArray block = test::bytes(kUserBlock);
     block.replace("0002", "0001");
-    // what the user sees, whichever the language
+    // shown to the user in both languages
     const QString message =
         "Error - Resource [ALVKANTA]  in old format. Re-compile with RESMAIN.EXE";
     EXPECT_EQ(readError(block, "ALVKANTA"), message + u'|' + message);
@@ -243,7 +243,7 @@ TEST_F(ModuleFile, ComesFirstAndKeepsOtherVersionsApart) {
     EXPECT_EQ(base.FFields.size(), 10U);
 }
 
-TEST_F(ModuleFile, BrokenOneLeavesTheEarlier) {
+TEST_F(ModuleFile, AnInvalidFileLeavesThePreviousOne) {
     const QByteArray block = test::bytes(kUserBlock);
     TTblResReader::setModuleFile(write(block));
     for (qsizetype cut = 1; cut < block.size(); ++cut)

@@ -7,7 +7,7 @@ namespace {
 
 using namespace data;
 
-// The record that the conditions below are asked of.
+// The record that the conditions below are tested on.
 class FilterTest : public ::testing::Test {
   protected:
     FilterTest() : m_layout(m_source.name, m_source.fields, m_source.span()) {
@@ -43,7 +43,7 @@ class FilterTest : public ::testing::Test {
 };
 
 TEST_F(FilterTest, Conditions) {
-    // And binds stronger than or, not stronger than both.
+    // "and" binds more strongly than "or", "not" more strongly than both.
     const QString holding =
         "|  \n |nro=34|nro>=34 and nro<=34|nro < 34.5|nro > 33,9|nro = +34|nro = '34'|"
         "ryhma = -5|nro < 99999999999999999999|hinta=12,5|hinta = '12.5'|prosentti = 0.1|"

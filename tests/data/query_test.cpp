@@ -9,7 +9,7 @@ namespace {
 using namespace data;
 using test::errorOf;
 
-TEST(Parameters, AreFoundOutsideOfTextsNamesAndComments) {
+TEST(Parameters, AreFoundOutsideTextsNamesAndComments) {
     const std::map<const char*, const char*> cases{
         {"select 1", ""},
         {"where tuote = :tuote and maara=:maara", "tuote maara"},
@@ -111,7 +111,7 @@ TEST_F(QueryTest, WalksAResult) {
     EXPECT_FALSE(field("pvm").asDate().isValid());
     EXPECT_EQ(errorOf([&] { field("olematon"); }), ErrorKind::NoSuchField);
 
-    // A query that fails on the way is closed and usable again.
+    // A query that fails while being read is closed and can be used again.
     m_query.sql().setText("select 1 x union all select abs(-9223372036854775807 - 1)");
     EXPECT_TRUE(errorOf([&] { m_query.open(); }).has_value());
     EXPECT_FALSE(m_query.isOpen());
@@ -124,8 +124,8 @@ TEST_F(QueryTest, WalksAResult) {
     EXPECT_EQ(errorOf([&] { m_query.open(); }), ErrorKind::Engine);
 }
 
-// Anonymous memory of this process in kilobytes; 0 where it cannot be told (a memory checker keeps
-// freed blocks).
+// Anonymous memory of this process in kilobytes; 0 where it cannot be measured (a memory checker
+// keeps freed blocks).
 qint64 anonymousMemory() {
 #ifdef __SANITIZE_ADDRESS__
     return 0;
@@ -160,7 +160,7 @@ TEST_F(QueryTest, ALargeResultGoesToAFile) {
     }
 }
 
-// The result stays as it was when it was opened, whatever is written meanwhile.
+// Later writes do not change an open result.
 TEST_F(QueryTest, ResultIsFixedWhenOpened) {
     test::KoeTable table(m_engine.database());
     for (int i = 1; i <= 50; ++i)

@@ -6,7 +6,7 @@
 
 namespace test {
 
-/// A field at the start of a record, as a dictionary would describe it.
+/// A field at the start of a record, as from a dictionary.
 inline data::TFieldCacheItem field(data::Kind kind, data::Storage storage, int length, int mask = 0,
                                    int offset = 0) {
     data::TFieldCacheItem item;
@@ -21,12 +21,12 @@ inline data::TFieldCacheItem field(data::Kind kind, data::Storage storage, int l
     return item;
 }
 
-/// Bytes from hexadecimal digits; blanks between them are for the reader.
+/// Bytes from hexadecimal digits; blanks are ignored.
 inline QByteArray bytes(const char* hex) {
     return QByteArray::fromHex(hex);
 }
 
-/// The bytes that writing `value` leaves in a record that was full of FF before.
+/// The bytes after writing `value` to a record filled with FF.
 inline QByteArray written(const data::TFieldCacheItem& field, const data::Value& value) {
     QByteArray record(field.offset + field.storedLength, '\xFF');
     data::writeValue(field, reinterpret_cast<uchar*>(record.data()), value,

@@ -11,7 +11,7 @@
 
 namespace test {
 
-/// The table of the record table and filter tests: every kind of field that they need.
+/// The table of the record table and filter tests, with every kind of field they need.
 inline data::TableSource koeSource() {
     return data::parseTableSource(
         "table KOE\n"
@@ -34,7 +34,7 @@ inline data::TableSource koeSource() {
         QStringLiteral("koe.dict"));
 }
 
-/// An engine with an empty table KOE, as two programs see it.
+/// An engine with an empty table KOE, opened by two programs.
 class Engine {
   public:
     virtual ~Engine() = default;
@@ -67,12 +67,12 @@ class EmbeddedTestEngine : public Engine {
     std::unique_ptr<data::Database> m_second;
 };
 
-/// The same store behind the shops' engine's call interface; each program is a session of its own.
+/// The same store behind the shops' engine's call interface; each program is a separate session.
 class ShopsTestEngine : public Engine {
   public:
-    /// `peculiarities`: columns of the fake client's list of databases.
-    explicit ShopsTestEngine(const QString& peculiarities = {}) {
-        m_databases.add(QStringLiteral("koe"), m_store.folder(), peculiarities);
+    /// `quirks`: columns of the fake client's list of databases.
+    explicit ShopsTestEngine(const QString& quirks = {}) {
+        m_databases.add(QStringLiteral("koe"), m_store.folder(), quirks);
         m_first = open();
     }
     data::Database& database() override { return *m_first; }
@@ -96,7 +96,7 @@ class ShopsTestEngine : public Engine {
     std::unique_ptr<data::Database> m_second;
 };
 
-/// An older engine: no reading of many records at once, no addresses to tell equal keys' order by.
+/// An older engine: no extended reads, no addresses to order equal keys by.
 class PlainShopsTestEngine : public ShopsTestEngine {
   public:
     PlainShopsTestEngine() : ShopsTestEngine(QStringLiteral("linked\tplain")) {}
@@ -118,7 +118,7 @@ class KoeTable : public data::TtbTable {
     void add(int nro, int ryhma, const QString& nimi, double hinta = 0) {
         insertRecord({nro, ryhma, nimi, hinta});
     }
-    /// The numbers of all records of the view, walked from the first.
+    /// The numbers of the view's records, from the first.
     QList<int> walk() {
         QList<int> numbers;
         for (first(); !eof(); next())
@@ -127,7 +127,7 @@ class KoeTable : public data::TtbTable {
     }
 };
 
-/// Runs `call` and gives the kind of DataError that it throws; nothing when it throws none.
+/// The kind of DataError that a call throws; nothing if it throws none.
 template <typename Call>
 std::optional<data::ErrorKind> errorOf(Call call, QString* detail = nullptr) {
     try {

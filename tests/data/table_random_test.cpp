@@ -3,7 +3,7 @@
 
 #include "tests/data/table_fixture.h"
 
-// Record tables against a model: a list that is filtered and sorted anew for every step.
+// Record tables against a model: a list filtered and sorted again at every step.
 
 namespace {
 
@@ -21,7 +21,7 @@ struct Row {
     bool operator==(const Row&) const = default;
 };
 
-// What a model's key compares: case folded name, or numbers.
+// The model's key: folded name, or numbers.
 using Key = std::vector<double>;
 
 class Model {
@@ -35,7 +35,7 @@ class Model {
     bool withRecordFilter = false;
     std::optional<std::pair<std::vector<double>, std::vector<double>>> range;
 
-    // Names are N followed by a letter, which sorts by its place in the alphabet.
+    // Names are N and a letter, which sorts by its position in the alphabet.
     static double rank(const QString& nimi) { return nimi.at(1).toUpper().unicode(); }
 
     Key keyOf(const Row& row) const {
@@ -80,7 +80,7 @@ class Model {
         return list;
     }
 
-    void stand(std::optional<Row> row, bool atEof = false) {
+    void moveTo(std::optional<Row> row, bool atEof = false) {
         current = std::move(row);
         eof = atEof || !current;
         bof = !current;
@@ -118,7 +118,7 @@ class Model {
     // After the current record left the view or the table.
     void moveOn() {
         const std::optional<Row> found = current ? following() : end(false);
-        stand(found ? found : end(true), !found);
+        moveTo(found ? found : end(true), !found);
     }
     void moveOnUnlessShown() {
         if (!current || !contains(*current))
@@ -136,7 +136,7 @@ class RandomWalk {
         for (int i = 0; i < 40; ++i)
             insert();
         m_table.first();
-        m_model.stand(m_model.end(false));
+        m_model.moveTo(m_model.end(false));
     }
 
     void run(int steps) {
@@ -205,16 +205,16 @@ class RandomWalk {
         m_table.post();
         row.id = m_table.recordId();
         m_model.rows[row.id] = row;
-        m_model.stand(row);
+        m_model.moveTo(row);
     }
 
     void first() {
         m_table.first();
-        m_model.stand(m_model.end(false));
+        m_model.moveTo(m_model.end(false));
     }
     void last() {
         m_table.last();
-        m_model.stand(m_model.end(true));
+        m_model.moveTo(m_model.end(true));
     }
     void next() {
         m_table.next();
@@ -246,7 +246,7 @@ class RandomWalk {
         bool expected = false;
         for (const Row& row : m_model.view()) {
             if (Model::compareLeading(m_model.keyOf(row), key) == 0) {
-                m_model.stand(row);
+                m_model.moveTo(row);
                 expected = true;
                 break;
             }
@@ -263,9 +263,9 @@ class RandomWalk {
                 found = row;
         const bool exact = found && Model::compareLeading(m_model.keyOf(*found), key) == 0;
         if (found)
-            m_model.stand(found);
+            m_model.moveTo(found);
         else
-            m_model.stand(m_model.end(true), true);
+            m_model.moveTo(m_model.end(true), true);
         if (below(2) == 0) {
             EXPECT_EQ(m_table.findNearest(values), exact);
         } else {
@@ -282,7 +282,7 @@ class RandomWalk {
         const KeyValues high = below(3) == 0 ? low : keyValues(1 + below(2));
         m_table.setRange(low, high);
         m_model.range = {modelKey(low), modelKey(high)};
-        m_model.stand(m_model.end(false));
+        m_model.moveTo(m_model.end(false));
     }
 
     void setIndex() {
@@ -351,10 +351,10 @@ class RandomWalk {
         const bool expected = m_model.contains(marked);
         EXPECT_EQ(m_table.gotoBookmark(mark), expected);
         if (expected)
-            m_model.stand(marked);
+            m_model.moveTo(marked);
     }
 
-    // Somebody else's changes show after a refresh.
+    // Changes by another program show after a refresh.
     void otherWrites() {
         for (int i = 0; i < 3 && !m_model.rows.empty(); ++i) {
             auto victim = m_model.rows.begin();
@@ -374,7 +374,7 @@ class RandomWalk {
         }
         m_table.refresh();
         if (!m_model.current) {
-            m_model.stand(m_model.end(false));
+            m_model.moveTo(m_model.end(false));
             return;
         }
         const auto stored = m_model.rows.find(m_model.current->id);

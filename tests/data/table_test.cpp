@@ -13,7 +13,7 @@ DataError diskError() {
     return DataError(ErrorKind::Io, "KOE", "levy");
 }
 
-/// Every engine must behave alike.
+/// Every engine must behave the same.
 template <typename T>
 class TableOnEngine : public ::testing::Test {
   protected:
@@ -39,7 +39,7 @@ class TableTest : public TableOnEngine<test::WatchedTestEngine> {
 TEST_F(TableTest, WalksReadAhead) {
     KoeTable table(m_engine.database(), "2");
     fill(table);
-    // A group of five rows: one call for all of them, its end included.
+    // A group of five rows: one call reads all of them and the end.
     EXPECT_EQ(readsOf([&] {
                   table.setRange({2}, {2});
                   EXPECT_EQ(table.nro(), 20);
@@ -51,7 +51,7 @@ TEST_F(TableTest, WalksReadAhead) {
                   EXPECT_TRUE(table.eof());
               }),
               1);
-    // Rows that are posted on the way, their key unchanged, cost no further call.
+    // Rows posted during the walk, with their key unchanged, cost no further call.
     EXPECT_EQ(readsOf([&] {
                   for (table.first(); !table.eof(); table.next()) {
                       table.edit();
@@ -137,7 +137,7 @@ TEST_F(TableTest, FailuresLeaveRecordAndStateAsTheyWere) {
     table.cancel();
     EXPECT_EQ(table["Hinta"].asFloat(), 1);
     EXPECT_EQ(m_engine.calls.locks, 0);
-    // A refused new record is forgotten.
+    // A refused new record is dropped.
     EXPECT_EQ(errorOf([&] { table.add(30, 1, "toinen"); }), ErrorKind::DuplicateKey);
     EXPECT_EQ(table.state(), TableState::Browse);
     EXPECT_EQ(table.nro(), 21);
@@ -192,13 +192,13 @@ TYPED_TEST(TableOnEngine, TwoProgramsEditsExcludeEachOtherAndReread) {
     theirs.refresh();
     EXPECT_EQ(theirs["Hinta"].asFloat(), 12);
 
-    // Closing gives the lock back.
+    // Closing releases the lock.
     theirs.edit();
     theirs.close();
     EXPECT_TRUE(mine.tryEdit(std::chrono::milliseconds(0)));
     mine.cancel();
 
-    // Deleted meanwhile.
+    // Deleted by another program.
     theirs.open();
     theirs.deleteRecord();
     EXPECT_EQ(theirs.nro(), 2);
@@ -274,7 +274,7 @@ TYPED_TEST(TableOnEngine, DeclaredAndCalculatedFields) {
     QLocale::setDefault(QLocale::c());
 }
 
-// Formats, numbers and what they show.
+// Format, number, text.
 TEST(DisplayFormat, Numbers) {
     const char* const cases =
         "#0.00|0|0,00|#0.00|1234.567|1234,57|#0.00|-0.001|0,00|#0.00|-12.345678|-12,35|"

@@ -4,12 +4,12 @@
 
 namespace test {
 
-/// What is seen of the calls into an engine's records, and where they fail.
+/// Counts calls to an engine's records, and makes them fail.
 struct Calls {
     int reads = 0;     ///< that fetched records by key
     int locks = 0;     ///< held
     int prepared = 0;  ///< statements
-    /// Called before every read ("read") and write ("write"); throws to let it fail.
+    /// Called before every read ("read") and write ("write"); may throw.
     std::function<void(const char*)> before;
 };
 
@@ -78,7 +78,7 @@ class WatchedFile : public data::TableFile {
     Calls& m_calls;
 };
 
-/// The embedded engine with its calls watched.
+/// The embedded engine with counted calls.
 class WatchedDatabase : public data::Database {
   public:
     WatchedDatabase(data::Database& database, Calls& calls)

@@ -102,7 +102,7 @@ TEST(DefinitionCodec, EveryFieldAloneIsReadBack) {
         EXPECT_TRUE(decoded.unreadable.empty());
         EXPECT_NE(decoded.definition, ChangeDefinition());
         EXPECT_EQ(vatchange::encodeDefinition(decoded.definition), texts);
-        EXPECT_FALSE(field.spoken.isEmpty());
+        EXPECT_FALSE(field.accessibleName.isEmpty());
     }
     std::mt19937 random(7);
     const ChangeField& coefficient = vatchange::changeField(str("OtKerroinEdit"));
@@ -223,13 +223,13 @@ TEST(DefinitionNotes, NameIgnoredValues) {
     EXPECT_TRUE(vatchange::definitionNotes(loaded, kFacts).isEmpty());
 }
 
-TEST(LoadFindings, HoldUntilTheirValueIsEdited) {
+TEST(LoadFindings, ApplyUntilTheirValueIsEdited) {
     LoadedDefinition loaded = loadedWith("OstohintaEdit=x;KohdeAlvLuokkaEdit");
-    EXPECT_EQ(vatchange::stillHolding(loaded.findings, loaded.definition), loaded.findings);
+    EXPECT_EQ(vatchange::remainingFindings(loaded.findings, loaded.definition), loaded.findings);
     loaded.definition.targetClass = 6;
-    const auto holding = vatchange::stillHolding(loaded.findings, loaded.definition);
-    ASSERT_EQ(holding.size(), 1U);
-    EXPECT_EQ(holding[0].control, str("OstohintaEdit"));
+    const auto remaining = vatchange::remainingFindings(loaded.findings, loaded.definition);
+    ASSERT_EQ(remaining.size(), 1U);
+    EXPECT_EQ(remaining[0].control, str("OstohintaEdit"));
 }
 
 TEST(IgnoreList, KeepsNumbersAndReportsTheRest) {

@@ -83,7 +83,7 @@ FailingCalls::~FailingCalls() {
     watch() = {};
 }
 
-int usualError(const FileCall& call) {
+int defaultError(const FileCall& call) {
     static const std::map<QString, int> errors = {
         {"write", ENOSPC}, {"open", EACCES},   {"rename", EACCES}, {"remove", EACCES},
         {"lock", ENOLCK},  {"unlock", ENOLCK}, {"map", ENOMEM}};

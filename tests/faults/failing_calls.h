@@ -28,6 +28,6 @@ class FailingCalls {
 };
 
 /// The errno that such a call typically fails with.
-int usualError(const FileCall& call);
+int defaultError(const FileCall& call);
 
 }  // namespace test

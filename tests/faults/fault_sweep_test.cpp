@@ -204,7 +204,7 @@ TEST_F(FaultSweep, EachCallFailsOnce) {
             if (++call != n)
                 return 0;
             failed = c;
-            return test::usualError(c);
+            return test::defaultError(c);
         });
         SCOPED_TRACE("call " + std::to_string(n) + ": " + failed.name.toStdString() + " of " +
                      failed.file.toStdString());

@@ -1,6 +1,6 @@
-// The power goes at random moments of a whole run: of what was not flushed, anything may be there
-// or not. The company then is exactly what it was after the last statement that was reported as
-// done, or after the one that was being stored. TAKSAVAIHE_LOSSES sets how often.
+// Power losses at random moments of a whole run: anything not flushed may be there or not. The
+// company is then exactly in its state after the last statement reported as done, or after the one
+// being stored. TAKSAVAIHE_LOSSES sets how many.
 #include <gtest/gtest.h>
 
 #include <QFile>
@@ -33,8 +33,8 @@ class MarkingPorts : public test::LoggingPorts {
 };
 
 struct Moment {
-    size_t event;   // so many events have happened
-    bool reported;  // something has just been reported as done
+    size_t event;   // number of events so far
+    bool reported;  // a statement has just been reported as done
 };
 
 class PowerLoss : public testing::Test {
@@ -77,14 +77,14 @@ class PowerLoss : public testing::Test {
     const test::ChangeMorning m_morning;
 };
 
-TEST_F(PowerLoss, WhatWasReportedIsThereAndNothingIsHalf) {
+TEST_F(PowerLoss, ReportedChangesAreStoredAndNoneIsPartial) {
     const auto& events = test::RecordingFiles::events();
     const auto flushes = [&events](const QString& name) {
         return std::count_if(events.begin(), events.end(), [&name](const FileEvent& event) {
             return event.kind == FileEvent::Kind::Sync && event.file == name;
         });
     };
-    // at least one on the way, one when the last program closes it
+    // at least one during the run, one when the last program closes the database
     EXPECT_GE(flushes(engines::kEmbeddedFileName), 2);
     EXPECT_GE(flushes(engines::kEmbeddedFileName + QStringLiteral("-wal")), kSize.products);
 

@@ -23,7 +23,7 @@ std::vector<FileEvent>& recorded() {
     return events;
 }
 
-// The platform's file stands behind this one in the memory that SQLite gives.
+// The platform's file follows this one in the memory allocated by SQLite.
 struct RecordedFile : sqlite3_file {
     QString name;  // empty: a temporary file, which is not recorded
     sqlite3_file* real() { return reinterpret_cast<sqlite3_file*>(this + 1); }
@@ -64,7 +64,7 @@ int syncFile(sqlite3_file* file, int) {
     return SQLITE_OK;
 }
 
-// Everything else is the platform's. Without xFetch: the files are not mapped.
+// Everything else is forwarded. Without xFetch: files are not mapped.
 const sqlite3_io_methods kMethods = [] {
     sqlite3_io_methods methods = {};
     methods.iVersion = 2;
@@ -152,7 +152,7 @@ void applyTo(QByteArray& content, const FileEvent& event) {
     std::copy(event.bytes.begin(), event.bytes.end(), content.begin() + event.offset);
 }
 
-// The write's pieces by the disk's sectors, each there or not.
+// Applies an arbitrary subset of the write's sectors.
 void applyTorn(QByteArray& content, const FileEvent& event, std::mt19937& random) {
     for (qint64 at = event.offset; at < event.offset + event.bytes.size();) {
         const qint64 end =

@@ -8,7 +8,7 @@
 
 namespace test {
 
-/// One thing that happened to a database's files.
+/// An event on a database's files.
 struct FileEvent {
     enum class Kind {
         Create,
@@ -16,7 +16,7 @@ struct FileEvent {
         Truncate,
         Sync,
         Remove,
-        Mark  ///< something was reported as done to the outside
+        Mark  ///< something was reported as done
     };
     Kind kind;
     QString file;       ///< name without its folder
@@ -24,8 +24,8 @@ struct FileEvent {
     QByteArray bytes = {};
 };
 
-/// SQLite files whose writes are recorded from construction to destruction: every file that the
-/// engine opens meanwhile. Writes reach the files at once, flushes are only recorded.
+/// Records the writes of all SQLite files opened during its lifetime. Writes reach the files
+/// immediately; flushes are only recorded.
 class RecordingFiles {
   public:
     RecordingFiles();
@@ -37,21 +37,21 @@ class RecordingFiles {
     static const std::vector<FileEvent>& events();
 };
 
-/// The files of a folder as they are after some of the recorded events: as programs see them, and
-/// as a loss of power may leave them.
+/// The files of a folder after some of the recorded events: as programs see them, and as a power
+/// loss may leave them.
 class ReplayedFiles {
   public:
     using Files = std::map<QString, QByteArray>;
 
-    /// `files`: what stands on the disk before the first event.
+    /// `files`: contents before the first event.
     explicit ReplayedFiles(const Files& files);
 
     void apply(const FileEvent& event);
     Files seen() const;
-    /// What was flushed, nothing more.
+    /// Only what was flushed.
     Files flushed() const;
-    /// What was flushed, and of the rest what chance leaves: nothing, the first writes, or any
-    /// sectors of any writes.
+    /// What was flushed, plus at random: nothing, the first unflushed writes, or any sectors of any
+    /// unflushed writes.
     Files afterPowerLoss(std::mt19937& random) const;
 
   private:
@@ -59,8 +59,8 @@ class ReplayedFiles {
         QByteArray seen;
         QByteArray flushed;
         std::vector<FileEvent> pending;
-        bool nameIsSafe = true;  ///< the folder's entry was flushed
-        bool removed = false;    ///< by an event that was not flushed
+        bool nameIsSafe = true;  ///< the directory entry was flushed
+        bool removed = false;    ///< but the removal was not flushed
     };
     std::map<QString, State> m_files;
 };

@@ -182,7 +182,7 @@ TEST_F(ChangeForm, CoefficientsOfThePreviousChangeAreReplacedWithANoticeToAPerso
         str("Kertoimia päivitetty edellisen taksavaiheen yhteydessä tallennetuista asetuksista"));
     ASSERT_TRUE(load("Koe"));
     EXPECT_EQ(m_form->definitionFromForm().purchaseOrderCoefficient, k24To255);
-    EXPECT_TRUE(m_dialogs.allCame());
+    EXPECT_TRUE(m_dialogs.allShown());
     ASSERT_TRUE(load("Uusi"));
     platform::setParameters({str("/e")});
     const QStringList before = m_shop.logMessages();
@@ -220,7 +220,7 @@ TEST_F(ChangeForm, EditsAreCheckedOnLeaving) {
         QCoreApplication::processEvents();
         EXPECT_EQ(edit->hasFocus(), k.refused != nullptr);
         EXPECT_EQ(edit->text(), str(k.shown));
-        EXPECT_TRUE(m_dialogs.allCame());
+        EXPECT_TRUE(m_dialogs.allShown());
         if (k.refused != nullptr && *k.refused == '0') {  // the change button counts as leaving
             m_dialogs.expectMessage(test::rangeWarning(k.refused));
             EXPECT_FALSE(m_form->EsikatseleClick());
@@ -235,7 +235,7 @@ TEST_F(ChangeForm, EditsAreCheckedOnLeaving) {
     press(Qt::Key_Tab);
     QCoreApplication::processEvents();
     EXPECT_TRUE(limit->hasFocus());
-    EXPECT_TRUE(m_dialogs.allCame());
+    EXPECT_TRUE(m_dialogs.allShown());
 
     saveDefinition("Koe", {{"PriceChangeLimitEdit", "10.005"}});  // a file may have more
     ASSERT_TRUE(load("Koe"));
@@ -295,11 +295,11 @@ TEST_F(ChangeForm, KeepingTheVatFreePriceSetsCoefficientAndSource) {
     c().targetClass->setValue(3);
     m_dialogs.expectMessage(str("Lähteen ALV -luokka on sama kuin kohteen ALV -luokka!"));
     QTest::keyClick(c().source(1), Qt::Key_M, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return m_dialogs.allCame(); }));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_dialogs.allShown(); }));
     EXPECT_EQ(c().coefficient(1)->value(), 1.0);
 }
 
-TEST_F(ChangeForm, TheWheelChoosesNothing) {
+TEST_F(ChangeForm, TheWheelDoesNotChangeChoices) {
     saveDefinition("A", {});
     saveDefinition("B", {});
     openForm();

@@ -19,7 +19,7 @@ class RealBoxes : public framework::ProgramDialogs {
     ~RealBoxes() override { framework::Dialogs::setHandler(m_previous); }
     RealBoxes(const RealBoxes&) = delete;
     RealBoxes& operator=(const RealBoxes&) = delete;
-    bool someoneThere() const override { return true; }
+    bool isInteractive() const override { return true; }
 
   private:
     framework::DialogHandler* m_previous;
@@ -76,7 +76,7 @@ TEST_F(FormExits, EscapeAsksOnlyWhenUnsavedChangesWouldBeLost) {
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_form == nullptr; }));
 }
 
-TEST_F(FormExits, EveryEditIsCheckedHoweverFastItIsLeft) {
+TEST_F(FormExits, EveryEditIsCheckedOnFastFocusChanges) {
     m_shop.addProducts(1);
     const std::pair<QWidget*, const char*> wrong[] = {{c().coefficient(1), "2"},
                                                       {c().deliveryLimit, "31.2.2024"}};
@@ -94,7 +94,7 @@ TEST_F(FormExits, EveryEditIsCheckedHoweverFastItIsLeft) {
                 click(control(next));
             QCoreApplication::processEvents();
             EXPECT_TRUE(edit->hasFocus());
-            EXPECT_TRUE(m_dialogs.allCame());
+            EXPECT_TRUE(m_dialogs.allShown());
         }
         type(edit, edit == c().deliveryLimit ? "" : "1");
     }

@@ -34,7 +34,7 @@ inline QString rangeWarning(const char* typed) {
         .arg(str(typed));
 }
 
-/// The active change form of a small company, used as a person would. Closing deletes it.
+/// The active change form of a small company, driven by user input. Closing deletes it.
 class FormTest : public ::testing::Test {
   protected:
     FormTest() {
@@ -67,7 +67,7 @@ class FormTest : public ::testing::Test {
         Q_EMIT m_form->LatausCombo->activated(m_form->LatausCombo->currentIndex());
     }
 
-    // None of these lets the event loop turn.
+    // None of these processes events.
     static void type(QWidget* edit, const char* text) {
         edit->setFocus();
         QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);

@@ -135,7 +135,7 @@ class RecordedDesktop : public framework::Desktop {
 
 using FormReport = test::FormTest;
 
-TEST_F(FormReport, IsSavedAsPdfOrGoesToTheMailProgramAsFarAsTheDesktopAllows) {
+TEST_F(FormReport, IsSavedAsPdfAndMailed) {
     const QString saved = m_shop.file(str("raportti.pdf"));
     m_dialogs.expectFileChoice(saved);
     m_form->Pdf->click();

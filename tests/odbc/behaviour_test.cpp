@@ -1,4 +1,4 @@
-// What statements may rely on, on the embedded engine and every ODBC driver.
+// Behaviour that statements rely on, on the embedded engine and every ODBC driver.
 
 #include <QElapsedTimer>
 

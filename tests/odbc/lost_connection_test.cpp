@@ -34,8 +34,8 @@ int loopbackSocket(quint16 port, Call call) {
     return made;
 }
 
-/// Listens on loopback and forwards each connection to a server, until it is to be silent or to
-/// hang up.
+/// Listens on loopback and forwards each connection to a server, until told to be silent or to
+/// close.
 class Relay {
   public:
     explicit Relay(quint16 serverPort)
@@ -50,7 +50,7 @@ class Relay {
     ~Relay() {
         m_ends = true;
         m_thread.join();
-        hangUp();
+        closeConnections();
         ::close(m_listener);
     }
     Relay(const Relay&) = delete;
@@ -58,10 +58,10 @@ class Relay {
 
     quint16 port() const { return m_port; }
     std::atomic<bool> isSilent{false};  ///< accepts connections and forwards nothing
-    std::atomic<bool> drops{false};     ///< hangs up once
+    std::atomic<bool> drops{false};     ///< closes the connections once
 
   private:
-    void hangUp() {
+    void closeConnections() {
         for (const auto& [client, server] : m_pairs) {
             ::close(client);
             ::close(server);
@@ -71,7 +71,7 @@ class Relay {
     void work() {
         while (!m_ends) {
             if (drops.exchange(false))
-                hangUp();
+                closeConnections();
             std::vector<pollfd> watched{{m_listener, POLLIN, 0}};
             for (const auto& [client, server] : m_pairs) {
                 watched.push_back({client, POLLIN, 0});
@@ -159,12 +159,12 @@ class LostConnection : public ::testing::TestWithParam<Server> {
     std::unique_ptr<Relay> m_relay;
 };
 
-TEST_P(LostConnection, ServerThatNeverAnswers) {
+TEST_P(LostConnection, ServerNeverResponds) {
     m_relay->isSilent = true;
     expectLost([&] { engines::shops::OdbcConnection::connect(settings()); });
 }
 
-TEST_P(LostConnection, ServerThatFallsSilentInAStatement) {
+TEST_P(LostConnection, ServerStopsRespondingDuringAStatement) {
     test::OdbcDatabase database(settings());
     EXPECT_EQ(test::rows(database, "select 1"), test::Rows{"1"});
     m_relay->isSilent = true;

@@ -79,12 +79,12 @@ TEST(IniFile, EverythingElseSurvivesAChange) {
         "\r\n[Two]\r\nx=\" q \"\r\n; tail";
     IniFile ini = IniFile::parse(before, {});
     EXPECT_EQ(ini.toBytes(), before + "\r\n");
-    EXPECT_EQ(ini.strayLine(), 6);
-    EXPECT_EQ(ini.strayLine(str("ONE")), 6);
-    EXPECT_EQ(ini.strayLine(str("Two")), 0);
+    EXPECT_EQ(ini.malformedLine(), 6);
+    EXPECT_EQ(ini.malformedLine(str("ONE")), 6);
+    EXPECT_EQ(ini.malformedLine(str("Two")), 0);
     ini.setValue(str("one"), str("b"), str("3"));
     ini.setValue(str("ONE"), str("c"), str("4"));
-    ini.setValue(str("Two"), str("X"), str(" q "));  // as it was: the line stays
+    ini.setValue(str("Two"), str("X"), str(" q "));  // unchanged value: the line stays
     ini.setValue(str("Three"), str("y"), str("5"));
     const QByteArray after =
         "; head\r\nloose=1\r\n\r\n[ One ]\r\n  a = 1 ; kept\r\nno key here\r\n# why b\r\nB=3\r\n"

@@ -4,7 +4,7 @@ namespace test {
 
 vatchange::ChangeDefinition addSharedKeys(RunCompany& company) {
     company.exec(QStringLiteral("insert into TUOTE (NUMERO, LVV) values ('A1', 3)"));
-    // Huom tells the rows apart; HintaAlv0 is 1 in all
+    // Huom identifies the rows; HintaAlv0 is 1 in all
     for (const char* row :
          {"'fixed', 10, 0, 1, '', 0", "'percent', 15, 1, 1, '', 0", "'next', 80, 0, 1, '', 0",
           "'period', 10.12, 0, 1, '2024-10-01', 0",  // what the first one becomes
@@ -15,7 +15,7 @@ vatchange::ChangeDefinition addSharedKeys(RunCompany& company) {
                                     "values (1, 'A1', 1, 0.1, %1)")
                          .arg(QLatin1String(row)));
     }
-    // another product, told apart by letter case alone
+    // another product, different only by case
     company.exec(QStringLiteral("insert into TUOTE (NUMERO, LVV) values ('a1', 3)"));
     for (const char* row : {"'small', 30", "'smaller', 40"}) {
         company.exec(QStringLiteral("insert into ASALE (AsiakasNumero, Tuote, OstoHinta, Tyyppi, "

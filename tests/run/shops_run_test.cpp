@@ -68,12 +68,12 @@ TEST_F(ShopsRun, UpdatesThroughItsOwnLocksOnly) {
 }
 
 TEST_F(ShopsRun, SurvivesLocksLostDuringTheRun) {
-    test::FakeDatabases others;  // take the place of the sound one
+    test::FakeDatabases others;  // replaces the other list during its lifetime
     others.add(QStringLiteral("taker"), m_company.folder(), QStringLiteral("taker"));
     others.add(QStringLiteral("stuck"), m_company.folder(), QStringLiteral("stuck"));
     m_settings.name = QStringLiteral("taker");
     {
-        // each record is somebody else's between its reading and its update
+        // another session locks each record between its read and its update
         const auto shop = engines::shops::openShopsDatabase(m_settings);
         const vatchange::RunResult result =
             vatchange::runChange(*shop, test::plainDefinition(), m_company.ports);
@@ -108,7 +108,7 @@ TEST_F(ShopsRun, SilentEngineFailsStepsNotTheRun) {
     vatchange::ChangeDefinition definition = test::plainDefinition();
     definition.salesOrders = true;
     definition.purchaseOrders = true;
-    test::FakeDatabases silent;  // takes the place of the others
+    test::FakeDatabases silent;  // replaces the other list
     qputenv("FAKE_CLIENT_DATABASES", m_databases.file().toLocal8Bit());
     silent.add(kName, m_company.folder(), QStringLiteral("silent"));
     m_company.ports.onStatus = [&silent](const QString& text) {

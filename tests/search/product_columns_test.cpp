@@ -78,7 +78,7 @@ struct ProductLookups : ::testing::Test {
     test::ShopCompany m_shop;
 };
 
-TEST_F(ProductLookups, FoundAndMissingRowsAreKeptUntilClearedWithinABound) {
+TEST_F(ProductLookups, CachesFoundAndMissingRowsUpToALimit) {
     m_shop.exec(str("insert into TRYHMA (Nro, Nimi) values (12, 'Juomat')"));
     LookupCache groups(m_shop.database(), str("TRYHMA"), 0, {str("Nimi"), str("nro")});
     const auto name = [&groups](int number) {

@@ -183,7 +183,7 @@ TEST_F(SearchFormTest, DropsMakeFilters) {
 }
 
 TEST_F(SearchFormTest, SearchesRecordByRecord) {
-    // Watches for the wait window, or presses Escape in it.
+    // Waits for the wait window, or presses Escape in it.
     bool waited = false;
     bool cancels = false;
     QTimer watch;
@@ -272,7 +272,7 @@ TEST_F(SearchFormTest, ChoosesNothingInsteadOfARowThatIsGone) {
             str("Riviä ei voi valita: se on poistettu tai sitä on muutettu muualla. "
                 "Rivit luettiin uudelleen."));
         QTest::keyClick(m_form->DBGrid1, Qt::Key_Return);
-        EXPECT_TRUE(dialogs.allCame() && m_form->isVisible()) << c.sql;
+        EXPECT_TRUE(dialogs.allShown() && m_form->isVisible()) << c.sql;
         EXPECT_EQ(numbers(), c.left) << c.sql;
     }
     EXPECT_EQ(m_chosen, QStringList());
@@ -292,9 +292,9 @@ TEST_F(SearchFormTest, ActivationShowsWhatOthersChanged) {
     activate();
     QTest::qWait(50);
     EXPECT_EQ(cellText(*m_form, 1, str("NIMI")), str("Mokka"));
-    EXPECT_EQ(m_form->Valittuja(), 2);  // the same rows: what was selected stays so
+    EXPECT_EQ(m_form->Valittuja(), 2);  // the same rows: the selection stays
 
-    // As many records as before, and others of them fit.
+    // The same number of records, but others match.
     m_company.exec(str("update TUOTE set passiivinen = 1 where NUMERO = '34'"));
     m_company.exec(str("update TUOTE set passiivinen = 0 where NUMERO = '100'"));
     activate();
@@ -303,8 +303,8 @@ TEST_F(SearchFormTest, ActivationShowsWhatOthersChanged) {
     EXPECT_EQ(m_form->DBGrid1->currentIndex().row(), 3);
 }
 
-TEST_F(SearchFormTest, ClosingAnErrorOfTheActivationReadsNothingAnew) {
-    // Boxes that take the window's place while they are open, as the program's own do.
+TEST_F(SearchFormTest, ClosingAnActivationErrorDoesNotReread) {
+    // Boxes that take the activation while open, as the program's own do.
     class Boxes : public test::ScriptedDialogs {
       public:
         int shown = 0;
@@ -312,7 +312,7 @@ TEST_F(SearchFormTest, ClosingAnErrorOfTheActivationReadsNothingAnew) {
             QDialog box(parent);
             QTimer::singleShot(0, &box, &QDialog::accept);
             box.exec();
-            if (++shown < 5)  // the desktop gives the window back, but not for ever
+            if (++shown < 5)  // the desktop reactivates the window, but not endlessly
                 parent->activateWindow();
         }
     } boxes;

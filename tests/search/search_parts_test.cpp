@@ -6,7 +6,7 @@
 #include "search/key_search.h"
 #include "search/text_match.h"
 
-// The parts of a search window that need neither a window nor a company.
+// Parts of a search window that need neither window nor company.
 
 using data::Kind;
 using namespace search;
@@ -116,7 +116,7 @@ TEST(SearchParts, BaseAndUserFilter) {
     }
 }
 
-TEST(SearchParts, WhatRestrictsTheRows) {
+TEST(SearchParts, RowRestrictions) {
     FilterState filter;
     filter.setBaseFilter(str("b"));
     const auto is = [&](const char* description, const char* user) {
@@ -264,6 +264,6 @@ TEST(SearchParts, TextsAtTheStartAndAnywhereIgnoringCase) {
             EXPECT_EQ(match.matchesText(str(held)), expected) << held << text;
         }
     }
-    // No record holds a character that records cannot hold.
+    // A character outside Windows-1252 matches no record.
     EXPECT_FALSE(TextMatch(QStringLiteral("Ж"), true).matchesBytes("?"));
 }

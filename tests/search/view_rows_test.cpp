@@ -37,7 +37,7 @@ class ViewRowsTest : public ::testing::Test {
             for (int i = 0; i < kProducts; ++i) {
                 QByteArray record = empty;
                 auto* raw = reinterpret_cast<uchar*>(record.data());
-                // Numbers and names in another order than that of insertion; many equal names.
+                // Numbers and names not in insertion order; many equal names.
                 const QString number = str("%1").arg((i * 7919) % kProducts, 5, 10, QChar(u'0'));
                 data::writeText(field("NUMERO"), raw, number, str("TUOTE"));
                 data::writeText(field("NIMI"), raw, str("N%1").arg(i % 37), str("TUOTE"));
@@ -51,7 +51,7 @@ class ViewRowsTest : public ::testing::Test {
         return m_file->layout().field(m_file->layout().indexOf(QLatin1String(name)));
     }
 
-    // The rows that a plain walk of the key finds.
+    // The rows found by a plain walk of the key.
     std::vector<data::RecordId> expected(int key, const std::optional<KeyRange>& range,
                                          const RowTest& accept) const {
         std::vector<data::RecordId> ids;
@@ -76,7 +76,7 @@ class ViewRowsTest : public ::testing::Test {
     std::unique_ptr<data::TableFile> m_file;
 };
 
-// What the engine counts along a key is what a walk record by record counts.
+// The engine's counts along a key equal those of a record-by-record walk.
 TEST_F(ViewRowsTest, SkippingAndCountingAgreeWithWalking) {
     std::mt19937 random(4);
     for (const int key : {0, 1, 5}) {
@@ -113,8 +113,8 @@ TEST_F(ViewRowsTest, SkippingAndCountingAgreeWithWalking) {
     }
 }
 
-// Wherever the walk begins and however it goes on, it ends with the same rows, and what it calls
-// known on the way is right relative to its first known row.
+// Wherever a walk begins and however it continues, it ends with the same rows, and known rows are
+// right relative to the first known one on the way.
 TEST_F(ViewRowsTest, EveryWalkEndsWithTheSameRows) {
     const KeyRange names{{str("N2")}, {str("N2ú")}};
     const KeyRange nothing{{str("X")}, {str("Y")}};
@@ -165,7 +165,7 @@ TEST_F(ViewRowsTest, EveryWalkEndsWithTheSameRows) {
     }
 }
 
-// A model over all products, held to the rules of item models.
+// A model over all products, checked against the rules of item models.
 struct Model {
     Model() : table(opened()), model(*table), tester(&model, kFatal) {
         model.setColumns({{str("NUMERO"), {}}, {str("RYHMA"), {}}});
@@ -185,8 +185,8 @@ struct Model {
     QAbstractItemModelTester tester;
 };
 
-// A place looked for before the count is known is shown at once, and turns exact later.
-TEST_F(ViewRowsTest, PlacesBeforeTheCountIsKnown) {
+// A position searched before the count is known is shown immediately and becomes exact later.
+TEST_F(ViewRowsTest, PositionsBeforeTheCountIsKnown) {
     Model shown;
     TableModel& model = shown.model;
     const std::vector<data::RecordId> all = expected(0, std::nullopt, groupBelow(5));

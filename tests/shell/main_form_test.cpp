@@ -85,7 +85,7 @@ TEST_F(MainForm, BatchListComesFromItsFileAndIsSavedThere) {
     EXPECT_EQ(list(2)->currentText(), str("Jokin"));  // need not be a saved name
     m_form.show();
     test::expectNoMnemonicClash(m_form);
-    test::expectEveryControlSpeaks(m_form);
+    test::expectAccessibleNames(m_form);
     test::turnWheel(*list(4));
     EXPECT_EQ(list(4)->currentText(), str("Alv255"));
 
@@ -95,7 +95,7 @@ TEST_F(MainForm, BatchListComesFromItsFileAndIsSavedThere) {
     EXPECT_EQ(company::readBatchList(company::AlvMuutosIniName()),
               company::BatchList({str("Normaali"), str(""), str(""), str("Alv255")}));
 
-    // the change form is made once and shown again; closing it adds the names once more to 2..4
+    // the change form is created once and shown again; closing it adds the names once more to 2..4
     click("BitBtn1");
     const QPointer<vatchange::TAlvMuutosLomake> form = m_form.changeForm();
     ASSERT_NE(form, nullptr);
@@ -105,7 +105,7 @@ TEST_F(MainForm, BatchListComesFromItsFileAndIsSavedThere) {
         QWidget* window = QApplication::activeModalWidget();
         ASSERT_NE(window, nullptr);
         test::expectNoMnemonicClash(*window);
-        test::expectEveryControlSpeaks(*window);
+        test::expectAccessibleNames(*window);
         window->close();
     });
     QTest::mouseClick(form->Talletus, Qt::LeftButton);
@@ -140,7 +140,7 @@ TEST_F(MainForm, ABatchListThatCouldNotBeReadIsNotReplaced) {
     TMainForm other;
     EXPECT_TRUE(other.alusta().join(QString()).contains(batch));
     EXPECT_EQ(other.batchList(), company::BatchList());
-    test::writeFile(batch, list);  // mended meanwhile
+    test::writeFile(batch, list);  // repaired
     m_dialogs.expectMessage(str("Talletettua luetteloa ei voitu lukea, joten sitä ei korvata.\n"
                                 "Korjaa tiedosto ja käynnistä ohjelma uudelleen: ") +
                             batch);

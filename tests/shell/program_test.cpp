@@ -17,7 +17,7 @@ using test::str;
 
 namespace {
 
-// The program itself, copied alone into a folder of its own: its batch list stands beside it.
+// The program itself, copied alone into a temporary folder, with its batch list next to it.
 class Program : public ::testing::Test {
   protected:
     Program() {
@@ -36,7 +36,7 @@ class Program : public ::testing::Test {
     }
 
     ~Program() override {
-        // What the log holds beyond the system's own texts begins with one of few words.
+        // Log lines beyond the system's own texts begin with one of these words.
         static const QRegularExpression kBeginnings(
             str("^(Aloitetaan |Rajaus: |Tryhmä |tarkastetaan |update |Tuotetiedot muutettu|Kohteen "
                 "ALV|Huomaa: |Tarkastus: |Jatketaan keskeytynyttä ajoa|Ajo keskeytettiin|Ajo jäi "
@@ -53,7 +53,7 @@ class Program : public ::testing::Test {
     int runBatch(const char* switches = "/E /EP") {
         return run(QStringList(m_company) + str(switches).split(u' '));
     }
-    bool generalLogSaysAlreadyRun() {
+    bool isAlreadyRunLogged() {
         return test::fileBytes(m_shop.file(str("loki.dat")))
             .contains("Taksavaihe on kertaalleen ajettu");
     }
@@ -105,7 +105,7 @@ TEST_F(Program, ABatchChangesTheCompanyOnceAndMarksIt) {
 
     EXPECT_EQ(runBatch(), 3);
     EXPECT_EQ(m_shop.logMessages(), log);
-    EXPECT_TRUE(generalLogSaysAlreadyRun());
+    EXPECT_TRUE(isAlreadyRunLogged());
     EXPECT_EQ(runBatch("/E /EP /U"), 0);
     EXPECT_EQ(prices(), str("20.24"));  // no product has the source class any more
 }
@@ -151,7 +151,7 @@ TEST_F(Program, OnlyDamagedDefinitionsAreNotRun) {
     EXPECT_EQ(runBatch("/E /EP /U"), 0);
     test::writeFile(file, sound + "[rikki\n");
     EXPECT_EQ(runBatch(), 3);  // the mark is checked before the file is read
-    EXPECT_TRUE(generalLogSaysAlreadyRun());
+    EXPECT_TRUE(isAlreadyRunLogged());
     EXPECT_EQ(runBatch("/E /U"), 1);
     EXPECT_TRUE(m_errors.contains(file)) << m_errors.toStdString();
 }

@@ -17,7 +17,7 @@
 #include "tests/support/shop_company.h"
 #include "tests/support/window_checks.h"
 
-// What holds for every window of the program. ctest runs this at 100 and 150 % (QT_SCALE_FACTOR).
+// Checks of every window of the program. ctest runs this at 100 and 150 % (QT_SCALE_FACTOR).
 
 namespace {
 
@@ -27,7 +27,7 @@ using Window = std::unique_ptr<QWidget>;
 struct Case {
     const char* name;
     std::function<Window(const test::ShopCompany&, TAlvMuutosLomake&)> make;
-    bool tabs = true;  // false: no control to reach
+    bool tabs = true;  // false: no focusable control
 };
 
 template <class Made>
@@ -100,7 +100,7 @@ TEST_P(WindowWalk, TextsFitAreReadableAndControlsAreReachedAndNamed) {
         test::expectNothingClipped(*window);
         test::expectReadable(*window);
         test::expectNoMnemonicClash(*window);
-        test::expectEveryControlSpeaks(*window);
+        test::expectAccessibleNames(*window);
         if (GetParam().tabs)
             test::expectTabGoesAround(*window);
     }

@@ -17,7 +17,7 @@ inline QString str(const char* utf8) {
     return QString::fromUtf8(utf8);
 }
 
-/// The error that a call throws; fails the test when it throws none.
+/// The error that a call throws; fails the test if it throws none.
 template <typename Call>
 data::DataError thrownBy(Call&& call) {
     try {
@@ -30,7 +30,8 @@ data::DataError thrownBy(Call&& call) {
 }
 
 #ifndef Q_OS_WIN
-/// Makes the call count times each in two processes at once, with the process's name and a number.
+/// Makes the call `count` times in each of two concurrent processes, with the process's name and a
+/// number.
 template <typename Call>
 void inTwoProcesses(int count, Call&& call) {
     pid_t children[2];

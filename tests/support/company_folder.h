@@ -12,7 +12,7 @@
 
 namespace test {
 
-/// A temporary folder registered as a company and in use during its life.
+/// A temporary folder registered as the current company during its lifetime.
 class CompanyFolder {
   public:
     explicit CompanyFolder(const QString& name = QStringLiteral("Koeyritys Äyräs")) : m_name(name) {

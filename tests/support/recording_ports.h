@@ -54,7 +54,7 @@ class RecordingPorts : public vatchange::RunPorts {
             onStatus(text);
     }
     void progress(qint64 done, qint64 total) override { EXPECT_LE(done, total); }
-    void breathe() override {}
+    void processEvents() override {}
     bool cancelled() const override { return stop && stop(); }
     QString programFileName() const override { return program; }
     bool skipEarlyDateCheck() const override { return skipEarlyDate; }

@@ -32,11 +32,11 @@ class ScriptedDialogs : public framework::DialogHandler {
         m_expected.push_back({text, false, answer});
     }
     const QStringList& lastAnswers() const { return m_lastAnswers; }
-    bool allCame() const { return m_expected.empty(); }
+    bool allShown() const { return m_expected.empty(); }
     const QString& lastText() const { return m_lastText; }
     framework::MessageKind lastKind() const { return m_lastKind; }
 
-    bool someoneThere() const override { return true; }
+    bool isInteractive() const override { return true; }
     void message(QWidget*, framework::MessageKind kind, const QString& text) override {
         m_lastKind = kind;
         next(text);

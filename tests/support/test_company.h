@@ -43,8 +43,8 @@ inline QDateTime changeMorning() {
     return QDateTime(QDate(2024, 9, 1), QTime(6, 30));
 }
 
-/// A company in a temporary folder, current during its life, at half past six on the morning of the
-/// change.
+/// A company in a temporary folder, current during its lifetime, at half past six on the morning of
+/// the change.
 class TestCompany : public CompanyFolder {
   public:
     explicit TestCompany(const VatRates& rates, const QStringList& withoutTables = {})

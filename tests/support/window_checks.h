@@ -44,7 +44,7 @@ inline void expectNoMnemonicClash(const QWidget& window) {
 }
 
 /// Every control in the tab order has an accessible name.
-inline void expectEveryControlSpeaks(const QWidget& window) {
+inline void expectAccessibleNames(const QWidget& window) {
     for (QWidget* widget : window.findChildren<QWidget*>()) {
         if ((widget->focusPolicy() & Qt::TabFocus) == 0 || !widget->isVisibleTo(&window) ||
             widget->focusProxy() != nullptr ||
@@ -53,9 +53,9 @@ inline void expectEveryControlSpeaks(const QWidget& window) {
         if (widget->parentWidget()->inherits("QComboBox") ||
             widget->parentWidget()->inherits("QAbstractSpinBox"))
             continue;  // part of another control
-        const QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(widget);
-        ASSERT_NE(spoken, nullptr) << described(*widget);
-        EXPECT_FALSE(spoken->text(QAccessible::Name).trimmed().isEmpty()) << described(*widget);
+        const QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(widget);
+        ASSERT_NE(accessible, nullptr) << described(*widget);
+        EXPECT_FALSE(accessible->text(QAccessible::Name).trimmed().isEmpty()) << described(*widget);
     }
 }
 
@@ -116,7 +116,7 @@ inline void expectReadable(const QWidget& window) {
     }
 }
 
-/// The tab key reaches every control that takes it and comes back to where it began.
+/// The tab key reaches every control that takes the focus and returns to the first.
 inline void expectTabGoesAround(QWidget& window) {
     std::set<const QWidget*> reached;
     for (int i = 0; i < 200; ++i) {
@@ -135,7 +135,7 @@ inline void expectTabGoesAround(QWidget& window) {
     }
 }
 
-/// A notch of the mouse wheel, towards the next row of a list.
+/// Turns the mouse wheel by one notch, towards the next row of a list.
 inline void turnWheel(QWidget& widget) {
     QWheelEvent notch(widget.rect().center(), widget.mapToGlobal(widget.rect().center()), {},
                       QPoint(0, -120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);

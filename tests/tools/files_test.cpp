@@ -1,4 +1,4 @@
-// What zavdb makes of files, pipes, permissions and lost output, beyond transcripts.txt.
+// zavdb with files, pipes, permissions and lost output, beyond transcripts.txt.
 
 #include "data/dictionary/tbl_res_reader.h"
 #include "tests/tools/zavdb_program.h"

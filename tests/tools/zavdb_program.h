@@ -56,7 +56,7 @@ class ZavdbProgram : public ::testing::Test {
                 process.readAllStandardError()};
     }
 
-    /// Runs a command that has to succeed without a word on standard error. @return its output.
+    /// Runs a command that must succeed with empty standard error. @return its output.
     QByteArray done(const QStringList& arguments, const QStringList& environment = {}) {
         const ProgramResult result = run(arguments, environment);
         EXPECT_EQ(result.status, 0) << arguments.join(u' ').toStdString();

@@ -1,6 +1,6 @@
-// Holds the lock of one record, as a person who edits it does, so that another program meets it.
-// Usage: hold_record COMPANY TABLE KEY FILE: makes FILE when the record is held and gives it up
-// when somebody removes FILE.
+// Locks one record, as editing it does, to test other programs against the lock.
+// Usage: hold_record COMPANY TABLE KEY FILE: creates FILE once the record is locked, and unlocks it
+// when FILE is removed.
 
 #include <QCoreApplication>
 #include <QFile>
@@ -28,11 +28,11 @@ int hold(const QString& tableName, const QString& key, const QString& fileName) 
     if (!table.findKey({key}))
         return fail(QStringLiteral("no record ") + key);
     table.edit();
-    QFile sign(fileName);
-    if (!sign.open(QIODevice::WriteOnly))
-        return fail(fileName + QStringLiteral(": ") + sign.errorString());
-    sign.close();
-    for (int waited = 0; sign.exists() && waited < kLongestMs; waited += kPauseMs)
+    QFile heldFile(fileName);
+    if (!heldFile.open(QIODevice::WriteOnly))
+        return fail(fileName + QStringLiteral(": ") + heldFile.errorString());
+    heldFile.close();
+    for (int waited = 0; heldFile.exists() && waited < kLongestMs; waited += kPauseMs)
         QThread::msleep(kPauseMs);
     table.cancel();
     return 0;

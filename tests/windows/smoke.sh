@@ -1,5 +1,5 @@
 #!/bin/bash
-# Runs the Windows programs under wine and compares what they do with what the Linux programs do.
+# Runs the Windows programs under wine and compares their results with the Linux programs'.
 set -euo pipefail
 # shellcheck source=scripts/options.sh
 . "$(dirname "${BASH_SOURCE[0]}")/../../scripts/options.sh"
@@ -8,9 +8,9 @@ usage() {
     cat <<'USAGE'
 Usage: tests/windows/smoke.sh RELEASE LINUX-PROGRAMS [--products N]
 
-RELEASE is the folder that scripts/windows.sh --smoke makes (Taksavaihe/, hold_record.exe,
-fake_client.dll, the installer when there is one), LINUX-PROGRAMS one with taksavaihe, zavdb and
-zavsql.so of the same sources.
+RELEASE: folder built by scripts/windows.sh --smoke (Taksavaihe/, hold_record.exe, fake_client.dll,
+optionally the installer). LINUX-PROGRAMS: folder with taksavaihe, zavdb and zavsql.so of the same
+sources.
 
   --products N  size of the companies (default 400)
 USAGE
@@ -42,10 +42,10 @@ check() { # TEXT COMMAND...
         failures=$((failures + 1))
     fi
 }
-same_text() { [ "$1" = "$2" ] || { printf '  found:  %s\n  wanted: %s\n' "$1" "$2" && false; }; }
+same_text() { [ "$1" = "$2" ] || { printf '  actual:   %s\n  expected: %s\n' "$1" "$2" && false; }; }
 milliseconds() { date +%s%3N; }
 
-# --- a wine of its own
+# --- a separate wine prefix
 export LC_ALL=C.UTF-8 XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work
 export WINEPREFIX=$work/prefix WINEARCH=win64 WINEDEBUG=-all
 export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe,winedbg.exe="
@@ -65,7 +65,7 @@ timeout 180 wineboot -i >/dev/null 2>&1
     echo 'Windows Registry Editor Version 5.00'
     echo '[HKEY_CURRENT_USER\Software\Wine]'
     echo '"Version"="win10"'
-    # windows without the fonts that they name would show no text in their edits
+    # edits show no text if the requested fonts are missing
     echo '[HKEY_CURRENT_USER\Software\Wine\Fonts\Replacements]'
     for font in "Segoe UI" Tahoma "MS Shell Dlg" "MS Shell Dlg 2" "Microsoft Sans Serif" Verdana; do
         echo "\"$font\"=\"Liberation Sans\""
@@ -98,7 +98,7 @@ status_of() {
     echo "$status"
 }
 
-# --- one company twice
+# --- one company, converted by both programs
 definitions() {
     local level=0 column
     printf '[Alv255]\nLahdeAlvLuokkaEdit=1\nKohdeAlvLuokkaEdit=5\n'
@@ -123,7 +123,7 @@ make_company() { # NAME
     mkdir -p "$place/MAARITYS" "$work/linux/$1/MAARITYS"
     definitions | tee "$place/MAARITYS/AlvMuutosLomake.INI" >"$work/linux/$1/MAARITYS/AlvMuutosLomake.INI"
 }
-# Every table as CSV. What a run writes carries its time: the run's day and seconds become signs.
+# Exports every table as CSV, with the time of the run replaced by RUN.
 export_tables() { # win|lin zavdb[.exe] COMPANY FOLDER
     local table
     mkdir -p "$4"
@@ -132,7 +132,7 @@ export_tables() { # win|lin zavdb[.exe] COMPANY FOLDER
         sed -i -E 's/\b'"$(date +%Y-%m-%d)"'[ ,][0-9]{2}:[0-9]{2}:[0-9]{2}\b/RUN/' "$4/$table"
     done
 }
-same_tables() { # COMPANY WHEN
+same_tables() { # COMPANY STAGE
     export_tables win zavdb.exe "$1" "$work/$2-win"
     export_tables lin zavdb "$1" "$work/$2-lin"
     diff -r -q "$work/$2-lin" "$work/$2-win" >"$work/difference" || {
@@ -141,11 +141,11 @@ same_tables() { # COMPANY WHEN
         false
     }
 }
-run_both() { # WANTED-STATUS TEXT ARGUMENT...
-    local wanted=$1 text=$2
+run_both() { # EXPECTED-STATUS TEXT ARGUMENT...
+    local expected=$1 text=$2
     shift 2
-    check "exit status $wanted: $text" same_text "$(status_of win taksavaihe.exe "$@")" "$wanted"
-    check "  and of the Linux program" same_text "$(status_of lin taksavaihe "$@")" "$wanted"
+    check "exit status $expected: $text" same_text "$(status_of win taksavaihe.exe "$@")" "$expected"
+    check "  and of the Linux program" same_text "$(status_of lin taksavaihe "$@")" "$expected"
 }
 log_texts() { # FILE: without times and computer names
     tr -d '\r' <"$1" | sed -E 's/^[0-9.]{10} [0-9:]{8}@[^ ]+  //'
@@ -156,7 +156,7 @@ marks() { # win|lin zavdb[.exe] COMPANY
 }
 
 make_company "$company"
-check "a demo company is the same, byte for byte" same_tables "$company" demo
+check "demo companies are identical" same_tables "$company" demo
 
 batch_list Alv255 "" >"$program/ALVMUUTOS.INI"
 cp "$program/ALVMUUTOS.INI" "$work/linux/ALVMUUTOS.INI"
@@ -167,11 +167,11 @@ check "exit status 0: a run" same_text "$(status_of win taksavaihe.exe "$company
 middle=$(milliseconds)
 check "  and of the Linux program" same_text "$(status_of lin taksavaihe "$company" /E)" 0
 times="batch of $products products: $((middle - start)) ms under wine, $(($(milliseconds) - middle)) ms on Linux"
-check "every table after the run, byte for byte" same_tables "$company" run
+check "tables are identical after the run" same_tables "$company" run
 log=$drive/Yritykset/$company/ALVMUUTOS.LOG
-check "the logs tell the same" diff <(log_texts "$log") \
+check "logs are identical" diff <(log_texts "$log") \
     <(log_texts "$work/linux/$company/ALVMUUTOS.LOG")
-check "every line of the log ends as Windows' lines do" same_text \
+check "every log line ends with CR LF" same_text \
     "$(grep -c $'\r$' "$log")" "$(wc -l <"$log")"
 check "the log names the computer" grep -qiE "^[0-9.]{10} [0-9:]{8}@$(hostname)  " "$log"
 check "taksavaihe.exe writes the run mark" same_text "$(marks win zavdb.exe "$company")" 1
@@ -180,51 +180,51 @@ batch_list Alv255 Puuttuva >"$program/ALVMUUTOS.INI"
 cp "$program/ALVMUUTOS.INI" "$work/linux/ALVMUUTOS.INI"
 run_both 2 "an unknown definition" "$company" /E /U
 
-# --- another name of the program, a refused definition
+# --- a renamed program, a refused definition
 cp "$program/taksavaihe.exe" "$program/toinen.exe"
 make_company Toinen
 batch_list Tyhjä Alv255 >"$program/ALVMUUTOS.INI"
 check "exit status 1: a refused definition" same_text "$(status_of win toinen.exe Toinen /E)" 1
-check "a program of another name writes no run mark" same_text "$(marks win zavdb.exe Toinen)" 0
-check "  though it ran" grep -q "Aloitetaan muutos määrittelylle: Alv255" \
+check "a renamed program writes no run mark" same_text "$(marks win zavdb.exe Toinen)" 0
+check "  but runs" grep -q "Aloitetaan muutos määrittelylle: Alv255" \
     "$drive/Yritykset/Toinen/ALVMUUTOS.LOG"
 
-# --- a record that another program holds
+# --- a record locked by another program
 make_company Lukko
 batch_list Alv255 "" >"$program/ALVMUUTOS.INI"
 number=$(win zavdb.exe sql Lukko "select NUMERO from TUOTE where LVV = 1 order by NUMERO" |
     tr -d '\r' | sed -n 2p)
-sign=$drive/Yritykset/held
+held=$drive/Yritykset/held
 win hold_record.exe Lukko TUOTE "$number" 'C:\Yritykset\held' &
 for _ in $(seq 200); do
-    [ ! -e "$sign" ] || break
+    [ ! -e "$held" ] || break
     sleep 0.1
 done
-check "a record is held" test -e "$sign"
-check "exit status 1: a product that another program edits is passed over" same_text \
+check "hold_record.exe locks a record" test -e "$held"
+check "exit status 1: the locked product is skipped" same_text \
     "$(status_of win taksavaihe.exe Lukko /E)" 1
-rm -f "$sign"
+rm -f "$held"
 wait $! || true
-check "  it alone keeps its class" same_text "$(win zavdb.exe sql Lukko \
+check "  only it keeps its class" same_text "$(win zavdb.exe sql Lukko \
     "select NUMERO from TUOTE where LVV = 1" | tr -d '\r' | tail -n +2)" "$number"
 
-# --- companies of the machine, long folders
+# --- companies registered for all users, long paths
 timeout 60 wine reg add 'HKLM\Software\Taksavaihe\Aliases\Koneen' /v PhysicalName /d "$folder" \
     /reg:32 /f >/dev/null 2>&1
 timeout 60 wine reg add 'HKLM\Software\Taksavaihe\Aliases\Kaikkien' /v PhysicalName /d "$folder" \
     /reg:64 /f >/dev/null 2>&1
-check "companies registered for all users, by 32-bit programs too" same_text \
+check "companies registered for all users, including by 32-bit programs" same_text \
     "$(win zavdb.exe list | tr -d '\r' | grep -cE '^(Koneen|Kaikkien)\b')" 2
 long=C:\\Yritykset
 for _ in 1 2 3 4 5 6; do
     long=$long\\kansio-jolla-on-hyvin-pitkä-nimi-jottei-polku-mahdu
 done
-check "a company's folder with a name of ${#long} characters" win zavdb.exe create Pitkä "$long"
-check "  and its tables read" win zavdb.exe check Pitkä
+check "a company folder with a path of ${#long} characters" win zavdb.exe create Pitkä "$long"
+check "  zavdb.exe checks it" win zavdb.exe check Pitkä
 batch_list "" "" >"$program/ALVMUUTOS.INI"
-check "  and the program opens it" same_text "$(status_of win taksavaihe.exe Pitkä /E)" 0
+check "  taksavaihe.exe opens it" same_text "$(status_of win taksavaihe.exe Pitkä /E)" 0
 
-# --- the shops' engine: its client library and ODBC under the names that they have on Windows
+# --- the shops' engine: client library and ODBC by their Windows names
 driver=$(find /usr/lib -name libsqlite3odbc.so -print -quit)
 if [ -n "$driver" ] && [ -e "$linux/zavsql.so" ]; then
     cp "$release/fake_client.dll" "$program/w64btrv.dll"
@@ -241,7 +241,7 @@ if [ -n "$driver" ] && [ -e "$linux/zavsql.so" ]; then
         "$(win zavdb.exe sql Kauppa 'select NUMERO, HINTA from TUOTE where LVV = 5')" \
         "$(win zavdb.exe sql Toinen 'select NUMERO, HINTA from TUOTE where LVV = 5')"
 else
-    echo "LEFT OUT: the shops' engine (libsqlite3odbc.so or $linux/zavsql.so is missing)"
+    echo "SKIPPED: the shops' engine (libsqlite3odbc.so or $linux/zavsql.so is missing)"
 fi
 
 # --- the installer
@@ -258,18 +258,18 @@ if [ -n "$installer" ]; then
     check "an upgrade" setup
     check "  keeps ALVMUUTOS.INI" same_text "$(cat "$target/ALVMUUTOS.INI")" "$(batch_list Alv255 "")"
     timeout 120 wine "$target/poista.exe" /S >/dev/null 2>&1 || true
-    for _ in $(seq 100); do  # it goes on from a copy of itself
+    for _ in $(seq 100); do  # it continues in a copy of itself
         [ -e "$target/poista.exe" ] || break
         sleep 0.2
     done
     sleep 1
-    check "the uninstaller leaves what users saved and nothing else" same_text \
+    check "the uninstaller leaves only user files" same_text \
         "$(cd "$target" && find . -type f | LC_ALL=C sort | tr '\n' ' ')" "./ALVMUUTOS.INI ./vanha.dll "
-    check "  and the companies" win zavdb.exe tables "$company" >/dev/null
+    check "  companies remain" win zavdb.exe tables "$company" >/dev/null
 fi
 
 # --- windows
-window_of() { # TITLE: the window's number once it is there
+window_of() { # TITLE: waits for the window, prints its number
     local found
     for _ in $(seq 300); do
         found=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1) || true
@@ -291,8 +291,8 @@ timeout 20 /usr/lib/wine/wineserver64 -k || true
 
 echo "Measured: $times"
 if [ "$failures" -gt 0 ]; then
-    echo "$failures checks FAILED; standard error of the programs:"
+    echo "$failures checks FAILED. Standard error of the programs:"
     tail -n 20 "$work/errors"
     exit 1
 fi
-echo "All is well under wine."
+echo "All checks passed."

@@ -7,7 +7,7 @@
 #include "data/dictionary/dictionary_source.h"
 #include "data/error.h"
 
-// dictc OUT.bin SOURCE.dict: compiles a table source into its binary block, at build time.
+// dictc OUT.bin SOURCE.dict: compiles a table source into its binary block during the build.
 
 namespace {
 

@@ -57,7 +57,7 @@ Catalogue CatalogueReader::read() {
     QHash<QString, QString> tableOfId;
     forEachRow(*m_files, [&](const Row& row) {
         const QString table = row("Xf$Name").toUpper();
-        catalogue[table].append(QStringLiteral("table"));  // a second one of the name shows
+        catalogue[table].append(QStringLiteral("table"));  // a duplicate name shows up
         tableOfId.insert(row("Xf$Id"), table);
     });
     const auto tableOf = [&](const QString& id) {
@@ -67,7 +67,7 @@ Catalogue CatalogueReader::read() {
     forEachRow(*m_fields, [&](const Row& row) {
         const QString name = row("Xe$Name").toUpper();
         fieldOfId.insert(row("Xe$Id"), name);
-        // key 0 is the field's number over all tables, so a table's fields come in their order
+        // in order of key 0, the field number: each table's fields come in their order
         catalogue[tableOf(row("Xe$File"))].append(
             QStringList{QStringLiteral("field"), name, row("Xe$DataType"), row("Xe$Offset"),
                         row("Xe$Size"), row("Xe$Dec"), row("Xe$Flags")}

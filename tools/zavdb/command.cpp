@@ -45,7 +45,7 @@ int wrongUsage(const QString& what, const QString& command = {}) {
     return kWrongUsage;
 }
 
-/// The arguments of one command; its help as the answer.
+/// Parses the arguments of one command; its help becomes the answer.
 Invocation parseArguments(const Command& command, const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -56,7 +56,7 @@ Invocation parseArguments(const Command& command, const QStringList& arguments) 
     parser.addOptions(command.options);
     parser.addPositionalArgument(command.name, command.summary + u'.',
                                  command.name + u' ' + command.syntax);
-    // the parser takes the program's name from the list's head
+    // the parser takes the first argument for the program's name
     QStringList given = arguments;
     given.prepend(QStringLiteral("zavdb"));
     if (!parser.parse(given))

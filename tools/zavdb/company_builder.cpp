@@ -13,12 +13,12 @@ namespace tools {
 
 namespace {
 
-/// A folder that this object made, with its parents; taken away again unless it is kept.
+/// A folder created by this object, with its parents; removed again unless kept.
 class NewFolder {
   public:
     explicit NewFolder(const QString& path) {
         const QString clean = QDir::cleanPath(path);
-        // a drive that there is not is its own parent
+        // a missing drive is its own parent
         for (QString folder = clean, parent; !QFileInfo::exists(folder); folder = parent) {
             parent = QFileInfo(folder).path();
             if (parent == folder)
@@ -41,7 +41,7 @@ class NewFolder {
   private:
     void remove() {
         for (const QString& folder : m_made)
-            QDir().rmdir(folder);  // the innermost first; one that is not empty stays
+            QDir().rmdir(folder);  // innermost first; fails for a folder that is not empty
     }
     QStringList m_made;
     bool m_kept = false;
@@ -88,19 +88,19 @@ void buildCompany(const QString& name, const QString& folder,
     requireFreeName(name);
     requireFreeFolder(absolute);
     NewFolder newFolder(absolute);
-    QTemporaryDir workshop(QDir(absolute).filePath(QStringLiteral(".zavdb-XXXXXX")));
-    if (!workshop.isValid())
+    QTemporaryDir workFolder(QDir(absolute).filePath(QStringLiteral(".zavdb-XXXXXX")));
+    if (!workFolder.isValid())
         throw CommandError(QStringLiteral("The folder %1 cannot be written: %2")
-                               .arg(absolute, workshop.errorString()));
-    engines::createEmbedded(workshop.path(), tables);
+                               .arg(absolute, workFolder.errorString()));
+    engines::createEmbedded(workFolder.path(), tables);
     if (fill) {
         const std::unique_ptr<data::Database> database =
-            engines::openEmbedded(name, workshop.path());
+            engines::openEmbedded(name, workFolder.path());
         fill(*database);
     }
     const QString target = QDir(absolute).filePath(engines::kEmbeddedFileName);
-    QFile file(workshop.filePath(engines::kEmbeddedFileName));
-    if (!file.rename(target))  // takes nothing's place
+    QFile file(workFolder.filePath(engines::kEmbeddedFileName));
+    if (!file.rename(target))  // never overwrites
         throw CommandError(QStringLiteral("The database cannot be moved to %1: %2")
                                .arg(target, file.errorString()));
     try {

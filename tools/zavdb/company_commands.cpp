@@ -19,7 +19,7 @@ const QString kSeed = QStringLiteral("seed");
 
 constexpr int kProductsWorthWatching = 20000;
 
-// A company without these is none: the catalogue, and what every run reads.
+// Tables without which a company is unusable: the catalogue and those read by every run.
 const QStringList kEssentialTables = {
     QStringLiteral("X$File"), QStringLiteral("X$Field"), QStringLiteral("X$Index"),
     QStringLiteral("TUOTE"),  QStringLiteral("TRYHMA"),  QStringLiteral("ALVKANTA"),
@@ -73,7 +73,7 @@ qint64 number(const Arguments& arguments, const QString& option, qint64 fallback
 int createDemo(const Arguments& arguments) {
     demo::Options options;
     options.products = static_cast<int>(
-        number(arguments, kProducts, options.products, demo::kFewestProducts, demo::kMostProducts));
+        number(arguments, kProducts, options.products, demo::kMinProducts, demo::kMaxProducts));
     options.seed = static_cast<quint64>(
         number(arguments, kSeed, static_cast<qint64>(options.seed), 0, INT64_MAX));
     demo::Progress progress = [](const QString&, qint64) {};
@@ -174,8 +174,8 @@ std::vector<Command> companyCommands() {
          2,
          {QCommandLineOption(kProducts,
                              QStringLiteral("Number of products, %1 to %2 (default 2000).")
-                                 .arg(demo::kFewestProducts)
-                                 .arg(demo::kMostProducts),
+                                 .arg(demo::kMinProducts)
+                                 .arg(demo::kMaxProducts),
                              QStringLiteral("N")),
           QCommandLineOption(kSeed, QStringLiteral("Seed of the data (default 1)."),
                              QStringLiteral("S"))},

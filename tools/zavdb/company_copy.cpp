@@ -32,15 +32,15 @@ class CompanyCopier {
           m_folder(absoluteFolder(folder)),
           m_work(QDir(m_folder).filePath(kCopyFolder)),
           m_lock(QDir(m_work).filePath(QStringLiteral("lock"))) {
-        m_lock.setStaleLockTime(0);  // held by a process that lives, however long
+        m_lock.setStaleLockTime(0);  // valid as long as its process lives
     }
 
     CopyResult run(const QString& sourceFolder) {
         requireFreeName(m_targetName);
-        const bool goesOn = QFileInfo::exists(stateFile());
-        if (!goesOn)
+        const bool continues = QFileInfo::exists(stateFile());
+        if (!continues)
             requireFreeFolder(m_folder);
-        beginWork(goesOn);
+        beginWork(continues);
         if (hasCompany(m_work) || !hasCompany(m_folder)) {
             copyTables();
             if (!m_result.differences.isEmpty())
@@ -60,7 +60,7 @@ class CompanyCopier {
 
     static bool hasCompany(const QString& folder) { return engines::hasEmbeddedDatabase(folder); }
 
-    void beginWork(bool goesOn) {
+    void beginWork(bool continues) {
         if (!QDir().mkpath(m_work))
             throw CommandError(QStringLiteral("The folder %1 cannot be made.").arg(m_work));
         if (!m_lock.tryLock(0))
@@ -68,7 +68,7 @@ class CompanyCopier {
                 m_lock.error() == QLockFile::LockFailedError
                     ? QStringLiteral("Another zavdb is copying into %1.").arg(m_folder)
                     : QStringLiteral("The folder %1 cannot be written.").arg(m_work));
-        if (goesOn) {
+        if (continues) {
             const platform::IniFile state = platform::IniFile::read(stateFile());
             const QString source = state.value(kSection, kSourceKey).value_or(QString());
             const QString target = state.value(kSection, kTargetKey).value_or(QString());
@@ -86,7 +86,7 @@ class CompanyCopier {
         }
     }
 
-    /// The source's tables; those that the catalogue lists without a data file are left out.
+    /// Opens the source's tables; skips listed tables without a data file.
     void openSourceTables() {
         for (const QString& name : m_source.tableNames()) {
             try {
@@ -151,7 +151,7 @@ class CompanyCopier {
     void moveToPlace() {
         const QString target = QDir(m_folder).filePath(engines::kEmbeddedFileName);
         QFile file(QDir(m_work).filePath(engines::kEmbeddedFileName));
-        if (!file.rename(target))  // takes nothing's place
+        if (!file.rename(target))  // never overwrites
             throw CommandError(QStringLiteral("The database cannot be moved to %1: %2")
                                    .arg(target, file.errorString()));
     }

@@ -13,7 +13,7 @@ namespace {
 const QString kDefinitionsFolder = QStringLiteral("MAARITYS");
 const QString kIniFiles = QStringLiteral("*.ini");  // any case
 
-// Settings files are small; what is not is something else.
+// Larger files are not settings files.
 constexpr qint64 kLargestFile = qint64{16} * 1024 * 1024;
 
 std::optional<QByteArray> contents(const QString& fileName, QString& why) {

@@ -7,7 +7,7 @@ namespace tools {
 namespace {
 
 int copy(const Arguments& arguments) {
-    requireFreeName(arguments.at(1));  // before the source's server is asked for anything
+    requireFreeName(arguments.at(1));  // before contacting the source's server
     const std::unique_ptr<data::Database> source = openCompany(arguments.at(0));
     const CopyResult result =
         copyCompany(*source, companyFolder(arguments.at(0)), arguments.at(1), arguments.at(2));

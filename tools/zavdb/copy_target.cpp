@@ -31,7 +31,7 @@ void moveDatabase(const QString& from, const QString& to) {
             QStringLiteral("%1 cannot be moved to %2: %3").arg(from, to, file.errorString()));
 }
 
-/// Bytes at a record's end that no field names are kept as one more field.
+/// Adds a field for the bytes after the last field of a record.
 void nameRest(const data::RecordLayout& layout, data::TableSource& table) {
     const int named = table.span();
     const int rest = layout.recordLength() - named;
@@ -49,8 +49,8 @@ void nameRest(const data::RecordLayout& layout, data::TableSource& table) {
     table.fields.push_back(item);
 }
 
-/// Gives every key number of a data file a key: one that is not used (its key was dropped, or lies
-/// on bytes of no field) gets the segments of the first used one, so that the others keep theirs.
+/// Fills gaps in a data file's key numbers: an unused number (its key was dropped, or lies on bytes
+/// of no field) gets the segments of the first used key, so that the others keep their numbers.
 std::vector<data::KeyDef> withoutGaps(std::vector<data::KeyDef> keys) {
     const auto used = std::find_if(keys.begin(), keys.end(),
                                    [](const data::KeyDef& key) { return !key.segments.empty(); });
@@ -97,8 +97,8 @@ bool sameShape(const data::TableFile& a, const data::TableFile& b) {
            std::equal(a.keys().begin(), a.keys().end(), b.keys().begin(), b.keys().end(), sameKey);
 }
 
-/// Gives a database the source's catalogue rows. @return whether it has the same tables with them.
-bool takesCatalogue(const OpenTables& source, const QString& folder) {
+/// Stores the source's catalogue rows. @return whether they describe the same tables there.
+bool acceptsCatalogue(const OpenTables& source, const QString& folder) {
     const CopiedTables copied(source);
     try {
         {
@@ -183,7 +183,7 @@ bool makeCopyTarget(const OpenTables& source, const QString& work) {
     if (!QDir().mkpath(trialFolder(work)) ||
         !QFile::copy(databaseIn(buildFolder(work)), databaseIn(trialFolder(work))))
         throw CommandError(QStringLiteral("The folder %1 cannot be written.").arg(work));
-    if (takesCatalogue(source, trialFolder(work)))
+    if (acceptsCatalogue(source, trialFolder(work)))
         return true;
     QDir(trialFolder(work)).removeRecursively();
     return false;

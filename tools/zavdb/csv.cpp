@@ -60,7 +60,7 @@ void CsvReader::append(char c) {
     m_record.append(c);
 }
 
-// From behind the opening quote to behind the closing one.
+// Reads from after the opening quote to after the closing one.
 void CsvReader::readQuoted() {
     for (;;) {
         const int c = get();
@@ -131,7 +131,7 @@ CsvWriter::CsvWriter(QIODevice& device) : m_device(device) {}
 void CsvWriter::add(const QString& text) {
     if (m_fields++ > 0)
         m_output.append(',');
-    // a byte order mark at the start of a file would be taken for the file's
+    // a byte order mark at the start would be taken for the file's own
     const bool quote = text.startsWith(QChar::ByteOrderMark) ||
                        std::any_of(text.cbegin(), text.cend(), [](QChar c) {
                            return c == u',' || c == u'"' || c == u'\r' || c == u'\n';
@@ -146,7 +146,7 @@ void CsvWriter::add(const QString& text) {
 }
 
 void CsvWriter::endRecord() {
-    // a lone empty field would be an empty line, which readers pass over
+    // a lone empty field would be an empty line, which readers skip
     if (m_fields == 1 && m_output.size() == m_recordStart)
         m_output.append("\"\"");
     m_output.append("\r\n");

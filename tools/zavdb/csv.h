@@ -32,8 +32,8 @@ class CsvReader {
     explicit CsvReader(QIODevice& device);
 
     /// Reads the next record. @return false at the end of the file. @throws CsvError for a quote
-    /// inside an unquoted field, text after a closing quote, a quote that is never closed, a
-    /// carriage return on its own, a record that is too long and a read failure.
+    /// inside an unquoted field, text after a closing quote, an unclosed quote, a lone carriage
+    /// return, an overlong record and a read failure.
     bool next();
 
     int fieldCount() const { return static_cast<int>(m_ends.size()); }

@@ -14,8 +14,8 @@
 
 namespace {
 
-/// A standard stream that was closed would be the next file that is opened, and output would go
-/// there. What takes its place can only be read, so that output is an error.
+/// The next file opened would reuse a closed standard stream's descriptor and receive its output. A
+/// read-only descriptor takes its place, so that output fails.
 void fillClosedStreams() {
 #ifndef Q_OS_WIN
     int descriptor = 0;
@@ -31,14 +31,14 @@ void fillClosedStreams() {
 
 int main(int argc, char** argv) {
     fillClosedStreams();
-    platform::withholdWritingFromOthers();
+    platform::denyWriteToOthers();
     const platform::Console console;
 #ifdef Q_OS_WIN
-    // exported files are the same bytes on every platform
+    // exported files are byte-identical on all platforms
     _setmode(_fileno(stdout), _O_BINARY);
 #endif
-    // Standard error is for the command's own errors: the library's notes on a machine without a
-    // UTF-8 locale are none of them.
+    // Standard error is for the command's errors: suppresses the library's notes about a locale
+    // without UTF-8.
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
         if (type == QtCriticalMsg || type == QtFatalMsg)
             std::fprintf(stderr, "zavdb: %s\n", qUtf8Printable(text));

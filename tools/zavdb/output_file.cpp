@@ -24,7 +24,7 @@ qint64 writeFile(const QString& fileName, const std::function<qint64(QIODevice&)
         if (!output.open(QIODevice::WriteOnly))
             throw refused(output);
         const qint64 written = write(output);
-        output.close();  // hands over what is still kept back
+        output.close();  // flushes
         if (output.error() != QFileDevice::NoError)
             throw refused(output);
         return written;

@@ -57,7 +57,7 @@ bool SequentialReader::next() {
     return true;
 }
 
-// Programs that fill a last block write the mark more than once.
+// Some writers fill the last block with end marks.
 void SequentialReader::requireNothingMore() {
     char byte = 0;
     while (take(byte)) {

@@ -6,7 +6,7 @@
 
 namespace tools {
 
-/// Malformed sequential file; what() names the record, the byte and the fault.
+/// Malformed sequential file; what() names the record, the byte and the error.
 class SequentialFileError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -51,7 +51,7 @@ class SequentialReader {
 class SequentialWriter {
   public:
     explicit SequentialWriter(QIODevice& output) : m_output(output) {}
-    void add(const QByteArray& record);  ///< @throws SequentialFileError when it cannot be written
+    void add(const QByteArray& record);  ///< @throws SequentialFileError on a write failure
     void finish();                       ///< the end mark
 
   private:

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kBatch = 500;
 
-/// The shortest record that a data file of this layout may hold.
+/// Length of the shortest record that a data file of this layout may contain.
 int shortestRecord(const data::RecordLayout& layout) {
     for (const data::TFieldCacheItem& field : layout.fields()) {
         const bool isVariable =

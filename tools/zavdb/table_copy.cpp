@@ -9,12 +9,12 @@ namespace tools {
 
 namespace {
 
-constexpr int kMostRecords = 1000;
-constexpr int kMostBytes = 4 * 1024 * 1024;
+constexpr int kMaxRecords = 1000;
+constexpr int kMaxBytes = 4 * 1024 * 1024;
 constexpr int kRemoveBatch = 500;
-constexpr int kMostFindings = 10;
+constexpr int kMaxFindings = 10;
 
-/// Reads a table's records in stored order, some at a time.
+/// Reads a table's records in stored order, in batches.
 class StoredWalk {
   public:
     explicit StoredWalk(data::TableFile& records, BelongsToCopy belongs = {})
@@ -47,10 +47,10 @@ class StoredWalk {
 };
 
 int batchSize(const data::TableFile& records) {
-    return std::clamp(kMostBytes / std::max(records.layout().recordLength(), 1), 1, kMostRecords);
+    return std::clamp(kMaxBytes / std::max(records.layout().recordLength(), 1), 1, kMaxRecords);
 }
 
-/// How a record is called in a message.
+/// The record for messages.
 QString named(const data::TableFile& records, const QByteArray& record, qint64 number) {
     QString name = QStringLiteral("%1, record %2").arg(records.layout().tableName()).arg(number);
     if (records.keys().empty())
@@ -69,7 +69,7 @@ void insertAs(data::TableFile& target, const QByteArray& record, qint64 number) 
     QByteArray stored = record;
     try {
         const data::RecordId id = target.insert(stored);
-        if (stored != record)  // an auto-increment number of 0 was given the next one
+        if (stored != record)  // an auto-increment number of 0 was replaced
             target.update(id, record);
     } catch (const data::DataError& error) {
         if (error.kind() != data::ErrorKind::DuplicateKey &&
@@ -80,7 +80,8 @@ void insertAs(data::TableFile& target, const QByteArray& record, qint64 number) 
     }
 }
 
-/// @return the number of records inserted; nothing when the target holds others than the source.
+/// @return the number of records inserted; nothing if the target's records differ from the
+/// source's.
 std::optional<qint64> appendMissing(data::TableFile& source, data::Database& targetDatabase,
                                     data::TableFile& target, const BelongsToCopy& belongs,
                                     const CopyProgress& progress) {
@@ -164,7 +165,7 @@ Comparison compareTables(data::TableFile& source, data::TableFile& target,
                 continue;
             const auto at = std::mismatch(records[i].begin(), records[i].end(), copies[i].begin(),
                                           copies[i].end());
-            if (++differing <= kMostFindings)
+            if (++differing <= kMaxFindings)
                 result.findings.append(
                     QStringLiteral("%1: differs from byte %2 on")
                         .arg(named(source, records[i], result.records + static_cast<qint64>(i) + 1))
@@ -175,9 +176,9 @@ Comparison compareTables(data::TableFile& source, data::TableFile& target,
         progress(result.records);
     }
     const QString& name = source.layout().tableName();
-    if (differing > kMostFindings)
+    if (differing > kMaxFindings)
         result.findings.append(
-            QStringLiteral("%1: %2 more differ").arg(name).arg(differing - kMostFindings));
+            QStringLiteral("%1: %2 more differ").arg(name).arg(differing - kMaxFindings));
     if (result.records != copied)
         result.findings.append(QStringLiteral("%1: %2, but %3 in the copy")
                                    .arg(name, counted(result.records, QStringLiteral("record")))

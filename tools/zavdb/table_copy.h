@@ -11,9 +11,9 @@ namespace tools {
 using BelongsToCopy = std::function<bool(const QByteArray& record)>;
 using CopyProgress = std::function<void(qint64 records)>;
 
-/// Copies a table byte for byte, one transaction a batch. Compares existing records with the source
-/// in storage order and keeps them if equal; else empties the table and copies it again. A killed
-/// copy therefore resumes. @return the number of records inserted.
+/// Copies a table byte for byte, with one transaction per batch. Compares existing records with the
+/// source in storage order and keeps them if equal; else empties the table and copies it again. An
+/// interrupted copy therefore resumes. @return the number of records inserted.
 /// @throws CommandError naming the table, record and key of a record that cannot be inserted;
 ///         data::DataError.
 qint64 copyTable(data::TableFile& source, data::Database& targetDatabase, data::TableFile& target,

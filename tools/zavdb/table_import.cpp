@@ -16,9 +16,9 @@ namespace {
 
 using data::TFieldCacheItem;
 
-constexpr qsizetype kShownValue = 300;  // longer than any text field but the memos
+constexpr qsizetype kShownValue = 300;  // longer than any text field except memos
 
-/// A value as an error message shows it: without line breaks, memos not whole.
+/// The value for an error message: no line breaks, memos truncated.
 QString shown(QString value) {
     if (value.size() > kShownValue)
         value = value.left(kShownValue) + QStringLiteral("...");
@@ -32,8 +32,7 @@ bool sharesBytes(const TFieldCacheItem& a, const TFieldCacheItem& b) {
     return a.offset < b.offset + b.storedLength && b.offset < a.offset + a.storedLength;
 }
 
-/// What an untouched record already holds for this field, written the way exports write it: most
-/// cells of a wide table are such.
+/// Whether the cell equals the exported empty value: most cells of a wide table do.
 bool isEmptyCell(const TFieldCacheItem& field, QByteArrayView cell) {
     if (cell.isEmpty())
         return true;
@@ -77,7 +76,7 @@ class Importer {
     struct Column {
         int cell = 0;
         const TFieldCacheItem* field = nullptr;
-        bool shared = false;  // another field lies on the same bytes
+        bool shared = false;  // shares bytes with another field
     };
 
     [[noreturn]] void fail(const QString& what) const {
@@ -114,7 +113,7 @@ class Importer {
                                             return other.number != column.field->number &&
                                                    sharesBytes(*column.field, other);
                                         });
-        // Where fields share bytes the later write wins: whole fields first, then a given
+        // If fields share bytes, the later write wins: whole fields first, then a given
         // auto-increment number, named bits last.
         const auto rank = [](const Column& column) {
             const data::Storage storage = column.field->storage;
@@ -166,7 +165,7 @@ class Importer {
         data::writeValue(field, record, value, m_layout.tableName());
     }
 
-    /// Says which unique key is taken; the engine's own error does not tell the value.
+    /// Names the unique key that already has the value; the engine's error does not.
     QString duplicateText(const QByteArray& record) {
         const auto* bytes = reinterpret_cast<const uchar*>(record.constData());
         for (const data::KeyDef& key : m_records.keys()) {

@@ -18,8 +18,8 @@ constexpr double kHighestLimit = 999999999999.99;
 struct Texts {
     QString caption = {};
     QString hint = {};
-    QString label = {};   // the caption where none is given
-    QString spoken = {};  // likewise
+    QString label = {};           // the caption where none is given
+    QString accessibleName = {};  // likewise
 };
 
 ChangeField made(const QString& control, FieldKind kind, AnyDefinitionMember member,
@@ -28,7 +28,7 @@ ChangeField made(const QString& control, FieldKind kind, AnyDefinitionMember mem
     field.caption = texts.caption;
     field.hint = texts.hint;
     field.label = texts.label.isEmpty() ? texts.caption : texts.label;
-    field.spoken = texts.spoken.isEmpty() ? texts.caption : texts.spoken;
+    field.accessibleName = texts.accessibleName.isEmpty() ? texts.caption : texts.accessibleName;
     return field;
 }
 
@@ -61,9 +61,9 @@ ChangeField choice(const QString& control, DefinitionMember<Enumeration> member,
 void addRestriction(std::vector<ChangeField>& fields, GroupRestriction D::*kind,
                     const QString& stem, const QString& caption, const QString& label) {
     const QString name = caption.chopped(1);  // without "#"
-    const auto number = [&](const QString& control, auto member, const QString& spoken) {
+    const auto number = [&](const QString& control, auto member, const QString& accessibleName) {
         ChangeField field = made(control, FieldKind::Number, DefinitionMember<qint64>(member),
-                                 {.spoken = name + spoken});
+                                 {.accessibleName = name + accessibleName});
         field.digits = kGroupDigits;
         fields.push_back(field);
     };
@@ -79,7 +79,7 @@ void addRestriction(std::vector<ChangeField>& fields, GroupRestriction D::*kind,
              {.caption = u"Ulosrajattavat ryhmät"_s,
               .hint = u"Ryhmät, joita ei oteta mukaan. Ilmoita pilkkueroteltu luettelo."_s,
               .label = u"ulosrajatut"_s,
-              .spoken = name + u", ulosrajattavat ryhmät"_s}));
+              .accessibleName = name + u", ulosrajattavat ryhmät"_s}));
 }
 
 void addRestrictions(std::vector<ChangeField>& fields) {
@@ -90,10 +90,10 @@ void addRestrictions(std::vector<ChangeField>& fields) {
                            {.caption = u"Tuotenro (ei käytössä)"_s, .label = u"Tuotenumerot"_s}));
     fields.push_back(made(u"TuotenroAlkuEdit"_s, FieldKind::Text,
                           DefinitionMember<QString>(&D::productFirst),
-                          {.spoken = u"Tuotenro, alku"_s}));
+                          {.accessibleName = u"Tuotenro, alku"_s}));
     fields.push_back(made(u"TuotenroLoppuEdit"_s, FieldKind::Text,
                           DefinitionMember<QString>(&D::productLast),
-                          {.spoken = u"Tuotenro, loppu"_s}));
+                          {.accessibleName = u"Tuotenro, loppu"_s}));
     fields.push_back(
         made(kCustomerGroupsControl, FieldKind::Groups,
              DefinitionMember<std::vector<int>>(&D::customerGroups),
@@ -118,26 +118,26 @@ void addPrices(std::vector<ChangeField>& fields) {
         fields.push_back(
             coefficient(coefficientControl(level),
                         [index](auto& d) -> auto& { return d.levels[index].coefficient; },
-                        {.spoken = name + u", kerroin"_s}));
+                        {.accessibleName = name + u", kerroin"_s}));
         fields.push_back(made(
             sourceControl(level), FieldKind::Source,
             DefinitionMember<QString>([index](auto& d) -> auto& { return d.levels[index].source; }),
-            {.spoken = name + u", hinnan lähde"_s}));
+            {.accessibleName = name + u", hinnan lähde"_s}));
         fields.push_back(check(
             keepVat0Control(level), [index](auto& d) -> auto& { return d.levels[index].keepVat0; },
             {.hint = u"Tuotetiedoissa säilytetään alv0 hinta"_s,
-             .spoken = name + u", säilytä alv0 hinta"_s}));
+             .accessibleName = name + u", säilytä alv0 hinta"_s}));
     }
     fields.push_back(
         coefficient(kPurchaseControl, &D::purchaseCoefficient, {.caption = u"Ostohinta"_s}));
-    fields.push_back(
-        check(u"SailytaAlv0_CheckBoxOstohinta"_s, &D::keepVat0Purchase,
-              {.caption = u"Säilytä alv0 hinta"_s, .spoken = u"Ostohinta, säilytä alv0 hinta"_s}));
+    fields.push_back(check(u"SailytaAlv0_CheckBoxOstohinta"_s, &D::keepVat0Purchase,
+                           {.caption = u"Säilytä alv0 hinta"_s,
+                            .accessibleName = u"Ostohinta, säilytä alv0 hinta"_s}));
     fields.push_back(coefficient(kLastPurchaseControl, &D::lastPurchaseCoefficient,
                                  {.caption = u"Viim. ostohinta"_s}));
-    fields.push_back(check(
-        u"SailytaAlv0_CheckBoxViimOstohinta"_s, &D::keepVat0LastPurchase,
-        {.caption = u"Säilytä alv0 hinta"_s, .spoken = u"Viim. ostohinta, säilytä alv0 hinta"_s}));
+    fields.push_back(check(u"SailytaAlv0_CheckBoxViimOstohinta"_s, &D::keepVat0LastPurchase,
+                           {.caption = u"Säilytä alv0 hinta"_s,
+                            .accessibleName = u"Viim. ostohinta, säilytä alv0 hinta"_s}));
 
     ChangeField limit =
         made(u"PriceChangeLimitEdit"_s, FieldKind::Amount,
@@ -169,7 +169,7 @@ void addOrders(std::vector<ChangeField>& fields) {
         check(u"SailytaAlv0_CheckBoxMT"_s, &D::salesOrderFromVat0,
               {.caption = u"Laske verollinen alv0:sta"_s,
                .hint = u"Uusi verollinen a-hinta lasketaan kertoimen sijaan alv0 a-hinnasta."_s,
-               .spoken = u"Myyntitilaus, laske verollinen alv0:sta"_s}));
+               .accessibleName = u"Myyntitilaus, laske verollinen alv0:sta"_s}));
     fields.push_back(made(u"MTToimPaivaRajaus"_s, FieldKind::Date,
                           DefinitionMember<QDate>(&D::salesOrderDeliveryLimit),
                           {.caption = u"Toimituspäivä alkaen"_s,
@@ -184,7 +184,7 @@ void addOrders(std::vector<ChangeField>& fields) {
         u"SailytaAlv0_CheckBoxOT"_s, &D::purchaseOrderFromVat0,
         {.caption = u"Laske verollinen alv0:sta"_s,
          .hint = u"Uusi verollinen a-ostohinta lasketaan kertoimen sijaan alv0 a-ostohinnasta."_s,
-         .spoken = u"Ostotilaus, laske verollinen alv0:sta"_s}));
+         .accessibleName = u"Ostotilaus, laske verollinen alv0:sta"_s}));
 }
 
 void addOptions(std::vector<ChangeField>& fields) {

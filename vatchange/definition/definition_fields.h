@@ -54,10 +54,10 @@ struct ChangeField {
     QString control;  ///< object name in the form, key in the file
     FieldKind kind;
     AnyDefinitionMember member;
-    QString caption = {};    ///< what the form shows; empty where a heading above it does
-    QString spoken = {};     ///< name for a screen reader and in messages
-    QString hint = {};       ///< lines end with "\r\n", as in the system's texts
-    QString label = {};      ///< in the report
+    QString caption = {};         ///< what the form shows; empty where a heading above it does
+    QString accessibleName = {};  ///< name for a screen reader and in messages
+    QString hint = {};            ///< lines end with "\r\n", as in the system's texts
+    QString label = {};           ///< in the report
     int digits = 0;          ///< most digits of a number, most decimals typed of a decimal number
     double highest = 0;      ///< of an amount; the lowest is 0
     QStringList items = {};  ///< of a choice

@@ -81,7 +81,7 @@ QString numbersText(const std::vector<int>& numbers) {
 
 QString DefinitionProblem::text() const {
     return QStringLiteral("%1=%2 (%3): %4")
-        .arg(control, value, changeField(control).spoken, reason);
+        .arg(control, value, changeField(control).accessibleName, reason);
 }
 
 std::vector<DefinitionProblem> definitionProblems(const LoadedDefinition& loaded,

@@ -68,8 +68,8 @@ LoadedDefinition loadDefinition(const framework::SavedDefinition& saved) {
     return loaded;
 }
 
-std::vector<LoadFinding> stillHolding(const std::vector<LoadFinding>& findings,
-                                      const ChangeDefinition& definition) {
+std::vector<LoadFinding> remainingFindings(const std::vector<LoadFinding>& findings,
+                                           const ChangeDefinition& definition) {
     std::vector<LoadFinding> holding;
     std::copy_if(findings.begin(), findings.end(), std::back_inserter(holding),
                  [&definition](const LoadFinding& finding) {

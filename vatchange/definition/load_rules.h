@@ -45,7 +45,7 @@ std::vector<LoadFinding> applyLoadRules(ChangeDefinition& definition);
 LoadedDefinition loadDefinition(const framework::SavedDefinition& saved);
 
 /// Returns the findings whose values have not been edited since the load.
-std::vector<LoadFinding> stillHolding(const std::vector<LoadFinding>& findings,
-                                      const ChangeDefinition& definition);
+std::vector<LoadFinding> remainingFindings(const std::vector<LoadFinding>& findings,
+                                           const ChangeDefinition& definition);
 
 }  // namespace vatchange

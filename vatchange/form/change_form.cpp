@@ -42,7 +42,7 @@ TAlvMuutosLomake::TAlvMuutosLomake(data::Database& database, QWidget* parent)
 
 bool TAlvMuutosLomake::unattended() const {
     return Unattended || platform::hasSwitch(QStringLiteral("/E")) ||
-           !framework::Dialogs::someoneThere();
+           !framework::Dialogs::isInteractive();
 }
 
 void TAlvMuutosLomake::readCompanyTables() {
@@ -177,7 +177,7 @@ void TAlvMuutosLomake::validateSource(int tag) {
     PriceLevelChange level = definitionFromForm().levels[static_cast<std::size_t>(tag - 1)];
     if (!resetWithoutSource(level))
         return;
-    const QSignalBlocker silence(m_controls.keep(tag));
+    const QSignalBlocker blocker(m_controls.keep(tag));
     m_controls.source(tag)->setKey(level.source);
     m_controls.keep(tag)->setChecked(level.keepVat0);
     m_controls.coefficient(tag)->setValue(level.coefficient);
@@ -243,7 +243,7 @@ void TAlvMuutosLomake::SailytaAlv0_CheckBox1Click(int tag, bool checked) {
     const auto target = ratePercent(static_cast<int>(m_controls.targetClass->value()));
     if (!target) {
         NaytaViesti(QStringLiteral("Tarkasta kohde -alvluokka!"));
-        const QSignalBlocker silence(m_controls.keep(tag));
+        const QSignalBlocker blocker(m_controls.keep(tag));
         m_controls.keep(tag)->setChecked(false);
         coefficient->setValue(1.0);
         return;
@@ -325,7 +325,7 @@ LoadedDefinition TAlvMuutosLomake::definitionToRun() const {
     if (!hasUnsavedChanges())
         return m_definition;
     const ChangeDefinition edited = definitionFromForm();
-    return {edited, stillHolding(m_definition.findings, edited)};
+    return {edited, remainingFindings(m_definition.findings, edited)};
 }
 
 framework::Report TAlvMuutosLomake::report() const {

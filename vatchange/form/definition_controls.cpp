@@ -75,7 +75,7 @@ class Binding {
     }
     template <typename Control, typename Change>
     void silent(Change&& change) const {
-        const QSignalBlocker silence(control<Control>());
+        const QSignalBlocker blocker(control<Control>());
         change(control<Control>());
     }
     int itemIndex() const { return control<framework::RadioGroup>().itemIndex(); }

@@ -48,7 +48,7 @@ void levelRows(QGridLayout* grid, int count, int height) {
 void nameControl(QWidget& control, const ChangeField& field) {
     control.setObjectName(field.control);
     control.setToolTip(framework::withLineBreaks(field.hint));
-    control.setAccessibleName(field.spoken);
+    control.setAccessibleName(field.accessibleName);
 }
 
 QCheckBox* namedCheckBox(const QString& objectName, QWidget* parent) {

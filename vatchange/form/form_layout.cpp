@@ -15,7 +15,7 @@ constexpr int kFrameHeight = 40;  // title bar and borders, approximately
 // Beyond this the form no longer grows with its window: rows too far apart are hard to follow.
 constexpr QSize kLargestContent(1560, 800);
 constexpr int kProgressWidth = 260;
-constexpr int kMostStretch = 1000;
+constexpr int kMaxStretch = 1000;
 
 }  // namespace
 
@@ -127,7 +127,7 @@ void TAlvMuutosLomake::buildLayout() {
     foot->setMaximumWidth(kLargestContent.width());
     auto* footLine = new QHBoxLayout;  // below the content, centred with it
     footLine->addStretch(1);
-    footLine->addWidget(foot, kMostStretch);
+    footLine->addWidget(foot, kMaxStretch);
     footLine->addStretch(1);
     window->addLayout(footLine);
 

@@ -30,12 +30,12 @@ class FormRunPorts : public RunPorts {
         m_done = done;
         m_total = total;
     }
-    void breathe() override {
-        if (m_sinceBreath.isValid() && m_sinceBreath.elapsed() < m_breathMs)
+    void processEvents() override {
+        if (m_sinceEvents.isValid() && m_sinceEvents.elapsed() < m_eventIntervalMs)
             return;
         m_form.showProgress(m_status, m_done, m_total, remaining());
         QCoreApplication::processEvents();
-        m_sinceBreath.restart();
+        m_sinceEvents.restart();
     }
     bool cancelled() const override {
         return m_form.m_cancelRequested || (m_form.unattended() && platform::endRequested());
@@ -47,8 +47,8 @@ class FormRunPorts : public RunPorts {
     bool skipEarlyDateCheck() const override { return platform::hasSwitch(QStringLiteral("/EP")); }
 
   private:
-    static constexpr qint64 kBreathMs = 50;
-    static constexpr qint64 kUnattendedBreathMs = 250;
+    static constexpr qint64 kEventIntervalMs = 50;
+    static constexpr qint64 kUnattendedEventIntervalMs = 250;
     static constexpr qint64 kEstimateAfterMs = 2000;
 
     // Time left of the current step at the average speed so far.
@@ -62,8 +62,9 @@ class FormRunPorts : public RunPorts {
     }
 
     TAlvMuutosLomake& m_form;
-    const qint64 m_breathMs = m_form.unattended() ? kUnattendedBreathMs : kBreathMs;
-    QElapsedTimer m_sinceBreath;
+    const qint64 m_eventIntervalMs =
+        m_form.unattended() ? kUnattendedEventIntervalMs : kEventIntervalMs;
+    QElapsedTimer m_sinceEvents;
     QElapsedTimer m_sinceStep;
     QString m_status;
     qint64 m_done = 0;

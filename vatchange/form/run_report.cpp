@@ -38,7 +38,7 @@ void counts(ReportHtml& html, const RunResult& result) {
         html.tableRow({changed.what, countText(changed.rows)});
 }
 
-void troubles(ReportHtml& html, const RunResult& result) {
+void problemsPart(ReportHtml& html, const RunResult& result) {
     if (!result.failures.isEmpty()) {
         html.section(QStringLiteral("Epäonnistuneet vaiheet"));
         for (const QString& failure : result.failures)
@@ -92,7 +92,7 @@ void runPart(ReportHtml& html, const ChangeReport& report) {
                                                 ? QStringLiteral("kirjoitettu")
                                                 : QStringLiteral("ei kirjoitettu"));
     counts(html, run.result);
-    troubles(html, run.result);
+    problemsPart(html, run.result);
     if (run.definition != report.definition) {
         html.section(QStringLiteral("Ajettu määrittely"));
         html.paragraph(

@@ -11,9 +11,9 @@ enum class SearchKind { SubGroup, ProductGroup, MainGroup, Product };
 
 /// Opens the search window of a kind above `parent`, at the number `present`, and calls `chosen`
 /// with the number that the user picks. The window is not modal, so numbers can also be dragged
-/// into the parent's edits. Once closed, it keeps its place, filter and ordering for `caller` until
-/// `parent` is destroyed.
-/// @throws data::DataError when the table cannot be opened.
+/// into the parent's edits. Once closed, it keeps its position, filter and ordering for `caller`
+/// until `parent` is destroyed.
+/// @throws data::DataError if the table cannot be opened.
 void openSearchWindow(SearchKind kind, const QString& caller, QWidget* parent,
                       const QString& present, std::function<void(const QString& key)> chosen);
 

@@ -10,12 +10,12 @@
 
 namespace vatchange {
 
-// What a run stores beside its changes, as notes of the journal.
+// Notes that a run stores in the journal with its changes.
 
 inline const QString kDefinitionNote = QStringLiteral("definition");
 inline const QString kRatesNote = QStringLiteral("rates");
 
-/// The definition's values as they are run. Equal definitions give equal bytes.
+/// The definition's values. Equal definitions give equal bytes.
 QByteArray definitionNote(const ChangeDefinition& definition);
 ChangeDefinition definitionOfNote(const QByteArray& note);
 
@@ -24,7 +24,7 @@ using VatRates = std::map<qint64, double>;
 QByteArray ratesNote(const VatRates& rates);
 VatRates ratesOfNote(const QByteArray& note);
 
-/// The definition that a run was made with; nothing if its journal has none (an undo).
+/// The definition that a run used; nothing if the journal has none (an undo).
 /// @throws data::DataError.
 std::optional<ChangeDefinition> definitionOfRun(data::RunJournal& journal, qint64 run);
 

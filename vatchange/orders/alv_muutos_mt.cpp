@@ -94,7 +94,7 @@ void TAlvMuutosMt::MuutaMtTilaus(qint64 number) {
     }
     const bool special = OnHintaVeloitustapa(method);
     MtRiviTable.setRange(key, key);
-    for (; !MtRiviTable.eof() && !m_walk.stopAsked(); MtRiviTable.next())
+    for (; !MtRiviTable.eof() && !m_walk.stopRequested(); MtRiviTable.next())
         if (isSalesRowConverted(readRow(), m_change.sourceClass))
             MuutaMtRivi(special);
     LaskeMtSummat();

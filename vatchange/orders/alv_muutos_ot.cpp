@@ -71,7 +71,7 @@ void TAlvMuutosOt::MuutaOtTilaus(qint64 number) {
     if (!OtTable.findKey(key))
         return;
     OtRiviTable.setRange(key, key);
-    for (; !OtRiviTable.eof() && !m_walk.stopAsked(); OtRiviTable.next())
+    for (; !OtRiviTable.eof() && !m_walk.stopRequested(); OtRiviTable.next())
         if (isPurchaseRowConverted(readRow(), m_change.sourceClass))
             MuutaOtRivi();
     LaskeOtSummat();
@@ -83,7 +83,7 @@ void TAlvMuutosOt::MuutaOtRivi() {
     OtRiviTable.edit();
     PurchaseRow row = readRow();
     if (!isPurchaseRowConverted(row, m_change.sourceClass)) {
-        // Somebody else changed the row between reading and locking it.
+        // Another program changed the row between reading and locking.
         OtRiviTable.cancel();
         return;
     }

@@ -32,7 +32,7 @@ void OrderWalk::run(data::TUniQuery& query, const QString& numberField, const QS
         m_ports.progress(0, total);
         query.first();
         const data::TQueryField& number = query.fieldByName(numberField);
-        for (qint64 done = 0; !query.eof() && !stopAsked(); query.next()) {
+        for (qint64 done = 0; !query.eof() && !stopRequested(); query.next()) {
             const qint64 order = number.asInteger();
             ++done;
             m_ports.status(
@@ -48,8 +48,8 @@ void OrderWalk::run(data::TUniQuery& query, const QString& numberField, const QS
     query.close();
 }
 
-bool OrderWalk::stopAsked() {
-    m_ports.breathe();
+bool OrderWalk::stopRequested() {
+    m_ports.processEvents();
     m_stopped = m_stopped || m_ports.cancelled();
     return m_stopped;
 }

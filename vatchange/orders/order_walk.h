@@ -27,7 +27,7 @@ class OrderWalk {
              const data::TtbTable& rows, const std::function<void(qint64 order)>& convert);
 
     /// Polled between rows; the current order still gets its totals.
-    bool stopAsked();
+    bool stopRequested();
     bool stopped() const { return m_stopped; }
 
   private:

@@ -24,7 +24,7 @@ class RunPorts {
     virtual void progress(qint64 done,
                           qint64 total) = 0;  ///< of the current step; total 0: unknown
     /// Processes pending window events; called between rows. Cheap when none are due.
-    virtual void breathe() = 0;
+    virtual void processEvents() = 0;
     /// True once the user pressed "Keskeytä"; polled between rows.
     virtual bool cancelled() const = 0;
     /// File name of the executable; decides whether the run mark is written.

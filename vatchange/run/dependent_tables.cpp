@@ -48,9 +48,9 @@ class LostRows {
                                  ": riviä ei muutettu, koska muu ohjelma on muuttanut tai "
                                  "poistanut sen ajon aikana");
         m_run.ports.log(text);
-        if (m_told)
+        if (m_reported)
             return;
-        m_told = true;
+        m_reported = true;
         ++m_run.result.failedSteps;
         m_run.result.failures += text;
     }
@@ -58,7 +58,7 @@ class LostRows {
   private:
     RunContext& m_run;
     const QString m_step;
-    bool m_told = false;
+    bool m_reported = false;
 };
 
 }  // namespace

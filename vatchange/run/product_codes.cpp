@@ -40,7 +40,7 @@ void checkProductCodes(RunContext& run) {
             if (error.kind() != data::ErrorKind::Locked)
                 throw;
         }
-        run.passOverProduct(code);
+        run.skipProduct(code);
         return false;
     };
     run.walk(rows, [&] {

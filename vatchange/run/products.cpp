@@ -144,7 +144,7 @@ class ProductConversion {
             case ProductRecords::Outcome::Gone:
                 return false;
             case ProductRecords::Outcome::HeldByOther:
-                m_run.passOverProduct(number);
+                m_run.skipProduct(number);
                 return false;
             case ProductRecords::Outcome::Locked:
                 break;
@@ -167,7 +167,7 @@ class ProductConversion {
                 throw;
         }
         // another program locked the record after its release for the statement
-        m_run.passOverProduct(number);
+        m_run.skipProduct(number);
         return false;
     }
 

@@ -45,7 +45,7 @@ qint64& RunContext::changedRows(const QString& what) {
     return result.changed.emplace_back(ChangedRows{what, 0}).rows;
 }
 
-void RunContext::passOverProduct(const QString& number) {
+void RunContext::skipProduct(const QString& number) {
     ports.log(QStringLiteral("Virhe tuotteen päivityksessä: ") + number +
               QStringLiteral(" tuotetta ei voi muokata"));
     ++result.skippedProducts;
@@ -54,7 +54,7 @@ void RunContext::passOverProduct(const QString& number) {
 }
 
 bool RunContext::stopRequested() {
-    ports.breathe();
+    ports.processEvents();
     if (ports.cancelled())
         result.cancelled = true;
     return result.cancelled;

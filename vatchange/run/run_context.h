@@ -50,7 +50,7 @@ struct RunContext {
     /// Counter of a kind of changed rows, created at 0. Valid as long as the result.
     qint64& changedRows(const QString& what);
     /// Logs, counts and lists a product whose record another program holds.
-    void passOverProduct(const QString& number);
+    void skipProduct(const QString& number);
 
     data::RunJournal* journal = nullptr;  ///< that records the run; none without a journal
     /// Set when a step leaves products or orders behind that a resumed run can still change.

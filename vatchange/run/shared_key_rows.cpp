@@ -20,7 +20,7 @@ QString keyText(const data::KeyValues& key) {
 
 /// Case-folded, because engines may compare keys without case. A false match is harmless: the row
 /// is then changed through its record.
-QString looseKeyText(const data::KeyValues& key) {
+QString foldedKeyText(const data::KeyValues& key) {
     return keyText(key).toCaseFolded();
 }
 
@@ -76,7 +76,7 @@ SharedKeyRows::SharedKeyRows(data::Database& database, SharedKeyTable table,
     shared.open();
     const Columns columns = keyColumns(shared);
     for (; !shared.eof(); shared.next())
-        m_keys += looseKeyText(valuesOf(columns));
+        m_keys += foldedKeyText(valuesOf(columns));
 }
 
 SharedKeyRows::Columns SharedKeyRows::keyColumns(data::TUniQuery& query) const {
@@ -87,7 +87,7 @@ SharedKeyRows::Columns SharedKeyRows::keyColumns(data::TUniQuery& query) const {
 }
 
 bool SharedKeyRows::holdsCurrentRow() const {
-    return !m_keys.isEmpty() && m_keys.contains(looseKeyText(valuesOf(m_row)));
+    return !m_keys.isEmpty() && m_keys.contains(foldedKeyText(valuesOf(m_row)));
 }
 
 void SharedKeyRows::open() {

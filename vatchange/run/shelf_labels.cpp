@@ -39,7 +39,7 @@ bool ShelfLabels::write(const QString& number, qint64 labels) {
             return true;
         }
     } catch (const std::exception& error) {
-        return goOnAfter(QStringLiteral("Virhe hr päivityksessä "), error);
+        return continueAfter(QStringLiteral("Virhe hr päivityksessä "), error);
     }
     try {
         bind(m_insert, number, labels);
@@ -47,11 +47,11 @@ bool ShelfLabels::write(const QString& number, qint64 labels) {
         ++m_written;
         return true;
     } catch (const std::exception& error) {
-        return goOnAfter(QStringLiteral("Virhe hr lisäyksessä "), error);
+        return continueAfter(QStringLiteral("Virhe hr lisäyksessä "), error);
     }
 }
 
-bool ShelfLabels::goOnAfter(const QString& text, const std::exception& error) {
+bool ShelfLabels::continueAfter(const QString& text, const std::exception& error) {
     const QString report = text + errorText(error);
     if (m_failure.isEmpty())
         m_failure = report;

@@ -28,7 +28,7 @@ class ShelfLabels {
     qint64 written() const { return m_written; }
 
   private:
-    bool goOnAfter(const QString& text, const std::exception& error);
+    bool continueAfter(const QString& text, const std::exception& error);
 
     RunPorts& m_ports;
     const LabelTable m_table;

@@ -66,7 +66,7 @@ void WebShopMarkWriter::mark(const QString& tableName, const QString& key, QChar
         if (!table.isOpen())
             company::openCompanyTable(table, QStringLiteral("WEBKLIITOS"), m_data->database);
         m_data->insert(tableName, key,
-                       settledLetter(m_data->pendingLetter(tableName, key), letter));
+                       resultingLetter(m_data->pendingLetter(tableName, key), letter));
     } catch (const data::DataError& error) {
         if (table.state() == data::TableState::Insert)
             table.cancel();
@@ -74,7 +74,7 @@ void WebShopMarkWriter::mark(const QString& tableName, const QString& key, QChar
     }
 }
 
-QChar WebShopMarkWriter::settledLetter(QChar pending, QChar letter) {
+QChar WebShopMarkWriter::resultingLetter(QChar pending, QChar letter) {
     return pending == u'L' && letter == u'M' ? pending : letter;
 }
 

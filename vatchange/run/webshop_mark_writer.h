@@ -12,7 +12,7 @@ namespace vatchange {
 ///
 /// Each request appends a row after the earlier ones of the same table name and key. The web shop
 /// uses the latest row of a key, so its letter combines the pending and the new mark: see
-/// settledLetter.
+/// resultingLetter.
 ///
 /// If the web shop log is on (ZAV.INI, section "VERKKOKAUPPA", key "Loki" = 1), each request is
 /// also logged to "WEBKAUPPA.LOG" in the company's data folder, in change log format. The setting
@@ -34,7 +34,7 @@ class WebShopMarkWriter {
     /// The letter to store, given the latest pending one (null: none) and the new one. A pending
     /// 'L' followed by 'M' stays 'L', because the row has yet to be added; otherwise the new letter
     /// wins. 'M' or 'L' after a pending 'P' puts the row back on the web shop.
-    static QChar settledLetter(QChar pending, QChar letter);
+    static QChar resultingLetter(QChar pending, QChar letter);
 
   private:
     struct Data;

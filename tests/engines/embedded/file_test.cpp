@@ -16,11 +16,11 @@ namespace {
 
 class EmbeddedFile : public test::EmbeddedCompany {
   protected:
-    // Changes the file behind the engine's back.
+    // Changes the file bypassing the engine.
     void tamper(const QByteArray& sql) {
         db.reset();
-        const engines::sqlite::SqliteHandle handle(
-            file(), engines::sqlite::SqliteHandle::Mode::ReadWrite);
+        const engines::sqlite::SqliteHandle handle(file(),
+                                                   engines::sqlite::SqliteHandle::Mode::ReadWrite);
         engines::sqlite::execute(handle.get(), sql);
     }
 
@@ -50,7 +50,7 @@ TEST_F(EmbeddedFile, CreationNeverReplacesAndLeavesNothingWhenItFails) {
     EXPECT_FALSE(QDir(elsewhere).exists());
     EXPECT_FALSE(engines::hasEmbeddedDatabase(elsewhere));
 
-    // A company of chosen tables gets the catalogue's own besides.
+    // A company with selected tables also gets the catalogue's own.
     engines::createEmbedded(elsewhere, {allTableSources().front()});
     EXPECT_EQ(engines::openEmbedded("X", elsewhere)->tableNames(),
               (QStringList{"ALIRYHMA", "X$Field", "X$File", "X$Index"}));
@@ -58,7 +58,7 @@ TEST_F(EmbeddedFile, CreationNeverReplacesAndLeavesNothingWhenItFails) {
               (QStringList{"YRITYS.ZDB", "YRITYS.ZDB-lock"}));
 }
 
-TEST_F(EmbeddedFile, FilesThatAreNoneOfOurs) {
+TEST_F(EmbeddedFile, ForeignFilesAreRefused) {
     db.reset();
     EXPECT_EQ(errorOf([&] { engines::openEmbedded("X", folder() + "/puuttuu"); }).kind(),
               ErrorKind::NoConnection);
@@ -80,8 +80,8 @@ TEST_F(EmbeddedFile, FilesThatAreNoneOfOurs) {
     }
     QFile::remove(file());
     {
-        const engines::sqlite::SqliteHandle foreign(
-            file(), engines::sqlite::SqliteHandle::Mode::Create);
+        const engines::sqlite::SqliteHandle foreign(file(),
+                                                    engines::sqlite::SqliteHandle::Mode::Create);
         engines::sqlite::execute(foreign.get(), "CREATE TABLE tuote (numero)");
     }
     EXPECT_EQ(openingError().kind(), ErrorKind::Damaged);
@@ -95,7 +95,7 @@ TEST_F(EmbeddedFile, FilesThatAreNoneOfOurs) {
 }
 
 TEST_F(EmbeddedFile, ACatalogueThatDisagreesNamesTheTable) {
-    // A key that the stored table lacks is found when the table is opened, a missing table at once.
+    // A missing key column is found when the table is opened, a missing table immediately.
     tamper("ALTER TABLE rec_KAMPPANJA DROP COLUMN data; ALTER TABLE rec_KAMPPANJA ADD data");
     db = engines::openEmbedded("KOE", folder());
     EXPECT_NO_THROW(db->openTable("KAMPPANJA"));
@@ -112,7 +112,7 @@ TEST_F(EmbeddedFile, ACatalogueThatDisagreesNamesTheTable) {
     EXPECT_EQ(error.table(), "PRYHMA");
 }
 
-// The statement that tests for the store price table may find its row gone while it is stored.
+// The catalogue row of the store price table may be missing although the table is stored.
 TEST_F(EmbeddedFile, ATableThatIsNotListedTakesItsCompiledLayout) {
     run("insert into tuote (numero, nimi) values ('a', 'Eka')");
     EXPECT_EQ(run("delete from x$file where xf$name = 'TUOTE'"), 1);
@@ -169,7 +169,7 @@ TEST_F(EmbeddedFile, TransactionsAreAllOrNothing) {
     EXPECT_EQ(rows("select count(*) from tryhma"), QStringList{"0"});
     db->inTransaction([&] {
         run("insert into tryhma (nro) values (1)");
-        // A statement that fails leaves what was done before it.
+        // A failed statement leaves earlier changes.
         EXPECT_THROW(run("insert into tryhma (nro) values (2), (1)"), DataError);
         db->inTransaction([&] { run("insert into tryhma (nro) values (3)"); });
     });
@@ -194,7 +194,7 @@ TEST_F(EmbeddedFile, BackupIsConsistentAndNeverReplaces) {
     EXPECT_EQ(rows("select nimi from tryhma"), QStringList{"aikana"});
     EXPECT_EQ(engines::checkEmbedded(folder() + "/kopio"), QStringList());
     EXPECT_EQ(errorOf([&] { engines::backupEmbedded(folder(), copy, {}); }).kind(), ErrorKind::Io);
-    // a file of the same name and more is somebody else's
+    // a longer name is another program's file
     writeBytes(folder() + "/toinen.zdb.part", "muun");
     engines::backupEmbedded(folder(), folder() + "/toinen.zdb", {});
     EXPECT_EQ(QDir(folder()).entryList({"toinen*"}, QDir::AllEntries | QDir::Hidden, QDir::Name),
@@ -205,7 +205,7 @@ TEST_F(EmbeddedFile, BackupIsConsistentAndNeverReplaces) {
 }
 
 #ifndef _WIN32
-// Those of a group work on one company where their umask lets them; nobody else ever writes it.
+// Users of a group share a company if their umask allows; others never get write permission.
 TEST_F(EmbeddedFile, RightsFollowTheUmask) {
     const struct {
         mode_t mask;

@@ -10,7 +10,7 @@
 
 namespace test {
 
-/// An empty company of all tables in a folder of its own, open for records and SQL.
+/// An empty company of all tables in a temporary folder, open for records and SQL.
 class EmbeddedCompany : public ::testing::Test {
   protected:
     void SetUp() override {

@@ -51,8 +51,8 @@ int compareLeading(const ListKey& a, const ListKey& b, size_t count) {
 
 }  // namespace
 
-// Random records under a key of four kinds against a sorted map: searches from random values and
-// walks both ways, in batches of every size.
+// Random records under a key of four kinds against a sorted map: random searches and walks in both
+// directions, in batches of every size.
 TEST_F(EmbeddedKeys, RandomNavigationAgreesWithAMap) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -139,7 +139,7 @@ TEST_F(EmbeddedKeys, ImagesAsDocumented) {
     run("insert into asale (maara, asikastyyppi) values (1, -1), (-1, 1)");
     db.reset();
     const engines::sqlite::SqliteHandle handle(file(),
-                                                 engines::sqlite::SqliteHandle::Mode::ReadWrite);
+                                               engines::sqlite::SqliteHandle::Mode::ReadWrite);
     const auto images = [&handle](const QByteArray& sql) {
         engines::sqlite::Statement statement(handle.get(), sql);
         QByteArrayList found;
@@ -164,8 +164,8 @@ TEST_F(EmbeddedKeys, ImagesAsDocumented) {
         EXPECT_EQ(images(sql), QByteArrayList{image}) << sql;
 }
 
-// An id names one record for good: a bookmark never leads to another.
-TEST_F(EmbeddedKeys, NextFindsThePlaceOfARecordThatIsGoneAndItsIdIsNotUsedAgain) {
+// Ids are not reused: a bookmark never leads to another record.
+TEST_F(EmbeddedKeys, NextContinuesAfterADeletedRecordAndIdsAreNotReused) {
     run("insert into tryhma (nro) values (0), (1), (2), (3), (4)");
     auto file = open("TRYHMA");
     const std::vector<StoredRecord> stored = file->fromEnd(0, Direction::Forward, 5);
@@ -184,7 +184,7 @@ TEST_F(EmbeddedKeys, NextFindsThePlaceOfARecordThatIsGoneAndItsIdIsNotUsedAgain)
 }
 
 TEST_F(EmbeddedKeys, UniqueKeysAndNumbersGivenOut) {
-    const auto file = open("UUSIHINTA");  // Avain numbers itself
+    const auto file = open("UUSIHINTA");  // Avain is an auto-increment field
     const auto insert = [&](int number) {
         QByteArray record = emptyRecord(*file);
         setField(file->layout(), record, "Avain", number);
@@ -202,7 +202,7 @@ TEST_F(EmbeddedKeys, UniqueKeysAndNumbersGivenOut) {
     EXPECT_EQ(rows("select avain, tuote from uusihinta where tuote = 'x'"), QStringList{"9|x"});
     EXPECT_EQ(file->recordCount(), 4);
 
-    // Changing a key moves the record; changing it onto another's value changes nothing.
+    // Changing a key moves the record; a duplicate changes nothing.
     EXPECT_EQ(errorOf([&] { run("update uusihinta set avain = 8 where avain = 7"); }).kind(),
               ErrorKind::DuplicateKey);
     EXPECT_EQ(run("update uusihinta set avain = 70 where avain = 7"), 1);
@@ -213,7 +213,7 @@ TEST_F(EmbeddedKeys, UniqueKeysAndNumbersGivenOut) {
     EXPECT_EQ(engines::checkEmbedded(folder()), QStringList());
 }
 
-// Every layout that the catalogue describes is the layout of its source.
+// Every layout from the catalogue equals that of its source.
 TEST_F(EmbeddedKeys, CatalogueGivesTheSourcesLayouts) {
     for (const TableSource& source : allTableSources()) {
         const auto file = db->openTable(source.name.toLower());
@@ -223,7 +223,7 @@ TEST_F(EmbeddedKeys, CatalogueGivesTheSourcesLayouts) {
         for (size_t i = 0; i < source.fields.size(); ++i) {
             TFieldCacheItem given = source.fields[i];
             TFieldCacheItem listed = file->layout().field(static_cast<int>(i));
-            for (TFieldCacheItem* item : {&given, &listed}) {  // what the catalogue cannot hold
+            for (TFieldCacheItem* item : {&given, &listed}) {  // not stored in the catalogue
                 item->declaredLength = 0;
                 item->mask = item->storage == Storage::Bit ? item->mask : 0;
             }

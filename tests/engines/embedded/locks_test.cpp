@@ -11,7 +11,7 @@ using test::setField;
 
 namespace {
 
-// Another connection stands for another program: the locks of one do not pass the other's.
+// A second connection acts as another program: its locks and the first one's conflict.
 class EmbeddedLocks : public test::EmbeddedCompany {
   protected:
     void SetUp() override {
@@ -35,7 +35,7 @@ TEST_F(EmbeddedLocks, ALockIsCountedAndSeenByOthers) {
     const RecordId id = group(2).id;
     EXPECT_TRUE(mine->lock(id, 0ms));
     EXPECT_TRUE(mine->lock(id, 0ms));
-    EXPECT_TRUE(db->openTable("tryhma")->lock(id, 0ms));  // same program; goes with its table
+    EXPECT_TRUE(db->openTable("tryhma")->lock(id, 0ms));  // same program; released with its table
     EXPECT_FALSE(theirs->lock(id, 0ms));
     EXPECT_TRUE(theirs->lock(group(1).id, 0ms));
     mine->unlock(id);
@@ -43,13 +43,13 @@ TEST_F(EmbeddedLocks, ALockIsCountedAndSeenByOthers) {
     mine->unlock(id);
     EXPECT_TRUE(theirs->lock(id, 0ms));
     EXPECT_FALSE(mine->lock(id, 0ms));
-    // Closing a connection frees what it held.
+    // Closing a connection releases its locks.
     theirs.reset();
     other.reset();
     EXPECT_TRUE(mine->lock(id, 0ms));
 }
 
-TEST_F(EmbeddedLocks, AWaitEndsWithTheLockOrWithTheTime) {
+TEST_F(EmbeddedLocks, AWaitEndsAtUnlockOrTimeout) {
     const RecordId id = group(1).id;
     ASSERT_TRUE(theirs->lock(id, 0ms));
     QElapsedTimer timer;
@@ -82,8 +82,7 @@ TEST_F(EmbeddedLocks, AStatementStopsAtAHeldRecordAndChangesNothing) {
         ErrorKind::Locked);
     EXPECT_EQ(rows("select nro, nimi, vero from tryhma order by nro"),
               (QStringList{"1|A|0", "2|B|0", "3|C|0"}));
-    // The failed statements left no lock behind; the holder's own statements pass and keep its
-    // lock.
+    // The failed statements left no lock; the holder's own statements succeed and keep its lock.
     EXPECT_TRUE(theirs->lock(group(1).id, 0ms));
     EXPECT_EQ(run("update tryhma set vero = vero + 1", {}, other.get()), 3);
     EXPECT_FALSE(mine->lock(held.id, 0ms));
@@ -91,12 +90,12 @@ TEST_F(EmbeddedLocks, AStatementStopsAtAHeldRecordAndChangesNothing) {
     EXPECT_EQ(run("update tryhma set vero = 7 where nro = 3"), 1);
 }
 
-TEST_F(EmbeddedLocks, AStatementWaitsOutsideOfTheWriteLock) {
+TEST_F(EmbeddedLocks, AStatementWaitsOutsideTheWriteLock) {
     const StoredRecord held = group(2);
     ASSERT_TRUE(theirs->lock(held.id, 0ms));
     std::thread holder([&] {
         std::this_thread::sleep_for(100ms);
-        // The holder writes while the other statement waits, and then lets go.
+        // The holder writes while the other statement waits, then unlocks.
         QByteArray bytes = theirs->get(held.id)->bytes;
         setField(theirs->layout(), bytes, "Vero", 40);
         theirs->update(held.id, bytes);
@@ -107,7 +106,7 @@ TEST_F(EmbeddedLocks, AStatementWaitsOutsideOfTheWriteLock) {
     EXPECT_EQ(rows("select vero from tryhma order by nro"), (QStringList{"1", "41", "1"}));
 }
 
-// Very many separate records grow into the table's whole range, which is tried like the records.
+// Very many separate records become a lock on the table's whole range, tried like a record's.
 TEST_F(EmbeddedLocks, ManyRecordsOfOneStatement) {
     db->setLockWait(50ms);
     db->inTransaction([&] {
@@ -115,7 +114,7 @@ TEST_F(EmbeddedLocks, ManyRecordsOfOneStatement) {
             run("insert into tryhma (nro) values (:n)", {{"n", i}});
     });
     const QString odd = "update tryhma set vero = 5 where nro >= 10 and nro % 2 = 1";
-    const RecordId even = group(4000).id;  // none of the statement's, but of its table
+    const RecordId even = group(4000).id;  // not written by the statement, but in its table
     const RecordId own = group(4001).id;
     ASSERT_TRUE(theirs->lock(even, 0ms));
     EXPECT_EQ(errorOf([&] { run(odd); }).kind(), ErrorKind::Locked);

@@ -8,10 +8,9 @@ using namespace data;
 
 namespace {
 
-// The same rows in an ordinary table without keys, where SQLite compares every row by itself, also
-// without indexes of its own making. Joins of texts with numbers are left out: there SQLite's
-// answer for the ordinary table is the doubtful one (an order that is not kept, rows that its
-// filters miss).
+// The same rows in an ordinary table without keys and automatic indexes, where SQLite compares
+// every row itself. Without joins of texts with numbers: there SQLite's result for the ordinary
+// table is the questionable one (order not kept, rows missed by its filters).
 class EmbeddedPlanner : public test::EmbeddedCompany {
   protected:
     void SetUp() override {
@@ -47,7 +46,7 @@ class EmbeddedPlanner : public test::EmbeddedCompany {
 
   private:
     engines::sqlite::SqliteHandle m_plain{QStringLiteral(":memory:"),
-                                            engines::sqlite::SqliteHandle::Mode::Create};
+                                          engines::sqlite::SqliteHandle::Mode::Create};
 };
 
 }  // namespace

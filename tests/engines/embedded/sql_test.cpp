@@ -12,7 +12,7 @@ namespace {
 class EmbeddedSql : public test::EmbeddedCompany {
   protected:
     /// Runs lines "STATEMENT => RESULT": rows joined by "; ", the number of rows written, or "!"
-    /// and words of the error. A line that begins with two blanks continues the one before.
+    /// and words of the error. A line starting with two blanks continues the previous one.
     void script(const char* text) {
         for (const QString& line : QString(text).replace("\n  ", " ").split('\n')) {
             SCOPED_TRACE(line.toStdString());
@@ -34,8 +34,8 @@ class EmbeddedSql : public test::EmbeddedCompany {
 
 TEST_F(EmbeddedSql, CatalogueIsReadBySqlWhateverTheCase) {
     // INI: its fields by number, with storage codes, offsets and lengths. Its key: three segments
-    // that allow duplicates and changes; another follows all but the last. Bits stand by their
-    // place in the byte.
+    // that allow duplicates and changes; all but the last are followed by another. Bits by their
+    // position in the byte.
     script(R"(SELECT xf$name FROM X$File WHERE Xf$Name = 'myymalahinnat'; => MYYMALAHINNAT
 select count(*) from x$file where xf$name='PUUTTUU' => 0
 select xe$name, xe$datatype, xe$offset, xe$size from x$file, x$field where xe$file = xf$id
@@ -67,8 +67,8 @@ UPDATE TRYHMA SET VERO = 7, MUUTOSPVM = CURDATE(), MUUTOSKLO = CURTIME() WHERE V
 select nro, vero, muutospvm, muutosklo from tryhma order by nro => 1|7|2024-09-01|07:08:09; 2|3||00:00:00)");
 }
 
-// Half away from zero on value * 10^d, in doubles: 1.005 * 100 is 100.49999999999999. Whole numbers
-// are doubles, too.
+// Half away from zero on value * 10^d, in doubles: 1.005 * 100 is 100.49999999999999. Integers are
+// doubles too.
 TEST_F(EmbeddedSql, RoundAndFloor) {
     script(R"(select round(2.5), round(-2.5), round(0.125, 2), round(-0.125, 2) => 3|-3|0.13|-0.13
 select round(1.005, 2), round( ( 12.4 * 1.255),3), round(7), round('2.5') => 1|15.562|7|3
@@ -78,7 +78,7 @@ select round(null, 2), floor(null) => NULL|NULL)");
 }
 
 TEST_F(EmbeddedSql, DatesCompareInEveryForm) {
-    // UUSIHINTA has a key of Tuote and Pvm.
+    // UUSIHINTA has a key on Tuote and Pvm.
     script(
         R"(insert into tuote (numero, muutettupvm) values ('a', ''), ('b', '2024-08-31'), ('c', '20240901'), ('d', null)
 select numero from tuote where muutettupvm='' order by numero => a; d
@@ -92,12 +92,12 @@ select avain from uusihinta where tuote='x' and pvm > '2024' order by avain => 1
 update tuote set muutettupvm = '2024-02-30' => !not a date)");
 }
 
-// Values that the key's field cannot hold still compare as SQL says.
+// Values that the key's field cannot store still compare by SQL's rules.
 TEST_F(EmbeddedSql, ConstraintsOnKeys) {
     run("insert into tryhma (nro, nimi) values (-5,'A'), (0,'B'), (3,'C'), (4,'D'), (32767,'E')");
     run("insert into verkkokaupassa (tuote) values (''), ('A'), ('Ab'), ('a'), ('ä'), ('öl'), "
         "('€')");
-    // A number against a text follows SQL, not the key.
+    // A number compared with a text follows SQL, not the key.
     script(R"(select nro from tryhma where nro > 3.5 order by nro => 4; 32767
 select nro from tryhma where nro < 3.5 order by nro => -5; 0; 3
 select nro from tryhma where nro < 70000 and nro > 3 order by nro => 4; 32767
@@ -168,7 +168,7 @@ select numero, bit1, bit1_5 from tuote where numero > 'a' order by numero => b|3
 SELECT numero, nimi FROM TUOTE WHERE lisukkeena = 1; => a|)");
 }
 
-TEST_F(EmbeddedSql, WhatTheUsersSqlMayNotDo) {
+TEST_F(EmbeddedSql, UserSqlRestrictions) {
     for (const char* sql : {"select * from rec_TUOTE", "drop table tuote", "delete from rec_ini",
                             "pragma synchronous = off", "begin", "create table oma (a)",
                             "attach ':memory:' as m", "select * from sqlite_master"}) {
@@ -204,7 +204,7 @@ TEST_F(EmbeddedSql, ParametersAreFoundWhateverTheirCase) {
     EXPECT_FALSE(statement->value(2).isValid());
 }
 
-// Writing through the same connection while a result is read harms neither.
+// Writes on the connection of an open result affect neither.
 TEST_F(EmbeddedSql, WritesDuringARead) {
     for (int i = 0; i < 50; ++i)
         run("insert into tryhma (nro, vero) values (:n, 1)", {{"n", i}});

@@ -26,7 +26,7 @@ QByteArray statBytes() {
         "1a00 0400 9301 05000000 03 00 0000 03 00"
         "1e00 0400 8305 05000000 00 00 0000 03 00");
     bytes += '\xAC' + QByteArray("SUOMI   ");
-    for (int c = 0; c < 256; ++c)  // digits after letters, small letters as capitals
+    for (int c = 0; c < 256; ++c)  // digits after letters, lower case equals upper case
         bytes += static_cast<char>(c >= 'a' && c <= 'z'   ? c - 'a' + 'A'
                                    : c >= '0' && c <= '9' ? c - '0' + 0xF0
                                                           : c);

@@ -43,8 +43,8 @@ class ShopsTablesTest : public ::testing::Test {
         engines::openEmbedded(str("varasto"), store())->prepare(str(sql))->execute();
     }
     /// Registers a database with the fake client.
-    ShopsDatabaseSettings database(const QString& name, const QString& peculiarities = {}) {
-        m_databases.add(name, store(), peculiarities);
+    ShopsDatabaseSettings database(const QString& name, const QString& quirks = {}) {
+        m_databases.add(name, store(), quirks);
         return settings(name);
     }
     ShopsDatabaseSettings settings(const QString& name) const {
@@ -115,7 +115,7 @@ TEST_F(ShopsTablesTest, ErrorsSayWhatToDo) {
     EXPECT_EQ(errorOf([&] { ShopsTables(owned).openTable(str("EIOLE")); }).kind(),
               ErrorKind::NoSuchTable);
 
-    // no library, and one of something else
+    // a missing library, and an unrelated one
     owned.clientLibrary = m_folder.filePath(str("eiole.so"));
     const DataError library = errorOf([&] { ShopsTables records(owned); });
     EXPECT_EQ(library.kind(), ErrorKind::NoConnection);
@@ -158,7 +158,7 @@ TEST_F(ShopsTablesTest, ASilentEngineFailsAtTheLimit) {
     EXPECT_LT(time.elapsed(), 2000);
     EXPECT_EQ(error.kind(), ErrorKind::NoConnection);
     EXPECT_TRUE(error.finnish().contains(str("ei vastannut 0.2 sekunnissa")));
-    // The next table gets a session of its own.
+    // The next table gets a new session.
     EXPECT_EQ(errorOf([&] { records.openTable(str("ALVKANTA")); }).kind(), ErrorKind::NoConnection);
     EXPECT_LT(time.elapsed(), 3500);
 }

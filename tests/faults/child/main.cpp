@@ -2,8 +2,8 @@
 // usage: fault_child edit FOLDER SEED   edits records until its input ends; then prints for each
 //                                       record "TABLE KEY EDITS"
 //        fault_child run FOLDER         runs the definition; prints the products converted; exit
-//                                       status 3 when another run is going on
-//        fault_child hold FOLDER KEY    holds a product until its input ends
+//                                       status 3 if another run is in progress
+//        fault_child hold FOLDER KEY    locks a product until its input ends
 #include <poll.h>
 #include <unistd.h>
 
@@ -32,7 +32,7 @@ void waitForEndOfInput() {
         std::this_thread::sleep_for(1ms);
 }
 
-/// Counts up a field of one table's records that no run touches.
+/// Increments a field that no run touches, in one table's records.
 class Editor {
   public:
     Editor(data::Database& database, const char* table, const char* keyField, const char* field)

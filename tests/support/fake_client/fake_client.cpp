@@ -1,7 +1,7 @@
 // The shops' engine's call interface over embedded companies, for tests; loaded in place of the
 // engine's client library. The environment variable FAKE_CLIENT_DATABASES names a file that lists
 // the databases, one a line: NAME, a tab, the folder of the embedded company; optional columns:
-// "owner=NAME" (required owner name), "silent" (no answer for kSilence), and the Peculiarities
+// "owner=NAME" (required owner name), "silent" (no answer for kSilentDelay), and the Quirks
 // "short", "key", "linked", "plain", "stuck", "cut", "taker". A database whose name is a folder
 // serves that folder's files: each table under its location in the catalogue.
 
@@ -41,14 +41,14 @@ constexpr int kSessionLost = 95;
 constexpr int kFileNotFound = 12;
 constexpr int kWrongOwner = 51;
 constexpr int kDatabaseNameNotFound = 172;
-constexpr std::chrono::seconds kSilence{4};
+constexpr std::chrono::seconds kSilentDelay{4};
 constexpr quint32 kMagic = 0x52454550;
 constexpr size_t kClientIdSize = 16;
 
 struct FakeDatabase {
     QString folder;
     QString owner;
-    Peculiarities peculiarities;
+    Quirks quirks;
     bool silent = false;
 };
 
@@ -64,12 +64,12 @@ std::optional<FakeDatabase> findDatabase(const QString& name) {
         for (const QString& column : columns)
             if (column.startsWith(QStringLiteral("owner=")))
                 found.owner = column.mid(6);
-        found.peculiarities = {
+        found.quirks = {
             columns.contains(QStringLiteral("short")),  columns.contains(QStringLiteral("key")),
             columns.contains(QStringLiteral("linked")), columns.contains(QStringLiteral("plain")),
             columns.contains(QStringLiteral("stuck")),  columns.contains(QStringLiteral("cut"))};
         if (columns.contains(QStringLiteral("taker")))
-            found.peculiarities.taker = std::make_shared<engines::embedded::Connection>(
+            found.quirks.taker = std::make_shared<engines::embedded::Connection>(
                 engines::embedded::companyFile(found.folder));
         return found;
     }
@@ -152,9 +152,8 @@ int open(Client& client, char* block, const CallBuffers& buffers) {
                              ? tableOfFile(connection->catalogue(), request.file)
                              : request.table;
     const bool ofCatalogue = name.startsWith(QStringLiteral("X$"), Qt::CaseInsensitive);
-    client.cursors[++g_lastHandle] =
-        std::make_unique<FakeCursor>(connection, connection->table(name),
-                                     ofCatalogue ? Peculiarities() : database->peculiarities);
+    client.cursors[++g_lastHandle] = std::make_unique<FakeCursor>(
+        connection, connection->table(name), ofCatalogue ? Quirks() : database->quirks);
     std::memcpy(block, &kMagic, sizeof kMagic);
     std::memcpy(block + sizeof kMagic, &g_lastHandle, sizeof g_lastHandle);
     return kOk;
@@ -181,7 +180,7 @@ bool isSilent(int operation, const CallBuffers& buffers) {
 
 int run(int operation, char* block, CallBuffers& buffers, int key, const QByteArray& clientId) {
     if (isSilent(operation, buffers)) {
-        std::this_thread::sleep_for(kSilence);
+        std::this_thread::sleep_for(kSilentDelay);
         return kSessionLost;
     }
     const std::lock_guard guard(g_mutex);

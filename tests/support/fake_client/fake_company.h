@@ -9,7 +9,7 @@
 
 namespace test {
 
-/// The databases that the fake client knows while the object lives.
+/// The databases listed for the fake client during its lifetime.
 class FakeDatabases {
   public:
     FakeDatabases() { qputenv("FAKE_CLIENT_DATABASES", file().toLocal8Bit()); }

@@ -67,12 +67,12 @@ void doubleWord(QByteArray& bytes, qint64 value) {
 }  // namespace
 
 FakeCursor::FakeCursor(std::shared_ptr<engines::embedded::Connection> connection,
-                       engines::embedded::StoredTable& table, Peculiarities peculiarities)
+                       engines::embedded::StoredTable& table, Quirks quirks)
     : m_connection(std::move(connection)),
       m_table(table),
       m_file(m_connection, table),
-      m_peculiarities(std::move(peculiarities)) {
-    if (const auto& taker = m_peculiarities.taker)
+      m_quirks(std::move(quirks)) {
+    if (const auto& taker = m_quirks.taker)
         m_taker = std::make_unique<engines::embedded::EmbeddedTableFile>(
             taker, taker->table(table.name()));
 }
@@ -192,7 +192,7 @@ int FakeCursor::seek(int operation, CallBuffers& buffers, int key) {
     return give(std::move(found), key, buffers, operation / kLockBiasStep * kLockBiasStep);
 }
 
-// Somebody else removed the current record or moved it in the key.
+// Another session removed the current record or moved it in the key.
 bool FakeCursor::isLost() const {
     const std::optional<StoredRecord> stored = m_file.get(m_current->id);
     return !stored ||
@@ -243,7 +243,7 @@ int FakeCursor::direct(CallBuffers& buffers, int key, int bias) {
 
 int FakeCursor::readMany(Direction direction, CallBuffers& buffers, int key) {
     constexpr quint32 kRequest = 16;
-    if (m_peculiarities.plain)
+    if (m_quirks.plain)
         return kInvalidOperation;
     if (key < 0 || key >= static_cast<int>(m_table.keys().size()))
         return kInvalidKeyNumber;
@@ -279,7 +279,7 @@ int FakeCursor::readMany(Direction direction, CallBuffers& buffers, int key) {
         return kDataBufferTooShort;
     if (!found.empty())
         m_current = found.back();
-    if (m_peculiarities.cut)
+    if (m_quirks.cut)
         answer.chop(1);
     put(answer, buffers);
     return static_cast<int>(found.size()) < wanted ? kEndOfFile : kOk;
@@ -324,19 +324,19 @@ int FakeCursor::remove() {
     return kOk;
 }
 
-void FakeCursor::giveBack(RecordId id) {
+void FakeCursor::unlock(RecordId id) {
     m_file.unlock(id);
     if (m_taker)
         m_taker->lock(id, std::chrono::milliseconds(0));
 }
 
 int FakeCursor::unlock(CallBuffers& buffers, int key) {
-    if (m_peculiarities.stuck)
+    if (m_quirks.stuck)
         return kSessionLost;
     if (key >= 0) {  // the single lock
         if (!m_singleLock)
             return kLockError;
-        giveBack(*m_singleLock);
+        unlock(*m_singleLock);
         m_singleLock.reset();
         return kOk;
     }
@@ -346,12 +346,12 @@ int FakeCursor::unlock(CallBuffers& buffers, int key) {
         const auto held = m_locks.find(qFromLittleEndian<quint32>(buffers.data));
         if (held == m_locks.end())
             return kLockError;
-        giveBack(*held);
+        unlock(*held);
         m_locks.erase(held);
         return kOk;
     }
     for (const RecordId id : m_locks)
-        giveBack(id);
+        unlock(id);
     m_locks.clear();
     return kOk;
 }
@@ -368,7 +368,7 @@ int FakeCursor::stat(CallBuffers& buffers) {
     const RecordLayout& layout = m_table.layout();
     const auto records = m_file.recordCount();
     QByteArray bytes;
-    word(bytes, layout.recordLength() - (m_peculiarities.shortRecord ? 1 : 0));
+    word(bytes, layout.recordLength() - (m_quirks.shortRecord ? 1 : 0));
     word(bytes, 4096);
     word(bytes, static_cast<int>(m_table.keys().size()));
     doubleWord(bytes, records);
@@ -382,11 +382,11 @@ int FakeCursor::stat(CallBuffers& buffers) {
             // The engine's own types know no dates in doubles.
             const Storage type =
                 field.storage == Storage::DateDouble ? Storage::Float : field.storage;
-            const bool moved = m_peculiarities.movedKey && key.number == 0;
+            const bool moved = m_quirks.movedKey && key.number == 0;
             word(bytes, field.offset + 1 + (moved ? 1 : 0));
             word(bytes, field.storedLength - (moved ? 1 : 0));
             word(bytes, kModifiable | kExtendedType | (key.unique ? 0 : kDuplicates) |
-                            (key.unique || m_peculiarities.linked ? 0 : kRepeatingDuplicates) |
+                            (key.unique || m_quirks.linked ? 0 : kRepeatingDuplicates) |
                             (i + 1 < key.segments.size() ? kSegmented : 0) |
                             (segment.ignoreCase ? kCollated : 0) |
                             (segment.descending ? kDescending : 0));

@@ -18,7 +18,7 @@ struct CallBuffers {
 };
 
 /// Deviations of a database's files, for tests.
-struct Peculiarities {
+struct Quirks {
     bool shortRecord = false;  ///< report record lengths one byte too short
     bool movedKey = false;     ///< report key 0 one byte too far
     bool linked = false;       ///< report duplicates in insertion order
@@ -33,7 +33,7 @@ struct Peculiarities {
 class FakeCursor {
   public:
     FakeCursor(std::shared_ptr<engines::embedded::Connection> connection,
-               engines::embedded::StoredTable& table, Peculiarities peculiarities);
+               engines::embedded::StoredTable& table, Quirks quirks);
 
     /// Runs one operation with its lock bias. @return the status.
     int run(int operation, CallBuffers& buffers, int keyNumber);
@@ -48,7 +48,7 @@ class FakeCursor {
     int update(CallBuffers& buffers);
     int remove();
     int unlock(CallBuffers& buffers, int key);
-    void giveBack(data::RecordId id);
+    void unlock(data::RecordId id);
     int stat(CallBuffers& buffers);
     int givePosition(CallBuffers& buffers);
 
@@ -61,7 +61,7 @@ class FakeCursor {
     std::shared_ptr<engines::embedded::Connection> m_connection;
     engines::embedded::StoredTable& m_table;
     mutable engines::embedded::EmbeddedTableFile m_file;
-    Peculiarities m_peculiarities;
+    Quirks m_quirks;
     std::unique_ptr<engines::embedded::EmbeddedTableFile> m_taker;
     std::optional<data::StoredRecord> m_current;
     int m_currentKey = -1;

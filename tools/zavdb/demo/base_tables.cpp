@@ -85,7 +85,7 @@ void fillGroups(data::Database& database, const Progress& progress) {
     report(subs, progress);
 }
 
-// A new company names its price levels "Hinta 1" to "Hinta 9"; this one has its own words.
+// Replaces the price level names of a new company, "Hinta 1" to "Hinta 9".
 void renamePriceLevels(data::Database& database, const Progress& progress) {
     const auto file = database.openTable(QStringLiteral("HINTATASO"));
     const data::RecordLayout& layout = file->layout();

@@ -5,12 +5,12 @@
 
 #include "data/engine/engine.h"
 
-/// The data of an invented Finnish retail and wholesale company: what `zavdb demo` fills a new
-/// database with. Everything follows from the options alone; no clock, locale or platform is asked.
+/// Data of an invented Finnish retail and wholesale company, for `zavdb demo`. Depends only on the
+/// options, not on clock, locale or platform.
 namespace tools::demo {
 
-inline constexpr int kFewestProducts = 10;
-inline constexpr int kMostProducts = 5'000'000;
+inline constexpr int kMinProducts = 10;
+inline constexpr int kMaxProducts = 5'000'000;
 
 struct Options {
     int products = 2000;

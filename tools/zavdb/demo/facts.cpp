@@ -7,7 +7,7 @@ namespace tools::demo {
 
 namespace {
 
-constexpr int kNameLength = 40;  // of a product's and a customer's name
+constexpr int kNameLength = 40;  // of product and customer names
 
 template <typename T>
 const T& anyOf(std::span<const T> list, Random& random) {
@@ -19,7 +19,7 @@ QStringView anyItem(QStringView list, Random& random) {
     return all[random.between(0, static_cast<int>(all.size()) - 1)];
 }
 
-/// A price as a shop writes it: .95, .90 or .99 at the end, .x5 or .x9 below five euros.
+/// A typical shop price: ends in .95, .90 or .99; below five euros in .x5 or .x9.
 qint64 shopPrice(qint64 cents, Random& random) {
     if (cents < 500)
         return cents / 10 * 10 + (random.chance(70) ? 5 : 9);
@@ -99,7 +99,7 @@ int Facts::quantityDiscountCount() const {
     return std::clamp(m_options.products / 60, 3, 5000);
 }
 
-// Every form of number holds the index, and no form can be taken for another, so numbers are
+// Every number format contains the index and the formats are distinguishable, so numbers are
 // unique.
 QString Facts::productNumber(int index, Random& random) const {
     const int form = random.between(1, 1000);
@@ -117,7 +117,7 @@ QString Facts::productNumber(int index, Random& random) const {
             .arg(index + 1, 5, 10, QChar(u'0'));
     if (form <= 990)
         return QStringLiteral("%1%2").arg(letters.toString().toLower()).arg(index + 1);
-    // what people typed before anybody thought of a web shop
+    // entered before the web shop, whose product numbers allow fewer characters
     static constexpr QStringView kForms[] = {u"TARJ %1", u"%1/12", u"VARA (%1)", u"KPL#%1",
                                              u"A&B %1",  u"%1*2",  u"10% %1",    u"[%1]"};
     QString number = random.pick(kForms).toString();
@@ -126,7 +126,7 @@ QString Facts::productNumber(int index, Random& random) const {
 
 void Facts::setPrices(Product& product, Random& random) const {
     const GroupWords& words = *product.words;
-    // the lower of two draws: a shop has many cheap things and few dear ones
+    // the lower of two draws: most products are cheap
     const int draw = std::min(random.between(words.lowestCents, words.highestCents),
                               random.between(words.lowestCents, words.highestCents));
     const qint64 tens = draw / 1000;
@@ -134,7 +134,7 @@ void Facts::setPrices(Product& product, Random& random) const {
     product.prices[0] = price;
     if (random.chance(40))
         product.prices[1] = euros(shopPrice(std::llround(price * random.between(80, 95)), random));
-    // wholesale levels are computed from the consumer price by a tool, so they end anyhow
+    // wholesale levels are computed from the consumer price, so they end in any digit
     const bool wholesale = words.mainGroup != 12 && random.chance(75);
     if (wholesale) {
         product.prices[2] = toCents(price * 0.90);
@@ -181,7 +181,7 @@ Product Facts::product(int index) const {
     else if (random.perMille(4))
         product.vatClass = kVat255;  // entered ahead of time
     if (product.words->vatClass == kVat14 && random.perMille(40))
-        product.secondClass = kVat24;  // eaten at a table with a drink
+        product.secondClass = kVat24;  // served with a drink
     product.purchaseClass = random.perMille(20) ? static_cast<int>(kVat0) : product.vatClass;
     product.webShop = product.words->mainGroup != 11 && random.chance(35);
     product.labels = random.chance(70) ? random.between(1, 3) : 0;

@@ -11,7 +11,7 @@
 
 namespace tools::demo {
 
-/// The kinds of items with their own random numbers.
+/// Kinds of items, each with its own random numbers.
 enum class Stream : quint64 {
     Product = 1,
     Customer,
@@ -33,8 +33,8 @@ enum class Stream : quint64 {
 
 inline constexpr int kLevels = 9;
 
-/// The facts of a product that other tables need. Computed from its index each time, so that a
-/// million products take no memory.
+/// Facts of a product that other tables need. Recomputed from its index each time: a million
+/// products take no memory.
 struct Product {
     int index = 0;
     QString number;

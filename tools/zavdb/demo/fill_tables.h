@@ -8,7 +8,7 @@ namespace tools::demo {
 
 /// VAT classes, groups, price levels, customer groups, suppliers, settings.
 void fillBaseTables(data::Database& database, const Facts& facts, const Progress& progress);
-/// Products with everything that hangs on a product number.
+/// Products and the tables keyed by product number.
 void fillProducts(data::Database& database, const Facts& facts, const Progress& progress);
 void fillStoreTables(data::Database& database, const Facts& facts, const Progress& progress);
 /// Customers, price lists, campaigns, quantity discounts, recurring invoices.

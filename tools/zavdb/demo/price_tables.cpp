@@ -62,7 +62,7 @@ void fillCustomers(data::Database& database, const Facts& facts, const Progress&
     progress(table.table(), table.rows());
 }
 
-// Fixed prices and percentages, for a customer, a customer group or a web shop customer group.
+// Fixed prices and percentages for a customer, a customer group or a web shop customer group.
 void fillPriceLists(data::Database& database, const Facts& facts, const Progress& progress) {
     TableFiller table(database, QStringLiteral("ASALE"));
     inBatches(database, facts.productCount() / 2, [&](int i) {
@@ -105,7 +105,7 @@ void fillPriceLists(data::Database& database, const Facts& facts, const Progress
 }
 
 void fillCampaigns(data::Database& database, const Facts& facts, const Progress& progress) {
-    // ended, ending on the last day before the change, on the day of it, later, and open ones
+    // ended; ending the day before the change, on that day, later; open
     static const QDate kEnds[] = {QDate(2024, 6, 30), QDate(2024, 8, 31),  QDate(2024, 9, 1),
                                   QDate(2024, 9, 15), QDate(2024, 12, 31), QDate()};
     TableFiller table(database, QStringLiteral("KAMPPANJA"));

@@ -91,7 +91,7 @@ void setFurtherFields(TableFiller& row, const Product& product, Random& random) 
 
 void fillTexts(data::Database& database, const Facts& facts, const Progress& progress) {
     TableFiller texts(database, QStringLiteral("TUOTETXT"));
-    // few: each of these records has room for 32 kilobytes of text
+    // few: each record reserves 32 KB for text
     inBatches(database, facts.productCount() / 100, [&](int i) {
         Random random = facts.random(Stream::Text, i);
         const Product product = facts.product(i * 100);

@@ -25,9 +25,9 @@ void addRow(TableFiller& table, const Facts& facts, Random& random, int order, i
     const double discount = percent;
     const double price = product.purchasePrice;
     const double priceVat0 = price / vatFactor(product.purchaseClass);
-    double toCome = 0;
+    double outstanding = 0;
     if (open && !random.chance(15))
-        toCome = random.chance(85) ? quantity : quantity / 2;
+        outstanding = random.chance(85) ? quantity : quantity / 2;
     const double share = 1.0 - discount / 100.0;
     const double sum = price * quantity * share;
     table.row()
@@ -45,8 +45,8 @@ void addRow(TableFiller& table, const Facts& facts, Random& random, int order, i
         .set(u"NettoAhinta", price * share)
         .set(u"Alennus", discount)
         .set(u"Summa", sum)
-        .set(u"Tulematta", toCome)
-        .set(u"Toimitetu", quantity - toCome)
+        .set(u"Tulematta", outstanding)
+        .set(u"Toimitetu", quantity - outstanding)
         .set(u"AlvLuokka", product.purchaseClass)
         .set(u"Tryhma", product.group)
         .set(u"OnVariKokoEmo", variantParent)

@@ -6,12 +6,12 @@
 
 namespace tools::demo {
 
-/// splitmix64. The standard library's distributions differ between platforms; the demo company must
+/// splitmix64: the standard library's distributions differ between platforms, the demo company must
 /// not.
 class Random {
   public:
-    /// Random numbers of one item: `stream` is its kind, `index` its number. Items are independent
-    /// of each other, so none needs to be kept.
+    /// Random numbers of one item: `stream` is its kind, `index` its number. Items are independent,
+    /// so no state is kept.
     Random(quint64 seed, quint64 stream, quint64 index)
         : m_state(mix(mix(seed * 0x9E3779B97F4A7C15ULL + stream) + index)) {}
 

@@ -63,7 +63,7 @@ OrderRow makeRow(const Facts& facts, Random& random, const Customer& customer, b
     const bool byWeight = row.product.words->unit == u"kg" || row.product.words->unit == u"h";
     row.quantity = byWeight ? random.between(1, 30) / 2.0 : random.between(1, 24);
     if (random.chance(2))
-        row.quantity = -row.quantity;  // goods that come back
+        row.quantity = -row.quantity;  // returned goods
     if (open) {
         row.left = row.quantity;
         if (random.chance(15))
@@ -79,7 +79,7 @@ OrderRow makeRow(const Facts& facts, Random& random, const Customer& customer, b
         customerGroups()[static_cast<size_t>(customer.group - 1)].priceLevel - 1);
     row.price = row.product.prices[level] != 0 ? row.product.prices[level] : row.product.prices[0];
     row.purchase = static_cast<double>(static_cast<float>(row.product.purchasePrice));
-    if (random.perMille(8)) {  // sold at what it cost
+    if (random.perMille(8)) {  // sold at cost
         row.discount = 0;
         row.price = row.purchase;
     }
@@ -157,7 +157,7 @@ void fillSalesOrders(data::Database& database, const Facts& facts, const Progres
         const int state = random.pick({0, 0, 1, 1, 1, 2, 2, 3, 3, 3, 4, 5, 5, 6});
         const bool open = state <= kLastOpenState;
         const QDate ordered = open ? dayBefore(random, 0, 90) : dayBefore(random, 20, 250);
-        QDate delivery;  // none agreed
+        QDate delivery;  // not agreed
         if (!open)
             delivery = ordered.addDays(random.between(1, 15));
         else if (random.chance(88))

@@ -44,7 +44,7 @@ void addStock(TableFiller& stock, int store, const Product& product, Random& ran
 
 void addStorePrice(TableFiller& prices, int store, const Product& product, Random& random) {
     prices.row().set(u"Myymala", store).set(u"Tuote", product.number);
-    // a store sets its own consumer and member price and takes the wholesale ones as they are
+    // a store sets its own consumer and member price and uses the central wholesale prices
     const double factor = random.pick({1.0, 1.0, 1.03, 0.97, 1.05});
     for (int level = 0; level < kLevels; ++level) {
         const double chain = product.prices[static_cast<size_t>(level)];
@@ -63,7 +63,7 @@ void addLabel(TableFiller& labels, const Product& product, Random& random) {
         .set(u"Tyyppi", random.chance(90) ? 1 : 2)
         .set(u"Tuote", product.number)
         .set(u"Maara", static_cast<double>(random.between(1, 4)));
-    if (random.chance(60)) {  // printed once, with the prices of that day
+    if (random.chance(60)) {  // printed once, with that day's prices
         labels.set(u"TulPvm", dayBefore(random, 5, 400))
             .set(u"TulAika", random.between(7 * 3600, 20 * 3600))
             .set(u"Voimassa", dayBefore(random, -60, 30));

@@ -9,7 +9,7 @@ namespace tools::demo {
 
 namespace {
 
-// enough to make the commits cheap, few enough to keep the write-ahead log short
+// large enough for cheap commits, small enough for a short write-ahead log
 constexpr qint64 kBatch = 50000;
 
 }  // namespace
@@ -31,7 +31,7 @@ const data::TFieldCacheItem& TableFiller::field(std::u16string_view name) {
     const int index = layout.indexOf(text);
     if (index < 0)
         throw data::DataError(data::ErrorKind::NoSuchField, m_table, text);
-    // names are literals, so their characters live as long as the program
+    // names are literals, so the view stays valid
     return *m_fields.emplace(name, &layout.field(index)).first->second;
 }
 

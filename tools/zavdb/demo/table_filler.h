@@ -17,7 +17,7 @@ class TableFiller {
   public:
     TableFiller(data::Database& database, const QString& table);
 
-    /// Stores the record before and starts the next.
+    /// Stores the previous record and starts the next.
     TableFiller& row();
     TableFiller& set(std::u16string_view field, const QString& text);
     TableFiller& set(std::u16string_view field, QStringView text) {
@@ -32,7 +32,7 @@ class TableFiller {
     TableFiller& set(std::u16string_view field, QDate date);
     TableFiller& set(std::u16string_view field, QTime time);
     TableFiller& set(std::u16string_view field, const QDateTime& time);
-    /// Stores the record that row() began.
+    /// Stores the record started by row().
     void store();
 
     qint64 rows() const { return m_rows; }

@@ -1,0 +1,128 @@
+#include "engines/shops/separate_journal.h"
+
+#include "data/journal/entry_fields.h"
+#include "tests/engines/embedded/fixture.h"
+
+// The journal of an engine whose transactions it cannot join, over an embedded company whose own
+// journal is off.
+
+using namespace data;
+using engines::shops::SeparateJournal;
+using engines::shops::WriteTarget;
+
+namespace {
+
+class SeparateJournalTest : public test::EmbeddedCompany {
+  protected:
+    void SetUp() override {
+        test::EmbeddedCompany::SetUp();
+        run("insert into TRYHMA (Nro, NIMI, VERO) values (7, 'Maalit', 2)");
+        run("insert into TRYHMA (Nro, NIMI, VERO) values (8, 'Liimat', 3)");
+        run("insert into HR (tyyppi, tuote, maara) values (2, 'A1', 4)");
+        m_before = everything();
+        reopen();
+        JournalRun head;
+        head.started = QDateTime(QDate(2024, 9, 1), QTime(0, 30));
+        m_run = m_journal->begin(head, {});
+    }
+
+    void reopen() {
+        m_journal.reset();
+        m_journal = std::make_unique<SeparateJournal>(
+            folder(), [this](const QString& table) { return db->openTable(table); },
+            [] { return false; });
+    }
+
+    // Runs a statement as an engine with the journal would; `dies`: after it the process is gone.
+    void journaled(const QString& sql, const std::map<QString, Value>& with = {}, bool sent = true,
+                   bool dies = false) {
+        struct Death {};
+        try {
+            m_journal->write(*engines::shops::writeTargetOf(sql), with, *db, [&] {
+                const auto statement = db->prepare(sql);
+                for (const auto& [name, value] : with)
+                    statement->bind(name, value);
+                if (sent)
+                    statement->execute();
+                if (dies)
+                    throw Death();
+            });
+        } catch (const Death&) {
+            reopen();
+        }
+    }
+
+    using Records = std::map<RecordId, QByteArray>;
+    std::map<QString, Records> everything() {
+        std::map<QString, Records> tables;
+        for (const char* name : {"TRYHMA", "HR", "INI"})
+            db->openTable(name)->visitStored(
+                std::nullopt, 1000, [&](RecordId id, const auto& bytes) {
+                    tables[name][id] = QByteArray(bytes.constData(), bytes.size());
+                    return true;
+                });
+        return tables;
+    }
+
+    // What stands in the tables, with the journal's changes taken back from the last to the first.
+    std::map<QString, Records> takenBack() {
+        std::map<QString, Records> tables = everything();
+        const std::vector<JournalTable> known = m_journal->tables(m_run);
+        m_journal->visit(m_run, Direction::Backward, [&](const JournalEntry& entry) {
+            const JournalTable& table = known.at(static_cast<size_t>(entry.table));
+            Records& records = tables[table.name];
+            const QByteArray nothing(table.recordLength, '\0');
+            if (entry.operation == Operation::Insert)
+                records.erase(entry.record);
+            else
+                applyBefore(entry, records.try_emplace(entry.record, nothing).first->second);
+            return true;
+        });
+        std::erase_if(tables, [](const auto& table) { return table.second.empty(); });
+        return tables;
+    }
+
+    std::unique_ptr<SeparateJournal> m_journal;
+    std::map<QString, Records> m_before;
+    qint64 m_run = 0;
+};
+
+}  // namespace
+
+TEST_F(SeparateJournalTest, KnowsEveryChangeWhereverTheProcessDies) {
+    struct Write {
+        const char* sql;
+        std::map<QString, Value> with;
+    };
+    const Write writes[] = {
+        {"update TRYHMA set VERO = :uusi where VERO = :vanha and Nro < 100",
+         {{"uusi", 6}, {"vanha", 2}}},
+        {"update hr set maara = :maara where tuote = :tuote and tyyppi=1",
+         {{"maara", 3}, {"tuote", "A1"}}},
+        {"insert into hr (tyyppi,tuote,maara) values (1,:tuote,:maara)",
+         {{"maara", 3}, {"tuote", "A1"}}},
+        {"insert into ini values ( 'ZAV.INI', 'TAKSAVAIHE', '20240901','2024' )", {}},
+        {"update ini set data = '2025' where ininimi='ZAV.INI' AND sektio='TAKSAVAIHE'", {}},
+        {"update TRYHMA set NIMI = 'x''y' where Nro in (7, 8);", {}},
+        {"delete from ini where ininimi='ZAV.INI'", {}},
+    };
+    for (const Write& write : writes) {
+        for (const auto& [sent, dies] : {std::pair(false, true), std::pair(true, false)}) {
+            journaled(write.sql, write.with, sent, dies);
+            EXPECT_TRUE(takenBack() == m_before) << write.sql << " sent " << sent;
+            if (dies)
+                m_journal->resume(m_run);
+        }
+        // once more, stored by the engine and not yet known to the journal
+        journaled(write.sql, write.with, true, true);
+        EXPECT_TRUE(takenBack() == m_before) << write.sql;
+        EXPECT_EQ(m_journal->run(m_run)->state, RunState::Interrupted);
+        m_journal->resume(m_run);
+    }
+    EXPECT_EQ(everything()["HR"].size(), 3U);
+    EXPECT_GE(m_journal->lastEntry(m_run), 7);
+    m_journal->end(RunState::Done);
+    reopen();
+    EXPECT_EQ(m_journal->run(m_run)->state, RunState::Done);
+    EXPECT_EQ(m_journal->check(), QStringList());
+}
