@@ -77,7 +77,7 @@ bool ProgramDialogs::ask(QWidget* parent, const QString& text) {
 
 int ProgramDialogs::choose(QWidget* parent, const QString& text, const QStringList& answers) {
     const int last = static_cast<int>(answers.size()) - 1;
-    if (!someoneThere())
+    if (!isInteractive())
         return last;
     QMessageBox box(QMessageBox::Question, title(parent), text, QMessageBox::NoButton, parent);
     box.setTextFormat(Qt::PlainText);

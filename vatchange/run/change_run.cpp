@@ -3,7 +3,7 @@
 #include "company/run_mark.h"
 #include "data/clock.h"
 #include "vatchange/rules/log_texts.h"
-#include "vatchange/run/earlier_runs.h"
+#include "vatchange/run/unfinished_runs.h"
 #include "vatchange/run/journal_session.h"
 #include "vatchange/run/run_context.h"
 

@@ -1,4 +1,4 @@
-#include "vatchange/run/earlier_runs.h"
+#include "vatchange/run/unfinished_runs.h"
 
 #include "company/company.h"
 #include "company/unfinished_note.h"

@@ -14,7 +14,7 @@ void leaveNotes(const RunCompany& company, const char* notes) {
     test::writeFile(company.file(QStringLiteral("ALVMUUTOS.KESKEN")), notes);
 }
 
-TEST(EarlierRuns, ANoteOfAnOlderVersionStopsWhatChangesDependentRows) {
+TEST(UnfinishedRunNote, OfAnOlderVersionStopsWhatChangesDependentRows) {
     RunCompany company;
     company.ports.definition = QStringLiteral("Alv255");
     const char* const note = "[AJO]\nMaarittely=Alv255\nAlkoi=2024-09-01 05:06:07\nKone=K1\n";
