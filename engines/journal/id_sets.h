@@ -1,35 +1,24 @@
 #pragma once
 
-#include <QtGlobal>
-#include <bitset>
-#include <unordered_map>
 #include <vector>
 
-#include "engines/data_names.h"
+#include "data/journal/id_set.h"
 
 namespace engines::journal {
 
-/// Counts records, each once, as sets of ids by table: a bit each where ids are dense.
+/// Counts records, each once, as sets of ids by table.
 class IdSets {
   public:
-    /// @return false if the id was there already.
-    bool add(int table, qint64 id) {
+    void add(int table, qint64 id) {
         if (static_cast<size_t>(table) >= m_tables.size())
             m_tables.resize(static_cast<size_t>(table) + 1);
-        auto& block = m_tables[static_cast<size_t>(table)][id >> kBlockBits];
-        const auto bit = static_cast<size_t>(id & ((1 << kBlockBits) - 1));
-        if (block[bit])
-            return false;
-        block[bit] = true;
-        ++m_count;
-        return true;
+        if (m_tables[static_cast<size_t>(table)].add(id))
+            ++m_count;
     }
     qint64 count() const { return m_count; }
 
   private:
-    static constexpr int kBlockBits = 10;
-    using Blocks = std::unordered_map<qint64, std::bitset<1 << kBlockBits>>;
-    std::vector<Blocks> m_tables;
+    std::vector<data::IdSet> m_tables;
     qint64 m_count = 0;
 };
 

@@ -56,11 +56,13 @@ struct TAlvMuutosMt::Fields {
 };
 
 TAlvMuutosMt::TAlvMuutosMt(data::Database& database, const SalesOrderChange& change,
-                           const VatFactor& factor, RunPorts& ports, qint64& changedRows)
+                           const VatFactor& factor, RunPorts& ports, qint64& changedRows,
+                           OrderProgress progress)
     : m_change(change),
       m_factor(factor),
       m_ports(ports),
       m_changedRows(changedRows),
+      m_progress(std::move(progress)),
       m_walk(ports) {
     openOrderTable(MtTable, database, "MT");
     openOrderTable(MtRiviTable, database, "MTRIVI");
@@ -84,6 +86,8 @@ bool TAlvMuutosMt::TeeAlvMuutosMt() {
 }
 
 void TAlvMuutosMt::MuutaMtTilaus(qint64 number) {
+    if (m_progress.isFinished(number))
+        return;
     const data::KeyValues key{data::Value(number)};
     if (!MtTable.findKey(key))
         return;
@@ -97,8 +101,11 @@ void TAlvMuutosMt::MuutaMtTilaus(qint64 number) {
     for (; !MtRiviTable.eof() && !m_walk.stopRequested(); MtRiviTable.next())
         if (isSalesRowConverted(readRow(), m_change.sourceClass))
             MuutaMtRivi(special);
+    const bool complete = MtRiviTable.eof();  // false after the user's stop
     LaskeMtSummat();
     MtRiviTable.cancelRange();
+    if (complete)
+        m_progress.finish(MtTable.tableName(), number, MtTable.file(), MtRiviTable.file());
 }
 
 void TAlvMuutosMt::MuutaMtRivi(bool special) {
@@ -125,6 +132,7 @@ void TAlvMuutosMt::MuutaMtRivi(bool special) {
     f.kate.set(row.kate);
     f.kateAlv0.set(row.kateAlv0);
     MtRiviTable.post();
+    m_progress.clearMarginMark(MtRiviTable.recordId());
     ++m_changedRows;
 }
 
@@ -135,14 +143,17 @@ void TAlvMuutosMt::LaskeMtSummat() {
                        f.summaAlv0.empty()};
     for (MtRiviTable.first(); !MtRiviTable.eof(); MtRiviTable.next()) {
         SalesRow row = readRow();
-        bool marked = false;
+        // an attempt that was broken off has left its marks, which are no margins
+        bool marked = m_progress.hasMarginMark(MtRiviTable.recordId());
         if (needsMarginMark(row)) {
             MtRiviTable.edit();
             row = readRow();
             marked = needsMarginMark(row);
             if (marked) {
                 f.kate.set(kMarginMark);
+                m_progress.setMarginMark(true);
                 MtRiviTable.post();
+                m_progress.setMarginMark(false);
             } else {
                 MtRiviTable.cancel();
             }
@@ -179,8 +190,9 @@ SalesRow TAlvMuutosMt::readRow() const {
 }
 
 bool AlvMuutosMyyntitilauksiin(data::Database& database, const SalesOrderChange& change,
-                               const VatFactor& factor, RunPorts& ports, qint64& changedRows) {
-    TAlvMuutosMt orders(database, change, factor, ports, changedRows);
+                               const VatFactor& factor, RunPorts& ports, qint64& changedRows,
+                               OrderProgress progress) {
+    TAlvMuutosMt orders(database, change, factor, ports, changedRows, std::move(progress));
     if (!orders.TeeAlvMuutosMt())
         return false;
     ports.NaytaViesti(QStringLiteral("Myyntitilaukset konvertoitu."));

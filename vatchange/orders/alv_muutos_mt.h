@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "vatchange/journal/order_progress.h"
 #include "vatchange/orders/order_rules.h"
 #include "vatchange/orders/order_walk.h"
 
@@ -11,10 +12,10 @@ namespace vatchange {
 /// database error ends the conversion: posted rows remain, the destructor releases locks.
 class TAlvMuutosMt {
   public:
-    /// Opens the tables. `changedRows` is incremented with every row posted. The references must
-    /// outlive the object. @throws data::DataError.
+    /// Opens the tables. `changedRows` is incremented with every row posted. `progress`: of the
+    /// run. The references must outlive the object. @throws data::DataError.
     TAlvMuutosMt(data::Database& database, const SalesOrderChange& change, const VatFactor& factor,
-                 RunPorts& ports, qint64& changedRows);
+                 RunPorts& ports, qint64& changedRows, OrderProgress progress = {});
     ~TAlvMuutosMt();
 
     /// Converts all orders. Returns false if the user stopped before the last row; the totals of
@@ -33,6 +34,7 @@ class TAlvMuutosMt {
     const VatFactor& m_factor;
     RunPorts& m_ports;
     qint64& m_changedRows;
+    OrderProgress m_progress;
     OrderWalk m_walk;
     data::TtbTable MtTable;
     data::TtbTable MtRiviTable;
@@ -41,8 +43,10 @@ class TAlvMuutosMt {
 };
 
 /// Converts all open sales orders, then shows "Myyntitilaukset konvertoitu.". Returns false if the
-/// user stopped. Database errors propagate.
+/// user stopped. Orders that the run has finished before are passed over. Database errors
+/// propagate.
 bool AlvMuutosMyyntitilauksiin(data::Database& database, const SalesOrderChange& change,
-                               const VatFactor& factor, RunPorts& ports, qint64& changedRows);
+                               const VatFactor& factor, RunPorts& ports, qint64& changedRows,
+                               OrderProgress progress = {});
 
 }  // namespace vatchange

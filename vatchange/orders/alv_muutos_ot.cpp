@@ -46,8 +46,13 @@ struct TAlvMuutosOt::Fields {
 };
 
 TAlvMuutosOt::TAlvMuutosOt(data::Database& database, const PurchaseOrderChange& change,
-                           const VatFactor& factor, RunPorts& ports, qint64& changedRows)
-    : m_change(change), m_factor(factor), m_changedRows(changedRows), m_walk(ports) {
+                           const VatFactor& factor, RunPorts& ports, qint64& changedRows,
+                           OrderProgress progress)
+    : m_change(change),
+      m_factor(factor),
+      m_changedRows(changedRows),
+      m_progress(std::move(progress)),
+      m_walk(ports) {
     OtRiviTable.setFieldDeclarations(Fields::declarations());
     openOrderTable(OtTable, database, "WINOT");
     openOrderTable(OtRiviTable, database, "WINOTRI");
@@ -67,6 +72,8 @@ bool TAlvMuutosOt::TeeAlvMuutosOt() {
 }
 
 void TAlvMuutosOt::MuutaOtTilaus(qint64 number) {
+    if (m_progress.isFinished(number))
+        return;
     const data::KeyValues key{data::Value(number)};
     if (!OtTable.findKey(key))
         return;
@@ -74,8 +81,11 @@ void TAlvMuutosOt::MuutaOtTilaus(qint64 number) {
     for (; !OtRiviTable.eof() && !m_walk.stopRequested(); OtRiviTable.next())
         if (isPurchaseRowConverted(readRow(), m_change.sourceClass))
             MuutaOtRivi();
+    const bool complete = OtRiviTable.eof();  // false after the user's stop
     LaskeOtSummat();
     OtRiviTable.cancelRange();
+    if (complete)
+        m_progress.finish(OtTable.tableName(), number, OtTable.file(), OtRiviTable.file());
 }
 
 void TAlvMuutosOt::MuutaOtRivi() {
@@ -129,8 +139,9 @@ PurchaseRow TAlvMuutosOt::readRow() const {
 }
 
 bool AlvMuutosOstotilauksiin(data::Database& database, const PurchaseOrderChange& change,
-                             const VatFactor& factor, RunPorts& ports, qint64& changedRows) {
-    TAlvMuutosOt orders(database, change, factor, ports, changedRows);
+                             const VatFactor& factor, RunPorts& ports, qint64& changedRows,
+                             OrderProgress progress) {
+    TAlvMuutosOt orders(database, change, factor, ports, changedRows, std::move(progress));
     if (!orders.TeeAlvMuutosOt())
         return false;
     ports.NaytaViesti(QStringLiteral("Ostotilaukset konvertoitu."));

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "vatchange/journal/order_progress.h"
 #include "vatchange/orders/order_rules.h"
 #include "vatchange/orders/order_walk.h"
 
@@ -10,10 +11,11 @@ namespace vatchange {
 /// Converts the open purchase orders, with the guarantees of TAlvMuutosMt.
 class TAlvMuutosOt {
   public:
-    /// Opens the tables. `changedRows` is incremented with every row posted. The references must
-    /// outlive the object. @throws data::DataError.
+    /// Opens the tables. `changedRows` is incremented with every row posted. `progress`: of the
+    /// run. The references must outlive the object. @throws data::DataError.
     TAlvMuutosOt(data::Database& database, const PurchaseOrderChange& change,
-                 const VatFactor& factor, RunPorts& ports, qint64& changedRows);
+                 const VatFactor& factor, RunPorts& ports, qint64& changedRows,
+                 OrderProgress progress = {});
     ~TAlvMuutosOt();
 
     /// Converts all orders. Returns false if the user stopped before the last row; the totals of
@@ -31,6 +33,7 @@ class TAlvMuutosOt {
     const PurchaseOrderChange& m_change;
     const VatFactor& m_factor;
     qint64& m_changedRows;
+    OrderProgress m_progress;
     OrderWalk m_walk;
     data::TtbTable OtTable;
     data::TtbTable OtRiviTable;
@@ -39,8 +42,10 @@ class TAlvMuutosOt {
 };
 
 /// Converts all open purchase orders, then shows "Ostotilaukset konvertoitu.". Returns false if the
-/// user stopped. Database errors propagate.
+/// user stopped. Orders that the run has finished before are passed over. Database errors
+/// propagate.
 bool AlvMuutosOstotilauksiin(data::Database& database, const PurchaseOrderChange& change,
-                             const VatFactor& factor, RunPorts& ports, qint64& changedRows);
+                             const VatFactor& factor, RunPorts& ports, qint64& changedRows,
+                             OrderProgress progress = {});
 
 }  // namespace vatchange

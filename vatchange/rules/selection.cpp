@@ -36,17 +36,29 @@ void addTerms(QStringList& terms, const QString& column, const GroupRestriction&
     }
 }
 
-}  // namespace
-
-QString selectionCondition(const ChangeDefinition& definition) {
+QString condition(const ChangeDefinition& definition, std::initializer_list<int> classes) {
     QStringList terms;
     addTerms(terms, QStringLiteral("AliRyhma"), definition.subGroup);
     addTerms(terms, QStringLiteral("Ryhma"), definition.productGroup);
     addTerms(terms, QStringLiteral("PaaRyhma"), definition.mainGroup);
-    const QString source = QString::number(definition.sourceClass);
-    terms += QStringLiteral("( lvv = ") + source + QStringLiteral(" OR alv2 = ") + source +
-             QStringLiteral(" OR ostovero = ") + source + u')';
+    QStringList classTerms;
+    for (const int vatClass : classes) {
+        const QString number = QString::number(vatClass);
+        classTerms += QStringLiteral("lvv = ") + number + QStringLiteral(" OR alv2 = ") + number +
+                      QStringLiteral(" OR ostovero = ") + number;
+    }
+    terms += QStringLiteral("( ") + classTerms.join(QStringLiteral(" OR ")) + u')';
     return terms.join(QStringLiteral(" AND "));
+}
+
+}  // namespace
+
+QString selectionCondition(const ChangeDefinition& definition) {
+    return condition(definition, {definition.sourceClass});
+}
+
+QString selectionWithConverted(const ChangeDefinition& definition) {
+    return condition(definition, {definition.sourceClass, definition.targetClass});
 }
 
 QString groupRangeCondition(const ChangeDefinition& definition) {

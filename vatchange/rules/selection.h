@@ -10,6 +10,9 @@ namespace vatchange {
 /// enabled group kind, then the VAT class term. Contains only integers, no user text.
 QString selectionCondition(const ChangeDefinition& definition);
 
+/// The same with the target class beside the source class: also what a run has converted.
+QString selectionWithConverted(const ChangeDefinition& definition);
+
 /// Product group range, appended to the conditions of the TRYHMA updates; applies even if the
 /// product group restriction is off.
 QString groupRangeCondition(const ChangeDefinition& definition);

@@ -144,9 +144,14 @@ QString storePriceUpdate(const QString& assignments) {
            QStringLiteral(", muutettu =now() where tuote=:t");
 }
 
-QString storePriceQuery(int sourceClass) {
-    return QStringLiteral("select * from myymalahinnat, tuote where numero=tuote and lvv= ") +
-           QString::number(sourceClass) + QStringLiteral(" order by tuote");
+QString storePriceQuery(std::initializer_list<int> classes) {
+    QStringList terms;
+    for (const int vatClass : classes)
+        terms += QStringLiteral("lvv= ") + QString::number(vatClass);
+    const QString term = terms.join(QStringLiteral(" or "));
+    return QStringLiteral("select * from myymalahinnat, tuote where numero=tuote and ") +
+           (terms.size() > 1 ? QString(u'(' + term + u')') : term) +
+           QStringLiteral(" order by tuote");
 }
 
 QString labelUpdate(bool hasQuantityDiscountColumns) {

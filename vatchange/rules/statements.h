@@ -52,8 +52,8 @@ inline const QString kStoreTableQuery =
 QString storePriceAssignments(const ChangeDefinition& definition, double targetFactor);
 /// UPDATE of a product's store rows; parameter t.
 QString storePriceUpdate(const QString& assignments);
-/// Selects the store rows of products with the source class in LVV.
-QString storePriceQuery(int sourceClass);
+/// Selects the store rows of products with one of these classes in LVV.
+QString storePriceQuery(std::initializer_list<int> classes);
 
 inline const QString kLabelColumnsQuery = QStringLiteral("select top 0 * from hr");
 inline const QString kLabelInsert =

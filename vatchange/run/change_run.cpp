@@ -3,9 +3,10 @@
 #include "company/run_mark.h"
 #include "data/clock.h"
 #include "vatchange/rules/log_texts.h"
-#include "vatchange/run/unfinished_runs.h"
+#include "vatchange/run/dependent_step.h"
 #include "vatchange/run/journal_session.h"
 #include "vatchange/run/run_context.h"
+#include "vatchange/run/unfinished_runs.h"
 
 namespace vatchange {
 
@@ -81,20 +82,20 @@ LabelTable prepareShelfLabels(RunContext& run) {
 void convertDependentTables(RunContext& run) {
     if (run.definition.customerPriceLists) {
         attempt(run, {QStringLiteral("Virhe asiakashinnaston päivityksessä: ")},
-                [&] { convertCustomerPriceLists(run); });
+                [&] { convertDependentRows(run, customerPriceStep(run)); });
     }
     if (run.definition.campaigns) {
         attempt(run, {QStringLiteral("Virhe kampanjan päivityksessä: ")},
-                [&] { convertCampaigns(run); });
+                [&] { convertDependentRows(run, campaignStep(run)); });
     }
     if (run.definition.recurringInvoicing) {
         attempt(run,
                 {QStringLiteral("Virhe "), QStringLiteral(" vakiolaskutuksen päivityksessä. ")},
-                [&] { convertRecurringInvoices(run); });
+                [&] { convertDependentRows(run, recurringInvoiceStep(run)); });
     }
     if (run.definition.quantityDiscounts) {
         attempt(run, {QStringLiteral("Virhe "), QStringLiteral(" määräalen päivityksessä. ")},
-                [&] { convertQuantityDiscounts(run); });
+                [&] { convertDependentRows(run, quantityDiscountStep(run)); });
     }
 }
 

@@ -1,221 +1,230 @@
+#include <QDateTime>
+
+#include "data/clock.h"
 #include "vatchange/rules/dependent_statements.h"
-
 #include "vatchange/rules/log_texts.h"
-#include "vatchange/run/run_context.h"
-#include "vatchange/run/shared_key_rows.h"
+#include "vatchange/rules/selection.h"
+#include "vatchange/run/dependent_step.h"
+#include "vatchange/run/product_filter.h"
 
-// The four price tables beside the products. Each step reads its rows once, then writes them back
-// one by one with the values computed from what was read. Recurring invoices and quantity discounts
-// are updated by their unique numbers; customer prices and campaigns by columns that several rows
-// may share.
+// The four price tables beside the products. Recurring invoices and quantity discounts are updated
+// by their unique numbers; customer prices and campaigns by columns that several rows may share.
 
 namespace vatchange {
 
 namespace {
 
-SharedKeyTable customerPriceTable() {
-    return {QStringLiteral("ASALE"),
-            {QStringLiteral("AsiakasNumero"), QStringLiteral("Tuote"),
-             QStringLiteral("AsikasTyyppi"), QStringLiteral("Maara")},
-            {QStringLiteral("Hinta"), QStringLiteral("HintaAlv0"), QStringLiteral("OstoHinta")},
-            [](const data::TtbTable& record) {
-                return record.fieldByName(QStringLiteral("Tyyppi")).asInteger() == 1 &&
-                       record.fieldByName(QStringLiteral("Prosentteina")).asInteger() == 0 &&
-                       record.fieldByName(QStringLiteral("Hinta")).asFloat() > 0 &&
-                       record.fieldByName(QStringLiteral("OstohintaLahtoinen")).asInteger() == 0;
-            }};
+using Kind = RowColumn::Kind;
+using Row = data::KeyValues;
+using Changes = std::vector<AmountChange>;
+
+/// Accepts rows by the product number in a column.
+auto ofProductIn(size_t column) {
+    return [column](RunContext& run) {
+        const auto products = std::make_shared<ProductFilter>(run);
+        return [products, column](const Row& row) {
+            return products->accepts(row[column].toString());
+        };
+    };
 }
 
-SharedKeyTable campaignTable() {
-    return {QStringLiteral("KAMPPANJA"),
-            {QStringLiteral("Tuote"), QStringLiteral("RiviNro")},
-            {QStringLiteral("Myyntihinta"), QStringLiteral("Ostohinta")},
-            [](const data::TtbTable& record) {
-                const QDate end = record.fieldByName(QStringLiteral("Loppu")).asDate();
-                return record.fieldByName(QStringLiteral("Prosentti")).asInteger() == 0 &&
-                       (!end.isValid() || end >= kCampaignsEndingFrom);
-            }};
+AmountChange salesChange(const RunContext& run, double old) {
+    return {old, run.prices.dependentPrice(old)};
 }
 
-/// Reports rows changed by another program since the query: logs each, counts one failed step.
-class LostRows {
-  public:
-    LostRows(RunContext& run, const QString& step) : m_run(run), m_step(step) {}
-
-    void add(const QString& row) {
-        const QString text = m_step + row +
-                             QStringLiteral(
-                                 ": riviä ei muutettu, koska muu ohjelma on muuttanut tai "
-                                 "poistanut sen ajon aikana");
-        m_run.ports.log(text);
-        if (m_reported)
-            return;
-        m_reported = true;
-        ++m_run.result.failedSteps;
-        m_run.result.failures += text;
-    }
-
-  private:
-    RunContext& m_run;
-    const QString m_step;
-    bool m_reported = false;
-};
+AmountChange purchaseChange(const RunContext& run, double old) {
+    return {old, run.prices.dependentPurchasePrice(old)};
+}
 
 }  // namespace
 
-void convertCustomerPriceLists(RunContext& run) {
-    run.ports.log(QStringLiteral("Aloitetaan asiakashinnastojen päivitys"));
-    run.ports.status(QStringLiteral("Päivitetään asiakashinnasto"));
-    data::TUniQuery rows(&run.database);
-    rows.sql().add(customerPriceQuery(run.condition, run.definition));
-    rows.open();
-    const auto& customer = rows.fieldByName(QStringLiteral("AsiakasNumero"));
-    const auto& product = rows.fieldByName(QStringLiteral("tuote"));
-    const auto& oldPrice = rows.fieldByName(QStringLiteral("hinta"));
-    const auto& oldPriceVat0 = rows.fieldByName(QStringLiteral("hintaalv0"));
-    const auto& quantity = rows.fieldByName(QStringLiteral("maara"));
-    const auto& customerType = rows.fieldByName(QStringLiteral("AsikasTyyppi"));
-    const auto& oldPurchase = rows.fieldByName(QStringLiteral("OstoHinta"));
-
-    data::TUniQuery update(&run.database);
-    update.sql().add(kCustomerPriceUpdate);
-    SharedKeyRows shared(run.database, customerPriceTable(), run.condition, rows);
-    LostRows lost(run, QStringLiteral("Virhe asiakashinnaston päivityksessä: "));
-    qint64& converted = run.changedRows(QStringLiteral("Asiakashinnastojen rivit"));
-    const auto convertRow = [&] {
-        const AmountChange price{oldPrice.asFloat(), run.prices.dependentPrice(oldPrice.asFloat())};
-        AmountChange priceVat0{oldPriceVat0.asFloat(), oldPriceVat0.asFloat()};
+DependentStep customerPriceStep(const RunContext& run) {
+    DependentStep step;
+    step.table.name = QStringLiteral("ASALE");
+    step.table.keyColumns = {QStringLiteral("AsiakasNumero"), QStringLiteral("Tuote"),
+                             QStringLiteral("AsikasTyyppi"), QStringLiteral("Maara")};
+    step.table.amountColumns = {QStringLiteral("Hinta"), QStringLiteral("HintaAlv0"),
+                                QStringLiteral("OstoHinta")};
+    step.table.selected = [](const data::TtbTable& record) {
+        return record.fieldByName(QStringLiteral("Tyyppi")).asInteger() == 1 &&
+               record.fieldByName(QStringLiteral("Prosentteina")).asInteger() == 0 &&
+               record.fieldByName(QStringLiteral("Hinta")).asFloat() > 0 &&
+               record.fieldByName(QStringLiteral("OstohintaLahtoinen")).asInteger() == 0;
+    };
+    step.rows = {QStringLiteral("ASALE"),
+                 customerPriceQuery(run.condition, run.definition),
+                 {{QStringLiteral("AsiakasNumero"), Kind::Whole},
+                  {QStringLiteral("tuote"), Kind::Text},
+                  {QStringLiteral("AsikasTyyppi"), Kind::Whole},
+                  {QStringLiteral("maara"), Kind::Amount},
+                  {QStringLiteral("hinta"), Kind::Amount},
+                  {QStringLiteral("hintaalv0"), Kind::Amount},
+                  {QStringLiteral("OstoHinta"), Kind::Amount}},
+                 customerPriceQuery(selectionWithConverted(run.definition), run.definition),
+                 ofProductIn(1)};
+    step.update = kCustomerPriceUpdate;
+    step.keyParameters = {QStringLiteral("asiakasNumero"), QStringLiteral("tuote"),
+                          QStringLiteral("Asiakastyyppi"), QStringLiteral("maara")};
+    step.amountParameters = {QStringLiteral("uusihinta"), QStringLiteral("uusihintaalv0"),
+                             QStringLiteral("uusiostohinta")};
+    step.sharesKeys = true;
+    step.begin = QStringLiteral("Aloitetaan asiakashinnastojen päivitys");
+    step.status = QStringLiteral("Päivitetään asiakashinnasto");
+    step.what = QStringLiteral("Asiakashinnastojen rivit");
+    step.lost = QStringLiteral("Virhe asiakashinnaston päivityksessä: ");
+    step.logsRows = false;
+    step.logsCount = true;
+    step.convert = [&run](const Amounts& old) {
+        const AmountChange price = salesChange(run, old[0]);
+        AmountChange priceVat0{old[1], old[1]};
         if (!run.definition.keepCustomerPricelistVat0)
             priceVat0.after = price.after / run.targetFactor;
-        const AmountChange purchase{oldPurchase.asFloat(),
-                                    run.prices.dependentPurchasePrice(oldPurchase.asFloat())};
-        const auto line = [&] {
-            return customerPriceLine(static_cast<int>(customerType.asInteger()),
-                                     customer.asInteger(), product.asString(), quantity.asFloat(),
-                                     price, priceVat0, purchase);
-        };
-        if (!shared.holdsCurrentRow()) {
-            update.paramByName(QStringLiteral("uusihinta")).setFloat(price.after);
-            update.paramByName(QStringLiteral("uusihintaalv0")).setFloat(priceVat0.after);
-            update.paramByName(QStringLiteral("uusiostohinta")).setFloat(purchase.after);
-            update.paramByName(QStringLiteral("tuote")).setString(product.asString());
-            update.paramByName(QStringLiteral("asiakasNumero")).setInteger(customer.asInteger());
-            update.paramByName(QStringLiteral("maara")).setFloat(quantity.asFloat());
-            update.paramByName(QStringLiteral("Asiakastyyppi"))
-                .setInteger(customerType.asInteger());
-            update.execSql();
-        } else if (!shared.update({price, priceVat0, purchase})) {
-            lost.add(line());
-            return;
-        }
-        ++converted;
-        if (run.definition.productLog)
-            run.ports.log(line());
+        return Changes{price, priceVat0, purchaseChange(run, old[2])};
     };
-    run.walk(rows, convertRow);
-    if (run.definition.productLog)
-        run.ports.log(rowCountLine(converted));
+    step.line = [](const Row& row, const Changes& changes) {
+        return customerPriceLine(static_cast<int>(row[2].toLongLong()), row[0].toLongLong(),
+                                 row[1].toString(), row[3].toDouble(), changes[0], changes[1],
+                                 changes[2]);
+    };
+    return step;
 }
 
-void convertCampaigns(RunContext& run) {
-    run.ports.log(QStringLiteral("Aloitetaan kampanjoiden päivitys"));
-    run.ports.status(QStringLiteral("Päivitetään kampanjat"));
-    data::TUniQuery rows(&run.database);
-    rows.sql().add(campaignQuery(run.condition));
-    rows.open();
-    run.ports.log(kCampaignHeader);
-    const auto& product = rows.fieldByName(QStringLiteral("Tuote"));
-    const auto& row = rows.fieldByName(QStringLiteral("Rivinro"));
-    const auto& oldSales = rows.fieldByName(QStringLiteral("MyyntiHinta"));
-    const auto& oldPurchase = rows.fieldByName(QStringLiteral("OstoHInta"));
-
-    data::TUniQuery update(&run.database);
-    update.sql().add(kCampaignUpdate);
-    SharedKeyRows shared(run.database, campaignTable(), run.condition, rows);
-    LostRows lost(run, QStringLiteral("Virhe kampanjan päivityksessä: "));
-    qint64& converted = run.changedRows(QStringLiteral("Kampanjarivit"));
-    const auto convertRow = [&] {
-        const AmountChange sales{oldSales.asFloat(), run.prices.dependentPrice(oldSales.asFloat())};
-        const AmountChange purchase{oldPurchase.asFloat(),
-                                    run.prices.dependentPurchasePrice(oldPurchase.asFloat())};
-        const QString line = campaignLine(product.asString(), row.asInteger(), sales, purchase);
-        if (!shared.holdsCurrentRow()) {
-            update.paramByName(QStringLiteral("uusihinta")).setFloat(sales.after);
-            update.paramByName(QStringLiteral("ostohinta")).setFloat(purchase.after);
-            update.paramByName(QStringLiteral("tuote")).setString(product.asString());
-            update.paramByName(QStringLiteral("rivi")).setInteger(row.asInteger());
-            update.execSql();
-        } else if (!shared.update({sales, purchase})) {
-            lost.add(line);
-            return;
-        }
-        ++converted;
-        run.ports.log(line);
+DependentStep campaignStep(const RunContext& run) {
+    DependentStep step;
+    step.table.name = QStringLiteral("KAMPPANJA");
+    step.table.keyColumns = {QStringLiteral("Tuote"), QStringLiteral("RiviNro")};
+    step.table.amountColumns = {QStringLiteral("Myyntihinta"), QStringLiteral("Ostohinta")};
+    step.table.selected = [](const data::TtbTable& record) {
+        const QDate end = record.fieldByName(QStringLiteral("Loppu")).asDate();
+        return record.fieldByName(QStringLiteral("Prosentti")).asInteger() == 0 &&
+               (!end.isValid() || end >= kCampaignsEndingFrom);
     };
-    run.walk(rows, convertRow);
+    step.rows = {QStringLiteral("KAMPPANJA"),
+                 campaignQuery(run.condition),
+                 {{QStringLiteral("Tuote"), Kind::Text},
+                  {QStringLiteral("Rivinro"), Kind::Whole},
+                  {QStringLiteral("MyyntiHinta"), Kind::Amount},
+                  {QStringLiteral("OstoHInta"), Kind::Amount}},
+                 campaignQuery(selectionWithConverted(run.definition)),
+                 ofProductIn(0)};
+    step.update = kCampaignUpdate;
+    step.keyParameters = {QStringLiteral("tuote"), QStringLiteral("rivi")};
+    step.amountParameters = {QStringLiteral("uusihinta"), QStringLiteral("ostohinta")};
+    step.sharesKeys = true;
+    step.begin = QStringLiteral("Aloitetaan kampanjoiden päivitys");
+    step.status = QStringLiteral("Päivitetään kampanjat");
+    step.header = kCampaignHeader;
+    step.what = QStringLiteral("Kampanjarivit");
+    step.lost = QStringLiteral("Virhe kampanjan päivityksessä: ");
+    step.convert = [&run](const Amounts& old) {
+        return Changes{salesChange(run, old[0]), purchaseChange(run, old[1])};
+    };
+    step.line = [](const Row& row, const Changes& changes) {
+        return campaignLine(row[0].toString(), row[1].toLongLong(), changes[0], changes[1]);
+    };
+    return step;
 }
 
-void convertRecurringInvoices(RunContext& run) {
-    run.ports.log(QStringLiteral("Aloitetaan vakiolaskutusten päivitys"));
-    data::TUniQuery rows(&run.database);
-    rows.sql().add(recurringInvoiceQuery(run.condition));
-    rows.open();
-    run.ports.log(kRecurringInvoiceHeader);
-    const auto& id = rows.fieldByName(QStringLiteral("id"));
-    const auto& customer = rows.fieldByName(QStringLiteral("asiakas"));
-    const auto& product = rows.fieldByName(QStringLiteral("tuote"));
-    const auto& oldPrice = rows.fieldByName(QStringLiteral("ahinta"));
-    const auto& oldTotal = rows.fieldByName(QStringLiteral("yhteensa"));
-    const auto& oldPurchase = rows.fieldByName(QStringLiteral("ostohinta"));
-
-    data::TUniQuery update(&run.database);
-    update.sql().add(kRecurringInvoiceUpdate);
-    qint64& converted = run.changedRows(QStringLiteral("Toistuvaislaskutuksen rivit"));
-    const auto convertRow = [&] {
-        run.ports.status(QStringLiteral("Vakiolaskutus asiakas ") +
-                         QString::number(customer.asInteger()));
-        const AmountChange price{oldPrice.asFloat(), run.prices.dependentPrice(oldPrice.asFloat())};
-        const AmountChange total{oldTotal.asFloat(), run.prices.dependentPrice(oldTotal.asFloat())};
-        const AmountChange purchase{oldPurchase.asFloat(),
-                                    run.prices.dependentPurchasePrice(oldPurchase.asFloat())};
-        update.paramByName(QStringLiteral("uusihinta")).setFloat(price.after);
-        update.paramByName(QStringLiteral("uusiyhteensa")).setFloat(total.after);
-        update.paramByName(QStringLiteral("uusiostohinta")).setFloat(purchase.after);
-        update.paramByName(QStringLiteral("id")).setInteger(id.asInteger());
-        update.execSql();
-        ++converted;
-        run.ports.log(
-            recurringInvoiceLine(customer.asInteger(), product.asString(), price, total, purchase));
+DependentStep recurringInvoiceStep(const RunContext& run) {
+    DependentStep step;
+    step.table.name = QStringLiteral("VAKIOLASKUTUS");
+    step.table.keyColumns = {QStringLiteral("Id")};
+    step.table.amountColumns = {QStringLiteral("ahinta"), QStringLiteral("Yhteensa"),
+                                QStringLiteral("ostohinta")};
+    step.table.stamp = [](data::TtbTable& record) {
+        const QDateTime now = data::Clock::now();
+        record.fieldByName(QStringLiteral("MuutosPvm")).setDate(now.date());
+        record.fieldByName(QStringLiteral("MuutosAika")).setValue(now.time());
     };
-    run.walk(rows, convertRow);
+    step.rows = {QStringLiteral("VAKIOLASKUTUS"),
+                 recurringInvoiceQuery(run.condition),
+                 {{QStringLiteral("id"), Kind::Whole},
+                  {QStringLiteral("ahinta"), Kind::Amount},
+                  {QStringLiteral("yhteensa"), Kind::Amount},
+                  {QStringLiteral("ostohinta"), Kind::Amount},
+                  {QStringLiteral("asiakas"), Kind::Whole},
+                  {QStringLiteral("tuote"), Kind::Text}},
+                 recurringInvoiceQuery(selectionWithConverted(run.definition)),
+                 ofProductIn(5)};
+    step.update = kRecurringInvoiceUpdate;
+    step.keyParameters = {QStringLiteral("id")};
+    step.amountParameters = {QStringLiteral("uusihinta"), QStringLiteral("uusiyhteensa"),
+                             QStringLiteral("uusiostohinta")};
+    step.begin = QStringLiteral("Aloitetaan vakiolaskutusten päivitys");
+    step.header = kRecurringInvoiceHeader;
+    step.what = QStringLiteral("Toistuvaislaskutuksen rivit");
+    step.lost = QStringLiteral("Virhe vakiolaskutuksen päivityksessä: ");
+    step.rowStatus = [](const Row& row) {
+        return QStringLiteral("Vakiolaskutus asiakas ") + QString::number(row[4].toLongLong());
+    };
+    step.convert = [&run](const Amounts& old) {
+        return Changes{salesChange(run, old[0]), salesChange(run, old[1]),
+                       purchaseChange(run, old[2])};
+    };
+    step.line = [](const Row& row, const Changes& changes) {
+        return recurringInvoiceLine(row[4].toLongLong(), row[5].toString(), changes[0], changes[1],
+                                    changes[2]);
+    };
+    return step;
 }
 
-void convertQuantityDiscounts(RunContext& run) {
-    run.ports.log(QStringLiteral("Aloitetaan määräalejen päivitys"));
-    run.ports.status(QStringLiteral("Päivitetään määräalet"));
-    data::TUniQuery rows(&run.database);
-    rows.sql().add(quantityDiscountQuery(run.condition));
-    rows.open();
-    const auto& number = rows.fieldByName(QStringLiteral("numero"));
-    const auto& name = rows.fieldByName(QStringLiteral("nimi"));
-    const auto& oldValue = rows.fieldByName(QStringLiteral("arvo"));
-    const auto& oldPurchase = rows.fieldByName(QStringLiteral("ostohinta"));
-
-    data::TUniQuery update(&run.database);
-    update.sql().add(kQuantityDiscountUpdate);
-    qint64& converted = run.changedRows(QStringLiteral("Määräalennukset"));
-    const auto convertRow = [&] {
-        const AmountChange value{oldValue.asFloat(), run.prices.dependentPrice(oldValue.asFloat())};
-        const AmountChange purchase{oldPurchase.asFloat(),
-                                    run.prices.dependentPurchasePrice(oldPurchase.asFloat())};
-        update.paramByName(QStringLiteral("uusiarvo")).setFloat(value.after);
-        update.paramByName(QStringLiteral("ostohinta")).setFloat(purchase.after);
-        update.paramByName(QStringLiteral("numero")).setInteger(number.asInteger());
-        update.execSql();
-        ++converted;
-        run.ports.log(quantityDiscountLine(name.asString(), number.asInteger(), value, purchase));
+DependentStep quantityDiscountStep(const RunContext& run) {
+    DependentStep step;
+    step.table.name = QStringLiteral("MAARAALE");
+    step.table.keyColumns = {QStringLiteral("Numero")};
+    step.table.amountColumns = {QStringLiteral("Arvo"), QStringLiteral("Ostohinta")};
+    step.rows = {QStringLiteral("MAARAALE"),
+                 quantityDiscountQuery(run.condition),
+                 {{QStringLiteral("numero"), Kind::Whole},
+                  {QStringLiteral("arvo"), Kind::Amount},
+                  {QStringLiteral("ostohinta"), Kind::Amount},
+                  {QStringLiteral("nimi"), Kind::Text}},
+                 quantityDiscountQuery(selectionWithConverted(run.definition)),
+                 [](RunContext& context) {
+                     const auto discounts =
+                         std::make_shared<data::IdSet>(ProductFilter(context).quantityDiscounts());
+                     return [discounts](const Row& row) {
+                         return discounts->contains(row[0].toLongLong());
+                     };
+                 }};
+    step.update = kQuantityDiscountUpdate;
+    step.keyParameters = {QStringLiteral("numero")};
+    step.amountParameters = {QStringLiteral("uusiarvo"), QStringLiteral("ostohinta")};
+    step.begin = QStringLiteral("Aloitetaan määräalejen päivitys");
+    step.status = QStringLiteral("Päivitetään määräalet");
+    step.what = QStringLiteral("Määräalennukset");
+    step.lost = QStringLiteral("Virhe määräalen päivityksessä: ");
+    step.convert = [&run](const Amounts& old) {
+        return Changes{salesChange(run, old[0]), purchaseChange(run, old[1])};
     };
-    run.walk(rows, convertRow);
+    step.line = [](const Row& row, const Changes& changes) {
+        return quantityDiscountLine(row[3].toString(), row[0].toLongLong(), changes[0], changes[1]);
+    };
+    return step;
+}
+
+StepRows storePriceRows(const RunContext& run) {
+    return {QStringLiteral("MYYMALAHINNAT"),
+            storePriceQuery({run.definition.sourceClass}),
+            {{QStringLiteral("myymala"), Kind::Whole}, {QStringLiteral("tuote"), Kind::Text}},
+            storePriceQuery({run.definition.sourceClass, run.definition.targetClass}),
+            ofProductIn(1)};
+}
+
+std::vector<StepRows> stepsWithRows(const RunContext& run) {
+    const ChangeDefinition& definition = run.definition;
+    std::vector<StepRows> steps;
+    if (definition.customerPriceLists)
+        steps.push_back(customerPriceStep(run).rows);
+    if (definition.campaigns)
+        steps.push_back(campaignStep(run).rows);
+    if (definition.recurringInvoicing)
+        steps.push_back(recurringInvoiceStep(run).rows);
+    if (definition.quantityDiscounts)
+        steps.push_back(quantityDiscountStep(run).rows);
+    if (definition.products && !storePriceAssignments(definition, run.targetFactor).isEmpty())
+        steps.push_back(storePriceRows(run));
+    return steps;
 }
 
 }  // namespace vatchange

@@ -1,4 +1,4 @@
-#include "vatchange/run/run_context.h"
+#include "vatchange/run/dependent_step.h"
 
 namespace vatchange {
 
@@ -28,22 +28,26 @@ void updateStorePrices(RunContext& run) {
         return;
     run.ports.log(QStringLiteral("update myymalahinnat: ") + assignments);
 
-    data::TUniQuery rows(&run.database);
-    rows.sql().add(storePriceQuery(run.definition.sourceClass));
-    rows.open();
-    const auto& store = rows.fieldByName(QStringLiteral("myymala"));
-    const auto& product = rows.fieldByName(QStringLiteral("tuote"));
+    const StepRows step = storePriceRows(run);
+    RowSource rows(run, step);
     data::TUniQuery update(&run.database);
     update.sql().add(storePriceUpdate(assignments));
     qint64& changed = run.changedRows(QStringLiteral("Myymälähintojen rivit"));
-    run.walk(rows, [&] {
-        const QString number = product.asString();
-        run.ports.status(QStringLiteral("myymalahinnat ") + QString::number(store.asInteger()) +
-                         u' ' + number);
+    QString finished;  // product whose rows a broken-off attempt has changed
+    while (rows.next()) {
+        const qint64 store = rows.row()[0].toLongLong();
+        const QString number = rows.row()[1].toString();
+        if (rows.followsChangedRow())
+            finished = rows.rowAt(rows.position() - 1)[1].toString();
+        if (number == finished)
+            continue;
+        run.ports.status(QStringLiteral("myymalahinnat ") + QString::number(store) + u' ' + number);
         update.paramByName(QStringLiteral("t")).setString(number);
         update.execSql();
         ++changed;
-    });
+    }
+    if (!run.result.cancelled)
+        rows.reportUnlisted();
 }
 
 }  // namespace vatchange

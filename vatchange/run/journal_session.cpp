@@ -1,8 +1,11 @@
 #include "vatchange/run/journal_session.h"
 
+#include <utility>
+
 #include "company/logs.h"
 #include "data/clock.h"
 #include "data/journal/entry_fields.h"
+#include "vatchange/run/row_source.h"
 
 namespace vatchange {
 
@@ -37,7 +40,7 @@ QString resumeProblem(RunContext& run, data::RunJournal& journal, const LoadedDe
     if (head->kind != data::RunKind::Change ||
         (!data::isUnfinished(head->state) && head->state != data::RunState::Errors))
         return QStringLiteral("se ei ole kesken.");
-    if (head->definition != run.ports.definitionName())
+    if (head->definition.compare(run.ports.definitionName(), Qt::CaseInsensitive) != 0)
         return QStringLiteral("se on määrittelyn %1 ajo.").arg(head->definition);
     if (journal.note(number, kDefinitionNote) != definitionNote(loaded.definition))
         return QStringLiteral("määrittelyä on muutettu") + kChanged;
@@ -62,9 +65,27 @@ void begin(RunContext& run, data::RunJournal& journal, const LoadedDefinition& l
 }
 
 void resume(RunContext& run, data::RunJournal& journal, qint64 number) {
+    auto progress = std::make_unique<RunProgress>(RunProgress::read(journal, number));
     journal.resume(number);
+    run.progress = std::move(progress);
     run.result.run = number;
     run.ports.log(QStringLiteral("Jatketaan keskeytynyttä ajoa %1").arg(number));
+}
+
+/// Takes back the entering of a run that has changed nothing yet.
+void abandon(RunContext& run, data::RunJournal& journal) {
+    const bool isNew = !run.progress;
+    run.journal = nullptr;
+    run.progress.reset();
+    const qint64 number = std::exchange(run.result.run, 0);
+    try {
+        if (journal.recording() != 0)
+            journal.end(data::RunState::Stopped);
+        if (isNew && number != 0)
+            journal.forget(number);
+    } catch (const std::exception& error) {
+        run.ports.log(QStringLiteral("Virhe ajopäiväkirjan kirjoituksessa: ") + errorText(error));
+    }
 }
 
 }  // namespace
@@ -75,24 +96,24 @@ bool enterJournal(RunContext& run, const LoadedDefinition& loaded, const RunOpti
         return true;
     QString& refusal = run.result.refusal;
     try {
-        if (options.resume == 0) {
+        QString problem;
+        if (options.resume == 0)
             begin(run, *journal, loaded, options);
-        } else {
-            const QString problem = resumeProblem(run, *journal, loaded, options.resume);
-            if (problem.isEmpty())
-                resume(run, *journal, options.resume);
-            else
-                refusal = QStringLiteral("Ajoa %1 ei voi jatkaa: ").arg(options.resume) + problem;
+        else if (problem = resumeProblem(run, *journal, loaded, options.resume); problem.isEmpty())
+            resume(run, *journal, options.resume);
+        else
+            refusal = QStringLiteral("Ajoa %1 ei voi jatkaa: ").arg(options.resume) + problem;
+        if (problem.isEmpty()) {
+            run.journal = journal;
+            listRows(run);
         }
     } catch (const std::exception& error) {
-        refusal = QStringLiteral("Virhe ajopäiväkirjan avauksessa, ajoa ei aloiteta: ") +
+        refusal = QStringLiteral("Virhe ajopäiväkirjan kirjoituksessa, ajoa ei aloiteta: ") +
                   errorText(error);
     }
-    if (refusal.isEmpty()) {
-        run.journal = journal;
+    if (refusal.isEmpty())
         return true;
-    }
-    run.result.run = 0;
+    abandon(run, *journal);
     run.ports.NaytaViesti(refusal);
     return false;
 }

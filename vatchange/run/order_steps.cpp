@@ -11,6 +11,12 @@ VatFactor factorOf(const VatClasses& classes) {
     return [&classes](qint64 vatClass) { return vatFactor(classes.ratePercent(vatClass)); };
 }
 
+OrderProgress progressOf(const RunContext& run, const QString& table) {
+    if (!run.progress)
+        return {run.journal, {}, {}};
+    return {run.journal, run.progress->orders(table), run.progress->marginMarks};
+}
+
 }  // namespace
 
 void convertSalesOrders(RunContext& run) {
@@ -26,7 +32,8 @@ void convertSalesOrders(RunContext& run) {
     change.salesCoefficient = definition.salesOrderCoefficient;
     change.deliveryLimit = definition.salesOrderDeliveryLimit;
     if (!AlvMuutosMyyntitilauksiin(run.database, change, factorOf(run.classes), run.ports,
-                                   run.changedRows(QStringLiteral("Myyntitilausten rivit"))))
+                                   run.changedRows(QStringLiteral("Myyntitilausten rivit")),
+                                   progressOf(run, kSalesOrderTables.header)))
         run.result.cancelled = true;
 }
 
@@ -41,7 +48,8 @@ void convertPurchaseOrders(RunContext& run) {
     change.targetClass = definition.targetClass;
     change.coefficient = definition.purchaseOrderCoefficient;
     if (!AlvMuutosOstotilauksiin(run.database, change, factorOf(run.classes), run.ports,
-                                 run.changedRows(QStringLiteral("Ostotilausten rivit"))))
+                                 run.changedRows(QStringLiteral("Ostotilausten rivit")),
+                                 progressOf(run, kPurchaseOrderTables.header)))
         run.result.cancelled = true;
 }
 

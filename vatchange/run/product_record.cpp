@@ -19,6 +19,7 @@ const uchar* bytesOf(const QByteArray& record) {
 ProductRecords::ProductRecords(data::Database& database, int sourceClass)
     : m_file(database.openTable(kTable)),
       m_sourceClass(sourceClass),
+      m_number(requireField("NUMERO")),
       m_averagePurchase(requireField("KESKIHINTA")),
       m_portion(requireField("ANNOSHINTA")),
       m_lastPurchase(requireField("VIIMOSTOHINTA")),
@@ -31,7 +32,7 @@ ProductRecords::ProductRecords(data::Database& database, int sourceClass)
         m_levels[i] = requireField(kPriceColumns[i + 1].toLatin1().constData());
     const auto& keys = m_file->keys();
     if (keys.empty() || keys.front().segments.empty() ||
-        keys.front().segments.front().fieldIndex != requireField("NUMERO")) {
+        keys.front().segments.front().fieldIndex != m_number) {
         throw data::DataError(data::ErrorKind::NoSuchField, kTable,
                               QStringLiteral("key 0 does not begin with NUMERO"));
     }
@@ -68,12 +69,22 @@ void ProductRecords::read(const QByteArray& record, LockedProduct& product) cons
     product.inWebShop = integer(m_webShop, record) != 0;
 }
 
-ProductRecords::Outcome ProductRecords::lock(const QString& number, LockedProduct& product) {
+QString ProductRecords::read(data::RecordId id, LockedProduct& product) {
+    const auto record = m_file->get(id);
+    if (!record)
+        return {};
+    product.id = id;
+    read(record->bytes, product);
+    return data::readValue(m_file->layout().field(m_number), bytesOf(record->bytes)).toString();
+}
+
+ProductRecords::Outcome ProductRecords::lock(const QString& number, LockedProduct& product,
+                                             std::chrono::milliseconds wait) {
     const auto found = m_file->seek(0, data::SeekOp::Equal, {number}, 1);
     if (found.empty())
         return Outcome::Gone;
     const data::RecordId id = found.front().id;
-    if (!m_file->lock(id, kLockWait))
+    if (!m_file->lock(id, wait))
         return Outcome::HeldByOther;
     m_locked = id;
     // only a read under the lock is certain to match what the update replaces
@@ -82,6 +93,7 @@ ProductRecords::Outcome ProductRecords::lock(const QString& number, LockedProduc
         release();
         return Outcome::Gone;
     }
+    product.id = id;
     read(record->bytes, product);
     return Outcome::Locked;
 }

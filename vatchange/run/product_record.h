@@ -12,6 +12,7 @@ namespace vatchange {
 
 /// Data that the conversion reads from a locked product record.
 struct LockedProduct {
+    data::RecordId id = 0;
     ProductPrices prices;
     ClassFields classes;  ///< which class fields hold the source class
     qint64 labels = 0;    ///< HRKPL
@@ -28,7 +29,10 @@ class ProductRecords {
 
     enum class Outcome { Locked, HeldByOther, Gone };
     /// Locks and reads a product. After Locked, the lock is held until release().
-    Outcome lock(const QString& number, LockedProduct& product);
+    Outcome lock(const QString& number, LockedProduct& product,
+                 std::chrono::milliseconds wait = kLockWait);
+    /// Reads a product without a lock. Returns its number; empty if it is gone.
+    QString read(data::RecordId id, LockedProduct& product);
     /// Releases the lock. A lock that fails to release ends with the session; logs a warning only.
     void release() noexcept;
 
@@ -40,6 +44,7 @@ class ProductRecords {
 
     std::unique_ptr<data::TableFile> m_file;
     int m_sourceClass;
+    int m_number;
     std::array<int, kPriceLevels> m_levels{};
     int m_averagePurchase;
     int m_portion;

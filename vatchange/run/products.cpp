@@ -102,25 +102,71 @@ class ProductConversion {
           m_labels(run.database, run.ports, labels),
           m_marks(run.database, run.ports) {}
 
+    /// Writes the labels and web shop marks that products converted earlier in this run lack.
+    /// Returns false if the step must end.
+    bool completeEarlier() {
+        if (!m_run.progress)
+            return true;
+        bool continues = true;
+        const auto complete = [&](const auto& doRest) {
+            return [this, &continues, doRest](data::RecordId id) {
+                LockedProduct product;
+                const QString number = m_records.read(id, product);
+                if (continues && !number.isEmpty()) {
+                    m_run.setOrigin(id);
+                    continues = doRest(number, product);
+                }
+            };
+        };
+        m_run.progress->unmarked.visit(complete([this](const auto& number, const auto& product) {
+            markForWebShop(number, product);
+            return true;
+        }));
+        m_run.progress->unlabelled.visit(complete([this](const auto& number, const auto& product) {
+            return writeLabels(number, product);
+        }));
+        return continues;
+    }
+
     /// Returns false if the step must end.
     bool convert(const QString& number) {
         m_run.ports.status(QStringLiteral("Tuote ") + number);
         LockedProduct product;
         ProductPrices converted;
-        if (!update(number, product, converted))
-            return true;
-        // the product counts as changed even if its label fails
-        ++m_run.result.products;
-        if (m_run.definition.productLog)
-            m_run.ports.log(productLine(number, m_run.prices, product.prices, converted));
-        if (!m_run.definition.leaveWebShop && product.inWebShop)
-            m_marks.mark(number, u'M');
-        if (product.labels <= 0 || m_labels.write(number, product.labels))
-            return true;
-        m_run.leftBehind = true;
-        if (!m_run.ports.unattended())  // the user was asked
-            m_run.stop(QStringLiteral("hyllynreunaetiketin virheen jälkeen"));
-        return false;
+        switch (update(number, ProductRecords::kLockWait, product, converted)) {
+            case Outcome::NothingToDo:
+                return true;
+            case Outcome::Held:
+                m_run.skipProduct(number);
+                m_passedOver += number;
+                return true;
+            case Outcome::Converted:
+                break;
+        }
+        return complete(number, product, converted);
+    }
+
+    /// Tries the products once more that another program held. Returns false if the step must end.
+    bool convertPassedOver() {
+        for (const QString& number : std::as_const(m_passedOver)) {
+            if (m_run.stopRequested())
+                return false;
+            LockedProduct product;
+            ProductPrices converted;
+            const Outcome outcome =
+                update(number, std::chrono::milliseconds(0), product, converted);
+            if (outcome == Outcome::Held)
+                continue;
+            --m_run.result.skippedProducts;
+            m_run.result.skippedNumbers.removeOne(number);
+            if (outcome == Outcome::NothingToDo)
+                continue;
+            m_run.ports.log(QStringLiteral("Huomaa: tuote ") + number +
+                            QStringLiteral(" muutettiin uudella yrityksellä"));
+            if (!complete(number, product, converted))
+                return false;
+        }
+        return true;
     }
 
     /// Adds label and mark failures and counts to the result.
@@ -138,36 +184,68 @@ class ProductConversion {
     }
 
   private:
-    /// Returns false if the product was skipped.
-    bool update(const QString& number, LockedProduct& product, ProductPrices& converted) {
-        switch (m_records.lock(number, product)) {
+    enum class Outcome { Converted, Held, NothingToDo };
+
+    Outcome update(const QString& number, std::chrono::milliseconds wait, LockedProduct& product,
+                   ProductPrices& converted) {
+        switch (m_records.lock(number, product, wait)) {
             case ProductRecords::Outcome::Gone:
-                return false;
+                return Outcome::NothingToDo;
             case ProductRecords::Outcome::HeldByOther:
-                m_run.skipProduct(number);
-                return false;
+                return Outcome::Held;
             case ProductRecords::Outcome::Locked:
                 break;
         }
         const LockRelease release(m_records);
         if (!product.classes.any())
-            return false;
+            return Outcome::NothingToDo;
         converted = m_run.prices.convert(product.prices);
+        m_run.setOrigin(product.id);
         PreparedUpdate& change = m_updates.of(product.classes);
         if (m_run.database.statementsPassRecordLocks()) {
             change.run(number, converted);
-            return true;
+            return Outcome::Converted;
         }
         m_records.release();
         try {
             change.run(number, converted);
-            return true;
+            return Outcome::Converted;
         } catch (const data::DataError& error) {
             if (error.kind() != data::ErrorKind::Locked)
                 throw;
         }
         // another program locked the record after its release for the statement
-        m_run.skipProduct(number);
+        return Outcome::Held;
+    }
+
+    /// What follows the update of a product. Returns false if the step must end.
+    bool complete(const QString& number, const LockedProduct& product,
+                  const ProductPrices& converted) {
+        // the product counts as changed even if its label fails
+        ++m_run.result.products;
+        if (m_run.definition.productLog)
+            m_run.ports.log(productLine(number, m_run.prices, product.prices, converted));
+        markForWebShop(number, product);
+        return writeLabels(number, product);
+    }
+
+    void markForWebShop(const QString& number, const LockedProduct& product) {
+        if (!m_run.definition.leaveWebShop && product.inWebShop && !m_marks.mark(number, u'M'))
+            m_run.mark(unmarkedText(product.id));
+    }
+
+    bool writeLabels(const QString& number, const LockedProduct& product) {
+        if (product.labels <= 0)
+            return true;
+        const ShelfLabels::Outcome outcome = m_labels.write(number, product.labels);
+        if (outcome == ShelfLabels::Outcome::Done)
+            return true;
+        m_run.mark(unlabelledText(product.id));
+        if (outcome == ShelfLabels::Outcome::Failed)
+            return true;
+        m_run.leftBehind = true;
+        if (!m_run.ports.unattended())  // the user was asked
+            m_run.stop(QStringLiteral("hyllynreunaetiketin virheen jälkeen"));
         return false;
     }
 
@@ -176,6 +254,7 @@ class ProductConversion {
     ProductUpdates m_updates;
     ShelfLabels m_labels;
     WebShopMarks m_marks;
+    QStringList m_passedOver;
 };
 
 }  // namespace
@@ -187,14 +266,24 @@ void convertProducts(RunContext& run, LabelTable labels) {
     rows.open();
     const auto& number = rows.fieldByName(QStringLiteral("NUMERO"));
     ProductConversion conversion(run, labels);
-    const auto counts = qScopeGuard([&conversion] { conversion.finish(); });
+    run.mark(run.definition.writeShelfLabels && labels == LabelTable::NotWritten
+                 ? kProductsStepWithoutLabels
+                 : kProductsStep);
+    const auto counts = qScopeGuard([&run, &conversion] {
+        run.setOrigin(0);
+        conversion.finish();
+    });
+    bool continues = conversion.completeEarlier();
     const qint64 total = rows.recordCount();
     qint64 visited = 0;
-    for (; !rows.eof() && !run.stopRequested(); rows.next()) {
-        if (!conversion.convert(number.asString()))
-            break;
-        run.ports.progress(++visited, total);
+    for (; continues && !rows.eof() && !run.stopRequested(); rows.next()) {
+        continues = conversion.convert(number.asString());
+        if (continues)
+            run.ports.progress(++visited, total);
     }
+    if (continues && !run.result.cancelled)
+        conversion.convertPassedOver();
+    run.mark(kProductsEnd);
     if (!run.result.cancelled) {
         run.ports.NaytaViesti(QStringLiteral("Tuotetiedot muutettu ( ") +
                               QString::number(run.result.products) + QStringLiteral(" kpl)"));

@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <exception>
 #include <map>
+#include <memory>
 #include <set>
 
 #include "data/engine/engine.h"
@@ -11,6 +12,7 @@
 #include "data/sql/uni_query.h"
 #include "vatchange/definition/definition_problems.h"
 #include "vatchange/journal/run_notes.h"
+#include "vatchange/journal/run_progress.h"
 #include "vatchange/ports/run_ports.h"
 #include "vatchange/rules/price_rules.h"
 #include "vatchange/rules/statements.h"
@@ -53,6 +55,8 @@ struct RunContext {
     void skipProduct(const QString& number);
 
     data::RunJournal* journal = nullptr;  ///< that records the run; none without a journal
+    /// What a resumed run had done before; none for a new run.
+    std::unique_ptr<RunProgress> progress;
     /// Set when a step leaves products or orders behind that a resumed run can still change.
     bool leftBehind = false;
     void setOrigin(qint64 origin);      ///< see RunJournal::setOrigin()
@@ -92,10 +96,6 @@ bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
 /// reason has been shown.
 bool checkDefinition(RunContext& run);
 
-void convertCustomerPriceLists(RunContext& run);
-void convertCampaigns(RunContext& run);
-void convertRecurringInvoices(RunContext& run);
-void convertQuantityDiscounts(RunContext& run);
 /// Updates one of the three class fields of the product groups.
 void updateProductGroups(RunContext& run, const GroupUpdate& update);
 void updateStorePrices(RunContext& run);

@@ -29,34 +29,36 @@ ShelfLabels::ShelfLabels(data::Database& database, RunPorts& ports, LabelTable t
     m_insert.sql().add(kLabelInsert);
 }
 
-bool ShelfLabels::write(const QString& number, qint64 labels) {
+ShelfLabels::Outcome ShelfLabels::write(const QString& number, qint64 labels) {
     if (m_table == LabelTable::NotWritten)
-        return true;
+        return Outcome::Done;
     try {
         bind(m_update, number, labels);
         if (m_update.execSql() > 0) {
             ++m_written;
-            return true;
+            return Outcome::Done;
         }
     } catch (const std::exception& error) {
-        return continueAfter(QStringLiteral("Virhe hr päivityksessä "), error);
+        return failed(QStringLiteral("Virhe hr päivityksessä "), error);
     }
     try {
         bind(m_insert, number, labels);
         m_insert.execSql();
         ++m_written;
-        return true;
+        return Outcome::Done;
     } catch (const std::exception& error) {
-        return continueAfter(QStringLiteral("Virhe hr lisäyksessä "), error);
+        return failed(QStringLiteral("Virhe hr lisäyksessä "), error);
     }
 }
 
-bool ShelfLabels::continueAfter(const QString& text, const std::exception& error) {
+ShelfLabels::Outcome ShelfLabels::failed(const QString& text, const std::exception& error) {
     const QString report = text + errorText(error);
     if (m_failure.isEmpty())
         m_failure = report;
     m_ports.NaytaViesti(report);
-    return !m_ports.unattended() && m_ports.ask(QStringLiteral("Jatketaanko? "));
+    return !m_ports.unattended() && m_ports.ask(QStringLiteral("Jatketaanko? "))
+               ? Outcome::Failed
+               : Outcome::FailedAndEnd;
 }
 
 }  // namespace vatchange

@@ -20,15 +20,19 @@ class ShelfLabels {
   public:
     ShelfLabels(data::Database& database, RunPorts& ports, LabelTable table);
 
-    /// Does nothing for NotWritten. Returns false if a statement failed and the step must end,
-    /// because the run is unattended or the user ends it; the failure has been shown.
-    bool write(const QString& number, qint64 labels);
+    enum class Outcome {
+        Done,
+        Failed,       ///< the user continues without the label
+        FailedAndEnd  ///< the step must end: the run is unattended or the user ends it
+    };
+    /// Does nothing for NotWritten. A failure has been shown.
+    Outcome write(const QString& number, qint64 labels);
     /// Message of the first failure, even if the user continued; empty if none.
     const QString& failure() const { return m_failure; }
     qint64 written() const { return m_written; }
 
   private:
-    bool continueAfter(const QString& text, const std::exception& error);
+    Outcome failed(const QString& text, const std::exception& error);
 
     RunPorts& m_ports;
     const LabelTable m_table;

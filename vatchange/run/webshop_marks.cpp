@@ -5,7 +5,7 @@ namespace vatchange {
 WebShopMarks::WebShopMarks(data::Database& database, RunPorts& ports)
     : m_ports(ports), m_writer(database) {}
 
-void WebShopMarks::mark(const QString& productNumber, QChar letter) {
+bool WebShopMarks::mark(const QString& productNumber, QChar letter) {
     bool done = true;
     m_writer.mark(QStringLiteral("TUOTE"), productNumber, letter, [&](const QString& text) {
         done = false;
@@ -18,6 +18,7 @@ void WebShopMarks::mark(const QString& productNumber, QChar letter) {
     });
     if (done)
         ++m_written;
+    return done;
 }
 
 }  // namespace vatchange

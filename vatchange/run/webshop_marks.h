@@ -12,7 +12,8 @@ class WebShopMarks {
   public:
     WebShopMarks(data::Database& database, RunPorts& ports);
 
-    void mark(const QString& productNumber, QChar letter);
+    /// Returns false if the mark failed; the failure has been reported.
+    bool mark(const QString& productNumber, QChar letter);
     /// Message of the first failure; empty if none.
     const QString& failure() const { return m_failure; }
     qint64 written() const { return m_written; }

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "vatchange/journal/row_list.h"
+#include "vatchange/run/run_context.h"
+
+namespace vatchange {
+
+/// A column of a step's rows and the kind of value that the step takes from it.
+struct RowColumn {
+    enum class Kind { Text, Whole, Amount };
+    QString name;
+    Kind kind;
+};
+
+/// The rows of a step: those of its query in its order.
+struct StepRows {
+    QString table;  ///< that the step changes, in capitals
+    QString query;
+    std::vector<RowColumn> columns;
+
+    // If the rows were not listed when the run began, a resumed run finds them so: rows of
+    // `laterQuery` that `laterRow` accepts, given the products that the run has converted.
+    QString laterQuery;
+    std::function<std::function<bool(const data::KeyValues& row)>(RunContext& run)> laterRow;
+};
+
+/// The rows that the definition's steps will change, in the order of the steps.
+std::vector<StepRows> stepsWithRows(const RunContext& run);
+
+/// Lists the rows of every step in the journal, before the run's first change. A step whose query
+/// fails lists its rows when its turn comes; it then reports the error.
+/// @throws data::DataError if the journal cannot be written.
+void listRows(RunContext& run);
+
+/// Walks a step's rows: those of the journal's list, which it makes if there is none; without a
+/// journal those of the query. A resumed run passes over the rows that have been changed.
+class RowSource {
+  public:
+    /// @throws data::DataError.
+    RowSource(RunContext& run, const StepRows& step);
+    ~RowSource();
+    RowSource(const RowSource&) = delete;
+    RowSource& operator=(const RowSource&) = delete;
+
+    qint64 count() const { return m_count; }
+    /// Goes to the next row and names it as the origin of the changes that follow. Reports
+    /// progress. Returns false at the end or if the user stops the run.
+    bool next();
+    /// The present row, in the order of the columns. Valid until next().
+    const data::KeyValues& row() const { return *m_row; }
+    qint64 position() const { return m_position; }  ///< from 1
+    /// True if the row before was passed over because the run had changed it.
+    bool followsChangedRow() const;
+    /// Another row of the list. Valid, as the present row, until the next call.
+    const data::KeyValues& rowAt(qint64 position) { return m_list->row(position); }
+
+    /// Logs the rows that the step's query finds now and that are not on the list. To be called by
+    /// a resumed run after its rows.
+    void reportUnlisted();
+
+  private:
+    RunContext& m_run;
+    const StepRows& m_step;
+    std::optional<RowList> m_list;
+    std::unique_ptr<data::TUniQuery> m_query;
+    data::KeyValues m_queried;
+    const data::KeyValues* m_row = nullptr;
+    qint64 m_count = 0;
+    qint64 m_position = 0;
+    bool m_listedBefore = false;
+};
+
+}  // namespace vatchange
