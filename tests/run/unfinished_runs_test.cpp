@@ -2,7 +2,7 @@
 
 #include "company/unfinished_note.h"
 #include "tests/run/run_company.h"
-#include "vatchange/journal/history.h"
+#include "vatchange/journal/repeated_rows.h"
 
 namespace {
 
@@ -143,6 +143,27 @@ TEST_F(UnfinishedRun, LetsPassWhatDoesNotTouchItsRows) {
         EXPECT_FALSE(m_company.run(definition).refused);
     EXPECT_EQ(m_company.text(QStringLiteral("select LVV from TUOTE where NUMERO = 'A2'")),
               QStringLiteral("6"));
+}
+
+TEST_F(UnfinishedRun, OfTheSameBatchHasItsRowsLeftOut) {
+    m_company.execAll(
+        {"insert into TUOTE (NUMERO, LVV, HINTA) values ('A3', 3, 10)",
+         "insert into KAMPPANJA (Tuote, RiviNro, Myyntihinta) values ('A3', 1, 100)"});
+    const vatchange::RunResult second =
+        vatchange::runChange(m_company.database(), all(), m_company.ports, {0, 1});
+    EXPECT_EQ(second.leftOutRows, 4);
+    EXPECT_FALSE(second.clean());
+    EXPECT_EQ(second.state, data::RunState::Done);
+    EXPECT_EQ(second.products, 2);
+    EXPECT_EQ(m_company.ports.linesWith(QStringLiteral("Huomaa: ajo 1 (")), 1);
+    EXPECT_EQ(multiplied("KAMPPANJA", "Myyntihinta"), 3);
+    m_company.exec(QStringLiteral("delete from KAMPPANJA where Tuote = 'A3'"));
+    eachRowIsMultipliedOnce();
+
+    // the first run finds nothing left of what it passed over
+    m_company.ports.definition = QStringLiteral("Ensimmäinen");
+    EXPECT_TRUE(vatchange::runChange(m_company.database(), all(), m_company.ports, {1, 0}).clean());
+    eachRowIsMultipliedOnce();
 }
 
 }  // namespace

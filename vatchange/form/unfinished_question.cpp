@@ -3,6 +3,7 @@
 #include "company/logs.h"
 #include "framework/ui/dialogs.h"
 #include "vatchange/journal/history.h"
+#include "vatchange/journal/repeated_rows.h"
 
 namespace vatchange {
 

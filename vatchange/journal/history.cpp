@@ -77,15 +77,4 @@ QString changedRecordsText(const std::vector<ChangedRecords>& tables) {
     return texts.join(QStringLiteral(", "));
 }
 
-QString repeatedRowsText(const std::vector<RepeatedRows>& tables) {
-    QStringList texts;
-    for (const RepeatedRows& table : tables) {
-        QString keys = table.keys.join(QStringLiteral("; "));
-        if (table.keys.size() < static_cast<qsizetype>(table.records.size()))
-            keys += QStringLiteral("; ...");
-        texts += QStringLiteral("%1 %2 (%3)").arg(table.table).arg(table.records.size()).arg(keys);
-    }
-    return texts.join(QStringLiteral(", "));
-}
-
 }  // namespace vatchange

@@ -31,21 +31,4 @@ std::vector<ChangedRecords> changedRecords(data::RunJournal& journal, qint64 run
 /// "ASALE 120, TUOTE 15"
 QString changedRecordsText(const std::vector<ChangedRecords>& tables);
 
-/// Rows of a price table whose prices would be multiplied a second time.
-struct RepeatedRows {
-    static constexpr int kListed = 10;
-
-    QString table;
-    std::vector<data::RecordId> records;  ///< ascending
-    QStringList keys;                     ///< of the first kListed, as keyText()
-};
-
-/// Rows of customer price lists, campaigns, recurring invoices and quantity discounts that a run
-/// changed, whose product that run has not converted yet, and that a definition would change again.
-/// Rows that agree in the columns of the step's UPDATE count as one.
-std::vector<RepeatedRows> repeatedRows(data::Database& database, qint64 run,
-                                       const ChangeDefinition& definition);
-/// "ASALE 2 (1001 A1 0 1; 1002 A1 0 1), KAMPPANJA 1 (A1 3)"
-QString repeatedRowsText(const std::vector<RepeatedRows>& tables);
-
 }  // namespace vatchange

@@ -1,4 +1,5 @@
-#include <QSet>
+#include "vatchange/journal/repeated_rows.h"
+
 #include <algorithm>
 #include <map>
 
@@ -6,7 +7,6 @@
 #include "data/journal/entry_fields.h"
 #include "data/record/record_codec.h"
 #include "data/sql/uni_query.h"
-#include "vatchange/journal/history.h"
 #include "vatchange/journal/run_notes.h"
 #include "vatchange/rules/dependent_statements.h"
 #include "vatchange/rules/selection.h"
@@ -120,7 +120,7 @@ RepeatedRows rowsWithKeys(data::Database& database, const MultipliedTable& table
     const auto file = database.openTable(table.name);
     const data::RecordLayout& layout = file->layout();
     const data::RecordDifference difference(layout, file->keys());
-    RepeatedRows repeated{table.name, {}, {}};
+    RepeatedRows repeated{table.name, {}, {}, static_cast<size_t>(table.keyColumns.size()), {}};
     for (const data::RecordId id : records) {
         const std::optional<data::StoredRecord> record = file->get(id);
         if (!record)
@@ -132,6 +132,7 @@ RepeatedRows rowsWithKeys(data::Database& database, const MultipliedTable& table
         if (!keys.contains(key))
             continue;
         repeated.records.push_back(id);
+        repeated.rowKeys += key;
         if (repeated.keys.size() < RepeatedRows::kListed) {
             data::JournalEntry entry;
             entry.record = id;
@@ -143,6 +144,13 @@ RepeatedRows rowsWithKeys(data::Database& database, const MultipliedTable& table
 }
 
 }  // namespace
+
+bool RepeatedRows::contains(const data::KeyValues& row) const {
+    QString key;
+    for (size_t i = 0; i < keyColumns; ++i)
+        addToKey(key, row.at(i));
+    return rowKeys.contains(key);
+}
 
 std::vector<RepeatedRows> repeatedRows(data::Database& database, qint64 run,
                                        const ChangeDefinition& definition) {
@@ -164,6 +172,17 @@ std::vector<RepeatedRows> repeatedRows(data::Database& database, qint64 run,
             repeated.push_back(std::move(rows));
     }
     return repeated;
+}
+
+QString repeatedRowsText(const std::vector<RepeatedRows>& tables) {
+    QStringList texts;
+    for (const RepeatedRows& table : tables) {
+        QString keys = table.keys.join(QStringLiteral("; "));
+        if (table.keys.size() < static_cast<qsizetype>(table.records.size()))
+            keys += QStringLiteral("; ...");
+        texts += QStringLiteral("%1 %2 (%3)").arg(table.table).arg(table.records.size()).arg(keys);
+    }
+    return texts.join(QStringLiteral(", "));
 }
 
 }  // namespace vatchange

@@ -1,5 +1,7 @@
 #include "vatchange/run/run_context.h"
 
+#include <algorithm>
+
 #include "vatchange/rules/selection.h"
 
 namespace vatchange {
@@ -58,6 +60,12 @@ bool RunContext::stopRequested() {
     if (ports.cancelled())
         result.cancelled = true;
     return result.cancelled;
+}
+
+bool RunContext::leavesOut(const QString& table, const data::KeyValues& row) const {
+    return std::any_of(leftOut.begin(), leftOut.end(), [&](const RepeatedRows& rows) {
+        return rows.table == table && rows.contains(row);
+    });
 }
 
 void RunContext::setOrigin(qint64 origin) {

@@ -4,6 +4,7 @@
 #include "company/unfinished_note.h"
 #include "data/engine/run_journal.h"
 #include "vatchange/journal/history.h"
+#include "vatchange/journal/repeated_rows.h"
 
 namespace vatchange {
 
@@ -65,6 +66,17 @@ qint64 runOfRows(const data::JournalRun& run) {
     return run.kind == data::RunKind::Undo ? run.undoneRun : run.number;
 }
 
+bool isOfBatch(const data::JournalRun& run, qint64 batch) {
+    return batch != 0 && (run.number == batch || run.batch == batch);
+}
+
+void leaveOut(RunContext& run, const std::vector<RepeatedRows>& rows) {
+    for (const RepeatedRows& table : rows) {
+        run.leftOut.push_back(table);
+        run.result.leftOutRows += static_cast<qint64>(table.records.size());
+    }
+}
+
 bool journalAllows(RunContext& run, const RunOptions& options) {
     data::RunJournal* journal = run.database.journal();
     if (journal == nullptr || !run.definition.changesDependents())
@@ -76,11 +88,17 @@ bool journalAllows(RunContext& run, const RunOptions& options) {
             repeatedRows(run.database, runOfRows(earlier), run.definition);
         if (rows.empty())
             continue;
-        const QString number = QString::number(earlier.number);
         const QString text =
             runText(earlier) +
             QStringLiteral(" on jo muuttanut rivejä, jotka tämä ajo muuttaisi uudestaan: ") +
             repeatedRowsText(rows) + u'.';
+        if (isOfBatch(earlier, options.batch)) {
+            leaveOut(run, rows);
+            run.ports.log(QStringLiteral("Huomaa: ") + text +
+                          QStringLiteral(" Ne jätetään muuttamatta."));
+            continue;
+        }
+        const QString number = QString::number(earlier.number);
         const QString advice =
             QStringLiteral("Jatka ajoa %1, peru se (%2) tai hyväksy se (%3), ja aja uudestaan.")
                 .arg(number, command("undo", earlier.number),
