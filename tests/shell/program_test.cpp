@@ -204,7 +204,7 @@ TEST_F(Program, HelpAndVersionNeedNoDisplay) {
 // labels, class 2 to 3.
 class InterruptedProgram : public Program {
   protected:
-    static constexpr int kProducts = 600;
+    static constexpr int kProducts = 400;
 
     InterruptedProgram() {
         company::takeIntoUse(m_company);
@@ -313,7 +313,7 @@ TEST_F(InterruptedProgram, AKilledBatchIsContinuedAndRepeatsNothing) {
 
 TEST_F(InterruptedProgram, ARequestToEndStopsTheBatchBetweenTwoRows) {
     EXPECT_EQ(interrupt(&QProcess::terminate), 1);
-    EXPECT_TRUE(m_shop.logMessages().contains(QRegularExpression(str("^Ajo keskeytettiin"))));
+    EXPECT_TRUE(m_shop.logMessages().filter(str("Ajo keskeytettiin")).size() == 1);
     data::RunJournal& journal = *m_shop.database().journal();
     ASSERT_EQ(journal.runs().size(), 2U);
     EXPECT_EQ(journal.runs().back().state, data::RunState::Stopped);
