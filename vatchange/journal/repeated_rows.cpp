@@ -1,5 +1,6 @@
 #include "vatchange/journal/repeated_rows.h"
 
+#include <QSet>
 #include <algorithm>
 #include <map>
 
@@ -120,7 +121,7 @@ RepeatedRows rowsWithKeys(data::Database& database, const MultipliedTable& table
     const auto file = database.openTable(table.name);
     const data::RecordLayout& layout = file->layout();
     const data::RecordDifference difference(layout, file->keys());
-    RepeatedRows repeated{table.name, {}, {}, static_cast<size_t>(table.keyColumns.size()), {}};
+    RepeatedRows repeated{table.name, {}, {}};
     for (const data::RecordId id : records) {
         const std::optional<data::StoredRecord> record = file->get(id);
         if (!record)
@@ -132,7 +133,6 @@ RepeatedRows rowsWithKeys(data::Database& database, const MultipliedTable& table
         if (!keys.contains(key))
             continue;
         repeated.records.push_back(id);
-        repeated.rowKeys += key;
         if (repeated.keys.size() < RepeatedRows::kListed) {
             data::JournalEntry entry;
             entry.record = id;
@@ -144,13 +144,6 @@ RepeatedRows rowsWithKeys(data::Database& database, const MultipliedTable& table
 }
 
 }  // namespace
-
-bool RepeatedRows::contains(const data::KeyValues& row) const {
-    QString key;
-    for (size_t i = 0; i < keyColumns; ++i)
-        addToKey(key, row.at(i));
-    return rowKeys.contains(key);
-}
 
 std::vector<RepeatedRows> repeatedRows(data::Database& database, qint64 run,
                                        const ChangeDefinition& definition) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <vector>
@@ -18,11 +17,6 @@ struct RepeatedRows {
     QString table;
     std::vector<data::RecordId> records;  ///< ascending
     QStringList keys;                     ///< of the first kListed, as keyText()
-    size_t keyColumns = 0;                ///< number of the UPDATE's columns
-    QSet<QString> rowKeys;                ///< their values
-
-    /// Whether a row, which begins with the UPDATE's columns, is one of these.
-    bool contains(const data::KeyValues& row) const;
 };
 
 /// Rows of customer price lists, campaigns, recurring invoices and quantity discounts that a run

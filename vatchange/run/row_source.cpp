@@ -45,7 +45,7 @@ void list(RunContext& run, const StepRows& step, data::TUniQuery& query, const A
     RowListWriter writer(*run.journal, run.result.run, step.table);
     for (; !query.eof(); query.next()) {
         const data::KeyValues row = rowOf(query, step.columns);
-        if ((!accepts || accepts(row)) && !run.leavesOut(step.table, row))
+        if (!accepts || accepts(row))
             writer.add(row);
     }
     writer.finish();
@@ -118,10 +118,7 @@ bool RowSource::next() {
         if (m_query && m_position > 0)
             m_query->next();
         ++m_position;
-        if (!m_run.progress)
-            break;
-        if (!m_run.progress->positions(m_step.table).contains(m_position) &&
-            !m_run.leavesOut(m_step.table, m_list->row(m_position)))
+        if (!m_run.progress || !m_run.progress->positions(m_step.table).contains(m_position))
             break;
     }
     if (m_list) {

@@ -1,7 +1,5 @@
 #include "vatchange/run/run_context.h"
 
-#include <algorithm>
-
 #include "vatchange/rules/selection.h"
 
 namespace vatchange {
@@ -60,12 +58,6 @@ bool RunContext::stopRequested() {
     if (ports.cancelled())
         result.cancelled = true;
     return result.cancelled;
-}
-
-bool RunContext::leavesOut(const QString& table, const data::KeyValues& row) const {
-    return std::any_of(leftOut.begin(), leftOut.end(), [&](const RepeatedRows& rows) {
-        return rows.table == table && rows.contains(row);
-    });
 }
 
 void RunContext::setOrigin(qint64 origin) {

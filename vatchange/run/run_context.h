@@ -11,7 +11,6 @@
 #include "data/error.h"
 #include "data/sql/uni_query.h"
 #include "vatchange/definition/definition_problems.h"
-#include "vatchange/journal/repeated_rows.h"
 #include "vatchange/journal/run_notes.h"
 #include "vatchange/journal/run_progress.h"
 #include "vatchange/ports/run_ports.h"
@@ -60,10 +59,6 @@ struct RunContext {
     std::unique_ptr<RunProgress> progress;
     /// Set when a step leaves products or orders behind that a resumed run can still change.
     bool leftBehind = false;
-    /// Rows that another run of the batch has changed and that this one must not change again.
-    std::vector<RepeatedRows> leftOut;
-    /// `row`: begins with the columns of the step's UPDATE.
-    bool leavesOut(const QString& table, const data::KeyValues& row) const;
     void setOrigin(qint64 origin);      ///< see RunJournal::setOrigin()
     void mark(const QByteArray& text);  ///< appends a mark to the journal
 

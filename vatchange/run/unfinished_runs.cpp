@@ -66,15 +66,9 @@ qint64 runOfRows(const data::JournalRun& run) {
     return run.kind == data::RunKind::Undo ? run.undoneRun : run.number;
 }
 
+/// Of these a run leaves out the rows when it lists its own.
 bool isOfBatch(const data::JournalRun& run, qint64 batch) {
     return batch != 0 && (run.number == batch || run.batch == batch);
-}
-
-void leaveOut(RunContext& run, const std::vector<RepeatedRows>& rows) {
-    for (const RepeatedRows& table : rows) {
-        run.leftOut.push_back(table);
-        run.result.leftOutRows += static_cast<qint64>(table.records.size());
-    }
 }
 
 bool journalAllows(RunContext& run, const RunOptions& options) {
@@ -82,7 +76,8 @@ bool journalAllows(RunContext& run, const RunOptions& options) {
     if (journal == nullptr || !run.definition.changesDependents())
         return true;
     for (const data::JournalRun& earlier : journal->runs()) {
-        if (!data::isUnfinished(earlier.state) || earlier.number == options.resume)
+        if (!data::isUnfinished(earlier.state) || earlier.number == options.resume ||
+            isOfBatch(earlier, options.batch))
             continue;
         const std::vector<RepeatedRows> rows =
             repeatedRows(run.database, runOfRows(earlier), run.definition);
@@ -92,12 +87,6 @@ bool journalAllows(RunContext& run, const RunOptions& options) {
             runText(earlier) +
             QStringLiteral(" on jo muuttanut rivejä, jotka tämä ajo muuttaisi uudestaan: ") +
             repeatedRowsText(rows) + u'.';
-        if (isOfBatch(earlier, options.batch)) {
-            leaveOut(run, rows);
-            run.ports.log(QStringLiteral("Huomaa: ") + text +
-                          QStringLiteral(" Ne jätetään muuttamatta."));
-            continue;
-        }
         const QString number = QString::number(earlier.number);
         const QString advice =
             QStringLiteral("Jatka ajoa %1, peru se (%2) tai hyväksy se (%3), ja aja uudestaan.")
