@@ -25,8 +25,7 @@ class DependentRows {
             m_run.ports.log(m_step.header);
         m_update.sql().add(m_step.update);
         if (m_run.progress)
-            m_pending.emplace(m_run.database, m_step.table,
-                              m_run.progress->records(m_step.rows.table));
+            m_pending.emplace(m_run.database, m_step.table, changedRecords());
         else if (m_step.sharesKeys && m_rows.count() > 0)
             m_shared.emplace(m_run.database, m_step.table, m_run.condition);
         m_converted = &m_run.changedRows(m_step.what);
@@ -44,6 +43,20 @@ class DependentRows {
     qint64 converted() const { return *m_converted; }
 
   private:
+    /// The records that this run has changed, or a run that was made after it.
+    data::IdSet changedRecords() {
+        data::IdSet records = m_run.progress->records(m_step.rows.table);
+        for (const data::JournalRun& later : m_run.journal->runs()) {
+            if (later.number <= m_run.result.run || later.kind != data::RunKind::Change ||
+                later.state == data::RunState::Undone)
+                continue;
+            RunProgress::read(*m_run.journal, later.number)
+                .records(m_step.rows.table)
+                .visit([&records](data::RecordId id) { records.add(id); });
+        }
+        return records;
+    }
+
     void convertRow() {
         const data::KeyValues& row = m_rows.row();
         const data::KeyValues key = m_step.keyOf(row);

@@ -14,6 +14,9 @@ struct DependentStep {
     QStringList keyParameters;
     QStringList amountParameters;
     bool sharesKeys = false;  ///< several rows may have the same key
+    /// The column of TUOTE by which a row's products are found, and its value's place in the row.
+    QString productColumn = QStringLiteral("numero");
+    size_t productValue = 0;
 
     QString begin;   ///< log line before the rows are read
     QString status;  ///< empty: none
@@ -37,6 +40,8 @@ DependentStep campaignStep(const RunContext& run);
 DependentStep recurringInvoiceStep(const RunContext& run);
 DependentStep quantityDiscountStep(const RunContext& run);
 
+/// The steps that the definition asks for.
+std::vector<DependentStep> dependentSteps(const RunContext& run);
 /// The rows of the store price step.
 StepRows storePriceRows(const RunContext& run);
 

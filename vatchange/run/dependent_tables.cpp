@@ -68,6 +68,7 @@ DependentStep customerPriceStep(const RunContext& run) {
     step.amountParameters = {QStringLiteral("uusihinta"), QStringLiteral("uusihintaalv0"),
                              QStringLiteral("uusiostohinta")};
     step.sharesKeys = true;
+    step.productValue = 1;
     step.begin = QStringLiteral("Aloitetaan asiakashinnastojen päivitys");
     step.status = QStringLiteral("Päivitetään asiakashinnasto");
     step.what = QStringLiteral("Asiakashinnastojen rivit");
@@ -150,6 +151,7 @@ DependentStep recurringInvoiceStep(const RunContext& run) {
     step.keyParameters = {QStringLiteral("id")};
     step.amountParameters = {QStringLiteral("uusihinta"), QStringLiteral("uusiyhteensa"),
                              QStringLiteral("uusiostohinta")};
+    step.productValue = 5;
     step.begin = QStringLiteral("Aloitetaan vakiolaskutusten päivitys");
     step.header = kRecurringInvoiceHeader;
     step.what = QStringLiteral("Toistuvaislaskutuksen rivit");
@@ -190,6 +192,7 @@ DependentStep quantityDiscountStep(const RunContext& run) {
     step.update = kQuantityDiscountUpdate;
     step.keyParameters = {QStringLiteral("numero")};
     step.amountParameters = {QStringLiteral("uusiarvo"), QStringLiteral("ostohinta")};
+    step.productColumn = QStringLiteral("maaraale");
     step.begin = QStringLiteral("Aloitetaan määräalejen päivitys");
     step.status = QStringLiteral("Päivitetään määräalet");
     step.what = QStringLiteral("Määräalennukset");
@@ -211,19 +214,17 @@ StepRows storePriceRows(const RunContext& run) {
             ofProductIn(1)};
 }
 
-std::vector<StepRows> stepsWithRows(const RunContext& run) {
+std::vector<DependentStep> dependentSteps(const RunContext& run) {
     const ChangeDefinition& definition = run.definition;
-    std::vector<StepRows> steps;
+    std::vector<DependentStep> steps;
     if (definition.customerPriceLists)
-        steps.push_back(customerPriceStep(run).rows);
+        steps.push_back(customerPriceStep(run));
     if (definition.campaigns)
-        steps.push_back(campaignStep(run).rows);
+        steps.push_back(campaignStep(run));
     if (definition.recurringInvoicing)
-        steps.push_back(recurringInvoiceStep(run).rows);
+        steps.push_back(recurringInvoiceStep(run));
     if (definition.quantityDiscounts)
-        steps.push_back(quantityDiscountStep(run).rows);
-    if (definition.products && !storePriceAssignments(definition, run.targetFactor).isEmpty())
-        steps.push_back(storePriceRows(run));
+        steps.push_back(quantityDiscountStep(run));
     return steps;
 }
 

@@ -5,7 +5,7 @@
 #include "company/logs.h"
 #include "data/clock.h"
 #include "data/journal/entry_fields.h"
-#include "vatchange/run/row_source.h"
+#include "vatchange/run/row_lists.h"
 
 namespace vatchange {
 
@@ -37,8 +37,10 @@ QString resumeProblem(RunContext& run, data::RunJournal& journal, const LoadedDe
     const std::optional<data::JournalRun> head = journal.run(number);
     if (!head)
         return QStringLiteral("sitä ei ole ajopäiväkirjassa.");
+    // this process is in a run: one that is stored as running has died
     if (head->kind != data::RunKind::Change ||
-        (!data::isUnfinished(head->state) && head->state != data::RunState::Errors))
+        (!data::isUnfinished(head->state) && head->state != data::RunState::Running &&
+         head->state != data::RunState::Errors))
         return QStringLiteral("se ei ole kesken.");
     if (head->definition.compare(run.ports.definitionName(), Qt::CaseInsensitive) != 0)
         return QStringLiteral("se on määrittelyn %1 ajo.").arg(head->definition);

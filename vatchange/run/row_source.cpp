@@ -9,8 +9,19 @@ namespace vatchange {
 
 namespace {
 
-const QString kListsNote = QStringLiteral("lists");
 constexpr int kToldRows = 100;
+
+/// Identifies a row among others of its table; amounts, which the run changes, do not count.
+size_t identityOf(const StepRows& step, const data::KeyValues& row) {
+    size_t hash = 0;
+    for (size_t i = 0; i < row.size(); ++i) {
+        if (step.columns[i].kind != RowColumn::Kind::Amount)
+            hash = qHash(data::valueToPlainText(row[i]), hash);
+    }
+    return hash;
+}
+
+}  // namespace
 
 data::KeyValues rowOf(data::TUniQuery& query, const std::vector<RowColumn>& columns) {
     data::KeyValues row;
@@ -32,16 +43,15 @@ data::KeyValues rowOf(data::TUniQuery& query, const std::vector<RowColumn>& colu
     return row;
 }
 
-void open(data::TUniQuery& query, const QString& text, const std::vector<RowColumn>& columns) {
+void openRows(data::TUniQuery& query, const QString& text, const std::vector<RowColumn>& columns) {
     query.sql().setText(text);
     query.open();
     for (const RowColumn& column : columns)
         query.fieldByName(column.name);
 }
 
-using Accepts = std::function<bool(const data::KeyValues& row)>;
-
-void list(RunContext& run, const StepRows& step, data::TUniQuery& query, const Accepts& accepts) {
+void storeRows(RunContext& run, const StepRows& step, data::TUniQuery& query,
+               const std::function<bool(const data::KeyValues& row)>& accepts) {
     RowListWriter writer(*run.journal, run.result.run, step.table);
     for (; !query.eof(); query.next()) {
         const data::KeyValues row = rowOf(query, step.columns);
@@ -51,41 +61,13 @@ void list(RunContext& run, const StepRows& step, data::TUniQuery& query, const A
     writer.finish();
 }
 
-/// Identifies a row among others of its table; amounts, which the run changes, do not count.
-size_t identityOf(const StepRows& step, const data::KeyValues& row) {
-    size_t hash = 0;
-    for (size_t i = 0; i < row.size(); ++i) {
-        if (step.columns[i].kind != RowColumn::Kind::Amount)
-            hash = qHash(data::valueToPlainText(row[i]), hash);
-    }
-    return hash;
-}
-
-QString textOf(const StepRows& step, const data::KeyValues& row) {
+QString rowText(const StepRows& step, const data::KeyValues& row) {
     QStringList parts;
     for (size_t i = 0; i < row.size(); ++i) {
         if (step.columns[i].kind != RowColumn::Kind::Amount)
             parts += step.columns[i].name.toLower() + u' ' + data::valueToPlainText(row[i]);
     }
     return parts.join(QStringLiteral(", "));
-}
-
-}  // namespace
-
-void listRows(RunContext& run) {
-    const qint64 number = run.result.run;
-    if (!run.journal || run.journal->note(number, kListsNote))
-        return;
-    for (const StepRows& step : stepsWithRows(run)) {
-        data::TUniQuery query(&run.database);
-        try {
-            open(query, step.query, step.columns);
-        } catch (const data::DataError&) {
-            continue;  // the step reports it when it finds no list and opens the query itself
-        }
-        list(run, step, query, {});
-    }
-    run.journal->setNote(number, kListsNote, QByteArrayLiteral("complete"));
 }
 
 RowSource::RowSource(RunContext& run, const StepRows& step) : m_run(run), m_step(step) {
@@ -95,10 +77,10 @@ RowSource::RowSource(RunContext& run, const StepRows& step) : m_run(run), m_step
     m_listedBefore = m_list.has_value();
     if (!m_list) {
         m_query = std::make_unique<data::TUniQuery>(&run.database);
-        open(*m_query, run.progress ? step.laterQuery : step.query, step.columns);
+        openRows(*m_query, run.progress ? step.laterQuery : step.query, step.columns);
     }
     if (journal && !m_list) {
-        list(run, step, *m_query, run.progress ? step.laterRow(run) : Accepts());
+        storeRows(run, step, *m_query, run.progress ? step.laterRow(run) : nullptr);
         m_query.reset();
         m_list = RowList::open(*journal, run.result.run, step.table);
     }
@@ -146,7 +128,7 @@ void RowSource::reportUnlisted() {
     std::vector<bool> seen(listed.size());
     data::TUniQuery query(&m_run.database);
     qint64 unlisted = 0;
-    open(query, m_step.query, m_step.columns);
+    openRows(query, m_step.query, m_step.columns);
     for (; !query.eof(); query.next()) {
         const data::KeyValues row = rowOf(query, m_step.columns);
         const auto [first, last] =
@@ -159,7 +141,7 @@ void RowSource::reportUnlisted() {
         else if (++unlisted <= kToldRows)
             m_run.ports.log(QStringLiteral("Huomaa: taulun %1 riviä ei muutettu, koska se ei ollut "
                                            "mukana ajon alkaessa: %2")
-                                .arg(m_step.table, textOf(m_step, row)));
+                                .arg(m_step.table, rowText(m_step, row)));
     }
     if (unlisted > kToldRows)
         m_run.ports.log(QStringLiteral("Huomaa: taulussa %1 on yhteensä %2 riviä, jotka eivät "

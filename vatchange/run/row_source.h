@@ -30,13 +30,15 @@ struct StepRows {
     std::function<std::function<bool(const data::KeyValues& row)>(RunContext& run)> laterRow;
 };
 
-/// The rows that the definition's steps will change, in the order of the steps.
-std::vector<StepRows> stepsWithRows(const RunContext& run);
-
-/// Lists the rows of every step in the journal, before the run's first change. A step whose query
-/// fails lists its rows when its turn comes; it then reports the error.
-/// @throws data::DataError if the journal cannot be written.
-void listRows(RunContext& run);
+/// The value of a row's columns at the query's current row.
+data::KeyValues rowOf(data::TUniQuery& query, const std::vector<RowColumn>& columns);
+/// Opens a query that has the columns. @throws data::DataError.
+void openRows(data::TUniQuery& query, const QString& text, const std::vector<RowColumn>& columns);
+/// Stores the rows of an open query that `accepts` (empty: all) as the step's list.
+void storeRows(RunContext& run, const StepRows& step, data::TUniQuery& query,
+               const std::function<bool(const data::KeyValues& row)>& accepts);
+/// The columns of a row that tell it from others, for a message.
+QString rowText(const StepRows& step, const data::KeyValues& row);
 
 /// Walks a step's rows: those of the journal's list, which it makes if there is none; without a
 /// journal those of the query. A resumed run passes over the rows that have been changed.
