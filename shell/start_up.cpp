@@ -45,7 +45,7 @@ const QString kHelp = QStringLiteral(
     "\n"
     "Eräajon paluuarvo: 0 kaikki onnistui, 1 määrittely hylättiin tai jokin epäonnistui,\n"
     "2 yritystä, sen tietokantaa tai eräajon määrittelyä ei löydy tai valitsin on tuntematon,\n"
-    "3 muutos on jo ajettu.\n");
+    "3 muutos on jo ajettu. Sama komento jatkaa keskeytynyttä eräajoa.\n");
 
 bool anyOf(const QStringList& parameters, std::initializer_list<const char*> wanted) {
     for (const char* text : wanted) {

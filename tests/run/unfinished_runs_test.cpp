@@ -145,25 +145,4 @@ TEST_F(UnfinishedRun, LetsPassWhatDoesNotTouchItsRows) {
               QStringLiteral("6"));
 }
 
-TEST_F(UnfinishedRun, OfTheSameBatchHasItsRowsLeftOut) {
-    m_company.execAll(
-        {"insert into TUOTE (NUMERO, LVV, HINTA) values ('A3', 3, 10)",
-         "insert into KAMPPANJA (Tuote, RiviNro, Myyntihinta) values ('A3', 1, 100)"});
-    const vatchange::RunResult second =
-        vatchange::runChange(m_company.database(), all(), m_company.ports, {0, 1});
-    EXPECT_EQ(second.leftOutRows, 4);
-    EXPECT_FALSE(second.clean());
-    EXPECT_EQ(second.state, data::RunState::Done);
-    EXPECT_EQ(second.products, 2);
-    EXPECT_EQ(m_company.ports.linesWith(QStringLiteral("Huomaa: ajo 1 (")), 1);
-    EXPECT_EQ(multiplied("KAMPPANJA", "Myyntihinta"), 3);
-    m_company.exec(QStringLiteral("delete from KAMPPANJA where Tuote = 'A3'"));
-    eachRowIsMultipliedOnce();
-
-    // the first run finds nothing left of what it passed over
-    m_company.ports.definition = QStringLiteral("Ensimmäinen");
-    EXPECT_TRUE(vatchange::runChange(m_company.database(), all(), m_company.ports, {1, 0}).clean());
-    eachRowIsMultipliedOnce();
-}
-
 }  // namespace

@@ -76,8 +76,7 @@ bool journalAllows(RunContext& run, const RunOptions& options) {
     if (journal == nullptr || !run.definition.changesDependents())
         return true;
     for (const data::JournalRun& earlier : journal->runs()) {
-        if (!data::isUnfinished(earlier.state) || earlier.number == options.resume ||
-            isOfBatch(earlier, options.batch))
+        if (!data::isUnfinished(earlier.state) || isOfBatch(earlier, options.batch))
             continue;
         const std::vector<RepeatedRows> rows =
             repeatedRows(run.database, runOfRows(earlier), run.definition);
@@ -101,6 +100,8 @@ bool journalAllows(RunContext& run, const RunOptions& options) {
 }  // namespace
 
 bool earlierRunsAllow(RunContext& run, const RunOptions& options) {
+    if (options.resume != 0)  // asked when the run began
+        return true;
     try {
         return notesAllow(run) && journalAllows(run, options);
     } catch (const std::exception& error) {
