@@ -83,7 +83,7 @@ engines::sqlite::SqliteHandle makePlain(const QString& fileName, const TableSour
     engines::sqlite::execute(
         handle.get(),
         "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA wal_autocheckpoint "
-        "= 4000; PRAGMA cache_size = -32000; PRAGMA mmap_size = 2147418112; PRAGMA "
+        "= 4000; PRAGMA cache_size = -32000; PRAGMA "
         "secure_delete = OFF");
     QByteArray columns;
     QByteArray values;

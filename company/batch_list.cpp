@@ -7,6 +7,7 @@
 
 #include "data/error.h"
 #include "platform/ini_change.h"
+#include "platform/read_file.h"
 #include "platform/user_settings.h"
 
 namespace company {
@@ -18,6 +19,10 @@ const QString kSection = QStringLiteral("ASETUKSET");
 
 QString keyOf(size_t index) {
     return QStringLiteral("maar%1").arg(index + 1);
+}
+
+QString listIn(const QString& folder) {
+    return folder + u'/' + kFileName;
 }
 
 bool canWriteIn(const QString& folder) {
@@ -33,9 +38,21 @@ bool canWriteIn(const QString& folder) {
 }  // namespace
 
 QString AlvMuutosIniName() {
-    const QString programFolder = QCoreApplication::applicationDirPath();
-    return (canWriteIn(programFolder) ? programFolder : platform::userSettingsFolder()) + u'/' +
-           kFileName;
+    const BatchListFolders folders = BatchListFolders::ofThisProgram();
+    return listIn(folders.programIsWritable ? folders.program : folders.user);
+}
+
+BatchListFolders BatchListFolders::ofThisProgram() {
+    const QString program = QCoreApplication::applicationDirPath();
+    return {program, canWriteIn(program), platform::userSettingsFolder()};
+}
+
+QString batchListToRead(const BatchListFolders& folders) {
+    const QString beside = listIn(folders.program);
+    const QString own = listIn(folders.user);
+    const bool useBeside =
+        folders.programIsWritable || (!QFileInfo::exists(own) && QFileInfo::exists(beside));
+    return useBeside ? beside : own;
 }
 
 BatchList readBatchList(const QString& fileName) {
@@ -46,11 +63,28 @@ BatchList readBatchList(const QString& fileName) {
     return list;
 }
 
+QString batchListText(const QString& fileName, const BatchList& list) {
+    QStringList names;
+    for (const QString& name : list) {
+        if (!name.isEmpty())
+            names += name;
+    }
+    if (!names.isEmpty())
+        return QStringLiteral("Eräajon luettelo \"%1\": ").arg(fileName) +
+               names.join(QStringLiteral("; "));
+    QString reason = QStringLiteral("osassa [%1] ei ole yhtään määrittelyä").arg(kSection);
+    if (!QFileInfo::exists(fileName))
+        reason = QStringLiteral("tiedostoa ei ole");
+    else if (!platform::IniFile::read(fileName).hasSection(kSection))
+        reason = QStringLiteral("osaa [%1] ei ole").arg(kSection);
+    return QStringLiteral("Eräajon luettelo \"%1\" on tyhjä: %2. Mitään ei ajeta.")
+        .arg(fileName, reason);
+}
+
 void writeBatchList(const QString& fileName, const BatchList& list) {
     const QString folder = QFileInfo(fileName).absolutePath();
     if (!QDir().mkpath(folder))  // the user's settings folder may be missing
-        throw data::DataError(data::ErrorKind::Io, folder,
-                              QStringLiteral("the folder cannot be made"));
+        throw platform::folderCannotBeMade(folder);
     platform::changeIniFile(fileName, [&list](platform::IniFile& ini) {
         for (size_t i = 0; i < list.size(); ++i)
             ini.setValue(kSection, keyOf(i), list[i]);

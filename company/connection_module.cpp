@@ -62,6 +62,26 @@ engines::shops::ShopsDatabaseSettings shopsSettings(const Alias& alias) {
     return settings;
 }
 
+bool namesShopsEngine(const Alias& alias) {
+    return !alias.server.isEmpty() || !alias.dataSource.isEmpty() || !alias.ownerName.isEmpty() ||
+           !alias.odbcAttributes.isEmpty();
+}
+
+data::DataError noDatabase(const Alias& alias, const data::DataError& shopsError) {
+    return data::DataError(
+               data::ErrorKind::NoConnection, alias.name,
+               QStringLiteral("folder \"%1\" holds no database %2, and the shops' engine cannot "
+                              "open the company either: %3")
+                   .arg(alias.physicalName, engines::kEmbeddedFileName, shopsError.detail()),
+               shopsError.nativeCode())
+        .inFinnish(QStringLiteral("kansiossa \"%1\" ei ole tietokantaa %2, eikä yritystä voi avata "
+                                  "tietokantapalvelimeltakaan")
+                       .arg(alias.physicalName, engines::kEmbeddedFileName),
+                   QStringLiteral("Tarkista yrityksen kansio tai palauta tietokanta "
+                                  "varmuuskopiosta. Palvelimella oleva yritys tarvitsee "
+                                  "tietokannan asiakasohjelmiston tähän koneeseen."));
+}
+
 }  // namespace
 
 data::Database& UniConnection::database() const {
@@ -133,8 +153,6 @@ void TZavDbConnectionModule::AlustaUnidacConnection(UniConnection& connection,
     if (!platform::sameIgnoringAsciiCase(connection.m_dataSource, dataSource))
         connection.m_database.reset();
     connection.m_dataSource = dataSource;
-    if (connection.m_provider.isEmpty())
-        connection.m_provider = QStringLiteral("ODBC");
 
     for (int attempt = 1; attempt <= kConnectAttempts && !connection.connected(); ++attempt) {
         try {
@@ -159,23 +177,28 @@ std::unique_ptr<data::TUniQuery> TZavDbConnectionModule::LuoUniQuery(const QStri
     return query;
 }
 
-std::unique_ptr<data::TUniScript> TZavDbConnectionModule::LuoUniScript(const QString& dataSource) {
-    return std::make_unique<data::TUniScript>(&connection(dataSource).database());
-}
-
 std::unique_ptr<data::Database> TZavDbConnectionModule::openByAlias(const QString& dataSource) {
     const std::optional<Alias> alias = findAlias(dataSource);
     if (!alias)
         throw noConnection(dataSource, QStringLiteral("no company of this name is registered"),
                            QStringLiteral("sen nimistä yritystä ei ole luettelossa"));
     const QString& folder = alias->physicalName;
-    if (!folder.isEmpty() && !QFileInfo(folder).isDir())
+    // Without a folder, the shops' engine finds the company by name.
+    if (folder.isEmpty())
+        return engines::shops::openShopsDatabase(shopsSettings(*alias));
+    if (engines::hasEmbeddedDatabase(folder))
+        return engines::openEmbedded(alias->name, folder);
+    if (!QFileInfo(folder).isDir())
         throw noConnection(dataSource, QStringLiteral("folder \"%1\" does not exist").arg(folder),
                            QStringLiteral("kansiota \"%1\" ei ole").arg(folder));
-    // Without a folder, the shops' engine finds the company by name.
-    if (!folder.isEmpty() && engines::hasEmbeddedDatabase(folder))
-        return engines::openEmbedded(alias->name, folder);
-    return engines::shops::openShopsDatabase(shopsSettings(*alias));
+    try {
+        return engines::shops::openShopsDatabase(shopsSettings(*alias));
+    } catch (const data::DataError& error) {
+        // Nothing but the missing file says that the company belongs to the shops' engine.
+        if (error.kind() != data::ErrorKind::NoConnection || namesShopsEngine(*alias))
+            throw;
+        throw noDatabase(*alias, error);
+    }
 }
 
 data::Database& companyDatabase() {

@@ -17,7 +17,6 @@ class UniConnection {
   public:
     /// Name of the company; empty before the first attempt.
     const QString& dataSource() const { return m_dataSource; }
-    const QString& provider() const { return m_provider; }
     bool connected() const { return m_database != nullptr; }
     /// The open database.
     /// @throws data::DataError(NoConnection): the last attempt's error.
@@ -26,7 +25,6 @@ class UniConnection {
   private:
     friend class TZavDbConnectionModule;
     QString m_dataSource;
-    QString m_provider;
     std::unique_ptr<data::Database> m_database;
     std::unique_ptr<data::DataError> m_failure;
 };
@@ -68,9 +66,6 @@ class TZavDbConnectionModule {
     /// A new query on the connection of that name. `debug` traces this query; the module's switches
     /// trace all.
     std::unique_ptr<data::TUniQuery> LuoUniQuery(const QString& dataSource, bool debug = false);
-
-    /// A new script on the connection of that name.
-    std::unique_ptr<data::TUniScript> LuoUniScript(const QString& dataSource);
 
     /// Opens the embedded engine if the alias's folder holds its database file, else (also without
     /// a folder) the shops' engine.

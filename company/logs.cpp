@@ -75,13 +75,27 @@ QByteArray windows1252WithGaps(QString text) {
     return bytes;
 }
 
-void append(const QString& fileName, const QByteArray& line) {
+LostLogLines& lostLines() {
+    static LostLogLines lost;
+    return lost;
+}
+
+/// Returns what failed; empty on success.
+QString append(const QString& fileName, const QByteArray& line) {
     const QString problem = platform::appendToFile(fileName, line);
-    if (problem.isEmpty())
+    if (problem.isEmpty()) {
         errorReport().last.clear();
-    else
-        reportLogError(
-            QStringLiteral("Lokitiedostoon \"%1\" ei voi kirjoittaa: %2").arg(fileName, problem));
+        return {};
+    }
+    const QString text =
+        QStringLiteral("Lokitiedostoon \"%1\" ei voi kirjoittaa: %2").arg(fileName, problem);
+    reportLogError(text);
+    return text;
+}
+
+QByteArray lineInUtf8(const QString& message) {
+    static const QString computer = u'@' + computerName() + QStringLiteral("  ");
+    return (timeStamp() + computer + onOneLine(message)).toUtf8() + kLineEnd;
 }
 
 }  // namespace
@@ -91,12 +105,19 @@ QString AlvMuutosLogName() {
 }
 
 void WriteAlvMuutosLog(const QString& message) {
-    writeLogLine(AlvMuutosLogName(), message);
+    const QString problem = append(AlvMuutosLogName(), lineInUtf8(message));
+    if (problem.isEmpty())
+        return;
+    ++lostLines().count;
+    lostLines().problem = problem;
+}
+
+const LostLogLines& lostChangeLogLines() {
+    return lostLines();
 }
 
 void writeLogLine(const QString& fileName, const QString& message) {
-    static const QString computer = u'@' + computerName() + QStringLiteral("  ");
-    append(fileName, (timeStamp() + computer + onOneLine(message)).toUtf8() + kLineEnd);
+    append(fileName, lineInUtf8(message));
 }
 
 QString generalLogName() {

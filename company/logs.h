@@ -16,7 +16,14 @@ QString AlvMuutosLogName();
 /// "Tarkastus: ", "Virhe", "Ajo", "Määrittelyä ei".
 void WriteAlvMuutosLog(const QString& message);
 
-/// The same for another log file.
+/// Change log lines of this process that could not be written.
+struct LostLogLines {
+    qint64 count = 0;
+    QString problem;  ///< of the last one, in Finnish: the file and why
+};
+const LostLogLines& lostChangeLogLines();
+
+/// The same as WriteAlvMuutosLog() for another log file, whose lost lines are not counted.
 void writeLogLine(const QString& fileName, const QString& message);
 
 /// Full path of the general log "loki.dat" in the data folder.

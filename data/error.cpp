@@ -101,9 +101,20 @@ DataError DataError::verbatim(ErrorKind kind, const QString& message) {
 
 DataError DataError::inFinnish(const QString& detail, const QString& remedy) const {
     DataError error(*this);
-    error.m_finnishDetail = detail;
-    error.m_finnishRemedy = remedy;
+    if (!detail.isEmpty())
+        error.m_finnishDetail = detail;
+    if (!remedy.isEmpty())
+        error.m_finnishRemedy = remedy;
     return error;
+}
+
+DataError DataError::inPlace(const QString& place) const {
+    const auto placed = [&place](const QString& detail) {
+        return detail.isEmpty() ? place : place + QStringLiteral(": ") + detail;
+    };
+    const DataError error(m_kind, m_table, placed(m_detail), m_nativeCode);
+    return error.inFinnish(placed(m_finnishDetail.isEmpty() ? m_detail : m_finnishDetail),
+                           m_finnishRemedy);
 }
 
 QString DataError::finnish() const {

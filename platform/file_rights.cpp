@@ -4,6 +4,8 @@
 
 #ifndef Q_OS_WIN
 #include <sys/stat.h>
+
+#include <csignal>
 #endif
 
 namespace platform {
@@ -11,6 +13,12 @@ namespace platform {
 void denyWriteToOthers() {
 #ifndef Q_OS_WIN
     ::umask(::umask(S_IWOTH) | S_IWOTH);
+#endif
+}
+
+void reportFileSizeLimit() {
+#ifndef Q_OS_WIN
+    std::signal(SIGXFSZ, SIG_IGN);
 #endif
 }
 

@@ -6,4 +6,8 @@ namespace platform {
 /// umask. Does nothing on Windows, where the folder's access list decides.
 void denyWriteToOthers();
 
+/// From now on, a write beyond the file size that the system allows the process fails like any
+/// other instead of ending the process by a signal (SIGXFSZ).
+void reportFileSizeLimit();
+
 }  // namespace platform

@@ -8,9 +8,15 @@ std::unique_ptr<QLockFile> lockForChange(const QString& fileName, std::chrono::m
     auto lock = std::make_unique<QLockFile>(fileName + QStringLiteral(".lock"));
     if (!lock->tryLock(wait)) {
         const bool held = lock->error() == QLockFile::LockFailedError;
-        throw data::DataError(held ? data::ErrorKind::Locked : data::ErrorKind::Io, fileName,
-                              held ? QStringLiteral("another program is saving into it")
-                                   : QStringLiteral("the folder cannot be written"));
+        if (held)
+            throw data::DataError(data::ErrorKind::Locked, fileName,
+                                  QStringLiteral("another program is saving into it"))
+                .inFinnish(QStringLiteral("toinen ohjelma on tallettamassa siihen"),
+                           QStringLiteral("Yritä hetken kuluttua uudelleen."));
+        throw data::DataError(data::ErrorKind::Io, fileName,
+                              QStringLiteral("the folder cannot be written"))
+            .inFinnish(QStringLiteral("kansioon ei voi kirjoittaa"),
+                       QStringLiteral("Tarkista kansion käyttöoikeudet."));
     }
     return lock;
 }

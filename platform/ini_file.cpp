@@ -1,7 +1,5 @@
 #include "platform/ini_file.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QSaveFile>
 #include <QSet>
 #include <algorithm>
@@ -10,6 +8,7 @@
 
 #include "data/error.h"
 #include "data/windows1252.h"
+#include "platform/read_file.h"
 
 namespace platform {
 
@@ -95,8 +94,11 @@ bool isAscii(const QByteArray& bytes) {
                        [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-data::DataError damaged(const QString& fileName, const QString& what) {
-    return {data::ErrorKind::Damaged, fileName, what};
+data::DataError damaged(const QString& fileName, const QString& what, const QString& finnish) {
+    const data::DataError error(data::ErrorKind::Damaged, fileName, what);
+    return error.inFinnish(
+        finnish,
+        QStringLiteral("Korjaa tiedosto tekstieditorilla tai palauta se varmuuskopiosta."));
 }
 
 IniFile::Entry entryOf(const Section& section, const Line& line) {
@@ -160,15 +162,13 @@ struct IniFile::Data {
     }
 
     Line* find(const QString& sectionName, const QString& key) {
-        for (Section& section : sections) {
-            if (section.header.isEmpty() || !sameName(section.name, sectionName))
-                continue;
-            for (Line& line : section.lines) {
-                if (!line.key.isEmpty() && sameName(line.key, key))
-                    return &line;
-            }
-        }
-        return nullptr;
+        Section* section = find(sectionName);
+        if (!section)
+            return nullptr;
+        const auto found = std::find_if(
+            section->lines.begin(), section->lines.end(),
+            [&key](const Line& line) { return !line.key.isEmpty() && sameName(line.key, key); });
+        return found == section->lines.end() ? nullptr : &*found;
     }
 };
 
@@ -178,25 +178,19 @@ IniFile::IniFile(IniFile&&) noexcept = default;
 IniFile& IniFile::operator=(IniFile&&) noexcept = default;
 
 IniFile IniFile::read(const QString& fileName) {
-    QFile file(fileName);
-    if (!QFileInfo::exists(fileName))
-        return {};
-    if (!file.open(QIODevice::ReadOnly))
-        throw data::DataError(data::ErrorKind::Io, fileName, file.errorString());
-    // read() allocates all that it may read, even for a small file
-    const QByteArray bytes = file.read(std::min<qint64>(file.size(), kMaxSize) + 1);
-    if (file.error() != QFileDevice::NoError)
-        throw data::DataError(data::ErrorKind::Io, fileName, file.errorString());
-    return parse(bytes, fileName);
+    const std::optional<QByteArray> bytes = readRegularFile(fileName, kMaxSize + 1);
+    return bytes ? parse(*bytes, fileName) : IniFile();
 }
 
 IniFile IniFile::parse(const QByteArray& bytes, const QString& fileName) {
     if (bytes.size() > kMaxSize)
-        throw damaged(fileName, QStringLiteral("too large for a settings file"));
-    if (const qsizetype nul = bytes.indexOf('\0'); nul >= 0)
-        throw damaged(
-            fileName,
-            QStringLiteral("line %1: not a text file").arg(bytes.first(nul).count('\n') + 1));
+        throw damaged(fileName, QStringLiteral("too large for a settings file"),
+                      QStringLiteral("liian suuri asetustiedostoksi"));
+    if (const qsizetype nul = bytes.indexOf('\0'); nul >= 0) {
+        const QString line = QString::number(bytes.first(nul).count('\n') + 1);
+        throw damaged(fileName, QStringLiteral("line %1: not a text file").arg(line),
+                      QStringLiteral("rivi %1: ei ole tekstitiedosto").arg(line));
+    }
 
     IniFile ini;
     std::vector<Section>& sections = ini.m_data->sections;
@@ -218,9 +212,14 @@ IniFile IniFile::parse(const QByteArray& bytes, const QString& fileName) {
             continue;
         }
         const qsizetype close = content.indexOf(u']');
-        if (close < 0)
-            throw damaged(fileName, QStringLiteral("line %1: section name \"%2\" lacks its ]")
-                                        .arg(QString::number(lineNumber), content.left(80)));
+        if (close < 0) {
+            const QString line = QString::number(lineNumber);
+            throw damaged(fileName,
+                          QStringLiteral("line %1: section name \"%2\" lacks its ]")
+                              .arg(line, content.left(80)),
+                          QStringLiteral("rivi %1: osan nimestä \"%2\" puuttuu lopusta hakasulku ]")
+                              .arg(line, content.left(80)));
+        }
         // trimmed as names are that are looked for: also of no-break spaces
         sections.push_back({lineText, content.sliced(1, close - 1).trimmed().toString(), {}});
     }
@@ -266,16 +265,15 @@ QStringList IniFile::sections() const {
 
 QStringList IniFile::keys(const QString& section) const {
     QStringList names;
+    const Section* found = m_data->find(section);
+    if (!found)
+        return names;
     QSet<QString> seen;
-    for (const Section& candidate : m_data->sections) {
-        if (candidate.header.isEmpty() || !sameName(candidate.name, section))
+    for (const Line& line : found->lines) {
+        if (line.key.isEmpty() || seen.contains(line.key.toCaseFolded()))
             continue;
-        for (const Line& line : candidate.lines) {
-            if (line.key.isEmpty() || seen.contains(line.key.toCaseFolded()))
-                continue;
-            seen.insert(line.key.toCaseFolded());
-            names.append(line.key);
-        }
+        seen.insert(line.key.toCaseFolded());
+        names.append(line.key);
     }
     return names;
 }
@@ -335,19 +333,32 @@ bool IniFile::removeSection(const QString& section) {
 }
 
 int IniFile::malformedLine(const std::optional<QString>& section) const {
+    const Section* wanted = section ? m_data->find(*section) : nullptr;
     int number = 0;
     for (const Section& candidate : m_data->sections) {
         if (!candidate.header.isEmpty())
             ++number;
-        const bool meant =
-            !section || (!candidate.header.isEmpty() && sameName(candidate.name, *section));
         for (const Line& line : candidate.lines) {
             ++number;
             const QStringView content = withoutBlanks(line.text);
-            if (meant && line.key.isEmpty() && !content.isEmpty() && content.front() != u';' &&
-                content.front() != u'#')
+            if ((!section || &candidate == wanted) && line.key.isEmpty() && !content.isEmpty() &&
+                content.front() != u';' && content.front() != u'#')
                 return number;
         }
+    }
+    return 0;
+}
+
+int IniFile::repeatedLine(const QString& section) const {
+    int number = 0;
+    bool seen = false;
+    for (const Section& candidate : m_data->sections) {
+        if (!candidate.header.isEmpty()) {
+            ++number;
+            if (sameName(candidate.name, section) && std::exchange(seen, true))
+                return number;
+        }
+        number += static_cast<int>(candidate.lines.size());
     }
     return 0;
 }

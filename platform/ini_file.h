@@ -29,9 +29,9 @@ class IniFile {
     static constexpr qint64 kMaxSize = qint64{16} * 1024 * 1024;
 
     /// A missing file reads as empty.
-    /// @throws data::DataError(Io, Damaged) naming the file and the line, for NUL characters
-    /// (UTF-16, a binary file) and section names without "]" (their keys would go to the section
-    /// before).
+    /// @throws data::DataError naming the file: Io if it cannot be read or is no regular file,
+    /// Damaged, with the line, for NUL characters (UTF-16, a binary file) and section names without
+    /// "]" (their keys would go to the section before).
     static IniFile read(const QString& fileName);
     /// Parses a file's bytes; `fileName` is used in errors.
     static IniFile parse(const QByteArray& bytes, const QString& fileName);
@@ -67,6 +67,9 @@ class IniFile {
     /// the file: no key, comment or section name and not empty. It may be a truncated key. 0 if
     /// none.
     int malformedLine(const std::optional<QString>& section = std::nullopt) const;
+    /// Number of the line on which a section's name stands for the second time; that section is not
+    /// read. 0 if it does not.
+    int repeatedLine(const QString& section) const;
 
   private:
     struct Data;

@@ -13,6 +13,7 @@
 #include <chrono>
 
 #include "platform/ini_change.h"
+#include "platform/read_file.h"
 #include "platform/settings_text.h"
 #include "platform/text_order.h"
 #endif
@@ -65,7 +66,8 @@ void SettingsStore::save() {
     m_data->settings.sync();
     if (m_data->settings.status() != QSettings::NoError)
         throw data::DataError(data::ErrorKind::Io, m_data->settings.fileName(),
-                              QStringLiteral("the settings cannot be read or written"));
+                              QStringLiteral("the settings cannot be read or written"))
+            .inFinnish(QStringLiteral("asetuksia ei voi lukea tai kirjoittaa"));
 }
 
 #else
@@ -83,8 +85,7 @@ void makeFolder(const QString& folder) {
     if (!(QDir().mkpath(parent) &&
           QDir().mkdir(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner)) &&
         !QFileInfo(folder).isDir())
-        throw data::DataError(data::ErrorKind::Io, folder,
-                              QStringLiteral("the folder cannot be made"));
+        throw folderCannotBeMade(folder);
 }
 
 /// Section and key form the setting's path; the section "General" is no group.
@@ -123,7 +124,10 @@ std::vector<SettingsStore> SettingsStore::openAll(Use use) {
     data->file = IniFile::read(data->fileName);
     if (const int line = data->file.malformedLine(); line > 0)
         throw data::DataError(data::ErrorKind::Damaged, data->fileName,
-                              QStringLiteral("line %1 is no setting").arg(line));
+                              QStringLiteral("line %1 is no setting").arg(line))
+            .inFinnish(
+                QStringLiteral("rivi %1 ei ole asetus").arg(line),
+                QStringLiteral("Korjaa tai poista rivi; tiedostossa on yritysten luettelo."));
     std::vector<SettingsStore> stores;
     stores.push_back(SettingsStore(std::move(data)));
     return stores;

@@ -76,23 +76,34 @@ bool runDefinitions(BatchProgress& batch, const BatchPorts& ports) {
 
 }  // namespace
 
-ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports) {
+ExitStatus runBatch(const BatchSource& list, const BatchPorts& ports) {
     const bool unfinished = BatchProgress::unfinished(ports);
     if (!unfinished && isAlreadyRun(ports))
         return ExitStatus::AlreadyRun;
 
+    ports.generalLog(list.text);
+    if (list.unreadable) {
+        ports.standardError(list.text);
+        return ExitStatus::Unavailable;
+    }
+
     QStringList definitions;
     QStringList unknown;
-    for (const QString& name : list) {
+    for (const QString& name : list.names) {
         if (name.isEmpty())
             continue;
         definitions.append(name);
         if (!ports.isSaved(name))
             unknown.append(name);
     }
+    if (definitions.isEmpty())
+        ports.standardError(list.text);
     if (!unknown.isEmpty()) {
-        for (const QString& name : unknown)
-            ports.changeLog(QStringLiteral("Määrittelyä ei löydy, eräajoa ei tehdä: ") + name);
+        for (const QString& name : unknown) {
+            const QString line = QStringLiteral("Määrittelyä ei löydy, eräajoa ei tehdä: ") + name;
+            ports.changeLog(line);
+            ports.standardError(line);
+        }
         return ExitStatus::Unavailable;
     }
 

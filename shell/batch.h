@@ -15,8 +15,16 @@ namespace shell {
 enum class ExitStatus {
     Done = 0,
     Failed = 1,       ///< a definition or the batch was refused, or part of a run failed
-    Unavailable = 2,  ///< no such company, no database, or an unknown definition in the batch list
+    Unavailable = 2,  ///< no such company, no database, no window that anybody sees, a batch list
+                      ///< that cannot be read or names an unknown definition
     AlreadyRun = 3    ///< the run mark is set, and no batch is unfinished
+};
+
+/// The batch list as it was found.
+struct BatchSource {
+    company::BatchList names;
+    QString text;             ///< which file it is and what it holds, in Finnish
+    bool unreadable = false;  ///< `text` says why
 };
 
 /// What a batch needs from the program.
@@ -41,6 +49,7 @@ struct BatchPorts {
     /// Whether the system has asked the program to end.
     std::function<bool()> endRequested;
     std::function<void(const QString& line)> generalLog;
+    std::function<void(const QString& line)> standardError;
     std::function<void(const QString& line)> changeLog;
 };
 
@@ -50,9 +59,10 @@ extern const QString kAlreadyRunText;
 /// Prefix of change log lines about the program's own errors.
 extern const QString kErrorPrefix;
 
-/// Runs the definitions in list order and skips empty names. A definition that fails or cannot be
-/// read does not stop the next ones; a name that is not saved stops all before the first. A
-/// cancelled run ends the batch.
+/// Runs the definitions in list order and skips empty names. Which list it is goes to the general
+/// log, and to standard error if it holds nothing or cannot be read. A definition that fails or
+/// cannot be read does not stop the next ones; a name that is not saved stops all before the first.
+/// A cancelled run ends the batch.
 ///
 /// Where the database keeps a journal, the batch is stored there until all its definitions are
 /// finished, and the company's run lock is held to its end. An unfinished batch is continued: its
@@ -60,6 +70,6 @@ extern const QString kErrorPrefix;
 /// definition was edited meanwhile, it is refused.
 ///
 /// Other errors of the ports are passed on.
-ExitStatus runBatch(const company::BatchList& list, const BatchPorts& ports);
+ExitStatus runBatch(const BatchSource& list, const BatchPorts& ports);
 
 }  // namespace shell

@@ -82,7 +82,15 @@ void TMainForm::readNames() {
 }
 
 void TMainForm::readBatchList() {
-    showBatchList(company::readBatchList(company::AlvMuutosIniName()));
+    const QString fileName = company::batchListToRead();
+    try {
+        const company::BatchList list = company::readBatchList(fileName);
+        m_batch = {list, company::batchListText(fileName, list)};
+        showBatchList(list);
+    } catch (const data::DataError& e) {
+        m_batch = {{}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
+        throw;
+    }
     m_listRead = true;
 }
 
@@ -194,8 +202,13 @@ ExitStatus TMainForm::runWholeBatch() {
         return notRun;
     };
     ports.generalLog = company::writeGeneralLog;
+    ports.standardError = [](const QString& line) { QTextStream(stderr) << line << '\n'; };
     ports.changeLog = company::WriteAlvMuutosLog;
-    return runBatch(batchList(), ports);
+    m_batch.names = batchList();
+    const qint64 lostBefore = company::lostChangeLogLines().count;
+    const ExitStatus status = runBatch(m_batch, ports);
+    const bool lostLines = company::lostChangeLogLines().count > lostBefore;
+    return status == ExitStatus::Done && lostLines ? ExitStatus::Failed : status;
 }
 
 void TMainForm::runBatchAndLeave() {
@@ -216,9 +229,6 @@ void TMainForm::runBatchAndLeave() {
         QTextStream(stderr) << m_problems.join(QLatin1Char('\n')) << '\n';
     else if (m_exitStatus == ExitStatus::AlreadyRun)
         QTextStream(stderr) << kAlreadyRunText << '\n';
-    else if (m_exitStatus == ExitStatus::Unavailable)
-        QTextStream(stderr) << "Eräajon määrittelyä ei löydy, katso " << company::AlvMuutosLogName()
-                            << '\n';
     if (m_changeForm != nullptr)
         m_changeForm->close();
     close();
@@ -237,7 +247,7 @@ void TMainForm::TalletaClick() {
         framework::Dialogs::error(
             this, QStringLiteral("Talletettua luetteloa ei voitu lukea, joten sitä ei korvata.\n"
                                  "Korjaa tiedosto ja käynnistä ohjelma uudelleen: ") +
-                      company::AlvMuutosIniName());
+                      company::batchListToRead());
         return;
     }
     framework::reportErrors(

@@ -67,6 +67,7 @@ class TMainForm : public QWidget {
     QPushButton* m_open = nullptr;
     QPointer<vatchange::TAlvMuutosLomake> m_changeForm;
     QStringList m_problems;   ///< what alusta() could not read
+    BatchSource m_batch;      ///< the list as alusta() found it
     bool m_listRead = false;  ///< the file's batch list was shown: saving may replace it
     bool m_batchStarted = false;
     bool m_inRun = false;  ///< a batch is running a definition, or an error ended that

@@ -6,6 +6,7 @@
 #include <array>
 #include <memory>
 
+#include "company/aliases.h"
 #include "company/company.h"
 #include "company/connection_module.h"
 #include "company/logs.h"
@@ -19,6 +20,7 @@
 #include "platform/dictionary_module.h"
 #include "platform/end_request.h"
 #include "shell/build_stamp.h"
+#include "shell/display_guard.h"
 #include "shell/main_form.h"
 #include "shell/program_title.h"
 
@@ -44,7 +46,8 @@ const QString kHelp = QStringLiteral(
     "  --help, --version\n"
     "\n"
     "Eräajon paluuarvo: 0 kaikki onnistui, 1 määrittely hylättiin tai jokin epäonnistui,\n"
-    "2 yritystä, sen tietokantaa tai eräajon määrittelyä ei löydy tai valitsin on tuntematon,\n"
+    "2 yritystä, sen tietokantaa tai eräajon määrittelyä ei löydy, luetteloa ei voi lukea\n"
+    "tai valitsin on tuntematon,\n"
     "3 muutos on jo ajettu. Sama komento jatkaa keskeytynyttä eräajoa.\n");
 
 bool anyOf(const QStringList& parameters, std::initializer_list<const char*> wanted) {
@@ -85,14 +88,9 @@ QString wantedCompany() {
     return {};
 }
 
-// Nobody can answer a dialog.
-bool unattended() {
-    return platform::hasSwitch(QStringLiteral("/E")) || !framework::Dialogs::isInteractive();
-}
-
 // Shows why the program cannot start, or writes it to standard error. @return the exit status
 int refuse(ExitStatus status, const QString& text) {
-    if (unattended())
+    if (platform::hasSwitch(QStringLiteral("/E")))
         return fail(status, text);
     framework::Dialogs::error(nullptr, text);
     return static_cast<int>(status);
@@ -112,8 +110,10 @@ Choice chooseCompany() {
     framework::TYritysValinta choice;
     if (choice.OnParametrina())
         return Choice::Made;
-    if (unattended())
+    if (platform::hasSwitch(QStringLiteral("/E"))) {
+        company::aliasNames();  // throws if the list is not to be read: the company may be there
         return Choice::Impossible;
+    }
     return choice.exec() == QDialog::Accepted ? Choice::Made : Choice::Cancelled;
 }
 
@@ -152,9 +152,7 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
     }
     if (x11 || wayland)
         return true;
-    problem = QStringLiteral(
-        "Näyttöä ei ole (DISPLAY tai WAYLAND_DISPLAY). Ilman näyttöä ohjelma toimii eräajona: "
-        "taksavaihe YRITYS /E");
+    problem = QStringLiteral("Näyttöä ei ole (DISPLAY tai WAYLAND_DISPLAY). ") + kWithoutDisplay;
     return false;
 #else
     Q_UNUSED(parameters);
@@ -183,6 +181,11 @@ int runProgram(QApplication& application) {
         if (batch)
             return status;
     }
+    if (!batch && !framework::Dialogs::isInteractive())
+        return fail(ExitStatus::Unavailable,
+                    QStringLiteral("Ohjelman ikkunoita ei näkisi kukaan (näyttöalusta %1). ")
+                            .arg(QGuiApplication::platformName()) +
+                        kWithoutDisplay);
 
     auto splash = std::make_unique<framework::TZAVLogoForm>();
     splash->AsetaTiedot(kProgramTitle, kProgramVersion);
@@ -221,13 +224,7 @@ int runProgram(QApplication& application) {
     const QStringList problems = mainForm.alusta();
     if (!problems.isEmpty() && !batch) {  // a batch reports them after checking the run mark
         splash.reset();
-        const QString text = problems.join(QLatin1Char('\n'));
-        if (unattended()) {
-            for (const QString& problem : problems)
-                company::WriteAlvMuutosLog(kErrorPrefix + problem);
-            return fail(ExitStatus::Failed, text);
-        }
-        framework::Dialogs::error(&mainForm, text);
+        framework::Dialogs::error(&mainForm, problems.join(QLatin1Char('\n')));
     }
     splash.reset();
     QApplication::setQuitOnLastWindowClosed(false);  // the main window ends the program

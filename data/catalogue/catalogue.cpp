@@ -19,7 +19,8 @@ constexpr int kConstraintRow = 227;
 constexpr int kKeyNameRow = 255;
 
 [[noreturn]] void damaged(const QString& table, const QString& detail) {
-    throw DataError(ErrorKind::Damaged, table, QStringLiteral("catalogue: ") + detail);
+    throw DataError(ErrorKind::Damaged, table, QStringLiteral("catalogue: ") + detail)
+        .inFinnish(QStringLiteral("tietokannan hakemisto kuvaa taulun väärin (%1)").arg(detail));
 }
 
 // The fields of one catalogue table by name.
@@ -56,7 +57,8 @@ RecordLayout compiledLayout(const QString& tableName, int recordLength) {
     TTblResBase table;
     if (!TTblResReader::ReadResource(tableName, table))
         throw DataError(ErrorKind::NoSuchTable, tableName,
-                        QStringLiteral("neither the catalogue nor a dictionary describes it"));
+                        QStringLiteral("neither the catalogue nor a dictionary describes it"))
+            .inFinnish(QStringLiteral("sitä ei ole tietokannan hakemistossa eikä sanakirjassa"));
     return RecordLayout(tableName, table.FFields, recordLength);
 }
 

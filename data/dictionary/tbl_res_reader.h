@@ -15,8 +15,6 @@ class TTblResBase {
     std::vector<TFieldCacheItem> FFields;  ///< entry order: index = field number - 1
     bool FFieldsResFlag = false;           ///< fields were read from a dictionary
     QString FFieldsResName;                ///< name they were read under
-    QStringList FIndexNames;
-    QString FTitanTable;  ///< the table this object describes
 };
 
 /// Reads the compiled dictionary block of a table (see docs/record-format.md for its bytes).

@@ -87,7 +87,8 @@ std::optional<RecordId> TableFile::visitStored(std::optional<RecordId> after, in
         from = get(*after);
         if (!from)
             throw DataError(ErrorKind::Gone, layout().tableName(),
-                            QStringLiteral("the record was removed meanwhile"));
+                            QStringLiteral("the record was removed meanwhile"))
+                .inFinnish(QStringLiteral("toinen ohjelma poisti sen"));
     }
     const std::optional<StoredRecord> last = visit(0, from, Direction::Forward, max, see);
     return last ? std::optional(last->id) : std::nullopt;

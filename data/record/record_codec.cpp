@@ -60,9 +60,9 @@ QString shown(const Value& value) {
 
 [[noreturn]] void refuse(const TFieldCacheItem& field, const QString& table, const Value& value,
                          const QString& why) {
-    throw DataError(
-        ErrorKind::BadValue, table,
-        QStringLiteral("field %1, value \"%2\": %3").arg(field.name, shown(value), why));
+    throw DataError(ErrorKind::BadValue, table,
+                    QStringLiteral("field %1, value \"%2\": %3").arg(field.name, shown(value), why))
+        .inFinnish(QStringLiteral("kenttä %1, arvo \"%2\"").arg(field.name, shown(value)));
 }
 
 // Length of a text without padding. Zero bytes count as padding: other programs write them.

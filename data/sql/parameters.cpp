@@ -53,25 +53,4 @@ QStringList parameterNames(const QString& sql) {
     return names;
 }
 
-QStringList scriptStatements(const QString& script) {
-    QStringList statements;
-    QString words;  // the statement without comments; empty if it has nothing else
-    qsizetype start = 0;
-    for (qsizetype at = 0; at <= script.size();) {
-        if (at == script.size() || script.at(at) == QLatin1Char(';')) {
-            if (!words.trimmed().isEmpty())
-                statements.append(script.sliced(start, at - start).trimmed());
-            words.clear();
-            start = ++at;
-            continue;
-        }
-        const qsizetype end = endOfSqlPiece(script, at);
-        const QStringView piece = QStringView(script).sliced(at, end - at);
-        if (!piece.startsWith(QLatin1String("--")) && !piece.startsWith(QLatin1String("/*")))
-            words += piece;
-        at = end;
-    }
-    return statements;
-}
-
 }  // namespace data

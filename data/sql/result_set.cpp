@@ -81,7 +81,9 @@ void skipValue(const QByteArray& from, qsizetype& at) {
     const bool isFull = file.error() == QFileDevice::ResourceError;
     throw DataError(isFull ? ErrorKind::DiskFull : ErrorKind::Io, QString(),
                     QStringLiteral("%1 of a query's result in %2: %3")
-                        .arg(what, QDir::tempPath(), file.errorString()));
+                        .arg(what, QDir::tempPath(), file.errorString()))
+        .inFinnish(QStringLiteral("kyselyn tulosta ei voi säilyttää kansiossa %1 (%2)")
+                       .arg(QDir::tempPath(), file.errorString()));
 }
 
 }  // namespace

@@ -24,7 +24,6 @@ class ResultSet {
     /// Appends the current row of a statement. @throws DataError(DiskFull, Io).
     void append(const SqlStatement& statement);
     qint64 rowCount() const { return m_rows; }
-    bool isSpilled() const { return m_file != nullptr; }
 
     /// Moves to the first row. @return false if there is none.
     bool first();

@@ -225,25 +225,16 @@ QStringList TUniQuery::fieldNames() const {
 
 qint64 TUniQuery::execSql() {
     close();
+    qint64 affected = 0;
     try {
         prepareAndBind();
-        m_rowsAffected = m_statement->execute();
+        affected = m_statement->execute();
         m_statement->reset();
     } catch (...) {
         m_statement.reset();
         throw;
     }
-    return m_rowsAffected;
-}
-
-// --- the script
-
-void TUniScript::execute() {
-    for (const QString& statement : scriptStatements(m_sql.text())) {
-        TUniQuery query(m_database);
-        query.sql().add(statement);
-        query.execSql();
-    }
+    return affected;
 }
 
 }  // namespace data

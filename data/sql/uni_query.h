@@ -113,7 +113,6 @@ class TUniQuery {
 
     /// Runs a statement that returns no rows. @return the number of rows affected.
     qint64 execSql();
-    qint64 rowsAffected() const { return m_rowsAffected; }
 
   private:
     void requireOpen() const;
@@ -130,28 +129,9 @@ class TUniQuery {
     std::unique_ptr<ResultSet> m_result;
     std::vector<std::unique_ptr<TQueryField>> m_fields;
     bool m_eof = true;
-    qint64 m_rowsAffected = 0;
     bool m_debug = false;
     inline static bool s_debugOfAll = false;
 };
-
-/// A SQL script: statements separated by semicolons, run in order.
-class TUniScript {
-  public:
-    explicit TUniScript(Database* database = nullptr) : m_database(database) {}
-    void setConnection(Database* database) { m_database = database; }
-    SqlText& sql() { return m_sql; }
-    /// Runs the statements up to the first failure; the effects of those before it stay.
-    void execute();
-
-  private:
-    Database* m_database;
-    SqlText m_sql;
-};
-
-/// The non-empty statements of a script, in order. Semicolons in quoted texts, quoted names and
-/// comments do not separate.
-QStringList scriptStatements(const QString& script);
 
 /// The parameters of a statement, in order of first appearance: a colon and a name outside quoted
 /// texts, quoted names and comments.

@@ -101,11 +101,9 @@ const std::vector<KeyDef>& TtbTable::keys() const {
     return m_file->keys();
 }
 
-// The bytes that fields read: the candidate of a record filter, the edited record or the current
+// The bytes that fields read: the edited record or the current
 // one.
 const QByteArray& TtbTable::readBytes() const {
-    if (m_candidate != nullptr)
-        return m_candidate->bytes;
     if (m_state == TableState::Edit || m_state == TableState::Insert)
         return m_buffer;
     requireRecord();
@@ -117,8 +115,6 @@ const QByteArray& TtbTable::recordBytes() const {
 }
 
 RecordId TtbTable::recordId() const {
-    if (m_candidate != nullptr)
-        return m_candidate->id;
     return m_current && m_state != TableState::Insert ? m_current->id : 0;
 }
 
@@ -217,7 +213,6 @@ uchar* TField::editedRecord() {
 
 void TField::setValue(const Value& value) {
     writeValue(m_item, editedRecord(), value, m_table->tableName());
-    m_table->changed();
 }
 
 void TField::setFloat(double value) {
@@ -226,7 +221,6 @@ void TField::setFloat(double value) {
         return;
     }
     writeFloat(m_item, editedRecord(), value, m_table->tableName());
-    m_table->changed();
 }
 
 void TField::setInteger(qint64 value) {

@@ -67,7 +67,6 @@ void TtbTable::close() {
     m_state = TableState::Closed;
     m_current.reset();
     m_buffer.clear();
-    m_searchKey.clear();
     m_eof = m_bof = true;
     m_fields.clear();
     m_byName.clear();
@@ -91,8 +90,6 @@ void TtbTable::requireBrowsing() const {
     requireOpen();
     if (m_state != TableState::Browse)
         refuse(QStringLiteral("a record is being edited: post or cancel it first"));
-    if (m_candidate != nullptr)
-        refuse(QStringLiteral("a record filter may not move its table"));
 }
 
 void TtbTable::requireRecord() const {
@@ -103,7 +100,7 @@ void TtbTable::requireRecord() const {
 
 void TtbTable::requireEditing() const {
     requireOpen();
-    if (m_state == TableState::Browse || m_candidate != nullptr)
+    if (m_state == TableState::Browse)
         refuse(QStringLiteral("the record is not in edit mode"));
 }
 
@@ -139,7 +136,6 @@ void TtbTable::setIndexName(const QString& number) {
             m_view->setRange(range);
     });
     m_indexName = number.trimmed();
-    m_searchKey.clear();
 }
 
 QStringList TtbTable::indexNames() const {
@@ -219,33 +215,6 @@ bool TtbTable::findNearest(const KeyValues& values) {
     return exact;
 }
 
-void TtbTable::setKey() {
-    requireOpen();
-    m_searchKey.clear();
-}
-
-void TtbTable::setKeyField(const QString& field, const Value& value) {
-    requireOpen();
-    const QStringList names = indexFields();
-    for (int i = 0; i < names.size(); ++i) {
-        if (names[i].compare(field, Qt::CaseInsensitive) == 0) {
-            m_searchKey[i] = value;
-            return;
-        }
-    }
-    throw DataError(ErrorKind::NoSuchField, m_tableName,
-                    QStringLiteral("%1 in index %2").arg(field, m_indexName));
-}
-
-void TtbTable::gotoNearest() {
-    KeyValues values;  // a field left out before a set one counts as empty
-    for (const auto& [segment, value] : m_searchKey) {
-        values.resize(static_cast<size_t>(segment) + 1);
-        values.back() = value;
-    }
-    findNearest(values);
-}
-
 bool TtbTable::hasRange() const {
     return m_view && m_view->range().has_value();
 }
@@ -279,7 +248,6 @@ void TtbTable::place(std::optional<StoredRecord> record, bool atEof, bool atBof)
     m_current = std::move(record);
     m_eof = atEof || !m_current;
     m_bof = atBof || !m_current;
-    changed();
 }
 
 void TtbTable::first() {
@@ -292,7 +260,7 @@ void TtbTable::last() {
     place(m_view->last(), false, false);
 }
 
-// Moves the current record without a change notification. @return false at the end of the view.
+// Moves the current record. @return false at the end of the view.
 bool TtbTable::step(Direction direction) {
     if (!m_current)
         return false;
@@ -308,33 +276,11 @@ bool TtbTable::step(Direction direction) {
 void TtbTable::next() {
     requireBrowsing();
     step(Direction::Forward);
-    changed();
 }
 
 void TtbTable::prior() {
     requireBrowsing();
     step(Direction::Backward);
-    changed();
-}
-
-int TtbTable::moveBy(int count) {
-    requireBrowsing();
-    const Direction direction = count < 0 ? Direction::Backward : Direction::Forward;
-    const std::optional<StoredRecord> before = m_current;
-    const bool wasEof = m_eof;
-    const bool wasBof = m_bof;
-    int moved = 0;
-    try {
-        while (moved != count && step(direction))
-            moved += count < 0 ? -1 : 1;
-    } catch (...) {
-        m_current = before;
-        m_eof = wasEof;
-        m_bof = wasBof;
-        throw;
-    }
-    changed();
-    return moved;
 }
 
 qint64 TtbTable::recordCount() const {

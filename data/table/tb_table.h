@@ -6,7 +6,6 @@
 #include <QStringList>
 #include <chrono>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -29,7 +28,6 @@ class TField {
     const QString& fieldName() const { return m_name; }
     Kind kind() const { return m_kind; }
     int size() const { return m_size; }  ///< characters of a string, bytes otherwise
-    bool isCalculated() const { return m_calculate != nullptr; }
 
     /// 0 for an empty field; floats are truncated, texts are parsed (0 if not a number)
     qint64 asInteger() const;
@@ -55,7 +53,6 @@ class TField {
     const QString& displayFormat() const { return m_displayFormat; }
     /// Texts for true and false, separated by a semicolon ("K;E").
     void setDisplayValues(const QString& values) { m_displayValues = values; }
-    const QString& displayValues() const { return m_displayValues; }
 
   private:
     friend class TtbTable;
@@ -140,11 +137,6 @@ class TtbTable {
     /// Moves to the first record with leading key fields >= values, or to the last record with
     /// eof() if there is none. @return whether a record with exactly these values was found.
     bool findNearest(const KeyValues& values);
-    /// Search field by field: setKey() clears the search values, setKeyField() sets one field of
-    /// the current index by name, gotoNearest() moves.
-    void setKey();
-    void setKeyField(const QString& field, const Value& value);
-    void gotoNearest();
 
     /// Restricts to low <= leading key fields <= high on the current index and moves to the first
     /// record. Applies until cancelRange(), across edits and posts.
@@ -159,8 +151,6 @@ class TtbTable {
     void last();
     void next();
     void prior();
-    /// Moves by a number of records; @return the number moved (fewer at an end).
-    int moveBy(int count);
     bool eof() const { return m_eof; }
     bool bof() const { return m_bof; }
     bool isEmpty() const { return !m_current.has_value(); }
@@ -195,18 +185,13 @@ class TtbTable {
     /// Deletes the current record; the next (at the end: the previous) becomes current.
     void deleteRecord();
 
-    // --- refresh, bookmarks, controls
+    // --- refresh, bookmarks
     /// Rereads the current record; if it is gone, the nearest following one becomes current.
     void refresh();
     Bookmark bookmark() const;
     /// @return false, leaving the current record unchanged, if the record is gone or outside the
     /// view.
     bool gotoBookmark(const Bookmark& mark);
-    void disableControls() { ++m_controlsDisabled; }
-    void enableControls();
-    bool controlsDisabled() const { return m_controlsDisabled > 0; }
-    /// Called after every change of the current record or its data, unless controls are disabled.
-    void setOnChange(std::function<void()> handler) { m_onChange = std::move(handler); }
 
     // --- filter
     /// A filter expression (data/record/filter.h), in effect while filtered() is on.
@@ -215,9 +200,6 @@ class TtbTable {
     const QString& filter() const { return m_filterText; }
     void setFiltered(bool on);
     bool filtered() const { return m_filtered; }
-    /// A record filter in addition to the expression; called with the candidate as current record.
-    void setOnFilterRecord(std::function<bool(const TtbTable&)> accept);
-    bool hasFilterRecord() const { return static_cast<bool>(m_onFilterRecord); }
 
     /// The current record's bytes.
     const QByteArray& recordBytes() const;
@@ -226,7 +208,6 @@ class TtbTable {
 
   private:
     friend class TField;
-    class Candidate;
     void requireOpen() const;
     void requireBrowsing() const;
     void requireRecord() const;
@@ -237,14 +218,12 @@ class TtbTable {
     KeyValues fitted(const KeyValues& values, bool* cut = nullptr) const;
     void buildFields();
     const QByteArray& readBytes() const;
-    bool accepts(const StoredRecord& record);
     void updateAcceptance();
     void changeView(bool keep, const std::function<void(bool undo)>& change);
     void place(std::optional<StoredRecord> record, bool atEof, bool atBof);
     bool step(Direction direction);
     bool beginEdit(std::chrono::milliseconds wait);
     void releaseLock() noexcept;
-    void changed();
 
     Database* m_database = nullptr;
     QString m_databaseName = kDdfDatabase;
@@ -257,20 +236,14 @@ class TtbTable {
     QHash<QString, TField*> m_byName;  // folded name
     TableState m_state = TableState::Closed;
     std::optional<StoredRecord> m_current;
-    QByteArray m_buffer;                        // the record while editing or inserting
-    const StoredRecord* m_candidate = nullptr;  // the candidate that a record filter is testing
+    QByteArray m_buffer;  // the record while editing or inserting
     bool m_eof = true;
     bool m_bof = true;
     std::optional<RecordId> m_locked;
-    std::map<int, Value> m_searchKey;  // by segment of the current index
     std::chrono::milliseconds m_lockWait{2000};
     QString m_filterText;
     std::unique_ptr<Filter> m_filter;
     bool m_filtered = false;
-    std::function<bool(const TtbTable&)> m_onFilterRecord;
-    int m_controlsDisabled = 0;
-    bool m_changePending = false;
-    std::function<void()> m_onChange;
 };
 
 }  // namespace data

@@ -13,8 +13,6 @@ namespace data {
 // Locks the current record and rereads it. @return false if another program holds it.
 bool TtbTable::beginEdit(std::chrono::milliseconds wait) {
     requireRecord();
-    if (m_candidate != nullptr)
-        requireBrowsing();
     if (m_state != TableState::Browse)
         return true;
     if (!m_file->lock(m_current->id, wait))
@@ -31,7 +29,6 @@ bool TtbTable::beginEdit(std::chrono::milliseconds wait) {
         throw;
     }
     m_state = TableState::Edit;
-    changed();
     return true;
 }
 
@@ -54,7 +51,6 @@ void TtbTable::insert() {
         clearField(field, reinterpret_cast<uchar*>(empty.data()));
     m_buffer = std::move(empty);
     m_state = TableState::Insert;
-    changed();
 }
 
 void TtbTable::post() {
@@ -72,7 +68,6 @@ void TtbTable::post() {
     }
     releaseLock();
     m_state = TableState::Browse;
-    changed();
 }
 
 void TtbTable::cancel() {
@@ -81,7 +76,6 @@ void TtbTable::cancel() {
         return;
     releaseLock();
     m_state = TableState::Browse;
-    changed();
 }
 
 void TtbTable::insertRecord(const std::vector<Value>& values) {
@@ -103,7 +97,7 @@ void TtbTable::insertRecord(const std::vector<Value>& values) {
 
 void TtbTable::deleteRecord() {
     requireRecord();
-    if (m_state == TableState::Insert || m_candidate != nullptr)
+    if (m_state == TableState::Insert)
         requireBrowsing();
     const bool wasEditing = m_state == TableState::Edit;
     if (!wasEditing) {

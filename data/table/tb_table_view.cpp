@@ -8,22 +8,6 @@
 
 namespace data {
 
-// Makes a candidate the current record while a record filter tests it.
-class TtbTable::Candidate {
-  public:
-    Candidate(TtbTable& table, const StoredRecord& record)
-        : m_table(table), m_before(table.m_candidate) {
-        m_table.m_candidate = &record;
-    }
-    ~Candidate() { m_table.m_candidate = m_before; }
-    Candidate(const Candidate&) = delete;
-    Candidate& operator=(const Candidate&) = delete;
-
-  private:
-    TtbTable& m_table;
-    const StoredRecord* m_before;
-};
-
 // Changes what the view shows and repositions on the current record if it is still shown (with
 // `keep` always), else on the following one, else on the previous. `change(true)` undoes the
 // change.
@@ -45,18 +29,10 @@ void TtbTable::changeView(bool keep, const std::function<void(bool)>& change) {
     }
 }
 
-bool TtbTable::accepts(const StoredRecord& record) {
-    if (m_filter && !m_filter->accepts(record.bytes))
-        return false;
-    if (!m_onFilterRecord)
-        return true;
-    const Candidate candidate(*this, record);
-    return m_onFilterRecord(*this);
-}
-
 void TtbTable::updateAcceptance() {
-    if (m_filtered && (m_filter || m_onFilterRecord))
-        m_view->setAccept([this](const StoredRecord& record) { return accepts(record); });
+    if (m_filtered && m_filter)
+        m_view->setAccept(
+            [this](const StoredRecord& record) { return m_filter->accepts(record.bytes); });
     else
         m_view->setAccept({});
 }
@@ -87,19 +63,6 @@ void TtbTable::setFiltered(bool on) {
     bool other = on;
     changeView(false, [&](bool) {
         std::swap(m_filtered, other);
-        updateAcceptance();
-    });
-}
-
-void TtbTable::setOnFilterRecord(std::function<bool(const TtbTable&)> accept) {
-    if (!isOpen()) {
-        m_onFilterRecord = std::move(accept);
-        return;
-    }
-    if (m_filtered)
-        requireBrowsing();
-    changeView(false, [&](bool) {
-        std::swap(m_onFilterRecord, accept);
         updateAcceptance();
     });
 }
@@ -137,17 +100,6 @@ bool TtbTable::gotoBookmark(const Bookmark& mark) {
         return false;
     place(std::move(found), false, false);
     return true;
-}
-
-void TtbTable::enableControls() {
-    if (m_controlsDisabled > 0 && --m_controlsDisabled == 0 && m_changePending)
-        changed();
-}
-
-void TtbTable::changed() {
-    m_changePending = m_controlsDisabled > 0;
-    if (!m_changePending && m_onChange)
-        m_onChange();
 }
 
 }  // namespace data

@@ -1,6 +1,7 @@
 #include <QFile>
-#include <QTemporaryDir>
+#include <QFileInfo>
 
+#include "data/lock/work_folder.h"
 #include "engines/embedded/company_file.h"
 #include "engines/embedded/connection.h"
 #include "engines/embedded/embedded_database.h"
@@ -57,9 +58,7 @@ void backupEmbedded(const QString& folder, const QString& targetFile,
     if (QFile::exists(targetFile))
         throw DataError(ErrorKind::Io, targetFile, QStringLiteral("the file exists already"));
     // In a temporary folder next to the target: no other file can be in the way.
-    const QTemporaryDir workFolder(targetFile + QStringLiteral(".XXXXXX"));
-    if (!workFolder.isValid())
-        throw DataError(ErrorKind::Io, targetFile, workFolder.errorString());
+    const WorkFolder workFolder(QFileInfo(targetFile).absolutePath());
     const QString unfinished = companyFile(workFolder.path());
     if (copyPages(companyFile(folder), unfinished, progress) &&
         !QFile::rename(unfinished, targetFile))

@@ -28,7 +28,8 @@ void showRows(sqlite3* db, const RecordLayout& table,
     } catch (const DataError& error) {
         if (error.kind() != ErrorKind::NoSuchTable && error.kind() != ErrorKind::NoSuchField)
             throw;
-        throw DataError(ErrorKind::Damaged, name, QStringLiteral("the catalogue table is missing"));
+        throw DataError(ErrorKind::Damaged, name, QStringLiteral("the catalogue table is missing"))
+            .inFinnish(QStringLiteral("tietokannan hakemiston taulu puuttuu"));
     }
 }
 

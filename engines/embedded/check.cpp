@@ -3,10 +3,12 @@
 #include <utility>
 
 #include "data/dictionary/tbl_res_reader.h"
-#include "data/record/record_codec.h"
+#include "data/record/field_check.h"
 #include "engines/embedded/company_file.h"
 #include "engines/embedded/connection.h"
 #include "engines/embedded/embedded_database.h"
+#include "engines/embedded/key_check.h"
+#include "engines/embedded/schema.h"
 #include "engines/embedded/stored_table.h"
 
 namespace engines {
@@ -20,7 +22,7 @@ constexpr int kMaxLinesPerTable = 100;
 
 class Checker {
   public:
-    explicit Checker(const QString& file) : m_connection(file) {}
+    explicit Checker(const QString& file) : m_connection(file, Connection::Schema::Any) {}
 
     QStringList run() {
         try {
@@ -28,6 +30,8 @@ class Checker {
         } catch (const DataError& error) {  // too damaged to list the tables; continue
             m_lines.append(QStringLiteral("database file: %1").arg(error.english()));
         }
+        for (const QString& line : foreignObjects(m_connection.db()))
+            m_lines.append(QStringLiteral("database file: %1").arg(line));
         const QStringList listed = m_connection.catalogue().tableNames();
         QSet<QString> stored = storedTables(m_connection.db());
         for (const QString& name : listed) {
@@ -47,8 +51,19 @@ class Checker {
     }
 
   private:
+    // The indexes of the keys are compared with the records below, all of them and not up to a
+    // number of errors in the whole file; those of the engine's own tables here.
     void checkPages() {
-        Statement check(m_connection.db(), "PRAGMA integrity_check");
+        runCheck("PRAGMA quick_check");
+        Statement internal(m_connection.db(),
+                           "SELECT name FROM sqlite_master WHERE type = 'table' AND name LIKE "
+                           "'zdb#_%' ESCAPE '#'");
+        while (internal.step())
+            runCheck("PRAGMA integrity_check(" + quotedName(internal.text(0)) + ')');
+    }
+
+    void runCheck(const QByteArray& pragma) {
+        Statement check(m_connection.db(), pragma);
         while (check.step()) {
             if (check.text(0) != QLatin1String("ok"))
                 m_lines.append(QStringLiteral("database file: %1").arg(check.text(0)));
@@ -61,7 +76,7 @@ class Checker {
             compareWithDictionary(table);
             m_linesOfTable = 0;
             for (const KeyDef& key : table.keys())
-                checkUnique(table, key);
+                checkKeyIndex(table, key, [this](const QString& line) { report(line); });
             checkRecords(table);
             if (m_linesOfTable > kMaxLinesPerTable)
                 m_lines.append(QStringLiteral("%1: %2 more")
@@ -104,20 +119,6 @@ class Checker {
         }
     }
 
-    void checkUnique(const StoredTable& table, const KeyDef& key) {
-        if (!key.unique)
-            return;
-        const QByteArray column = 'k' + QByteArray::number(key.number);
-        Statement doubles(m_connection.db(), "SELECT count(*) FROM (SELECT 1 FROM " +
-                                                 quotedName(storedName(table.name())) +
-                                                 " GROUP BY " + column + " HAVING count(*) > 1)");
-        if (doubles.step() && doubles.integer(0) > 0)
-            report(QStringLiteral("%1: %2 values of key %3 are there more than once")
-                       .arg(table.name())
-                       .arg(doubles.integer(0))
-                       .arg(key.number));
-    }
-
     void checkRecords(const StoredTable& table) {
         QByteArray columns = "id, data";
         for (const KeyDef& key : table.keys())
@@ -151,36 +152,12 @@ class Checker {
     void checkFields(const StoredTable& table, RecordId id, const QByteArray& record) {
         const auto* bytes = reinterpret_cast<const uchar*>(record.constData());
         for (const TFieldCacheItem& field : table.layout().fields()) {
-            const char* problem = fieldProblem(field, bytes);
-            if (problem != nullptr)
+            const QString problem = fieldProblem(field, bytes);
+            if (!problem.isEmpty())
                 report(QStringLiteral("%1: record %2 (%3), field %4: %5")
                            .arg(table.name())
                            .arg(id)
-                           .arg(table.describe(record), field.name, QLatin1String(problem)));
-        }
-    }
-
-    static const char* fieldProblem(const TFieldCacheItem& field, const uchar* record) {
-        const uchar* at = record + field.offset;
-        const uchar* end = at + field.storedLength;
-        const auto isZero = [](uchar byte) { return byte == 0; };
-        switch (field.storage) {
-            case Storage::LString:
-                return *at > field.storedLength - 1 ? "text length beyond the field" : nullptr;
-            case Storage::ZString:
-            case Storage::Note:
-                return std::find(at, end, 0) == end ? "text without its end" : nullptr;
-            case Storage::LVar:
-                return at[0] + 256 * at[1] > field.storedLength - 2 ? "length beyond the field"
-                                                                    : nullptr;
-            case Storage::Date:
-                return !readDate(field, record).isValid() && !std::all_of(at, end, isZero)
-                           ? "no calendar date"
-                           : nullptr;
-            case Storage::Time:
-                return !readTime(field, record).isValid() ? "no time of day" : nullptr;
-            default:
-                return nullptr;
+                           .arg(table.describe(record), field.name, problem));
         }
     }
 

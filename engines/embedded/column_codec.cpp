@@ -116,7 +116,8 @@ Value valueOf(const QString& tableName, const TFieldCacheItem& field, sqlite3_va
                                   sqlite3_value_bytes(value));
             throw DataError(
                 ErrorKind::BadValue, tableName,
-                QStringLiteral("field %1: binary bytes are no value of it").arg(field.name));
+                QStringLiteral("field %1: binary bytes are no value of it").arg(field.name))
+                .inFinnish(QStringLiteral("kenttä %1: tavujono ei ole sen arvo").arg(field.name));
         default:
             return {};
     }

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "data/lock/link_count.h"
 #include "engines/embedded/functions.h"
+#include "engines/embedded/schema.h"
 #include "engines/embedded/sql_text.h"
 #include "engines/embedded/stored_table.h"
 #include "engines/embedded/virtual_table.h"
@@ -24,6 +26,23 @@ qint64 pragma(sqlite3* db, const QByteArray& name, const QString& fileName) {
     return statement.integer(0);
 }
 
+// Programs that reach one file by different names have different lock files and write-ahead logs.
+void requireOneName(const QString& fileName) {
+    const std::uint64_t names = linkCount(fileName);
+    if (names <= 1)
+        return;
+    throw DataError(ErrorKind::Engine, fileName,
+                    QStringLiteral("the file has %1 names (hard links), and programs that use "
+                                   "different ones would damage it; remove the other names, or "
+                                   "replace them by symbolic links")
+                        .arg(names))
+        .inFinnish(
+            QStringLiteral("tiedostolla on %1 nimeä (kovia linkkejä), ja eri nimiä käyttävät "
+                           "ohjelmat vioittaisivat sen")
+                .arg(names),
+            QStringLiteral("Poista muut nimet tai korvaa ne symbolisilla linkeillä."));
+}
+
 bool isInternalName(const char* name) {
     return name != nullptr &&
            (sqlite3_strnicmp(name, "rec_", 4) == 0 || sqlite3_strnicmp(name, "sqlite_", 7) == 0 ||
@@ -39,13 +58,16 @@ Connection::InternalUse::~InternalUse() {
     m_connection.m_checksNames = m_previous;
 }
 
-Connection::Connection(const QString& fileName) : m_fileName(fileName) {
+Connection::Connection(const QString& fileName, Schema schema) : m_fileName(fileName) {
     if (!QFileInfo::exists(fileName))
         throw DataError(ErrorKind::NoConnection, fileName, QStringLiteral("no such file"))
             .inFinnish(QStringLiteral("tiedostoa ei ole"));
+    requireOneName(fileName);
     m_handle = SqliteHandle(fileName, SqliteHandle::Mode::ReadWrite);
     m_db = m_handle.get();
     checkFile();
+    if (schema == Schema::Own)
+        requireOwnSchema(m_db, m_fileName);
     m_locks = std::make_unique<RecordLocks>(lockFileName(fileName));
     m_journal = std::make_unique<journal::JournalStore>(
         m_db, m_fileName, "PRAGMA user_version = " + QByteArray::number(kFormatVersion),
@@ -55,7 +77,9 @@ Connection::Connection(const QString& fileName) : m_fileName(fileName) {
 
 Connection::Connection(sqlite3* host)
     : m_fileName(QString::fromUtf8(sqlite3_db_filename(host, "main"))), m_db(host) {
+    requireOneName(m_fileName);
     checkFile();
+    requireOwnSchema(m_db, m_fileName);
     m_locks = std::make_unique<RecordLocks>(lockFileName(m_fileName));
     m_journal = std::make_unique<journal::JournalStore>(m_db, m_fileName, QByteArray(),
                                                         [] { return false; });
@@ -105,15 +129,18 @@ void Connection::checkFile() {
 
 void Connection::configure() {
     sqlite3* db = m_db;
-    // Bounds the process's memory: 32 MB of page cache, the rest of the file is mapped.
+    // 32 MB of page cache. The file is not mapped into memory: reading a mapped file that was
+    // truncated or lost ends the process with a signal instead of an error.
     execute(db,
             "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;"
             "PRAGMA wal_autocheckpoint = 4000; PRAGMA journal_size_limit = 67108864;"
-            "PRAGMA cache_size = -32000; PRAGMA mmap_size = 2147418112;"
+            "PRAGMA cache_size = -32000; PRAGMA mmap_size = 0;"
             "PRAGMA secure_delete = OFF;",
             m_fileName);
-    // The schema of a foreign file may contain triggers and views: it may use no functions or
-    // virtual tables.
+    // The schema has been checked, but another program may change it at any time: no triggers, no
+    // views, and no functions or virtual tables for what else it may contain.
+    sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    sqlite3_db_config(db, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(db, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
@@ -235,7 +262,8 @@ void Connection::runTransaction(const std::function<void()>& body) {
         // The body may have caught an error that rolled the transaction back.
         if (sqlite3_get_autocommit(db()) != 0)
             throw DataError(ErrorKind::Io, m_fileName,
-                            QStringLiteral("the database undid the transaction"));
+                            QStringLiteral("the database undid the transaction"))
+                .inFinnish(QStringLiteral("tietokanta perui muutoksen"));
         execute(db(), "COMMIT", m_fileName);
     } catch (...) {
         if (sqlite3_get_autocommit(db()) == 0)
@@ -341,7 +369,8 @@ void Connection::throwHeld(const StoredTable& table, const QByteArray& record) c
 
 void Connection::throwLocked(const RecordIsHeld& held) const {
     throw DataError(ErrorKind::Locked, held.table,
-                    QStringLiteral("another program holds the record %1").arg(held.record));
+                    QStringLiteral("another program holds the record %1").arg(held.record))
+        .inFinnish(QStringLiteral("tietue ") + held.record);
 }
 
 void Connection::countSqlTables(int more) {

@@ -33,10 +33,14 @@ inline constexpr int kFormatVersion = 2;
 /// record locks and the cache of SQL statements. SQL uses it through the virtual table module.
 class Connection {
   public:
+    enum class Schema {
+        Own,  ///< a file with foreign schema objects is refused
+        Any   ///< for reporting what is wrong with a file
+    };
     /// Opens the database file and registers functions, collations and the virtual table module.
-    /// @throws DataError: NoConnection, ReadOnly, Damaged (not a company database), Engine (newer
-    /// format).
-    explicit Connection(const QString& fileName);
+    /// @throws DataError: NoConnection, ReadOnly, Damaged (not a company database, or one with
+    /// foreign schema objects), Engine (newer format; a file with several hard links).
+    explicit Connection(const QString& fileName, Schema schema = Schema::Own);
     /// Registers the same on a connection that a host program has opened. Statements there run
     /// outside of write(), so a record locked by another program fails them immediately.
     /// @throws DataError as above.

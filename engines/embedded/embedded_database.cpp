@@ -1,10 +1,11 @@
 #include "engines/embedded/embedded_database.h"
 
 #include <QDir>
-#include <QFile>
 #include <QSet>
 #include <algorithm>
+#include <filesystem>
 
+#include "data/system_path.h"
 #include "engines/embedded/company_file.h"
 #include "engines/embedded/connection.h"
 #include "engines/embedded/sql_statement.h"
@@ -26,7 +27,8 @@ class EmbeddedDatabase : public Database {
                 throw DataError(
                     ErrorKind::Damaged, table,
                     QStringLiteral("the catalogue lists the table, but it is not stored"))
-                    .inFinnish(QStringLiteral("taulu on luettelossa, mutta sitä ei ole"));
+                    .inFinnish(
+                        QStringLiteral("taulu on hakemistossa, mutta sitä ei ole tiedostossa"));
         }
     }
 
@@ -84,7 +86,19 @@ QString embeddedLibraryVersion() {
 }
 
 bool hasEmbeddedDatabase(const QString& folder) {
-    return QFile::exists(embedded::companyFile(folder));
+    // A link to a file that is not there counts: opening it says so.
+    const QString file = embedded::companyFile(folder);
+    std::error_code problem;
+    const std::filesystem::file_status found = std::filesystem::symlink_status(
+        std::filesystem::path(systemPath(file).toStdU16String()), problem);
+    if (found.type() != std::filesystem::file_type::none)
+        return std::filesystem::exists(found);
+    throw DataError(ErrorKind::NoConnection, folder,
+                    QStringLiteral("the folder cannot be read: %1")
+                        .arg(QString::fromStdString(problem.message())),
+                    problem.value())
+        .inFinnish(QStringLiteral("kansiota ei voi lukea"),
+                   QStringLiteral("Tarkista kansion käyttöoikeudet ja verkkoyhteys."));
 }
 
 std::unique_ptr<Database> openEmbedded(const QString& companyName, const QString& folder) {

@@ -14,7 +14,8 @@ namespace engines {
 /// File name of the database in an embedded company's folder.
 inline const QString kEmbeddedFileName = QStringLiteral("YRITYS.ZDB");
 
-/// True when the folder holds an embedded company.
+/// True when the folder holds an embedded company. False also for a folder that is not there.
+/// @throws DataError(NoConnection) when the folder cannot be read.
 bool hasEmbeddedDatabase(const QString& folder);
 
 /// Opens the embedded database of a folder. @throws DataError: NoConnection (no such file), Damaged

@@ -45,7 +45,6 @@ class RecordLocks {
     /// Releases the statement's locks that edit() does not hold.
     void endStatement();
 
-    const std::optional<RecordAddress>& conflict() const { return m_conflict; }
     /// Waits until the record of the last conflict is free.
     /// @return false if the time is over.
     bool waitForConflict(std::chrono::steady_clock::time_point end);

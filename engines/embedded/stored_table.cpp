@@ -82,15 +82,19 @@ void StoredTable::checkStored() const {
             throw DataError(ErrorKind::Damaged, name(),
                             QStringLiteral("the catalogue has %1 keys, the stored table %2")
                                 .arg(keys().size())
-                                .arg(sqlite3_column_count(columns.get()) - 2));
+                                .arg(sqlite3_column_count(columns.get()) - 2))
+                .inFinnish(
+                    QStringLiteral("taululla on hakemistossa ja tiedostossa eri määrä avaimia"));
     } catch (const DataError& error) {
         if (error.kind() != ErrorKind::NoSuchTable)
             throw;
         if (number() == 0)  // nor in the catalogue
             throw DataError(ErrorKind::NoSuchTable, name(),
-                            QStringLiteral("the company has no such table"));
+                            QStringLiteral("the company has no such table"))
+                .inFinnish(QStringLiteral("yrityksellä ei ole sitä"));
         throw DataError(ErrorKind::Damaged, name(),
-                        QStringLiteral("the catalogue lists the table, but it is not stored"));
+                        QStringLiteral("the catalogue lists the table, but it is not stored"))
+            .inFinnish(QStringLiteral("taulu on hakemistossa, mutta sitä ei ole tiedostossa"));
     }
 }
 
@@ -168,7 +172,10 @@ QByteArrayView StoredTable::checked(QByteArrayView record) const {
         throw DataError(ErrorKind::Damaged, name(),
                         QStringLiteral("a record has %1 bytes instead of %2")
                             .arg(record.size())
-                            .arg(layout().recordLength()));
+                            .arg(layout().recordLength()))
+            .inFinnish(QStringLiteral("tietueessa on %1 tavua eikä %2")
+                           .arg(record.size())
+                           .arg(layout().recordLength()));
     return record;
 }
 
@@ -357,21 +364,31 @@ void StoredTable::throwDuplicate(const DataError& error, const QByteArray& recor
     throw DataError(
         ErrorKind::DuplicateKey, name(),
         QStringLiteral("key %1 has %2 already").arg(key).arg(parts.join(QStringLiteral(", "))),
-        error.nativeCode());
+        error.nativeCode())
+        .inFinnish(
+            QStringLiteral("avaimessa %1 on jo %2").arg(key).arg(parts.join(QStringLiteral(", "))));
+}
+
+QString keyIndexName(const QString& stored, int key) {
+    return stored + u'_' + QString::fromLatin1(keyColumn(key));
+}
+
+QByteArray keyIndexSql(const QString& stored, int key, bool unique) {
+    return (unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
+           quotedName(keyIndexName(stored, key)) + " ON " + quotedName(stored) + "(" +
+           keyColumn(key) + ")";
 }
 
 std::vector<QByteArray> creationSql(const TableDescription& table) {
-    const QByteArray stored = quotedName(storedName(table.name));
+    const QString stored = storedName(table.name);
     QByteArray columns = "id INTEGER PRIMARY KEY";
     for (const KeyDef& key : table.keys)
         columns += ", " + keyColumn(key.number) + " BLOB NOT NULL";
     std::vector<QByteArray> statements;
-    statements.push_back("CREATE TABLE " + stored + "(" + columns + ", data BLOB NOT NULL)");
+    statements.push_back("CREATE TABLE " + quotedName(stored) + "(" + columns +
+                         ", data BLOB NOT NULL)");
     for (const KeyDef& key : table.keys)
-        statements.push_back((key.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
-                             quotedName(storedName(table.name) + QStringLiteral("_") +
-                                        QString::fromLatin1(keyColumn(key.number))) +
-                             " ON " + stored + "(" + keyColumn(key.number) + ")");
+        statements.push_back(keyIndexSql(stored, key.number, key.unique));
     return statements;
 }
 

@@ -126,6 +126,10 @@ class StoredTable {
 /// SQL that creates a table of a new company, with its indexes.
 std::vector<QByteArray> creationSql(const TableDescription& table);
 
+/// Name of a key's index and the SQL that creates it; `stored` as storedName() returns it.
+QString keyIndexName(const QString& stored, int key);
+QByteArray keyIndexSql(const QString& stored, int key, bool unique);
+
 /// Table of next ids, for tables whose last record was deleted: ids are not reused.
 inline constexpr char kIdsTable[] = "zdb_ids";
 

@@ -299,7 +299,8 @@ QByteArray EmbeddedTableFile::stored(RecordId id) {
     std::optional<QByteArray> record = m_table.read(id);
     if (!record)
         throw DataError(ErrorKind::Gone, m_table.name(),
-                        QStringLiteral("the record was removed meanwhile"));
+                        QStringLiteral("the record was removed meanwhile"))
+            .inFinnish(QStringLiteral("toinen ohjelma poisti sen"));
     return std::move(*record);
 }
 
@@ -313,7 +314,10 @@ void EmbeddedTableFile::update(RecordId id, const QByteArray& bytes) {
             throw DataError(ErrorKind::Engine, m_table.name(),
                             QStringLiteral("this program itself changed the record while it was "
                                            "being edited: %1")
-                                .arg(m_table.describe(before)));
+                                .arg(m_table.describe(before)))
+                .inFinnish(QStringLiteral("tämä ohjelma itse muutti tietuetta sen ollessa "
+                                          "muokattavana: ") +
+                           m_table.describe(before));
         m_table.update(id, before, bytes);
     });
     if (locked != m_locked.end())

@@ -375,7 +375,8 @@ int writeRow(sqlite3_vtab* handle, int count, sqlite3_value** values, sqlite3_in
         const std::optional<QByteArray> before = table.read(id);
         if (!before)
             throw DataError(ErrorKind::Gone, table.name(),
-                            QStringLiteral("the record was removed meanwhile"));
+                            QStringLiteral("the record was removed meanwhile"))
+                .inFinnish(QStringLiteral("toinen ohjelma poisti sen"));
         if (count == 1) {
             table.remove(id, *before);
             return SQLITE_OK;

@@ -228,7 +228,8 @@ std::optional<RecordId> ShopsTableFile::visitStored(std::optional<RecordId> afte
             more = step(kStepNext);
         if (!more)
             throw DataError(ErrorKind::Gone, m_layout.tableName(),
-                            QStringLiteral("the record was removed meanwhile"));
+                            QStringLiteral("the record was removed meanwhile"))
+                .inFinnish(QStringLiteral("toinen ohjelma poisti sen"));
     }
     std::optional<RecordId> last;
     for (int shown = 0; shown < max; ++shown) {

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <cstring>
 #include <new>
+#include <system_error>
 #include <utility>
 
 #include "data/system_path.h"
@@ -65,6 +66,16 @@ DataError inFinnish(const DataError& error, int code) {
     }
 }
 
+/// The system's code of the last failure of reading or writing; 0: not known. After undoing what
+/// failed only the file may still know it.
+int systemError(sqlite3* db) {
+    int cause = sqlite3_system_errno(db);
+    if (cause == 0 &&
+        sqlite3_file_control(db, "main", SQLITE_FCNTL_LAST_ERRNO, &cause) != SQLITE_OK)
+        return 0;
+    return cause;
+}
+
 }  // namespace
 
 ErrorKind errorKind(int code, const char* message) {
@@ -105,9 +116,17 @@ void throwSqlite(sqlite3* db, int code, const QString& table) {
     const int extended = db != nullptr && (sqlite3_extended_errcode(db) & 0xFF) == (code & 0xFF)
                              ? sqlite3_extended_errcode(db)
                              : code;
-    throw inFinnish(
-        DataError(errorKind(extended, message), table, QString::fromUtf8(message), extended),
-        extended);
+    const std::error_code cause((extended & 0xFF) == SQLITE_IOERR ? systemError(db) : 0,
+                                std::system_category());
+    QString detail = QString::fromUtf8(message);
+    if (cause)
+        detail += QStringLiteral(": ") + QString::fromStdString(cause.message());
+    const DataError error(errorKind(extended, message), table, detail, extended);
+    if (cause == std::errc::file_too_large)
+        throw error.inFinnish(
+            QStringLiteral("tiedosto ei saa kasvaa järjestelmän sallimaa kokoa suuremmaksi"),
+            QStringLiteral("Suurenna tiedostokoon rajaa ja yritä uudelleen."));
+    throw inFinnish(error, extended);
 }
 
 SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {

@@ -10,6 +10,7 @@
 #include "company/company.h"
 #include "data/error.h"
 #include "platform/ini_change.h"
+#include "platform/read_file.h"
 #include "platform/text_order.h"
 
 namespace framework {
@@ -42,8 +43,7 @@ void removeMalformedLines(platform::IniFile& ini, const QString& name) {
 void makeFolder(const QString& fileName) {
     const QString folder = QFileInfo(fileName).absolutePath();
     if (!QFileInfo(folder).isDir() && !QDir().mkdir(folder))
-        throw data::DataError(data::ErrorKind::Io, folder,
-                              QStringLiteral("the folder cannot be made"));
+        throw platform::folderCannotBeMade(folder);
 }
 
 }  // namespace
@@ -100,6 +100,7 @@ std::optional<SavedDefinition> DefinitionStore::load(const QString& formName,
                        QStringLiteral("Korjaa rivi tai talleta määrittely uudelleen."));
     SavedDefinition definition;
     definition.name = *found;
+    definition.repeatedLine = file.repeatedLine(*found);
     for (const QString& key : file.keys(definition.name)) {
         const QString value = file.value(definition.name, key).value_or(QString());
         if (key.compare(kDescription, Qt::CaseInsensitive) == 0)

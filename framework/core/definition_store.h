@@ -28,7 +28,8 @@ class DefinitionStore {
 
     QStringList GetValues(const QString& formName) const;  ///< names, sorted
     bool has(const QString& formName, const QString& name) const;
-    /// Returns nothing if there is no such definition. A malformed line in it is an error: a
+    /// Returns nothing if there is no such definition. Of two whose names differ only in case the
+    /// first one counts. A malformed line in it is an error: a
     /// damaged definition must not run with defaults for lost values.
     std::optional<SavedDefinition> load(const QString& formName, const QString& name) const;
     /// Replaces the values of a definition, or appends a new one. Keys in the file that

@@ -11,6 +11,7 @@ struct SavedDefinition {
     QString name;
     QString description;            ///< key "Selite"
     QMap<QString, QString> values;  ///< control name -> value; look up through value()
+    int repeatedLine = 0;  ///< line of the file on which its name stands again, unread; 0 if none
 
     /// The value of a control; its name ignores case.
     std::optional<QString> value(const QString& control) const {

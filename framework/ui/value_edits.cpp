@@ -19,10 +19,6 @@
 
 namespace framework {
 
-namespace {
-constexpr int kMaxDecimals = 14;
-}  // namespace
-
 void ExitEdit::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
     switch (event->reason()) {
@@ -85,23 +81,16 @@ DecimalEdit::DecimalEdit(int decimals, QWidget* parent)
 void DecimalEdit::showValue(double value) {
     QLocale locale;
     locale.setNumberOptions(QLocale::OmitGroupSeparator);
-    const bool fits = QString::number(value, 'f', m_decimals).toDouble() == value;
-    const int decimals = fits ? m_decimals : kMaxDecimals;
-    QString text = locale.toString(value, 'f', decimals);
-    const QString point = locale.decimalPoint();
-    if (text.contains(point)) {
-        while (text.endsWith(locale.zeroDigit()))
-            text.chop(1);
-        if (text.endsWith(point))
-            text.chop(point.size());
-    }
-    limitDecimals(decimals);
+    const QString text = locale.toString(value, 'f', QLocale::FloatingPointShortest);
+    const auto decimals = text.section(locale.decimalPoint(), 1).size();
+    limitDecimals(qMax(m_decimals, static_cast<int>(decimals)));
     setText(text);
 }
 
 void DecimalEdit::limitDecimals(int decimals) {
     m_typed->setRegularExpression(
-        QRegularExpression(QStringLiteral("[0-9]{0,12}([.,][0-9]{0,%1})?").arg(decimals)));
+        // with the blanks and line end that a number copied from another window brings
+        QRegularExpression(QStringLiteral("\\s*[0-9]{0,12}([.,][0-9]{0,%1})?\\s*").arg(decimals)));
 }
 
 void DecimalEdit::setValue(double value) {
@@ -131,16 +120,20 @@ void DecimalEdit::commit() {
 
 namespace {
 
+bool isDigit(const QKeyEvent& event) {
+    return event.key() >= Qt::Key_0 && event.key() <= Qt::Key_9;
+}
+
 int altDigit(const QKeyEvent& event) {
     const bool onlyAlt = (event.modifiers() & ~Qt::KeypadModifier) == Qt::AltModifier;
-    return onlyAlt && event.key() >= Qt::Key_0 && event.key() <= Qt::Key_9 ? event.key() - Qt::Key_0
-                                                                           : -1;
+    return onlyAlt && isDigit(event) ? event.key() - Qt::Key_0 : -1;
 }
 
 }  // namespace
 
 void DecimalEdit::keyPressEvent(QKeyEvent* event) {
-    if (altDigit(*event) >= 0) {
+    const auto modifiers = event->modifiers();
+    if (isDigit(*event) && (modifiers & Qt::AltModifier) && !(modifiers & Qt::ControlModifier)) {
         event->accept();  // else the digit would be typed into the text
         return;
     }

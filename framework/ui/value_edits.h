@@ -56,8 +56,8 @@ class NumberEdit : public ExitEdit {
 };
 
 /// A decimal number that keeps the exact double behind the text: a set value reads back to the last
-/// bit. Typing is limited to `decimals`; a set value shows up to 14. Accepts decimal comma and
-/// point, shows the user's locale. Alt and a digit, released without another modifier, is a
+/// bit, and is shown with all its decimals. Typing is limited to `decimals`. Accepts decimal comma
+/// and point, shows the user's locale. Alt and a digit, released without another modifier, is a
 /// shortcut.
 class DecimalEdit : public ExitEdit {
     Q_OBJECT

@@ -10,6 +10,10 @@
 #include "data/windows1252.h"
 #include "tests/support/company_folder.h"
 
+#ifndef Q_OS_WIN
+#include <sys/stat.h>
+#endif
+
 using namespace company;
 using test::str;
 
@@ -59,18 +63,42 @@ TEST_F(LogsTest, GeneralLogIsWindows1252) {
 TEST_F(LogsTest, AFailureIsReportedOnceAndStopsNothing) {
     const QString blocked = m_company.file(str("ALVMUUTOS.LOG"));
     ASSERT_TRUE(QDir().mkpath(blocked));
+    const qint64 lost = lostChangeLogLines().count;
     for (int i = 0; i < 3; ++i)
         WriteAlvMuutosLog(str("x"));
     ASSERT_EQ(m_errors.size(), 1);
     EXPECT_TRUE(m_errors.front().contains(blocked));
     ASSERT_TRUE(QDir().rmdir(blocked));
     WriteAlvMuutosLog(str("x"));
+    EXPECT_EQ(lostChangeLogLines().count, lost + 3);
+    EXPECT_EQ(lostChangeLogLines().problem, m_errors.front());
     ASSERT_TRUE(QFile::remove(blocked) && QDir().mkpath(blocked));
     WriteAlvMuutosLog(str("x"));
     EXPECT_EQ(m_errors.size(), 2);
 }
 
 #ifndef Q_OS_WIN
+TEST_F(LogsTest, WhatCannotBeWrittenIsToldInFinnish) {
+    const QString log = m_company.file(str("ALVMUUTOS.LOG"));
+    const QByteArray pipe = QFile::encodeName(m_company.file(str("putki")));
+    ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
+    const std::pair<const char*, const char*> cases[] = {
+        {"/dev/full", "levy on täynnä"},
+        {pipe.constData(), "se on putki eikä tiedosto"},  // would wait for a reader
+        {"/puuttuva/loki", "tiedostoa tai sen kansiota ei ole"},
+        {"/", "samanniminen kansio on tiellä"},
+        {"/dev/null", nullptr}};  // a device is as good as a file
+    for (const auto& [target, reason] : cases) {
+        m_errors.clear();
+        ASSERT_TRUE(QFile::link(QFile::decodeName(target), log));
+        WriteAlvMuutosLog(str("x"));
+        EXPECT_EQ(m_errors.join(u'|'),
+                  reason ? str("Lokitiedostoon \"%1\" ei voi kirjoittaa: %2").arg(log, str(reason))
+                         : QString());
+        ASSERT_TRUE(QFile::remove(log));
+    }
+}
+
 TEST_F(LogsTest, LinesOfTwoProgramsStayWhole) {
     constexpr int kLines = 3000;
     const QString tail(700, u'ä');

@@ -2,7 +2,6 @@
 // write, lock, flush ... of the database, the record locks, the logs and the small files.
 // TAKSAVAIHE_FAULTS sets how many are tried, at most all.
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 #include <sys/resource.h>
 
 #include <QDir>
@@ -26,9 +25,6 @@ using vatchange::RunResult;
 
 constexpr test::FullCompanySize kSize{3, 1};
 
-// Reads of mapped files make no call that could fail.
-const int kNoMapping = sqlite3_config(SQLITE_CONFIG_MMAP_SIZE, 0LL, 0LL);
-
 // Tables that get rows as a side effect of another table's row.
 const QStringList kFollowers{"HR", "WEBKLIITOS", "INI"};
 // A rerun multiplies these again while their product is unconverted.
@@ -51,7 +47,6 @@ struct Attempt {
 class FaultSweep : public testing::Test {
   protected:
     void SetUp() override {
-        ASSERT_EQ(kNoMapping, SQLITE_OK);
         test::makeFullCompany(start(), kSize);
         m_old = test::readCompany(start());
         fresh();
@@ -171,7 +166,7 @@ class FaultSweep : public testing::Test {
     Records m_old;
     Records m_new;
     QStringList m_logProblems;
-    const test::ChangeMorning m_morning;
+    const data::Clock::Override m_morning{test::changeMorning};
 };
 
 TEST_F(FaultSweep, EachCallFailsOnce) {

@@ -3,7 +3,6 @@
 // being stored. TAKSAVAIHE_LOSSES sets how many.
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <random>
@@ -43,9 +42,8 @@ class PowerLoss : public testing::Test {
         const QString folder = m_folder.filePath(QStringLiteral("yritys"));
         test::makeFullCompany(folder, kSize);
         test::useCompany(folder);
-        QFile file(folder + QLatin1Char('/') + engines::kEmbeddedFileName);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        m_start[engines::kEmbeddedFileName] = file.readAll();
+        m_start[engines::kEmbeddedFileName] =
+            test::fileBytes(folder + QLatin1Char('/') + engines::kEmbeddedFileName);
         const test::RecordingFiles recording;
         MarkingPorts ports;
         const vatchange::RunResult result =
@@ -74,7 +72,7 @@ class PowerLoss : public testing::Test {
 
     QTemporaryDir m_folder;
     test::ReplayedFiles::Files m_start;
-    const test::ChangeMorning m_morning;
+    const data::Clock::Override m_morning{test::changeMorning};
 };
 
 TEST_F(PowerLoss, ReportedChangesAreStoredAndNoneIsPartial) {

@@ -1,6 +1,8 @@
+#include <QDir>
 #include <QProgressBar>
 #include <QTimer>
 
+#include "company/logs.h"
 #include "tests/form/form_test.h"
 #include "vatchange/definition/definition_codec.h"
 
@@ -50,23 +52,6 @@ TEST_F(FormRun, ChangesTheProductsAndReportsIt) {
     EXPECT_FALSE(control("Keskeyta")->isEnabled());
 }
 
-TEST_F(FormRun, RefusalIsShownAndLoggedAndLeavesTheFormEditable) {
-    m_shop.addProducts(1);
-    c().targetClass->setValue(3);
-    const QString text = str("Lähteen ALV -luokka on sama kuin kohteen ALV -luokka!");
-    m_dialogs.expectMessage(text);
-    const auto result = m_form->EsikatseleClick();
-    ASSERT_TRUE(result);
-    EXPECT_TRUE(result->refused);
-    EXPECT_EQ(m_shop.logMessages(), QStringList(text));
-    EXPECT_TRUE(c().targetClass->isEnabled());
-
-    // in a batch the log has it and no dialog is shown
-    m_form->Unattended = true;
-    m_form->EsikatseleClick();
-    EXPECT_EQ(m_shop.logMessages(), QStringList({text, text}));
-}
-
 TEST_F(FormRun, AsksBeforeItRunsADefinitionWithProblems) {
     m_shop.addProducts(1);
     const auto load = [this](const QMap<QString, QString>& changed) {
@@ -104,6 +89,25 @@ TEST_F(FormRun, AsksBeforeItRunsADefinitionWithProblems) {
     m_dialogs.expectMessage(
         str("Määrittelyä ei ajeta: LahdeAlvLuokkaEdit=77 (Vanha luokka): luokkaa ei ole olemassa"));
     EXPECT_TRUE(m_form->EsikatseleClick()->refused);
+}
+
+TEST_F(FormRun, LinesLostInTheMiddleAreAFailureThatIsTold) {
+    const QString log = company::AlvMuutosLogName();
+    m_dialogs.expectMessage(str("Tuotetiedot muutettu ( %1 kpl)").arg(kProducts));
+    m_dialogs.expectAnyMessage();
+    const auto result =
+        runWith([&] { return QFile::rename(log, log + str(".ennen")) && QDir().mkpath(log); });
+    EXPECT_EQ(m_dialogs.lastKind(), framework::MessageKind::Warning);
+    EXPECT_TRUE(m_dialogs.lastText().startsWith(
+        str("Muutosloki jäi vajaaksi, rivejä puuttuu %1. Lokitiedostoon \"%2\" ei voi kirjoittaa: ")
+            .arg(result->lostLogLines)
+            .arg(log)));
+    EXPECT_EQ(result->failedSteps, 0);
+    EXPECT_GT(result->lostLogLines, 0);
+    EXPECT_FALSE(result->clean());
+    EXPECT_EQ(control<QLabel>("StatusLabel")->text(),
+              str("Muutos tehty, tuotteita muutettu %1, mutta loki jäi vajaaksi").arg(kProducts));
+    EXPECT_EQ(changed(), QString::number(kProducts));
 }
 
 TEST_F(FormRun, OnlyInterruptingIsPossibleDuringARunAndStopsBetweenTwoProducts) {

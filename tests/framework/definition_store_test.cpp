@@ -49,6 +49,13 @@ TEST_F(DefinitionStoreTest, DefinitionsComeBackByNameInFinnishOrder) {
     EXPECT_EQ(QDir(m_company.file(str("MAARITYS"))).entryList(QDir::Files),
               QStringList(str("AlvMuutosLomake.INI")));
 
+    // the second "a" would mix its values into the first one's
+    test::writeFile(m_file, "[a]\nx=1\n[b]\n\n[A]\nx=2\ny=2\nrikki\n");
+    const auto first = m_store.load(kForm, str("A"));
+    EXPECT_EQ(first->values, (QMap<QString, QString>{{str("x"), str("1")}}));
+    EXPECT_EQ(first->repeatedLine, 5);
+    EXPECT_EQ(m_store.load(kForm, str("b"))->repeatedLine, 0);
+
     test::writeFile(m_file, "[\xD6]\n[zeta]\n[Alfa]\n[]\nx=1\n[ALFA]\n[\xE4]\n[beta]\n");
     EXPECT_EQ(m_store.GetValues(kForm).join(u' '), str("Alfa beta zeta ä Ö"));
 }

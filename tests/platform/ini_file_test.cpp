@@ -8,6 +8,10 @@
 #include "company/batch_list.h"
 #include "tests/support/company_folder.h"
 
+#ifndef Q_OS_WIN
+#include <sys/stat.h>
+#endif
+
 using platform::IniFile;
 using test::str;
 
@@ -27,7 +31,7 @@ TEST(IniFile, ReadsHandWrittenFiles) {
         {"[A]\nx=\" abc\"\n", "A", "x", " abc"},
         {"[A]\n;x=1\n#x=2\nx\n=3\n", "A", "x", nullptr},
         {"[A]\nx=1\nX=2\n[a]\nx=3\ny=4\n", "A", "x", "1"},
-        {"[A]\nx=1\n[B]\nz=9\n[a]\ny=4\n", "A", "y", "4"},
+        {"[A]\nx=1\n[B]\nz=9\n[a]\ny=4\n", "A", "y", nullptr},  // the first section counts
         {"x=0\n[A]\ny=1\n", "A", "x", nullptr},
         {"[\xC4\xC4RI]\n\xF6=\xE5\x80\n", "ääri", "Ö", "å€"},             // Windows-1252
         {"[\xC3\x84RI]\n\xC3\xB6=\xC5\x93\xCE\xA9\n", "äri", "Ö", "œΩ"},  // UTF-8
@@ -38,25 +42,6 @@ TEST(IniFile, ReadsHandWrittenFiles) {
         const auto value = IniFile::parse(bytes, {}).value(str(section), str(key));
         EXPECT_EQ(value, expected ? std::optional(str(expected)) : std::nullopt) << bytes;
     }
-}
-
-TEST(IniFile, ValuesComeBackExactly) {
-    const char* const values[] = {
-        "",       " ",         "\t",   "  a b  ", "\"", "\"\"", "\"a\"",
-        "\" a\"", "\"\" \"\"", "'a '", "a\\nb",   ";x", "#x",   "[x]",
-        "a=b",    "<<<END",    "%1",   "äöåÄÖÅ€", "Ã¤", "Ω ä",  "\u00A0x\u00A0",
-        "\u0081"};
-    for (const char* value : values) {
-        IniFile ini;
-        ini.setValue(str("Jakso"), str("avain"), str(value));
-        const IniFile back = IniFile::parse(ini.toBytes(), {});
-        EXPECT_EQ(back.value(str("Jakso"), str("avain")).value_or(str("none")).toStdString(),
-                  value);
-    }
-    IniFile ini;
-    ini.setValue(str("A"), str("x"), QStringLiteral("1\r\n[B]\ny=2\r") + QChar(u'\0'));
-    EXPECT_EQ(IniFile::parse(ini.toBytes(), {}).value(str("A"), str("x")), str("1 [B] y=2  "));
-    EXPECT_FALSE(IniFile::parse(ini.toBytes(), {}).hasSection(str("B")));
 }
 
 TEST(IniFile, WritesWindows1252UnlessATextNeedsMore) {
@@ -103,22 +88,61 @@ TEST(IniFile, EverythingElseSurvivesAChange) {
 }
 
 TEST(IniFile, BrokenFilesAreRefusedByNameAndLine) {
-    const std::pair<QByteArray, const char*> cases[] = {
-        {QByteArray("[A]\nx=1\nb\0=", 11), "line 3"},
-        {QByteArray("\xFF\xFE[\0A\0]\0", 8), "line 1"},
-        {"[A]\nx=1\n[B\ny=2\n", "line 3"},
-        {QByteArray(IniFile::kMaxSize + 1, 'x'), "too large"},
+    const struct {
+        QByteArray bytes;
+        const char* place;
+        const char* finnish;
+    } cases[] = {
+        {QByteArray("[A]\nx=1\nb\0=", 11), "line 3", ": rivi 3: ei ole tekstitiedosto. "},
+        {QByteArray("\xFF\xFE[\0A\0]\0", 8), "line 1", ": rivi 1: ei ole tekstitiedosto. "},
+        {"[A]\nx=1\n[B\ny=2\n", "line 3",
+         ": rivi 3: osan nimestä \"[B\" puuttuu lopusta hakasulku ]. "},
+        {QByteArray(IniFile::kMaxSize + 1, 'x'), "too large", ": liian suuri asetustiedostoksi. "},
     };
     QTemporaryDir folder;
     const QString name = folder.filePath(str("rikki.INI"));
-    for (const auto& [bytes, place] : cases) {
+    for (const auto& [bytes, place, finnish] : cases) {
         test::writeFile(name, bytes);
         const data::DataError error = test::thrownBy([&] { IniFile::read(name); });
         EXPECT_EQ(error.kind(), data::ErrorKind::Damaged);
         EXPECT_EQ(error.table(), name);
         EXPECT_TRUE(error.detail().contains(str(place))) << error.what();
+        EXPECT_EQ(error.finnish(),
+                  str("Tiedot ovat vioittuneet: ") + name + str(finnish) +
+                      str("Korjaa tiedosto tekstieditorilla tai palauta se varmuuskopiosta."));
     }
 }
+
+#ifndef Q_OS_WIN
+TEST(IniFile, OnlyARegularFileIsReadAndOnlyAMissingOneIsEmpty) {
+    QTemporaryDir folder;
+    const QString noFile = str("se ei ole tavallinen tiedosto");
+    const QString locked = folder.filePath(str("suljettu"));
+    test::writeFile(folder.filePath(str("tiedosto")), "[A]\nx=1\n");
+    ASSERT_TRUE(QDir().mkpath(locked));
+    test::writeFile(locked + str("/a.INI"), "[A]\nx=1\n");
+    ASSERT_EQ(::mkfifo(QFile::encodeName(folder.filePath(str("putki"))).constData(), 0600), 0);
+    const std::pair<QString, QString> refused[] = {
+        {folder.filePath(str("putki")), noFile},  // nobody will ever write into it
+        {str("/dev/zero"), noFile},
+        {locked, noFile},
+    };
+    for (const auto& [name, reason] : refused) {
+        const data::DataError error = test::thrownBy([&] { IniFile::read(name); });
+        EXPECT_TRUE(error.finnish().contains(name + str(": ") + reason)) << error.what();
+    }
+    EXPECT_TRUE(IniFile::read(folder.filePath(str("tiedosto/a.INI"))).sections().isEmpty());
+
+    ASSERT_TRUE(QFile::setPermissions(
+        folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ExeOther));
+    ASSERT_TRUE(QFile::setPermissions(locked, QFile::Permissions()));
+    const test::WithoutPrivileges nobody;
+    const data::DataError error = test::thrownBy([&] { IniFile::read(locked + str("/a.INI")); });
+    EXPECT_TRUE(error.finnish().contains(
+        str("a.INI: käyttöoikeus puuttuu. Anna tälle käyttäjälle oikeus avata kansio")))
+        << error.what();
+}
+#endif
 
 TEST(IniFile, AFailedWriteNamesTheFileAndLeavesTheOldOne) {
     QTemporaryDir folder;
@@ -133,6 +157,32 @@ TEST(IniFile, AFailedWriteNamesTheFileAndLeavesTheOldOne) {
     EXPECT_THROW(IniFile::read(taken), data::DataError);
     EXPECT_TRUE(QDir(taken + str("/x")).exists());
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList());
+}
+
+TEST(DefinitionsFile, TheBatchListIsReadWhereItIs) {
+    const struct {
+        bool writable;
+        bool besideExists;
+        bool ownExists;
+        bool readsBeside;
+    } cases[] = {
+        {true, false, true, true},  // beside the program, where it would be saved
+        {true, true, true, true},    {false, true, true, false},
+        {false, true, false, true},  // the installation's list until the user saves one
+        {false, false, true, false}, {false, false, false, false},
+    };
+    for (const auto& t : cases) {
+        const QTemporaryDir program;
+        const QTemporaryDir user;
+        const QString beside = program.filePath(str("ALVMUUTOS.INI"));
+        const QString own = user.filePath(str("ALVMUUTOS.INI"));
+        if (t.besideExists)
+            test::writeFile(beside, "");
+        if (t.ownExists)
+            test::writeFile(own, "");
+        EXPECT_EQ(company::batchListToRead({program.path(), t.writable, user.path()}),
+                  t.readsBeside ? beside : own);
+    }
 }
 
 TEST(DefinitionsFile, KeepsTheBatchListAndForeignKeys) {

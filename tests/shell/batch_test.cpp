@@ -33,6 +33,7 @@ struct Recorder {
     QStringList events;
     QString loaded;
     bool endRequested = false;
+    bool listIsUnreadable = false;
 
     QByteArray values(const QString& name) const {
         vatchange::ChangeDefinition definition;
@@ -88,46 +89,49 @@ struct Recorder {
         ports.run = [this](const vatchange::RunOptions& options) { return result(options); };
         ports.endRequested = [this] { return endRequested; };
         ports.generalLog = [this](const QString& line) { events += str("general: ") + line; };
+        ports.standardError = [this](const QString& line) { events += str("error: ") + line; };
         ports.changeLog = [this](const QString& line) { events += line; };
-        return runBatch(batch, ports);
+        return runBatch({batch, str("lista"), listIsUnreadable}, ports);
     }
 };
 
 TEST(Batch, RunsTheListInOrderUnlessSomethingForbidsIt) {
     const QString a = str("|Aloitetaan muutos määrittelylle: a|run a");
     const QString c = str("|Aloitetaan muutos määrittelylle: c|run c");
-    const struct {
-        const char* list;
-        bool marked;
-        const char* problems;
-        bool bIsDamaged;
-        ExitStatus status;
-        QString events;
-    } cases[] = {
-        {"c - a -", false, "", false, ExitStatus::Done, str("open") + c + a},
+    const std::tuple<const char*, bool, const char*, bool, ExitStatus, QString> cases[] = {
+        {"c - a -", false, "", false, ExitStatus::Done, str("general: lista|open") + c + a},
         {"C", false, "", false, ExitStatus::Done,
-         str("open|Aloitetaan muutos määrittelylle: C|run C")},
-        {"-", false, "", false, ExitStatus::Done, str("open")},
+         str("general: lista|open|Aloitetaan muutos määrittelylle: C|run C")},
+        {"-", false, "", false, ExitStatus::Done, str("general: lista|error: lista|open")},
         {"x a", true, "luokat", false, ExitStatus::AlreadyRun,
          str("general: Taksavaihe on kertaalleen ajettu")},
         {"a b x y", false, "luokat", false, ExitStatus::Unavailable,
-         str("Määrittelyä ei löydy, eräajoa ei tehdä: x|Määrittelyä ei löydy, eräajoa ei tehdä: "
-             "y")},
+         str("general: lista|Määrittelyä ei löydy, eräajoa ei tehdä: x|"
+             "error: Määrittelyä ei löydy, eräajoa ei tehdä: x|"
+             "Määrittelyä ei löydy, eräajoa ei tehdä: y|"
+             "error: Määrittelyä ei löydy, eräajoa ei tehdä: y")},
         {"a", false, "luokat|luettelo", false, ExitStatus::Failed,
-         str("Virhe: luokat|Virhe: luettelo")},
+         str("general: lista|Virhe: luokat|Virhe: luettelo")},
         {"a b c", false, "", true, ExitStatus::Failed,
-         str("open") + a + str("|Määrittelyä ei ajeta: \"b\": rivi 3") + c},
+         str("general: lista|open") + a + str("|Määrittelyä ei ajeta: \"b\": rivi 3") + c},
     };
     const test::TestCompany shop({});
-    for (const auto& t : cases) {
+    for (const auto& [list, marked, problems, bIsDamaged, status, events] : cases) {
         Recorder r(shop);
-        r.marked = t.marked;
-        r.problems = str(t.problems).split(u'|', Qt::SkipEmptyParts);
-        r.bIsDamaged = t.bIsDamaged;
-        EXPECT_EQ(r.run(t.list), t.status) << t.list;
+        r.marked = marked;
+        r.problems = str(problems).split(u'|', Qt::SkipEmptyParts);
+        r.bIsDamaged = bIsDamaged;
+        EXPECT_EQ(r.run(list), status) << list;
         r.events.replaceInStrings(QRegularExpression(str("^(run .*) of \\d+$")), str("\\1"));
-        EXPECT_EQ(r.events.join(u'|'), t.events) << t.list;
+        EXPECT_EQ(r.events.join(u'|'), events) << list;
     }
+
+    Recorder r(shop);
+    r.listIsUnreadable = true;
+    EXPECT_EQ(r.run("-"), ExitStatus::Unavailable);
+    EXPECT_EQ(r.events.join(u'|'), str("general: lista|error: lista"));
+    r.marked = true;  // looked at first
+    EXPECT_EQ(r.run("-"), ExitStatus::AlreadyRun);
 }
 
 TEST(Batch, AFailedDefinitionFailsTheBatchAndOnlyACancelStopsIt) {

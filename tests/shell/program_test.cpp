@@ -4,14 +4,21 @@
 #include <QDir>
 #include <QProcess>
 #include <QRegularExpression>
+#include <functional>
 
 #include "company/batch_list.h"
 #include "company/run_mark.h"
 #include "data/engine/run_journal.h"
 #include "data/record/record_codec.h"
+#include "data/windows1252.h"
 #include "framework/core/definition_store.h"
+#include "platform/user_settings.h"
 #include "tests/support/shop_company.h"
 #include "vatchange/form/change_form.h"
+
+#ifndef Q_OS_WIN
+#include <sys/stat.h>
+#endif
 
 using test::str;
 
@@ -53,9 +60,8 @@ class Program : public ::testing::Test {
     int runBatch(const char* switches = "/E /EP") {
         return run(QStringList(m_company) + str(switches).split(u' '));
     }
-    bool isAlreadyRunLogged() {
-        return test::fileBytes(m_shop.file(str("loki.dat")))
-            .contains("Taksavaihe on kertaalleen ajettu");
+    QString generalLog() {
+        return data::fromWindows1252(test::fileBytes(m_shop.file(str("loki.dat"))));
     }
 
     int run(const QStringList& parameters, const QString& platform = {}) {
@@ -73,6 +79,7 @@ class Program : public ::testing::Test {
             environment.remove(QLatin1String(name));
         if (!platform.isEmpty())
             environment.insert(str("QT_QPA_PLATFORM"), platform);
+        environment.insert(str("XDG_RUNTIME_DIR"), m_folder.path());  // else a line about it
         program.setProcessEnvironment(environment);
         program.setWorkingDirectory(QDir::rootPath());
         program.start(m_folder.filePath(str("taksavaihe")), parameters);
@@ -91,7 +98,18 @@ class Program : public ::testing::Test {
 };
 
 TEST_F(Program, ABatchChangesTheCompanyOnceAndMarksIt) {
-    EXPECT_EQ(runBatch(), 0);  // an empty list
+    EXPECT_EQ(runBatch(), 0);
+    const QString list = m_folder.filePath(str("ALVMUUTOS.INI"));
+    const QString empty = str("Eräajon luettelo \"%1\" on tyhjä: ").arg(list);
+    EXPECT_EQ(m_errors, empty + str("tiedostoa ei ole. Mitään ei ajeta.\n"));
+    test::writeFile(list, "[ASETUKSEET]\nmaar1=Alv255\n");
+    EXPECT_EQ(runBatch(), 0);
+    EXPECT_EQ(m_errors, empty + str("osaa [ASETUKSET] ei ole. Mitään ei ajeta.\n"));
+    setBatch("");
+    EXPECT_EQ(runBatch(), 0);
+    EXPECT_EQ(m_errors,
+              empty + str("osassa [ASETUKSET] ei ole yhtään määrittelyä. Mitään ei ajeta.\n"));
+    EXPECT_EQ(generalLog().count(str("Eräajon luettelo \"") + list), 3);
     EXPECT_FALSE(QFile::exists(company::AlvMuutosLogName()));
     EXPECT_FALSE(marked());
 
@@ -101,11 +119,12 @@ TEST_F(Program, ABatchChangesTheCompanyOnceAndMarksIt) {
     EXPECT_TRUE(marked());
     const QStringList log = m_shop.logMessages();
     EXPECT_EQ(log.first(), str("Aloitetaan muutos määrittelylle: ALV255"));
+    EXPECT_TRUE(generalLog().contains(str("Eräajon luettelo \"%1\": ALV255").arg(list)));
     EXPECT_EQ(m_shop.text(str("select count(*) from ini")), str("1"));  // the mark
 
     EXPECT_EQ(runBatch(), 3);
     EXPECT_EQ(m_shop.logMessages(), log);
-    EXPECT_TRUE(isAlreadyRunLogged());
+    EXPECT_TRUE(generalLog().contains(str("Taksavaihe on kertaalleen ajettu")));
     EXPECT_EQ(runBatch("/E /EP /U"), 0);
     EXPECT_EQ(prices(), str("20.24"));  // no product has the source class any more
 }
@@ -151,33 +170,9 @@ TEST_F(Program, OnlyDamagedDefinitionsAreNotRun) {
     EXPECT_EQ(runBatch("/E /EP /U"), 0);
     test::writeFile(file, sound + "[rikki\n");
     EXPECT_EQ(runBatch(), 3);  // the mark is checked before the file is read
-    EXPECT_TRUE(isAlreadyRunLogged());
+    EXPECT_TRUE(generalLog().contains(str("Taksavaihe on kertaalleen ajettu")));
     EXPECT_EQ(runBatch("/E /U"), 1);
     EXPECT_TRUE(m_errors.contains(file)) << m_errors.toStdString();
-}
-
-TEST_F(Program, ADefinitionWithProblemsIsRefusedAndChangesNothing) {
-    auto bad = *m_store.load(m_form, str("Alv255"));
-    bad.name = str("Huono");
-    bad.values.remove(str("LahdeAlvLuokkaEdit"));  // 0 would select every product without a class
-    bad.values.insert(str("OstohintaEdit"), str("1,1"));
-    m_store.save(m_form, bad);
-    m_shop.exec(str("insert into TUOTE (NUMERO, HINTA, LVV) values ('ilman', 10, 0)"));
-    setBatch("Huono");
-    EXPECT_EQ(runBatch(), 1);
-    EXPECT_EQ(
-        m_shop.logMessages().join(u'|'),
-        str("Aloitetaan muutos määrittelylle: Huono|Määrittelyä ei ajeta: OstohintaEdit=1,1 "
-            "(Ostohinta): arvoa ei voi lukea; LahdeAlvLuokkaEdit= (Vanha luokka): arvo puuttuu "
-            "määrittelystä"));
-    EXPECT_EQ(prices(), str("30"));
-    EXPECT_FALSE(marked());
-
-    setBatch("Huono", "Alv255");
-    EXPECT_EQ(runBatch(), 1);
-    EXPECT_EQ(prices(), str("30.24"));
-    EXPECT_EQ(m_shop.text(str("select LVV from TUOTE where NUMERO = 'ilman'")), str("0"));
-    EXPECT_TRUE(marked());
 }
 
 TEST_F(Program, AMissingPriceLevelEndsTheBatchWithALine) {
@@ -196,8 +191,63 @@ TEST_F(Program, HelpAndVersionNeedNoDisplay) {
     EXPECT_TRUE(m_output.contains(str("/EP")));
     EXPECT_EQ(run({str("--version")}), 0);
     EXPECT_TRUE(m_output.startsWith(str("Taksavaihe ")));
-    EXPECT_EQ(run({m_company}), 2);  // a window is wanted and there is no display
-    EXPECT_TRUE(m_errors.contains(str("DISPLAY")));
+}
+
+TEST_F(Program, AWindowThatNobodySeesIsNotWaitedFor) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "Näyttöä ei ole (DISPLAY tai WAYLAND_DISPLAY). "},
+        {"offscreen", "Ohjelman ikkunoita ei näkisi kukaan (näyttöalusta offscreen). "},
+        {"minimal", "Ohjelman ikkunoita ei näkisi kukaan (näyttöalusta minimal). "},
+        {"xcb",  // the tests remove DISPLAY
+         "Näyttöön ei saada yhteyttä (QT_QPA_PLATFORM=xcb). Tarkista nämä asetukset ja oikeus "
+         "näyttöön. "}};
+    for (const auto& [platform, reason] : cases) {
+        EXPECT_EQ(run({m_company}, str(platform)), 2) << platform;
+        EXPECT_EQ(m_errors, str(reason) + str("Ilman näyttöä ohjelma toimii eräajona: taksavaihe "
+                                              "YRITYS /E\n"));
+    }
+}
+
+TEST_F(Program, AChangeLogThatCannotBeWrittenFailsTheBatch) {
+    setBatch("Alv255");
+    const QString log = company::AlvMuutosLogName();
+    const std::function<bool()> obstacles[] = {
+        [&] { return QFile::link(str("/dev/full"), log); }, [&] { return QDir().mkpath(log); },
+        [&] { return ::mkfifo(QFile::encodeName(log).constData(), 0600) == 0; }};
+    for (const auto& putInTheWay : obstacles) {
+        ASSERT_TRUE(putInTheWay());
+        EXPECT_EQ(runBatch("/E /EP /U"), 1);
+        EXPECT_EQ(prices(), str("20.24"));
+        EXPECT_TRUE(m_errors.contains(log)) << m_errors.toStdString();
+        m_shop.exec(str("update TUOTE set HINTA = 10, LVV = 3"));
+        ASSERT_TRUE(QFile::remove(log) || QDir().rmdir(log));
+    }
+}
+
+TEST_F(Program, WhatCannotBeReadIsToldByItsName) {
+    const QString list = m_folder.filePath(str("ALVMUUTOS.INI"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(list).constData(), 0600), 0);
+    EXPECT_EQ(runBatch(), 2);
+    const QString noFile = str(": se ei ole tavallinen tiedosto");
+    EXPECT_TRUE(m_errors.startsWith(str("Eräajon luetteloa ei voitu lukea: ")));
+    EXPECT_TRUE(m_errors.contains(list + noFile)) << m_errors.toStdString();
+    EXPECT_TRUE(generalLog().contains(list + noFile));
+    EXPECT_FALSE(QFile::exists(company::AlvMuutosLogName()));
+    ASSERT_TRUE(QFile::remove(list));
+
+    setBatch("Alv255");
+    const QString definitions = m_store.fileName(m_form);
+    ASSERT_TRUE(QFile::remove(definitions) && QDir().mkpath(definitions));
+    EXPECT_EQ(runBatch(), 1);
+    EXPECT_TRUE(m_errors.contains(definitions + noFile)) << m_errors.toStdString();
+
+    const QString companies = platform::userSettingsFolder() + str("/aliases.ini");
+    const QByteArray sound = test::fileBytes(companies);
+    test::writeFile(companies, sound + "rikki\n");
+    EXPECT_EQ(runBatch(), 2);
+    EXPECT_TRUE(m_errors.startsWith(str("Tiedot ovat vioittuneet: ") + companies))
+        << m_errors.toStdString();
+    test::writeFile(companies, sound);
 }
 
 // Three definitions of which the order matters: class 1 to 2, class 3 to 6 with customer prices and

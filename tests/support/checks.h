@@ -2,14 +2,21 @@
 
 #include <gtest/gtest.h>
 
-#include <QString>
+#include <QStringList>
 
 #include "data/error.h"
 
 #ifndef Q_OS_WIN
+#ifdef Q_OS_LINUX
+#include <sys/fsuid.h>
+#endif
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
+
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
 
 namespace test {
 
@@ -29,7 +36,39 @@ data::DataError thrownBy(Call&& call) {
     return data::DataError(data::ErrorKind::Io, {}, {});
 }
 
+/// The lines that a call traces.
+template <typename Call>
+QStringList tracedBy(Call&& call) {
+    static QStringList lines;
+    lines.clear();
+    const QtMessageHandler previous = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& line) { lines += line; });
+    call();
+    qInstallMessageHandler(previous);
+    return lines;
+}
+
 #ifndef Q_OS_WIN
+/// During its life file permissions hold for this thread also when root runs the tests.
+class WithoutPrivileges {
+  public:
+#ifdef Q_OS_LINUX
+    WithoutPrivileges() {
+        ::setfsuid(::geteuid() == 0 ? kNobody : ::geteuid());
+    }
+    ~WithoutPrivileges() {
+        ::setfsuid(::geteuid());
+    }
+#else
+    WithoutPrivileges() = default;
+#endif
+    WithoutPrivileges(const WithoutPrivileges&) = delete;
+    WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
+
+  private:
+    static constexpr uid_t kNobody = 65534;
+};
+
 /// Makes the call `count` times in each of two concurrent processes, with the process's name and a
 /// number.
 template <typename Call>

@@ -95,6 +95,55 @@ TEST_F(Files, NothingIsWorldWritable) {
     EXPECT_TRUE(QFileInfo(path("copy/YRITYS.ZDB")).permissions() & QFile::WriteGroup);
 }
 
+// A command removes what killed ones left in its folder, but not what is still in use.
+TEST_F(Files, WorkFoldersOfKilledCommandsAreRemoved) {
+    QDir().mkpath(path("b"));
+    const auto workFolders = [this] {
+        return QDir(path("b")).entryList({".zavdb-*"}, QDir::Dirs | QDir::Hidden);
+    };
+    QProcess demo;
+    prepare(demo);
+    demo.start(program(), {"demo", "D", "b", "--products", "1000000"});
+    while (workFolders().isEmpty() || !QFile::exists(path("b/" + workFolders()[0] + "/YRITYS.ZDB")))
+        ASSERT_FALSE(demo.waitForFinished(5));
+    const QStringList used = workFolders();
+    done({"backup", "A", "b/copy.zdb"});
+    EXPECT_EQ(workFolders(), used);
+    EXPECT_FALSE(demo.waitForFinished(5));
+    demo.kill();
+    demo.waitForFinished();
+    EXPECT_EQ(workFolders(), used);
+    // what has no lock is somebody else's, unless it is empty
+    QDir().mkpath(path("b/.zavdb-ABCDEF/x"));
+    QDir().mkpath(path("b/.zavdb-GHIJKL"));
+    done({"backup", "A", "b/again.zdb"});
+    EXPECT_EQ(workFolders(), QStringList{".zavdb-ABCDEF"});
+    done({"create", "B", "b"});
+    EXPECT_EQ(workFolders(), QStringList{".zavdb-ABCDEF"});
+}
+
+TEST_F(Files, WhatTheSystemRefusesIsAClearError) {
+    const struct {
+        const char* script;  // "$0" is zavdb
+        int status;
+        const char* said;
+    } cases[] = {
+        {"\"$0\" create B \"$(printf 'b\\344')\"", 2, "Argument 3 is not valid UTF-8: \"b%E4\""},
+        {"mkdir \"$(printf 'b\\344')\" && cd b* && \"$0\" create B c; s=$?; rm -r ../b*; exit $s",
+         1, "not valid UTF-8"},
+        {"ulimit -f 400; \"$0\" demo B c --products 5000", 1, "File too large"},
+    };
+    for (const auto& c : cases) {
+        const test::ProgramResult result =
+            run({"--version"}, {}, QString("> c; rm c; ") + c.script);
+        EXPECT_EQ(result.status, c.status) << c.script;
+        EXPECT_TRUE(result.err.contains(c.said)) << result.err.constData();
+        EXPECT_FALSE(QFile::exists(path("c/YRITYS.ZDB"))) << c.script;
+    }
+    EXPECT_TRUE(done({"list"}).startsWith("A\t"));
+    EXPECT_EQ(done({"list"}).count('\n'), 1);
+}
+
 TEST_F(Files, OutputToAPipeDoesNotReplaceIt) {
     const QByteArray name = QFile::encodeName(path("pipe"));
     ASSERT_EQ(::mkfifo(name.constData(), 0600), 0);

@@ -1,7 +1,7 @@
 // Runs the command lines of transcripts.txt and compares what zavdb answers. A line of it is one
 // of:
-//   == NAME            begins a test in its own folder, with a company A that has the tables RAAKA
-//                      and MUISTIO too
+//   == NAME            begins a test in its own folder, with a company A that has the tables
+//                      RAAKA, MUISTIO and KURSSI too
 //   > FILE TEXT        writes a file; \n, \r, \xNN as in C++
 //   $ ARGUMENTS        has to succeed without a word on standard error; "=> LINE / LINE": and to
 //                      write exactly this, "~ TEXT ~ TEXT": to write these somewhere
@@ -10,7 +10,7 @@
 //   = ARGUMENTS        output that no refused command below may change
 //   absent FILE
 //   present FILE [TEXT] and it holds exactly this
-// Commands may end with "<< TEXT", which is written to the file "@" first.
+// {empty}, {newline} and {tab} stand for what a line cannot hold. Commands may end with "<< TEXT", which is written to the file "@" first.
 
 #include <QRegularExpression>
 
@@ -62,6 +62,10 @@ class Transcript : public test::ZavdbProgram, public ::testing::WithParamInterfa
                                  "field 1 Nro integer 4 0 4 INTEGER\n"
                                  "field 2 Loput string 4 4 4 STRING\n"
                                  "key 0 unique : Nro\n",
+                                 "table KURSSI\n"
+                                 "field 1 Nro integer 4 0 4 INTEGER\n"
+                                 "field 2 Hinta float 8 4 8 FLOAT\n"
+                                 "key 0 unique : Nro\n",
                                  "table MUISTIO\n"
                                  "field 1 Nro integer:29 4 0 4 AUTOINCREMENT\n"
                                  "field 2 Teksti memo:22 19 4 20 NOTE\n"
@@ -71,7 +75,10 @@ class Transcript : public test::ZavdbProgram, public ::testing::WithParamInterfa
         done({"add", "A", "a"});
     }
     test::ProgramResult runLine(const QString& line) {
-        return run(QProcess::splitCommand(line).replaceInStrings("{empty}", ""));
+        return run(QProcess::splitCommand(line)
+                       .replaceInStrings("{empty}", "")
+                       .replaceInStrings("{newline}", "\n")
+                       .replaceInStrings("{tab}", "\t"));
     }
 };
 

@@ -16,7 +16,6 @@ namespace tools {
 namespace {
 
 constexpr int kError = 1;
-constexpr int kWrongUsage = 2;
 
 QString overview(const std::vector<Command>& commands) {
     QString text = QStringLiteral(

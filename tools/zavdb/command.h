@@ -12,6 +12,9 @@
 
 namespace tools {
 
+/// Exit status of an invalid command line.
+inline constexpr int kWrongUsage = 2;
+
 /// A failed command: one English line for standard error, exit status 1.
 class CommandError : public std::runtime_error {
   public:

@@ -3,9 +3,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 #include "company/aliases.h"
+#include "data/lock/work_folder.h"
 #include "engines/embedded/embedded_database.h"
 #include "tools/zavdb/command.h"
 
@@ -61,7 +61,13 @@ void requireFreeName(const QString& name) {
 QString absoluteFolder(const QString& folder) {
     if (folder.isEmpty())
         throw CommandError(QStringLiteral("The folder has no name."));
-    return QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+    const QString absolute = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+    // What stands for bytes that are no character would be another folder's name.
+    if (absolute.contains(QChar::ReplacementCharacter))
+        throw CommandError(
+            QStringLiteral("The name of the folder %1 is not valid UTF-8; rename it.")
+                .arg(absolute));
+    return absolute;
 }
 
 void requireFreeFolder(const QString& folder) {
@@ -88,10 +94,7 @@ void buildCompany(const QString& name, const QString& folder,
     requireFreeName(name);
     requireFreeFolder(absolute);
     NewFolder newFolder(absolute);
-    QTemporaryDir workFolder(QDir(absolute).filePath(QStringLiteral(".zavdb-XXXXXX")));
-    if (!workFolder.isValid())
-        throw CommandError(QStringLiteral("The folder %1 cannot be written: %2")
-                               .arg(absolute, workFolder.errorString()));
+    const data::WorkFolder workFolder(absolute);
     engines::createEmbedded(workFolder.path(), tables);
     if (fill) {
         const std::unique_ptr<data::Database> database =

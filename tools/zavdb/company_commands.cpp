@@ -86,10 +86,28 @@ int createDemo(const Arguments& arguments) {
     return 0;
 }
 
+/// A company's line stays one line with one tab: control characters as "\n" or "\x1B".
+QString onOneLine(const QString& text) {
+    QString line;
+    for (const QChar c : text) {
+        if (c == u'\n')
+            line += QStringLiteral("\\n");
+        else if (c == u'\r')
+            line += QStringLiteral("\\r");
+        else if (c == u'\t')
+            line += QStringLiteral("\\t");
+        else if (c.category() == QChar::Other_Control)
+            line += QStringLiteral("\\x%1").arg(uint{c.unicode()}, 2, 16, QLatin1Char('0'));
+        else
+            line += c;
+    }
+    return line;
+}
+
 int listCompanies(const Arguments&) {
     for (const QString& name : company::aliasNames()) {
         const std::optional<company::Alias> alias = company::findAlias(name);
-        printLine(name + u'\t' + (alias ? alias->physicalName : QString()));
+        printLine(onOneLine(name) + u'\t' + onOneLine(alias ? alias->physicalName : QString()));
     }
     return 0;
 }

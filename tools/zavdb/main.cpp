@@ -1,4 +1,5 @@
 #include <QCoreApplication>
+#include <QUtf8StringView>
 #include <cstdio>
 #ifdef Q_OS_WIN
 #include <fcntl.h>
@@ -27,12 +28,31 @@ void fillClosedStreams() {
 #endif
 }
 
+/// Texts of the command line are UTF-8. What is not would be taken for another name: bytes that are
+/// no character all become the same one. @return the place of the first such argument, 0: none.
+int malformedArgument([[maybe_unused]] int argc, [[maybe_unused]] char** argv) {
+#ifndef Q_OS_WIN
+    for (int i = 1; i < argc; ++i)
+        if (!QUtf8StringView(argv[i]).isValidUtf8())
+            return i;
+#endif
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     fillClosedStreams();
     platform::denyWriteToOthers();
+    platform::reportFileSizeLimit();
     const platform::Console console;
+    if (const int place = malformedArgument(argc, argv); place > 0) {
+        tools::printError(
+            QStringLiteral("Argument %1 is not valid UTF-8: \"%2\". Rename the file or folder.")
+                .arg(place)
+                .arg(QString::fromUtf8(QByteArray(argv[place]).toPercentEncoding("/ .,:_-"))));
+        return tools::kWrongUsage;
+    }
 #ifdef Q_OS_WIN
     // exported files are byte-identical on all platforms
     _setmode(_fileno(stdout), _O_BINARY);

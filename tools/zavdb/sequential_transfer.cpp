@@ -2,6 +2,7 @@
 
 #include <QFile>
 
+#include "data/record/field_check.h"
 #include "tools/zavdb/catalogue_check.h"
 #include "tools/zavdb/command.h"
 #include "tools/zavdb/progress.h"
@@ -54,9 +55,26 @@ class Loader {
         }
     }
 
+    /// Refuses what no import takes either: a price that is not a number makes every further one
+    /// such.
+    void checkNumbers(const QByteArray& record) const {
+        for (const data::TFieldCacheItem& field : m_records.layout().fields()) {
+            const QString problem =
+                data::numberProblem(field, reinterpret_cast<const uchar*>(record.constData()));
+            if (!problem.isEmpty())
+                throw CommandError(QStringLiteral("%1, record %2, byte %3: field %4 of table %5 is "
+                                                  "%6; correct the file")
+                                       .arg(m_fileName)
+                                       .arg(m_reader.number())
+                                       .arg(m_reader.offset())
+                                       .arg(field.name, m_records.layout().tableName(), problem));
+        }
+    }
+
     void insert() {
         QByteArray record = m_reader.bytes();
         record.resize(m_records.layout().recordLength(), '\0');
+        checkNumbers(record);
         try {
             m_records.insert(record);
         } catch (const data::DataError& error) {

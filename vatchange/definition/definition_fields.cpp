@@ -11,7 +11,8 @@ using D = ChangeDefinition;
 
 constexpr int kGroupDigits = 11;
 constexpr int kClassDigits = 3;
-constexpr int kCoefficientDecimals = 14;
+// More than a double near 1 has (17), so that what a calculator shows can be pasted.
+constexpr int kCoefficientDecimals = 40;
 constexpr int kLimitDecimals = 2;
 constexpr double kHighestLimit = 999999999999.99;
 

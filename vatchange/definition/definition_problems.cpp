@@ -110,6 +110,8 @@ std::vector<DefinitionProblem> definitionProblems(const LoadedDefinition& loaded
 QStringList definitionNotes(const LoadedDefinition& loaded, const CompanyFacts& facts) {
     const ChangeDefinition& d = loaded.definition;
     QStringList notes;
+    if (loaded.repeatedLine > 0)
+        notes.append(repeatedText(loaded.repeatedLine));
     for (const LoadFinding& finding : loaded.findings) {
         if (finding.kind == Kind::UnknownSource) {
             notes.append(QStringLiteral("tuntematon hinnan lähde %1=%2, hintatasoa ei muuteta")

@@ -49,9 +49,16 @@ std::vector<LoadFinding> applyLoadRules(ChangeDefinition& definition) {
     return findings;
 }
 
+QString repeatedText(int line) {
+    return QStringLiteral(
+               "määrittelyn nimi on tiedostossa toisen kerran rivillä %1: vain ensimmäinen luetaan")
+        .arg(line);
+}
+
 LoadedDefinition loadDefinition(const framework::SavedDefinition& saved) {
     const DecodedDefinition decoded = decodeDefinition(saved);
     LoadedDefinition loaded(decoded.definition);
+    loaded.repeatedLine = saved.repeatedLine;
     for (const UnreadableValue& item : decoded.unreadable) {
         loaded.findings.push_back({Kind::Unreadable, item.control, item.value,
                                    fieldText(changeField(item.control), decoded.definition)});

@@ -32,7 +32,11 @@ struct LoadedDefinition {
 
     ChangeDefinition definition;
     std::vector<LoadFinding> findings;
+    int repeatedLine = 0;  ///< SavedDefinition::repeatedLine
 };
+
+/// What the user is told of a definition whose name stands twice in the file, in Finnish.
+QString repeatedText(int line);
 
 /// Resets a level whose source is not a price column: no source, coefficient 1, VAT-free price not
 /// kept. @return whether the level has no source.

@@ -214,6 +214,8 @@ void TAlvMuutosLomake::afterLoad() {
             QStringLiteral("Kertoimia päivitetty edellisen taksavaiheen yhteydessä tallennetuista "
                            "asetuksista"));
     // unattended, the run itself refuses the definition or logs the finding
+    if (m_definition.repeatedLine > 0 && !unattended())
+        NaytaViesti(QStringLiteral("Huomaa: ") + repeatedText(m_definition.repeatedLine));
     if (!unreadable.isEmpty() && !unattended()) {
         NaytaViesti(
             QStringLiteral(

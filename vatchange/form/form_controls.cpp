@@ -72,8 +72,8 @@ framework::DecimalEdit* coefficientEdit(FormControls& controls, int tag, const Q
                                         QWidget* parent) {
     framework::DecimalEdit* edit = decimalEdit(objectName, parent);
     edit->setProperty(kTagProperty, tag);
-    edit->setFixedWidth(edit->fontMetrics().horizontalAdvance(QStringLiteral("1,00000000000000")) +
-                        18);
+    edit->setFixedWidth(
+        edit->fontMetrics().horizontalAdvance(QStringLiteral("1,0000000000000000")) + 18);
     controls.coefficients[static_cast<std::size_t>(tag - 1)] = edit;
     return edit;
 }

@@ -92,6 +92,8 @@ std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick(RunOptions options) {
     }
     setRunning(false);
     showStatus(outcomeText(m_lastRun->result));
+    if (m_lastRun->result.lostLogLines > 0 && !unattended())
+        framework::Dialogs::warning(this, lostLogText(m_lastRun->result));
     if (m_closeWhenDone)
         QTimer::singleShot(0, this, &QWidget::close);
     return m_lastRun->result;

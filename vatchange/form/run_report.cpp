@@ -59,6 +59,13 @@ void problemsPart(ReportHtml& html, const RunResult& result) {
     }
 }
 
+void lostLines(ReportHtml& html, const RunResult& result) {
+    if (result.lostLogLines == 0)
+        return;
+    html.section(QStringLiteral("Vajaa loki"));
+    html.paragraph(lostLogText(result));
+}
+
 void logPart(ReportHtml& html, const RunSummary& run) {
     const QString logName = QDir::toNativeSeparators(run.logName);
     html.section(QStringLiteral("Ajon lokirivit"));
@@ -93,6 +100,7 @@ void runPart(ReportHtml& html, const ChangeReport& report) {
                                                 : QStringLiteral("ei kirjoitettu"));
     counts(html, run.result);
     problemsPart(html, run.result);
+    lostLines(html, run.result);
     if (run.definition != report.definition) {
         html.section(QStringLiteral("Ajettu määrittely"));
         html.paragraph(
@@ -104,6 +112,13 @@ void runPart(ReportHtml& html, const ChangeReport& report) {
 
 }  // namespace
 
+QString lostLogText(const RunResult& result) {
+    return QStringLiteral(
+               "Muutosloki jäi vajaaksi, rivejä puuttuu %1. %2. Korjaa syy ennen seuraavaa ajoa; "
+               "tämän ajon tulos on raportissa.")
+        .arg(countText(result.lostLogLines), result.logProblem);
+}
+
 QString outcomeText(const RunResult& result) {
     if (result.cancelled) {
         return QStringLiteral("Muutos keskeytettiin, tuotteita muutettu %1")
@@ -113,6 +128,9 @@ QString outcomeText(const RunResult& result) {
         return QStringLiteral("Muutosta ei tehty");
     if (result.clean())
         return QStringLiteral("Muutos valmis, tuotteita muutettu %1")
+            .arg(countText(result.products));
+    if (result.failedSteps == 0 && result.skippedProducts == 0)
+        return QStringLiteral("Muutos tehty, tuotteita muutettu %1, mutta loki jäi vajaaksi")
             .arg(countText(result.products));
     return QStringLiteral("Muutos tehty, mutta kaikki ei onnistunut: katso loki");
 }

@@ -24,4 +24,7 @@ framework::Report changeReport(const ChangeReport& report);
 /// Returns the outcome of a run as a sentence for the status line and the report.
 QString outcomeText(const RunResult& result);
 
+/// What the user is told of a run whose change log lacks lines.
+QString lostLogText(const RunResult& result);
+
 }  // namespace vatchange

@@ -18,8 +18,7 @@ data::DataError withPlace(const data::DataError& error, qint64 order, const data
     if (error.table().compare(rows.tableName(), Qt::CaseInsensitive) == 0 && !rows.isEmpty())
         place += QStringLiteral(", rivi %1")
                      .arg(rows.fieldByName(QStringLiteral("RiviNro")).asInteger());
-    return {error.kind(), error.table(), place + QStringLiteral(": ") + error.detail(),
-            error.nativeCode()};
+    return error.inPlace(place);
 }
 
 }  // namespace

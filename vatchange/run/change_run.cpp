@@ -22,7 +22,7 @@ struct ErrorWording {
 
 /// Runs one step. Returns false if it failed; shows and counts the failure.
 template <typename Step>
-bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
+bool ExecWithExceptionHandling(RunContext& run, const ErrorWording& wording, Step&& step) {
     try {
         step();
         return true;
@@ -31,7 +31,7 @@ bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
         if (failure && (failure->kind() == data::ErrorKind::Locked ||
                         failure->kind() == data::ErrorKind::NoConnection))
             run.leftBehind = true;
-        const QString text = wording.before + errorText(error) + wording.after;
+        const QString text = wording.before + stepErrorText(error) + wording.after;
         ++run.result.failedSteps;
         run.result.failures += text;
         run.ports.NaytaViesti(text);
@@ -42,7 +42,7 @@ bool guarded(RunContext& run, const ErrorWording& wording, Step&& step) {
 /// Runs one step unless the user has stopped the run.
 template <typename Step>
 bool attempt(RunContext& run, const ErrorWording& wording, Step&& step) {
-    return run.stopRequested() || guarded(run, wording, step);
+    return run.stopRequested() || ExecWithExceptionHandling(run, wording, step);
 }
 
 /// Changed rows so far, as "kampanjarivit 3, tuotteet 12"; empty if none.
@@ -133,10 +133,10 @@ void convertOrders(RunContext& run) {
     }
 }
 
-void writeMark(RunContext& run) {
+void MarkVatChangeAsDone(RunContext& run) {
     if (!company::programWritesMark(run.ports.programFileName()))
         return;
-    guarded(run, {QStringLiteral("Virhe ajomerkinnän kirjoituksessa: ")}, [&] {
+    ExecWithExceptionHandling(run, {QStringLiteral("Virhe ajomerkinnän kirjoituksessa: ")}, [&] {
         company::writeExecutionMark(run.database, data::Clock::now());
         run.result.markWritten = true;
     });
@@ -171,7 +171,7 @@ void runSteps(RunContext& run) {
     if (run.stopRequested())
         reportStop(run);
     else
-        writeMark(run);
+        MarkVatChangeAsDone(run);
     reportUnfinished(run, dependents);
 }
 

@@ -45,10 +45,13 @@ struct RunResult {
     std::deque<ChangedRows> changed;  ///< in step order
     QStringList failures;             ///< error messages of the failed steps, in step order
     QString refusal;                  ///< why the run was refused
+    qint64 lostLogLines = 0;          ///< lines that the change log lacks; set by runWithSummary()
+    QString logProblem;               ///< why, in Finnish, with the file
 
     /// Complete success: exit status 0.
     bool clean() const {
-        return !refused && !cancelled && failedSteps == 0 && skippedProducts == 0;
+        return !refused && !cancelled && failedSteps == 0 && skippedProducts == 0 &&
+               lostLogLines == 0;
     }
 };
 

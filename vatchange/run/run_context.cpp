@@ -53,6 +53,14 @@ void RunContext::skipProduct(const QString& number) {
         result.skippedNumbers += number;
 }
 
+QString stepErrorText(const std::exception& error) {
+    const auto* dataError = dynamic_cast<const data::DataError*>(&error);
+    if (dataError == nullptr || dataError->kind() != data::ErrorKind::Locked)
+        return errorText(error);
+    return dataError->inFinnish({}, QStringLiteral("Riviä ei muutettu, ja vaihe päättyi siihen."))
+        .finnish();
+}
+
 bool RunContext::stopRequested() {
     ports.processEvents();
     if (ports.cancelled())

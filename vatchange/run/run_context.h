@@ -83,6 +83,10 @@ struct RunContext {
 
 using data::errorText;
 
+/// errorText() of what ended a step. A rerun does not find every row that the step left unchanged
+/// (dependent rows whose product is converted), so it does not advise to try again.
+QString stepErrorText(const std::exception& error);
+
 // The steps, in order. A step throws on failure; rows it has already changed stay changed.
 
 /// Reads the facts for checking the definition. Facts from an unreadable table stay unknown; the

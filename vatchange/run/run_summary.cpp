@@ -17,7 +17,11 @@ RunSummary runWithSummary(data::Database& database, const LoadedDefinition& defi
     summary.logName = QFileInfo(company::AlvMuutosLogName()).absoluteFilePath();
     summary.logFrom = QFileInfo(summary.logName).size();
     summary.started = data::Clock::now();
+    const qint64 lostBefore = company::lostChangeLogLines().count;
     summary.result = runChange(database, definition, ports, options);
+    summary.result.lostLogLines = company::lostChangeLogLines().count - lostBefore;
+    if (summary.result.lostLogLines > 0)
+        summary.result.logProblem = company::lostChangeLogLines().problem;
     summary.ended = data::Clock::now();
     summary.logTo = QFileInfo(summary.logName).size();
     return summary;
@@ -26,6 +30,10 @@ RunSummary runWithSummary(data::Database& database, const LoadedDefinition& defi
 LogExcerpt logLines(const RunSummary& summary) {
     LogExcerpt excerpt;
     QFile file(summary.logName);
+    if (file.exists() && !QFileInfo(file).isFile()) {  // reading a pipe could wait for ever
+        excerpt.problem = QStringLiteral("se ei ole tavallinen tiedosto");
+        return excerpt;
+    }
     if (!file.open(QIODevice::ReadOnly)) {
         excerpt.problem = file.errorString();
         return excerpt;
