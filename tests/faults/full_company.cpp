@@ -2,7 +2,13 @@
 
 #include <QDir>
 #include <QFile>
+#include <algorithm>
 #include <random>
+
+#include "company/logs.h"
+#include "data/engine/run_journal.h"
+#include "data/record/record_codec.h"
+#include "tests/support/test_company.h"
 
 namespace test {
 
@@ -113,6 +119,29 @@ Records readCompany(const QString& folder) {
             });
     }
     return all;
+}
+
+QString differingTable(const Records& left, const Records& right) {
+    const auto sorted = [](const std::map<data::RecordId, QByteArray>& byId) {
+        std::vector<QByteArray> records;
+        for (const auto& [id, record] : byId)
+            records.push_back(record);
+        std::sort(records.begin(), records.end());
+        return records;
+    };
+    for (const auto& [table, records] : left) {
+        if (sorted(records) != sorted(right.at(table)))
+            return table;
+    }
+    return {};
+}
+
+vatchange::RunResult runOrResume(data::Database& database, vatchange::RunPorts& ports) {
+    const std::vector<data::JournalRun> runs = database.journal()->runs();
+    if (!runs.empty() && runs.back().state == data::RunState::Done)
+        return {};
+    const qint64 unfinished = runs.empty() ? 0 : runs.back().number;
+    return runChange(database, fullDefinition(), ports, {unfinished, 0});
 }
 
 vatchange::ChangeDefinition fullDefinition() {

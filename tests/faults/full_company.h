@@ -32,6 +32,12 @@ void copyCompany(const QString& from, const QString& to);
 void useCompany(const QString& folder);
 std::unique_ptr<data::Database> openCompany(const QString& folder);
 Records readCompany(const QString& folder);
+/// Runs fullDefinition(): resumes the company's last run, or begins one if it has none. A run that
+/// is done is not made again; the result is then clean.
+vatchange::RunResult runOrResume(data::Database& database, vatchange::RunPorts& ports);
+/// The first table that has other records in one than in the other, their addresses aside; empty if
+/// there is none.
+QString differingTable(const Records& left, const Records& right);
 
 /// All steps, class 3 to 6, everything by 25.5/24 %.
 vatchange::ChangeDefinition fullDefinition();

@@ -154,17 +154,19 @@ TEST_F(FormRun, AsksWhatToDoAboutAnUnfinishedRunOfTheSameDefinition) {
     };
     const auto question = [this](int run) {
         return str("Tällä määrittelyllä on keskeneräinen ajo %1 (01.09.2024 06:30:00, keskeytetty)."
-                   "\nSe on muuttanut rivejä: ASALE 3, TUOTE %2.\n\nJatka ajoa tekee loput eikä "
-                   "muuta samoja rivejä uudestaan.\nAloita alusta hyväksyy keskeneräisen ajon "
+                   "\nSe on muuttanut rivejä: asiakashinnastojen rivit 3, tuotteet %2.\n\n\"Jatka "
+                   "ajoa\" tekee loput eikä "
+                   "muuta samoja rivejä uudestaan.\n\"Aloita alusta\" hyväksyy keskeneräisen ajon "
                    "sellaisena kuin se on ja tekee uuden.")
             .arg(QString::number(run), changed());
     };
     const QString resume = str("&Jatka ajoa");
     const QString anew = str("&Aloita alusta");
     const QString leave = str("Ä&lä tee mitään");
-    const QString repeated = str(
-        "Alusta aloitettu ajo kertoisi uudestaan nämä jo kerrotut rivit:\n\nASALE 3 (1 398 0 0; "
-        "1 399 0 0; 1 400 0 0)\n\nAloitetaanko silti alusta?");
+    const QString repeated =
+        str("Alusta aloitettu ajo kertoisi uudestaan nämä jo kerrotut rivit:\n\nasiakashinnastojen "
+            "rivit 3 (1 398 0 0; "
+            "1 399 0 0; 1 400 0 0)\n\nAloitetaanko silti alusta?");
     const auto customerPrices = [this](double price) {
         return m_shop.number(
             str("select count(*) from ASALE where round(Hinta, 2) = %1").arg(price));

@@ -107,8 +107,8 @@ class UnfinishedRun : public ::testing::Test {
 
 TEST_F(UnfinishedRun, StandsInTheWayOfWhatWouldMultiplyItsRowsAgain) {
     EXPECT_EQ(vatchange::repeatedRowsText(vatchange::repeatedRows(m_company.database(), 1, all())),
-              QStringLiteral("ASALE 1 (7 A2 0 1.5), KAMPPANJA 1 (A2 1), VAKIOLASKUTUS 1 (2), "
-                             "MAARAALE 1 (2)"));
+              QStringLiteral("asiakashinnastojen rivit 1 (7 A2 0 1.5), kampanjarivit 1 (A2 1), "
+                             "toistuvaislaskutuksen rivit 1 (2), määräalennukset 1 (2)"));
     ChangeDefinition campaigns = plainDefinition();
     campaigns.campaigns = true;
     campaigns.targetClass = 2;
@@ -117,7 +117,7 @@ TEST_F(UnfinishedRun, StandsInTheWayOfWhatWouldMultiplyItsRowsAgain) {
     EXPECT_EQ(m_company.ports.messages.join(u'|'),
               QStringLiteral("Määrittelyä ei ajeta: ajo 1 (määrittely Ensimmäinen, 01.09.2024 "
                              "06:30:00, vajaa) on jo muuttanut rivejä, jotka tämä ajo muuttaisi "
-                             "uudestaan: KAMPPANJA 1 (A2 1). Jatka ajoa 1, peru se (zavdb undo "
+                             "uudestaan: kampanjarivit 1 (A2 1). Jatka ajoa 1, peru se (zavdb undo "
                              "\"%1\" 1) tai hyväksy se (zavdb accept-run \"%1\" 1), ja aja "
                              "uudestaan.")
                   .arg(QStringLiteral("Koeyritys Äyräs")));

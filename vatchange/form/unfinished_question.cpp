@@ -24,8 +24,9 @@ QString question(data::RunJournal& journal, const data::JournalRun& run) {
            (done.isEmpty() ? QStringLiteral("Se ei ole muuttanut yhtään riviä.")
                            : QStringLiteral("Se on muuttanut rivejä: ") + done + u'.') +
            QStringLiteral(
-               "\r\rJatka ajoa tekee loput eikä muuta samoja rivejä uudestaan.\r"
-               "Aloita alusta hyväksyy keskeneräisen ajon sellaisena kuin se on ja tekee uuden.");
+               "\r\r\"Jatka ajoa\" tekee loput eikä muuta samoja rivejä uudestaan.\r"
+               "\"Aloita alusta\" hyväksyy keskeneräisen ajon sellaisena kuin se on ja tekee "
+               "uuden.");
 }
 
 bool agreesToRepeat(QWidget* parent, const std::vector<RepeatedRows>& rows) {

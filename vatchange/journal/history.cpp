@@ -1,6 +1,7 @@
 #include "vatchange/journal/history.h"
 
 #include <algorithm>
+#include <map>
 
 #include "vatchange/journal/run_notes.h"
 
@@ -70,10 +71,30 @@ std::vector<ChangedRecords> changedRecords(data::RunJournal& journal, qint64 run
     return counts;
 }
 
+QString tableText(const QString& table) {
+    static const std::map<QString, QString> kTexts = {
+        {QStringLiteral("ASALE"), QStringLiteral("asiakashinnastojen rivit")},
+        {QStringLiteral("KAMPPANJA"), QStringLiteral("kampanjarivit")},
+        {QStringLiteral("VAKIOLASKUTUS"), QStringLiteral("toistuvaislaskutuksen rivit")},
+        {QStringLiteral("MAARAALE"), QStringLiteral("määräalennukset")},
+        {QStringLiteral("MYYMALAHINNAT"), QStringLiteral("myymälähintojen rivit")},
+        {QStringLiteral("TRYHMA"), QStringLiteral("tuoteryhmät")},
+        {QStringLiteral("TUOTE"), QStringLiteral("tuotteet")},
+        {QStringLiteral("HR"), QStringLiteral("hyllynreunaetiketit")},
+        {QStringLiteral("WEBKLIITOS"), QStringLiteral("verkkokaupan muutosmerkinnät")},
+        {QStringLiteral("MT"), QStringLiteral("myyntitilaukset")},
+        {QStringLiteral("MTRIVI"), QStringLiteral("myyntitilausten rivit")},
+        {QStringLiteral("WINOT"), QStringLiteral("ostotilaukset")},
+        {QStringLiteral("WINOTRI"), QStringLiteral("ostotilausten rivit")},
+        {QStringLiteral("INI"), QStringLiteral("ajomerkintä")}};
+    const auto known = kTexts.find(table.toUpper());
+    return known == kTexts.end() ? table : known->second;
+}
+
 QString changedRecordsText(const std::vector<ChangedRecords>& tables) {
     QStringList texts;
     for (const ChangedRecords& table : tables)
-        texts += table.table + u' ' + QString::number(table.records);
+        texts += tableText(table.table) + u' ' + QString::number(table.records);
     return texts.join(QStringLiteral(", "));
 }
 

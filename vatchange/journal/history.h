@@ -21,6 +21,9 @@ QString runText(const data::JournalRun& run);
 std::optional<data::JournalRun> unfinishedRun(data::RunJournal& journal, const QString& name,
                                               const ChangeDefinition& definition);
 
+/// What a table that runs change holds, in Finnish: "kampanjarivit"; any other table's name.
+QString tableText(const QString& table);
+
 /// Number of records of a table that a run changed, each counted once.
 struct ChangedRecords {
     QString table;
@@ -28,7 +31,7 @@ struct ChangedRecords {
 };
 /// In the order in which the run first changed the tables.
 std::vector<ChangedRecords> changedRecords(data::RunJournal& journal, qint64 run);
-/// "ASALE 120, TUOTE 15"
+/// "asiakashinnastojen rivit 120, tuotteet 15"
 QString changedRecordsText(const std::vector<ChangedRecords>& tables);
 
 }  // namespace vatchange

@@ -8,6 +8,7 @@
 #include "data/journal/entry_fields.h"
 #include "data/record/record_codec.h"
 #include "data/sql/uni_query.h"
+#include "vatchange/journal/history.h"
 #include "vatchange/journal/run_notes.h"
 #include "vatchange/rules/dependent_statements.h"
 #include "vatchange/rules/selection.h"
@@ -173,7 +174,10 @@ QString repeatedRowsText(const std::vector<RepeatedRows>& tables) {
         QString keys = table.keys.join(QStringLiteral("; "));
         if (table.keys.size() < static_cast<qsizetype>(table.records.size()))
             keys += QStringLiteral("; ...");
-        texts += QStringLiteral("%1 %2 (%3)").arg(table.table).arg(table.records.size()).arg(keys);
+        texts += QStringLiteral("%1 %2 (%3)")
+                     .arg(tableText(table.table))
+                     .arg(table.records.size())
+                     .arg(keys);
     }
     return texts.join(QStringLiteral(", "));
 }

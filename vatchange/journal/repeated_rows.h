@@ -24,7 +24,7 @@ struct RepeatedRows {
 /// @throws data::DataError.
 std::vector<RepeatedRows> repeatedRows(data::Database& database, qint64 run,
                                        const ChangeDefinition& definition);
-/// "ASALE 2 (1001 A1 0 1; 1002 A1 0 1), KAMPPANJA 1 (A1 3)"
+/// "asiakashinnastojen rivit 2 (1001 A1 0 1; 1002 A1 0 1), kampanjarivit 1 (A1 3)"
 QString repeatedRowsText(const std::vector<RepeatedRows>& tables);
 
 }  // namespace vatchange

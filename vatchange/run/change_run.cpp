@@ -213,7 +213,14 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
         earlierRunsAllow(run, options) && enterJournal(run, loaded, options)) {
         for (const QString& note : definitionNotes(loaded, facts))
             ports.log(kNoticePrefix + note);
-        runSteps(run);
+        try {
+            runSteps(run);
+        } catch (...) {  // of the ports
+            run.leftBehind = true;
+            leaveJournal(run);
+            releaseCompany(database, ports);
+            throw;
+        }
         leaveJournal(run);
     } else {
         result.refused = true;

@@ -94,9 +94,15 @@ void abandon(RunContext& run, data::RunJournal& journal) {
 
 bool enterJournal(RunContext& run, const LoadedDefinition& loaded, const RunOptions& options) {
     data::RunJournal* journal = run.database.journal();
-    if (!journal)
-        return true;
     QString& refusal = run.result.refusal;
+    if (!journal) {
+        if (options.resume == 0)
+            return true;
+        refusal = QStringLiteral("Ajoa %1 ei voi jatkaa: yrityksellä ei ole ajopäiväkirjaa.")
+                      .arg(options.resume);
+        run.ports.NaytaViesti(refusal);
+        return false;
+    }
     try {
         QString problem;
         if (options.resume == 0)

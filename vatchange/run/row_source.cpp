@@ -53,10 +53,12 @@ void openRows(data::TUniQuery& query, const QString& text, const std::vector<Row
 void storeRows(RunContext& run, const StepRows& step, data::TUniQuery& query,
                const std::function<bool(const data::KeyValues& row)>& accepts) {
     RowListWriter writer(*run.journal, run.result.run, step.table);
-    for (; !query.eof(); query.next()) {
+    for (qint64 visited = 1; !query.eof(); query.next(), ++visited) {
         const data::KeyValues row = rowOf(query, step.columns);
         if (!accepts || accepts(row))
             writer.add(row);
+        if (visited % kRowsOfNote == 0)
+            run.ports.processEvents();
     }
     writer.finish();
 }

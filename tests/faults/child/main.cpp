@@ -3,6 +3,7 @@
 //                                       record "TABLE KEY EDITS"
 //        fault_child run FOLDER         runs the definition; prints the products converted; exit
 //                                       status 3 if another run is in progress
+//        fault_child all FOLDER         runs the definition with all steps, or resumes its run
 //        fault_child hold FOLDER KEY    locks a product until its input ends
 #include <poll.h>
 #include <unistd.h>
@@ -114,6 +115,13 @@ int run(const QString& folder) {
     return result.clean() ? 0 : 1;
 }
 
+int all(const QString& folder) {
+    const data::Clock::Override morning(test::changeMorning);
+    test::LoggingPorts ports;
+    const auto database = test::openCompany(folder);
+    return test::runOrResume(*database, ports).clean() ? 0 : 1;
+}
+
 int hold(const QString& folder, const QString& key) {
     const auto database = test::openCompany(folder);
     const auto file = database->openTable(QStringLiteral("TUOTE"));
@@ -138,6 +146,10 @@ int main(int argc, char** argv) {
             return edit(arguments[2], arguments[3].toUInt());
         if (arguments[1] == QLatin1String("run"))
             return run(arguments[2]);
+        if (arguments[1] == QLatin1String("all")) {
+            test::useCompany(arguments[2]);
+            return all(arguments[2]);
+        }
         if (arguments[1] == QLatin1String("hold") && argc == 4)
             return hold(arguments[2], arguments[3]);
     } catch (const std::exception& error) {
