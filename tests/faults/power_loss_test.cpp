@@ -43,9 +43,8 @@ class PowerLoss : public testing::Test {
         const QString folder = m_folder.filePath(QStringLiteral("yritys"));
         test::makeFullCompany(folder, kSize);
         test::useCompany(folder);
-        QFile file(folder + QLatin1Char('/') + engines::kEmbeddedFileName);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        m_start[engines::kEmbeddedFileName] = file.readAll();
+        m_start[engines::kEmbeddedFileName] =
+            test::fileBytes(folder + QLatin1Char('/') + engines::kEmbeddedFileName);
         {
             const test::RecordingFiles recording;
             MarkingPorts ports;

@@ -302,16 +302,4 @@ TEST(StoppedRun, NamesTheRowsOfAStepThatFailed) {
         QStringLiteral("voimaan: myymälähintojen rivit 1.")));
 }
 
-TEST(RunMark, IsWrittenByTheProgramAlone) {
-    RunCompany company;
-    EXPECT_FALSE(company.run(plainDefinition()).markWritten);
-    EXPECT_FALSE(company::ExecutionMarkExists(company.database()));
-    company.ports.program = QStringLiteral("TAKSAVAIHE.EXE");
-    EXPECT_TRUE(company.run(plainDefinition()).markWritten);
-    company.setNow(QDateTime(QDate(2024, 9, 2), QTime(7, 8, 9)));
-    EXPECT_TRUE(company.run(plainDefinition()).markWritten);
-    EXPECT_EQ(company.number("select count(*) from INI"), 1);
-    EXPECT_EQ(company.text("select Data from INI where Avain='20240901'"), "2024-09-02 07:08:09");
-}
-
 }  // namespace
