@@ -2,9 +2,8 @@
 #include <iterator>
 
 #include "data/error.h"
-#include "data/record/record_codec.h"
-#include "data/record/record_layout.h"
 #include "fuzz/fuzz.h"
+#include "tests/data/record_fields.h"
 
 // One field over any bytes, and any text as its value. Input: field number, record bytes, text as
 // UTF-8. A value read can be written back and reads the same; an accepted text is stored, and its
@@ -96,14 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0)
         return 0;
     const Shape& shape = kShapes[data[0] % std::size(kShapes)];
-    data::TFieldCacheItem field;
-    field.number = 1;
-    field.name = QStringLiteral("Kentta");
-    field.kindWord = static_cast<quint32>(shape.kind);
-    field.storage = shape.storage;
-    field.storedLength = shape.length;
-    field.mask = shape.mask;
-    const data::RecordLayout layout(QStringLiteral("FUZZ"), {field});
+    const auto field = test::field(shape.kind, shape.storage, shape.length, shape.mask);
 
     const QByteArray input = inputBytes(data + 1, size - 1);
     if (input.size() >= shape.length)

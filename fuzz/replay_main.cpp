@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -11,14 +12,6 @@
 // Usage: fuzz_replay TARGET FOLDER. A folder without any file is an error.
 
 namespace {
-
-const FuzzTarget* findTarget(const char* name) {
-    for (const FuzzTarget& target : kFuzzTargets) {
-        if (std::strcmp(target.name, name) == 0)
-            return &target;
-    }
-    return nullptr;
-}
 
 int replayFolder(const FuzzTarget& target, const std::filesystem::path& folder) {
     int count = 0;
@@ -38,8 +31,10 @@ int replayFolder(const FuzzTarget& target, const std::filesystem::path& folder) 
 }  // namespace
 
 int main(int argc, char** argv) {
-    const FuzzTarget* target = argc == 3 ? findTarget(argv[1]) : nullptr;
-    if (target == nullptr) {
+    const auto* target = std::find_if(
+        std::begin(kFuzzTargets), std::end(kFuzzTargets),
+        [&](const FuzzTarget& one) { return argc == 3 && std::strcmp(one.name, argv[1]) == 0; });
+    if (target == std::end(kFuzzTargets)) {
         std::fprintf(stderr, "Usage: fuzz_replay TARGET FOLDER\n");
         return 2;
     }

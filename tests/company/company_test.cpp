@@ -218,17 +218,4 @@ TEST_F(AliasesTest, ADamagedFileIsNamedAndLeftAlone) {
     EXPECT_THROW(store(), data::DataError);
 }
 
-TEST_F(AliasesTest, SelectingACompany) {
-    storeAlias({str("Eka Ö"), str("/data"), str("/oma"), str("zav")});
-    storeAlias({str("tyhjä"), {}, {}, {}});
-    ASSERT_TRUE(takeIntoUse(str("eKA Ö")));
-    EXPECT_EQ(currentCompany().name, str("Eka Ö"));
-    EXPECT_EQ(currentCompany().localFolder, str("/oma"));
-    EXPECT_EQ(currentCompany().ownerName, str("zav"));
-    EXPECT_FALSE(takeIntoUse(str("muu")));
-    EXPECT_EQ(dataFolderFile(str("f")), str("/data") + platformSeparator() + str("f"));
-    ASSERT_TRUE(takeIntoUse(str("tyhjä")));
-    EXPECT_EQ(dataFolderFile(str("f")), str("f"));
-}
-
 }  // namespace

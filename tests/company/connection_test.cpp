@@ -138,34 +138,28 @@ TEST_F(ConnectionTest, FileErrorsNameTheRemedyInFinnish) {
 }
 
 TEST_F(ConnectionTest, SwitchesTraceTheQueriesOfTheProgram) {
-    const struct {
-        const char* parameters;
-        bool connection;
-        bool statements;
-    } cases[] = {{"KOE /E", false, false},
-                 {"/unimonitor", true, true},
-                 {"KOE -UniMonitor /uniquerydebug", true, true},
-                 {"/uniquerydebug KOE", false, true},
-                 {"KOE /UNIQUERYDEBUG", false, true},
-                 {"/UNIDACDEBUG KOE", false, false},
-                 {"KOE /unidacdebug", false, true}};
-    static QStringList traced;
-    for (const auto& c : cases) {
-        setParameters(str(c.parameters).split(u' '));
-        traced.clear();
-        const QtMessageHandler previous = qInstallMessageHandler(
-            [](QtMsgType, const QMessageLogContext&, const QString& line) { traced.append(line); });
-        TZavDbConnectionModule module(opener(0), notice());
-        module.Yhdista(str("KOE"), true, false);
-        const auto query = module.LuoUniQuery({});
-        query->sql().add(str("select nimi from tryhma where nro = :nro"));
-        query->paramByName(str("nro")).setInteger(7);
-        query->open();
-        qInstallMessageHandler(previous);
-        EXPECT_EQ(traced.contains(str("connect KOE attempt 1 connected")), c.connection)
-            << c.parameters;
+    const std::tuple<const char*, bool, bool> cases[] = {
+        {"KOE /E", false, false},
+        {"/unimonitor", true, true},
+        {"KOE -UniMonitor /uniquerydebug", true, true},
+        {"/uniquerydebug KOE", false, true},
+        {"KOE /UNIQUERYDEBUG", false, true},
+        {"/UNIDACDEBUG KOE", false, false},
+        {"KOE /unidacdebug", false, true}};
+    for (const auto& [parameters, connection, statements] : cases) {
+        setParameters(str(parameters).split(u' '));
+        const QStringList traced = test::tracedBy([this] {
+            TZavDbConnectionModule module(opener(0), notice());
+            module.Yhdista(str("KOE"), true, false);
+            const auto query = module.LuoUniQuery({});
+            query->sql().add(str("select nimi from tryhma where nro = :nro"));
+            query->paramByName(str("nro")).setInteger(7);
+            query->open();
+        });
+        EXPECT_EQ(traced.contains(str("connect KOE attempt 1 connected")), connection)
+            << parameters;
         for (const char* line : {"select nimi from tryhma where nro = :nro", "  :nro = 7"})
-            EXPECT_EQ(traced.contains(str(line)), c.statements) << c.parameters << line;
+            EXPECT_EQ(traced.contains(str(line)), statements) << parameters << line;
     }
     setParameters({});
     const TZavDbConnectionModule untraced(opener(0), notice());

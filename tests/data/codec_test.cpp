@@ -7,6 +7,7 @@
 #include "data/error.h"
 #include "data/windows1252.h"
 #include "tests/data/record_fields.h"
+#include "tests/support/checks.h"
 
 using data::Kind;
 using data::Storage;
@@ -20,7 +21,7 @@ namespace {
 struct Golden {
     data::TFieldCacheItem field;
     data::Value value;
-    const char* hex;
+    const char* text;  // hexadecimal bytes, or words of the error
 };
 
 QDateTime utc(int year, int month, int day, int hour = 0, int minute = 0, int second = 0,
@@ -175,19 +176,14 @@ TEST(Codec, ValuesOfOtherTypesThatMeanTheSame) {
                                     {kDouble, -0.0, "00 00 00 00 00 00 00 00"},
                                     {kSingle, 0.1, "cd cc cc 3d"}};
     for (const Golden& c : cases) {
-        SCOPED_TRACE(c.hex);
-        EXPECT_EQ(written(c.field, c.value).toHex(), bytes(c.hex).toHex());
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(written(c.field, c.value).toHex(), bytes(c.text).toHex());
     }
 }
 
 TEST(Codec, RefusedValuesChangeNothingAndAreNamed) {
     constexpr double kInfinite = std::numeric_limits<double>::infinity();
-    struct Refused {
-        data::TFieldCacheItem field;
-        data::Value value;
-        const char* words;
-    };
-    const std::vector<Refused> cases{
+    const std::vector<Golden> cases{
         {kByte, 128, "\"128\": out of range -128..127"},
         {kByte, -129, "\"-129\": out of range"},
         {kShort, 32768, "\"32768\": out of range -32768..32767"},
@@ -220,20 +216,17 @@ TEST(Codec, RefusedValuesChangeNothingAndAreNamed) {
         {kTime, "24:00:00", "not a time"},
         {kStamp, "2024-09-01T10:00:00", "not a timestamp"},
         {kLVar, bytes("0102030405"), "longer than 4 bytes"}};
-    for (const Refused& c : cases) {
-        SCOPED_TRACE(c.words);
+    for (const Golden& c : cases) {
+        SCOPED_TRACE(c.text);
         QByteArray record(c.field.storedLength, 'x');
         const QByteArray before = record;
-        try {
+        const data::DataError error = test::thrownBy([&] {
             data::writeValue(c.field, reinterpret_cast<uchar*>(record.data()), c.value, "TAULU");
-            ADD_FAILURE() << "accepted";
-        } catch (const data::DataError& error) {
-            EXPECT_EQ(error.kind(), data::ErrorKind::BadValue);
-            EXPECT_EQ(error.table(), "TAULU");
-            EXPECT_TRUE(error.detail().startsWith("field Kentta, value \""));
-            EXPECT_TRUE(error.detail().contains(QString::fromUtf8(c.words)))
-                << error.detail().toStdString();
-        }
+        });
+        EXPECT_EQ(error.kind(), data::ErrorKind::BadValue);
+        EXPECT_EQ(error.table(), "TAULU");
+        EXPECT_TRUE(error.detail().startsWith("field Kentta, value \""));
+        EXPECT_TRUE(error.detail().contains(QString::fromUtf8(c.text))) << error.what();
         EXPECT_EQ(record, before);
     }
 }

@@ -8,6 +8,7 @@
 #include "data/error.h"
 #include "data/record/record_layout.h"
 #include "tests/data/record_fields.h"
+#include "tests/support/checks.h"
 
 using data::TTblResBase;
 using data::TTblResReader;
@@ -124,15 +125,10 @@ TEST(DictionarySource, FaultsNameFileLineAndWord) {
         {"# nothing", "no table statement"},
     };
     for (const auto& [source, words] : cases) {
-        try {
-            parse(source);
-            ADD_FAILURE() << "accepted: " << source;
-        } catch (const data::DataError& error) {
-            EXPECT_EQ(error.kind(), data::ErrorKind::Syntax);
-            EXPECT_EQ(error.table(), "koe.dict");
-            EXPECT_TRUE(error.detail().contains(QString::fromUtf8(words)))
-                << error.detail().toStdString();
-        }
+        const data::DataError error = test::thrownBy([text = source] { parse(text); });
+        EXPECT_EQ(error.kind(), data::ErrorKind::Syntax) << source;
+        EXPECT_EQ(error.table(), "koe.dict");
+        EXPECT_TRUE(error.detail().contains(QString::fromUtf8(words))) << error.what();
     }
     EXPECT_THROW(data::compileBlock(QString(), {}), data::DataError);
     EXPECT_THROW(data::compileBlock("Ł", {}), data::DataError);

@@ -7,6 +7,7 @@
 #include "data/dictionary/dictionary_source.h"
 #include "data/table/tb_table.h"
 #include "engines/embedded/embedded_database.h"
+#include "tests/support/checks.h"
 #include "tests/support/fake_client/fake_company.h"
 
 namespace test {
@@ -127,17 +128,13 @@ class KoeTable : public data::TtbTable {
     }
 };
 
-/// The kind of DataError that a call throws; nothing if it throws none.
+/// The kind of error that a call throws, and its text.
 template <typename Call>
-std::optional<data::ErrorKind> errorOf(Call call, QString* detail = nullptr) {
-    try {
-        call();
-    } catch (const data::DataError& error) {
-        if (detail != nullptr)
-            *detail = error.detail();
-        return error.kind();
-    }
-    return std::nullopt;
+data::ErrorKind errorOf(Call call, QString* detail = nullptr) {
+    const data::DataError error = thrownBy(call);
+    if (detail != nullptr)
+        *detail = error.detail();
+    return error.kind();
 }
 
 }  // namespace test

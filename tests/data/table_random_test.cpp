@@ -142,9 +142,9 @@ class RandomWalk {
     void run(int steps) {
         using Walk = RandomWalk;
         using Call = void (Walk::*)();
-        constexpr Call kCalls[] = {&Walk::first,    &Walk::last,        &Walk::next,
-                                   &Walk::next,     &Walk::next,        &Walk::prior,
-                                   &Walk::prior,    &Walk::findKey,     &Walk::findNearest,
+        constexpr Call kCalls[] = {&Walk::toEnd,    &Walk::toEnd,       &Walk::step,
+                                   &Walk::step,     &Walk::step,        &Walk::step,
+                                   &Walk::step,     &Walk::findKey,     &Walk::findNearest,
                                    &Walk::setRange, &Walk::cancelRange, &Walk::setIndex,
                                    &Walk::filter,   &Walk::insert,      &Walk::insert,
                                    &Walk::edit,     &Walk::edit,        &Walk::remove,
@@ -208,21 +208,15 @@ class RandomWalk {
         m_model.moveTo(row);
     }
 
-    void first() {
-        m_table.first();
-        m_model.moveTo(m_model.end(false));
+    void toEnd() {
+        const bool last = below(2) == 0;
+        last ? m_table.last() : m_table.first();
+        m_model.moveTo(m_model.end(last));
     }
-    void last() {
-        m_table.last();
-        m_model.moveTo(m_model.end(true));
-    }
-    void next() {
-        m_table.next();
-        m_model.step(true);
-    }
-    void prior() {
-        m_table.prior();
-        m_model.step(false);
+    void step() {
+        const bool forward = below(5) < 3;
+        forward ? m_table.next() : m_table.prior();
+        m_model.step(forward);
     }
     void cancelRange() {
         m_table.cancelRange();

@@ -1,3 +1,4 @@
+#include <QElapsedTimer>
 #include <QLocale>
 
 #include "data/record/display_format.h"
@@ -151,6 +152,39 @@ TYPED_TEST(TableOnEngine, MisuseIsRefused) {
     other.setDatabase(&this->m_engine.database());
     other.open();
     EXPECT_EQ(other.recordCount(), 15);
+}
+
+TYPED_TEST(TableOnEngine, LocksAreCountedAndEndWithTheirTable) {
+    const auto open = [](Database& database) { return database.openTable("KOE"); };
+    KoeTable(this->m_engine.database()).add(1, 1, "yksi");
+    auto mine = open(this->m_engine.database());
+    auto alsoMine = open(this->m_engine.database());
+    const auto theirs = open(this->m_engine.otherProgram());
+    this->m_engine.otherProgram().setLockWait(std::chrono::milliseconds(60));
+    const StoredRecord record = mine->fromEnd(0, Direction::Forward, 1).front();
+    constexpr std::chrono::milliseconds kWait{60};
+    ASSERT_TRUE(mine->lock(record.id, kWait));
+    ASSERT_TRUE(mine->lock(record.id, kWait));
+    EXPECT_TRUE(alsoMine->lock(record.id, kWait));  // the same program
+    alsoMine->update(record.id, record.bytes);
+    alsoMine->unlock(record.id);
+    mine->unlock(record.id);
+    QElapsedTimer time;
+    time.start();
+    EXPECT_FALSE(theirs->lock(record.id, kWait));
+    EXPECT_GE(time.elapsed(), 55);
+    EXPECT_EQ(errorOf([&] { theirs->update(record.id, record.bytes); }), ErrorKind::Locked);
+    EXPECT_EQ(errorOf([&] { theirs->remove(record.id); }), ErrorKind::Locked);
+    EXPECT_EQ(theirs->get(record.id)->bytes, record.bytes);  // still readable
+    mine->unlock(record.id);
+    EXPECT_TRUE(theirs->lock(record.id, kWait));
+    EXPECT_FALSE(mine->lock(record.id, kWait));
+    theirs->unlock(record.id);
+    ASSERT_TRUE(mine->lock(record.id, kWait));
+    EXPECT_FALSE(theirs->lock(record.id, kWait));
+    mine.reset();
+    alsoMine.reset();
+    EXPECT_TRUE(theirs->lock(record.id, kWait));
 }
 
 TYPED_TEST(TableOnEngine, TwoProgramsEditsExcludeEachOtherAndReread) {

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "engines/embedded/company_file.h"
+#include "engines/embedded/connection.h"
+#include "engines/embedded/sql_statement.h"
+#include "engines/embedded/table_file.h"
 #include "tests/data/table_fixture.h"
 
 namespace test {
@@ -13,55 +17,40 @@ struct Calls {
     std::function<void(const char*)> before;
 };
 
-class WatchedFile : public data::TableFile {
-  public:
-    WatchedFile(std::unique_ptr<data::TableFile> file, Calls& calls)
-        : m_file(std::move(file)), m_calls(calls) {}
+class WatchedFile : public engines::embedded::EmbeddedTableFile {
+    using Base = engines::embedded::EmbeddedTableFile;
+    using Records = std::vector<data::StoredRecord>;
 
-    const data::RecordLayout& layout() const override { return m_file->layout(); }
-    const std::vector<data::KeyDef>& keys() const override { return m_file->keys(); }
-    qint64 recordCount() override { return m_file->recordCount(); }
-    std::vector<data::StoredRecord> fromEnd(int key, data::Direction to, int max) override {
-        read();
-        return m_file->fromEnd(key, to, max);
+  public:
+    WatchedFile(const std::shared_ptr<engines::embedded::Connection>& connection,
+                const QString& table, Calls& calls)
+        : Base(connection, connection->table(table)), m_calls(calls) {}
+
+    Records fromEnd(int key, data::Direction to, int max) override {
+        return read(), Base::fromEnd(key, to, max);
     }
-    std::vector<data::StoredRecord> seek(int key, data::SeekOp op, const data::KeyValues& values,
-                                         int max) override {
-        read();
-        return m_file->seek(key, op, values, max);
+    Records seek(int key, data::SeekOp op, const data::KeyValues& values, int max) override {
+        return read(), Base::seek(key, op, values, max);
     }
-    std::vector<data::StoredRecord> next(int key, const data::StoredRecord& from,
-                                         data::Direction to, int max) override {
-        read();
-        return m_file->next(key, from, to, max);
-    }
-    int compare(int key, const QByteArray& record, const data::KeyValues& values) const override {
-        return m_file->compare(key, record, values);
+    Records next(int key, const data::StoredRecord& from, data::Direction to, int max) override {
+        return read(), Base::next(key, from, to, max);
     }
     std::optional<data::StoredRecord> get(data::RecordId id) override {
-        call("read");
-        return m_file->get(id);
+        return call("read"), Base::get(id);
     }
     bool lock(data::RecordId id, std::chrono::milliseconds wait) override {
-        const bool locked = m_file->lock(id, wait);
+        const bool locked = Base::lock(id, wait);
         m_calls.locks += locked;
         return locked;
     }
     void unlock(data::RecordId id) override {
-        m_file->unlock(id);
+        Base::unlock(id);
         --m_calls.locks;
     }
-    data::RecordId insert(QByteArray& bytes) override {
-        call("write");
-        return m_file->insert(bytes);
-    }
+    data::RecordId insert(QByteArray& bytes) override { return call("write"), Base::insert(bytes); }
     void update(data::RecordId id, const QByteArray& bytes) override {
         call("write");
-        m_file->update(id, bytes);
-    }
-    void remove(data::RecordId id) override {
-        call("write");
-        m_file->remove(id);
+        Base::update(id, bytes);
     }
 
   private:
@@ -74,47 +63,33 @@ class WatchedFile : public data::TableFile {
         call("read");
     }
 
-    std::unique_ptr<data::TableFile> m_file;
     Calls& m_calls;
 };
 
 /// The embedded engine with counted calls.
-class WatchedDatabase : public data::Database {
+class WatchedTestEngine : public EmbeddedTestEngine, private data::Database {
   public:
-    WatchedDatabase(data::Database& database, Calls& calls)
-        : m_database(database), m_calls(calls) {}
-
-    QString name() const override { return m_database.name(); }
-    QStringList tableNames() override { return m_database.tableNames(); }
-    std::unique_ptr<data::TableFile> openTable(const QString& tableName) override {
-        return std::make_unique<WatchedFile>(m_database.openTable(tableName), m_calls);
-    }
-    std::unique_ptr<data::SqlStatement> prepare(const QString& sql) override {
-        ++m_calls.prepared;
-        return m_database.prepare(sql);
-    }
-    void setLockWait(std::chrono::milliseconds wait) override { m_database.setLockWait(wait); }
-    bool beginRun() override { return m_database.beginRun(); }
-    void endRun() override { m_database.endRun(); }
-    void inTransaction(const std::function<void()>& body) override {
-        m_database.inTransaction(body);
-    }
-
-  private:
-    data::Database& m_database;
-    Calls& m_calls;
-};
-
-class WatchedTestEngine : public Engine {
-  public:
-    WatchedDatabase& database() override { return m_watched; }
-    data::Database& otherProgram() override { return m_engine.otherProgram(); }
+    data::Database& database() override { return *this; }
 
     Calls calls;
 
   private:
-    EmbeddedTestEngine m_engine;
-    WatchedDatabase m_watched{m_engine.database(), calls};
+    QString name() const override { return QStringLiteral("watched"); }
+    QStringList tableNames() override { return {}; }
+    std::unique_ptr<data::TableFile> openTable(const QString& tableName) override {
+        return std::make_unique<WatchedFile>(m_connection, tableName, calls);
+    }
+    std::unique_ptr<data::SqlStatement> prepare(const QString& sql) override {
+        ++calls.prepared;
+        return std::make_unique<engines::embedded::EmbeddedSqlStatement>(m_connection, sql);
+    }
+    void setLockWait(std::chrono::milliseconds) override {}
+    bool beginRun() override { return true; }
+    void endRun() override {}
+    void inTransaction(const std::function<void()>& body) override { body(); }
+
+    std::shared_ptr<engines::embedded::Connection> m_connection =
+        std::make_shared<engines::embedded::Connection>(engines::embedded::companyFile(folder()));
 };
 
 }  // namespace test

@@ -150,7 +150,7 @@ class FaultSweep : public testing::Test {
     Records m_old;
     Records m_new;
     QStringList m_logProblems;
-    const test::ChangeMorning m_morning;
+    const data::Clock::Override m_morning{test::changeMorning};
 };
 
 TEST_F(FaultSweep, EachCallFailsOnce) {

@@ -5,10 +5,7 @@
 #include <algorithm>
 #include <random>
 
-#include "company/logs.h"
 #include "data/engine/run_journal.h"
-#include "data/record/record_codec.h"
-#include "tests/support/test_company.h"
 
 namespace test {
 
@@ -160,37 +157,14 @@ vatchange::ChangeDefinition fullDefinition() {
     return definition;
 }
 
-LoggingPorts::LoggingPorts() {
-    program = QStringLiteral("taksavaihe");
-}
-
-void LoggingPorts::NaytaViesti(const QString& text) {
-    RecordingPorts::NaytaViesti(text);
-    company::WriteAlvMuutosLog(text);
-}
-
-void LoggingPorts::log(const QString& line) {
-    RecordingPorts::log(line);
-    company::WriteAlvMuutosLog(line);
-}
-
-ChangeMorning::ChangeMorning() : m_clock(changeMorning) {}
-
 std::map<QString, double> fieldByKey(data::Database& database, const QString& table,
                                      const QString& field) {
     const auto file = database.openTable(table);
-    const data::RecordLayout& layout = file->layout();
-    const data::TFieldCacheItem& key =
-        layout.field(file->keys().front().segments.front().fieldIndex);
-    const data::TFieldCacheItem& wanted = layout.field(layout.indexOf(field));
+    const QString key = file->layout().field(file->keys().front().segments.front().fieldIndex).name;
     std::map<QString, double> values;
-    file->visitStored(std::nullopt, std::numeric_limits<int>::max(),
-                      [&](data::RecordId, const QByteArray& record) {
-                          const auto* bytes = reinterpret_cast<const uchar*>(record.constData());
-                          values[data::readValue(key, bytes).toString()] =
-                              data::readValue(wanted, bytes).toDouble();
-                          return true;
-                      });
+    for (const QString& row :
+         rows(database, QStringLiteral("select %1, %2 from %3").arg(key, field, table)))
+        values[row.section(u'|', 0, 0)] = row.section(u'|', 1).toDouble();
     return values;
 }
 

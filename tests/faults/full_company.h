@@ -6,9 +6,10 @@
 #include <map>
 #include <memory>
 
-#include "data/clock.h"
+#include "company/logs.h"
 #include "data/engine/engine.h"
 #include "tests/support/recording_ports.h"
+#include "tests/support/test_company.h"
 #include "vatchange/definition/change_definition.h"
 #include "vatchange/run/change_run.h"
 
@@ -44,18 +45,15 @@ vatchange::ChangeDefinition fullDefinition();
 /// Ports that also write the change log file, as the program does.
 class LoggingPorts : public RecordingPorts {
   public:
-    LoggingPorts();
-    void NaytaViesti(const QString& text) override;
-    void log(const QString& line) override;
-};
-
-/// Sets the clock to the morning of the change during its lifetime.
-class ChangeMorning {
-  public:
-    ChangeMorning();
-
-  private:
-    data::Clock::Override m_clock;
+    LoggingPorts() { program = QStringLiteral("taksavaihe"); }
+    void NaytaViesti(const QString& text) override {
+        RecordingPorts::NaytaViesti(text);
+        company::WriteAlvMuutosLog(text);
+    }
+    void log(const QString& line) override {
+        RecordingPorts::log(line);
+        company::WriteAlvMuutosLog(line);
+    }
 };
 
 /// Values of a field by the text of key 0's first field.

@@ -3,7 +3,6 @@
 // being stored. TAKSAVAIHE_LOSSES sets how many.
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <random>
@@ -44,9 +43,8 @@ class PowerLoss : public testing::Test {
         const QString folder = m_folder.filePath(QStringLiteral("yritys"));
         test::makeFullCompany(folder, kSize);
         test::useCompany(folder);
-        QFile file(folder + QLatin1Char('/') + engines::kEmbeddedFileName);
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        m_start[engines::kEmbeddedFileName] = file.readAll();
+        m_start[engines::kEmbeddedFileName] =
+            test::fileBytes(folder + QLatin1Char('/') + engines::kEmbeddedFileName);
         {
             const test::RecordingFiles recording;
             MarkingPorts ports;
@@ -90,7 +88,7 @@ class PowerLoss : public testing::Test {
     QTemporaryDir m_folder;
     test::ReplayedFiles::Files m_start;
     Records m_done;
-    const test::ChangeMorning m_morning;
+    const data::Clock::Override m_morning{test::changeMorning};
 };
 
 TEST_F(PowerLoss, ReportedChangesAreStoredAndNoneIsPartial) {

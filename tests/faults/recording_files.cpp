@@ -7,9 +7,9 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <new>
-#include <stdexcept>
 
 #include "engines/sqlite/sqlite_handle.h"
+#include "tests/support/company_folder.h"
 
 namespace test {
 
@@ -64,50 +64,37 @@ int syncFile(sqlite3_file* file, int) {
     return SQLITE_OK;
 }
 
+// Forwards a call to the platform's file.
+template <auto kMethod>
+struct Forward;
+template <typename Result, typename... Arguments,
+          Result (*sqlite3_io_methods::*kMethod)(sqlite3_file*, Arguments...)>
+struct Forward<kMethod> {
+    static Result call(sqlite3_file* file, Arguments... arguments) {
+        return (realOf(file)->pMethods->*kMethod)(realOf(file), arguments...);
+    }
+};
+
 // Everything else is forwarded. Without xFetch: files are not mapped.
 const sqlite3_io_methods kMethods = [] {
     sqlite3_io_methods methods = {};
     methods.iVersion = 2;
     methods.xClose = closeFile;
-    methods.xRead = [](sqlite3_file* file, void* to, int count, sqlite3_int64 offset) {
-        return realOf(file)->pMethods->xRead(realOf(file), to, count, offset);
-    };
+    methods.xRead = Forward<&sqlite3_io_methods::xRead>::call;
     methods.xWrite = writeFile;
     methods.xTruncate = truncateFile;
     methods.xSync = syncFile;
-    methods.xFileSize = [](sqlite3_file* file, sqlite3_int64* size) {
-        return realOf(file)->pMethods->xFileSize(realOf(file), size);
-    };
-    methods.xLock = [](sqlite3_file* file, int kind) {
-        return realOf(file)->pMethods->xLock(realOf(file), kind);
-    };
-    methods.xUnlock = [](sqlite3_file* file, int kind) {
-        return realOf(file)->pMethods->xUnlock(realOf(file), kind);
-    };
-    methods.xCheckReservedLock = [](sqlite3_file* file, int* held) {
-        return realOf(file)->pMethods->xCheckReservedLock(realOf(file), held);
-    };
-    methods.xFileControl = [](sqlite3_file* file, int what, void* argument) {
-        return realOf(file)->pMethods->xFileControl(realOf(file), what, argument);
-    };
-    methods.xSectorSize = [](sqlite3_file* file) {
-        return realOf(file)->pMethods->xSectorSize(realOf(file));
-    };
-    methods.xDeviceCharacteristics = [](sqlite3_file* file) {
-        return realOf(file)->pMethods->xDeviceCharacteristics(realOf(file));
-    };
-    methods.xShmMap = [](sqlite3_file* file, int page, int size, int extend, void volatile** at) {
-        return realOf(file)->pMethods->xShmMap(realOf(file), page, size, extend, at);
-    };
-    methods.xShmLock = [](sqlite3_file* file, int offset, int count, int flags) {
-        return realOf(file)->pMethods->xShmLock(realOf(file), offset, count, flags);
-    };
-    methods.xShmBarrier = [](sqlite3_file* file) {
-        realOf(file)->pMethods->xShmBarrier(realOf(file));
-    };
-    methods.xShmUnmap = [](sqlite3_file* file, int remove) {
-        return realOf(file)->pMethods->xShmUnmap(realOf(file), remove);
-    };
+    methods.xFileSize = Forward<&sqlite3_io_methods::xFileSize>::call;
+    methods.xLock = Forward<&sqlite3_io_methods::xLock>::call;
+    methods.xUnlock = Forward<&sqlite3_io_methods::xUnlock>::call;
+    methods.xCheckReservedLock = Forward<&sqlite3_io_methods::xCheckReservedLock>::call;
+    methods.xFileControl = Forward<&sqlite3_io_methods::xFileControl>::call;
+    methods.xSectorSize = Forward<&sqlite3_io_methods::xSectorSize>::call;
+    methods.xDeviceCharacteristics = Forward<&sqlite3_io_methods::xDeviceCharacteristics>::call;
+    methods.xShmMap = Forward<&sqlite3_io_methods::xShmMap>::call;
+    methods.xShmLock = Forward<&sqlite3_io_methods::xShmLock>::call;
+    methods.xShmBarrier = Forward<&sqlite3_io_methods::xShmBarrier>::call;
+    methods.xShmUnmap = Forward<&sqlite3_io_methods::xShmUnmap>::call;
     return methods;
 }();
 
@@ -270,11 +257,8 @@ ReplayedFiles::Files ReplayedFiles::afterPowerLoss(std::mt19937& random) const {
 void writeFiles(const QString& folder, const ReplayedFiles::Files& files) {
     QDir(folder).removeRecursively();
     QDir().mkpath(folder);
-    for (const auto& [name, content] : files) {
-        QFile file(QDir(folder).filePath(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            throw std::runtime_error("test file cannot be written");
-    }
+    for (const auto& [name, content] : files)
+        writeFile(QDir(folder).filePath(name), content);
 }
 
 }  // namespace test

@@ -45,7 +45,7 @@ class TwoPrograms : public testing::Test {
 
     QTemporaryDir m_folder;
     std::unique_ptr<data::Database> m_database;
-    const test::ChangeMorning m_morning;
+    const data::Clock::Override m_morning{test::changeMorning};
 };
 
 TEST_F(TwoPrograms, KeepsEditsDuringRunsAndConvertsOrReportsEveryProduct) {

@@ -29,11 +29,7 @@ using FormExits = test::FormTest;
 
 TEST_F(FormExits, TabAndEnterFollowTheLayout) {
     using Keys = std::vector<Qt::Key>;
-    const struct {
-        QWidget* start;
-        Keys keys;
-        const char* path;
-    } cases[] = {
+    const std::tuple<QWidget*, Keys, const char*> cases[] = {
         {m_form->LatausCombo, Keys(14, Qt::Key_Tab),
          "Talletus Pdf Sahkoposti AliryhmaCheckBox TuoteryhmaCheckBox PaaryhmaCheckBox "
          "TuotenroCheckBox AsRyhmaCheckList LahdeAlvLuokkaEdit KohdeAlvLuokkaEdit Hinta1Edit "
@@ -43,8 +39,8 @@ TEST_F(FormExits, TabAndEnterFollowTheLayout) {
          {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Return},
          "Hinta1Edit HintaLahde1 SailytaAlv0_CheckBox1"},
     };
-    for (const auto& k : cases)
-        EXPECT_EQ(focusPath(k.start, k.keys), k.path);
+    for (const auto& [first, keys, path] : cases)
+        EXPECT_EQ(focusPath(first, keys), path);
     EXPECT_TRUE(m_shop.logMessages().isEmpty());  // Enter started no run
 
     type(c().coefficient(2), "2");
@@ -216,20 +212,16 @@ TEST_F(FormExits, CoefficientsThatKeepTheVatFreePriceFollowTheClasses) {
     c().keep(4)->click();
     c().keep(4)->click();  // unticked again
 
-    const struct {
-        QWidget* edit;
-        const char* typed;
-        double coefficient;
-    } steps[] = {
+    const std::tuple<QWidget*, const char*, double> steps[] = {
         {c().sourceClass, "3", test::k24To255},  {c().sourceClass, "2", test::k14To255},
         {c().sourceClass, "24", test::k14To255},  // class 2 while typing; 24 does not exist
         {c().targetClass, "", test::k14To255},   {c().sourceClass, "3", test::k14To255},
         {c().targetClass, "6", test::k24To255}};
-    for (const auto& step : steps) {
-        SCOPED_TRACE(step.typed);
-        type(step.edit, step.typed);
-        EXPECT_EQ(c().coefficient(1)->value(), step.coefficient);
-        EXPECT_EQ(c().coefficient(purchase)->value(), step.coefficient);
+    for (const auto& [edit, typed, coefficient] : steps) {
+        SCOPED_TRACE(typed);
+        type(edit, typed);
+        EXPECT_EQ(c().coefficient(1)->value(), coefficient);
+        EXPECT_EQ(c().coefficient(purchase)->value(), coefficient);
         EXPECT_EQ(c().coefficient(2)->value(), 1.01);
         EXPECT_EQ(c().coefficient(3)->value(), 1.008849557522124);
         EXPECT_EQ(c().coefficient(4)->value(), 1.0);

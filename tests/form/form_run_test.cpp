@@ -52,23 +52,6 @@ TEST_F(FormRun, ChangesTheProductsAndReportsIt) {
     EXPECT_FALSE(control("Keskeyta")->isEnabled());
 }
 
-TEST_F(FormRun, RefusalIsShownAndLoggedAndLeavesTheFormEditable) {
-    m_shop.addProducts(1);
-    c().targetClass->setValue(3);
-    const QString text = str("Lähteen ALV -luokka on sama kuin kohteen ALV -luokka!");
-    m_dialogs.expectMessage(text);
-    const auto result = m_form->EsikatseleClick();
-    ASSERT_TRUE(result);
-    EXPECT_TRUE(result->refused);
-    EXPECT_EQ(m_shop.logMessages(), QStringList(text));
-    EXPECT_TRUE(c().targetClass->isEnabled());
-
-    // in a batch the log has it and no dialog is shown
-    m_form->Unattended = true;
-    m_form->EsikatseleClick();
-    EXPECT_EQ(m_shop.logMessages(), QStringList({text, text}));
-}
-
 TEST_F(FormRun, AsksBeforeItRunsADefinitionWithProblems) {
     m_shop.addProducts(1);
     const auto load = [this](const QMap<QString, QString>& changed) {

@@ -4,7 +4,6 @@
 #include <QRegularExpression>
 
 #include "framework/ui/help_manual.h"
-#include "framework/ui/mail.h"
 #include "tests/form/form_test.h"
 #include "vatchange/definition/definition_codec.h"
 
@@ -106,33 +105,6 @@ TEST(Pdf, LongTablesContinueOnTheNextPage) {
     EXPECT_EQ(framework::pdfFileName(str("Alv 24/25,5: \"A\"")), str("Alv 24-25,5- -A-.pdf"));
 }
 
-// Records what would go to the mail program.
-class RecordedDesktop : public framework::Desktop {
-  public:
-    RecordedDesktop() : m_previous(setInstance(this)) {}
-    ~RecordedDesktop() override { setInstance(m_previous); }
-    Outcome run(const QString& program, const QStringList& parameters) override {
-        EXPECT_EQ(program, str("xdg-email"));
-        arguments = parameters;
-        return outcome;
-    }
-    bool open(const QUrl& address) override {
-        opened.append(address);
-        return opens;
-    }
-    Outcome sendThroughSystem(const QString&, const QString&, const QString&) override {
-        return Outcome::NotThere;
-    }
-
-    Outcome outcome = Outcome::Done;
-    bool opens = true;
-    QStringList arguments;
-    QList<QUrl> opened;
-
-  private:
-    Desktop* m_previous;
-};
-
 using FormReport = test::FormTest;
 
 TEST_F(FormReport, IsSavedAsPdfAndMailed) {
@@ -141,7 +113,7 @@ TEST_F(FormReport, IsSavedAsPdfAndMailed) {
     m_form->Pdf->click();
     EXPECT_TRUE(test::fileBytes(saved).startsWith("%PDF"));
 
-    RecordedDesktop desktop;
+    test::RecordedDesktop desktop;
     m_form->Sahkoposti->click();
     const QString file = desktop.arguments.value(desktop.arguments.indexOf(str("--attach")) + 1);
     EXPECT_TRUE(test::fileBytes(file).startsWith("%PDF")) << file.toStdString();

@@ -53,23 +53,20 @@ class SearchWindows : public test::FormTest {
 };
 
 TEST_F(SearchWindows, ButtonsPutTheChosenNumberIntoTheStartEdit) {
-    const struct {
-        const char* button;
-        const char* edit;
-        const char* chosen;
-    } cases[] = {{"AliryhmaHakuButton", "AliryhmaAlkuEdit", "102"},
-                 {"TuoteryhmaHakuButton", "TuoteryhmaAlkuEdit", "20"},
-                 {"PaaryhmaHakuButton", "PaaryhmaAlkuEdit", "2"},
-                 {"TuotehakuButton", "TuotenroAlkuEdit", "A-2"}};
-    for (const auto& k : cases) {
-        search::TBtrHakuForm* window = open(k.button);
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"AliryhmaHakuButton", "AliryhmaAlkuEdit", "102"},
+        {"TuoteryhmaHakuButton", "TuoteryhmaAlkuEdit", "20"},
+        {"PaaryhmaHakuButton", "PaaryhmaAlkuEdit", "2"},
+        {"TuotehakuButton", "TuotenroAlkuEdit", "A-2"}};
+    for (const auto& [button, edit, chosen] : cases) {
+        search::TBtrHakuForm* window = open(button);
         ASSERT_NE(window, nullptr);
         EXPECT_FALSE(window->isModal());
         window->DBGrid1->setFocus();
         QTest::keyClick(window->DBGrid1, Qt::Key_Down);
         QTest::keyClick(window->DBGrid1, Qt::Key_Return);
         EXPECT_FALSE(window->isVisible());
-        EXPECT_EQ(text(k.edit), k.chosen);
+        EXPECT_EQ(text(edit), chosen);
     }
     for (const char* last : {"AliryhmaLoppuEdit", "TuoteryhmaLoppuEdit", "PaaryhmaLoppuEdit"})
         EXPECT_EQ(text(last), "0") << last;
@@ -93,11 +90,7 @@ TEST_F(SearchWindows, OpenAtThePresentNumberAndAreKeptForTheForm) {
 }
 
 TEST_F(SearchWindows, ADraggedNumberReplacesTheTextOfARangeEdit) {
-    const struct {
-        const char* edit;
-        const char* dragged;
-        const char* text;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"AliryhmaAlkuEdit", "102", "102"},   {"AliryhmaLoppuEdit", "103", "103"},
         {"TuoteryhmaAlkuEdit", "10", "10"},   {"TuoteryhmaLoppuEdit", "20", "20"},
         {"PaaryhmaAlkuEdit", "1", "1"},       {"PaaryhmaLoppuEdit", " 2 ", "2"},
@@ -105,9 +98,9 @@ TEST_F(SearchWindows, ADraggedNumberReplacesTheTextOfARangeEdit) {
         {"PaaryhmaLoppuEdit", "Muut", "2"},  // not a number
         {"TuotenroAlkuEdit", "B 77", "B 77"},
     };
-    for (const auto& k : cases) {
-        drop(control(k.edit), str(k.dragged));
-        EXPECT_EQ(text(k.edit), k.text) << k.edit;
+    for (const auto& [edit, dragged, shown] : cases) {
+        drop(control(edit), str(dragged));
+        EXPECT_EQ(text(edit), shown) << edit;
     }
 }
 

@@ -9,8 +9,8 @@
 #include <QTextBlock>
 #include <QTreeWidget>
 
-#include "framework/ui/mail.h"
 #include "tests/support/checks.h"
+#include "tests/support/scripted_dialogs.h"
 
 using framework::HelpManual;
 using test::str;
@@ -24,24 +24,6 @@ QSet<QString> anchorsOf(const HelpManual& manual) {
         anchors.insert(section.anchor);
     }
     return anchors;
-}
-
-TEST(HelpManual, ControlNamesBelongToTheHeadingAboveThem) {
-    const HelpManual manual(
-        "# Yksi, kaksi!\n<!-- ohje: A B -->\nteksti\n```\n# ei otsikko\n```\n"
-        "## Ääkköset 2\n<!-- ohje: C -->\n");
-    ASSERT_EQ(manual.sections().size(), 2U);
-    EXPECT_EQ(manual.sections()[0].anchor, str("yksi-kaksi"));
-    EXPECT_EQ(manual.sections()[1].level, 2);
-    EXPECT_EQ(manual.names().value(str("B")), str("yksi-kaksi"));
-    EXPECT_EQ(manual.names().value(str("C")), str("ääkköset-2"));
-    EXPECT_FALSE(manual.text().contains(str("ohje:")));
-
-    QWidget window;
-    window.setObjectName(str("C"));
-    auto* inside = new QWidget(&window);
-    EXPECT_EQ(manual.sectionOf(inside), str("ääkköset-2"));
-    EXPECT_EQ(manual.sectionOf(nullptr), QString());
 }
 
 TEST(HelpManual, EveryLinkHasATarget) {
@@ -97,20 +79,11 @@ TEST(HelpWindow, ShowsSectionsGoesBackAndFindsText) {
 }
 
 TEST(HelpBrowser, OnlyLinksToTheWebLeaveTheProgram) {
-    class RecordedDesktop : public framework::Desktop {
-      public:
-        bool open(const QUrl& address) override {
-            opened.append(address);
-            return true;
-        }
-        QList<QUrl> opened;
-    } desktop;
-    framework::Desktop* previous = framework::Desktop::setInstance(&desktop);
+    const test::RecordedDesktop desktop;
     framework::HelpBrowser page(HelpManual::compiledIn(), nullptr);
     for (const char* link : {"https://example.org/", "file:///etc/hostname", "mailto:a@b",
                              "#ajomerkintä", "docs/zavdb.md"})
         Q_EMIT page.anchorClicked(QUrl(str(link)));
-    framework::Desktop::setInstance(previous);
     EXPECT_EQ(desktop.opened, QList<QUrl>({QUrl(str("https://example.org/"))}));
     EXPECT_EQ(page.source().fragment(), str("ajomerkintä"));
 }

@@ -11,24 +11,8 @@ using data::ErrorKind;
 using data::TUniQuery;
 using test::exec;
 using test::rows;
-using test::Rows;
-
-QString text(const char8_t* utf8) {
-    return QString::fromUtf8(utf8);
-}
-
-/// The kind of error that a call must throw.
-template <typename Call>
-ErrorKind kindOf(Call call) {
-    try {
-        call();
-    } catch (const DataError& error) {
-        EXPECT_FALSE(error.detail().isEmpty());
-        return error.kind();
-    }
-    ADD_FAILURE() << "no error";
-    return ErrorKind::Damaged;
-}
+using test::str;
+using test::thrownBy;
 
 class SqlBehaviour : public ::testing::TestWithParam<const char*> {
   protected:
@@ -49,7 +33,7 @@ class SqlBehaviour : public ::testing::TestWithParam<const char*> {
 };
 
 TEST_P(SqlBehaviour, ValuesComeBackAsTheyWereBound) {
-    const QString special = text(u8"Äyräs 'ö' \"å\" € ; :nimi -- /*?");
+    const QString special = str("Äyräs 'ö' \"å\" € ; :nimi -- /*?");
     exec(db(),
          "insert into KAMPPANJA (Tuote, RiviNro, Ostohinta, Myyntihinta, Prosentti, Id, "
          "PitkaTunnus, "
@@ -68,13 +52,13 @@ TEST_P(SqlBehaviour, ValuesComeBackAsTheyWereBound) {
     EXPECT_EQ(rows(db(),
                    "select Tuote, RiviNro, Ostohinta, Myyntihinta, Prosentti, Id, PitkaTunnus, "
                    "Alku, AlkuKlo from KAMPPANJA where PitkaTunnus='' and Alku = '2024-08-31'"),
-              Rows{"A 1|-32768|0.1|2.5|1|2147483647||2024-08-31|23:05:09"});
+              QStringList{"A 1|-32768|0.1|2.5|1|2147483647||2024-08-31|23:05:09"});
     // a name is bound in every place; literals and comments have no parameters
     EXPECT_EQ(rows(db(),
                    "select Lisatieto, ahinta -- not :this\n from VAKIOLASKUTUS /* nor :that */ "
                    "where Lisatieto=:l and (:L=Lisatieto or Lisatieto=':none') ",
                    {{"l", special}}),
-              Rows{(special + "|0.0000001").toStdString()});
+              QStringList{special + "|0.0000001"});
 }
 
 TEST_P(SqlBehaviour, RowsHoldWholeNumbersDoublesAndTexts) {
@@ -89,7 +73,7 @@ TEST_P(SqlBehaviour, RowsHoldWholeNumbersDoublesAndTexts) {
     EXPECT_EQ(query.fieldByName("ostohinta").asFloat(), 0.1);
     // single precision
     EXPECT_EQ(query.fieldByName("arvo").asFloat(), static_cast<double>(0.1F));
-    EXPECT_EQ(rows(db(), "select count(*) from MAARAALE"), Rows{"1"});
+    EXPECT_EQ(rows(db(), "select count(*) from MAARAALE"), QStringList{"1"});
 }
 
 // Runs behaviour.sql: "STATEMENT => ROW / ROW"; a statement without rows gives the rows affected,
@@ -101,21 +85,17 @@ TEST_P(SqlBehaviour, Statements) {
         const QString sql = line.section(QStringLiteral(" => "), 0, 0);
         if (sql.isEmpty() || sql.startsWith(u"--"))
             continue;
-        Rows got;
+        QString found;
         try {
-            got =
-                sql.startsWith(u"select") ? rows(db(), sql) : Rows{std::to_string(exec(db(), sql))};
+            found = sql.startsWith(u"select") ? rows(db(), sql).join(" / ")
+                                              : QString::number(exec(db(), sql));
         } catch (const DataError& error) {
-            got = {error.kind() == ErrorKind::NoSuchTable   ? "no such table"
-                   : error.kind() == ErrorKind::NoSuchField ? "no such field"
-                   : error.kind() == ErrorKind::Syntax      ? "syntax"
-                                                            : error.what()};
+            found = error.kind() == ErrorKind::NoSuchTable   ? "no such table"
+                    : error.kind() == ErrorKind::NoSuchField ? "no such field"
+                    : error.kind() == ErrorKind::Syntax      ? "syntax"
+                                                             : error.what();
         }
-        std::string found;
-        for (const std::string& row : got)
-            found += (found.empty() ? "" : " / ") + row;
-        EXPECT_EQ(found, line.section(QStringLiteral(" => "), 1).toStdString())
-            << sql.toStdString();
+        EXPECT_EQ(found, line.section(QStringLiteral(" => "), 1)) << sql.toStdString();
     }
     TUniQuery query(&db());
     query.sql().setText("select top 0 * from ini");
@@ -127,7 +107,7 @@ TEST_P(SqlBehaviour, Statements) {
                    {{"l", QDate(2025, 1, 2)}, {"a", QDate()}}),
               1);
     EXPECT_EQ(rows(db(), "select Loppu, Alku from KAMPPANJA where Tuote='none'"),
-              Rows{"2025-01-02|"});
+              QStringList{"2025-01-02|"});
 }
 
 TEST_P(SqlBehaviour, FunctionsGiveTheDayAndTheTime) {
@@ -184,7 +164,7 @@ TEST_P(SqlBehaviour, TransactionsAreAtomic) {
         db().inTransaction([&] { add(2); });
     });
     const auto other = m_engine->connect();
-    EXPECT_EQ(rows(*other, "select luokka from ALVKANTA order by luokka"), (Rows{"1", "2"}));
+    EXPECT_EQ(rows(*other, "select luokka from ALVKANTA order by luokka"), (QStringList{"1", "2"}));
 }
 
 TEST_P(SqlBehaviour, RowsLockedByAnotherConnectionAreALockError) {
@@ -198,12 +178,12 @@ TEST_P(SqlBehaviour, RowsLockedByAnotherConnectionAreALockError) {
         timer.start();
         if (isEmbeddedData())
             return;  // its transactions wait far longer
-        EXPECT_EQ(kindOf([&] { exec(*other, "update ALVKANTA set Prosentti=26 where luokka=1"); }),
+        EXPECT_EQ(thrownBy([&] { exec(*other, "update ALVKANTA set Prosentti=26"); }).kind(),
                   ErrorKind::Locked);
         EXPECT_LT(timer.elapsed(), 6000);
     });
     EXPECT_EQ(exec(*other, "update ALVKANTA set Prosentti=27 where luokka=1"), 1);
-    EXPECT_EQ(rows(db(), "select Prosentti from ALVKANTA"), Rows{"27"});
+    EXPECT_EQ(rows(db(), "select Prosentti from ALVKANTA"), QStringList{"27"});
 }
 
 // Some errors of a transaction appear only when it is committed.
@@ -221,7 +201,7 @@ TEST(Transactions, AFailedCommitLeavesNoneOpen) {
                  DataError);
     exec(database, "insert into koe values (2, 2)");
     test::OdbcDatabase other(settings);
-    EXPECT_EQ(rows(other, "select a from koe"), Rows{"2"});
+    EXPECT_EQ(rows(other, "select a from koe"), QStringList{"2"});
 }
 
 // A record lock of a program stops statements that come through the loadable module.
@@ -243,7 +223,8 @@ TEST(LoadableModule, RespectsRecordLocks) {
     sql.setLockWait(std::chrono::milliseconds(300));
     QElapsedTimer timer;
     timer.start();
-    EXPECT_EQ(kindOf([&] { exec(sql, "update ALVKANTA set Prosentti=14"); }), ErrorKind::Locked);
+    EXPECT_EQ(thrownBy([&] { exec(sql, "update ALVKANTA set Prosentti=14"); }).kind(),
+              ErrorKind::Locked);
     EXPECT_GE(timer.elapsed(), 300);
     EXPECT_LT(timer.elapsed(), 2000);
     // the refused statement left no lock
@@ -253,36 +234,29 @@ TEST(LoadableModule, RespectsRecordLocks) {
     records->unlock(second.at(0).id);
     records->unlock(found[0].id);
     EXPECT_EQ(exec(sql, "update ALVKANTA set Prosentti=14"), 2);
-    EXPECT_EQ(rows(*program, "select Prosentti from ALVKANTA"), (Rows{"14", "14"}));
-}
-
-QStringList& traced() {
-    static QStringList lines;
-    return lines;
+    EXPECT_EQ(rows(*program, "select Prosentti from ALVKANTA"), (QStringList{"14", "14"}));
 }
 
 TEST(Tracing, ShowsCallsStatementsAndErrorsButNoPassword) {
-    if (!test::SqlEngine::isAvailable(text(u8"sqlite")))
+    if (!test::SqlEngine::isAvailable(str("sqlite")))
         GTEST_SKIP() << "no driver";
-    const test::SqlEngine engine(text(u8"sqlite"), {text(u8"ALVKANTA")});
+    const test::SqlEngine engine(str("sqlite"), {str("ALVKANTA")});
     engines::shops::OdbcSettings settings = engine.settings();
-    settings.password = text(u8"salainen");
-    traced().clear();
-    const QtMessageHandler previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString& line) { traced().append(line); });
-    engines::shops::OdbcConnection::setTracing(true);
-    EXPECT_EQ(kindOf([&] {
-                  test::OdbcDatabase database(settings);
-                  exec(database, text(u8"update ALVKANTA set Prosentti=1"));
-                  exec(database, text(u8"update PUUTTUU set Prosentti=1"));
-              }),
-              ErrorKind::NoSuchTable);
-    engines::shops::OdbcConnection::setTracing(false);
-    qInstallMessageHandler(previous);
-    const QString all = traced().join(u'\n');
-    for (const char8_t* part : {u8"odbc SQLDriverConnect = 0 (", u8"odbc SQLExecute = ",
-                                u8"update ALVKANTA set", u8"no such table", u8"SQLDisconnect"})
-        EXPECT_TRUE(all.contains(text(part))) << all.toStdString();
+    settings.password = str("salainen");
+    const QString all = test::tracedBy([&] {
+                            engines::shops::OdbcConnection::setTracing(true);
+                            const DataError error = thrownBy([&] {
+                                test::OdbcDatabase database(settings);
+                                exec(database, "update ALVKANTA set Prosentti=1");
+                                exec(database, "update PUUTTUU set Prosentti=1");
+                            });
+                            engines::shops::OdbcConnection::setTracing(false);
+                            EXPECT_EQ(error.kind(), ErrorKind::NoSuchTable);
+                            EXPECT_FALSE(error.detail().isEmpty());
+                        }).join(u'\n');
+    for (const char* part : {"odbc SQLDriverConnect = 0 (", "odbc SQLExecute = ",
+                             "update ALVKANTA set", "no such table", "SQLDisconnect"})
+        EXPECT_TRUE(all.contains(str(part))) << all.toStdString();
     EXPECT_FALSE(all.contains(settings.password));
 }
 

@@ -12,7 +12,6 @@
 
 namespace {
 
-using test::Rows;
 using test::sourceOf;
 
 /// SQL on a server, records of an embedded company.
@@ -29,18 +28,19 @@ class ServerCompany : public test::OdbcDatabase {
 };
 
 /// Compares tables row by row; shows the first row that differs.
-void expectSame(const Rows& expected, const Rows& got, const QString& table) {
+void expectSame(const QStringList& expected, const QStringList& got, const QString& table) {
     const auto [left, right] =
         std::mismatch(expected.begin(), expected.end(), got.begin(), got.end());
     EXPECT_TRUE(left == expected.end() && right == got.end())
         << table.toStdString() << " row " << left - expected.begin() << "\n  "
-        << (left == expected.end() ? "" : *left) << "\n  " << (right == got.end() ? "" : *right);
+        << expected.value(left - expected.begin()).toStdString() << "\n  "
+        << got.value(right - got.begin()).toStdString();
 }
 
 // Without the columns that hold a time of day, since the server has its own clock, and without the
 // bytes that hold the embedded engine's bits, which are separate columns on a server.
-Rows sortedRows(data::Database& database, const QString& table,
-                const QString& condition = QStringLiteral("1 = 1")) {
+QStringList sortedRows(data::Database& database, const QString& table,
+                       const QString& condition = QStringLiteral("1 = 1")) {
     const data::TableSource source = sourceOf(table);
     QStringList names;
     for (const data::TFieldCacheItem& field : test::sqlFields(source)) {
@@ -52,8 +52,9 @@ Rows sortedRows(data::Database& database, const QString& table,
         if (field.kind() != data::Kind::Time && field.kind() != data::Kind::Timestamp && !holdsBits)
             names += field.name;
     }
-    Rows found = test::rows(database, QStringLiteral("select %1 from %2 where %3")
-                                          .arg(names.join(QStringLiteral(", ")), table, condition));
+    QStringList found =
+        test::rows(database, QStringLiteral("select %1 from %2 where %3")
+                                 .arg(names.join(QStringLiteral(", ")), table, condition));
     std::sort(found.begin(), found.end());
     return found;
 }

@@ -49,10 +49,7 @@ TEST(Dialects, CallsAreRewrittenAtAnyDepthUnlessMalformed) {
 }
 
 TEST(Dialects, EmptyDates) {
-    const struct {
-        const char* sql;
-        const char* made;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"select a from t where t.loppu='' or Loppu >= '20240901'",
          "select a from t where t.loppu IS NULL or Loppu >= {d '2024-09-01'}"},
         {"delete from t where loppu < '2024-09-01'",
@@ -61,8 +58,8 @@ TEST(Dialects, EmptyDates) {
          "update t set loppu = NULL, a='20240901' where loppu IS NOT NULL"},
         {"update t set loppu = '20241301'", "update t set loppu = '20241301'"},  // no date: stays
     };
-    for (const auto& one : cases)
-        EXPECT_EQ(rewritten("OpenLink Virtuoso VDBMS", one.sql), one.made);
+    for (const auto& [sql, made] : cases)
+        EXPECT_EQ(rewritten("OpenLink Virtuoso VDBMS", sql), made);
 }
 
 TEST(Dialects, QueriesWithSubqueries) {

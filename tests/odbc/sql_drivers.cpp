@@ -16,31 +16,24 @@ const QString kVirtuoso = QStringLiteral("virtuoso");
 
 // An INSERT leaves the kind's empty value in other columns, as in a record.
 QString sqlType(const data::TFieldCacheItem& field, const QString& single) {
-    switch (field.kind()) {
-        case data::Kind::Boolean:
-        case data::Kind::SmallInt:
-            return QStringLiteral("SMALLINT DEFAULT 0");
-        case data::Kind::Integer:
-        case data::Kind::Unsigned:
-            return QStringLiteral("INTEGER DEFAULT 0");
-        case data::Kind::LargeInt:
-            return QStringLiteral("BIGINT DEFAULT 0");
-        case data::Kind::Float:
-            return (field.storedLength == 4 ? single : QStringLiteral("DOUBLE PRECISION")) +
-                   QStringLiteral(" DEFAULT 0");
-        case data::Kind::Date:
-            return QStringLiteral("DATE");
-        case data::Kind::Time:
-            return QStringLiteral("TIME");
-        case data::Kind::Timestamp:
-            return QStringLiteral("DATETIME");
-        case data::Kind::RawBytes:
-        case data::Kind::VarBinary:
-            return QStringLiteral("VARBINARY(%1)").arg(std::max<int>(1, field.storedLength));
-        default:
-            return QStringLiteral("VARCHAR(%1) DEFAULT ''")
-                .arg(2 * std::max<int>(1, field.storedLength));
-    }
+    static const std::map<data::Kind, const char*> kTypes{
+        {data::Kind::Boolean, "SMALLINT DEFAULT 0"},
+        {data::Kind::SmallInt, "SMALLINT DEFAULT 0"},
+        {data::Kind::Integer, "INTEGER DEFAULT 0"},
+        {data::Kind::Unsigned, "INTEGER DEFAULT 0"},
+        {data::Kind::LargeInt, "BIGINT DEFAULT 0"},
+        {data::Kind::Date, "DATE"},
+        {data::Kind::Time, "TIME"},
+        {data::Kind::Timestamp, "DATETIME"},
+        {data::Kind::RawBytes, "VARBINARY(%1)"},
+        {data::Kind::VarBinary, "VARBINARY(%1)"}};
+    const int length = std::max<int>(1, field.storedLength);
+    if (field.kind() == data::Kind::Float)
+        return (length == 4 ? single : QStringLiteral("DOUBLE PRECISION")) + " DEFAULT 0";
+    const auto found = kTypes.find(field.kind());
+    if (found == kTypes.end())
+        return QStringLiteral("VARCHAR(%1) DEFAULT ''").arg(2 * length);
+    return QString(found->second).replace("%1", QString::number(length));
 }
 
 QString quoted(const QString& name) {
@@ -111,36 +104,6 @@ void SqlEngine::createTables(const QStringList& tables) const {
         exec(*m_database, QStringLiteral("CREATE TABLE %1 (%2)")
                               .arg(quoted(name), columns.join(QStringLiteral(", "))));
     }
-}
-
-qint64 exec(data::Database& database, const QString& sql, const Parameters& with) {
-    data::TUniQuery query(&database);
-    query.sql().setText(sql);
-    for (const auto& [name, value] : with)
-        query.paramByName(name).setValue(value);
-    return query.execSql();
-}
-
-Rows rows(data::Database& database, const QString& sql, const Parameters& with) {
-    data::TUniQuery query(&database);
-    query.sql().setText(sql);
-    for (const auto& [name, value] : with)
-        query.paramByName(name).setValue(value);
-    Rows lines;
-    for (query.open(); !query.eof(); query.next()) {
-        QStringList cells;
-        for (const QString& name : query.fieldNames()) {
-            const data::Value value = query.fieldByName(name).value();
-            if (value.typeId() == QMetaType::Double)
-                cells += data::shortestText(value.toDouble());
-            else if (value.typeId() == QMetaType::QByteArray)
-                cells += QString::fromLatin1(value.toByteArray().toHex());
-            else
-                cells += value.isValid() ? value.toString() : QStringLiteral("NULL");
-        }
-        lines.push_back(cells.join(QLatin1Char('|')).toStdString());
-    }
-    return lines;
 }
 
 void copyTable(data::Database& from, data::Database& to, const data::TableSource& table) {

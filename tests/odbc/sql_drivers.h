@@ -9,9 +9,10 @@
 
 #include "data/dictionary/dictionary_source.h"
 #include "data/engine/engine.h"
-#include "data/sql/uni_query.h"
 #include "engines/embedded/embedded_database.h"
 #include "engines/shops/odbc_connection.h"
+#include "tests/support/checks.h"
+#include "tests/support/sql.h"
 
 namespace test {
 
@@ -68,14 +69,6 @@ class SqlEngine {
 
 /// A table of the dictionary.
 data::TableSource sourceOf(const QString& name);
-
-/// Runs a statement without rows.
-using Parameters = std::vector<std::pair<QString, data::Value>>;
-qint64 exec(data::Database& database, const QString& sql, const Parameters& with = {});
-
-/// Rows of a query: cells joined by '|', NULL as "NULL", doubles in their shortest form.
-using Rows = std::vector<std::string>;
-Rows rows(data::Database& database, const QString& sql, const Parameters& with = {});
 
 /// Copies a table's rows by INSERT statements.
 void copyTable(data::Database& from, data::Database& to, const data::TableSource& table);

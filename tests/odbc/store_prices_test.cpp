@@ -8,7 +8,6 @@ namespace {
 
 using test::exec;
 using test::rows;
-using test::Rows;
 using vatchange::RoundingRule;
 using vatchange::RoundingStep;
 
@@ -19,12 +18,9 @@ TEST_P(StorePrices, AreRoundedByEveryStepAndRule) {
     if (!test::SqlEngine::isAvailable(name))
         GTEST_SKIP() << "the SQL servers are not running";
     const test::SqlEngine engine(name, {"MYYMALAHINNAT"});
-    struct Case {
-        RoundingStep step;
-        const char* byRule[3];  // normal, up, down; null: not valid SQL
-    };
+    // normal, up, down; null: not valid SQL
     // 8.12 x 1.255 = 10.1906; x 20 = 203.812; x 10 = 101.906
-    const Case cases[] = {
+    const std::pair<RoundingStep, std::array<const char*, 3>> cases[] = {
         {RoundingStep::Tenth, {"10.191", "10.191", "10.191"}},
         {RoundingStep::One, {"10.19", "10.19", "10.19"}},
         {RoundingStep::Five, {nullptr, "10.2", "10.15"}},
@@ -35,10 +31,11 @@ TEST_P(StorePrices, AreRoundedByEveryStepAndRule) {
          "insert into MYYMALAHINNAT (Myymala, Tuote, Hinta1, Hinta1Alv0) values (1, 'A', 1, 8.12)");
     vatchange::ChangeDefinition definition;
     definition.levels[0] = {1.0, QStringLiteral("hinta"), true};
-    for (const Case& c : cases) {
-        definition.roundingStep = c.step;
+    for (const auto& [step, byRule] : cases) {
+        definition.roundingStep = step;
         for (int rule = 0; rule < 3; ++rule) {
-            SCOPED_TRACE(std::to_string(static_cast<int>(c.step)) + " " + std::to_string(rule));
+            SCOPED_TRACE(std::to_string(static_cast<int>(step)) + " " + std::to_string(rule));
+            const char* expected = byRule.at(static_cast<size_t>(rule));
             definition.roundingRule = static_cast<RoundingRule>(rule);
             const QString update = vatchange::storePriceUpdate(
                 vatchange::storePriceAssignments(definition, vatchange::vatFactor(25.5)));
@@ -46,12 +43,12 @@ TEST_P(StorePrices, AreRoundedByEveryStepAndRule) {
                 return exec(engine.database(), update, {{"t", QStringLiteral("A")}});
             };
             exec(engine.database(), "update MYYMALAHINNAT set Hinta1 = 1");
-            if (c.byRule[rule] == nullptr)
+            if (expected == nullptr)
                 EXPECT_THROW(change(), data::DataError);
             else
                 EXPECT_EQ(change(), 1);
             EXPECT_EQ(rows(engine.database(), "select Hinta1 from MYYMALAHINNAT"),
-                      Rows{c.byRule[rule] == nullptr ? "1" : c.byRule[rule]});
+                      QStringList{expected == nullptr ? "1" : expected});
         }
     }
 }

@@ -42,13 +42,10 @@ class OrderConversion : public testing::Test {
                                .arg(row));
     }
     QString classesOf(const char* table, const char* field) {
-        QString found;
-        data::TUniQuery query(&m_company.database());
-        query.sql().setText(QStringLiteral("select %1 from %2 order by TilausNro, RiviNro")
-                                .arg(QLatin1String(field), QLatin1String(table)));
-        for (query.open(); !query.eof(); query.next())
-            found += query.fieldByName(QLatin1String(field)).asString() + u' ';
-        return found.trimmed();
+        return test::rows(m_company.database(),
+                          QStringLiteral("select %1 from %2 order by TilausNro, RiviNro")
+                              .arg(QLatin1String(field), QLatin1String(table)))
+            .join(u' ');
     }
 
     bool convertSales() {
@@ -61,14 +58,10 @@ class OrderConversion : public testing::Test {
     /// The conversion fails; its text names all parts.
     template <typename Convert>
     void expectError(data::ErrorKind kind, const QStringList& parts, Convert&& convert) {
-        try {
-            convert();
-            ADD_FAILURE() << "no error";
-        } catch (const data::DataError& error) {
-            EXPECT_EQ(error.kind(), kind);
-            for (const QString& part : parts)
-                EXPECT_TRUE(error.finnish().contains(part)) << error.what();
-        }
+        const data::DataError error = test::thrownBy(convert);
+        EXPECT_EQ(error.kind(), kind);
+        for (const QString& part : parts)
+            EXPECT_TRUE(error.finnish().contains(part)) << error.what();
         EXPECT_TRUE(m_ports.messages.isEmpty());
     }
 
@@ -153,19 +146,16 @@ TEST_F(OrderConversion, StopFinishesTheCurrentTotals) {
 }
 
 TEST_F(OrderConversion, ReportsStatusAndTrace) {
-    static QStringList traces;
-    traces.clear();
     addSalesOrder(12, 1);
     addPurchaseOrder(34, 1);
     m_purchases.keepVat0 = true;
     m_purchases.priceDecimals = 4;
     m_company.setNow(QDateTime(QDate(2024, 9, 1), QTime(7, 5, 3, 42)));
     QLoggingCategory::setFilterRules(QStringLiteral("taksavaihe.orders.debug=true"));
-    const auto previous = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString& text) { traces += text; });
-    EXPECT_TRUE(convertSales());
-    EXPECT_TRUE(convertPurchases());
-    qInstallMessageHandler(previous);
+    const QStringList traces = test::tracedBy([this] {
+        EXPECT_TRUE(convertSales());
+        EXPECT_TRUE(convertPurchases());
+    });
     QLoggingCategory::setFilterRules({});
 
     const QString comma(QLocale().decimalPoint());

@@ -10,11 +10,7 @@ using vatchange::GroupRestriction;
 const char* const kClassTerm = "( lvv = 2 OR alv2 = 2 OR ostovero = 2)";
 
 TEST(Selection, RangeAndIgnoreTerms) {
-    struct Case {
-        GroupRestriction sub;
-        const char* terms;
-    };
-    const std::vector<Case> cases = {
+    const std::pair<GroupRestriction, const char*> cases[] = {
         {{false, 1, 5, QStringLiteral("3")}, ""},
         {{true, 0, 0, {}}, ""},
         {{true, 0, 0, QStringLiteral("x,,y")}, ""},
@@ -26,12 +22,12 @@ TEST(Selection, RangeAndIgnoreTerms) {
         {{true, 1, 5, QStringLiteral("3")},
          "(AliRyhma >= 1) AND (AliRyhma <= 5) AND ( AliRyhma not in ( 3 )) AND "},
     };
-    for (const Case& c : cases) {
+    for (const auto& [sub, terms] : cases) {
         ChangeDefinition definition;
         definition.sourceClass = 2;
-        definition.subGroup = c.sub;
+        definition.subGroup = sub;
         EXPECT_EQ(vatchange::selectionCondition(definition).toStdString(),
-                  std::string(c.terms) + kClassTerm);
+                  std::string(terms) + kClassTerm);
     }
 }
 

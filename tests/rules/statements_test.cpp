@@ -24,12 +24,7 @@ TEST(Statements, FactorReadsBackAndHasAPoint) {
 }
 
 TEST(Statements, StorePriceAssignmentsByStepAndRule) {
-    struct Case {
-        RoundingStep step;
-        RoundingRule rule;
-        const char* rounded;
-    };
-    const std::vector<Case> cases = {
+    const std::tuple<RoundingStep, RoundingRule, const char*> cases[] = {
         {RoundingStep::Tenth, RoundingRule::Up, "round( ( hinta2alv0 * 1.255),3)"},
         {RoundingStep::One, RoundingRule::Normal, "round( ( hinta2alv0 * 1.255),2)"},
         {RoundingStep::Five, RoundingRule::Normal, "round( ( hinta2alv0 * 1.255)*20)/20)"},
@@ -38,17 +33,17 @@ TEST(Statements, StorePriceAssignmentsByStepAndRule) {
         {RoundingStep::Ten, RoundingRule::Down, "FLOOR((( hinta2alv0 * 1.255)* 10) ) / 10"},
         {RoundingStep::Hundredth, RoundingRule::Up, "round( ( hinta2alv0 * 1.255),4)"},
     };
-    for (const Case& c : cases) {
+    for (const auto& [step, rule, rounded] : cases) {
         ChangeDefinition definition;
         definition.levels[0] = {1.0, QStringLiteral("hinta"), false};
         definition.levels[1] = {1.0, QStringLiteral("hinta"), true};
         definition.levels[2] = {1.0, QStringLiteral("0"), true};
-        definition.roundingStep = c.step;
-        definition.roundingRule = c.rule;
+        definition.roundingStep = step;
+        definition.roundingRule = rule;
         const QString assignments =
             vatchange::storePriceAssignments(definition, vatchange::vatFactor(25.5));
         EXPECT_EQ(assignments.toStdString(),
-                  std::string(" hinta1alv0 = hinta1/1.255, hinta2 = ") + c.rounded);
+                  std::string(" hinta1alv0 = hinta1/1.255, hinta2 = ") + rounded);
     }
     EXPECT_TRUE(vatchange::storePriceAssignments(ChangeDefinition(), 1.255).isEmpty());
     EXPECT_EQ(vatchange::storePriceUpdate(QStringLiteral(" hinta1alv0 = hinta1/1.0")).toStdString(),

@@ -7,13 +7,10 @@
 #include "framework/core/settings_table.h"
 #include "tests/support/test_company.h"
 
+using test::str;
 using vatchange::WebShopMarkWriter;
 
 namespace {
-
-QString str(const char* utf8) {
-    return QString::fromUtf8(utf8);
-}
 
 class WebShopMarkTest : public ::testing::Test {
   protected:
@@ -36,20 +33,6 @@ class WebShopMarkTest : public ::testing::Test {
     QStringList m_reports;
     WebShopMarkWriter::Report m_report = [this](const QString& text) { m_reports.append(text); };
 };
-
-TEST_F(WebShopMarkTest, EveryRequestAddsOneRow) {
-    WebShopMarkWriter writer(company::companyDatabase());
-    writer.mark(str("TUOTE"), str("Ä-1"), u'M', m_report);
-    writer.mark(str("TUOTE"), str("Ä-10"), u'P', m_report);
-    writer.mark(str("TRYHMA"), str("Ä-1"), u'L', m_report);
-    writer.mark(str("TUOTE"), str("Ä-1"), u'M', m_report);
-    EXPECT_TRUE(m_reports.isEmpty()) << m_reports.join(u'\n').toStdString();
-    const QRegularExpression twice(str("^(TUOTE\\|Ä-1\\|M\\|2024-09-01\\|03:04:05[^|]*\\| ){2}$"));
-    EXPECT_TRUE(twice.match(rows(str("Ä-1"))).hasMatch()) << rows(str("Ä-1")).toStdString();
-    EXPECT_TRUE(rows(str("Ä-10")).startsWith(str("TUOTE|Ä-10|P|")));
-    EXPECT_EQ(rows(str("Ä-10")).count(u' '), 1);
-    EXPECT_FALSE(QFile::exists(m_company.file(str("WEBKAUPPA.LOG"))));
-}
 
 TEST_F(WebShopMarkTest, LetterDependsOnThePendingMark) {
     const std::pair<const char*, const char*> cases[] = {

@@ -11,10 +11,8 @@ using search::LookupCache;
 using test::str;
 
 TEST(ProductColumns, QuantitiesInPortionsAndPlain) {
-    const struct {
-        search::StockUnit unit;
-        std::vector<std::pair<double, const char*>> shown;
-    } cases[] = {
+    using Shown = std::vector<std::pair<double, const char*>>;
+    const std::pair<search::StockUnit, Shown> cases[] = {
         // of -2.75 bottles three quarters are 30 cl; 2.9999999999 is a sum of decimals meaning 3
         {{str("PLO"), 4, 10},
          {{3.25, "3P 10.0cl"},
@@ -31,40 +29,10 @@ TEST(ProductColumns, QuantitiesInPortionsAndPlain) {
          {{3.25, "3.25"}, {7, "7"}, {-1.5, "-1.5"}, {0.1234, "0.123"}, {0, "0"}}},
         {{QString(), 4, 10}, {{3.25, "3.25"}}},
     };
-    for (const auto& c : cases)
-        for (const auto& [quantity, shown] : c.shown)
-            EXPECT_EQ(search::quantityText(quantity, c.unit, u'.').toStdString(), shown);
+    for (const auto& [unit, texts] : cases)
+        for (const auto& [quantity, shown] : texts)
+            EXPECT_EQ(search::quantityText(quantity, unit, u'.').toStdString(), shown);
     EXPECT_EQ(search::quantityText(3.25, {str("PLO"), 4, 10}, u',').toStdString(), "3P 10,0cl");
-}
-
-TEST(ProductColumns, FreeQuantityAndSituation) {
-    EXPECT_EQ(search::freeQuantity({5, 0, 2, 3}), 4);
-    EXPECT_EQ(search::freeQuantity({1, 2, 4, 8}), -1);
-    EXPECT_EQ(search::stockSituationText({5, 0.5, 2, 3}, {}, u',').toStdString(), "5=0,5/2,  3");
-    EXPECT_EQ(
-        search::stockSituationText({3.25, 0, 1, 0.5}, {str("PLO"), 4, 10}, u'.').toStdString(),
-        "3P 10.0cl=0P 0.0cl/1P 0.0cl,  0P 20.0cl");
-}
-
-TEST(ProductColumns, PricesWithoutVat) {
-    const std::tuple<double, double, const char*> cases[] = {
-        {12.4, 24, "10.00"}, {12.55, 25.5, "10.00"}, {10, 0, "10.00"},
-        {1, 24, "0.81"},     {0, 24, "0.00"},        {-12.4, 24, "-10.00"}};
-    for (const auto& [price, rate, shown] : cases)
-        EXPECT_EQ(search::priceWithoutVatText(price, rate, u'.').toStdString(), shown);
-}
-
-TEST(ProductColumns, PriceFormatGivesTheDecimals) {
-    // everything after the first point counts
-    const std::pair<const char*, const char*> cases[] = {{"#######.##", "#0.00"},
-                                                         {"#####.###", "#0.000"},
-                                                         {"0.0000", "#0.0000"},
-                                                         {"######", "#0."},
-                                                         {"", "#0."},
-                                                         {"###.", "#0."},
-                                                         {"#.#.#", "#0.000"}};
-    for (const auto& [setting, format] : cases)
-        EXPECT_EQ(search::priceDisplayFormat(str(setting)).toStdString(), format) << setting;
 }
 
 TEST(ProductColumns, QuickSearchKeyByTheFirstLetter) {

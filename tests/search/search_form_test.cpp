@@ -252,28 +252,24 @@ TEST_F(SearchFormTest, ChoosesAndCloses) {
 
 TEST_F(SearchFormTest, ChoosesNothingInsteadOfARowThatIsGone) {
     test::ScriptedDialogs dialogs;
-    const struct {
-        int row;
-        const char* sql;
-        bool reread;  // the row is blank then
-        const char* left;
-    } cases[] = {
+    // row, statement, whether the row is read again and blank, what is left
+    const std::tuple<int, const char*, bool, const char*> cases[] = {
         {2, "delete from TUOTE where NUMERO = '341'", false, "200 34 35 ABC"},
         {2, "update TUOTE set passiivinen = 1 where NUMERO = '35'", false, "200 34 ABC"},
         {1, "update TUOTE set NUMERO = '36' where NUMERO = '34'", false, "200 36 ABC"},
         {2, "delete from TUOTE where NUMERO = 'ABC'", true, "200 36"},
     };
-    for (const auto& c : cases) {
-        m_form->DBGrid1->setCurrentIndex(m_form->model().index(c.row, 0));
-        m_company.exec(str(c.sql));
-        if (c.reread)
+    for (const auto& [row, sql, reread, left] : cases) {
+        m_form->DBGrid1->setCurrentIndex(m_form->model().index(row, 0));
+        m_company.exec(str(sql));
+        if (reread)
             m_form->model().reread();
         dialogs.expectMessage(
             str("Riviä ei voi valita: se on poistettu tai sitä on muutettu muualla. "
                 "Rivit luettiin uudelleen."));
         QTest::keyClick(m_form->DBGrid1, Qt::Key_Return);
-        EXPECT_TRUE(dialogs.allShown() && m_form->isVisible()) << c.sql;
-        EXPECT_EQ(numbers(), c.left) << c.sql;
+        EXPECT_TRUE(dialogs.allShown() && m_form->isVisible()) << sql;
+        EXPECT_EQ(numbers(), left) << sql;
     }
     EXPECT_EQ(m_chosen, QStringList());
     QTest::keyClick(m_form->DBGrid1, Qt::Key_End);

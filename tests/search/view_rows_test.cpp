@@ -16,12 +16,9 @@
 using namespace search;
 using data::Direction;
 using data::StoredRecord;
+using test::str;
 
 namespace {
-
-QString str(const char* text) {
-    return QString::fromUtf8(text);
-}
 
 constexpr int kProducts = 6000;  // some steps of KeyPlaces, and many walks' slices
 

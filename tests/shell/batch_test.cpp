@@ -56,14 +56,7 @@ struct Recorder {
 TEST(Batch, RunsTheListInOrderUnlessSomethingForbidsIt) {
     const QString a = str("|Aloitetaan muutos määrittelylle: a|run a");
     const QString c = str("|Aloitetaan muutos määrittelylle: c|run c");
-    const struct {
-        const char* list;
-        bool marked;
-        const char* problems;
-        bool bIsDamaged;
-        ExitStatus status;
-        QString events;
-    } cases[] = {
+    const std::tuple<const char*, bool, const char*, bool, ExitStatus, QString> cases[] = {
         {"c - a -", false, "", false, ExitStatus::Done, str("general: lista|open") + c + a},
         {"C", false, "", false, ExitStatus::Done,
          str("general: lista|open|Aloitetaan muutos määrittelylle: C|run C")},
@@ -80,13 +73,13 @@ TEST(Batch, RunsTheListInOrderUnlessSomethingForbidsIt) {
         {"a b c", false, "", true, ExitStatus::Failed,
          str("general: lista|open") + a + str("|Määrittelyä ei ajeta: \"b\": rivi 3") + c},
     };
-    for (const auto& t : cases) {
+    for (const auto& [list, marked, problems, bIsDamaged, status, events] : cases) {
         Recorder r;
-        r.marked = t.marked;
-        r.problems = str(t.problems).split(u'|', Qt::SkipEmptyParts);
-        r.bIsDamaged = t.bIsDamaged;
-        EXPECT_EQ(r.run(t.list), t.status) << t.list;
-        EXPECT_EQ(r.events.join(u'|'), t.events) << t.list;
+        r.marked = marked;
+        r.problems = str(problems).split(u'|', Qt::SkipEmptyParts);
+        r.bIsDamaged = bIsDamaged;
+        EXPECT_EQ(r.run(list), status) << list;
+        EXPECT_EQ(r.events.join(u'|'), events) << list;
     }
 
     Recorder r;

@@ -169,30 +169,6 @@ TEST_F(Program, OnlyDamagedDefinitionsAreNotRun) {
     EXPECT_TRUE(m_errors.contains(file)) << m_errors.toStdString();
 }
 
-TEST_F(Program, ADefinitionWithProblemsIsRefusedAndChangesNothing) {
-    auto bad = *m_store.load(m_form, str("Alv255"));
-    bad.name = str("Huono");
-    bad.values.remove(str("LahdeAlvLuokkaEdit"));  // 0 would select every product without a class
-    bad.values.insert(str("OstohintaEdit"), str("1,1"));
-    m_store.save(m_form, bad);
-    m_shop.exec(str("insert into TUOTE (NUMERO, HINTA, LVV) values ('ilman', 10, 0)"));
-    setBatch("Huono");
-    EXPECT_EQ(runBatch(), 1);
-    EXPECT_EQ(
-        m_shop.logMessages().join(u'|'),
-        str("Aloitetaan muutos määrittelylle: Huono|Määrittelyä ei ajeta: OstohintaEdit=1,1 "
-            "(Ostohinta): arvoa ei voi lukea; LahdeAlvLuokkaEdit= (Vanha luokka): arvo puuttuu "
-            "määrittelystä"));
-    EXPECT_EQ(prices(), str("30"));
-    EXPECT_FALSE(marked());
-
-    setBatch("Huono", "Alv255");
-    EXPECT_EQ(runBatch(), 1);
-    EXPECT_EQ(prices(), str("30.24"));
-    EXPECT_EQ(m_shop.text(str("select LVV from TUOTE where NUMERO = 'ilman'")), str("0"));
-    EXPECT_TRUE(marked());
-}
-
 TEST_F(Program, AMissingPriceLevelEndsTheBatchWithALine) {
     setBatch("Alv255");
     m_shop.exec(str("delete from HINTATASO where Nro = 4"));

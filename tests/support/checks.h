@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QString>
+#include <QStringList>
 
 #include "data/error.h"
 
@@ -13,6 +13,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
+
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
 
 namespace test {
 
@@ -30,6 +34,18 @@ data::DataError thrownBy(Call&& call) {
     }
     ADD_FAILURE() << "no error";
     return data::DataError(data::ErrorKind::Io, {}, {});
+}
+
+/// The lines that a call traces.
+template <typename Call>
+QStringList tracedBy(Call&& call) {
+    static QStringList lines;
+    lines.clear();
+    const QtMessageHandler previous = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& line) { lines += line; });
+    call();
+    qInstallMessageHandler(previous);
+    return lines;
 }
 
 #ifndef Q_OS_WIN

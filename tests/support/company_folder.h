@@ -1,14 +1,13 @@
 #pragma once
 
-#include <QFile>
 #include <QString>
 #include <QTemporaryDir>
-#include <stdexcept>
 
 #include "company/aliases.h"
 #include "company/company.h"
 #include "company/connection_module.h"
 #include "tests/support/checks.h"
+#include "tests/support/files.h"
 
 namespace test {
 
@@ -33,16 +32,5 @@ class CompanyFolder {
     QString m_name;
     QTemporaryDir m_folder;
 };
-
-inline QByteArray fileBytes(const QString& fileName) {
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-inline void writeFile(const QString& fileName, const QByteArray& bytes) {
-    QFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        throw std::runtime_error("test file cannot be written");
-}
 
 }  // namespace test

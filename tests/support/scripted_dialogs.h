@@ -6,6 +6,7 @@
 #include <deque>
 
 #include "framework/ui/dialogs.h"
+#include "framework/ui/mail.h"
 
 namespace test {
 
@@ -66,6 +67,33 @@ class ScriptedDialogs : public framework::DialogHandler {
     std::deque<Expected> m_expected;
     QString m_lastText;
     framework::MessageKind m_lastKind = framework::MessageKind::Information;
+};
+
+/// Records what would go to the mail program or the browser.
+class RecordedDesktop : public framework::Desktop {
+  public:
+    RecordedDesktop() : m_previous(setInstance(this)) {}
+    ~RecordedDesktop() override { setInstance(m_previous); }
+    Outcome run(const QString& program, const QStringList& parameters) override {
+        EXPECT_EQ(program, QStringLiteral("xdg-email"));
+        arguments = parameters;
+        return outcome;
+    }
+    bool open(const QUrl& address) override {
+        opened.append(address);
+        return opens;
+    }
+    Outcome sendThroughSystem(const QString&, const QString&, const QString&) override {
+        return Outcome::NotThere;
+    }
+
+    Outcome outcome = Outcome::Done;
+    bool opens = true;
+    QStringList arguments;
+    QList<QUrl> opened;
+
+  private:
+    Desktop* m_previous;
 };
 
 }  // namespace test

@@ -8,20 +8,14 @@
 #include <memory>
 
 #include "data/clock.h"
-#include "data/sql/uni_query.h"
 #include "engines/embedded/embedded_database.h"
 #include "tests/support/company_folder.h"
+#include "tests/support/sql.h"
 
 namespace test {
 
 /// Per cent by VAT class.
 using VatRates = std::map<int, double>;
-
-inline qint64 exec(data::Database& database, const QString& sql) {
-    data::TUniQuery query(&database);
-    query.sql().setText(sql);
-    return query.execSql();
-}
 
 /// Creates a company's database with these VAT classes and no other rows.
 inline void createCompany(const QString& folder, const VatRates& rates,
@@ -59,19 +53,13 @@ class TestCompany : public CompanyFolder {
     }
 
     qint64 exec(const QString& sql) const { return test::exec(database(), sql); }
-    /// First column of the first row. No row fails the test.
-    data::Value cell(const QString& sql) const {
-        data::TUniQuery query(&database());
-        query.sql().setText(sql);
-        query.open();
-        if (query.eof()) {
-            ADD_FAILURE() << "no row: " << sql.toStdString();
-            return {};
-        }
-        return query.fieldByName(query.fieldNames().first()).value();
+    /// First row. No row fails the test.
+    QString text(const QString& sql) const {
+        const QStringList found = rows(database(), sql);
+        EXPECT_FALSE(found.isEmpty()) << "no row: " << sql.toStdString();
+        return found.value(0);
     }
-    double number(const QString& sql) const { return cell(sql).toDouble(); }
-    QString text(const QString& sql) const { return cell(sql).toString(); }
+    double number(const QString& sql) const { return text(sql).toDouble(); }
     /// The records of every table, byte for byte.
     std::map<QString, QList<QByteArray>> everything() const {
         std::map<QString, QList<QByteArray>> tables;

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-
-#include "tests/support/temporary_settings.h"
+#include <QTemporaryDir>
 
 // One application object per test program, offscreen and with its own settings.
 int main(int argc, char** argv) {
-    qputenv("XDG_CONFIG_HOME", test::settingsFolder().toLocal8Bit());
+    static const QTemporaryDir settings;
+    qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);

@@ -5,7 +5,7 @@
 #include "tests/engines/embedded/fixture.h"
 
 using namespace data;
-using test::errorOf;
+using test::thrownBy;
 
 namespace {
 
@@ -59,7 +59,7 @@ TEST_F(Journal, HoldsWhatWasStoredInItsOrderAndNothingElse) {
     run("insert into TRYHMA (Nro, NIMI) values (8, 'Liimat')");
     journal().mark("raja");
     // neither a failed statement nor a table first used by it leaves a trace
-    EXPECT_EQ(errorOf([&] { run("insert into TRYHMA (Nro) values (8)"); }).kind(),
+    EXPECT_EQ(thrownBy([&] { run("insert into TRYHMA (Nro) values (8)"); }).kind(),
               ErrorKind::DuplicateKey);
     run("delete from TRYHMA where Nro = 8");
     db.reset();  // the process dies

@@ -7,9 +7,9 @@
 #include "tests/engines/embedded/fixture.h"
 
 using namespace data;
-using test::errorOf;
 using test::fieldOf;
 using test::setField;
+using test::thrownBy;
 
 namespace {
 
@@ -173,12 +173,12 @@ TEST_F(EmbeddedKeys, NextContinuesAfterADeletedRecordAndIdsAreNotReused) {
     EXPECT_EQ(file->next(0, stored[2], Direction::Forward, 1).at(0).id, stored[3].id);
     EXPECT_EQ(file->next(0, stored[2], Direction::Backward, 1).at(0).id, stored[1].id);
     EXPECT_FALSE(file->get(stored[2].id).has_value());
-    const DataError gone = errorOf([&] { file->update(stored[2].id, stored[2].bytes); });
+    const DataError gone = thrownBy([&] { file->update(stored[2].id, stored[2].bytes); });
     EXPECT_EQ(gone.kind(), ErrorKind::Gone);
     EXPECT_EQ(gone.finnish(),
               QString("Tietue on sillä välin poistettu: TRYHMA: toinen ohjelma poisti sen. Hae "
                       "tiedot uudelleen."));
-    EXPECT_EQ(errorOf([&] { file->remove(stored[2].id); }).kind(), ErrorKind::Gone);
+    EXPECT_EQ(thrownBy([&] { file->remove(stored[2].id); }).kind(), ErrorKind::Gone);
     run("delete from tryhma");
     file.reset();
     db = engines::openEmbedded("KOE", folder());
@@ -197,7 +197,7 @@ TEST_F(EmbeddedKeys, UniqueKeysAndNumbersGivenOut) {
     EXPECT_EQ(insert(0), 1);
     EXPECT_EQ(insert(7), 7);
     EXPECT_EQ(insert(0), 8);
-    const DataError error = errorOf([&] { insert(7); });
+    const DataError error = thrownBy([&] { insert(7); });
     EXPECT_EQ(error.kind(), ErrorKind::DuplicateKey);
     EXPECT_EQ(error.table(), "UUSIHINTA");
     EXPECT_TRUE(error.detail().contains("Avain \"7\"")) << error.english().toStdString();
@@ -208,12 +208,12 @@ TEST_F(EmbeddedKeys, UniqueKeysAndNumbersGivenOut) {
     EXPECT_EQ(file->recordCount(), 4);
 
     // Changing a key moves the record; a duplicate changes nothing.
-    EXPECT_EQ(errorOf([&] { run("update uusihinta set avain = 8 where avain = 7"); }).kind(),
+    EXPECT_EQ(thrownBy([&] { run("update uusihinta set avain = 8 where avain = 7"); }).kind(),
               ErrorKind::DuplicateKey);
     EXPECT_EQ(run("update uusihinta set avain = 70 where avain = 7"), 1);
     EXPECT_TRUE(file->seek(0, SeekOp::Equal, {7}, 1).empty());
     EXPECT_EQ(rows("select max(avain) from uusihinta"), QStringList{"70"});
-    EXPECT_EQ(errorOf([&] { file->seek(0, SeekOp::Equal, {"abc"}, 1); }).kind(),
+    EXPECT_EQ(thrownBy([&] { file->seek(0, SeekOp::Equal, {"abc"}, 1); }).kind(),
               ErrorKind::BadValue);
     EXPECT_EQ(engines::checkEmbedded(folder()), QStringList());
 }
@@ -246,7 +246,7 @@ TEST_F(EmbeddedKeys, CatalogueGivesTheSourcesLayouts) {
             EXPECT_EQ(fields.join(' ').toLower(), source.keys[k].fields.join(' ').toLower());
         }
     }
-    const DataError missing = errorOf([&] { db->openTable("PUUTTUU"); });
+    const DataError missing = thrownBy([&] { db->openTable("PUUTTUU"); });
     EXPECT_EQ(missing.kind(), ErrorKind::NoSuchTable);
     EXPECT_EQ(missing.finnish(),
               QString("Taulua ei ole tietokannassa: PUUTTUU: sitä ei ole tietokannan hakemistossa "

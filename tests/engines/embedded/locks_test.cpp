@@ -6,8 +6,8 @@
 
 using namespace data;
 using namespace std::chrono_literals;
-using test::errorOf;
 using test::setField;
+using test::thrownBy;
 
 namespace {
 
@@ -31,24 +31,6 @@ class EmbeddedLocks : public test::EmbeddedCompany {
 
 }  // namespace
 
-TEST_F(EmbeddedLocks, ALockIsCountedAndSeenByOthers) {
-    const RecordId id = group(2).id;
-    EXPECT_TRUE(mine->lock(id, 0ms));
-    EXPECT_TRUE(mine->lock(id, 0ms));
-    EXPECT_TRUE(db->openTable("tryhma")->lock(id, 0ms));  // same program; released with its table
-    EXPECT_FALSE(theirs->lock(id, 0ms));
-    EXPECT_TRUE(theirs->lock(group(1).id, 0ms));
-    mine->unlock(id);
-    EXPECT_FALSE(theirs->lock(id, 0ms));
-    mine->unlock(id);
-    EXPECT_TRUE(theirs->lock(id, 0ms));
-    EXPECT_FALSE(mine->lock(id, 0ms));
-    // Closing a connection releases its locks.
-    theirs.reset();
-    other.reset();
-    EXPECT_TRUE(mine->lock(id, 0ms));
-}
-
 TEST_F(EmbeddedLocks, AWaitEndsAtUnlockOrTimeout) {
     const RecordId id = group(1).id;
     ASSERT_TRUE(theirs->lock(id, 0ms));
@@ -70,22 +52,22 @@ TEST_F(EmbeddedLocks, AStatementStopsAtAHeldRecordAndChangesNothing) {
     ASSERT_TRUE(theirs->lock(held.id, 0ms));
     for (const char* sql : {"update tryhma set vero = vero + 1", "delete from tryhma",
                             "update tryhma set nimi = 'x' where nro = 2"}) {
-        const DataError error = errorOf([&] { run(sql); });
+        const DataError error = thrownBy([&] { run(sql); });
         EXPECT_EQ(error.kind(), ErrorKind::Locked) << sql;
         EXPECT_EQ(error.table(), "TRYHMA");
         EXPECT_TRUE(error.detail().contains("Nro \"2\"")) << error.english().toStdString();
         EXPECT_TRUE(error.finnish().contains("TRYHMA: tietue Nro \"2\". "));
     }
-    EXPECT_EQ(errorOf([&] { mine->update(held.id, held.bytes); }).kind(), ErrorKind::Locked);
-    EXPECT_EQ(errorOf([&] { mine->remove(held.id); }).kind(), ErrorKind::Locked);
+    EXPECT_EQ(thrownBy([&] { mine->update(held.id, held.bytes); }).kind(), ErrorKind::Locked);
+    EXPECT_EQ(thrownBy([&] { mine->remove(held.id); }).kind(), ErrorKind::Locked);
     EXPECT_EQ(
-        errorOf([&] { db->inTransaction([&] { run("update tryhma set vero = 9"); }); }).kind(),
+        thrownBy([&] { db->inTransaction([&] { run("update tryhma set vero = 9"); }); }).kind(),
         ErrorKind::Locked);
     EXPECT_EQ(rows("select nro, nimi, vero from tryhma order by nro"),
               (QStringList{"1|A|0", "2|B|0", "3|C|0"}));
     // The failed statements left no lock; the holder's own statements succeed and keep its lock.
     EXPECT_TRUE(theirs->lock(group(1).id, 0ms));
-    EXPECT_EQ(run("update tryhma set vero = vero + 1", {}, other.get()), 3);
+    EXPECT_EQ(test::exec(*other, "update tryhma set vero = vero + 1"), 3);
     EXPECT_FALSE(mine->lock(held.id, 0ms));
     EXPECT_TRUE(mine->lock(group(3).id, 0ms));
     EXPECT_EQ(run("update tryhma set vero = 7 where nro = 3"), 1);
@@ -118,7 +100,7 @@ TEST_F(EmbeddedLocks, ManyRecordsOfOneStatement) {
     const RecordId even = group(4000).id;  // not written by the statement, but in its table
     const RecordId own = group(4001).id;
     ASSERT_TRUE(theirs->lock(even, 0ms));
-    EXPECT_EQ(errorOf([&] { run(odd); }).kind(), ErrorKind::Locked);
+    EXPECT_EQ(thrownBy([&] { run(odd); }).kind(), ErrorKind::Locked);
     EXPECT_EQ(rows("select count(*) from tryhma where vero = 5"), QStringList{"0"});
     theirs->unlock(even);
     ASSERT_TRUE(mine->lock(own, 0ms));
@@ -126,15 +108,4 @@ TEST_F(EmbeddedLocks, ManyRecordsOfOneStatement) {
     EXPECT_FALSE(theirs->lock(own, 0ms));
     EXPECT_TRUE(theirs->lock(even, 0ms));
     EXPECT_TRUE(theirs->lock(group(4003).id, 0ms));
-}
-
-TEST_F(EmbeddedLocks, OneRunAtATime) {
-    EXPECT_TRUE(db->beginRun());
-    EXPECT_FALSE(other->beginRun());
-    db->endRun();
-    EXPECT_TRUE(other->beginRun());
-    EXPECT_FALSE(db->beginRun());
-    theirs.reset();
-    other.reset();
-    EXPECT_TRUE(db->beginRun());
 }

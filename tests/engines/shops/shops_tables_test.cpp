@@ -2,33 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
-
 #include "data/record/record_codec.h"
 #include "engines/embedded/embedded_database.h"
+#include "tests/support/checks.h"
 #include "tests/support/fake_client/fake_company.h"
 
 using namespace data;
 using engines::shops::ShopsDatabaseSettings;
 using engines::shops::ShopsTables;
 using test::FakeDatabases;
+using test::str;
+using test::thrownBy;
 
 namespace {
-
-QString str(const char* text) {
-    return QString::fromUtf8(text);
-}
-
-template <typename Call>
-DataError errorOf(Call call) {
-    try {
-        call();
-    } catch (const DataError& error) {
-        return error;
-    }
-    ADD_FAILURE() << "no error was thrown";
-    return DataError(ErrorKind::Engine, QString(), QStringLiteral("none"));
-}
 
 class ShopsTablesTest : public ::testing::Test {
   protected:
@@ -81,7 +67,7 @@ TEST_F(ShopsTablesTest, OpensFilesOfTheFolderWithoutAName) {
     const ShopsDatabaseSettings byFile = settings(str("nimetön"));
     {
         ShopsTables records(byFile);
-        const DataError error = errorOf([&] { records.openTable(str("ALVKANTA")); });
+        const DataError error = thrownBy([&] { records.openTable(str("ALVKANTA")); });
         EXPECT_EQ(error.kind(), ErrorKind::NoConnection);
         EXPECT_EQ(error.nativeCode(), 172);
     }
@@ -92,18 +78,14 @@ TEST_F(ShopsTablesTest, OpensFilesOfTheFolderWithoutAName) {
 }
 
 TEST_F(ShopsTablesTest, ErrorsSayWhatToDo) {
-    const struct {
-        const char* peculiarity;
-        ErrorKind kind;
-        QStringList texts;
-    } cases[] = {
+    const std::tuple<const char*, ErrorKind, QStringList> cases[] = {
         {"owner=zav", ErrorKind::NoConnection, {"omistajanimi ei kelpaa", "OwnerName", "X$File"}},
         {"short", ErrorKind::Damaged, {"ALVKANTA", "ends at byte"}},
         {"key", ErrorKind::Damaged, {"key 0, field luokka: byte 0, length 4; in the file 1"}},
         {"cut", ErrorKind::Damaged, {"is cut off"}}};
     for (const auto& [peculiarity, kind, texts] : cases) {
         ShopsTables records(database(str(peculiarity), str(peculiarity)));
-        const DataError error = errorOf(
+        const DataError error = thrownBy(
             [&records] { records.openTable(str("ALVKANTA"))->fromEnd(0, Direction::Forward, 2); });
         EXPECT_EQ(error.kind(), kind) << error.what();
         for (const QString& text : texts)
@@ -112,18 +94,18 @@ TEST_F(ShopsTablesTest, ErrorsSayWhatToDo) {
     ShopsDatabaseSettings owned = settings(str("owner=zav"));
     owned.ownerName = str("zav");
     EXPECT_EQ(ShopsTables(owned).openTable(str("ALVKANTA"))->recordCount(), 2);
-    EXPECT_EQ(errorOf([&] { ShopsTables(owned).openTable(str("EIOLE")); }).kind(),
+    EXPECT_EQ(thrownBy([&] { ShopsTables(owned).openTable(str("EIOLE")); }).kind(),
               ErrorKind::NoSuchTable);
 
     // a missing library, and an unrelated one
     owned.clientLibrary = m_folder.filePath(str("eiole.so"));
-    const DataError library = errorOf([&] { ShopsTables records(owned); });
+    const DataError library = thrownBy([&] { ShopsTables records(owned); });
     EXPECT_EQ(library.kind(), ErrorKind::NoConnection);
     EXPECT_EQ(library.table(), str("owner=zav"));
     for (const char* text : {"eiole.so", "asetuksessa Engine/ClientLibrary"})
         EXPECT_TRUE(library.finnish().contains(str(text))) << library.what();
     owned.clientLibrary = str("libsqlite3.so.0");
-    EXPECT_EQ(errorOf([&] { ShopsTables records(owned); }).kind(), ErrorKind::NoConnection);
+    EXPECT_EQ(thrownBy([&] { ShopsTables records(owned); }).kind(), ErrorKind::NoConnection);
 }
 
 TEST_F(ShopsTablesTest, AVisitEndsWhenItsVisitorReturnsFalse) {
@@ -148,26 +130,9 @@ TEST_F(ShopsTablesTest, AVisitEndsWhenItsVisitorReturnsFalse) {
     EXPECT_EQ(seen, inOrder);
 }
 
-TEST_F(ShopsTablesTest, ASilentEngineFailsAtTheLimit) {
-    ShopsDatabaseSettings mute = database(str("mykkä"), str("silent"));
-    mute.statementLimit = std::chrono::milliseconds(200);
-    ShopsTables records(mute);
-    QElapsedTimer time;
-    time.start();
-    const DataError error = errorOf([&] { records.openTable(str("ALVKANTA")); });
-    EXPECT_LT(time.elapsed(), 2000);
-    EXPECT_EQ(error.kind(), ErrorKind::NoConnection);
-    EXPECT_TRUE(error.finnish().contains(str("ei vastannut 0.2 sekunnissa")));
-    // The next table gets a new session.
-    EXPECT_EQ(errorOf([&] { records.openTable(str("ALVKANTA")); }).kind(), ErrorKind::NoConnection);
-    EXPECT_LT(time.elapsed(), 3500);
-}
-
 TEST_F(ShopsTablesTest, StorageOrderContinuesAfterOtherCalls) {
     for (int i = 10; i < 30; ++i)
-        engines::openEmbedded(str("varasto"), store())
-            ->prepare(str("insert into ALVKANTA (luokka) values (%1)").arg(40 - i))
-            ->execute();
+        run(qPrintable(str("insert into ALVKANTA (luokka) values (%1)").arg(40 - i)));
     ShopsTables records(database(str("koe")));
     const auto rates = records.openTable(str("ALVKANTA"));
     std::vector<RecordId> seen;
@@ -185,43 +150,7 @@ TEST_F(ShopsTablesTest, StorageOrderContinuesAfterOtherCalls) {
     EXPECT_EQ(again->visitStored(seen[9], 1, [](RecordId, const QByteArray&) { return true; }),
               seen[10]);
     rates->remove(seen[3]);
-    EXPECT_EQ(errorOf([&] { again->visitStored(seen[3], 1, note); }).kind(), ErrorKind::Gone);
-}
-
-TEST_F(ShopsTablesTest, LocksAreCountedAndEndWithTheSession) {
-    const ShopsDatabaseSettings koe = database(str("koe"));
-    auto first = std::make_unique<ShopsTables>(koe);
-    ShopsTables second(koe);
-    second.setLockWait(std::chrono::milliseconds(60));
-    auto mine = first->openTable(str("ALVKANTA"));
-    auto alsoMine = first->openTable(str("ALVKANTA"));
-    const auto theirs = second.openTable(str("ALVKANTA"));
-    const StoredRecord rate = mine->fromEnd(0, Direction::Forward, 1).front();
-    constexpr std::chrono::milliseconds kWait{60};
-
-    ASSERT_TRUE(mine->lock(rate.id, kWait));
-    ASSERT_TRUE(mine->lock(rate.id, kWait));
-    EXPECT_TRUE(alsoMine->lock(rate.id, kWait));  // the same program
-    alsoMine->update(rate.id, rate.bytes);
-    alsoMine->unlock(rate.id);
-    mine->unlock(rate.id);
-    QElapsedTimer time;
-    time.start();
-    EXPECT_FALSE(theirs->lock(rate.id, kWait));
-    EXPECT_GE(time.elapsed(), 55);
-    EXPECT_EQ(errorOf([&] { theirs->update(rate.id, rate.bytes); }).kind(), ErrorKind::Locked);
-    EXPECT_EQ(errorOf([&] { theirs->remove(rate.id); }).kind(), ErrorKind::Locked);
-    EXPECT_EQ(theirs->get(rate.id)->bytes, rate.bytes);  // still readable
-    mine->unlock(rate.id);
-    EXPECT_TRUE(theirs->lock(rate.id, kWait));
-    theirs->unlock(rate.id);
-
-    ASSERT_TRUE(mine->lock(rate.id, kWait));
-    EXPECT_FALSE(theirs->lock(rate.id, kWait));
-    mine.reset();
-    alsoMine.reset();
-    first.reset();
-    EXPECT_TRUE(theirs->lock(rate.id, kWait));
+    EXPECT_EQ(thrownBy([&] { again->visitStored(seen[3], 1, note); }).kind(), ErrorKind::Gone);
 }
 
 }  // namespace

@@ -105,7 +105,7 @@ int edit(const QString& folder, unsigned seed) {
 }
 
 int run(const QString& folder) {
-    const test::ChangeMorning morning;
+    const data::Clock::Override morning(test::changeMorning);
     test::RecordingPorts ports;
     const auto database = test::openCompany(folder);
     const vatchange::RunResult result = runChange(*database, test::doubling(3, 6), ports);
@@ -116,7 +116,7 @@ int run(const QString& folder) {
 }
 
 int all(const QString& folder) {
-    const test::ChangeMorning morning;
+    const data::Clock::Override morning(test::changeMorning);
     test::LoggingPorts ports;
     const auto database = test::openCompany(folder);
     return test::runOrResume(*database, ports).clean() ? 0 : 1;

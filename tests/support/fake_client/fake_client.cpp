@@ -235,11 +235,3 @@ extern "C" Q_DECL_EXPORT qint16 FAKE_CALL BTRCALLID(quint16 operation, void* pos
         return static_cast<qint16>(fake::statusOf(error));
     }
 }
-
-extern "C" Q_DECL_EXPORT qint16 FAKE_CALL BTRCALL(quint16 operation, void* positionBlock,
-                                                  void* data, quint32* dataLength, void* key,
-                                                  quint8 keyLength, qint8 keyNumber) {
-    char everybody[fake::kClientIdSize] = {};
-    return BTRCALLID(operation, positionBlock, data, dataLength, key, keyLength, keyNumber,
-                     everybody);
-}

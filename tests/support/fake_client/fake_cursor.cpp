@@ -52,16 +52,15 @@ int put(const QByteArray& bytes, CallBuffers& buffers) {
     return fits ? kOk : kDataBufferTooShort;
 }
 
-void word(QByteArray& bytes, int value) {
-    char two[2];
-    qToLittleEndian(static_cast<quint16>(value), two);
-    bytes.append(two, sizeof two);
+void append(QByteArray& bytes, qint64 value, int size) {
+    for (int i = 0; i < size; ++i)
+        bytes.append(static_cast<char>(value >> (8 * i)));
 }
-
+void word(QByteArray& bytes, int value) {
+    append(bytes, value, 2);
+}
 void doubleWord(QByteArray& bytes, qint64 value) {
-    char four[4];
-    qToLittleEndian(static_cast<quint32>(value), four);
-    bytes.append(four, sizeof four);
+    append(bytes, value, 4);
 }
 
 }  // namespace
