@@ -206,6 +206,9 @@ sqlite3_stmt* Connection::prepare(const QString& sql) {
         m_cache.erase(cached);
         return statement;
     }
+    // The journal's tables may have been made since the schema was read. SQLite reads it again for
+    // this statement, but not for those of the planner, which run inside its preparation.
+    execute(db(), "SELECT 1 FROM sqlite_master LIMIT 1", m_fileName);
     const QByteArray text = engineText(sql).toUtf8();
     sqlite3_stmt* statement = nullptr;
     const char* tail = nullptr;

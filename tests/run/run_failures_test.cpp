@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "company/run_mark.h"
-#include "company/unfinished_note.h"
 #include "tests/run/run_company.h"
 
 namespace {
@@ -283,7 +282,6 @@ TEST(StoppedRun, KeepsAndReportsWhatIsDone) {
     EXPECT_TRUE(company.ports.messages.front().startsWith(QStringLiteral("Ajo keskeytettiin.")));
     EXPECT_TRUE(company.ports.messages.front().contains(QStringLiteral("voimaan: tuotteet 2, ")));
     EXPECT_EQ(company.ports.lines.last(), company.ports.messages.front());
-    EXPECT_TRUE(company::readUnfinishedNotes().empty());
 }
 
 TEST(StoppedRun, NamesTheRowsOfAStepThatFailed) {
@@ -304,60 +302,16 @@ TEST(StoppedRun, NamesTheRowsOfAStepThatFailed) {
         QStringLiteral("voimaan: myymälähintojen rivit 1.")));
 }
 
-TEST(UnfinishedRun, IsNotedAndReportedByTheNextRun) {
-    const auto noted = [] { return !company::readUnfinishedNotes().empty(); };
-    const auto start = QStringLiteral("Edellinen ajo jäi kesken, määrittely Alv255");
+TEST(RunMark, IsWrittenByTheProgramAlone) {
     RunCompany company;
-    addProducts(company, 1);
-    bool notedInside = false;
-    company.ports.onStatus = [&](const QString&) { notedInside = noted(); };
-    EXPECT_TRUE(company.run(plainDefinition()).clean());
-    EXPECT_TRUE(notedInside);
-    EXPECT_FALSE(noted());
-
-    company.ports.definition = QStringLiteral("Alv255");
-    company::writeUnfinishedNote(company.ports.definition);
-    ChangeDefinition definition = plainDefinition();
-    definition.targetClass = 0;
-    EXPECT_TRUE(company.run(definition).refused);
-    EXPECT_TRUE(noted()) << "a refused run leaves the earlier note";
-    definition = plainDefinition();
-    definition.campaigns = true;
-    company.ports.isUnattended = false;
-    company.ports.answers = {"no"};
-    EXPECT_TRUE(company.run(definition).refused);
-    EXPECT_TRUE(company.ports.questions.first().startsWith(start));
-    company.ports.isUnattended = true;
-    company.ports.lines.clear();
-    EXPECT_TRUE(company.run(definition).clean());
-    EXPECT_TRUE(company.ports.lines.front().startsWith(QStringLiteral("Huomaa: ") + start));
-    EXPECT_FALSE(noted());
-}
-
-TEST(UnfinishedRun, ProductsLeftBehindWithChangedDependentRows) {
-    RunCompany company;
-    addProducts(company, 2);
-    company.exec(
-        "insert into ASALE (AsiakasNumero, Tuote, Hinta, Tyyppi) values (1, 'A2', 100, 1)");
-    std::optional<HeldRecord> held(std::in_place, company, "TUOTE", data::KeyValues{"A2"});
-    EXPECT_EQ(company.run(plainDefinition()).skippedProducts, 1);
-    EXPECT_TRUE(company::readUnfinishedNotes().empty()) << "a rerun changes no row again";
-
-    ChangeDefinition definition = plainDefinition();
-    definition.customerPriceLists = true;
-    EXPECT_EQ(company.run(definition).skippedProducts, 1);
-    ASSERT_EQ(company::readUnfinishedNotes().size(), 1);
-    EXPECT_TRUE(company.ports.lines.last().contains("asiakashinnastojen rivit 1."));
-    EXPECT_EQ(company.run(plainDefinition()).skippedProducts, 1);
-    EXPECT_EQ(company::readUnfinishedNotes().size(), 1)
-        << "A2 is unconverted, its customer price changed";
-    company.ports.definition = QStringLiteral("Toinen");
-    company.run(plainDefinition());
-    EXPECT_EQ(company::readUnfinishedNotes().size(), 1) << "the first definition's note stays";
-    company.ports.definition = QStringLiteral("Koe");
-    held.reset();
-    EXPECT_TRUE(company.run(plainDefinition()).clean());
-    EXPECT_TRUE(company::readUnfinishedNotes().empty());
+    EXPECT_FALSE(company.run(plainDefinition()).markWritten);
+    EXPECT_FALSE(company::ExecutionMarkExists(company.database()));
+    company.ports.program = QStringLiteral("TAKSAVAIHE.EXE");
+    EXPECT_TRUE(company.run(plainDefinition()).markWritten);
+    company.setNow(QDateTime(QDate(2024, 9, 2), QTime(7, 8, 9)));
+    EXPECT_TRUE(company.run(plainDefinition()).markWritten);
+    EXPECT_EQ(company.number("select count(*) from INI"), 1);
+    EXPECT_EQ(company.text("select Data from INI where Avain='20240901'"), "2024-09-02 07:08:09");
 }
 
 }  // namespace
