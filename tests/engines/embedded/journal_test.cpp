@@ -105,18 +105,18 @@ TEST_F(Journal, ItsCreationDisturbsNoOtherProgram) {
         run("insert into TRYHMA (Nro, NIMI) values (7, 'Maalit')");
         const auto other = engines::openEmbedded("KOE", folder() + '/' + first);
         const auto file = other->openTable("TRYHMA");
-        EXPECT_EQ(rows(known, {}, other.get()), QStringList("Maalit"));
-        run(rename, {}, other.get());
+        EXPECT_EQ(test::rows(*other, known), QStringList("Maalit"));
+        test::exec(*other, rename);
         begin();
         switch (*first) {
             case 'k':
-                EXPECT_EQ(rows(known, {}, other.get()), QStringList("Lakat"));
+                EXPECT_EQ(test::rows(*other, known), QStringList("Lakat"));
                 break;
             case 'n':
-                EXPECT_EQ(rows("select count(*) from TRYHMA", {}, other.get()), QStringList("1"));
+                EXPECT_EQ(test::rows(*other, "select count(*) from TRYHMA"), QStringList("1"));
                 break;
             case 'u':
-                EXPECT_EQ(run(rename, {}, other.get()), 1);
+                EXPECT_EQ(test::exec(*other, rename), 1);
                 break;
             default:
                 EXPECT_EQ(file->fromEnd(0, Direction::Forward, 9).size(), 1U);
