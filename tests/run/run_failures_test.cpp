@@ -281,7 +281,11 @@ TEST(StoppedRun, KeepsAndReportsWhatIsDone) {
     ASSERT_EQ(company.ports.messages.size(), 1);
     EXPECT_TRUE(company.ports.messages.front().startsWith(QStringLiteral("Ajo keskeytettiin.")));
     EXPECT_TRUE(company.ports.messages.front().contains(QStringLiteral("voimaan: tuotteet 2, ")));
-    EXPECT_EQ(company.ports.lines.last(), company.ports.messages.front());
+    EXPECT_EQ(company.ports.lines.at(company.ports.lines.size() - 2),
+              company.ports.messages.front());
+    // two products, their labels and web shop marks
+    EXPECT_TRUE(company.ports.lines.last().startsWith(QStringLiteral(
+        "Tarkastus: muutoksia 6; vanha alv-luokka jäi: TUOTE 1 (ajo jäi kesken); ")));
 }
 
 TEST(StoppedRun, NamesTheRowsOfAStepThatFailed) {
