@@ -5,7 +5,6 @@
 
 #include "company/company.h"
 #include "company/logs.h"
-#include "data/clock.h"
 #include "data/error.h"
 #include "platform/ini_file.h"
 
@@ -28,37 +27,9 @@ void guarded(Action&& action) {
     }
 }
 
-/// A damaged file must not prevent a new note.
-platform::IniFile readOrNew() {
-    try {
-        return platform::IniFile::read(unfinishedNoteName());
-    } catch (const data::DataError& error) {
-        if (error.kind() != data::ErrorKind::Damaged)
-            throw;
-        reportLogError(error.finnish());
-        return {};
-    }
-}
-
 QStringList noteSections(const platform::IniFile& file) {
     static const QRegularExpression kNotes(u'^' + kSection);
     return file.sections().filter(kNotes);
-}
-
-bool removeNotes(platform::IniFile& file, const QString& definition) {
-    bool removed = false;
-    for (const QString& section : noteSections(file)) {
-        if (file.value(section, kDefinition).value_or(QString()) == definition)
-            removed = file.removeSection(section) || removed;
-    }
-    return removed;
-}
-
-QString freeSection(const platform::IniFile& file) {
-    QString section = kSection;
-    for (int n = 2; file.hasSection(section); ++n)
-        section = kSection + u' ' + QString::number(n);
-    return section;
 }
 
 }  // namespace
@@ -67,35 +38,30 @@ QString unfinishedNoteName() {
     return dataFolderFile(QStringLiteral("ALVMUUTOS.KESKEN"));
 }
 
-bool writeUnfinishedNote(const QString& definition) {
-    bool isAgain = false;
-    guarded([&] {
-        platform::IniFile file = readOrNew();
-        isAgain = removeNotes(file, definition);
-        const QString section = freeSection(file);
-        file.setValue(section, kDefinition, definition);
-        file.setValue(section, kStarted, data::Clock::now().toString(kTimeFormat));
-        file.setValue(section, kComputer, computerName());
-        file.write(unfinishedNoteName());
-    });
-    return isAgain;
+void acceptUnfinishedNote(const QString& definition) {
+    if (!QFile::exists(unfinishedNoteName()))
+        return;
+    platform::IniFile notes;
+    try {
+        notes = platform::IniFile::read(unfinishedNoteName());
+    } catch (const data::DataError& error) {
+        if (error.kind() != data::ErrorKind::Damaged)
+            throw;
+    }
+    for (const QString& section : noteSections(notes)) {
+        if (notes.value(section, kDefinition).value_or(QString()) == definition)
+            notes.removeSection(section);
+    }
+    if (noteSections(notes).isEmpty())
+        acceptUnfinishedNotes();
+    else
+        notes.write(unfinishedNoteName());
 }
 
-void removeUnfinishedNote(const QString& definition) {
-    guarded([&definition] {
-        if (!QFile::exists(unfinishedNoteName()))
-            return;
-        platform::IniFile notes = readOrNew();
-        removeNotes(notes, definition);
-        if (!noteSections(notes).isEmpty()) {
-            notes.write(unfinishedNoteName());
-            return;
-        }
-        QFile file(unfinishedNoteName());
-        if (!file.remove())
-            reportLogError(QStringLiteral("Tiedostoa \"%1\" ei voi poistaa: %2")
-                               .arg(file.fileName(), file.errorString()));
-    });
+void acceptUnfinishedNotes() {
+    QFile file(unfinishedNoteName());
+    if (file.exists() && !file.remove())
+        throw data::DataError(data::ErrorKind::Io, file.fileName(), file.errorString());
 }
 
 std::vector<UnfinishedNote> readUnfinishedNotes() {

@@ -249,6 +249,16 @@ open_form "Tukku Oy"
 keys "$form" alt+m
 sleep 6
 shot run "$form"
+end_program # the run is interrupted
+open_form "Tukku Oy"
+keys "$form" alt+m
+for _ in $(seq 50); do
+    question=$(xdotool search --onlyvisible --name '^ALV muutos$' | grep -vx "$form" | tail -1 || true)
+    [ -z "$question" ] || break
+    sleep 0.2
+done
+sleep 0.7
+shot unfinished_run "$question"
 end_program
 
 open_form Esimerkki

@@ -1,6 +1,9 @@
 #include "shell/batch.h"
 
+#include <algorithm>
+
 #include "data/error.h"
+#include "shell/batch_progress.h"
 
 namespace shell {
 
@@ -18,13 +21,65 @@ QString loadProblem(const QString& name, const BatchPorts& ports) {
     }
 }
 
+bool isAlreadyRun(const BatchPorts& ports) {
+    if (!ports.alreadyRun())
+        return false;
+    ports.generalLog(kAlreadyRunText);
+    return true;
+}
+
+class RunLock {
+  public:
+    explicit RunLock(data::Database& database)
+        : m_database(database), m_taken(database.beginRun()) {}
+    ~RunLock() {
+        if (m_taken)
+            m_database.endRun();
+    }
+    RunLock(const RunLock&) = delete;
+    RunLock& operator=(const RunLock&) = delete;
+    bool taken() const { return m_taken; }
+
+  private:
+    data::Database& m_database;
+    const bool m_taken;
+};
+
+// Runs or resumes what is left of the batch. @return whether all of it succeeded
+bool runDefinitions(BatchProgress& batch, const BatchPorts& ports) {
+    bool clean = true;
+    while (const BatchProgress::Definition* next = batch.next()) {
+        if (ports.endRequested()) {
+            ports.changeLog(QStringLiteral("Ajo keskeytettiin ennen määrittelyä ") + next->name);
+            return false;
+        }
+        if (const QString problem = loadProblem(next->name, ports); !problem.isEmpty()) {
+            ports.changeLog(problem);
+            clean = false;
+            if (next->resume != 0)
+                return false;
+            batch.refused();
+            continue;
+        }
+        if (next->resume == 0)
+            ports.changeLog(QStringLiteral("Aloitetaan muutos määrittelylle: ") + next->name);
+        const vatchange::RunResult result = ports.run({next->resume, batch.firstRun()});
+        clean = clean && result.clean();
+        const bool stays = next->resume != 0 && result.refused;
+        batch.ended(result);
+        // what follows may build on what the refused run has left undone
+        if (result.cancelled || stays)
+            break;
+    }
+    return clean;
+}
+
 }  // namespace
 
 ExitStatus runBatch(const BatchSource& list, const BatchPorts& ports) {
-    if (ports.alreadyRun()) {
-        ports.generalLog(kAlreadyRunText);
+    const bool unfinished = BatchProgress::unfinished(ports);
+    if (!unfinished && isAlreadyRun(ports))
         return ExitStatus::AlreadyRun;
-    }
 
     ports.generalLog(list.text);
     if (list.unreadable) {
@@ -58,21 +113,28 @@ ExitStatus runBatch(const BatchSource& list, const BatchPorts& ports) {
         return ExitStatus::Failed;
     }
 
-    ports.openForm();
-    bool clean = true;
-    for (const QString& name : definitions) {
-        if (const QString problem = loadProblem(name, ports); !problem.isEmpty()) {
-            ports.changeLog(problem);
-            clean = false;
-            continue;
-        }
-        ports.changeLog(QStringLiteral("Aloitetaan muutos määrittelylle: ") + name);
-        const vatchange::RunResult result = ports.run();
-        clean = clean && result.clean();
-        if (result.cancelled)
-            break;
+    if (definitions.isEmpty() && !unfinished) {
+        ports.openForm();
+        return ExitStatus::Done;
     }
-    return clean ? ExitStatus::Done : ExitStatus::Failed;
+    const RunLock lock(*ports.database);
+    if (!lock.taken()) {
+        ports.changeLog(vatchange::kOtherRunText);
+        return ExitStatus::Failed;
+    }
+    BatchProgress batch(ports, definitions);
+    if (const QString refusal = batch.refusal(); !refusal.isEmpty()) {
+        ports.changeLog(refusal);
+        return ExitStatus::Failed;
+    }
+    if (!batch.continues()) {
+        if (unfinished && isAlreadyRun(ports))  // it was given up, or another process finished it
+            return ExitStatus::AlreadyRun;
+        batch.begin();
+    }
+    ports.openForm();
+    const bool clean = runDefinitions(batch, ports);
+    return clean && batch.stored() ? ExitStatus::Done : ExitStatus::Failed;
 }
 
 }  // namespace shell

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 #include <functional>
 
 #include "company/batch_list.h"
+#include "data/engine/engine.h"
 #include "vatchange/run/change_run.h"
 
 namespace shell {
@@ -12,10 +14,10 @@ namespace shell {
 /// Exit status of the program.
 enum class ExitStatus {
     Done = 0,
-    Failed = 1,       ///< a definition was refused, or part of a run failed
+    Failed = 1,       ///< a definition or the batch was refused, or part of a run failed
     Unavailable = 2,  ///< no such company, no database, no window that anybody sees, a batch list
                       ///< that cannot be read or names an unknown definition
-    AlreadyRun = 3    ///< the run mark is set
+    AlreadyRun = 3    ///< the run mark is set, and no batch is unfinished
 };
 
 /// The batch list as it was found.
@@ -27,9 +29,14 @@ struct BatchSource {
 
 /// What a batch needs from the program.
 struct BatchPorts {
+    data::Database* database = nullptr;
     /// Whether the run mark is set (always false with "/U").
     std::function<bool()> alreadyRun;
+    /// "/U": a batch that cannot be continued makes way for a new one.
+    bool runAnyway = false;
     std::function<bool(const QString& definition)> isSaved;
+    /// A saved definition's values after loading, as definitionNote(); empty if it cannot be read.
+    std::function<QByteArray(const QString& definition)> values;
     /// What start-up could not read, in Finnish; nothing runs if there is any.
     std::function<QStringList()> problems;
     /// Creates and shows the change form.
@@ -38,7 +45,9 @@ struct BatchPorts {
     /// @throws data::DataError if it cannot be read.
     std::function<bool(const QString& definition)> load;
     /// Runs the definition in the form.
-    std::function<vatchange::RunResult()> run;
+    std::function<vatchange::RunResult(const vatchange::RunOptions& options)> run;
+    /// Whether the system has asked the program to end.
+    std::function<bool()> endRequested;
     std::function<void(const QString& line)> generalLog;
     std::function<void(const QString& line)> standardError;
     std::function<void(const QString& line)> changeLog;
@@ -53,7 +62,14 @@ extern const QString kErrorPrefix;
 /// Runs the definitions in list order and skips empty names. Which list it is goes to the general
 /// log, and to standard error if it holds nothing or cannot be read. A definition that fails or
 /// cannot be read does not stop the next ones; a name that is not saved stops all before the first.
-/// A cancelled run ends the batch. Other errors of the ports are passed on.
+/// A cancelled run ends the batch.
+///
+/// Where the database keeps a journal, the batch is stored there until all its definitions are
+/// finished, and the company's run lock is held to its end. An unfinished batch is continued: its
+/// finished definitions are not run again, its unfinished runs are resumed. If its list or a
+/// definition was edited meanwhile, it is refused.
+///
+/// Other errors of the ports are passed on.
 ExitStatus runBatch(const BatchSource& list, const BatchPorts& ports);
 
 }  // namespace shell

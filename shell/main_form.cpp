@@ -18,6 +18,8 @@
 #include "framework/ui/mail.h"
 #include "framework/ui/window_place.h"
 #include "platform/command_line.h"
+#include "platform/end_request.h"
+#include "vatchange/journal/run_notes.h"
 
 namespace shell {
 
@@ -32,6 +34,17 @@ struct RateOfInterest {
 };
 constexpr std::array<RateOfInterest, 4> kRates = {
     {{25.5F, "25.5"}, {24.0F, "24"}, {14.0F, "14"}, {10.0F, "10"}}};
+
+QByteArray savedValues(const QString& name) {
+    try {
+        const std::optional<framework::SavedDefinition> saved =
+            framework::DefinitionStore().load(TAlvMuutosLomake::kFormName, name);
+        return saved ? vatchange::definitionNote(vatchange::loadDefinition(*saved).definition)
+                     : QByteArray();
+    } catch (const data::DataError&) {
+        return {};  // told when the batch loads it
+    }
+}
 
 }  // namespace
 
@@ -159,10 +172,14 @@ void TMainForm::BitBtn1Click() {
 
 ExitStatus TMainForm::runWholeBatch() {
     BatchPorts ports;
+    ports.database = &company::companyDatabase();
+    ports.runAnyway = platform::hasSwitch(QStringLiteral("/U"));
+    ports.endRequested = platform::endRequested;
     ports.alreadyRun = [this] { return alreadyRun(); };
     ports.isSaved = [](const QString& name) {
         return framework::DefinitionStore().has(TAlvMuutosLomake::kFormName, name);
     };
+    ports.values = savedValues;
     ports.problems = [this] { return m_problems; };
     ports.openForm = [this] {
         openChangeForm();
@@ -174,9 +191,9 @@ ExitStatus TMainForm::runWholeBatch() {
         m_changeForm->showStatus(name);
         return framework::TRapMaarForm::LataaArvot(*m_changeForm, name);
     };
-    ports.run = [this] {
+    ports.run = [this](const vatchange::RunOptions& options) {
         m_inRun = true;
-        auto result = m_changeForm->EsikatseleClick();
+        auto result = m_changeForm->EsikatseleClick(options);
         m_inRun = false;
         if (result)
             return *std::move(result);

@@ -18,6 +18,7 @@
 #include "framework/ui/splash.h"
 #include "platform/command_line.h"
 #include "platform/dictionary_module.h"
+#include "platform/end_request.h"
 #include "shell/build_stamp.h"
 #include "shell/display_guard.h"
 #include "shell/main_form.h"
@@ -47,7 +48,7 @@ const QString kHelp = QStringLiteral(
     "Eräajon paluuarvo: 0 kaikki onnistui, 1 määrittely hylättiin tai jokin epäonnistui,\n"
     "2 yritystä, sen tietokantaa tai eräajon määrittelyä ei löydy, luetteloa ei voi lukea\n"
     "tai valitsin on tuntematon,\n"
-    "3 muutos on jo ajettu.\n");
+    "3 muutos on jo ajettu. Sama komento jatkaa keskeytynyttä eräajoa.\n");
 
 bool anyOf(const QStringList& parameters, std::initializer_list<const char*> wanted) {
     for (const char* text : wanted) {
@@ -162,6 +163,11 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
 
 int runProgram(QApplication& application) {
     const bool batch = platform::hasSwitch(QStringLiteral("/E"));
+    if (batch) {
+        platform::watchEndRequests();
+        QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
+                         platform::requestEnd, Qt::DirectConnection);
+    }
     QApplication::setApplicationVersion(buildStamp());
     framework::useFinnishTexts();
     framework::installHelpKey();

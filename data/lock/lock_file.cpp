@@ -52,7 +52,9 @@ bool LockFile::beginRun() {
 }
 
 bool LockFile::runGoesOn() {
-    if (m_runs > 0 || !tryLock(kRunByte, 1))
+    if (m_runs > 0)
+        return false;
+    if (!tryLock(kRunByte, 1))
         return true;
     unlock(kRunByte, 1);
     return false;

@@ -22,7 +22,7 @@ class LockFile {
     /// Marks a run in progress; calls nest. @return false if another process has a run in progress.
     bool beginRun();
     void endRun();
-    /// Whether any process, this one included, is in a run.
+    /// Whether another process is in a run.
     bool runGoesOn();
 
   private:

@@ -23,7 +23,7 @@ using sqlite::Statement;
 class JournalStore : public RunJournal {
   public:
     /// `onCreation`: SQL to run when the tables are created, in the same transaction. `runGoesOn`:
-    /// whether any process has a run in progress.
+    /// whether another process has a run in progress.
     JournalStore(sqlite3* db, QString fileName, QByteArray onCreation,
                  std::function<bool()> runGoesOn);
     ~JournalStore() override;

@@ -43,6 +43,11 @@ bool Dialogs::ask(QWidget* parent, const QString& text) {
     return handler().ask(parent, withLineBreaks(text));
 }
 
+int Dialogs::choose(QWidget* parent, const QString& text, const QStringList& answers) {
+    const CloseDeferral deferral(parent);
+    return handler().choose(parent, withLineBreaks(text), answers);
+}
+
 QString Dialogs::saveFileName(QWidget* parent, const QString& title, const QString& suggested,
                               const QString& filter) {
     const CloseDeferral deferral(parent);

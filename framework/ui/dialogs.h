@@ -19,6 +19,7 @@ class DialogHandler {
     virtual bool isInteractive() const = 0;
     virtual void message(QWidget* parent, MessageKind kind, const QString& text) = 0;
     virtual bool ask(QWidget* parent, const QString& text) = 0;
+    virtual int choose(QWidget* parent, const QString& text, const QStringList& answers) = 0;
     virtual QString saveFileName(QWidget* parent, const QString& title, const QString& suggested,
                                  const QString& filter) = 0;
 };
@@ -32,6 +33,9 @@ class Dialogs {
     static void error(QWidget* parent, const QString& text);
     /// Asks a Yes/No question. @return true for Yes; false if nobody is there
     static bool ask(QWidget* parent, const QString& text);
+    /// Asks with one button for each answer; the first is the default, Escape gives the last.
+    /// @return the answer's index; the last if nobody is there
+    static int choose(QWidget* parent, const QString& text, const QStringList& answers);
     /// @return the chosen file; empty if cancelled
     static QString saveFileName(QWidget* parent, const QString& title, const QString& suggested,
                                 const QString& filter);

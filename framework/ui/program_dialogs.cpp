@@ -75,6 +75,23 @@ bool ProgramDialogs::ask(QWidget* parent, const QString& text) {
     return box.clickedButton() == yes;
 }
 
+int ProgramDialogs::choose(QWidget* parent, const QString& text, const QStringList& answers) {
+    const int last = static_cast<int>(answers.size()) - 1;
+    if (!isInteractive())
+        return last;
+    QMessageBox box(QMessageBox::Question, title(parent), text, QMessageBox::NoButton, parent);
+    box.setTextFormat(Qt::PlainText);
+    QList<QAbstractButton*> buttons;
+    // one role keeps the order on every platform
+    for (const QString& answer : answers)
+        buttons += box.addButton(answer, QMessageBox::ButtonRole::ActionRole);
+    box.setDefaultButton(qobject_cast<QPushButton*>(buttons.first()));
+    box.setEscapeButton(buttons.last());
+    box.exec();
+    const auto chosen = static_cast<int>(buttons.indexOf(box.clickedButton()));
+    return chosen < 0 ? last : chosen;
+}
+
 QString ProgramDialogs::saveFileName(QWidget* parent, const QString& dialogTitle,
                                      const QString& suggested, const QString& filter) {
     if (!isInteractive())

@@ -10,6 +10,7 @@ class ProgramDialogs : public DialogHandler {
     bool isInteractive() const override;
     void message(QWidget* parent, MessageKind kind, const QString& text) override;
     bool ask(QWidget* parent, const QString& text) override;
+    int choose(QWidget* parent, const QString& text, const QStringList& answers) override;
     QString saveFileName(QWidget* parent, const QString& title, const QString& suggested,
                          const QString& filter) override;
 };

@@ -7,8 +7,6 @@
 
 #include "company/logs.h"
 #include "data/engine/run_journal.h"
-#include "data/record/record_codec.h"
-#include "tests/support/test_company.h"
 
 namespace test {
 

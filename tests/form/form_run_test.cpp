@@ -136,6 +136,70 @@ TEST_F(FormRun, OnlyInterruptingIsPossibleDuringARunAndStopsBetweenTwoProducts) 
     EXPECT_TRUE(m_shop.logMessages().contains(m_dialogs.lastText()));
 }
 
+TEST_F(FormRun, AsksWhatToDoAboutAnUnfinishedRunOfTheSameDefinition) {
+    c().customerPriceLists->click();
+    for (const char* product : {"398", "399", "400"})
+        m_shop.exec(str("insert into ASALE (AsiakasNumero, Tuote, Hinta, Tyyppi) "
+                        "values (1, '%1', 100, 1)")
+                        .arg(str(product)));
+    const auto stopInProducts = [this] {
+        m_dialogs.expectAnyMessage();
+        const auto result = runWith([this] {
+            if (changed() == u'0')
+                return false;
+            QTest::mouseClick(control<QPushButton>("Keskeyta"), Qt::LeftButton);
+            return true;
+        });
+        EXPECT_EQ(result->state, data::RunState::Stopped);
+    };
+    const auto question = [this](int run) {
+        return str("Tällä määrittelyllä on keskeneräinen ajo %1 (01.09.2024 06:30:00, keskeytetty)."
+                   "\nSe on muuttanut rivejä: asiakashinnastojen rivit 3, tuotteet %2.\n\n\"Jatka "
+                   "ajoa\" tekee loput eikä "
+                   "muuta samoja rivejä uudestaan.\n\"Aloita alusta\" hyväksyy keskeneräisen ajon "
+                   "sellaisena kuin se on ja tekee uuden.")
+            .arg(QString::number(run), changed());
+    };
+    const QString resume = str("&Jatka ajoa");
+    const QString anew = str("&Aloita alusta");
+    const QString leave = str("Ä&lä tee mitään");
+    const QString repeated =
+        str("Alusta aloitettu ajo kertoisi uudestaan nämä jo kerrotut rivit:\n\nasiakashinnastojen "
+            "rivit 3 (1 398 0 0; "
+            "1 399 0 0; 1 400 0 0)\n\nAloitetaanko silti alusta?");
+    const auto customerPrices = [this](double price) {
+        return m_shop.number(
+            str("select count(*) from ASALE where round(Hinta, 2) = %1").arg(price));
+    };
+
+    stopInProducts();
+    m_dialogs.expectChoice(question(1), leave);
+    EXPECT_FALSE(m_form->EsikatseleClick());
+    EXPECT_EQ(m_dialogs.lastAnswers(), QStringList({resume, anew, leave}));
+    m_dialogs.expectChoice(question(1), anew);
+    m_dialogs.expectQuestion(repeated, false);
+    EXPECT_FALSE(m_form->EsikatseleClick());
+    EXPECT_TRUE(m_form->Esikatsele->isEnabled());
+    m_dialogs.expectChoice(question(1), resume);
+    m_dialogs.expectAnyMessage();
+    EXPECT_EQ(m_form->EsikatseleClick()->run, 1);
+    EXPECT_EQ(changed(), QString::number(kProducts));
+    EXPECT_EQ(customerPrices(101.21), 3);
+
+    m_shop.exec(str("delete from TUOTE"));
+    m_shop.exec(str("update ASALE set Hinta = 100"));
+    stopInProducts();
+    m_dialogs.expectChoice(question(2), anew);
+    m_dialogs.expectQuestion(repeated, true);
+    m_dialogs.expectAnyMessage();
+    EXPECT_EQ(m_form->EsikatseleClick()->run, 3);
+    EXPECT_EQ(changed(), QString::number(kProducts));
+    EXPECT_EQ(customerPrices(102.43), 3);  // twice, as told
+    EXPECT_EQ(m_shop.database().journal()->run(2)->state, data::RunState::Accepted);
+    EXPECT_TRUE(m_shop.logMessages().contains(str(
+        "Huomaa: ajo 2 (01.09.2024 06:30:00, keskeytetty) hyväksyttiin sellaisena kuin se on")));
+}
+
 TEST_F(FormRun, ClosingDuringARunAsksFirst) {
     const QString question = str("Muutos on kesken.\nKeskeytetäänkö muutos ja suljetaanko lomake?");
     m_dialogs.expectQuestion(question, false);

@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "company/run_mark.h"
-#include "company/unfinished_note.h"
 #include "tests/run/run_company.h"
 
 namespace {
@@ -287,7 +286,6 @@ TEST(StoppedRun, KeepsAndReportsWhatIsDone) {
     // two products, their labels and web shop marks
     EXPECT_TRUE(company.ports.lines.last().startsWith(QStringLiteral(
         "Tarkastus: muutoksia 6; vanha alv-luokka jäi: TUOTE 1 (ajo jäi kesken); ")));
-    EXPECT_TRUE(company::readUnfinishedNotes().empty());
 }
 
 TEST(StoppedRun, NamesTheRowsOfAStepThatFailed) {
@@ -306,62 +304,6 @@ TEST(StoppedRun, NamesTheRowsOfAStepThatFailed) {
     EXPECT_EQ(company.run(plainDefinition()).failedSteps, 1);
     EXPECT_TRUE(company.ports.messages.last().endsWith(
         QStringLiteral("voimaan: myymälähintojen rivit 1.")));
-}
-
-TEST(UnfinishedRun, IsNotedAndReportedByTheNextRun) {
-    const auto noted = [] { return !company::readUnfinishedNotes().empty(); };
-    const auto start = QStringLiteral("Edellinen ajo jäi kesken, määrittely Alv255");
-    RunCompany company;
-    addProducts(company, 1);
-    bool notedInside = false;
-    company.ports.onStatus = [&](const QString&) { notedInside = noted(); };
-    EXPECT_TRUE(company.run(plainDefinition()).clean());
-    EXPECT_TRUE(notedInside);
-    EXPECT_FALSE(noted());
-
-    company.ports.definition = QStringLiteral("Alv255");
-    company::writeUnfinishedNote(company.ports.definition);
-    ChangeDefinition definition = plainDefinition();
-    definition.targetClass = 0;
-    EXPECT_TRUE(company.run(definition).refused);
-    EXPECT_TRUE(noted()) << "a refused run leaves the earlier note";
-    definition = plainDefinition();
-    definition.campaigns = true;
-    company.ports.isUnattended = false;
-    company.ports.answers = {"no"};
-    EXPECT_TRUE(company.run(definition).refused);
-    EXPECT_TRUE(company.ports.questions.first().startsWith(start));
-    company.ports.isUnattended = true;
-    company.ports.lines.clear();
-    EXPECT_TRUE(company.run(definition).clean());
-    EXPECT_TRUE(company.ports.lines.front().startsWith(QStringLiteral("Huomaa: ") + start));
-    EXPECT_FALSE(noted());
-}
-
-TEST(UnfinishedRun, ProductsLeftBehindWithChangedDependentRows) {
-    RunCompany company;
-    addProducts(company, 2);
-    company.exec(
-        "insert into ASALE (AsiakasNumero, Tuote, Hinta, Tyyppi) values (1, 'A2', 100, 1)");
-    std::optional<HeldRecord> held(std::in_place, company, "TUOTE", data::KeyValues{"A2"});
-    EXPECT_EQ(company.run(plainDefinition()).skippedProducts, 1);
-    EXPECT_TRUE(company::readUnfinishedNotes().empty()) << "a rerun changes no row again";
-
-    ChangeDefinition definition = plainDefinition();
-    definition.customerPriceLists = true;
-    EXPECT_EQ(company.run(definition).skippedProducts, 1);
-    ASSERT_EQ(company::readUnfinishedNotes().size(), 1);
-    EXPECT_TRUE(company.ports.lines.last().contains("asiakashinnastojen rivit 1."));
-    EXPECT_EQ(company.run(plainDefinition()).skippedProducts, 1);
-    EXPECT_EQ(company::readUnfinishedNotes().size(), 1)
-        << "A2 is unconverted, its customer price changed";
-    company.ports.definition = QStringLiteral("Toinen");
-    company.run(plainDefinition());
-    EXPECT_EQ(company::readUnfinishedNotes().size(), 1) << "the first definition's note stays";
-    company.ports.definition = QStringLiteral("Koe");
-    held.reset();
-    EXPECT_TRUE(company.run(plainDefinition()).clean());
-    EXPECT_TRUE(company::readUnfinishedNotes().empty());
 }
 
 }  // namespace

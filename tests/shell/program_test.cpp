@@ -8,6 +8,8 @@
 
 #include "company/batch_list.h"
 #include "company/run_mark.h"
+#include "data/engine/run_journal.h"
+#include "data/record/record_codec.h"
 #include "data/windows1252.h"
 #include "framework/core/definition_store.h"
 #include "platform/user_settings.h"
@@ -44,15 +46,16 @@ class Program : public ::testing::Test {
         // Log lines beyond the system's own texts begin with one of these words.
         static const QRegularExpression kBeginnings(
             str("^(Aloitetaan |Rajaus: |Tryhmä |tarkastetaan |update |Tuotetiedot muutettu|Kohteen "
-                "ALV|Huomaa: |Tarkastus: |"
+                "ALV|Huomaa: |Tarkastus: |Jatketaan keskeytynyttä ajoa|Ajo keskeytettiin|Ajo jäi "
+                "vajaaksi|"
                 "Virhe|Määrittelyä ei (ajeta: |löydy))"));
         for (const QString& line : m_shop.logMessages())
             EXPECT_TRUE(line.contains(kBeginnings)) << line.toStdString();
     }
 
-    void setBatch(const char* first, const char* second = "") {
+    void setBatch(const char* first, const char* second = "", const char* third = "") {
         company::writeBatchList(m_folder.filePath(str("ALVMUUTOS.INI")),
-                                {str(first), str(second), {}, {}});
+                                {str(first), str(second), str(third), {}});
     }
     int runBatch(const char* switches = "/E /EP") {
         return run(QStringList(m_company) + str(switches).split(u' '));
@@ -63,6 +66,14 @@ class Program : public ::testing::Test {
 
     int run(const QStringList& parameters, const QString& platform = {}) {
         QProcess program;
+        start(program, parameters, platform);
+        EXPECT_TRUE(program.waitForFinished(60000)) << "the program waits for somebody";
+        m_errors = QString::fromUtf8(program.readAllStandardError());
+        m_output = QString::fromUtf8(program.readAllStandardOutput());
+        EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+        return program.exitCode();
+    }
+    void start(QProcess& program, const QStringList& parameters, const QString& platform = {}) {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
             environment.remove(QLatin1String(name));
@@ -72,11 +83,6 @@ class Program : public ::testing::Test {
         program.setProcessEnvironment(environment);
         program.setWorkingDirectory(QDir::rootPath());
         program.start(m_folder.filePath(str("taksavaihe")), parameters);
-        EXPECT_TRUE(program.waitForFinished(60000)) << "the program waits for somebody";
-        m_errors = QString::fromUtf8(program.readAllStandardError());
-        m_output = QString::fromUtf8(program.readAllStandardOutput());
-        EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-        return program.exitCode();
     }
 
     bool marked() { return company::ExecutionMarkExists(m_shop.database()); }
@@ -242,6 +248,130 @@ TEST_F(Program, WhatCannotBeReadIsToldByItsName) {
     EXPECT_TRUE(m_errors.startsWith(str("Tiedot ovat vioittuneet: ") + companies))
         << m_errors.toStdString();
     test::writeFile(companies, sound);
+}
+
+// Three definitions of which the order matters: class 1 to 2, class 3 to 6 with customer prices and
+// labels, class 2 to 3.
+class InterruptedProgram : public Program {
+  protected:
+    static constexpr int kProducts = 400;
+
+    InterruptedProgram() {
+        company::takeIntoUse(m_company);
+        for (const auto& [name, from, to] :
+             {std::tuple{"Ensin", "1", "2"}, {"Toiseksi", "3", "6"}, {"Lopuksi", "2", "3"}})
+            m_store.save(m_form, {str(name),
+                                  {},
+                                  {{str("LahdeAlvLuokkaEdit"), str(from)},
+                                   {str("KohdeAlvLuokkaEdit"), str(to)},
+                                   {str("HintaLahde1"), str("hinta")},
+                                   {str("Hinta1Edit"), str("1.1")},
+                                   {str("asiakashinnasto"), str("1")}}});
+        m_shop.exec(str("delete from TUOTE"));
+        m_shop.addProducts(kProducts);
+        m_shop.exec(str("update TUOTE set HRKPL = 1, Verkkokauppa = 1"));
+        m_shop.exec(str("update TUOTE set LVV = 1 where NUMERO < '2'"));
+        m_shop.database().inTransaction([this] {
+            for (int i = 1; i <= kProducts; ++i)
+                m_shop.exec(str("insert into ASALE (AsiakasNumero, Tuote, Hinta, Tyyppi) "
+                                "values (1, '%1', %1, 1)")
+                                .arg(i));
+        });
+        setBatch("Ensin", "Toiseksi", "Lopuksi");
+        engines::backupEmbedded(m_shop.path(), m_whole.file(engines::kEmbeddedFileName), {});
+        const QString definitions = str("MAARITYS/AlvMuutosLomake.INI");
+        EXPECT_TRUE(QDir(m_whole.path()).mkdir(str("MAARITYS")) &&
+                    QFile::copy(m_shop.file(definitions), m_whole.file(definitions)));
+        EXPECT_EQ(run({str("Keskeytymätön"), str("/E")}), 0) << m_errors.toStdString();
+    }
+
+    /// Starts the batch and ends it between the first and the last product of "Toiseksi".
+    int interrupt(void (QProcess::*end)()) {
+        const QString changed = str("select count(*) from TUOTE where LVV = 6");
+        QProcess program;
+        start(program, {m_company, str("/E")});
+        while (m_shop.number(changed) < 10 && !program.waitForFinished(1)) {
+        }
+        (program.*end)();
+        EXPECT_TRUE(program.waitForFinished(10000));
+        EXPECT_LT(m_shop.number(changed), m_shop.number(str("select count(*) from TUOTE")) / 2);
+        return program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1;
+    }
+
+    /// Everything but dates and times.
+    static QStringList everything(data::Database& database) {
+        QStringList rows;
+        for (const QString& table : database.tableNames()) {
+            const auto file = database.openTable(table);
+            for (const auto& record : file->fromEnd(0, data::Direction::Forward, 1000000)) {
+                QStringList row(table);
+                for (const auto& field : file->layout().fields()) {
+                    const QString value = data::valueToText(
+                        field, data::readValue(field, reinterpret_cast<const uchar*>(
+                                                          record.bytes.constData())));
+                    static const QRegularExpression kTimes(str("(?i)time|pvm|aika|klo|muutettu"));
+                    if (!field.name.contains(kTimes) && table != u"INI")
+                        row += value;
+                }
+                rows += row.join(u'|');
+            }
+        }
+        return rows;
+    }
+    void isAsIfNeverInterrupted() {
+        const auto whole = engines::openEmbedded(str("Keskeytymätön"), m_whole.path());
+        const QStringList expected = everything(*whole);
+        const QStringList found = everything(m_shop.database());
+        ASSERT_EQ(found.size(), expected.size());
+        for (qsizetype i = 0; i < found.size(); ++i)
+            ASSERT_EQ(found[i].toStdString(), expected[i].toStdString());
+    }
+    QStringList started() {
+        return m_shop.logMessages().filter(
+            QRegularExpression(str("^(Aloitetaan muutos|Jatketaan)")));
+    }
+
+    const test::CompanyFolder m_whole{str("Keskeytymätön")};
+};
+
+TEST_F(InterruptedProgram, AKilledBatchIsContinuedAndRepeatsNothing) {
+    EXPECT_EQ(interrupt(&QProcess::kill), -1);
+    // what has been edited is not continued, and nothing changes
+    auto edited = *m_store.load(m_form, str("Lopuksi"));
+    const auto sound = edited;
+    edited.values[str("Hinta1Edit")] = str("1.2");
+    m_store.save(m_form, edited);
+    const QStringList before = everything(m_shop.database());
+    for (const char* switches : {"/E", "/E /U"})
+        EXPECT_EQ(runBatch(switches), 1);
+    EXPECT_TRUE(m_shop.logMessages().last().contains(str("hyväksy ajo 2 (määrittely Toiseksi, ")));
+    EXPECT_EQ(everything(m_shop.database()), before);
+    m_store.save(m_form, sound);
+
+    EXPECT_EQ(runBatch("/E /U"), 0) << m_errors.toStdString();
+    isAsIfNeverInterrupted();
+    EXPECT_EQ(started(),
+              QStringList({str("Aloitetaan muutos määrittelylle: Ensin"),
+                           str("Aloitetaan muutos määrittelylle: Toiseksi"),
+                           str("Jatketaan keskeytynyttä ajoa: eräajosta on jäljellä Toiseksi, "
+                               "Lopuksi"),
+                           str("Jatketaan keskeytynyttä ajoa 2"),
+                           str("Aloitetaan muutos määrittelylle: Lopuksi")}));
+    EXPECT_EQ(runBatch("/E"), 3);
+    isAsIfNeverInterrupted();
+}
+
+TEST_F(InterruptedProgram, ARequestToEndStopsTheBatchBetweenTwoRows) {
+    EXPECT_EQ(interrupt(&QProcess::terminate), 1);
+    EXPECT_TRUE(m_shop.logMessages().filter(str("Ajo keskeytettiin")).size() == 1);
+    data::RunJournal& journal = *m_shop.database().journal();
+    ASSERT_EQ(journal.runs().size(), 2U);
+    EXPECT_EQ(journal.runs().back().state, data::RunState::Stopped);
+    EXPECT_EQ(journal.runs().back().batch, 1);
+    EXPECT_EQ(runBatch("/E"), 0) << m_errors.toStdString();
+    isAsIfNeverInterrupted();
+    EXPECT_EQ(journal.runs().size(), 3U);
+    EXPECT_EQ(runBatch("/E"), 3);
 }
 
 }  // namespace

@@ -28,6 +28,11 @@ class ScriptedDialogs : public framework::DialogHandler {
     void expectAnyMessage() { m_expected.push_back({{}, false, {}, true}); }
     void expectQuestion(const QString& text, bool yes) { m_expected.push_back({text, yes, {}}); }
     void expectFileChoice(const QString& fileName) { m_expected.push_back({{}, false, fileName}); }
+    /// `answer`: the text of the button to press; its buttons are lastAnswers().
+    void expectChoice(const QString& text, const QString& answer) {
+        m_expected.push_back({text, false, answer});
+    }
+    const QStringList& lastAnswers() const { return m_lastAnswers; }
     bool allShown() const { return m_expected.empty(); }
     const QString& lastText() const { return m_lastText; }
     framework::MessageKind lastKind() const { return m_lastKind; }
@@ -38,6 +43,12 @@ class ScriptedDialogs : public framework::DialogHandler {
         next(text);
     }
     bool ask(QWidget*, const QString& text) override { return next(text).yes; }
+    int choose(QWidget*, const QString& text, const QStringList& answers) override {
+        m_lastAnswers = answers;
+        const qsizetype answer = answers.indexOf(next(text).fileName);
+        EXPECT_GE(answer, 0);
+        return static_cast<int>(answer < 0 ? answers.size() - 1 : answer);
+    }
     QString saveFileName(QWidget*, const QString&, const QString&, const QString&) override {
         return next({}).fileName;
     }
@@ -66,6 +77,7 @@ class ScriptedDialogs : public framework::DialogHandler {
     framework::DialogHandler* m_previous;
     std::deque<Expected> m_expected;
     QString m_lastText;
+    QStringList m_lastAnswers;
     framework::MessageKind m_lastKind = framework::MessageKind::Information;
 };
 

@@ -42,8 +42,10 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     /// are edited, then the one in the controls.
     LoadedDefinition definitionToRun() const;
 
-    /// Runs definitionToRun(). Returns nullopt if a run is already going on.
-    std::optional<RunResult> EsikatseleClick();
+    /// Runs definitionToRun(). If it has an unfinished run, the user chooses whether to resume
+    /// that; unattended `options` decide. Returns nullopt if a run is already going on or the user
+    /// leaves it.
+    std::optional<RunResult> EsikatseleClick(RunOptions options = {});
     bool isRunning() const { return m_running; }
 
     /// Writes the text to the change log and, unless unattended, shows it.
@@ -92,6 +94,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void watchExits();
     QString checkDeliveryLimit();
     QString checkCoefficient(framework::DecimalEdit* edit);
+    bool chooseOptions(const ChangeDefinition& definition, RunOptions& options);
     void setRunning(bool running);
     void showProgress(const QString& status, qint64 done, qint64 total, const QString& remaining);
     bool confirmClosing();

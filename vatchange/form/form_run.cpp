@@ -5,8 +5,10 @@
 #include "company/logs.h"
 #include "framework/ui/dialogs.h"
 #include "platform/command_line.h"
+#include "platform/end_request.h"
 #include "vatchange/form/change_form.h"
 #include "vatchange/form/run_report.h"
+#include "vatchange/form/unfinished_question.h"
 
 namespace vatchange {
 
@@ -35,7 +37,9 @@ class FormRunPorts : public RunPorts {
         QCoreApplication::processEvents();
         m_sinceEvents.restart();
     }
-    bool cancelled() const override { return m_form.m_cancelRequested; }
+    bool cancelled() const override {
+        return m_form.m_cancelRequested || (m_form.unattended() && platform::endRequested());
+    }
     QString programFileName() const override {
         return QFileInfo(QCoreApplication::applicationFilePath()).fileName();
     }
@@ -67,18 +71,20 @@ class FormRunPorts : public RunPorts {
     qint64 m_total = 0;
 };
 
-std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick() {
+std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick(RunOptions options) {
     if (m_running)
         return std::nullopt;
     if (!unattended() && !acceptTyped())
         return std::nullopt;
 
     const LoadedDefinition definition = definitionToRun();
+    if (!unattended() && !chooseOptions(definition.definition, options))
+        return std::nullopt;
     m_cancelRequested = false;
     setRunning(true);
     try {
         FormRunPorts ports(*this);
-        m_lastRun = runWithSummary(m_database, definition, ports);
+        m_lastRun = runWithSummary(m_database, definition, ports, options);
     } catch (...) {
         setRunning(false);
         showStatus(QStringLiteral("Muutos päättyi virheeseen"));
@@ -91,6 +97,16 @@ std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick() {
     if (m_closeWhenDone)
         QTimer::singleShot(0, this, &QWidget::close);
     return m_lastRun->result;
+}
+
+bool TAlvMuutosLomake::chooseOptions(const ChangeDefinition& definition, RunOptions& options) {
+    std::optional<RunOptions> chosen;
+    framework::reportErrors(this, [&] {
+        chosen = askAboutUnfinished(this, m_database, loadedDefinition().name, definition);
+    });
+    if (chosen)
+        options = *chosen;
+    return chosen.has_value();
 }
 
 void TAlvMuutosLomake::setRunning(bool running) {

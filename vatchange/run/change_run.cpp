@@ -1,13 +1,13 @@
 #include "vatchange/run/change_run.h"
 
 #include "company/run_mark.h"
-#include "company/unfinished_note.h"
 #include "data/clock.h"
 #include "vatchange/rules/log_texts.h"
 #include "vatchange/run/dependent_step.h"
 #include "vatchange/run/journal_session.h"
 #include "vatchange/run/run_context.h"
 #include "vatchange/run/run_verification.h"
+#include "vatchange/run/unfinished_runs.h"
 
 namespace vatchange {
 
@@ -44,29 +44,6 @@ bool ExecWithExceptionHandling(RunContext& run, const ErrorWording& wording, Ste
 template <typename Step>
 bool attempt(RunContext& run, const ErrorWording& wording, Step&& step) {
     return run.stopRequested() || ExecWithExceptionHandling(run, wording, step);
-}
-
-/// Warns of earlier runs that changed rows of products that are still unconverted. Returns false if
-/// the user declines.
-bool earlierRunsAllow(RunContext& run) {
-    QStringList notes;
-    for (const company::UnfinishedNote& note : company::readUnfinishedNotes())
-        notes += company::unfinishedNoteText(note) + u'.';
-    if (notes.isEmpty())
-        return true;
-    const QString text =
-        notes.join(u' ') +
-        QStringLiteral(
-            " Asiakashinnastojen, kampanjoiden, toistuvaislaskutuksen ja "
-            "määräalennusten rivit, joiden tuotteella on vielä vanha alv-luokka, on "
-            "voitu jo kertoa kertoimella: tarkasta ne, ettei tämä ajo kerro niitä "
-            "uudestaan.");
-    run.ports.log(kNoticePrefix + text);
-    if (run.ports.unattended() || !run.definition.changesDependents() ||
-        run.ports.ask(text + QStringLiteral("\r\rJatketaanko?")))
-        return true;
-    run.result.refusal = text;
-    return false;
 }
 
 /// Changed rows so far, as "kampanjarivit 3, tuotteet 12"; empty if none.
@@ -208,9 +185,7 @@ QString claimCompany(data::Database& database) {
     try {
         if (database.beginRun())
             return {};
-        return QStringLiteral(
-            "Yrityksen toinen ajo on kesken. Tätä ajoa ei aloiteta; yritä uudestaan, "
-            "kun se on päättynyt.");
+        return kOtherRunText;
     } catch (const std::exception& error) {
         return QStringLiteral("Virhe ajon aloituksessa: ") + errorText(error);
     }
@@ -239,8 +214,8 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
     ChangeDefinition definition = loaded.definition;
     dropMissingGroups(definition, facts);
     RunContext run(database, definition, ports, result);
-    if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) && earlierRunsAllow(run) &&
-        enterJournal(run, loaded, options)) {
+    if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) &&
+        earlierRunsAllow(run, options) && enterJournal(run, loaded, options)) {
         for (const QString& note : definitionNotes(loaded, facts))
             ports.log(kNoticePrefix + note);
         reportEarlierChanges(run);

@@ -19,6 +19,10 @@ struct ChangedRows {
     qint64 rows = 0;
 };
 
+/// Told by a run that is refused because another process is in a run of the company.
+inline const QString kOtherRunText = QStringLiteral(
+    "Yrityksen toinen ajo on kesken. Tätä ajoa ei aloiteta; yritä uudestaan, kun se on päättynyt.");
+
 /// How a run is made.
 struct RunOptions {
     qint64 resume = 0;  ///< number of the run to be resumed; 0: a new run
@@ -30,6 +34,7 @@ struct RunResult {
     qint64 run = 0;  ///< its number in the journal; 0 without a journal or if refused
     data::RunState state = data::RunState::Done;  ///< as stored in the journal; Done if refused
     bool refused = false;  ///< stopped before any change: definition, date, classes or another run
+    bool blocked = false;  ///< refused, because an earlier run is unfinished
     bool cancelled = false;   ///< stopped by the user, between rows or after a failed label
     int failedSteps = 0;      ///< steps that reported an error
     int skippedProducts = 0;  ///< products whose record another program had locked
