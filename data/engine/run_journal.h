@@ -92,8 +92,8 @@ class RunJournal {
     std::optional<JournalRun> run(qint64 number);
 
     /// Starts a run and records this connection's changes from now on. Number, state and rows of
-    /// `head` are ignored. `notes` are committed durably with the head. Removes finished runs older
-    /// than kKeptDays, with their undos.
+    /// `head` are ignored. `notes` are committed durably with the head. A change (not an undo)
+    /// removes finished runs older than kKeptDays.
     virtual qint64 begin(const JournalRun& head,
                          const std::vector<std::pair<QString, QByteArray>>& notes) = 0;
     /// Resumes recording an existing run; new entries follow the stored ones.

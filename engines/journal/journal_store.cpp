@@ -198,7 +198,8 @@ qint64 JournalStore::begin(const JournalRun& head,
     transact([&] {
         if (!exists())
             create();
-        removeOld();
+        if (head.kind == RunKind::Change)  // an undo needs the run that it takes back
+            removeOld();
         Statement largest(m_db, "SELECT ifnull(max(number), 0) FROM zdb_run", m_fileName);
         largest.step();
         // the number of a removed run is not reused

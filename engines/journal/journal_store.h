@@ -7,7 +7,7 @@
 
 #include "data/engine/run_journal.h"
 #include "data/journal/entry_codec.h"
-#include "engines/journal/id_sets.h"
+#include "data/journal/id_sets.h"
 #include "engines/sqlite/sqlite_handle.h"
 
 namespace engines::journal {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <random>
 
+#include "company/logs.h"
 #include "data/engine/run_journal.h"
 
 namespace test {

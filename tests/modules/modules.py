@@ -34,7 +34,7 @@ RULES = {  # module: the modules and headers it may use; "x/*" is x and all modu
     "vatchange/rules": ["vatchange/definition"],
     "vatchange/ports": [],
     "vatchange/journal": ["vatchange/definition", "vatchange/rules", "vatchange/ports",
-                          "framework/core/saved_definition.h", "data/*"],
+                          "framework/core/saved_definition.h", "framework/core/settings_table.h", "data/*"],
     "vatchange/orders": ["vatchange/definition", "vatchange/rules", "vatchange/ports",
                          "vatchange/journal", "data/*"],
     "vatchange/run": ["vatchange/definition", "vatchange/rules", "vatchange/ports",

@@ -81,6 +81,8 @@ TEST(ChangeRun, LogsEveryStep) {
                   "tuotekoodit sisältävät kiellettyjä merkkejä",
                   "A 1;Nimi",
                   "Verkkokauppa -valinta poistettiin 1 tuotteelta",
+                  // five price rows, the product and its web shop mark
+                  "Tarkastus: muutoksia 7; vanha alv-luokka jäi: TUOTE 1 (taulua ei valittu).",
               }));
 
     // a rerun finds nothing left to change

@@ -90,7 +90,7 @@ Invocation parseArguments(const Command& command, const QStringList& arguments) 
 
 std::vector<Command> allCommands() {
     std::vector<Command> all = companyCommands();
-    for (auto* more : {&tableCommands, &transferCommands, &copyCommands}) {
+    for (auto* more : {&tableCommands, &transferCommands, &copyCommands, &runCommands}) {
         std::vector<Command> part = more();
         std::move(part.begin(), part.end(), std::back_inserter(all));
     }

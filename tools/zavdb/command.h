@@ -68,6 +68,7 @@ std::vector<Command> companyCommands();   ///< create, demo, list, add, forget, 
 std::vector<Command> tableCommands();     ///< tables, fields, dictionary, sql
 std::vector<Command> transferCommands();  ///< import, export, load, save
 std::vector<Command> copyCommands();      ///< copy
+std::vector<Command> runCommands();       ///< runs, changes, undo, accept-run, verify, forget-run
 
 /// A parsed command line: a command with its arguments, or only an answer.
 struct Invocation {

@@ -1,6 +1,7 @@
 #include "tools/zavdb/command.h"
 #include "tools/zavdb/company_builder.h"
 #include "tools/zavdb/company_copy.h"
+#include "tools/zavdb/unfinished_runs.h"
 
 namespace tools {
 
@@ -9,6 +10,8 @@ namespace {
 int copy(const Arguments& arguments) {
     requireFreeName(arguments.at(1));  // before contacting the source's server
     const std::unique_ptr<data::Database> source = openCompany(arguments.at(0));
+    if (!arguments.has(kForce))
+        requireNoUnfinishedRun(*source, arguments.at(0), QStringLiteral("be copied"));
     const CopyResult result =
         copyCompany(*source, companyFolder(arguments.at(0)), arguments.at(1), arguments.at(2));
     for (const QStringList& lines : {result.notes, result.differences, result.findings})
@@ -43,7 +46,8 @@ std::vector<Command> copyCommands() {
          QStringLiteral(
              "SOURCE is a registered company of any engine; nobody should change it meanwhile. "
              "Every table of its catalogue is copied, byte for byte, with its layout and keys, and "
-             "its definitions and INI files as far as they can be read. At the end all records are "
+             "its definitions and INI files as far as they can be read; the copy has no runs. At "
+             "the end all records are "
              "compared and the copy is checked like \"zavdb check\".\nA copy that was stopped goes "
              "on where it was when the command is repeated; until then it lies in the hidden "
              "folder %1 inside DIR. Exit status 1 when something differs (then nothing is "
@@ -51,7 +55,7 @@ std::vector<Command> copyCommands() {
              .arg(kCopyFolder),
          3,
          3,
-         {},
+         {QCommandLineOption(kForce, QStringLiteral("Although a run of SOURCE is unfinished."))},
          copy},
     };
 }

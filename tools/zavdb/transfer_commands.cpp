@@ -6,6 +6,7 @@
 #include "tools/zavdb/sequential_transfer.h"
 #include "tools/zavdb/table_export.h"
 #include "tools/zavdb/table_import.h"
+#include "tools/zavdb/unfinished_runs.h"
 
 namespace tools {
 
@@ -15,6 +16,8 @@ const QString kReplace = QStringLiteral("replace");
 
 int importRows(const Arguments& arguments) {
     const std::unique_ptr<data::Database> database = openCompany(arguments.at(0));
+    if (arguments.has(kReplace) && !arguments.has(kForce))
+        requireNoUnfinishedRun(*database, arguments.at(0), QStringLiteral("have a table replaced"));
     const qint64 rows =
         importTable(*database, arguments.at(1), arguments.at(2), arguments.has(kReplace));
     printLine(QStringLiteral("%1 imported.").arg(counted(rows, QStringLiteral("row"))));
@@ -72,7 +75,9 @@ std::vector<Command> transferCommands() {
              "and then nothing has changed."),
          3,
          3,
-         {QCommandLineOption(kReplace, QStringLiteral("Empties the table first."))},
+         {QCommandLineOption(kReplace, QStringLiteral("Empties the table first.")),
+          QCommandLineOption(kForce,
+                             QStringLiteral("With --replace: although a run is unfinished."))},
          importRows},
         {QStringLiteral("export"),
          QStringLiteral("NAME TABLE [FILE.csv]"),

@@ -5,6 +5,7 @@
 #include <QLocale>
 
 #include "data/clock.h"
+#include "vatchange/journal/verification_text.h"
 
 namespace vatchange {
 
@@ -59,6 +60,14 @@ void problemsPart(ReportHtml& html, const RunResult& result) {
     }
 }
 
+void verificationPart(ReportHtml& html, const RunResult& result) {
+    if (!result.verification)
+        return;
+    html.section(QStringLiteral("Tarkastus"));
+    for (const QString& line : verificationTextFinnish(*result.verification))
+        html.paragraph(line);
+}
+
 void lostLines(ReportHtml& html, const RunResult& result) {
     if (result.lostLogLines == 0)
         return;
@@ -100,6 +109,7 @@ void runPart(ReportHtml& html, const ChangeReport& report) {
                                                 : QStringLiteral("ei kirjoitettu"));
     counts(html, run.result);
     problemsPart(html, run.result);
+    verificationPart(html, run.result);
     lostLines(html, run.result);
     if (run.definition != report.definition) {
         html.section(QStringLiteral("Ajettu määrittely"));

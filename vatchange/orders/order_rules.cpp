@@ -14,7 +14,6 @@ constexpr quint32 methodBits(std::initializer_list<int> methods) {
 }
 
 constexpr quint32 kKeepsPrices = methodBits({4, 5, 7, 8, 10, 11, 13, 14, 16, 19, 20, 21});
-constexpr quint32 kSkipped = methodBits({14, 16});
 
 bool contains(quint32 set, qint64 method) {
     return method >= 0 && method <= 31 && ((set >> method) & 1U) != 0;
@@ -37,10 +36,6 @@ double netVat0(const SalesRow& row) {
 
 bool OnHintaVeloitustapa(qint64 method) {
     return contains(kKeepsPrices, method);
-}
-
-bool isSkippedChargingMethod(qint64 method) {
-    return contains(kSkipped, method);
 }
 
 bool isSalesRowConverted(const SalesRow& row, qint64 sourceClass) {

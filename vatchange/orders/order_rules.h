@@ -3,6 +3,8 @@
 #include <QDate>
 #include <functional>
 
+#include "vatchange/rules/order_selection.h"
+
 /// The arithmetic of one order row and of an order's totals: values in, values out. Operations are
 /// done in doubles in the order written, one rounding each.
 namespace vatchange {
@@ -34,9 +36,6 @@ using VatFactor = std::function<double(qint64 vatClass)>;
 
 /// True for charging methods whose rows keep their sales price and row total; false outside 0..31.
 bool OnHintaVeloitustapa(qint64 method);
-
-/// True for charging methods whose orders are skipped.
-bool isSkippedChargingMethod(qint64 method);
 
 /// One row of a sales order. Prices are per unit; "Alv0" is without VAT.
 struct SalesRow {

@@ -1,6 +1,7 @@
 #include "vatchange/rules/selection.h"
 
 #include <QStringList>
+#include <limits>
 
 #include "vatchange/definition/ignore_list.h"
 
@@ -69,6 +70,45 @@ QString groupRangeCondition(const ChangeDefinition& definition) {
     if (definition.productGroup.last != 0)
         condition += QStringLiteral(" and nro <= ") + QString::number(definition.productGroup.last);
     return condition;
+}
+
+ProductSelection::Terms::Terms(const GroupRestriction& restriction)
+    : first(std::numeric_limits<qint64>::min()), last(std::numeric_limits<qint64>::max()) {
+    if (!restriction.on)
+        return;
+    if (restriction.first != 0 || restriction.last != 0) {
+        // as in addRangeTerms(): a single bound selects that group
+        first = restriction.first != 0 ? restriction.first : restriction.last;
+        last = restriction.last != 0 ? restriction.last : restriction.first;
+    }
+    ignored = parseIgnoreList(restriction.ignored).numbers;
+}
+
+bool ProductSelection::Terms::admit(qint64 group) const {
+    return group >= first && group <= last && !ignored.contains(group);
+}
+
+ProductSelection::ProductSelection(const ChangeDefinition& definition)
+    : m_source(definition.sourceClass),
+      m_subGroup(definition.subGroup),
+      m_productGroup(definition.productGroup),
+      m_mainGroup(definition.mainGroup),
+      m_rangeFirst(definition.productGroup.first),
+      m_rangeLast(definition.productGroup.last) {}
+
+bool ProductSelection::carriesSource(const SelectionFields& product) const {
+    return product.salesClass == m_source || product.secondClass == m_source ||
+           product.purchaseClass == m_source;
+}
+
+bool ProductSelection::inGroups(const SelectionFields& product) const {
+    return m_subGroup.admit(product.subGroup) && m_productGroup.admit(product.productGroup) &&
+           m_mainGroup.admit(product.mainGroup);
+}
+
+bool ProductSelection::inGroupRange(qint64 productGroup) const {
+    return (m_rangeFirst == 0 || productGroup >= m_rangeFirst) &&
+           (m_rangeLast == 0 || productGroup <= m_rangeLast);
 }
 
 }  // namespace vatchange

@@ -6,6 +6,7 @@
 #include "vatchange/run/dependent_step.h"
 #include "vatchange/run/journal_session.h"
 #include "vatchange/run/run_context.h"
+#include "vatchange/run/run_verification.h"
 #include "vatchange/run/unfinished_runs.h"
 
 namespace vatchange {
@@ -104,8 +105,9 @@ void convertProductsAndGroups(RunContext& run, LabelTable labels) {
         return;
     run.ports.log(QStringLiteral("Aloitetaan tuoteryhmien päivitys"));
     for (const GroupUpdate& update : groupUpdates(run.definition)) {
-        attempt(run, {QStringLiteral("Virhe tuoteryhmän päivityksessä: ")},
-                [&] { updateProductGroups(run, update); });
+        if (!attempt(run, {QStringLiteral("Virhe tuoteryhmän päivityksessä: ")},
+                     [&] { updateProductGroups(run, update); }))
+            run.outcome.failedTables.insert(QStringLiteral("TRYHMA"));
     }
     attempt(run, {QStringLiteral("Virhe alvien muutoksessa ->")}, [&] { updateStorePrices(run); });
     if (run.stopRequested())
@@ -116,6 +118,7 @@ void convertProductsAndGroups(RunContext& run, LabelTable labels) {
                                    [&] { convertProducts(run, labels); });
     if (!converted) {
         run.leftBehind = true;
+        run.outcome.failedTables.insert(QStringLiteral("TUOTE"));
         run.ports.log(QStringLiteral("Ennen virhettä muutettiin tuotteita ") +
                       QString::number(run.result.products) + QStringLiteral(" kpl"));
     }
@@ -124,12 +127,14 @@ void convertProductsAndGroups(RunContext& run, LabelTable labels) {
 
 void convertOrders(RunContext& run) {
     if (run.definition.salesOrders) {
-        attempt(run, {QStringLiteral("Virhe myyntitilausten päivityksessä: ")},
-                [&] { convertSalesOrders(run); });
+        if (!attempt(run, {QStringLiteral("Virhe myyntitilausten päivityksessä: ")},
+                     [&] { convertSalesOrders(run); }))
+            run.outcome.failedTables.insert(QStringLiteral("MTRIVI"));
     }
     if (run.definition.purchaseOrders) {
-        attempt(run, {QStringLiteral("Virhe ostotilausten päivityksessä: ")},
-                [&] { convertPurchaseOrders(run); });
+        if (!attempt(run, {QStringLiteral("Virhe ostotilausten päivityksessä: ")},
+                     [&] { convertPurchaseOrders(run); }))
+            run.outcome.failedTables.insert(QStringLiteral("WINOTRI"));
     }
 }
 
@@ -213,8 +218,13 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
         earlierRunsAllow(run, options) && enterJournal(run, loaded, options)) {
         for (const QString& note : definitionNotes(loaded, facts))
             ports.log(kNoticePrefix + note);
+        reportEarlierChanges(run);
         try {
             runSteps(run);
+            // a run that was asked to end must have ended before the verification takes its time
+            if (result.cancelled)
+                leaveJournal(run);
+            verifyAtEnd(run);
         } catch (...) {  // of the ports
             run.leftBehind = true;
             leaveJournal(run);

@@ -3,9 +3,11 @@
 #include <QString>
 #include <QStringList>
 #include <deque>
+#include <optional>
 
 #include "data/engine/run_journal.h"
 #include "vatchange/definition/load_rules.h"
+#include "vatchange/journal/verification.h"
 #include "vatchange/ports/run_ports.h"
 
 namespace vatchange {
@@ -45,13 +47,14 @@ struct RunResult {
     std::deque<ChangedRows> changed;  ///< in step order
     QStringList failures;             ///< error messages of the failed steps, in step order
     QString refusal;                  ///< why the run was refused
-    qint64 lostLogLines = 0;          ///< lines that the change log lacks; set by runWithSummary()
-    QString logProblem;               ///< why, in Finnish, with the file
+    std::optional<Verification> verification;  ///< none without a journal, or if it failed
+    qint64 lostLogLines = 0;  ///< lines that the change log lacks; set by runWithSummary()
+    QString logProblem;       ///< why, in Finnish, with the file
 
     /// Complete success: exit status 0.
     bool clean() const {
         return !refused && !cancelled && failedSteps == 0 && skippedProducts == 0 &&
-               lostLogLines == 0;
+               lostLogLines == 0 && !(verification && verification->productsLeft());
     }
 };
 

@@ -69,6 +69,7 @@ void begin(RunContext& run, data::RunJournal& journal, const LoadedDefinition& l
 void resume(RunContext& run, data::RunJournal& journal, qint64 number) {
     auto progress = std::make_unique<RunProgress>(RunProgress::read(journal, number));
     journal.resume(number);
+    journal.setNote(number, kOutcomeNote, {});
     run.progress = std::move(progress);
     run.result.run = number;
     run.ports.log(QStringLiteral("Jatketaan keskeytynyttä ajoa %1").arg(number));
@@ -131,7 +132,9 @@ data::RunState stateOf(const RunContext& run) {
         return data::RunState::Stopped;
     if (run.leftBehind || run.result.skippedProducts > 0)
         return data::RunState::Incomplete;
-    return run.result.failedSteps > 0 ? data::RunState::Errors : data::RunState::Done;
+    const bool productsLeft = run.result.verification && run.result.verification->productsLeft();
+    return run.result.failedSteps > 0 || productsLeft ? data::RunState::Errors
+                                                      : data::RunState::Done;
 }
 
 void leaveJournal(RunContext& run) {

@@ -244,6 +244,7 @@ class ProductConversion {
         if (outcome == ShelfLabels::Outcome::Failed)
             return true;
         m_run.leftBehind = true;
+        m_run.outcome.failedTables.insert(QStringLiteral("TUOTE"));
         if (!m_run.ports.unattended())  // the user was asked
             m_run.stop(QStringLiteral("hyllynreunaetiketin virheen jälkeen"));
         return false;

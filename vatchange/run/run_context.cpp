@@ -49,6 +49,7 @@ void RunContext::skipProduct(const QString& number) {
     ports.log(QStringLiteral("Virhe tuotteen päivityksessä: ") + number +
               QStringLiteral(" tuotetta ei voi muokata"));
     ++result.skippedProducts;
+    outcome.passedOver.insert(number);
     if (result.skippedNumbers.size() < RunResult::kListedProducts)
         result.skippedNumbers += number;
 }

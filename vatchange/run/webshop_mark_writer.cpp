@@ -10,6 +10,7 @@
 #include "data/error.h"
 #include "data/table/tb_table.h"
 #include "framework/core/settings_table.h"
+#include "vatchange/rules/web_shop_letters.h"
 
 namespace vatchange {
 
@@ -25,11 +26,8 @@ struct WebShopMarkWriter::Data {
             logged = framework::zavIniValue(database, QStringLiteral("VERKKOKAUPPA"),
                                             QStringLiteral("Loki")) == u"1";
         if (*logged)
-            company::writeLogLine(
-                company::dataFolderFile(QStringLiteral("WEBKAUPPA.LOG")),
-                QStringLiteral("WebkauppaMuutospyyntö:   Taulu: |%1|    Tyyppi: |%2|    "
-                               "Tunnus: |%3|    ")
-                    .arg(tableName, QString(letter), key));
+            company::writeLogLine(company::dataFolderFile(QStringLiteral("WEBKAUPPA.LOG")),
+                                  webShopLogText(tableName, key, letter));
     }
 
     QChar pendingLetter(const QString& tableName, const QString& key) {
@@ -75,7 +73,7 @@ void WebShopMarkWriter::mark(const QString& tableName, const QString& key, QChar
 }
 
 QChar WebShopMarkWriter::resultingLetter(QChar pending, QChar letter) {
-    return pending == u'L' && letter == u'M' ? pending : letter;
+    return resultingWebShopLetter(pending, letter);
 }
 
 }  // namespace vatchange

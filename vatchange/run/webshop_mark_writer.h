@@ -31,9 +31,7 @@ class WebShopMarkWriter {
     /// does not throw.
     void mark(const QString& tableName, const QString& key, QChar letter, const Report& report);
 
-    /// The letter to store, given the latest pending one (null: none) and the new one. A pending
-    /// 'L' followed by 'M' stays 'L', because the row has yet to be added; otherwise the new letter
-    /// wins. 'M' or 'L' after a pending 'P' puts the row back on the web shop.
+    /// See resultingWebShopLetter().
     static QChar resultingLetter(QChar pending, QChar letter);
 
   private:

@@ -116,7 +116,7 @@ int run(const QString& folder) {
 }
 
 int all(const QString& folder) {
-    const data::Clock::Override morning(test::changeMorning);
+    const data::Clock::Override morning{test::changeMorning};
     test::LoggingPorts ports;
     const auto database = test::openCompany(folder);
     return test::runOrResume(*database, ports).clean() ? 0 : 1;

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "vatchange/journal/verification.h"
+
+namespace vatchange {
+
+/// Counts findings, hands them on and keeps the first of each kind.
+class FindingList {
+  public:
+    FindingList(Verification& verification, const VerifyOptions& options)
+        : m_verification(verification), m_options(options) {}
+
+    /// `make` gives the finding; it is called only for one that somebody sees.
+    template <typename Make>
+    void add(FindingKind kind, Make&& make) {
+        const auto index = static_cast<size_t>(kind);
+        const bool kept = m_verification.counts[index]++ < m_options.listed;
+        if (!kept && !m_options.see)
+            return;
+        Finding finding = make();
+        finding.kind = kind;
+        if (m_options.see)
+            m_options.see(finding);
+        if (kept)
+            m_verification.findings.push_back(std::move(finding));
+    }
+
+  private:
+    Verification& m_verification;
+    const VerifyOptions& m_options;
+};
+
+}  // namespace vatchange

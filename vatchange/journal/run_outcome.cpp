@@ -1,0 +1,47 @@
+#include "vatchange/journal/run_outcome.h"
+
+#include <QCborArray>
+#include <QCborMap>
+#include <QCborValue>
+
+namespace vatchange {
+
+namespace {
+
+const QString kStopped = QStringLiteral("stopped");
+const QString kFailed = QStringLiteral("failed");
+const QString kPassedOver = QStringLiteral("passedOver");
+
+QCborArray arrayOf(const std::set<QString>& texts) {
+    QCborArray array;
+    for (const QString& text : texts)
+        array.append(text);
+    return array;
+}
+
+std::set<QString> textsOf(const QCborValue& value) {
+    std::set<QString> texts;
+    for (const QCborValue& text : value.toArray())
+        texts.insert(text.toString());
+    return texts;
+}
+
+}  // namespace
+
+QByteArray outcomeNote(const RunOutcome& outcome) {
+    const QCborMap map{{kStopped, outcome.stopped},
+                       {kFailed, arrayOf(outcome.failedTables)},
+                       {kPassedOver, arrayOf(outcome.passedOver)}};
+    return map.toCborValue().toCbor();
+}
+
+RunOutcome outcomeOfNote(const QByteArray& note) {
+    const QCborMap map = QCborValue::fromCbor(note).toMap();
+    RunOutcome outcome;
+    outcome.stopped = map[kStopped].toBool();
+    outcome.failedTables = textsOf(map[kFailed]);
+    outcome.passedOver = textsOf(map[kPassedOver]);
+    return outcome;
+}
+
+}  // namespace vatchange

@@ -1,0 +1,62 @@
+#include "vatchange/journal/verification.h"
+
+#include "vatchange/journal/journal_check.h"
+#include "vatchange/journal/remaining_classes.h"
+#include "vatchange/journal/run_notes.h"
+
+namespace vatchange {
+
+namespace {
+
+data::DataError noRun(qint64 run) {
+    return data::DataError(data::ErrorKind::Gone, QStringLiteral("run journal"),
+                           QStringLiteral("there is no run %1").arg(run))
+        .inFinnish(QStringLiteral("ajoa %1 ei ole").arg(run));
+}
+
+std::optional<RunOutcome> outcomeOfRun(data::RunJournal& journal, qint64 run) {
+    const std::optional<QByteArray> note = journal.note(run, kOutcomeNote);
+    if (!note)
+        return std::nullopt;
+    return outcomeOfNote(*note);
+}
+
+}  // namespace
+
+qint64 Verification::left(const QString& table, LeftReason reason) const {
+    for (const Remainder& remainder : remaining) {
+        if (remainder.table == table && remainder.reason == reason)
+            return remainder.records;
+    }
+    return 0;
+}
+
+bool Verification::productsLeft() const {
+    return left(QStringLiteral("TUOTE"), LeftReason::Unknown) > 0;
+}
+
+bool Verification::holds() const {
+    return count(FindingKind::LeftBehind) + count(FindingKind::Gone) +
+               count(FindingKind::Returned) + count(FindingKind::ChangedSince) ==
+           0;
+}
+
+Verification verifyRun(data::Database& database, qint64 run, const VerifyOptions& options) {
+    data::RunJournal* journal = database.journal();
+    if (journal == nullptr || !journal->run(run))
+        throw noRun(run);
+    Verification verification;
+    verification.run = run;
+    FindingList findings(verification, options);
+    const std::optional<ChangeDefinition> definition = definitionOfRun(*journal, run);
+    JournalCheck check(database, *journal, run, definition, verification, findings);
+    check.run();
+    if (definition) {
+        const std::optional<RunOutcome> outcome = outcomeOfRun(*journal, run);
+        countRemaining(database, {*definition, outcome, check.converted(), check.undone()},
+                       verification, findings);
+    }
+    return verification;
+}
+
+}  // namespace vatchange

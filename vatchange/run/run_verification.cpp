@@ -1,0 +1,44 @@
+#include "vatchange/run/run_verification.h"
+
+#include "vatchange/journal/earlier_runs.h"
+#include "vatchange/journal/verification_text.h"
+
+namespace vatchange {
+
+void verifyAtEnd(RunContext& run) {
+    data::RunJournal* journal = run.database.journal();
+    if (journal == nullptr || run.result.run == 0)
+        return;
+    try {
+        run.ports.status(QStringLiteral("Tarkastetaan ajo"));
+        run.outcome.stopped = run.result.cancelled;
+        journal->setNote(run.result.run, kOutcomeNote, outcomeNote(run.outcome));
+        run.result.verification = verifyRun(run.database, run.result.run);
+        const QString line = verificationLine(*run.result.verification);
+        if (run.result.verification->holds() || run.result.cancelled)
+            run.ports.log(line);
+        else
+            run.ports.NaytaViesti(line);
+    } catch (const std::exception& error) {
+        const QString text = QStringLiteral("Tarkastus: ei onnistunut, ") + errorText(error);
+        ++run.result.failedSteps;
+        run.result.failures += text;
+        run.ports.NaytaViesti(text);
+    }
+}
+
+void reportEarlierChanges(RunContext& run) {
+    data::RunJournal* journal = run.database.journal();
+    if (journal == nullptr || !run.definition.changesDependents())
+        return;
+    try {
+        const std::vector<EarlierRun> earlier = earlierRuns(*journal, run.result.run);
+        for (const EarlierChange& rows : earlierRunsOfSameRows(run.definition, earlier))
+            run.ports.log(QStringLiteral("Huomaa: ") + earlierChangeText(rows));
+    } catch (const std::exception& error) {
+        // a damaged journal of another run is no reason not to go on
+        run.ports.log(QStringLiteral("Huomaa: aiempia ajoja ei voi lukea: ") + errorText(error));
+    }
+}
+
+}  // namespace vatchange

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "vatchange/run/run_context.h"
+
+namespace vatchange {
+
+/// Stores how the steps ended, verifies the run and logs one line, "Tarkastus: ..."; shows it if
+/// something is not as it should be. Without a journal does nothing. A verification that fails
+/// counts as a failed step.
+void verifyAtEnd(RunContext& run);
+
+/// Logs which dependent tables earlier runs of the same classes have changed already.
+void reportEarlierChanges(RunContext& run);
+
+}  // namespace vatchange
