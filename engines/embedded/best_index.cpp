@@ -35,12 +35,24 @@ struct Candidate {
     bool ordered = false;
 };
 
+/// While SQLite plans a statement it cannot reload its schema. If another program has changed that
+/// (the first run makes the journal's tables), any number will do: the plan is made again before
+/// the statement runs.
+double recordsOf(StoredTable& table) {
+    constexpr double kUnknown = 10000;
+    try {
+        return std::max<double>(1, static_cast<double>(table.estimatedCount()));
+    } catch (const DataError& error) {
+        if ((error.nativeCode() & 0xFF) != SQLITE_SCHEMA)
+            throw;
+        return kUnknown;
+    }
+}
+
 class Planner {
   public:
     Planner(StoredTable& table, sqlite3_index_info* info)
-        : m_table(table),
-          m_info(info),
-          m_records(std::max<double>(1, static_cast<double>(table.estimatedCount()))) {}
+        : m_table(table), m_info(info), m_records(recordsOf(table)) {}
 
     int choose();
 

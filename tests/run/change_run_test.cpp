@@ -81,8 +81,8 @@ TEST(ChangeRun, LogsEveryStep) {
                   "tuotekoodit sisältävät kiellettyjä merkkejä",
                   "A 1;Nimi",
                   "Verkkokauppa -valinta poistettiin 1 tuotteelta",
-                  // five price rows, the product and its web shop mark
-                  "Tarkastus: muutoksia 7; vanha alv-luokka jäi: TUOTE 1 (taulua ei valittu).",
+                  // five price rows, the store price, the product and its web shop mark, twice each
+                  "Tarkastus: muutoksia 10; vanhaa alv-luokkaa ei jäänyt.",
               }));
 
     // a rerun finds nothing left to change
