@@ -28,7 +28,7 @@ constexpr test::FullCompanySize kSize{3, 1};
 // Tables that get rows as a side effect of another table's row.
 const QStringList kFollowers{"HR", "WEBKLIITOS", "INI"};
 const QStringList kKnownBeginnings{
-    "Virhe ",          "Ajoa ei voi aloittaa: ",       "VIRHE: TryPost -> ",
+    "Virhe ",          "Ajoa ei voi aloittaa: ",       "VIRHE: TryPost -> ",        "Tarkastus: ",
     "Tuotetiedot muu", "Myyntitilaukset konvertoitu.", "Ostotilaukset konvertoitu."};
 
 /// A run with its outcome.
