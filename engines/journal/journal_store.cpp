@@ -157,10 +157,22 @@ void JournalStore::writeHead(const StoredHead& head) {
     replace.run();
 }
 
+void JournalStore::requireWhole(std::initializer_list<const char*> tables) {
+    for (const char* table : tables) {
+        Statement check(m_db, QByteArray("PRAGMA integrity_check(") + table + ')', m_fileName);
+        while (check.step()) {
+            if (check.text(0) != QLatin1String("ok"))
+                throw DataError(ErrorKind::Damaged, QStringLiteral("run journal"), check.text(0))
+                    .inFinnish(QStringLiteral("ajopäiväkirja on vioittunut"));
+        }
+    }
+}
+
 std::vector<JournalRun> JournalStore::runs() {
     std::vector<JournalRun> runs;
     if (!exists())
         return runs;
+    requireWhole({"zdb_run"});
     Statement rows(m_db, "SELECT number, head FROM zdb_run ORDER BY number", m_fileName);
     while (rows.step())
         runs.push_back(decodeHead(rows.integer(0), rows.bytes(1)).run);
@@ -194,6 +206,8 @@ qint64 JournalStore::countRecords(qint64 run) {
 qint64 JournalStore::begin(const JournalRun& head,
                            const std::vector<std::pair<QString, QByteArray>>& notes) {
     Q_ASSERT(m_run == 0);
+    if (head.kind == RunKind::Undo)
+        requireWhole({"zdb_table", "zdb_change", "zdb_note"});
     StoredHead stored{head, 0};
     transact([&] {
         if (!exists())
@@ -234,6 +248,7 @@ void JournalStore::stopRecording() {
 
 void JournalStore::resume(qint64 run) {
     Q_ASSERT(m_run == 0);
+    requireWhole({"zdb_table", "zdb_change", "zdb_note"});
     StoredHead stored = existingHead(run);
     IdSets records;
     visit(run, Direction::Forward, [&records](const JournalEntry& entry) {

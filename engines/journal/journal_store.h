@@ -76,6 +76,10 @@ class JournalStore : public RunJournal {
 
     bool exists();
     void create();
+    /// A page that claims fewer rows than it holds is valid for SQLite, and what is lost at the end
+    /// of an unfinished run has no other trace: its changes would be made again.
+    /// @throws data::DataError
+    void requireWhole(std::initializer_list<const char*> tables);
     void transact(const std::function<void()>& body);
     static QByteArray encodeHead(const StoredHead& head);
     StoredHead decodeHead(qint64 number, const QByteArray& bytes) const;

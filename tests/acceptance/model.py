@@ -78,8 +78,8 @@ class Refused(Exception):
     """With the run's own message, or with the (control, value) pairs that refuse the definition."""
 
 
-PATTERNS = {"Class": r"\d{1,3}", "Number": r"-?\d+(\.\d+)?(e-?\d+)?", "Date": r"(\d{4}-\d\d-\d\d)?",
-            "Groups": r"(\d+(,\d+)*)?", "Check": "[01]"}
+PATTERNS = {"Class": r"[0-9]{1,3}", "Number": r"[+-]?[0-9]+(\.[0-9]+)?(e-?[0-9]+)?", "Date": r"(\d{4}-\d\d-\d\d)?",
+            "Groups": r"([0-9]+(,[0-9]+)*)?", "Check": "[01]"}
 
 
 def kind_of(control):

@@ -79,7 +79,7 @@ TEST_F(VerificationTest, SumsAndWhatSomebodyChangedSince) {
     // 10 -> 10.12, 20 -> 20.24; level 2 from level 1: 4 -> 15, 0 -> 30
     Verification verification = verify(number);
     EXPECT_TRUE(verification.holds());
-    EXPECT_FALSE(verification.productsLeft());
+    EXPECT_FALSE(verification.unexplained());
     EXPECT_EQ(remaining(verification), QStringList());
     ASSERT_EQ(verification.sums.size(), 2U);
     const PriceSums& one = verification.sums.at(0);
@@ -107,7 +107,7 @@ TEST_F(VerificationTest, SumsAndWhatSomebodyChangedSince) {
               (QStringList{"TUOTE c LVV: the run left 6, now 3",
                            "TUOTE b HINTA: the run left 20.24, now 21", "TRYHMA 1: is gone"}));
     EXPECT_EQ(remaining(verification), QStringList{"TUOTE 1 changed since"});
-    EXPECT_FALSE(verification.productsLeft());
+    EXPECT_FALSE(verification.unexplained());
 }
 
 TEST_F(VerificationTest, ALaterRunIsNamed) {
@@ -190,7 +190,7 @@ TEST_F(VerificationTest, WhatIsLeftHasItsReason) {
         RunOutcome outcome;
         bool recorded;  // false: no step was run
         QStringList remaining;
-        bool productsLeft;
+        bool unexplained;
     };
     const QStringList none;
     const auto nothing = [](ChangeDefinition&) {};
@@ -240,7 +240,7 @@ TEST_F(VerificationTest, WhatIsLeftHasItsReason) {
             number = run(definition);
             const Verification verification = verify(number);
             EXPECT_EQ(remaining(verification), c.remaining);
-            EXPECT_EQ(verification.productsLeft(), c.productsLeft);
+            EXPECT_EQ(verification.unexplained(), c.unexplained);
             company.execAll({"update TUOTE set LVV = 3 where NUMERO = 'a'",
                              "update TUOTE set OSTOVERO = 3 where NUMERO = 'b'",
                              "update TRYHMA set VERO = 3 where Nro = 1",
@@ -254,7 +254,7 @@ TEST_F(VerificationTest, WhatIsLeftHasItsReason) {
         journal().end(data::RunState::Stopped);
         const Verification verification = verify(number);
         EXPECT_EQ(remaining(verification), c.remaining);
-        EXPECT_EQ(verification.productsLeft(), c.productsLeft);
+        EXPECT_EQ(verification.unexplained(), c.unexplained);
         EXPECT_FALSE(verification.holds());
     }
 }
@@ -299,34 +299,45 @@ TEST_F(VerificationTest, PricesWorthALook) {
     EXPECT_TRUE(verification.holds());
 }
 
-TEST_F(VerificationTest, FindsTheProductThatTheIndexLacks) {
+TEST_F(VerificationTest, FindsWhatTheIndexLacks) {
+    // record 2 of each table is in the table and not in the index of its key
+    const auto takeFromIndex = [this](QByteArray sql, const QByteArray& table) {
+        const engines::sqlite::SqliteHandle handle(company.folder() + "/YRITYS.ZDB",
+                                                   engines::sqlite::SqliteHandle::Mode::ReadWrite);
+        engines::sqlite::execute(handle.get(), sql.replace("TUOTE", table));
+    };
+    const QByteArray sql =
+        "CREATE TEMP TABLE old AS SELECT sql FROM sqlite_master WHERE name = 'rec_TUOTE_k0';"
+        "DROP INDEX rec_TUOTE_k0; CREATE UNIQUE INDEX rec_TUOTE_k0 ON rec_TUOTE(k0) WHERE id "
+        "<> 2; PRAGMA writable_schema = ON; UPDATE sqlite_master SET sql = (SELECT sql FROM "
+        "old) WHERE name = 'rec_TUOTE_k0'";
     company.execAll(
         {"insert into TUOTE (NUMERO, LVV, HINTA) values ('a', 3, 10), ('b', 3, 20), "
-         "('c', 3, 30)"});
+         "('c', 3, 30)",
+         "insert into MT (Numero, Toimitustila) values (1, 1)",
+         "insert into MTRIVI (TilausNro, RiviNro, Verokanta, Toimitettava) values (1, 1, 3, 1), "
+         "(1, 2, 3, 1)"});
     run([] {
         ChangeDefinition other = test::plainDefinition();
         other.sourceClass = 7;
         return other;
     }());
     company.ports.lines.clear();
-    {
-        // 'b' is in the table and not in the index of its key
-        const engines::sqlite::SqliteHandle handle(company.folder() + "/YRITYS.ZDB",
-                                                   engines::sqlite::SqliteHandle::Mode::ReadWrite);
-        engines::sqlite::execute(
-            handle.get(),
-            "CREATE TEMP TABLE old AS SELECT sql FROM sqlite_master WHERE name = 'rec_TUOTE_k0';"
-            "DROP INDEX rec_TUOTE_k0; CREATE UNIQUE INDEX rec_TUOTE_k0 ON rec_TUOTE(k0) WHERE id "
-            "<> 2; PRAGMA writable_schema = ON; UPDATE sqlite_master SET sql = (SELECT sql FROM "
-            "old) WHERE name = 'rec_TUOTE_k0'");
-    }
+    takeFromIndex(sql, "TUOTE");
     const Verification verification = verify(run(test::plainDefinition()));
     EXPECT_EQ(findings(verification), QStringList{"TUOTE b LVV: left behind, unknown"});
-    EXPECT_TRUE(verification.productsLeft());
-    EXPECT_EQ(
-        verificationLine(verification).toStdString(),
-        "Tarkastus: muutoksia 2; vanha alv-luokka jäi: TUOTE 1 (syy ei tiedossa); muuttamatta "
-        "jääneitä 1. TUOTE b LVV: jäi muuttamatta, syy ei tiedossa.");
+    EXPECT_TRUE(verification.unexplained());
+    EXPECT_EQ(verificationLine(verification).toStdString(),
+              "Tarkastus: muutoksia 2; vanha alv-luokka jäi: TUOTE 1 (syy ei tiedossa), MTRIVI 2 "
+              "(taulua ei "
+              "valittu); muuttamatta jääneitä 1. TUOTE b LVV: jäi muuttamatta, syy ei tiedossa.");
+
+    takeFromIndex(sql, "MTRIVI");
+    ChangeDefinition orders = withOrders();
+    orders.products = false;
+    const Verification ofOrders = verify(run(orders));
+    EXPECT_EQ(findings(ofOrders), QStringList{"MTRIVI 1 2 Verokanta: left behind, unknown"});
+    EXPECT_TRUE(ofOrders.unexplained());
 }
 
 TEST_F(VerificationTest, CountsAllAndKeepsTheFirst) {

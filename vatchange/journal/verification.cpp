@@ -1,5 +1,7 @@
 #include "vatchange/journal/verification.h"
 
+#include <algorithm>
+
 #include "vatchange/journal/journal_check.h"
 #include "vatchange/journal/remaining_classes.h"
 #include "vatchange/journal/run_notes.h"
@@ -31,8 +33,10 @@ qint64 Verification::left(const QString& table, LeftReason reason) const {
     return 0;
 }
 
-bool Verification::productsLeft() const {
-    return left(QStringLiteral("TUOTE"), LeftReason::Unknown) > 0;
+bool Verification::unexplained() const {
+    return std::any_of(remaining.begin(), remaining.end(), [](const Remainder& remainder) {
+        return remainder.reason == LeftReason::Unknown && remainder.records > 0;
+    });
 }
 
 bool Verification::holds() const {

@@ -80,8 +80,9 @@ struct Verification {
 
     qint64 count(FindingKind kind) const { return counts[static_cast<size_t>(kind)]; }
     qint64 left(const QString& table, LeftReason reason) const;
-    /// A selected product was left without a known reason: exit status 1 of the run.
-    bool productsLeft() const;
+    /// A product, product group or order row that the run should have converted was left without a
+    /// known reason: exit status 1 of the run.
+    bool unexplained() const;
     /// Everything is as the run left it and nothing was left behind.
     bool holds() const;
 };

@@ -54,7 +54,7 @@ struct RunResult {
     /// Complete success: exit status 0.
     bool clean() const {
         return !refused && !cancelled && failedSteps == 0 && skippedProducts == 0 &&
-               lostLogLines == 0 && !(verification && verification->productsLeft());
+               lostLogLines == 0 && !(verification && verification->unexplained());
     }
 };
 

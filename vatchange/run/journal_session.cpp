@@ -132,9 +132,9 @@ data::RunState stateOf(const RunContext& run) {
         return data::RunState::Stopped;
     if (run.leftBehind || run.result.skippedProducts > 0)
         return data::RunState::Incomplete;
-    const bool productsLeft = run.result.verification && run.result.verification->productsLeft();
-    return run.result.failedSteps > 0 || productsLeft ? data::RunState::Errors
-                                                      : data::RunState::Done;
+    const bool unexplained = run.result.verification && run.result.verification->unexplained();
+    return run.result.failedSteps > 0 || unexplained ? data::RunState::Errors
+                                                     : data::RunState::Done;
 }
 
 void leaveJournal(RunContext& run) {
