@@ -1,7 +1,8 @@
 #!/bin/bash
 # Checks that take too long for every change: fuzzers, a build without precompiled headers, clang-tidy
-# and cppcheck on all files, hundreds of kills, power losses and faults, concurrent programs, whole runs
-# under the sanitizers, a large company, the thread sanitizer, mutations, valgrind.
+# and cppcheck on all files, hundreds of kills, power losses and faults, damaged databases, hostile
+# definitions, concurrent programs, whole runs under the sanitizers, a large company, the thread
+# sanitizer, mutations, valgrind.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . scripts/options.sh
@@ -48,6 +49,9 @@ cmake --build build --target taksavaihe zavdb fault_tests
 scripts/crash.sh || failed+=("crash.sh")
 TAKSAVAIHE_FAULTS=100000 TAKSAVAIHE_DISTURBANCES=200 TAKSAVAIHE_ROUNDS=500 QT_QPA_PLATFORM=offscreen \
     build/bin/fault_tests --gtest_filter='FaultSweep.*:TwoPrograms.*' || failed+=("fault_tests")
+
+heading "Damaged databases, hostile definitions"
+python3 tests/acceptance/attack.py build/bin --databases 200 --definitions 300 || failed+=("attack.py")
 
 heading "Whole runs under the sanitizers"
 cmake --preset asan

@@ -126,7 +126,7 @@ class Attack:
             self.restore("fresh")
             p = subprocess.Popen([self.company.program, "K", "/E"], env=self.company.env, stdout=subprocess.DEVNULL,
                                  stderr=subprocess.DEVNULL)
-            time.sleep(self.r.uniform(0.08, 0.4))
+            time.sleep(self.r.uniform(0.1, 1) * self.took)
             p.kill()
             p.wait()
             if "interrupted" in self.company.zavdb("runs", "K").stdout:
@@ -170,7 +170,9 @@ class Attack:
         return f"{kind} in {table}, page {page}"
 
     def databases(self, count):
+        began = time.monotonic()
         self.change("setup")
+        self.took = time.monotonic() - began
         self.keep("done")
         new = self.snapshot()
         for n in range(count):
