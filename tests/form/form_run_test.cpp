@@ -155,7 +155,7 @@ TEST_F(FormRun, OnlyInterruptingIsPossibleDuringARunAndStopsBetweenTwoProducts) 
 
 TEST_F(FormRun, AsksWhatToDoAboutAnUnfinishedRunOfTheSameDefinition) {
     c().customerPriceLists->click();
-    for (const char* product : {"398", "399", "400"})
+    for (const char* product : {"5998", "5999", "6000"})
         m_shop.exec(str("insert into ASALE (AsiakasNumero, Tuote, Hinta, Tyyppi) "
                         "values (1, '%1', 100, 1)")
                         .arg(str(product)));
@@ -182,8 +182,8 @@ TEST_F(FormRun, AsksWhatToDoAboutAnUnfinishedRunOfTheSameDefinition) {
     const QString leave = str("Ä&lä tee mitään");
     const QString repeated =
         str("Alusta aloitettu ajo kertoisi uudestaan nämä jo kerrotut rivit:\n\nasiakashinnastojen "
-            "rivit 3 (1 398 0 0; "
-            "1 399 0 0; 1 400 0 0)\n\nAloitetaanko silti alusta?");
+            "rivit 3 (1 5998 0 0; "
+            "1 5999 0 0; 1 6000 0 0)\n\nAloitetaanko silti alusta?");
     const auto customerPrices = [this](double price) {
         return m_shop.number(
             str("select count(*) from ASALE where round(Hinta, 2) = %1").arg(price));
