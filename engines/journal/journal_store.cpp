@@ -168,6 +168,20 @@ void JournalStore::requireWhole(std::initializer_list<const char*> tables) {
     }
 }
 
+void JournalStore::requireComplete(const StoredHead& head) {
+    requireWhole({"zdb_table", "zdb_change", "zdb_note"});
+    const qint64 run = head.run.number;
+    if (head.last != 0 && lastEntry(run) != head.last)
+        throw damaged(run, "its last entries are missing");
+    Statement strays(m_db,
+                     "SELECT 1 FROM (SELECT min(place) AS place FROM zdb_change UNION ALL "
+                     "SELECT max(place) FROM zdb_change) WHERE place >> 32 NOT IN "
+                     "(SELECT number FROM zdb_run)",
+                     m_fileName);
+    if (strays.step())
+        throw damaged(run, "there are entries of no run");
+}
+
 std::vector<JournalRun> JournalStore::runs() {
     std::vector<JournalRun> runs;
     if (!exists())
@@ -207,7 +221,7 @@ qint64 JournalStore::begin(const JournalRun& head,
                            const std::vector<std::pair<QString, QByteArray>>& notes) {
     Q_ASSERT(m_run == 0);
     if (head.kind == RunKind::Undo)
-        requireWhole({"zdb_table", "zdb_change", "zdb_note"});
+        requireComplete(existingHead(head.undoneRun));
     StoredHead stored{head, 0};
     transact([&] {
         if (!exists())
@@ -248,8 +262,8 @@ void JournalStore::stopRecording() {
 
 void JournalStore::resume(qint64 run) {
     Q_ASSERT(m_run == 0);
-    requireWhole({"zdb_table", "zdb_change", "zdb_note"});
     StoredHead stored = existingHead(run);
+    requireComplete(stored);
     IdSets records;
     visit(run, Direction::Forward, [&records](const JournalEntry& entry) {
         if (!entry.isMark)

@@ -80,6 +80,8 @@ class JournalStore : public RunJournal {
     /// of an unfinished run has no other trace: its changes would be made again.
     /// @throws data::DataError
     void requireWhole(std::initializer_list<const char*> tables);
+    /// Before a run is resumed or taken back. @throws data::DataError
+    void requireComplete(const StoredHead& head);
     void transact(const std::function<void()>& body);
     static QByteArray encodeHead(const StoredHead& head);
     StoredHead decodeHead(qint64 number, const QByteArray& bytes) const;

@@ -210,4 +210,12 @@ TEST_F(Journal, LostRowsAreToldBeforeARunIsResumed) {
         ASSERT_TRUE(bytes.open(QIODevice::ReadWrite));
         bytes.write(whole);
     }
+    // the rows of another table in the place of the entries
+    {
+        const engines::sqlite::SqliteHandle handle(file(),
+                                                   engines::sqlite::SqliteHandle::Mode::ReadWrite);
+        engines::sqlite::execute(handle.get(), "UPDATE zdb_change SET place = place & 255");
+    }
+    open();
+    EXPECT_EQ(thrownBy([&] { journal().resume(number); }).kind(), ErrorKind::Damaged);
 }
