@@ -1,7 +1,7 @@
 #include "engines/shops/separate_journal.h"
 
-#include "data/journal/entry_fields.h"
 #include "tests/engines/embedded/fixture.h"
+#include "tests/support/taken_back.h"
 
 // The journal of an engine whose transactions it cannot join, over an embedded company whose own
 // journal is off.
@@ -64,24 +64,6 @@ class SeparateJournalTest : public test::EmbeddedCompany {
         return tables;
     }
 
-    // What stands in the tables, with the journal's changes taken back from the last to the first.
-    std::map<QString, Records> takenBack() {
-        std::map<QString, Records> tables = everything();
-        const std::vector<JournalTable> known = m_journal->tables(m_run);
-        m_journal->visit(m_run, Direction::Backward, [&](const JournalEntry& entry) {
-            const JournalTable& table = known.at(static_cast<size_t>(entry.table));
-            Records& records = tables[table.name];
-            const QByteArray nothing(table.recordLength, '\0');
-            if (entry.operation == Operation::Insert)
-                records.erase(entry.record);
-            else
-                applyBefore(entry, records.try_emplace(entry.record, nothing).first->second);
-            return true;
-        });
-        std::erase_if(tables, [](const auto& table) { return table.second.empty(); });
-        return tables;
-    }
-
     std::unique_ptr<SeparateJournal> m_journal;
     std::map<QString, Records> m_before;
     qint64 m_run = 0;
@@ -109,13 +91,14 @@ TEST_F(SeparateJournalTest, KnowsEveryChangeWhereverTheProcessDies) {
     for (const Write& write : writes) {
         for (const auto& [sent, dies] : {std::pair(false, true), std::pair(true, false)}) {
             journaled(write.sql, write.with, sent, dies);
-            EXPECT_TRUE(takenBack() == m_before) << write.sql << " sent " << sent;
+            EXPECT_TRUE(test::takenBack(*m_journal, m_run, everything()) == m_before)
+                << write.sql << " sent " << sent;
             if (dies)
                 m_journal->resume(m_run);
         }
         // once more, stored by the engine and not yet known to the journal
         journaled(write.sql, write.with, true, true);
-        EXPECT_TRUE(takenBack() == m_before) << write.sql;
+        EXPECT_TRUE(test::takenBack(*m_journal, m_run, everything()) == m_before) << write.sql;
         EXPECT_EQ(m_journal->run(m_run)->state, RunState::Interrupted);
         m_journal->resume(m_run);
     }
