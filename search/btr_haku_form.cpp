@@ -148,6 +148,7 @@ void TBtrHakuForm::connectControls() {
     connect(PoistaRajaus, &QPushButton::clicked, this, [this] {
         const QSignalBlocker once(Suodatin);
         Suodatin->clear();
+        Suodatin->setFocus();  // the button hides
         guarded([this] { NollaaSuodin(); });
     });
     connect(DBGrid1->selectionModel(), &QItemSelectionModel::currentChanged, this,
