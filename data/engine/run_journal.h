@@ -53,6 +53,8 @@ struct ByteChange {
     int offset = 0;
     QByteArray before;
     QByteArray after;
+
+    bool operator==(const ByteChange&) const = default;
 };
 
 /// A table's description when a run first changed it. The changes can only be read while the
@@ -75,6 +77,8 @@ struct JournalEntry {
     qint64 origin = 0;  ///< see RunJournal::setOrigin()
     QByteArray key;     ///< bytes of key 0's fields, concatenated; the change does not affect them
     std::vector<ByteChange> changes;  ///< by offset
+
+    bool operator==(const JournalEntry&) const = default;
 };
 
 /// The run journal of a company: the records changed by its runs, with old and new bytes, in order.

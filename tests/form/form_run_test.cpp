@@ -10,8 +10,23 @@ using test::str;
 
 namespace {
 
-// Enough for the window to process events during a run: each product is written to the disk alone.
-constexpr int kProducts = 400;
+// Enough for the window to process events several times during a run.
+constexpr int kProducts = 6000;
+
+/// The texts that a label has shown.
+class ShownTexts : public QObject {
+  public:
+    explicit ShownTexts(QLabel* label) : m_label(label) { label->installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint && !texts.contains(m_label->text()))
+            texts += m_label->text();
+        return false;
+    }
+    QStringList texts;
+
+  private:
+    QLabel* m_label;
+};
 
 class FormRun : public test::FormTest {
   protected:
@@ -45,8 +60,11 @@ class FormRun : public test::FormTest {
 TEST_F(FormRun, ChangesTheProductsAndReportsIt) {
     m_shop.addProducts(3);
     m_dialogs.expectMessage(str("Tuotetiedot muutettu ( 3 kpl)"));
+    const ShownTexts shown(control<QLabel>("StatusLabel"));
     QTest::mouseClick(m_form->Esikatsele, Qt::LeftButton);
     EXPECT_EQ(changed(), str("3"));
+    for (const char* step : {"TRyhmä alv1", "TRyhmä alv2", "Päivitetään tuotteet"})
+        EXPECT_TRUE(shown.texts.contains(str(step))) << step;
     EXPECT_EQ(control<QLabel>("StatusLabel")->text(), str("Muutos valmis, tuotteita muutettu 3"));
     EXPECT_TRUE(m_form->Esikatsele->isEnabled());
     EXPECT_FALSE(control("Keskeyta")->isEnabled());
@@ -105,8 +123,7 @@ TEST_F(FormRun, LinesLostInTheMiddleAreAFailureThatIsTold) {
     EXPECT_EQ(result->failedSteps, 0);
     EXPECT_GT(result->lostLogLines, 0);
     EXPECT_FALSE(result->clean());
-    EXPECT_EQ(control<QLabel>("StatusLabel")->text(),
-              str("Muutos tehty, tuotteita muutettu %1, mutta loki jäi vajaaksi").arg(kProducts));
+    EXPECT_TRUE(control<QLabel>("StatusLabel")->text().endsWith(str("mutta loki jäi vajaaksi")));
     EXPECT_EQ(changed(), QString::number(kProducts));
 }
 
@@ -138,7 +155,7 @@ TEST_F(FormRun, OnlyInterruptingIsPossibleDuringARunAndStopsBetweenTwoProducts) 
 
 TEST_F(FormRun, AsksWhatToDoAboutAnUnfinishedRunOfTheSameDefinition) {
     c().customerPriceLists->click();
-    for (const char* product : {"398", "399", "400"})
+    for (const char* product : {"5998", "5999", "6000"})
         m_shop.exec(str("insert into ASALE (AsiakasNumero, Tuote, Hinta, Tyyppi) "
                         "values (1, '%1', 100, 1)")
                         .arg(str(product)));
@@ -165,8 +182,8 @@ TEST_F(FormRun, AsksWhatToDoAboutAnUnfinishedRunOfTheSameDefinition) {
     const QString leave = str("Ä&lä tee mitään");
     const QString repeated =
         str("Alusta aloitettu ajo kertoisi uudestaan nämä jo kerrotut rivit:\n\nasiakashinnastojen "
-            "rivit 3 (1 398 0 0; "
-            "1 399 0 0; 1 400 0 0)\n\nAloitetaanko silti alusta?");
+            "rivit 3 (1 5998 0 0; "
+            "1 5999 0 0; 1 6000 0 0)\n\nAloitetaanko silti alusta?");
     const auto customerPrices = [this](double price) {
         return m_shop.number(
             str("select count(*) from ASALE where round(Hinta, 2) = %1").arg(price));

@@ -19,11 +19,23 @@ class FormRunPorts : public RunPorts {
     explicit FormRunPorts(TAlvMuutosLomake& form) : m_form(form) { m_sinceStep.start(); }
 
     bool unattended() const override { return m_form.unattended(); }
-    void NaytaViesti(const QString& text) override { m_form.NaytaViesti(text); }
+    void NaytaViesti(const QString& text) override {
+        if (!unattended())
+            flush();
+        m_form.NaytaViesti(text);
+    }
     void showMessage(const QString& text) override { framework::Dialogs::message(&m_form, text); }
-    bool ask(const QString& text) override { return framework::Dialogs::ask(&m_form, text); }
+    bool ask(const QString& text) override {
+        flush();
+        return framework::Dialogs::ask(&m_form, text);
+    }
     void log(const QString& line) override { company::WriteAlvMuutosLog(line); }
     void status(const QString& text) override { m_status = text; }
+    void stepStatus(const QString& text) override {
+        m_status = text;
+        m_done = m_total = 0;
+        showNow();
+    }
     void progress(qint64 done, qint64 total) override {
         if (total != m_total || done < m_done)
             m_sinceStep.restart();
@@ -33,9 +45,7 @@ class FormRunPorts : public RunPorts {
     void processEvents() override {
         if (m_sinceEvents.isValid() && m_sinceEvents.elapsed() < m_eventIntervalMs)
             return;
-        m_form.showProgress(m_status, m_done, m_total, remaining());
-        QCoreApplication::processEvents();
-        m_sinceEvents.restart();
+        showNow();
     }
     bool cancelled() const override {
         return m_form.m_cancelRequested || (m_form.unattended() && platform::endRequested());
@@ -47,6 +57,21 @@ class FormRunPorts : public RunPorts {
     bool skipEarlyDateCheck() const override { return platform::hasSwitch(QStringLiteral("/EP")); }
 
   private:
+    void showNow() {
+        m_form.showProgress(m_status, m_done, m_total, remaining());
+        QCoreApplication::processEvents();
+        m_sinceEvents.restart();
+    }
+
+    /// Before a person is waited for.
+    void flush() {
+        try {
+            m_form.m_database.flush();
+        } catch (const std::exception& error) {
+            log(QStringLiteral("Virhe muutosten tallennuksessa: ") + data::errorText(error));
+        }
+    }
+
     static constexpr qint64 kEventIntervalMs = 50;
     static constexpr qint64 kUnattendedEventIntervalMs = 250;
     static constexpr qint64 kEstimateAfterMs = 2000;

@@ -195,6 +195,7 @@ bool AlvMuutosMyyntitilauksiin(data::Database& database, const SalesOrderChange&
     TAlvMuutosMt orders(database, change, factor, ports, changedRows, std::move(progress));
     if (!orders.TeeAlvMuutosMt())
         return false;
+    database.flush();
     ports.NaytaViesti(QStringLiteral("Myyntitilaukset konvertoitu."));
     return true;
 }

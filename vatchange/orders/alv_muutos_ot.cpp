@@ -144,6 +144,7 @@ bool AlvMuutosOstotilauksiin(data::Database& database, const PurchaseOrderChange
     TAlvMuutosOt orders(database, change, factor, ports, changedRows, std::move(progress));
     if (!orders.TeeAlvMuutosOt())
         return false;
+    database.flush();
     ports.NaytaViesti(QStringLiteral("Ostotilaukset konvertoitu."));
     return true;
 }

@@ -21,6 +21,8 @@ class RunPorts {
     virtual bool ask(const QString& text) = 0;
     virtual void log(const QString& line) = 0;     ///< one line of the change log
     virtual void status(const QString& text) = 0;  ///< status line
+    /// Status line of a step that begins, shown before its first statement.
+    virtual void stepStatus(const QString& text) { status(text); }
     virtual void progress(qint64 done,
                           qint64 total) = 0;  ///< of the current step; total 0: unknown
     /// Processes pending window events; called between rows. Cheap when none are due.

@@ -21,17 +21,28 @@ struct ErrorWording {
     QString after = {};
 };
 
+/// Makes durable what a failed step has changed, before its error is shown.
+void flushAfterError(RunContext& run) {
+    try {
+        run.database.flush();
+    } catch (const std::exception& error) {
+        run.ports.log(QStringLiteral("Virhe muutosten tallennuksessa: ") + errorText(error));
+    }
+}
+
 /// Runs one step. Returns false if it failed; shows and counts the failure.
 template <typename Step>
 bool ExecWithExceptionHandling(RunContext& run, const ErrorWording& wording, Step&& step) {
     try {
         step();
+        run.database.flush();  // before anything is reported as finished
         return true;
     } catch (const std::exception& error) {
         const auto* failure = dynamic_cast<const data::DataError*>(&error);
         if (failure && (failure->kind() == data::ErrorKind::Locked ||
                         failure->kind() == data::ErrorKind::NoConnection))
             run.leftBehind = true;
+        flushAfterError(run);
         const QString text = wording.before + stepErrorText(error) + wording.after;
         ++run.result.failedSteps;
         run.result.failures += text;
@@ -169,7 +180,7 @@ void runSteps(RunContext& run) {
     convertOrders(run);
     if (run.definition.checkProductCodes) {
         attempt(run, {QStringLiteral("Virhe tuotekoodien tarkastuksessa: ")}, [&] {
-            run.ports.status(QStringLiteral("Tarkastetaan verkkokauppatuotteiden tuotekoodit"));
+            run.ports.stepStatus(QStringLiteral("Tarkastetaan verkkokauppatuotteiden tuotekoodit"));
             checkProductCodes(run);
         });
     }
@@ -178,6 +189,12 @@ void runSteps(RunContext& run) {
     else
         MarkVatChangeAsDone(run);
     reportUnfinished(run, dependents);
+}
+
+/// During a run commits are flushed together; see Database::deferFlushes().
+void deferFlushes(RunContext& run, bool on) {
+    ExecWithExceptionHandling(run, {QStringLiteral("Virhe muutosten tallennuksessa: ")},
+                              [&] { run.database.deferFlushes(on); });
 }
 
 /// Claims the company for this run. Returns the reason if impossible, else empty.
@@ -219,14 +236,17 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
         for (const QString& note : definitionNotes(loaded, facts))
             ports.log(kNoticePrefix + note);
         reportEarlierChanges(run);
+        deferFlushes(run, true);
         try {
             runSteps(run);
             // a run that was asked to end must have ended before the verification takes its time
             if (result.cancelled)
                 leaveJournal(run);
             verifyAtEnd(run);
+            deferFlushes(run, false);
         } catch (...) {  // of the ports
             run.leftBehind = true;
+            deferFlushes(run, false);
             leaveJournal(run);
             releaseCompany(database, ports);
             throw;

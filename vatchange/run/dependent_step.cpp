@@ -190,9 +190,10 @@ Amounts DependentStep::amountsOf(const data::KeyValues& row) const {
 void convertDependentRows(RunContext& run, const DependentStep& step) {
     run.ports.log(step.begin);
     if (!step.status.isEmpty())
-        run.ports.status(step.status);
+        run.ports.stepStatus(step.status);
     DependentRows rows(run, step);
     rows.convertAll();
+    run.database.flush();
     if (step.logsCount && run.definition.productLog)
         run.ports.log(rowCountLine(rows.converted()));
 }

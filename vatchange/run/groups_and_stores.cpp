@@ -5,7 +5,7 @@ namespace vatchange {
 void updateProductGroups(RunContext& run, const GroupUpdate& update) {
     qint64& rows = run.changedRows(QStringLiteral("Tuoteryhmien alv-kentät"));
     if (!update.status.isEmpty())
-        run.ports.status(update.status);
+        run.ports.stepStatus(update.status);
     run.ports.log(update.log);
     data::TUniQuery query(&run.database);
     query.sql().add(update.statement);
@@ -34,6 +34,7 @@ void updateStorePrices(RunContext& run) {
     update.sql().add(storePriceUpdate(assignments));
     qint64& changed = run.changedRows(QStringLiteral("Myymälähintojen rivit"));
     QString finished;  // product whose rows a broken-off attempt has changed
+    QString updated;
     while (rows.next()) {
         const qint64 store = rows.row()[0].toLongLong();
         const QString number = rows.row()[1].toString();
@@ -42,8 +43,12 @@ void updateStorePrices(RunContext& run) {
         if (number == finished)
             continue;
         run.ports.status(QStringLiteral("myymalahinnat ") + QString::number(store) + u' ' + number);
-        update.paramByName(QStringLiteral("t")).setString(number);
-        update.execSql();
+        // one statement changes all of a product's rows
+        if (changed == 0 || number != updated) {
+            update.paramByName(QStringLiteral("t")).setString(number);
+            update.execSql();
+            updated = number;
+        }
         ++changed;
     }
     if (!run.result.cancelled)

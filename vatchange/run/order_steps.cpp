@@ -20,7 +20,7 @@ OrderProgress progressOf(const RunContext& run, const QString& table) {
 }  // namespace
 
 void convertSalesOrders(RunContext& run) {
-    run.ports.status(QStringLiteral("Päivitetään myyntitilaukset"));
+    run.ports.stepStatus(QStringLiteral("Päivitetään myyntitilaukset"));
     run.ports.log(QStringLiteral("Aloitetaan myyntitilausten päivitys"));
     const ChangeDefinition& definition = run.definition;
     SalesOrderChange change;
@@ -38,7 +38,7 @@ void convertSalesOrders(RunContext& run) {
 }
 
 void convertPurchaseOrders(RunContext& run) {
-    run.ports.status(QStringLiteral("Päivitetään ostotilaukset"));
+    run.ports.stepStatus(QStringLiteral("Päivitetään ostotilaukset"));
     run.ports.log(QStringLiteral("Aloitetaan ostotilausten päivitys"));
     const ChangeDefinition& definition = run.definition;
     PurchaseOrderChange change;

@@ -108,6 +108,7 @@ void checkProductCodes(RunContext& run) {
         ++removed;
     });
     run.mark(kCodesEnd);
+    run.database.flush();
     run.ports.log(QStringLiteral("Verkkokauppa -valinta poistettiin ") + QString::number(removed) +
                   QStringLiteral(" tuotteelta"));
 }

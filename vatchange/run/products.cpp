@@ -261,7 +261,7 @@ class ProductConversion {
 }  // namespace
 
 void convertProducts(RunContext& run, LabelTable labels) {
-    run.ports.status(QStringLiteral("Päivitetään tuotteet"));
+    run.ports.stepStatus(QStringLiteral("Päivitetään tuotteet"));
     data::TUniQuery rows(&run.database);
     rows.sql().add(productQuery(run.condition));
     rows.open();
@@ -285,6 +285,7 @@ void convertProducts(RunContext& run, LabelTable labels) {
     if (continues && !run.result.cancelled)
         conversion.convertPassedOver();
     run.mark(kProductsEnd);
+    run.database.flush();
     if (!run.result.cancelled) {
         run.ports.NaytaViesti(QStringLiteral("Tuotetiedot muutettu ( ") +
                               QString::number(run.result.products) + QStringLiteral(" kpl)"));

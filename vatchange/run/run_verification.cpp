@@ -10,7 +10,7 @@ void verifyAtEnd(RunContext& run) {
     if (journal == nullptr || run.result.run == 0)
         return;
     try {
-        run.ports.status(QStringLiteral("Tarkastetaan ajo"));
+        run.ports.stepStatus(QStringLiteral("Tarkastetaan ajo"));
         run.outcome.stopped = run.result.cancelled;
         journal->setNote(run.result.run, kOutcomeNote, outcomeNote(run.outcome));
         run.result.verification = verifyRun(run.database, run.result.run);

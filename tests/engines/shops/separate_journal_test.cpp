@@ -2,8 +2,8 @@
 
 #include <thread>
 
-#include "data/journal/entry_fields.h"
 #include "tests/engines/embedded/fixture.h"
+#include "tests/support/taken_back.h"
 
 // The journal of an engine whose transactions it cannot join, over an embedded company whose own
 // journal is off.
@@ -66,24 +66,6 @@ class SeparateJournalTest : public test::EmbeddedCompany {
         return tables;
     }
 
-    // What stands in the tables, with the journal's changes taken back from the last to the first.
-    std::map<QString, Records> takenBack() {
-        std::map<QString, Records> tables = everything();
-        const std::vector<JournalTable> known = m_journal->tables(m_run);
-        m_journal->visit(m_run, Direction::Backward, [&](const JournalEntry& entry) {
-            const JournalTable& table = known.at(static_cast<size_t>(entry.table));
-            Records& records = tables[table.name];
-            const QByteArray nothing(table.recordLength, '\0');
-            if (entry.operation == Operation::Insert)
-                records.erase(entry.record);
-            else
-                applyBefore(entry, records.try_emplace(entry.record, nothing).first->second);
-            return true;
-        });
-        std::erase_if(tables, [](const auto& table) { return table.second.empty(); });
-        return tables;
-    }
-
     std::unique_ptr<SeparateJournal> m_journal;
     std::map<QString, Records> m_before;
     qint64 m_run = 0;
@@ -113,7 +95,8 @@ TEST_F(SeparateJournalTest, KnowsEveryChangeWhereverTheProcessDies) {
     for (const Write& write : writes) {
         for (const auto& [sent, dies] : {std::pair(false, true), std::pair(true, false)}) {
             journaled(write.sql, write.with, sent, dies);
-            EXPECT_TRUE(takenBack() == m_before) << write.sql << " sent " << sent;
+            EXPECT_TRUE(test::takenBack(*m_journal, m_run, everything()) == m_before)
+                << write.sql << " sent " << sent;
             if (dies)
                 m_journal->resume(m_run);
         }
@@ -121,7 +104,7 @@ TEST_F(SeparateJournalTest, KnowsEveryChangeWhereverTheProcessDies) {
         m_journal->setOrigin(++origin);
         const qint64 last = m_journal->lastEntry(m_run);
         journaled(write.sql, write.with, true, true);
-        EXPECT_TRUE(takenBack() == m_before) << write.sql;
+        EXPECT_TRUE(test::takenBack(*m_journal, m_run, everything()) == m_before) << write.sql;
         EXPECT_EQ(m_journal->run(m_run)->state, RunState::Interrupted);
         for (const JournalEntry& entry : m_journal->entries(m_run, last, Direction::Forward, 9))
             EXPECT_EQ(entry.origin, origin) << write.sql;
@@ -151,7 +134,7 @@ TEST_F(SeparateJournalTest, KnowsAStatementThatEndsAfterItsProcessOrConnection) 
         std::thread server = later(sql);
         m_journal->resume(m_run);
         server.join();
-        EXPECT_TRUE(takenBack() == m_before) << sql;
+        EXPECT_TRUE(test::takenBack(*m_journal, m_run, everything()) == m_before) << sql;
     }
     const char* const sql = "delete from hr";
     std::thread server;
@@ -161,6 +144,6 @@ TEST_F(SeparateJournalTest, KnowsAStatementThatEndsAfterItsProcessOrConnection) 
     };
     EXPECT_THROW(m_journal->write(*engines::shops::writeTargetOf(sql), {}, *db, lose), DataError);
     server.join();
-    EXPECT_TRUE(takenBack() == m_before);
+    EXPECT_TRUE(test::takenBack(*m_journal, m_run, everything()) == m_before);
     EXPECT_EQ(m_journal->lastEntry(m_run), 5);
 }
