@@ -116,8 +116,8 @@ void throwSqlite(sqlite3* db, int code, const QString& table) {
     const int extended = db != nullptr && (sqlite3_extended_errcode(db) & 0xFF) == (code & 0xFF)
                              ? sqlite3_extended_errcode(db)
                              : code;
-    const std::error_code cause((extended & 0xFF) == SQLITE_IOERR ? systemError(db) : 0,
-                                std::system_category());
+    const bool failedFile = db != nullptr && (extended & 0xFF) == SQLITE_IOERR;
+    const std::error_code cause(failedFile ? systemError(db) : 0, std::system_category());
     QString detail = QString::fromUtf8(message);
     if (cause)
         detail += QStringLiteral(": ") + QString::fromStdString(cause.message());
