@@ -3,7 +3,9 @@
 #include <QApplication>
 #include <QDebug>
 #include <QDrag>
+#include <QMenu>
 #include <QScopedValueRollback>
+#include <QScreen>
 #include <QScrollBar>
 #include <algorithm>
 #include <utility>
@@ -15,7 +17,9 @@
 #include "framework/ui/close_deferral.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/window_place.h"
+#include "search/column_dialog.h"
 #include "search/drag_source.h"
+#include "search/field_titles.h"
 #include "search/product_settings.h"
 
 // The life of the generic search window: creation, layout, rows, choosing, closing.
@@ -25,6 +29,8 @@ namespace search {
 namespace {
 
 constexpr QSize kDefaultSize(640, 480);
+// Of the desktop around a window, at most.
+constexpr QSize kFrame(16, 48);
 
 const QString kPassive = QStringLiteral("passiivinen");
 
@@ -101,6 +107,7 @@ void TBtrHakuForm::FormCreate() {
     Hakutable->setIndexName(QString::number(IndexCombo->currentData().toInt()));
     connectControls();
     applyFilter(changedFilter());
+    showOrder();
     SearchEdit->setFocus();
 }
 
@@ -134,6 +141,16 @@ void TBtrHakuForm::connectControls() {
             [this] { guarded([this] { m_view->cursor.wantVisible(); }); });
     connect(DBGrid1->horizontalHeader(), &QWidget::customContextMenuRequested, this,
             &TBtrHakuForm::columnMenu);
+    connect(DBGrid1->horizontalHeader(), &QHeaderView::sectionClicked, this,
+            &TBtrHakuForm::sortByColumn);
+    connect(Sarakkeet, &QAction::triggered, this, &TBtrHakuForm::chooseColumns);
+    connect(Valitse, &QPushButton::clicked, this, &TBtrHakuForm::DBGrid1DblClick);
+    connect(PoistaRajaus, &QPushButton::clicked, this, [this] {
+        const QSignalBlocker once(Suodatin);
+        Suodatin->clear();
+        Suodatin->setFocus();  // the button hides
+        guarded([this] { NollaaSuodin(); });
+    });
     connect(DBGrid1->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &TBtrHakuForm::currentChanged);
     connect(&model(), &TableModel::rowsShifted, this, [this](int by) {
@@ -195,7 +212,7 @@ std::vector<GridColumn> TBtrHakuForm::defaultColumns() const {
     std::vector<GridColumn> columns;
     for (const auto& field : Hakutable->fields()) {
         if (field->kind() != data::Kind::RawBytes && field->kind() != data::Kind::VarBinary)
-            columns.push_back({field->fieldName(), {}});
+            columns.push_back({field->fieldName(), fieldTitle(field->fieldName())});
     }
     return columns;
 }
@@ -211,7 +228,17 @@ bool TBtrHakuForm::PerusSuodata(const GridRow&) const {
 CellColours TBtrHakuForm::cellColours(const GridRow&, const GridColumn&) const {
     return {};
 }
-std::optional<ColumnLookup> TBtrHakuForm::columnLookup(const QString&) const {
+std::optional<ColumnLookup> TBtrHakuForm::columnLookup(const QString& field) const {
+    const auto customer = [this](const char* number) -> std::optional<ColumnLookup> {
+        if (Hakutable->findField(QLatin1String(number)) == nullptr)
+            return std::nullopt;
+        return ColumnLookup{QLatin1String(number), QStringLiteral("ASIAKAS"),
+                            QStringLiteral("Asiakas"), QStringLiteral("Asiakas"), true};
+    };
+    if (field.compare(QLatin1String("ToimAsNimi"), Qt::CaseInsensitive) == 0)
+        return customer("ToimitusAsiakas");
+    if (field.compare(QLatin1String("LasAsNimi"), Qt::CaseInsensitive) == 0)
+        return customer("LaskutusAsiakas");
     return std::nullopt;
 }
 bool TBtrHakuForm::dropOnColumn(const QString&, const GridColumn&) {
@@ -231,9 +258,16 @@ void TBtrHakuForm::Lataus() {
     m_view->header.apply();
     // The window's position is in the user's settings, its size in the saved layout.
     framework::rememberPlace(*this, objectName());
+    resize(size().expandedTo(m_firstSize));
     resize(layout.width.value_or(width()), layout.height.value_or(height()));
+    resize(size().boundedTo(screen()->availableSize() - kFrame));
     if (layout.order && *layout.order < IndexCombo->count())
         IndexCombo->setCurrentIndex(*layout.order);
+}
+
+void TBtrHakuForm::setFirstSize(const QSize& size) {
+    m_firstSize = size;
+    resize(this->size().expandedTo(size));
 }
 
 void TBtrHakuForm::Tallennus(bool withHeight) {
@@ -251,15 +285,22 @@ void TBtrHakuForm::TallennaClick(bool withHeight) {
     guarded([&] { Tallennus(withHeight); });
 }
 
-// The menu of the column headings: which columns are shown.
 void TBtrHakuForm::columnMenu(const QPoint& place) {
     QMenu menu(this);
-    m_view->header.fillMenu(menu);
-    menu.addSeparator();
+    menu.addAction(Sarakkeet);
     menu.addAction(Tallenna);
     menu.addAction(Tallennakorkeus);
     const framework::CloseDeferral deferral(this);
     menu.exec(DBGrid1->horizontalHeader()->mapToGlobal(place));
+}
+
+void TBtrHakuForm::chooseColumns() {
+    GridHeader& header = m_view->header;
+    ColumnDialog dialog(header.allowed(header.columns()), header.allowed(defaultColumns()), this);
+    const framework::CloseDeferral deferral(this);
+    m_nextActivation = NextActivation::KeepsRows;
+    if (dialog.exec() == QDialog::Accepted)
+        header.arrange(dialog.columns());
 }
 
 // --- rows
@@ -298,9 +339,13 @@ void TBtrHakuForm::updateNavigator() {
     nbPrior->setEnabled(row > 0);
     nbNext->setEnabled(row < rows - 1);
     nbLast->setEnabled(row < rows - 1);
-    RiviLabel->setText(model().isCountExact()
-                           ? QStringLiteral("%L1 riviä").arg(rows)
-                           : QStringLiteral("noin %L1 riviä, lasketaan...").arg(rows));
+    Valitse->setEnabled(rows > 0);
+    if (!model().isCountExact())
+        RiviLabel->setText(QStringLiteral("noin %L1 riviä, lasketaan...").arg(rows));
+    else if (rows == 1)
+        RiviLabel->setText(QStringLiteral("1 rivi"));
+    else
+        RiviLabel->setText(QStringLiteral("%L1 riviä").arg(rows));
 }
 
 data::Value TBtrHakuForm::KenttaArvo(const QString& field) const {

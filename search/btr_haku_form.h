@@ -48,6 +48,9 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     const QString& baseFilter() const { return m_filter.baseFilter(); }
     /// Key to begin with, by number ("0"); a saved "Lajittelu" of the layout wins.
     void setIndexName(const QString& number) { m_initialIndex = number; }
+    /// The window is never opened smaller than this because of its last size; a saved layout may
+    /// be.
+    void setFirstSize(const QSize& size);
     /// The field whose value a choice returns and a drag carries ("numero"); default: the first
     /// field of key 0.
     void setResultField(const QString& field) { m_resultField = field; }
@@ -111,7 +114,8 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     /// Accepts or rejects a record in record-by-record search. Called for records that match.
     virtual bool PerusSuodata(const GridRow& row) const;
     virtual CellColours cellColours(const GridRow& row, const GridColumn& column) const;
-    /// The lookup behind a column's shown texts, for drops.
+    /// The lookup behind a column's shown texts, for drops; default: a number dropped on the name
+    /// of an order's delivery or billing customer finds the customer by number.
     virtual std::optional<ColumnLookup> columnLookup(const QString& field) const;
     /// Handles a drop in the descendant; @return true if handled. May set a user filter.
     virtual bool dropOnColumn(const QString& text, const GridColumn& column);
@@ -120,11 +124,12 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     /// Drops the descendant's caches (activation, refresh).
     virtual void dropCaches() {}
 
-    void setUserFilter(const QString& expression);
+    /// `words`: what the user is shown instead of the expression.
+    void setUserFilter(const QString& expression, const QString& words = {});
     /// Shows the records that `test` accepts, found by reading the whole table with the wait window
-    /// open. `text`: what the user searches for.
+    /// open. `words`: what the user searches for, with the column.
     /// @return false if the user cancelled (the rows stay).
-    bool searchRecords(const RowTest& test, const QString& text);
+    bool searchRecords(const RowTest& test, const QString& words);
     const data::RecordLayout& recordLayout() const { return Hakutable->layout(); }
 
     /// The program's only window of a class; null if there is none.
@@ -154,6 +159,11 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     void fillIndexes();
     void readSettings();
     void columnMenu(const QPoint& place);
+    void chooseColumns();
+    void sortByColumn(int column);
+    void showOrder();
+    void showHints();
+    QString keyHeading() const;
     void TallennaClick(bool withHeight);
     bool guarded(const std::function<void()>& work);
     void showError(const QString& text);
@@ -164,6 +174,8 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     void SearchEditChange();
     void TimerTimer();
     bool moveToNearest(const QString& text);
+    void searchNow();
+    void quickSearch();
     bool searchEditKey(QKeyEvent& event);
     bool suodatinKey(QKeyEvent& event);
     bool gridKey(QKeyEvent& event);
@@ -210,6 +222,7 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     QString m_tableName;
     QString m_initialIndex = QStringLiteral("0");
     QString m_resultField;
+    QSize m_firstSize;
     bool m_bothNames = false;  // a setting: searches of "nimi" look at "nimi2" too
     Stage m_stage = Stage::Opening;
     NextActivation m_nextActivation = NextActivation::KeepsRows;

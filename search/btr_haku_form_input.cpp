@@ -6,6 +6,7 @@
 #include "data/record/record_codec.h"
 #include "framework/ui/dialogs.h"
 #include "search/btr_haku_form.h"
+#include "search/filter_words.h"
 #include "search/wait_window.h"
 
 // User input in the generic search window: keys, typing, drops, check boxes.
@@ -54,6 +55,39 @@ void TBtrHakuForm::IndexComboCloseUp() {
         Hakutable->setIndexName(number);
         showRows(std::move(filter), model().rows().test());
     });
+    showOrder();
+}
+
+// A click on a heading: the first key that begins with its field.
+void TBtrHakuForm::sortByColumn(int column) {
+    const QString& field = model().column(column).field;
+    for (int place = 0; place < IndexCombo->count(); ++place) {
+        const auto key = IndexCombo->itemData(place).toString();
+        if (Hakutable->indexFields(key).value(0).compare(field, Qt::CaseInsensitive) == 0) {
+            selectIndex(place);
+            break;
+        }
+    }
+    showOrder();  // the header has marked the column that was clicked
+}
+
+// Marks the column that orders the rows.
+void TBtrHakuForm::showOrder() {
+    DBGrid1->horizontalHeader()->setSortIndicator(model().columnOf(m_view->keys.field().name),
+                                                  Qt::AscendingOrder);
+    showHints();
+}
+
+QString TBtrHakuForm::keyHeading() const {
+    const QString& field = m_view->keys.field().name;
+    const int column = model().columnOf(field);
+    return column < 0 ? field : model().column(column).heading();
+}
+
+void TBtrHakuForm::showHints() {
+    SearchEdit->setPlaceholderText(keyHeading());
+    Suodatin->setPlaceholderText(AlueRajaus->isChecked() ? QStringLiteral("Enter rajaa")
+                                                         : QStringLiteral("Enter tai vedä"));
 }
 
 void TBtrHakuForm::stepIndex(int by) {
@@ -98,6 +132,36 @@ void TBtrHakuForm::TimerTimer() {
     });
 }
 
+// Enter in the edit: without the delay, and on to the row found, so that the next Enter chooses it.
+// Another row than the one searched for leaves the focus.
+void TBtrHakuForm::searchNow() {
+    Timer->stop();
+    guarded([this] {
+        const QString typed = SearchEdit->text();
+        if (!typed.isEmpty() && moveToNearest(typed) && !Hakutable->isEmpty() &&
+            m_view->keys.currentText().startsWith(typed, Qt::CaseInsensitive))
+            DBGrid1->setFocus();
+    });
+}
+
+// Enter in the filter edit without a range: a number goes to the nearest record by number, another
+// text by name, or by the selected key if there is none.
+void TBtrHakuForm::quickSearch() {
+    const QString text = Suodatin->text().trimmed();
+    if (text.isEmpty())
+        return;
+    const QString wanted = isDigitText(text) ? Hakutable->indexFields(QStringLiteral("0")).value(0)
+                                             : QStringLiteral("nimi");
+    for (const data::KeyDef& key : Hakutable->keys()) {
+        const QString number = QString::number(key.number);
+        if (Hakutable->indexFields(number).value(0).compare(wanted, Qt::CaseInsensitive) == 0) {
+            gotoNearest(number, text);
+            return;
+        }
+    }
+    guarded([&] { moveToNearest(text); });
+}
+
 // --- ranges
 
 void TBtrHakuForm::asetaAlue() {
@@ -108,11 +172,12 @@ void TBtrHakuForm::asetaAlue() {
         return;
     }
     FilterState filter = changedFilter();
-    filter.setRange(std::move(*found.range), text);
+    filter.setRange(std::move(*found.range), keyHeading() + u' ' + text);
     showRows(std::move(filter), model().rows().test());
 }
 
 void TBtrHakuForm::AlueRajausClick(bool on) {
+    showHints();
     if (on || !m_filter.range())
         return;
     guarded([this] {
@@ -159,15 +224,18 @@ void TBtrHakuForm::showRows(FilterState filter, RowTest test) {
 }
 
 void TBtrHakuForm::describeRows() {
-    EhtoLabel->setText(m_filter.description());
-    EhtoLabel->setToolTip(m_filter.expression());
+    const QString words = m_filter.description();
+    EhtoLabel->setText(words);
+    EhtoLabel->setToolTip(words);
+    EhtoLabel->setVisible(m_filter.isRestricted());
+    PoistaRajaus->setVisible(m_filter.isRestricted());
 }
 
-void TBtrHakuForm::setUserFilter(const QString& expression) {
+void TBtrHakuForm::setUserFilter(const QString& expression, const QString& words) {
     // Parsed separately first: an error's position refers to this text.
     expressionTest(expression, recordLayout());
     FilterState filter = changedFilter();
-    filter.setUserFilter(expression);
+    filter.setUserFilter(expression, words);
     applyFilter(std::move(filter));
 }
 
@@ -218,11 +286,18 @@ void TBtrHakuForm::dropFiltered(const QString& text, const GridColumn& column) {
     const DropAction action = dropAction(text, target);
     switch (action.kind) {
         case DropAction::Kind::Filter:
-            setUserFilter(action.text);
+            setUserFilter(
+                action.text,
+                filterWords(column.heading(),
+                            target.localKind.value_or(target.kind.value_or(data::Kind::String)),
+                            text));
             break;
-        case DropAction::Kind::Lookup:
-            setUserFilter(lookupExpression(*target.lookup, action.text));
+        case DropAction::Kind::Lookup: {
+            const LookupFilter found = lookupFilter(*target.lookup, action.text);
+            setUserFilter(found.expression,
+                          lookupWords(column.heading(), action.text, found.names));
             break;
+        }
         case DropAction::Kind::RecordSearch:
             searchColumn(column, asetaSuodatin(text, Suodatin->text()));
             break;
@@ -232,10 +307,11 @@ void TBtrHakuForm::dropFiltered(const QString& text, const GridColumn& column) {
 // --- record by record
 
 void TBtrHakuForm::searchColumn(const GridColumn& column, const SearchText& search) {
-    searchRecords(columnTest(*Hakutable, column, search, m_bothNames), search.text);
+    searchRecords(columnTest(*Hakutable, column, search, m_bothNames),
+                  searchWords(column.heading(), search));
 }
 
-bool TBtrHakuForm::searchRecords(const RowTest& test, const QString& text) {
+bool TBtrHakuForm::searchRecords(const RowTest& test, const QString& words) {
     const int passive = recordLayout().indexOf(QStringLiteral("passiivinen"));
     const RowTest accept = [this, test, passive](data::RecordId id, const QByteArray& bytes) {
         if (!test(id, bytes))
@@ -251,7 +327,7 @@ bool TBtrHakuForm::searchRecords(const RowTest& test, const QString& text) {
     if (!walkRecords(accept))
         return false;
     m_filter = changedFilter();
-    m_filter.setRecordSearch(text);
+    m_filter.setRecordSearch(words);
     m_view->cursor.goTo(stay);
     describeRows();
     return true;
@@ -308,7 +384,10 @@ bool TBtrHakuForm::searchEditKey(QKeyEvent& event) {
         DBGrid1->setFocus();
         return true;
     }
-    return isEnter(event);
+    if (!isEnter(event))
+        return false;
+    searchNow();
+    return true;
 }
 
 bool TBtrHakuForm::suodatinKey(QKeyEvent& event) {
@@ -320,7 +399,9 @@ bool TBtrHakuForm::suodatinKey(QKeyEvent& event) {
         return true;
     if (!isEnter(event))
         return false;
-    if (AlueRajaus->isChecked() && !Suodatin->text().isEmpty())
+    if (!AlueRajaus->isChecked())
+        quickSearch();
+    else if (!Suodatin->text().isEmpty())
         guarded([this] { asetaAlue(); });
     return true;
 }
@@ -363,9 +444,12 @@ void TBtrHakuForm::keyPressEvent(QKeyEvent* event) {
         event->accept();
         return;
     }
-    // Enter anywhere else does nothing: the window has no default button.
+    // Enter presses the focused button and does nothing elsewhere: the window has no default
+    // button.
     if (!isEnter(*event))
         QDialog::keyPressEvent(event);
+    else if (auto* button = qobject_cast<QPushButton*>(focusWidget()))
+        button->click();
 }
 
 }  // namespace search

@@ -6,18 +6,21 @@
 
 namespace search {
 
-QString lookupExpression(const ColumnLookup& lookup, const QString& name) {
+LookupFilter lookupFilter(const ColumnLookup& lookup, const QString& name) {
     data::TtbTable table;
     company::openCompanyTable(table, lookup.table);
     const TextMatch match(name, false);
     const auto matches = match.onField(table, lookup.shownField);
     QStringList terms;
+    QStringList names;
     for (table.first(); !table.eof(); table.next()) {
-        if (matches(table.recordBytes()))
-            terms.append(
-                lookupTerm(lookup.localField, table.fieldByName(lookup.keyField).asString()));
+        if (!matches(table.recordBytes()))
+            continue;
+        terms.append(lookupTerm(lookup.localField, table.fieldByName(lookup.keyField).asString()));
+        names.append(table.fieldByName(lookup.shownField).asString());
     }
-    return terms.isEmpty() ? noRecord(lookup.localField) : terms.join(QStringLiteral(" or "));
+    return {terms.isEmpty() ? noRecord(lookup.localField) : terms.join(QStringLiteral(" or ")),
+            names};
 }
 
 }  // namespace search

@@ -9,26 +9,27 @@ namespace search {
 
 void FilterState::setBaseFilter(const QString& expression) {
     m_base = expression;
-    setUserFilter(userFilter());
+    setUserFilter(userFilter(), isRecordSearch() ? QString() : m_words);
 }
 
-void FilterState::setUserFilter(const QString& expression) {
+void FilterState::setUserFilter(const QString& expression, const QString& words) {
     m_source = expression.isEmpty() ? Source::None : Source::Expression;
-    m_text = expression;
+    m_expression = expression;
+    m_words = words.isEmpty() ? expression.trimmed() : words;
 }
 
 QString FilterState::userFilter() const {
-    return m_source == Source::Expression ? m_text : QString();
+    return m_source == Source::Expression ? m_expression : QString();
 }
 
-void FilterState::setRecordSearch(const QString& text) {
+void FilterState::setRecordSearch(const QString& words) {
     m_source = Source::RecordSearch;
-    m_text = text;
+    m_words = words;
 }
 
-void FilterState::setRange(KeyRange range, const QString& text) {
+void FilterState::setRange(KeyRange range, const QString& words) {
     m_range = std::move(range);
-    m_rangeText = text;
+    m_rangeWords = words;
 }
 
 bool FilterState::isRestricted() const {
@@ -47,11 +48,11 @@ QString FilterState::expression() const {
 QString FilterState::description() const {
     QStringList parts;
     if (isRecordSearch())
-        parts.append(QStringLiteral("haku: ") + m_text);
-    else if (!m_text.isEmpty())
-        parts.append(m_text.trimmed());
+        parts.append(QStringLiteral("haku: ") + m_words);
+    else if (!m_words.isEmpty())
+        parts.append(m_words);
     if (m_range)
-        parts.append(QStringLiteral("alue: ") + m_rangeText);
+        parts.append(QStringLiteral("alue: ") + m_rangeWords);
     return parts.join(QStringLiteral("   "));
 }
 

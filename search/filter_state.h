@@ -18,15 +18,15 @@ class FilterState {
     void setShowPassive(bool show) { m_showPassive = show; }
     bool showPassive() const { return m_showPassive; }
 
-    void setUserFilter(const QString& expression);
+    /// `words`: what the user is shown instead of the expression.
+    void setUserFilter(const QString& expression, const QString& words = {});
     /// Empty without a filter, and during a record search.
     QString userFilter() const;
-    /// The rows found by a record search for a text; replaces the user's filter.
-    void setRecordSearch(const QString& text);
+    /// The rows found by a record search, described in words; replaces the user's filter.
+    void setRecordSearch(const QString& words);
     bool isRecordSearch() const { return m_source == Source::RecordSearch; }
 
-    /// `text`: as typed by the user.
-    void setRange(KeyRange range, const QString& text);
+    void setRange(KeyRange range, const QString& words);
     void clearRange() { m_range.reset(); }
     const std::optional<KeyRange>& range() const { return m_range; }
 
@@ -46,9 +46,10 @@ class FilterState {
     QString m_base;
     bool m_showPassive = false;
     Source m_source = Source::None;
-    QString m_text;  // the user's filter, or the text of the record search
+    QString m_expression;  // the user's filter
+    QString m_words;
     std::optional<KeyRange> m_range;
-    QString m_rangeText;
+    QString m_rangeWords;
 };
 
 }  // namespace search

@@ -1,6 +1,5 @@
 #include "search/grid_header.h"
 
-#include <QAction>
 #include <algorithm>
 #include <utility>
 
@@ -12,6 +11,7 @@ namespace {
 constexpr int kNarrowest = 40;
 constexpr int kWidest = 260;
 constexpr int kPadding = 14;
+constexpr int kSortMark = 14;
 // Width in characters of columns other than text fields.
 constexpr int kComputedSize = 14;
 constexpr int kNumberSize = 9;
@@ -28,7 +28,7 @@ int GridHeader::defaultWidth(int place) const {
     const bool isText = field != nullptr && field->kind() == data::Kind::String;
     const int characters = column.text ? kComputedSize : (isText ? field->size() : kNumberSize);
     return std::clamp(std::max(characters * metrics.horizontalAdvance(QLatin1Char('0')),
-                               metrics.horizontalAdvance(column.heading())) +
+                               metrics.horizontalAdvance(column.heading()) + kSortMark) +
                           kPadding,
                       kNarrowest, kWidest);
 }
@@ -56,19 +56,22 @@ std::vector<GridColumn> GridHeader::columns() const {
     return columns;
 }
 
-void GridHeader::fillMenu(QMenu& menu) {
-    for (int i = 0; i < m_model.columnCount(); ++i) {
-        const GridColumn& column = m_model.column(i);
-        if (!m_allowed(column.field))
+std::vector<GridColumn> GridHeader::allowed(std::vector<GridColumn> columns) const {
+    std::erase_if(columns, [this](const GridColumn& column) { return !m_allowed(column.field); });
+    return columns;
+}
+
+void GridHeader::arrange(const std::vector<GridColumn>& columns) {
+    QHeaderView& header = *m_grid.horizontalHeader();
+    int place = 0;
+    for (const GridColumn& column : columns) {
+        const int i = m_model.columnOf(column.field);
+        if (i < 0)
             continue;
-        QAction* action = menu.addAction(column.heading());
-        action->setCheckable(true);
-        action->setChecked(!m_grid.isColumnHidden(i));
-        QObject::connect(action, &QAction::toggled, &m_grid, [this, i](bool on) {
-            const QHeaderView& header = *m_grid.horizontalHeader();
-            if (on || header.count() - header.hiddenSectionCount() > 1)
-                m_grid.setColumnHidden(i, !on);
-        });
+        header.moveSection(header.visualIndex(i), place++);
+        m_grid.setColumnHidden(i, !column.visible);
+        if (column.visible)
+            header.resizeSection(i, column.width > 0 ? column.width : defaultWidth(i));
     }
 }
 

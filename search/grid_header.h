@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QMenu>
 #include <functional>
 #include <vector>
 
@@ -23,8 +22,10 @@ class GridHeader {
     /// The columns as arranged by the user. A column that is currently not allowed keeps the
     /// visibility it had when applied.
     std::vector<GridColumn> columns() const;
-    /// Adds a checkable entry for each column; the last shown column cannot be hidden.
-    void fillMenu(QMenu& menu);
+    /// The columns that may be shown now, of those given.
+    std::vector<GridColumn> allowed(std::vector<GridColumn> columns) const;
+    /// Shows columns of the grid in this order with these widths; the rows stay.
+    void arrange(const std::vector<GridColumn>& columns);
 
   private:
     int defaultWidth(int column) const;

@@ -38,11 +38,15 @@ GroupHakuForm::GroupHakuForm(const Kind& kind, QWidget* parent)
     setTableName(kind.table);
     setResultField(QStringLiteral("Nro"));
     resize(kind.clientSize);
+    setFirstSize(kind.clientSize);
+    SelitysLabel->setText(QStringLiteral("<span style='color:%1'>■</span> ei verkkokaupassa")
+                              .arg(kNotInWebShop.name()));
     readWebShopSettings();
 }
 
 void GroupHakuForm::readWebShopSettings() {
     m_coloured = m_alwaysColoured || webShopInUse(company::companyDatabase());
+    SelitysLabel->setVisible(m_coloured);
 }
 
 void GroupHakuForm::afterOpen() {

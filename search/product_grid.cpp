@@ -1,5 +1,6 @@
 #include "search/product_grid.h"
 
+#include <QSet>
 #include <algorithm>
 #include <utility>
 
@@ -13,7 +14,6 @@ struct Column {
     const char16_t* field;
     const char16_t* title;  // empty: the field's name
     int width;
-    bool visible = true;
     Text text = nullptr;  // null: the field's own text
     bool alignRight = false;
 };
@@ -21,22 +21,22 @@ struct Column {
 // Before the other fields of the table.
 constexpr Column kFirstColumns[] = {
     {u"NUMERO", u"Numero", 120},
-    {u"RYHMA", u"Tuoteyhmä", 140, true, &ProductTexts::productGroup},
-    {u"PAARYHMA", u"Pääryhmä", 140, true, &ProductTexts::mainGroup},
+    {u"RYHMA", u"Tuoteyhmä", 140, &ProductTexts::productGroup},
+    {u"PAARYHMA", u"Pääryhmä", 140, &ProductTexts::mainGroup},
     {u"NIMI", u"Nimi", 260},
     {u"HINTA", u"Hinta", 80},
-    {u"AliRyhma", u"Aliryhmä", 140, true, &ProductTexts::subGroup},
+    {u"AliRyhma", u"Aliryhmä", 140, &ProductTexts::subGroup},
     {u"HintaProsentteina", u"Hinta-%", 60},
     {u"VIIMSISOSTO", u"Viim. osto", 90},
-    {u"VIIMOSTOHINTA", u"Viim. ostohinta", 100, true, &ProductTexts::lastPurchasePrice, true},
-    {u"TOIMITTAJA", u"Toimittaja", 160, true, &ProductTexts::supplier},
-    {u"OTETTUEKA", u"", 90, false},
+    {u"VIIMOSTOHINTA", u"Viim. ostohinta", 100, &ProductTexts::lastPurchasePrice, true},
+    {u"TOIMITTAJA", u"Toimittaja", 160, &ProductTexts::supplier},
+    {u"OTETTUEKA", u"Otettu 1. kerran", 90},
     {u"VIIMMYYNTI", u"Viim. myynti", 90},
-    {u"KPL", u"Kpl", 70, false},
-    {u"KESKIHINTA", u"Keskihinta", 90, true, &ProductTexts::averagePurchasePrice, true},
+    {u"KPL", u"Kpl", 70},
+    {u"KESKIHINTA", u"Keskihinta", 90, &ProductTexts::averagePurchasePrice, true},
     {u"VAIHTOTUOTE", u"Vaihtotuote", 90},
-    {u"INVENKPL", u"", 80, false},
-    {u"INVENKHINTA", u"", 80, false},
+    {u"INVENKPL", u"Inventoitu kpl", 80},
+    {u"INVENKHINTA", u"Inventoitu hinta", 80},
     {u"YKS", u"Yks", 50},
     {u"LVV", u"Alv", 40},
     {u"NIMIKASSALLA", u"Nimi kassalla", 220},
@@ -44,26 +44,45 @@ constexpr Column kFirstColumns[] = {
 
 // After the fields of the table.
 constexpr Column kComputedColumns[] = {
-    {u"Saldo", u"", 80, true, &ProductTexts::balance, true},
-    {u"Tilattu", u"", 80, true, &ProductTexts::ordered, true},
-    {u"Varattu", u"", 80, true, &ProductTexts::reserved, true},
-    {u"Vapaa", u"", 80, true, &ProductTexts::free, true},
-    {u"VarastoTilanne", u"Varastotilanne", 180, true, &ProductTexts::situation},
-    {u"Hyllypaikka", u"", 120, true, &ProductTexts::shelfPlaces},
-    {u"HintaAlv0", u"Hinta alv 0", 90, true, &ProductTexts::priceWithoutVat, true},
-    {u"OhHintaALV0", u"Ostohinta alv 0", 110, true, &ProductTexts::purchasePriceWithoutVat, true},
+    {u"Saldo", u"", 80, &ProductTexts::balance, true},
+    {u"Tilattu", u"", 80, &ProductTexts::ordered, true},
+    {u"Varattu", u"", 80, &ProductTexts::reserved, true},
+    {u"Vapaa", u"", 80, &ProductTexts::free, true},
+    {u"VarastoTilanne", u"Varastotilanne", 180, &ProductTexts::situation},
+    {u"Hyllypaikka", u"", 120, &ProductTexts::shelfPlaces},
+    {u"HintaAlv0", u"Hinta alv 0", 90, &ProductTexts::priceWithoutVat, true},
+    {u"OhHintaALV0", u"Ostohinta alv 0", 110, &ProductTexts::purchasePriceWithoutVat, true},
 };
 
 GridColumn gridColumn(const Column& column, ProductTexts& texts) {
     GridColumn result{QString::fromUtf16(column.field), QString::fromUtf16(column.title),
                       column.width};
-    result.visible = column.visible;
     result.alignRight = column.alignRight;
     if (column.text != nullptr)
         result.text = [&texts, text = column.text](const GridRow& product) {
             return (texts.*text)(product);
         };
     return result;
+}
+
+// Shown without a saved layout; the web shop's column only if there is one.
+bool isShownAtFirst(const QString& field) {
+    static const QSet<QString> kShown = {
+        QStringLiteral("numero"),      QStringLiteral("nimi"),         QStringLiteral("ryhma"),
+        QStringLiteral("paaryhma"),    QStringLiteral("aliryhma"),     QStringLiteral("toimittaja"),
+        QStringLiteral("hinta"),       QStringLiteral("kaksoishinta"), QStringLiteral("hinta3"),
+        QStringLiteral("lvv"),         QStringLiteral("saldo"),        QStringLiteral("vapaa"),
+        QStringLiteral("verkkokauppa")};
+    return kShown.contains(field.toLower());
+}
+
+QString priceName(const QString& field, const QStringList& names) {
+    static const QStringList kPrices = {
+        QStringLiteral("hinta"),  QStringLiteral("kaksoishinta"), QStringLiteral("hinta3"),
+        QStringLiteral("hinta4"), QStringLiteral("hinta5"),       QStringLiteral("hinta6"),
+        QStringLiteral("hinta7"), QStringLiteral("hinta8"),       QStringLiteral("hinta9")};
+    const auto level = kPrices.indexOf(field.toLower());
+    return level < 0 ? QString() : names.value(level);
 }
 
 bool isFirstColumn(const GridColumn& field) {
@@ -75,7 +94,8 @@ bool isFirstColumn(const GridColumn& field) {
 
 }  // namespace
 
-std::vector<GridColumn> productGrid(std::vector<GridColumn> tableFields, ProductTexts& texts) {
+std::vector<GridColumn> productGrid(std::vector<GridColumn> tableFields,
+                                    const QStringList& priceNames, ProductTexts& texts) {
     std::vector<GridColumn> columns;
     for (const Column& column : kFirstColumns)
         columns.push_back(gridColumn(column, texts));
@@ -85,6 +105,13 @@ std::vector<GridColumn> productGrid(std::vector<GridColumn> tableFields, Product
     }
     for (const Column& column : kComputedColumns)
         columns.push_back(gridColumn(column, texts));
+    for (GridColumn& column : columns) {
+        column.visible = isShownAtFirst(column.field);
+        if (const QString name = priceName(column.field, priceNames); !name.isEmpty()) {
+            column.title = name;
+            column.width = 0;  // by the name
+        }
+    }
     return columns;
 }
 

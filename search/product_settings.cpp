@@ -1,6 +1,7 @@
 #include "search/product_settings.h"
 
 #include "framework/core/settings_table.h"
+#include "search/lookup_cache.h"
 
 namespace search {
 
@@ -29,6 +30,17 @@ ProductSettings readProductSettings(data::Database& database) {
     settings.priceFormat = value("Tuotehintamuoto", QStringLiteral("#######.##"));
     settings.webShopInUse = webShopInUse(database);
     return settings;
+}
+
+QStringList priceLevelNames(data::Database& database) {
+    constexpr int kPriceLevels = 9;
+    LookupCache levels(database, QStringLiteral("HINTATASO"), 0, {QStringLiteral("nimi")});
+    QStringList names;
+    for (int level = 1; level <= kPriceLevels; ++level) {
+        const LookupCache::Row* row = levels.find({level});
+        names.append(row == nullptr ? QString() : row->at(0).toString().trimmed());
+    }
+    return names;
 }
 
 bool webShopInUse(data::Database& database) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 #include "data/engine/engine.h"
 
@@ -15,6 +15,9 @@ struct ProductSettings {
 };
 
 ProductSettings readProductSettings(data::Database& database);
+
+/// The names of the nine price levels; empty where the company has none.
+QStringList priceLevelNames(data::Database& database);
 
 /// A boolean setting: on unless empty, "0" or "false".
 bool isSettingOn(const QString& text);

@@ -41,6 +41,12 @@ QIcon inTextColours(const QIcon& icon, const QWidget& widget) {
 
 }  // namespace
 
+void CutLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.drawText(contentsRect(), Qt::AlignLeft | Qt::AlignVCenter,
+                     fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width()));
+}
+
 SearchControls::SearchControls(QDialog& window) {
     create(window);
     arrange(window);
@@ -79,9 +85,20 @@ void SearchControls::create(QDialog& window) {
     Timer->setInterval(kCompletionDelayMs);
     createNavigator(window);
     RiviLabel = make<QLabel>("RiviLabel", &window);
-    EhtoLabel = make<QLabel>("EhtoLabel", &window);
+    EhtoLabel = make<CutLabel>("EhtoLabel", &window);
     EhtoLabel->setTextFormat(Qt::PlainText);
     EhtoLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    SelitysLabel = make<QLabel>("SelitysLabel", &window);
+    SelitysLabel->hide();
+    const auto button = [&](const char* name, const QString& text) {
+        auto* made = make<QPushButton>(name, text, &window);
+        made->setAutoDefault(false);
+        return made;
+    };
+    PoistaRajaus = button("PoistaRajaus", QStringLiteral("&Poista rajaus"));
+    PoistaRajaus->setToolTip(QStringLiteral("Näytetään taas kaikki rivit"));
+    Valitse = button("Valitse", QStringLiteral("&Valitse"));
+    Valitse->setToolTip(QStringLiteral("Valitsee rivin, kuten tuplaklikkaus"));
 }
 
 void SearchControls::createNavigator(QDialog& window) {
@@ -126,19 +143,27 @@ void SearchControls::arrange(QDialog& window) {
     choices->addWidget(HakuLabel);
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(DBNavigator1);
-    bottom->addWidget(EhtoLabel, 1);
+    bottom->addStretch();
     bottom->addWidget(RiviLabel);
+    bottom->addSpacing(8);
+    bottom->addWidget(Valitse);
+    auto* restriction = new QHBoxLayout;
+    restriction->addWidget(EhtoLabel, 1);
+    restriction->addWidget(PoistaRajaus);
+    restriction->addWidget(SelitysLabel);
     auto* column = new QVBoxLayout(&window);
     column->setContentsMargins(8, 8, 8, 6);
     column->setSpacing(6);
     column->addLayout(top);
     column->addLayout(choices);
     column->addWidget(DBGrid1, 1);
+    column->addLayout(restriction);
     column->addLayout(bottom);
     QWidget* before = IndexCombo;
     for (QWidget* next : {static_cast<QWidget*>(SearchEdit), static_cast<QWidget*>(Suodatin),
                           static_cast<QWidget*>(AlueRajaus), static_cast<QWidget*>(Passiiviset),
-                          static_cast<QWidget*>(Jatahakuauki), static_cast<QWidget*>(DBGrid1)}) {
+                          static_cast<QWidget*>(Jatahakuauki), static_cast<QWidget*>(DBGrid1),
+                          static_cast<QWidget*>(PoistaRajaus), static_cast<QWidget*>(Valitse)}) {
         QWidget::setTabOrder(before, next);
         before = next;
     }
@@ -147,7 +172,8 @@ void SearchControls::arrange(QDialog& window) {
 void SearchControls::createMenu(QDialog& window) {
     Tallenna = make<QAction>("Tallenna", QStringLiteral("Tallenna kentät"), &window);
     Tallennakorkeus = make<QAction>("Tallennakorkeus", QStringLiteral("Tallenna korkeus"), &window);
-    DBGrid1->addActions({Tallenna, Tallennakorkeus});
+    Sarakkeet = make<QAction>("Sarakkeet", QStringLiteral("Sarakkeet..."), &window);
+    DBGrid1->addActions({Sarakkeet, Tallenna, Tallennakorkeus});
     DBGrid1->setContextMenuPolicy(Qt::ActionsContextMenu);
     DBGrid1->horizontalHeader()->setContextMenuPolicy(Qt::CustomContextMenu);
 }

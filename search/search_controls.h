@@ -6,6 +6,7 @@
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTimer>
 #include <QToolBar>
 
@@ -13,6 +14,15 @@
 #include "search/search_grid.h"
 
 namespace search {
+
+/// One line of text, cut with dots where the window is too narrow.
+class CutLabel : public QLabel {
+  public:
+    using QLabel::QLabel;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+};
 
 /// The controls of a search window and their layout, under their given names (also object names).
 /// The window owns them.
@@ -31,13 +41,17 @@ struct SearchControls {
     QTimer* Timer;
     QAction* Tallenna;
     QAction* Tallennakorkeus;
+    QAction* Sarakkeet;  ///< chooses the columns
     QAction* nbFirst;
     QAction* nbPrior;
     QAction* nbNext;
     QAction* nbLast;
     QAction* nbRefresh;
     QLabel* RiviLabel;  ///< number of rows
-    QLabel* EhtoLabel;  ///< their restrictions
+    QLabel* EhtoLabel;  ///< their restrictions; hidden without one, as the next
+    QPushButton* PoistaRajaus;
+    QLabel* SelitysLabel;  ///< what coloured rows mean; hidden without them
+    QPushButton* Valitse;  ///< as a double click
 
   private:
     void create(QDialog& window);

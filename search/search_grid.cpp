@@ -108,10 +108,18 @@ SearchGrid::SearchGrid(QWidget* parent) : QTableView(parent) {
     setAcceptDrops(true);
     setDragDropMode(DropOnly);
     setDropIndicatorShown(false);
-    verticalHeader()->setAcceptDrops(true);
-    verticalHeader()->viewport()->setAcceptDrops(true);
-    verticalHeader()->viewport()->installEventFilter(this);
+    acceptDrops(*verticalHeader());
+    acceptDrops(*horizontalHeader());
+    horizontalHeader()->setSectionsClickable(true);
+    horizontalHeader()->setSortIndicatorShown(true);
+    horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &SearchGrid::scrolled);
+}
+
+void SearchGrid::acceptDrops(QHeaderView& header) {
+    header.setAcceptDrops(true);
+    header.viewport()->setAcceptDrops(true);
+    header.viewport()->installEventFilter(this);
 }
 
 void SearchGrid::setColours(Colours colours) {
@@ -151,7 +159,7 @@ void SearchGrid::wheelEvent(QWheelEvent* event) {
         QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
-// --- drops: only from the filter edit, only on a cell or the indicator
+// --- drops: only from the filter edit, only on a cell, a heading or the indicator
 
 void SearchGrid::dragEnterEvent(QDragEnterEvent* event) {
     answer(*event, isFilterText(*event));
@@ -177,19 +185,21 @@ void SearchGrid::take(QDropEvent& event, bool onRow, int column) {
 }
 
 bool SearchGrid::eventFilter(QObject* watched, QEvent* event) {
-    const auto onRow = [this](const QDropEvent& drop) {
-        return verticalHeader()->logicalIndexAt(drop.position().toPoint()) >= 0;
-    };
-    if (watched != verticalHeader()->viewport())
+    const bool onHeading = watched == horizontalHeader()->viewport();
+    if (!onHeading && watched != verticalHeader()->viewport())
         return QTableView::eventFilter(watched, event);
+    const QHeaderView& header = onHeading ? *horizontalHeader() : *verticalHeader();
+    const auto sectionAt = [&header](const QDropEvent& drop) {
+        return header.logicalIndexAt(drop.position().toPoint());
+    };
     if (event->type() == QEvent::DragEnter) {
         dragEnterEvent(static_cast<QDragEnterEvent*>(event));
     } else if (event->type() == QEvent::DragMove) {
         auto& move = static_cast<QDragMoveEvent&>(*event);
-        answer(move, isFilterText(move) && onRow(move));
+        answer(move, isFilterText(move) && sectionAt(move) >= 0);
     } else if (event->type() == QEvent::Drop) {
         auto& drop = static_cast<QDropEvent&>(*event);
-        take(drop, onRow(drop), -1);
+        take(drop, sectionAt(drop) >= 0, onHeading ? sectionAt(drop) : -1);
     } else {
         return QTableView::eventFilter(watched, event);
     }

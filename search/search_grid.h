@@ -10,7 +10,8 @@
 namespace search {
 
 /// The grid of a search window: read-only, multiple selection of whole rows. The left button drags
-/// rows, the wheel moves the current row, and the indicator column at the left marks it.
+/// rows, the wheel moves the current row, and the indicator column at the left marks it. Headings
+/// take drops too, since there may be no rows.
 class SearchGrid : public QTableView {
     Q_OBJECT
   public:
@@ -25,7 +26,7 @@ class SearchGrid : public QTableView {
 
   Q_SIGNALS:
     void dragWanted();
-    /// A text was dropped: on a cell (`column` >= 0) or on the indicator (-1).
+    /// A text was dropped: on a cell or a heading (`column` >= 0) or on the indicator (-1).
     void textDropped(const QString& text, int column);
     void scrolled();
 
@@ -39,6 +40,7 @@ class SearchGrid : public QTableView {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    void acceptDrops(QHeaderView& header);
     void take(QDropEvent& event, bool onRow, int column);
 
     QPoint m_pressed;

@@ -41,6 +41,7 @@ TTuoteHakuForm::TTuoteHakuForm(QWidget* parent) : TBtrHakuForm(kComponent, paren
     setTableName(QStringLiteral("TUOTE"));
     setResultField(QStringLiteral("numero"));
     setBaseFilter(QStringLiteral("passiivinen = false"));
+    m_priceNames = priceLevelNames(database);
     m_texts = std::make_unique<ProductTexts>(database, readProductSettings(database));
     addStockBox();
     FormCreate();
@@ -84,7 +85,7 @@ qint64 TTuoteHakuForm::tuotelaji(const QString& product) {
 }
 
 std::vector<GridColumn> TTuoteHakuForm::defaultColumns() const {
-    return productGrid(TBtrHakuForm::defaultColumns(), *m_texts);
+    return productGrid(TBtrHakuForm::defaultColumns(), m_priceNames, *m_texts);
 }
 
 bool TTuoteHakuForm::columnAllowed(const QString& field) const {
@@ -142,7 +143,7 @@ void TTuoteHakuForm::searchShelfPlace(const QString& text) {
             return products.contains(
                 data::readText(number, reinterpret_cast<const uchar*>(bytes.constData())));
         },
-        text);
+        QStringLiteral("%1 %2").arg(kShelfPlaceColumn, text));
 }
 
 bool TTuoteHakuForm::filterKey(QKeyEvent& event) {

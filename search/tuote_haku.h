@@ -44,6 +44,7 @@ class TTuoteHakuForm : public TBtrHakuForm {
     void addStockBox();
     void searchShelfPlace(const QString& text);
 
+    QStringList m_priceNames;
     std::unique_ptr<ProductTexts> m_texts;
 };
 

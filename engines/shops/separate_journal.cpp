@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <algorithm>
+#include <thread>
 
 #include "data/record/record_codec.h"
 
@@ -15,6 +16,7 @@ namespace {
 const QString kFile = QStringLiteral("AJOPAIVAKIRJA.DAT");
 const QString kPendingNote = QStringLiteral("pending");
 constexpr int kBusyTimeoutMs = 10000;
+constexpr std::chrono::milliseconds kPoll{20};
 constexpr int kMaxRecords = 1 << 20;
 constexpr int kApplicationId = 0x5A444A31;  // "ZDJ1"
 
@@ -40,8 +42,11 @@ QString SeparateJournal::fileIn(const QString& folder) {
 }
 
 SeparateJournal::SeparateJournal(const QString& folder, TableOpener open,
-                                 std::function<bool()> runGoesOn)
-    : m_fileName(fileIn(folder)), m_open(std::move(open)), m_runGoesOn(std::move(runGoesOn)) {}
+                                 std::function<bool()> runGoesOn, std::chrono::milliseconds watch)
+    : m_fileName(fileIn(folder)),
+      m_open(std::move(open)),
+      m_runGoesOn(std::move(runGoesOn)),
+      m_watch(watch) {}
 
 SeparateJournal::~SeparateJournal() {
     m_store.reset();
@@ -98,6 +103,7 @@ qint64 SeparateJournal::begin(const JournalRun& head,
     madeStore();
     settle();
     m_tables.clear();
+    m_origin = 0;
     return m_store->begin(head, notes);
 }
 
@@ -105,6 +111,7 @@ void SeparateJournal::resume(qint64 run) {
     madeStore();
     settle();
     m_tables.clear();
+    m_origin = 0;
     m_store->resume(run);
 }
 
@@ -118,6 +125,7 @@ qint64 SeparateJournal::recording() const {
 }
 
 void SeparateJournal::setOrigin(qint64 origin) {
+    m_origin = origin;
     if (m_store)
         m_store->setOrigin(origin);
 }
@@ -265,8 +273,8 @@ SeparateJournal::Pending SeparateJournal::insertedBy(const WriteTarget& target,
 
 // --- pending writes
 
-QByteArray SeparateJournal::encode(qint64 run, const std::vector<Pending>& pending) {
-    QCborArray all{run};
+QByteArray SeparateJournal::encode(const Sender& sender, const std::vector<Pending>& pending) {
+    QCborArray all{sender.run, sender.origin};
     for (const Pending& one : pending) {
         QCborArray known;
         for (const RecordId id : one.known)
@@ -276,11 +284,12 @@ QByteArray SeparateJournal::encode(qint64 run, const std::vector<Pending>& pendi
     return all.toCborValue().toCbor();
 }
 
-std::vector<SeparateJournal::Pending> SeparateJournal::decode(const QByteArray& note, qint64& run) {
+std::vector<SeparateJournal::Pending> SeparateJournal::decode(const QByteArray& note,
+                                                              Sender& sender) {
     const QCborArray all = QCborValue::fromCbor(note).toArray();
-    run = all.at(0).toInteger();
+    sender = {all.at(0).toInteger(), all.at(1).toInteger()};
     std::vector<Pending> pending;
-    for (qsizetype i = 1; i < all.size(); ++i) {
+    for (qsizetype i = 2; i < all.size(); ++i) {
         const QCborArray one = all.at(i).toArray();
         pending.push_back({one.at(0).toString(),
                            one.at(1).toInteger(),
@@ -301,7 +310,7 @@ void SeparateJournal::commit() {
 
 void SeparateJournal::around(const std::vector<Pending>& pending,
                              const std::function<void()>& send) {
-    m_store->setNote(0, kPendingNote, encode(m_store->recording(), pending));
+    m_store->setNote(0, kPendingNote, encode({m_store->recording(), m_origin}, pending));
     commit();
     const auto readAgain = [&] {
         sqlite::execute(m_handle.get(), "BEGIN", m_fileName);
@@ -310,9 +319,12 @@ void SeparateJournal::around(const std::vector<Pending>& pending,
     };
     try {
         send();
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
         // it may have been carried out in part; records that cannot be read now stay pending
+        const auto* failure = dynamic_cast<const DataError*>(&error);
         try {
+            if (failure != nullptr && failure->kind() == ErrorKind::NoConnection)
+                watch(pending);
             readAgain();
         } catch (const DataError&) {
             m_store->undone();
@@ -343,16 +355,35 @@ void SeparateJournal::complete(const std::vector<Pending>& pending) {
     m_store->setNote(0, kPendingNote, {});
 }
 
+bool SeparateJournal::isDone(const Pending& pending) {
+    TableFile& file = table(pending.table);
+    if (pending.isInsert)
+        return recordsOf(file, pending.bytes, pending.keyFields).size() > pending.known.size();
+    const std::optional<StoredRecord> now = file.get(pending.id);
+    return !now || now->bytes != pending.bytes;
+}
+
+// A record that the statement does not change costs the whole time, but only after such a failure.
+void SeparateJournal::watch(const std::vector<Pending>& pending) {
+    const auto end = std::chrono::steady_clock::now() + m_watch;
+    while (!std::all_of(pending.begin(), pending.end(), [this](const Pending& one) {
+        return isDone(one);
+    }) && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(kPoll);
+}
+
 void SeparateJournal::settle() {
     if (sqlite3_get_autocommit(m_handle.get()) == 0)
         return;
     const std::optional<QByteArray> note = m_store->note(0, kPendingNote);
     const bool isOwn = m_store->recording() != 0;
     if (note && (isOwn || !m_runGoesOn())) {
-        qint64 run = 0;
-        const std::vector<Pending> pending = decode(*note, run);
+        Sender sender;
+        const std::vector<Pending> pending = decode(*note, sender);
+        watch(pending);
         if (!isOwn)
-            m_store->resume(run);
+            m_store->resume(sender.run);
+        m_store->setOrigin(sender.origin);
         sqlite::execute(m_handle.get(), "BEGIN IMMEDIATE", m_fileName);
         try {
             complete(pending);
@@ -360,11 +391,13 @@ void SeparateJournal::settle() {
         } catch (...) {
             sqlite3_exec(m_handle.get(), "ROLLBACK", nullptr, nullptr, nullptr);
             m_store->undone();
+            m_store->setOrigin(m_origin);
             if (!isOwn)
                 m_store->suspend();
             throw;
         }
         m_store->stored();
+        m_store->setOrigin(m_origin);
         if (!isOwn)
             m_store->suspend();
     }

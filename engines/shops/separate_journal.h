@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -16,7 +17,8 @@ namespace engines::shops {
 /// folder. Before a write is sent, the records that it may change are stored with their bytes
 /// (pending). Afterwards they are read again, and the changes become entries, which are stored
 /// together with the next write's pending records. After an interruption, pending records are
-/// compared with the current ones.
+/// compared with the current ones. A server may still be carrying out the last statement of a lost
+/// connection or of a dead process: unchanged records are therefore watched for a while first.
 /// The file uses a rollback journal instead of a write-ahead log, since the folder may be on a
 /// network drive.
 class SeparateJournal : public RunJournal {
@@ -25,8 +27,13 @@ class SeparateJournal : public RunJournal {
 
     static QString fileIn(const QString& folder);
 
-    /// `open`: opens a table without journal.
-    SeparateJournal(const QString& folder, TableOpener open, std::function<bool()> runGoesOn);
+    /// Longer than a statement waits for another program's record lock.
+    static constexpr std::chrono::milliseconds kWatch{5000};
+
+    /// `open`: opens a table without journal. `watch`: how long the records of a statement without
+    /// an answer are watched for its changes.
+    SeparateJournal(const QString& folder, TableOpener open, std::function<bool()> runGoesOn,
+                    std::chrono::milliseconds watch = kWatch);
     ~SeparateJournal() override;
 
     std::vector<JournalRun> runs() override;
@@ -65,6 +72,12 @@ class SeparateJournal : public RunJournal {
         std::vector<RecordId> known;  ///< of an insert: the existing records of that key
     };
 
+    /// What a pending write's entries are recorded with.
+    struct Sender {
+        qint64 run = 0;
+        qint64 origin = 0;
+    };
+
     journal::JournalStore* store();
     journal::JournalStore& madeStore();
     TableFile& table(const QString& name);
@@ -75,14 +88,18 @@ class SeparateJournal : public RunJournal {
     Pending insertedBy(const WriteTarget& target, const std::map<QString, Value>& parameters);
     void around(const std::vector<Pending>& pending, const std::function<void()>& send);
     void complete(const std::vector<Pending>& pending);
+    bool isDone(const Pending& pending);
+    void watch(const std::vector<Pending>& pending);
     void settle();
     void commit();
-    static QByteArray encode(qint64 run, const std::vector<Pending>& pending);
-    static std::vector<Pending> decode(const QByteArray& note, qint64& run);
+    static QByteArray encode(const Sender& sender, const std::vector<Pending>& pending);
+    static std::vector<Pending> decode(const QByteArray& note, Sender& sender);
 
     QString m_fileName;
     TableOpener m_open;
     std::function<bool()> m_runGoesOn;
+    std::chrono::milliseconds m_watch;
+    qint64 m_origin = 0;
     sqlite::SqliteHandle m_handle;
     std::unique_ptr<journal::JournalStore> m_store;
     std::map<QString, std::unique_ptr<TableFile>> m_tables;

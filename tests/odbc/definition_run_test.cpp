@@ -135,6 +135,11 @@ TEST_P(DefinitionRun, EndsAsOnTheEmbeddedEngine) {
     }
     const auto marks = QStringLiteral("WEBKLIITOS");
     expectSame(sortedRows(*embedded, marks), sortedRows(*records, marks), marks);
+    // only the embedded company has a journal to be verified
+    EXPECT_EQ(expected.lines.removeIf([](const QString& line) {
+        return line.startsWith(QLatin1String("Tarkastus: "));
+    }),
+              1);
     // statements without an order leave that to the engine
     expected.lines.sort();
     got.lines.sort();

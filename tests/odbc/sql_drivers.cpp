@@ -36,11 +36,11 @@ QString sqlType(const data::TFieldCacheItem& field, const QString& single) {
     return QString(found->second).replace("%1", QString::number(length));
 }
 
+}  // namespace
+
 QString quoted(const QString& name) {
     return QLatin1Char('"') + name + QLatin1Char('"');
 }
-
-}  // namespace
 
 data::TableSource sourceOf(const QString& name) {
     for (data::TableSource& table : data::allTableSources()) {
@@ -59,16 +59,24 @@ std::vector<data::TFieldCacheItem> sqlFields(const data::TableSource& table) {
     return fields;
 }
 
+data::Value sqlValue(const data::TFieldCacheItem& field, const uchar* record) {
+    const data::Value value = data::readValue(field, record);
+    const bool isTime = field.kind() == data::Kind::Date || field.kind() == data::Kind::Time ||
+                        field.kind() == data::Kind::Timestamp;
+    return isTime && data::valueToText(field, value).isEmpty() ? data::Value() : value;
+}
+
 bool SqlEngine::isAvailable(const QString& name) {
     return name == kEmbedded || qEnvironmentVariableIsSet("TAKSAVAIHE_SQL_SERVERS");
 }
 
-SqlEngine::SqlEngine(const QString& name, const QStringList& tables) : m_name(name) {
+SqlEngine::SqlEngine(const QString& name, const QStringList& tables, RowNumbers numbers)
+    : m_name(name) {
     if (name == kEmbedded || name == kSqlite)
         engines::createEmbedded(m_folder.path(), data::allTableSources());
     m_database = connect();
     if (name != kEmbedded && name != kSqlite)
-        createTables(tables);
+        createTables(tables, numbers);
 }
 
 engines::shops::OdbcSettings SqlEngine::settings() const {
@@ -89,7 +97,7 @@ std::unique_ptr<data::Database> SqlEngine::connect(std::chrono::milliseconds sta
     return std::make_unique<OdbcDatabase>(wanted);
 }
 
-void SqlEngine::createTables(const QStringList& tables) const {
+void SqlEngine::createTables(const QStringList& tables, RowNumbers numbers) const {
     for (const QString& name : tables) {
         const data::TableSource table = sourceOf(name);
         try {
@@ -101,6 +109,10 @@ void SqlEngine::createTables(const QStringList& tables) const {
         QStringList columns;
         for (const data::TFieldCacheItem& field : sqlFields(table))
             columns += quoted(field.name) + QLatin1Char(' ') + sqlType(field, single);
+        if (numbers == RowNumbers::Added)
+            columns += QStringLiteral("%1 INTEGER %2, PRIMARY KEY (%1)")
+                           .arg(quoted(kRowNumber),
+                                QLatin1String(m_name == kVirtuoso ? "IDENTITY" : "AUTO_INCREMENT"));
         exec(*m_database, QStringLiteral("CREATE TABLE %1 (%2)")
                               .arg(quoted(name), columns.join(QStringLiteral(", "))));
     }
@@ -125,14 +137,11 @@ void copyTable(data::Database& from, data::Database& to, const data::TableSource
             const auto* bytes = reinterpret_cast<const uchar*>(record.bytes.constData());
             for (size_t i = 0; i < fields.size(); ++i) {
                 data::TParam& place = insert.paramByName(places[static_cast<qsizetype>(i)].mid(1));
-                const data::Value value = data::readValue(fields[i], bytes);
-                const bool isTime = fields[i].kind() == data::Kind::Date ||
-                                    fields[i].kind() == data::Kind::Time ||
-                                    fields[i].kind() == data::Kind::Timestamp;
-                if (isTime && data::valueToText(fields[i], value).isEmpty())
-                    place.setNull();
-                else
+                const data::Value value = sqlValue(fields[i], bytes);
+                if (value.isValid())
                     place.setValue(value);
+                else
+                    place.setNull();
             }
             insert.execSql();
         }

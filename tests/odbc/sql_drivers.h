@@ -40,13 +40,19 @@ class OdbcDatabase : public data::Database {
     std::unique_ptr<engines::shops::OdbcConnection> connection;
 };
 
+/// Column that numbers a table's rows; see RowNumbers.
+inline const QString kRowNumber = QStringLiteral("RIVITUNNUS");
+/// Whether a server's tables have a column that numbers the rows as they are inserted.
+enum class RowNumbers { None, Added };
+
 /// A SQL engine of the tests: "embedded", "sqlite" (the embedded engine's file through its loadable
 /// module and an ODBC driver), "virtuoso" or "mariadb". scripts/sql_servers.sh starts the servers
 /// and defines the data sources.
 class SqlEngine {
   public:
     /// Creates the given tables of the dictionary, empty.
-    SqlEngine(const QString& name, const QStringList& tables);
+    SqlEngine(const QString& name, const QStringList& tables,
+              RowNumbers numbers = RowNumbers::None);
 
     /// False where the servers are not started; scripts/test.sh starts them.
     static bool isAvailable(const QString& name);
@@ -60,7 +66,7 @@ class SqlEngine {
     engines::shops::OdbcSettings settings() const;
 
   private:
-    void createTables(const QStringList& tables) const;
+    void createTables(const QStringList& tables, RowNumbers numbers) const;
 
     QString m_name;
     QTemporaryDir m_folder;
@@ -69,6 +75,11 @@ class SqlEngine {
 
 /// A table of the dictionary.
 data::TableSource sourceOf(const QString& name);
+
+QString quoted(const QString& name);
+
+/// A field's value as a server's column holds it: NULL for empty dates and times.
+data::Value sqlValue(const data::TFieldCacheItem& field, const uchar* record);
 
 /// Copies a table's rows by INSERT statements.
 void copyTable(data::Database& from, data::Database& to, const data::TableSource& table);

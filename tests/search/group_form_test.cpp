@@ -1,5 +1,7 @@
+#include <QLayout>
 #include <QScrollBar>
 
+#include "platform/user_settings.h"
 #include "search/group_haku.h"
 #include "tests/search/product_support.h"
 
@@ -54,6 +56,7 @@ TEST_F(GroupForms, RowsOutsideTheWebShopAreRedButTheFocusedCell) {
         form.DBGrid1->setFocus();
         form.DBGrid1->setCurrentIndex(form.model().index(row, column));
         EXPECT_EQ(redCells(form).toStdString(), red) << form.objectName().toStdString();
+        EXPECT_EQ(form.SelitysLabel->isVisible(), str(red).contains(u'R'));
     };
     check(search::TTrHakuForm(), 0, 0, "....|....|....");
     check(search::TPrHakuForm(), 0, 0, "....|RRRR|RRRR");
@@ -74,7 +77,47 @@ TEST_F(GroupForms, ColumnsInTheirOrder) {
           "NRO nimi tili OnWebKaupassa WebKauppaJarjestys MuutosPvm MuutosKlo -Osasto Nimi2 "
           "-RyhmaTyyppi -Jemma KeittioRyhma");
     check(search::TArHakuForm(), "Verkkokaupassa", "Nro Nimi TuoteRyhma Verkkokaupassa");
-    EXPECT_EQ(test::columnNames(search::TTrHakuForm()).size(), 41);  // every field of the table
+    const search::TTrHakuForm groups;  // every field of the table
+    EXPECT_EQ(test::columnNames(groups).size(), 41);
+    for (const auto& column : groups.model().columns())
+        EXPECT_FALSE(column.title.isEmpty()) << column.field.toStdString();
+}
+
+TEST_F(GroupForms, EnterSearchesByNameOrNumberAtOnce) {
+    search::TTrHakuForm form;
+    test::showForm(form);
+    const std::tuple<QLineEdit*, const char*, int, const char*> cases[] = {
+        {form.Suodatin, "tup", 1, "20"},
+        {form.Suodatin, "30", 0, "30"},
+        {form.SearchEdit, "20", 0, "20"},
+    };
+    for (const auto& [edit, typed, order, found] : cases) {
+        edit->setFocus();
+        edit->setText(str(typed));
+        QTest::keyClick(edit, Qt::Key_Return);
+        EXPECT_EQ(form.IndexCombo->currentIndex(), order) << typed;
+        EXPECT_EQ(form.KenttaArvo(str("Nro")).toString().toStdString(), found);
+        EXPECT_EQ(form.DBGrid1->hasFocus(), edit == form.SearchEdit);
+    }
+    form.SearchEdit->setFocus();
+    form.SearchEdit->setText(str("25"));  // the nearest is another number
+    QTest::keyClick(form.SearchEdit, Qt::Key_Return);
+    EXPECT_TRUE(form.SearchEdit->hasFocus());
+}
+
+// The last size is kept, but no size smaller than the first one.
+TEST_F(GroupForms, OpenAtLeastInTheirFirstSize) {
+    const std::pair<QSize, QSize> sizes[] = {{{150, 500}, {505, 500}}, {{600, 200}, {600, 336}}};
+    for (const auto& [left, opened] : sizes) {
+        search::TArHakuForm last;
+        last.setMinimumSize(1, 1);
+        last.layout()->setSizeConstraint(QLayout::SetNoConstraint);
+        last.resize(left);
+        last.show();
+        last.hide();
+        EXPECT_EQ(search::TArHakuForm().size(), opened);
+    }
+    platform::userSettings()->clear();
 }
 
 }  // namespace

@@ -28,6 +28,8 @@ class ProductForm : public ::testing::Test {
               "insert into TUOTE (NUMERO, NIMI, RYHMA, TOIMITTAJA, HINTA, LVV, KESKIHINTA) "
               "values ('102', 'suklaa', 8, 'A', 10, 99, 4)",
               "insert into TUOTE (NUMERO, NIMI, Passiivinen) values ('103', 'Vanha', 1)",
+              "update HINTATASO set nimi = 'Kuluttaja ' where Nro = 1",
+              "update HINTATASO set nimi = 'Tukku' where Nro = 3",
               "insert into TUOTE2 (Numero, Tuotelaji) values ('101', 3)"})
             m_shop.exec(str(sql));
         for (const char* stock : {"2, '100', 3.25, 0, 2, 1, 'A1-2'",
@@ -64,10 +66,18 @@ TEST_F(ProductForm, ComputedColumns) {
     EXPECT_EQ(numbers(form), "100 101 102");  // 103 is passive
     const QStringList fields = test::columnNames(form);
     EXPECT_EQ(fields.mid(0, 11).join(u' ').toStdString(),
-              "NUMERO RYHMA PAARYHMA NIMI HINTA AliRyhma HintaProsentteina VIIMSISOSTO "
-              "VIIMOSTOHINTA TOIMITTAJA -OTETTUEKA");
+              "NUMERO RYHMA PAARYHMA NIMI HINTA AliRyhma -HintaProsentteina -VIIMSISOSTO "
+              "-VIIMOSTOHINTA TOIMITTAJA -OTETTUEKA");
+    QStringList shown;
+    for (int i = 0; i < form.model().columnCount(); ++i)
+        if (!form.DBGrid1->isColumnHidden(i))
+            shown.append(form.model().headerData(i, Qt::Horizontal, Qt::DisplayRole).toString());
+    EXPECT_EQ(shown.join(u'/').toStdString(),
+              "Numero/Tuoteyhmä/Pääryhmä/Nimi/Kuluttaja/Aliryhmä/Toimittaja/Alv/Hinta 2/Tukku/"
+              "Saldo/Vapaa");
+    EXPECT_EQ(form.IndexCombo->itemText(4), str("Toimittaja, Toimittajan tuotetunnus"));
     EXPECT_EQ(fields.mid(fields.size() - 8).join(u' ').toStdString(),
-              "Saldo Tilattu Varattu Vapaa VarastoTilanne Hyllypaikka HintaAlv0 OhHintaALV0");
+              "Saldo -Tilattu -Varattu Vapaa -VarastoTilanne -Hyllypaikka -HintaAlv0 -OhHintaALV0");
     const struct {
         const char* field;
         const char* shown[3];  // by product
@@ -177,7 +187,13 @@ TEST_F(ProductForm, DropsOnGroupNamesAndShelfPlaces) {
         drop(form, text, field);
         EXPECT_EQ(numbers(form), found) << text << " on " << field;
     }
-    form.Suodatin->clear();
+    drop(form, "mak", "RYHMA");
+    EXPECT_EQ(form.EhtoLabel->text().toStdString(), "Tuoteyhmä = Makeiset");
+    drop(form, "xyz", "RYHMA");
+    EXPECT_EQ(form.EhtoLabel->text().toStdString(), "Tuoteyhmä alkaa \"xyz\" (ei löydy)");
+    EXPECT_FALSE(form.EhtoLabel->toolTip().contains(str("'0'")));
+    form.PoistaRajaus->click();
+    EXPECT_TRUE(form.Suodatin->text().isEmpty() && form.EhtoLabel->isHidden());
     EXPECT_EQ(numbers(form), "100 101 102");
     form.Passiiviset->click();
     drop(form, "A", "Hyllypaikka");

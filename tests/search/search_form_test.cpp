@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QWheelEvent>
 
+#include "search/column_dialog.h"
 #include "search/drag_source.h"
 #include "tests/search/product_support.h"
 
@@ -64,14 +65,18 @@ class SearchFormTest : public ::testing::Test {
         ASSERT_GE(place, 0);
         QTableView& grid = *m_form->DBGrid1;
         grid.scrollTo(m_form->model().index(0, place));
-        const QPoint at = grid.visualRect(m_form->model().index(0, place)).center();
+        dropAt(text, grid.viewport(), grid.visualRect(m_form->model().index(0, place)).center(),
+               source);
+    }
+    static void dropAt(const QString& text, QWidget* target, const QPoint& at,
+                       const char* source = "Suodatin") {
         const std::unique_ptr<QMimeData> data(dragData(str(source), text));
         QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
         QDragMoveEvent move(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
         QDropEvent event(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
         for (QEvent* step : {static_cast<QEvent*>(&enter), static_cast<QEvent*>(&move),
                              static_cast<QEvent*>(&event)})
-            QCoreApplication::sendEvent(grid.viewport(), step);
+            QCoreApplication::sendEvent(target, step);
         QCoreApplication::processEvents();
     }
 
@@ -140,7 +145,7 @@ TEST_F(SearchFormTest, EnterRestrictsToARange) {
     EXPECT_EQ(enter("34"), kAll);  // not without "Käytä aluerajausta"
     m_form->AlueRajaus->click();
     EXPECT_EQ(enter("34"), "34 341");
-    EXPECT_EQ(m_form->EhtoLabel->text(), str("alue: 34"));
+    EXPECT_EQ(m_form->EhtoLabel->text(), str("alue: Numero 34"));
     m_form->Suodatin->clear();
     EXPECT_EQ(numbers(), kAll);
 
@@ -174,12 +179,96 @@ TEST_F(SearchFormTest, DropsMakeFilters) {
             "osoitetusta kohdasta."));
     drop(str("!hinta <"), "NIMI");
     EXPECT_EQ(numbers(), "200");
-    EXPECT_EQ(m_form->EhtoLabel->text(), str("NIMI='tee*'"));
+    EXPECT_EQ(m_form->EhtoLabel->text(), str("Nimi alkaa \"tee\""));
 
     m_form->Suodatin->setText(str("x"));
     m_form->Suodatin->clear();
     EXPECT_EQ(m_form->Hakutable->filter(), str("passiivinen = false"));
     EXPECT_EQ(numbers(), kAll);
+}
+
+TEST_F(SearchFormTest, HeadingsOrderAndTakeDropsWithoutRows) {
+    QHeaderView& header = *m_form->DBGrid1->horizontalHeader();
+    const auto place = [&](const char* field) {
+        const int column = m_form->model().columnOf(str(field));
+        return QPoint(header.sectionViewportPosition(column) + 20, header.height() / 2);
+    };
+    const auto click = [&](const char* field) {
+        QTest::mouseClick(header.viewport(), Qt::LeftButton, Qt::NoModifier, place(field));
+        return header.sortIndicatorSection() == m_form->model().columnOf(str("NIMI"));
+    };
+    EXPECT_TRUE(click("NIMI"));
+    EXPECT_EQ(m_form->IndexCombo->currentData().toInt(), 5);
+    EXPECT_EQ(numbers(), "34 341 ABC 200 35");
+    EXPECT_TRUE(click("HINTA"));  // no key: nothing happens
+    EXPECT_EQ(m_form->SearchEdit->placeholderText(), str("Nimi"));
+
+    drop(str("xyz"), "NIMI");
+    EXPECT_EQ(numbers(), "");
+    EXPECT_FALSE(m_form->Valitse->isEnabled());
+    dropAt(str("1"), header.viewport(), place("RYHMA"), "DBGrid1");
+    EXPECT_EQ(numbers(), "");
+    dropAt(str("abc"), header.viewport(), place("NUMERO"));
+    EXPECT_EQ(numbers(), "ABC");
+    EXPECT_EQ(m_form->RiviLabel->text(), str("1 rivi"));
+    m_form->Jatahakuauki->click();
+    m_form->Valitse->click();
+    EXPECT_EQ(m_chosen, QStringList({"ABC"}));
+}
+
+TEST_F(SearchFormTest, DigitsOnACustomersNameFindTheCustomer) {
+    for (const char* sql :
+         {"ASIAKAS (Asiakas, Nimi) values (12, 'Kala')",
+          "ASIAKAS (Asiakas, Nimi) values (21, '12 apostolia')",
+          "WINOT (TilausNro, ToimAsNimi, ToimitusAsiakas) values (1, 'Kala', 12)",
+          "WINOT (TilausNro, ToimAsNimi, ToimitusAsiakas) values (2, '12 a', 21)"})
+        m_company.exec(str("insert into ") + str(sql));
+    TBtrHakuForm form;
+    form.setTableName(str("WINOT"));
+    form.FormCreate();
+    for (const auto& [text, found] : {std::pair("12", "1"), std::pair("12 ", "2")}) {
+        form.dropText(str(text), form.model().columnOf(str("ToimAsNimi")));
+        EXPECT_EQ(columnTexts(form, str("TilausNro")).join(u' ').toStdString(), found) << text;
+    }
+}
+
+TEST_F(SearchFormTest, ColumnsAreChosenInADialog) {
+    const std::vector<GridColumn> columns = {{str("NIMI"), str("Nimi"), 77, false},
+                                             {str("HINTA"), str("Hinta"), 0},
+                                             {str("RYHMA"), str("Ryhmä"), 0, false}};
+    const auto names = [](const ColumnDialog& dialog) {
+        QStringList found;
+        for (const GridColumn& column : dialog.columns())
+            found.append((column.visible ? str("") : str("-")) + column.field);
+        return found.join(u' ').toStdString();
+    };
+    ColumnDialog dialog({columns[1], columns[0], columns[2]}, columns, nullptr);
+    dialog.Etsi->setText(str("ryhm"));
+    EXPECT_TRUE(dialog.Sarakkeet->item(0)->isHidden() && !dialog.Sarakkeet->item(2)->isHidden());
+    dialog.Sarakkeet->item(0)->setCheckState(Qt::Unchecked);
+    EXPECT_FALSE(dialog.Ok->isEnabled());  // a column is left
+    dialog.Palauta->click();
+    EXPECT_TRUE(dialog.Ok->isEnabled());
+    EXPECT_EQ(names(dialog), "-NIMI HINTA -RYHMA");
+    dialog.Sarakkeet->item(0)->setCheckState(Qt::Checked);
+    dialog.Sarakkeet->model()->moveRow({}, 2, {}, 0);
+    EXPECT_EQ(names(dialog), "-RYHMA NIMI HINTA");
+
+    // In the window: the current row stays.
+    m_form->DBGrid1->setCurrentIndex(m_form->model().index(2, 0));
+    QTimer::singleShot(0, m_form, [&] {
+        auto* open = qobject_cast<ColumnDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(open, nullptr);
+        for (int i = 0; i < open->Sarakkeet->count(); ++i) {
+            const bool name = open->Sarakkeet->item(i)->toolTip() == str("NIMI");
+            open->Sarakkeet->item(i)->setCheckState(name ? Qt::Checked : Qt::Unchecked);
+        }
+        open->accept();
+    });
+    m_form->Sarakkeet->trigger();
+    m_form->Tallenna->trigger();
+    EXPECT_EQ(saved(str("Sarakkeita")) + saved(str("Sarake0")), str("1NIMI"));
+    EXPECT_EQ(current(), "341");
 }
 
 TEST_F(SearchFormTest, SearchesRecordByRecord) {

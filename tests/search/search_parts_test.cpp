@@ -2,6 +2,7 @@
 
 #include "data/windows1252.h"
 #include "search/filter_state.h"
+#include "search/filter_words.h"
 #include "search/form_layout.h"
 #include "search/key_search.h"
 #include "search/text_match.h"
@@ -117,8 +118,31 @@ TEST(SearchParts, BaseAndUserFilter) {
     EXPECT_EQ(filter.description(), str("u=1   alue: 34"));
     filter.setRecordSearch(str("kahvi"));
     EXPECT_EQ(filter.description(), str("haku: kahvi   alue: 34"));
+    filter.setUserFilter(str("RYHMA='0' and RYHMA<>'0'"), str("Ryhmä: ei löydy"));
+    filter.setBaseFilter(str("d"));
+    EXPECT_EQ(filter.description(), str("Ryhmä: ei löydy   alue: 34"));
+    filter.setRecordSearch(str("kahvi"));
     filter.setBaseFilter(str("c"));
     EXPECT_EQ(filter.description(), str("alue: 34"));
+}
+
+TEST(SearchParts, FiltersInWords) {
+    const std::tuple<Kind, const char*, const char*> cases[] = {
+        {Kind::String, "tee", "Nimi alkaa \"tee\""}, {Kind::String, "<=m", "Nimi <= \"m\""},
+        {Kind::Integer, "12", "Nimi = 12"},          {Kind::Float, ">=9,95", "Nimi >= 9,95"},
+        {Kind::String, "! hinta<5 ", "hinta<5"},
+    };
+    for (const auto& [kind, text, words] : cases)
+        EXPECT_EQ(filterWords(str("Nimi"), kind, str(text)), str(words));
+    const std::pair<QStringList, const char*> lookups[] = {
+        {{}, "Ryhmä alkaa \"h\" (ei löydy)"},
+        {{str("Hiomakoneet")}, "Ryhmä = Hiomakoneet"},
+        {{str("Hai"), str("Ha"), str("He"), str("Hi"), str("Ho")},
+         "Ryhmä = Hai, Ha, He ja 2 muuta"},
+    };
+    for (const auto& [found, words] : lookups)
+        EXPECT_EQ(lookupWords(str("Ryhmä"), str("h"), found), str(words));
+    EXPECT_EQ(searchWords(str("Nimi"), {str("k"), true}), str("Nimi sisältää \"k\""));
 }
 
 TEST(SearchParts, RangesByTheKindOfTheKey) {

@@ -1,5 +1,7 @@
 #include "engines/shops/separate_journal.h"
 
+#include <thread>
+
 #include "tests/engines/embedded/fixture.h"
 #include "tests/support/taken_back.h"
 
@@ -30,7 +32,7 @@ class SeparateJournalTest : public test::EmbeddedCompany {
         m_journal.reset();
         m_journal = std::make_unique<SeparateJournal>(
             folder(), [this](const QString& table) { return db->openTable(table); },
-            [] { return false; });
+            [] { return false; }, m_watch);
     }
 
     // Runs a statement as an engine with the journal would; `dies`: after it the process is gone.
@@ -67,6 +69,7 @@ class SeparateJournalTest : public test::EmbeddedCompany {
     std::unique_ptr<SeparateJournal> m_journal;
     std::map<QString, Records> m_before;
     qint64 m_run = 0;
+    std::chrono::milliseconds m_watch{0};
 };
 
 }  // namespace
@@ -88,6 +91,7 @@ TEST_F(SeparateJournalTest, KnowsEveryChangeWhereverTheProcessDies) {
         {"update TRYHMA set NIMI = 'x''y' where Nro in (7, 8);", {}},
         {"delete from ini where ininimi='ZAV.INI'", {}},
     };
+    qint64 origin = 0;
     for (const Write& write : writes) {
         for (const auto& [sent, dies] : {std::pair(false, true), std::pair(true, false)}) {
             journaled(write.sql, write.with, sent, dies);
@@ -97,9 +101,13 @@ TEST_F(SeparateJournalTest, KnowsEveryChangeWhereverTheProcessDies) {
                 m_journal->resume(m_run);
         }
         // once more, stored by the engine and not yet known to the journal
+        m_journal->setOrigin(++origin);
+        const qint64 last = m_journal->lastEntry(m_run);
         journaled(write.sql, write.with, true, true);
         EXPECT_TRUE(test::takenBack(*m_journal, m_run, everything()) == m_before) << write.sql;
         EXPECT_EQ(m_journal->run(m_run)->state, RunState::Interrupted);
+        for (const JournalEntry& entry : m_journal->entries(m_run, last, Direction::Forward, 9))
+            EXPECT_EQ(entry.origin, origin) << write.sql;
         m_journal->resume(m_run);
     }
     EXPECT_EQ(everything()["HR"].size(), 3U);
@@ -108,4 +116,34 @@ TEST_F(SeparateJournalTest, KnowsEveryChangeWhereverTheProcessDies) {
     reopen();
     EXPECT_EQ(m_journal->run(m_run)->state, RunState::Done);
     EXPECT_EQ(m_journal->check(), QStringList());
+}
+
+// A server goes on with the statement that it was sent, whatever becomes of the sender.
+TEST_F(SeparateJournalTest, KnowsAStatementThatEndsAfterItsProcessOrConnection) {
+    m_watch = std::chrono::minutes(1);
+    const auto later = [this](const char* sql) {
+        return std::thread([this, sql] {
+            const auto server = engines::openEmbedded(QStringLiteral("KOE"), folder());
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            test::exec(*server, QLatin1String(sql));
+        });
+    };
+    for (const char* sql : {"update TRYHMA set VERO = 6 where Nro in (7, 8)",
+                            "insert into hr (tyyppi,tuote,maara) values (1,'A1',3)"}) {
+        journaled(sql, {}, false, true);
+        std::thread server = later(sql);
+        m_journal->resume(m_run);
+        server.join();
+        EXPECT_TRUE(test::takenBack(*m_journal, m_run, everything()) == m_before) << sql;
+    }
+    const char* const sql = "delete from hr";
+    std::thread server;
+    const auto lose = [&] {
+        server = later(sql);
+        throw DataError(ErrorKind::NoConnection, "hr", "lost");
+    };
+    EXPECT_THROW(m_journal->write(*engines::shops::writeTargetOf(sql), {}, *db, lose), DataError);
+    server.join();
+    EXPECT_TRUE(test::takenBack(*m_journal, m_run, everything()) == m_before);
+    EXPECT_EQ(m_journal->lastEntry(m_run), 5);
 }
