@@ -42,8 +42,8 @@ class DataError : public std::runtime_error {
     /// The engine's own code; 0 if there is none.
     int nativeCode() const { return m_nativeCode; }
 
-    /// A copy with its own Finnish detail and its own advice (whole sentences) instead of the kind's.
-    /// An empty text keeps the present one.
+    /// A copy with its own Finnish detail and its own advice (whole sentences) instead of the
+    /// kind's. An empty text keeps the present one.
     DataError inFinnish(const QString& detail, const QString& remedy = QString()) const;
 
     /// A copy with a place ("tilaus 7, rivi 2") before its detail, in both languages.

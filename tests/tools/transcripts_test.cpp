@@ -13,7 +13,8 @@
 //   = ARGUMENTS        output that no refused command below may change
 //   absent FILE
 //   present FILE [TEXT] and it holds exactly this
-// {empty}, {newline} and {tab} stand for what a line cannot hold. Commands may end with "<< TEXT", which is written to the file "@" first.
+// {empty}, {newline} and {tab} stand for what a line cannot hold. Commands may end with "<< TEXT",
+// which is written to the file "@" first.
 
 #include <QRegularExpression>
 
