@@ -5,20 +5,15 @@
 #include <algorithm>
 
 #include "data/clock.h"
-#include "engines/data_names.h"
+#include "engines/journal/journal_places.h"
 
 namespace engines::journal {
 
 namespace {
 
-constexpr int kPlaceBits = 32;
 const QString kTimeFormat = QStringLiteral("yyyy-MM-dd HH:mm:ss");
 const QString kHeadNote = QStringLiteral("head");
 constexpr int kChecksumLength = 4;
-
-qint64 placeOf(qint64 run, qint64 seq) {
-    return (run << kPlaceBits) + seq;
-}
 
 /// The place of the first entry of the next run.
 qint64 endOf(qint64 run) {
@@ -27,12 +22,6 @@ qint64 endOf(qint64 run) {
 
 QDateTime timeOf(const QCborValue& value) {
     return QDateTime::fromString(value.toString(), kTimeFormat);
-}
-
-DataError damaged(qint64 run, const char* what) {
-    return DataError(ErrorKind::Damaged, QStringLiteral("run journal"),
-                     QStringLiteral("run %1: %2").arg(run).arg(QLatin1String(what)))
-        .inFinnish(QStringLiteral("ajopäiväkirjan ajo %1 on vioittunut").arg(run));
 }
 
 }  // namespace
@@ -244,22 +233,6 @@ qint64 JournalStore::begin(const JournalRun& head,
     return stored.run.number;
 }
 
-void JournalStore::startRecording(qint64 run) {
-    m_run = run;
-    m_origin = 0;
-    m_next = m_storedNext = 1;
-    m_tables.clear();
-    m_storedTables = 0;
-    m_recorded.clear();
-    m_records = {};
-    m_pending.clear();
-}
-
-void JournalStore::stopRecording() {
-    startRecording(0);
-    m_insert = Statement();
-}
-
 void JournalStore::resume(qint64 run) {
     Q_ASSERT(m_run == 0);
     StoredHead stored = existingHead(run);
@@ -302,94 +275,6 @@ void JournalStore::setState(qint64 run, RunState state) {
     }
     stored.run.state = state;
     writeHead(stored);
-}
-
-void JournalStore::append(const QByteArray& entry) {
-    if (m_insert.get() == nullptr)
-        m_insert =
-            Statement(m_db, "INSERT INTO zdb_change(place, entry) VALUES (?1, ?2)", m_fileName);
-    m_insert.bind(1, placeOf(m_run, m_next));
-    m_insert.bind(2, entry);
-    m_insert.run();
-    ++m_next;
-}
-
-void JournalStore::mark(const QByteArray& text) {
-    JournalEntry entry;
-    entry.isMark = true;
-    entry.mark = text;
-    append(encodeEntry(entry, m_run, m_next));
-    stored();
-}
-
-JournalStore::Recorded& JournalStore::recordedTable(const RecordLayout& layout,
-                                                    const std::vector<KeyDef>& keys) {
-    std::shared_ptr<Recorded>& known = m_recorded[layout.tableName().toUpper()];
-    if (!known)
-        known = std::make_shared<Recorded>(Recorded{-1, RecordDifference(layout, keys)});
-    if (known->number >= 0)
-        return *known;
-    const JournalTable table{layout.tableName(), layout.recordLength(),
-                             layoutFingerprint(layout, keys)};
-    // a resumed run may have changed it before
-    const auto same =
-        std::find_if(m_tables.begin(), m_tables.end(), [&table](const JournalTable& other) {
-            return other.name == table.name && other.fingerprint == table.fingerprint;
-        });
-    const auto number = same - m_tables.begin();
-    if (same == m_tables.end()) {
-        const QByteArray entry = encodeTable(table, m_run, number);
-        Statement insert(m_db, "INSERT INTO zdb_table(place, entry) VALUES (?1, ?2)", m_fileName);
-        insert.bind(1, placeOf(m_run, number));
-        insert.bind(2, entry);
-        insert.run();
-        m_tables.push_back(table);
-    }
-    known->number = static_cast<int>(number);
-    return *known;
-}
-
-void JournalStore::record(const RecordLayout& layout, const std::vector<KeyDef>& keys, RecordId id,
-                          const QByteArray* before, const QByteArray* after) {
-    Recorded& table = recordedTable(layout, keys);
-    JournalEntry entry;
-    entry.table = table.number;
-    entry.record = id;
-    entry.origin = m_origin;
-    entry.key = table.difference.key(before != nullptr ? *before : *after);
-    if (before == nullptr) {
-        entry.operation = Operation::Insert;
-        entry.changes = table.difference.ofInsert(*after);
-    } else if (after == nullptr) {
-        entry.operation = Operation::Delete;
-        entry.changes = table.difference.ofDelete(*before);
-    } else {
-        entry.changes = table.difference.between(*before, *after);
-        if (entry.changes.empty())
-            return;
-    }
-    append(encodeEntry(entry, m_run, m_next));
-    m_pending.emplace_back(table.number, id);
-}
-
-void JournalStore::stored() {
-    for (const auto& [table, id] : m_pending)
-        m_records.add(table, id);
-    m_pending.clear();
-    m_storedNext = m_next;
-    m_storedTables = m_tables.size();
-}
-
-void JournalStore::undone() {
-    if (m_run == 0)
-        return;
-    m_pending.clear();
-    m_next = m_storedNext;
-    m_tables.resize(m_storedTables);
-    for (const std::shared_ptr<Recorded>& table : std::as_const(m_recorded)) {
-        if (table->number >= static_cast<int>(m_storedTables))
-            table->number = -1;
-    }
 }
 
 std::vector<JournalTable> JournalStore::tables(qint64 run) {
@@ -523,61 +408,6 @@ void JournalStore::removeOld() {
     rows.reset();
     for (const qint64 run : old)
         removeRun(run);
-}
-
-void JournalStore::checkRun(const StoredHead& head, QStringList& problems) {
-    const qint64 run = head.run.number;
-    try {
-        const auto tableCount = static_cast<int>(tables(run).size());
-        visit(run, Direction::Forward, [&](const JournalEntry& entry) {
-            if (!entry.isMark && entry.table >= tableCount)
-                throw damaged(run, "an entry names an unknown table");
-            return true;
-        });
-        if (head.last != 0 && lastEntry(run) != head.last)
-            throw damaged(run, "its last entries are missing");
-        checkNotes(run);
-    } catch (const DataError& error) {
-        problems += error.english();
-    }
-}
-
-void JournalStore::checkNotes(qint64 run) {
-    Statement names(m_db, "SELECT name FROM zdb_note WHERE run = ?1", m_fileName);
-    names.bind(1, run);
-    while (names.step())
-        note(run, names.text(0));
-}
-
-QStringList JournalStore::check() {
-    QStringList problems;
-    if (!exists())
-        return problems;
-    try {
-        checkNotes(0);
-    } catch (const DataError& error) {
-        problems += error.english();
-    }
-    std::vector<std::pair<qint64, QByteArray>> heads;
-    Statement rows(m_db, "SELECT number, head FROM zdb_run ORDER BY number", m_fileName);
-    while (rows.step())
-        heads.emplace_back(rows.integer(0), rows.bytes(1));
-    rows.reset();
-    for (const auto& [number, bytes] : heads) {
-        try {
-            checkRun(decodeHead(number, bytes), problems);
-        } catch (const DataError& error) {
-            problems += error.english();
-        }
-    }
-    Statement strays(m_db,
-                     "SELECT count(*) FROM zdb_change WHERE place >> 32 NOT IN "
-                     "(SELECT number FROM zdb_run)",
-                     m_fileName);
-    if (strays.step() && strays.integer(0) > 0)
-        problems +=
-            QStringLiteral("run journal: %1 entries belong to no run").arg(strays.integer(0));
-    return problems;
 }
 
 }  // namespace engines::journal

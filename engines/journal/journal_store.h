@@ -111,7 +111,7 @@ class JournalStore : public RunJournal {
     qint64 m_storedNext = 1;
     std::vector<JournalTable> m_tables;  // of the run being recorded
     size_t m_storedTables = 0;
-    QHash<QString, std::shared_ptr<Recorded>> m_recorded;  // by upper-case name
+    QHash<QString, std::shared_ptr<Recorded>> m_recorded;  // by name
     IdSets m_records;
     std::vector<std::pair<int, RecordId>> m_pending;
     Statement m_insert;

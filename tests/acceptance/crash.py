@@ -6,7 +6,8 @@ usage: crash.py BIN_DIR [--kills N] [--seed S] [--products N] [--orders N]
 After each kill -9 the company must open and pass `zavdb check`, and every product in the log must be new;
 the next start must resume the run and leave in every table what an uninterrupted run leaves, times of
 change aside. Every second kill waits until the run has reached the orders; every third resumed run is
-killed as well."""
+killed as well. Then the run is undone exactly, the undo is killed and started again: every table must be as
+before the run, times of change included."""
 
 import argparse
 import os
@@ -38,6 +39,22 @@ def definition():
 def state(company):
     """The rows of every table, without times of change."""
     return {t: sorted(tuple(repr(v) for k, v in r.items() if k not in CLOCK) for r in company.read(t)) for t in TABLES}
+
+
+def everything(company):
+    """The rows of every table."""
+    return {t: sorted(tuple(map(repr, r.values())) for r in company.read(t)) for t in sorted(LAYOUTS)}
+
+
+def undo(company, delay):
+    """Undoes run 1 exactly; the first attempt is killed after the delay. Returns the exit status."""
+    command = [company.bins + "/zavdb", "undo", "K", "1", "--exact"]
+    first = subprocess.Popen(command, env=company.env, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    time.sleep(delay)
+    first.send_signal(signal.SIGKILL)
+    if first.wait() == 0:
+        return 0
+    return company.zavdb(*command[1:], check=False).returncode
 
 
 def told(company):
@@ -86,7 +103,7 @@ def main():
         f.write("[ASETUKSET]\nmaar1=Muutos\n")
     fresh = os.path.join(folder, "fresh")
     shutil.copytree(company.data, fresh)
-    old = state(company)
+    old, before = state(company), everything(company)
     began = time.monotonic()
     p = start(company)
     reaches_orders(company, p)
@@ -127,6 +144,10 @@ def main():
             if done[t] != new[t]:
                 left = [row for row in done[t] if row not in new[t]]
                 problems.append(f"kill {n}: {t} ends otherwise than uninterrupted, first {left[:1]}")
+        if undo(company, r.uniform(0, took / 2)) != 0:
+            problems.append(f"kill {n}: the undo failed")
+        taken = everything(company)
+        problems += [f"kill {n}: {t} is not as before the run after the undo" for t in before if taken[t] != before[t]]
     for line in problems[:20]:
         print(line)
     print(f"{args.kills} kills, {between} times in the middle of the work, {lines} log lines compared with their "

@@ -127,9 +127,10 @@ TEST(IniFile, OnlyARegularFileIsReadAndOnlyAMissingOneIsEmpty) {
         {str("/dev/zero"), noFile},
         {locked, noFile},
     };
-    for (const auto& [name, reason] : refused) {
+    for (const auto& file : refused) {
+        const QString& name = file.first;
         const data::DataError error = test::thrownBy([&] { IniFile::read(name); });
-        EXPECT_TRUE(error.finnish().contains(name + str(": ") + reason)) << error.what();
+        EXPECT_TRUE(error.finnish().contains(name + str(": ") + file.second)) << error.what();
     }
     EXPECT_TRUE(IniFile::read(folder.filePath(str("tiedosto/a.INI"))).sections().isEmpty());
 

@@ -257,7 +257,7 @@ TEST_F(InterruptedRun, StepsThatFailedBeforeTheyKnewTheirRows) {
 }
 
 TEST_F(InterruptedRun, ProductsThatAnotherProgramHolds) {
-    const auto hold = [this](data::Database& other) {
+    const auto hold = [](data::Database& other) {
         auto products = other.openTable(QStringLiteral("TUOTE"));
         const auto record = products->seek(0, data::SeekOp::Equal, {QStringLiteral("A1")}, 1);
         EXPECT_TRUE(products->lock(record.at(0).id, std::chrono::milliseconds(0)));

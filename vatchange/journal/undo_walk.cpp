@@ -16,8 +16,7 @@ constexpr size_t kGatheredAtATime = 20000;  // records with several entries: som
 
 UndoWalk::UndoWalk(data::Database& database, qint64 run, const UndoOptions& options,
                    UndoTables& tables, UndoPorts& ports, UndoResult& result)
-    : m_database(database),
-      m_journal(*database.journal()),
+    : m_journal(*database.journal()),
       m_run(run),
       m_options(options),
       m_tables(tables),

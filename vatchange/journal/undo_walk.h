@@ -42,7 +42,6 @@ class UndoWalk {
     void tell(qint64 seq, const std::vector<UndoConflict>& conflicts);
     void takeBackHeld();
 
-    data::Database& m_database;
     data::RunJournal& m_journal;
     const qint64 m_run;
     const UndoOptions& m_options;

@@ -136,7 +136,9 @@ TEST_F(Journal, EveryFlippedByteIsTold) {
                                                      {"zdb_table", "entry"},
                                                      {"zdb_change", "entry"},
                                                      {"zdb_note", "value"}};
-    for (const auto& [table, column] : columns) {
+    for (const auto& names : columns) {
+        const QByteArray& table = names.first;
+        const QByteArray& column = names.second;
         const engines::sqlite::SqliteHandle handle(file(),
                                                    engines::sqlite::SqliteHandle::Mode::ReadWrite);
         const QByteArray where = table == "zdb_note" ? " WHERE run > 0" : " LIMIT 1";
