@@ -1,7 +1,6 @@
 #include "engines/embedded/schema.h"
 
 #include <QRegularExpression>
-#include <algorithm>
 
 #include "engines/embedded/catalogue.h"
 #include "engines/embedded/sqlite_names.h"
@@ -59,10 +58,12 @@ bool isOwnIndex(const SchemaObject& object) {
     const int number = key.mid(1).toInt(&isNumber);
     if (!isNumber || !object.table.startsWith(storedName(QString())))
         return false;
-    return std::any_of(std::begin({true, false}), std::end({true, false}), [&](bool unique) {
-        return object.name == keyIndexName(object.table, number) &&
-               object.sql == QString::fromUtf8(keyIndexSql(object.table, number, unique));
-    });
+    const auto isMadeBy = [&object](const QByteArray& sql) {
+        return object.sql == QString::fromUtf8(sql);
+    };
+    return object.name == keyIndexName(object.table, number) &&
+           (isMadeBy(keyIndexSql(object.table, number, true)) ||
+            isMadeBy(keyIndexSql(object.table, number, false)));
 }
 
 bool isOwn(const SchemaObject& object) {

@@ -153,8 +153,8 @@ TEST_F(Undo, InterruptedAnywhereAndRepeatedIsTheSame) {
         const qint64 number = makeRun(test::fullDefinition());
         RecordingUndo ports;
         ports.stopAt = static_cast<int>(stop);
+        qint64 seen = 0;
         if (killed) {  // what a dead process leaves: the files as they are at that moment
-            qint64 seen = 0;
             ports.eachEntry = [&] {
                 if (seen++ == stop) {
                     QDir().mkpath(path("kuollut"));
