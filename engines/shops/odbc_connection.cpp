@@ -260,10 +260,6 @@ void OdbcConnection::setLockWait(std::chrono::milliseconds wait) {
     m_link->setLockWait(wait);
 }
 
-void OdbcConnection::setBeforeWrite(std::function<void()> hook) {
-    m_link->beforeWrite = std::move(hook);
-}
-
 void OdbcConnection::setTracing(bool on) {
     setOdbcTraced(on);
 }

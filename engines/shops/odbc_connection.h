@@ -51,10 +51,6 @@ class OdbcConnection {
     /// set wait until the statement's time limit.
     void setLockWait(std::chrono::milliseconds wait);
 
-    /// Called before each statement that returns no rows if the client library's record locks block
-    /// this program's SQL (Dialect::recordLocksStopSql).
-    void setBeforeWrite(std::function<void()> hook);
-
     /// Traces every driver call to the debug output: name, result, microseconds, statement texts.
     /// For all connections of the process.
     static void setTracing(bool on);

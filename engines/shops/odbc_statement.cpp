@@ -60,8 +60,6 @@ qint64 OdbcStatement::run(bool fetches) {
     const bool writes = !m_prepared->rewritten().returnsRows;
     if (!writes || !m_link->dialect().recordLocksStopSql)
         return runOnce(fetches);
-    if (m_link->beforeWrite)
-        m_link->beforeWrite();
     // Such an engine reports a locked record immediately, before it changes anything.
     const auto end = std::chrono::steady_clock::now() + m_link->lockWait();
     for (;;) {

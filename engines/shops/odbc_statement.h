@@ -35,8 +35,6 @@ class OdbcLink {
     /// Ends the session; statements still in use fail afterwards.
     void close();
 
-    std::function<void()> beforeWrite;
-
   private:
     OdbcSession& session();
     void connect();

@@ -138,6 +138,8 @@ data::RunState stateOf(const RunContext& run) {
 }
 
 void leaveJournal(RunContext& run) {
+    if (!run.journal && run.result.run != 0)
+        return;  // left already
     run.result.state = stateOf(run);
     if (!run.journal)
         return;
