@@ -39,12 +39,14 @@ RULES = {  # module: the modules and headers it may use; "x/*" is x and all modu
                          "vatchange/journal", "data/*"],
     "vatchange/run": ["vatchange/definition", "vatchange/rules", "vatchange/ports",
                       "vatchange/orders", "vatchange/journal", "framework/core", "company", "platform", "data/*"],
+    "vatchange/changes": ["vatchange/definition", "vatchange/rules", "vatchange/ports",
+                          "vatchange/journal", "platform", "data/*"],
     "vatchange/form": ["vatchange/*", "search", "framework/*", "company", "platform", "data/*"],
     "shell": ["vatchange/*", "search", "framework/*", "company", "platform", "data/*"],
     "tools/dictc": ["data/*"],
     "tools/zavdb/demo": ["data/*"],
     "tools/zavdb": ["vatchange/definition", "vatchange/rules", "vatchange/ports",
-                    "vatchange/journal", "tools/zavdb/demo", "company", "engines/*", "platform", "data/*"],
+                    "vatchange/journal", "vatchange/changes", "tools/zavdb/demo", "company", "engines/*", "platform", "data/*"],
 }
 # The headers of an engine that other modules may include.
 PUBLIC = {"engines/embedded": ["embedded_database.h"],
