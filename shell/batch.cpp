@@ -8,6 +8,7 @@
 namespace shell {
 
 const QString kAlreadyRunText = QStringLiteral("Taksavaihe on kertaalleen ajettu");
+const QString kDefinitionBegins = QStringLiteral("Aloitetaan muutos määrittelylle: ");
 const QString kErrorPrefix = QStringLiteral("Virhe: ");
 
 namespace {
@@ -62,7 +63,7 @@ bool runDefinitions(BatchProgress& batch, const BatchPorts& ports) {
             continue;
         }
         if (next->resume == 0)
-            ports.changeLog(QStringLiteral("Aloitetaan muutos määrittelylle: ") + next->name);
+            ports.changeLog(kDefinitionBegins + next->name);
         const vatchange::RunResult result = ports.run({next->resume, batch.firstRun()});
         clean = clean && result.clean();
         const bool stays = next->resume != 0 && result.refused;
@@ -118,7 +119,7 @@ ExitStatus runBatch(const BatchSource& list, const BatchPorts& ports) {
         return ExitStatus::Done;
     }
     const RunLock lock(*ports.database);
-    if (!lock.taken()) {
+    if (!lock.taken() || ports.otherRunGoesOn()) {
         ports.changeLog(vatchange::kOtherRunText);
         return ExitStatus::Failed;
     }

@@ -23,6 +23,7 @@
 #include "shell/display_guard.h"
 #include "shell/main_form.h"
 #include "shell/program_title.h"
+#include "shell/rehearsed_batch.h"
 
 namespace shell {
 
@@ -34,10 +35,12 @@ constexpr int kSplashProgressAtStart = 20;
 const QString kHelp = QStringLiteral(
     "Taksavaihe - alv-luokkien ja hintojen muutokset\n"
     "\n"
-    "Käyttö: taksavaihe [YRITYS] [/E] [/U] [/EP]\n"
+    "Käyttö: taksavaihe [YRITYS] [/E] [/KOEAJO] [/U] [/EP]\n"
     "\n"
     "  YRITYS            yrityksen nimi; ilman sitä yritys valitaan luettelosta\n"
     "  /E                eräajo: ajaa talletetut määrittelyt ilman käyttäjää ja lopettaa\n"
+    "  /KOEAJO           valitsimen /E kanssa: ajaa määrittelyt yrityksen kopiolla ja jättää\n"
+    "                    tulokset yrityksen kansioon KOEAJO; yrityksen tiedot eivät muutu\n"
     "  /U                ajaa muutoksen, vaikka se on jo kertaalleen ajettu\n"
     "  /EP               jättää päivämäärän tarkastuksen tekemättä\n"
     "  /unimonitor       jäljittää kaikki SQL-lauseet\n"
@@ -65,8 +68,8 @@ int fail(ExitStatus status, const QString& text) {
 
 // Unknown switches, as typed. A batch must not run with one: it would ignore what was requested.
 QStringList unknownSwitches() {
-    static constexpr std::array kKnown = {
-        "/E", "/U", "/EP", "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
+    static constexpr std::array kKnown = {"/E",          "/KOEAJO",        "/U",          "/EP",
+                                          "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
     QStringList unknown;
     for (const QString& parameter : platform::parameters()) {
         const bool isSwitch =
@@ -181,6 +184,11 @@ int runProgram(QApplication& application) {
         if (batch)
             return status;
     }
+    const bool rehearsed = platform::hasSwitch(QStringLiteral("/KOEAJO"));
+    if (rehearsed && !batch)
+        return fail(ExitStatus::Unavailable,
+                    QStringLiteral("Valitsin /KOEAJO tarvitsee valitsimen /E. Lomakkeella koeajo "
+                                   "on painike \"Koeajo...\"."));
     if (!batch && !framework::Dialogs::isInteractive())
         return fail(ExitStatus::Unavailable,
                     QStringLiteral("Ohjelman ikkunoita ei näkisi kukaan (näyttöalusta %1). ")
@@ -212,6 +220,15 @@ int runProgram(QApplication& application) {
     }
     splash->repaint();
 
+    vatchange::removeAbandonedCopies();
+    std::unique_ptr<RehearsedBatch> rehearsal;
+    if (rehearsed) {
+        ExitStatus status = ExitStatus::Failed;
+        rehearsal = RehearsedBatch::begin(status);
+        if (!rehearsal)
+            return static_cast<int>(status);
+    }
+
     try {
         company::companyDatabase();
     } catch (const std::exception& e) {
@@ -221,6 +238,7 @@ int runProgram(QApplication& application) {
 
     TMainForm mainForm;
     mainForm.BatchMode = batch;
+    mainForm.Rehearsal = rehearsal.get();
     const QStringList problems = mainForm.alusta();
     if (!problems.isEmpty() && !batch) {  // a batch reports them after checking the run mark
         splash.reset();

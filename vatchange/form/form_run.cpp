@@ -9,6 +9,7 @@
 #include "vatchange/form/change_form.h"
 #include "vatchange/form/run_report.h"
 #include "vatchange/form/unfinished_question.h"
+#include "vatchange/rehearsal/comparison.h"
 
 namespace vatchange {
 
@@ -109,6 +110,7 @@ std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick(RunOptions options) {
     setRunning(true);
     try {
         FormRunPorts ports(*this);
+        options.compareWithRehearsal = compareWithRehearsal;
         m_lastRun = runWithSummary(m_database, definition, ports, options);
     } catch (...) {
         setRunning(false);

@@ -242,6 +242,7 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
             // a run that was asked to end must have ended before the verification takes its time
             if (result.cancelled)
                 leaveJournal(run);
+            compareAtEnd(run, options);
             verifyAtEnd(run);
             deferFlushes(run, false);
         } catch (...) {  // of the ports
