@@ -78,24 +78,15 @@ std::unique_ptr<Rehearsal> Rehearsal::begin(const company::CopyProgress& progres
     const RehearsalRoom room = rehearsalRoom();
     if (!room.enough())
         throw noRoom(room);
-    const bool madeFolder = QDir().mkdir(room.folder);
     std::unique_ptr<Rehearsal> rehearsal(new Rehearsal);
-    try {
-        rehearsal->m_copy = company::PrivateCopy::make(room.folder, tablesOfRun(), progress);
-        if (rehearsal->m_copy) {
-            rehearsal->m_database = rehearsal->m_copy->open();
-            rehearsal->makeFolder();
-            return rehearsal;
-        }
-    } catch (...) {
-        rehearsal.reset();
-        if (madeFolder)
-            QDir().rmdir(room.folder);
-        throw;
-    }
-    if (madeFolder)
-        QDir().rmdir(room.folder);
-    return nullptr;
+    rehearsal->m_all = room.folder;
+    QDir().mkdir(room.folder);  // a failure is the copy's
+    rehearsal->m_copy = company::PrivateCopy::make(room.folder, tablesOfRun(), progress);
+    if (!rehearsal->m_copy)
+        return nullptr;
+    rehearsal->m_database = rehearsal->m_copy->open();
+    rehearsal->makeFolder();
+    return rehearsal;
 }
 
 Rehearsal::~Rehearsal() {
@@ -106,15 +97,17 @@ Rehearsal::~Rehearsal() {
     m_inUse.reset();
     m_database.reset();
     m_copy.reset();
-    if (!m_folder.isEmpty())
-        QDir().rmdir(m_folder);  // only if nothing came of it
+    for (const QString& folder : {m_folder, m_all}) {
+        if (!folder.isEmpty())
+            QDir().rmdir(folder);  // only if it is empty: nothing came of it
+    }
 }
 
 void Rehearsal::makeFolder() {
     m_started = data::Clock::now();
     for (QDateTime time = m_started; m_folder.isEmpty(); time = time.addSecs(1)) {
         const QString folder =
-            QDir(rehearsalsFolder()).filePath(time.toString(QStringLiteral("yyyy-MM-dd HHmmss")));
+            QDir(m_all).filePath(time.toString(QStringLiteral("yyyy-MM-dd HHmmss")));
         if (QDir().mkdir(folder))
             m_folder = folder;
         else if (!QDir(folder).exists())

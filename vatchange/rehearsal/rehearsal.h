@@ -65,6 +65,7 @@ class Rehearsal {
     Rehearsal() = default;
     void makeFolder();
 
+    QString m_all;  // the folder of all rehearsals
     QString m_folder;
     QDateTime m_started;
     std::unique_ptr<company::PrivateCopy> m_copy;
