@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "framework/ui/pdf_report.h"
-#include "vatchange/form/definition_report.h"
+#include "vatchange/report/definition_report.h"
 #include "vatchange/run/run_summary.h"
 
 namespace vatchange {

@@ -1,4 +1,4 @@
-#include "vatchange/form/report_html.h"
+#include "vatchange/report/report_html.h"
 
 #include <QLocale>
 #include <utility>
