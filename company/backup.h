@@ -14,7 +14,7 @@ struct Backup {
     qint64 bytes = 0;
 };
 
-enum class BackupPhase { Copying, Checking, Replacing };
+enum class BackupPhase { Copying, Checking };
 /// Gets the phase and how much of it is done; returns false to cancel. May be empty.
 using BackupProgress = std::function<bool(BackupPhase phase, qint64 done, qint64 total)>;
 
@@ -27,7 +27,7 @@ QString backupFileName(const QString& companyName, const QDateTime& when);
 
 /// Copies the company's database consistently into a new file while programs use it, checks every
 /// record and key of the copy, gives it its name then and remembers it as the company's last
-/// backup. Nothing is left of a cancelled or failed one. Makes the file's folder.
+/// backup. Nothing is left of a cancelled or failed one. The file's folder must exist.
 /// @return the backup; nothing if it was cancelled.
 /// @throws data::DataError (Damaged: the copy has errors, the first ones are in the text; DiskFull).
 std::optional<Backup> makeBackup(const QString& companyName, const QString& file,
@@ -40,7 +40,7 @@ std::optional<Backup> lastBackup(const QString& companyName);
 /// the time. The backup is copied into the company's folder and checked before anything is
 /// replaced; a damaged one, and one while any program uses the company, are refused. This process
 /// must have closed the company's database.
-/// @return where the replaced database is kept; empty if it was cancelled.
+/// @return where the replaced database is kept, if there was one; empty if it was cancelled.
 /// @throws data::DataError (Locked: somebody uses the company).
 QString restoreBackup(const QString& companyName, const QString& file,
                       const BackupProgress& progress = {});

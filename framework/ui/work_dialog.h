@@ -6,11 +6,12 @@
 #include <QProgressBar>
 #include <QPushButton>
 
+#include "framework/ui/close_deferral.h"
+
 namespace framework {
 
 /// Shows the progress of long work and lets the user stop it ("Keskeytä", Escape). Blocks the other
-/// windows of the program from its creation to its end, but appears only if the work takes longer
-/// than a moment.
+/// windows of the program while it lives, but appears only if the work takes longer than a moment.
 class WorkDialog : public QDialog {
     Q_OBJECT
   public:
@@ -25,8 +26,7 @@ class WorkDialog : public QDialog {
     void reject() override;
 
   private:
-    void showNow(const QString& text, qint64 done, qint64 total);
-
+    CloseDeferral m_deferral;
     QLabel* m_text;
     QProgressBar* m_progress;
     QPushButton* m_stop;
