@@ -8,6 +8,7 @@
 #include "company/company.h"
 #include "company/logs.h"
 #include "data/clock.h"
+#include "framework/core/moment_text.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/work_dialog.h"
 
@@ -62,10 +63,6 @@ QString restoreQuestion(const QString& companyName, const QString& file) {
 }
 
 }  // namespace
-
-QString momentText(const QDateTime& moment) {
-    return moment.toString(QStringLiteral("d.M.yyyy 'klo' H.mm"));
-}
 
 QString backupText(const company::Backup& backup) {
     return QStringLiteral("%1, %2 (%3)")

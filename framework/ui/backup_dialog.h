@@ -22,7 +22,4 @@ bool restoreBackup(QWidget* parent, const std::function<void()>& closeCompany);
 /// "1.9.2024 klo 0.15, /kopiot/Esimerkki 2024-09-01 001500.ZDB (12,3 Mt)"
 QString backupText(const company::Backup& backup);
 
-/// "1.9.2024 klo 0.15": how windows and reports write a moment.
-QString momentText(const QDateTime& moment);
-
 }  // namespace framework
