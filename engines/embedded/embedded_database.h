@@ -48,6 +48,20 @@ bool backupEmbedded(const QString& folder, const QString& targetFile, const Copy
 bool restoreEmbedded(const QString& folder, const QString& backupFile, const QString& keptFile,
                      const CopyProgress& progress);
 
+/// Bytes of a folder's database with its write-ahead log.
+qint64 embeddedSize(const QString& folder);
+
+/// Copies the database consistently into an empty folder, as it stands now, and changes no byte of
+/// its files: a write-ahead log that an earlier program left is read and stays as it is. Other
+/// programs go on reading and writing. The copy is not made durable. `progress` (may be empty) gets
+/// pages done and total; if it returns false, the copy stops.
+/// @return false if stopped; the folder then holds a part. @throws DataError naming the database.
+bool copyEmbedded(const QString& folder, const QString& targetFolder,
+                  const std::function<bool(int done, int total)>& progress);
+
+/// Whether a process is in a run of the company (Database::beginRun). Creates no lock file.
+bool runGoesOnInEmbedded(const QString& folder);
+
 /// Version of the SQLite library.
 QString embeddedLibraryVersion();
 

@@ -52,7 +52,7 @@ RULES = {  # module: the modules and headers it may use; "x/*" is x and all modu
     "tools/dictc": ["data/*"],
     "tools/zavdb/demo": ["data/*"],
     "tools/zavdb": ["vatchange/definition", "vatchange/rules", "vatchange/ports",
-                    "vatchange/journal", "tools/zavdb/demo", "company", "engines/*", "platform", "data/*"],
+                    "vatchange/journal", "vatchange/changes", "tools/zavdb/demo", "company", "engines/*", "platform", "data/*"],
 }
 # The headers of an engine that other modules may include.
 PUBLIC = {"engines/embedded": ["embedded_database.h"],

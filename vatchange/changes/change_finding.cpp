@@ -23,9 +23,11 @@ QString findingName(ChangeFinding finding) {
         case ChangeFinding::ChangedSince:
             return QStringLiteral("Muutettu ajon jälkeen");
         case ChangeFinding::OtherThanRehearsed:
+            return QStringLiteral("Toisin kuin koeajossa");
+        case ChangeFinding::Undone:
             break;
     }
-    return QStringLiteral("Toisin kuin koeajossa");
+    return QStringLiteral("Peruttu");
 }
 
 QString findingHint(ChangeFinding finding) {
@@ -55,9 +57,11 @@ QString findingHint(ChangeFinding finding) {
         case ChangeFinding::ChangedSince:
             return QStringLiteral("Kentän arvo on muu kuin mihin ajo sen jätti");
         case ChangeFinding::OtherThanRehearsed:
+            return QStringLiteral("Ajo muutti tämän toisin kuin koeajo");
+        case ChangeFinding::Undone:
             break;
     }
-    return QStringLiteral("Ajo muutti tämän toisin kuin koeajo");
+    return QStringLiteral("Muutos on peruttu");
 }
 
 }  // namespace vatchange

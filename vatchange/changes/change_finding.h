@@ -17,8 +17,9 @@ enum class ChangeFinding : quint8 {
     LeftBehind,          ///< still carries the source class
     ChangedSince,        ///< somebody has changed it after the run
     OtherThanRehearsed,  ///< the rehearsal changed it differently, or not at all
+    Undone,              ///< the change has been taken back
 };
-inline constexpr int kChangeFindings = 10;
+inline constexpr int kChangeFindings = 11;
 
 /// Findings of a row, a bit each.
 using FindingSet = quint16;

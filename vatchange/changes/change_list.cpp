@@ -14,9 +14,10 @@ int ChangeList::addRun(Run run) {
 }
 
 int ChangeList::addTable(const QString& name) {
-    const auto known = m_tables.indexOf(name);
-    if (known >= 0)
-        return static_cast<int>(known);
+    for (qsizetype i = 0; i < m_tables.size(); ++i) {
+        if (m_tables[i].compare(name, Qt::CaseInsensitive) == 0)
+            return static_cast<int>(i);
+    }
     m_tables += name;
     m_changedRecords.push_back(0);
     return static_cast<int>(m_tables.size()) - 1;
@@ -24,7 +25,8 @@ int ChangeList::addTable(const QString& name) {
 
 int ChangeList::addField(ChangedField field) {
     for (size_t i = 0; i < m_fields.size(); ++i) {
-        if (m_fields[i].table == field.table && m_fields[i].field == field.field)
+        if (m_fields[i].table.compare(field.table, Qt::CaseInsensitive) == 0 &&
+            m_fields[i].field == field.field)
             return static_cast<int>(i);
     }
     m_fields.push_back(std::move(field));
@@ -75,6 +77,14 @@ void ChangeList::mark(int row, ChangeFinding finding, const QString& reason) {
     stored = intern(stored == 0 ? reason : m_texts[stored] + QStringLiteral("; ") + reason);
 }
 
+void ChangeList::unmark(int row, ChangeFinding finding) {
+    FindingSet& findings = m_rowFindings[at(row)];
+    if ((findings & bitOf(finding)) == 0)
+        return;
+    findings = static_cast<FindingSet>(findings & ~bitOf(finding));
+    --m_findingCounts[static_cast<size_t>(finding)];
+}
+
 ChangeList::Record ChangeList::record(int record) const {
     const auto i = at(record);
     const qsizetype begin = m_recordKey[i];
@@ -84,7 +94,7 @@ ChangeList::Record ChangeList::record(int record) const {
 }
 
 std::optional<double> ChangeList::difference(int row) const {
-    if (kind(row) != ChangeKind::Field || !field(row).number)
+    if (kind(row) != ChangeKind::Field || !field(row).amount)
         return std::nullopt;
     return after(row) - before(row);
 }

@@ -9,6 +9,7 @@
 #include "data/engine/run_journal.h"
 #include "vatchange/changes/change_finding.h"
 #include "vatchange/definition/change_definition.h"
+#include "vatchange/journal/run_notes.h"
 
 namespace vatchange {
 
@@ -42,7 +43,8 @@ class ChangeList {
   public:
     struct Run {
         data::JournalRun head;
-        std::optional<ChangeDefinition> definition;  ///< none of an undo
+        std::optional<ChangeDefinition> definition = {};  ///< none of an undo
+        VatRates rates = {};  ///< of the run's beginning; empty if they are not known
     };
     struct Record {
         int run = 0;    ///< index into runs()
@@ -75,7 +77,7 @@ class ChangeList {
     /// The value as in an export (valueToText); empty where there is none.
     QString beforeText(int row) const { return text(row, m_before[at(row)]); }
     QString afterText(int row) const { return text(row, m_after[at(row)]); }
-    /// Of a changed number.
+    /// Of a changed amount.
     std::optional<double> difference(int row) const;
     /// Change in percent of the value before; of an amount above 0.
     std::optional<double> percent(int row) const;
@@ -107,6 +109,8 @@ class ChangeList {
     double textValue(const QString& text) { return intern(text); }
     void setAfter(int row, double after) { m_after[at(row)] = after; }
     void mark(int row, ChangeFinding finding, const QString& reason = {});
+    /// Takes a finding without a reason off a row.
+    void unmark(int row, ChangeFinding finding);
 
   private:
     static size_t at(int index) { return static_cast<size_t>(index); }

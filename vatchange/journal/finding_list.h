@@ -25,6 +25,13 @@ class FindingList {
             m_verification.findings.push_back(std::move(finding));
     }
 
+    /// Hands on what a rule leaves behind, if somebody asked for it.
+    template <typename Make>
+    void tellRule(Make&& make) const {
+        if (m_options.see && m_options.seeRules)
+            m_options.see(make());
+    }
+
   private:
     Verification& m_verification;
     const VerifyOptions& m_options;

@@ -192,6 +192,7 @@ Finding JournalCheck::finding(Table& table, const JournalEntry& entry, const Fie
     Finding finding;
     const data::RecordLayout& layout = table.file->layout();
     finding.table = layout.tableName();
+    finding.record = entry.record;
     finding.key = data::keyText(layout, table.file->keys(), entry);
     if (field == nullptr)
         return finding;

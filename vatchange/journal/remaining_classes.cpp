@@ -46,18 +46,22 @@ class TableCount {
              const TFieldCacheItem& field) {
         ++m_counts[static_cast<size_t>(reason)];
         // what a rule leaves is counted only; what somebody has set back is told field by field
-        if (reason != LeftReason::PassedOver && reason != LeftReason::NotFinished &&
-            reason != LeftReason::StepFailed && reason != LeftReason::Unknown)
-            return;
-        m_findings.add(FindingKind::LeftBehind, [&] {
+        const bool byRule = reason != LeftReason::PassedOver && reason != LeftReason::NotFinished &&
+                            reason != LeftReason::StepFailed && reason != LeftReason::Unknown;
+        const auto found = [&] {
             Finding finding;
             finding.reason = reason;
             finding.table = m_file->layout().tableName();
+            finding.record = id;
             finding.key = recordKeyText(*m_file, record, id);
             finding.field = field.name;
             finding.present = textOf(field, record);
             return finding;
-        });
+        };
+        if (byRule)
+            m_findings.tellRule(found);
+        else
+            m_findings.add(FindingKind::LeftBehind, found);
     }
 
     /// Why a record was left that the definition converts.

@@ -43,6 +43,7 @@ struct Finding {
     LeftReason reason = LeftReason::Unknown;      ///< of LeftBehind
     UnchangedCause cause = UnchangedCause::None;  ///< of PriceUnchanged
     QString table;
+    data::RecordId record = 0;
     QString key;          ///< the fields of key 0, joined by a blank
     QString field;        ///< as the catalogue writes it; empty for a whole record
     QString before;       ///< before the run; empty for a whole record
@@ -97,6 +98,8 @@ struct Verification {
 struct VerifyOptions {
     int listed = 20;  ///< at most this many findings of a kind are kept
     std::function<void(const Finding&)> see = {};  ///< gets all findings
+    /// `see` also gets, as LeftBehind, what a rule leaves and is otherwise only counted.
+    bool seeRules = false;
 };
 
 /// Holds a run's journal against the database's records, which are read in storage order or by

@@ -7,7 +7,7 @@
 #include <vector>
 
 /// Comma-separated values by RFC 4180, in UTF-8: the import and export format of the tables.
-namespace tools {
+namespace platform {
 
 /// Malformed CSV, or a device that cannot be read or written.
 class CsvError : public std::runtime_error {
@@ -82,4 +82,4 @@ class CsvWriter {
 /// Strict UTF-8. @return false if invalid; `text` is then undefined.
 bool decodeUtf8(QByteArrayView bytes, QString& text);
 
-}  // namespace tools
+}  // namespace platform

@@ -1,9 +1,9 @@
-#include "tools/zavdb/csv.h"
+#include "platform/csv.h"
 
 #include <QStringDecoder>
 #include <algorithm>
 
-namespace tools {
+namespace platform {
 
 namespace {
 
@@ -170,4 +170,4 @@ bool decodeUtf8(QByteArrayView bytes, QString& text) {
     return !decoder.hasError();
 }
 
-}  // namespace tools
+}  // namespace platform
