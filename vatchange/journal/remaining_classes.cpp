@@ -64,6 +64,8 @@ class TableCount {
             m_findings.add(FindingKind::LeftBehind, found);
     }
 
+    void tick() { m_findings.tick(); }
+
     /// Why a record was left that the definition converts.
     LeftReason reasonOf(data::RecordId id) const {
         if (isInSet(m_run.undone, m_table, id))
@@ -98,6 +100,7 @@ void countProducts(TableCount& count, const RunKnowledge& run) {
         return;  // the run itself has told it
     const ProductSelection selection(run.definition);
     visitAll(*count.file(), [&](data::RecordId id, const QByteArray& record) {
+        count.tick();
         SelectionFields product;
         product.salesClass = integerOf(*classes[0], bytesOf(record));
         product.secondClass = integerOf(*classes[1], bytesOf(record));
@@ -134,6 +137,7 @@ void countGroups(TableCount& count, const RunKnowledge& run) {
             classes.push_back(field);
     }
     visitAll(*count.file(), [&](data::RecordId id, const QByteArray& record) {
+        count.tick();
         for (const TFieldCacheItem* field : classes) {
             if (integerOf(*field, bytesOf(record)) != run.definition.sourceClass)
                 continue;
@@ -206,6 +210,7 @@ void countRows(TableCount& count, const RowFields& fields, const OpenOrders& ord
         return;
     const qint64 source = run.definition.sourceClass;
     visitAll(*count.file(), [&](data::RecordId id, const QByteArray& record) {
+        count.tick();
         const uchar* bytes = bytesOf(record);
         const bool first = integerOf(*fields.vatClass, bytes) == source;
         if (!first && (!fields.second || integerOf(*fields.second, bytes) != source))

@@ -78,6 +78,7 @@ struct TableRecords {
 
 struct Verification {
     qint64 run = 0;
+    bool cancelled = false;  ///< by VerifyOptions::goOn: nothing else counts then
     qint64 changes = 0;  ///< entries of the journal
     qint64 undone = 0;   ///< of them taken back
     std::vector<TableRecords> records;  ///< labels, marks and the run mark too
@@ -98,6 +99,8 @@ struct Verification {
 struct VerifyOptions {
     int listed = 20;  ///< at most this many findings of a kind are kept
     std::function<void(const Finding&)> see = {};  ///< gets all findings
+    /// Called between records, many times a second; returning false cancels.
+    std::function<bool()> goOn = {};
     /// `see` also gets, as LeftBehind, what a rule leaves and is otherwise only counted.
     bool seeRules = false;
 };
