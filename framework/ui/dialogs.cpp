@@ -54,6 +54,12 @@ QString Dialogs::saveFileName(QWidget* parent, const QString& title, const QStri
     return handler().saveFileName(parent, title, suggested, filter);
 }
 
+QString Dialogs::openFileName(QWidget* parent, const QString& title, const QString& folder,
+                              const QString& filter) {
+    const CloseDeferral deferral(parent);
+    return handler().openFileName(parent, title, folder, filter);
+}
+
 DialogHandler* Dialogs::setHandler(DialogHandler* handler) {
     DialogHandler* previous = currentHandler;
     currentHandler = handler;

@@ -22,6 +22,8 @@ class DialogHandler {
     virtual int choose(QWidget* parent, const QString& text, const QStringList& answers) = 0;
     virtual QString saveFileName(QWidget* parent, const QString& title, const QString& suggested,
                                  const QString& filter) = 0;
+    virtual QString openFileName(QWidget* parent, const QString& title, const QString& folder,
+                                 const QString& filter) = 0;
 };
 
 /// All dialogs go through this class. Texts are plain; "\r", "\n" and "\r\n" break lines.
@@ -38,6 +40,9 @@ class Dialogs {
     static int choose(QWidget* parent, const QString& text, const QStringList& answers);
     /// @return the chosen file; empty if cancelled
     static QString saveFileName(QWidget* parent, const QString& title, const QString& suggested,
+                                const QString& filter);
+    /// @return the chosen file, which exists; empty if cancelled
+    static QString openFileName(QWidget* parent, const QString& title, const QString& folder,
                                 const QString& filter);
 
     /// @return the previous handler. nullptr sets the program's own.

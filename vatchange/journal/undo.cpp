@@ -3,6 +3,7 @@
 #include <QtGlobal>
 
 #include "data/clock.h"
+#include "vatchange/journal/run_attempts.h"
 #include "vatchange/journal/run_refused.h"
 #include "vatchange/journal/run_upkeep.h"
 #include "vatchange/journal/undo_walk.h"
@@ -100,20 +101,38 @@ void endIncomplete(RunJournal& journal, UndoPorts& ports) {
     }
 }
 
+qint64 logSize(const UndoOptions& options) {
+    return options.logSize ? options.logSize() : -1;
+}
+
+void recordEnd(RunJournal& journal, const UndoOptions& options, const UndoResult& result) {
+    RunAttempt end;
+    end.ended = data::Clock::now();
+    end.logTo = logSize(options);
+    endAttempt(journal, result.run, end);
+}
+
 void recordBeginning(RunJournal& journal, const JournalRun& undone, const UndoOptions& options,
                      UndoResult& result) {
+    RunAttempt attempt;
+    attempt.started = data::Clock::now();
+    attempt.user = options.user;
+    attempt.computer = options.computer;
+    attempt.logFrom = logSize(options);
     if (result.resumed) {
         journal.resume(result.run);
+        beginAttempt(journal, result.run, attempt);
         return;
     }
     JournalRun head;
     head.kind = RunKind::Undo;
     head.definition = undone.definition;
-    head.started = data::Clock::now();
+    head.started = attempt.started;
     head.user = options.user;
     head.computer = options.computer;
     head.undoneRun = undone.number;
-    result.run = journal.begin(head, {{kUndoNote, undoNote(options.scope)}});
+    result.run = journal.begin(head, {{kUndoNote, undoNote(options.scope)},
+                                      {kAttemptsNote, attemptsNote({attempt})}});
 }
 
 /// Lets commits be flushed together: each record's change is complete on its own.
@@ -168,6 +187,7 @@ void performRecorded(data::Database& database, UndoWalk& walk, const JournalRun&
     if (!result.cancelled && result.held == 0)
         settleState(journal, undone.number);
     ports.log(ending(undone.number, result));
+    recordEnd(journal, options, result);
 }
 
 }  // namespace

@@ -70,10 +70,17 @@ struct Remainder {
     qint64 records = 0;
 };
 
+/// Records of a table that the run changed, each counted once.
+struct TableRecords {
+    QString table;
+    qint64 records = 0;
+};
+
 struct Verification {
     qint64 run = 0;
     qint64 changes = 0;  ///< entries of the journal
     qint64 undone = 0;   ///< of them taken back
+    std::vector<TableRecords> records;  ///< labels, marks and the run mark too
     std::vector<PriceSums> sums;
     std::vector<Remainder> remaining;
     std::array<qint64, kFindingKinds> counts{};  ///< of all findings
