@@ -22,6 +22,16 @@ QString valueShown(const ChangeList& list, int row, double value, const QString&
     return list.field(row).amount ? amountShown(value) : text;
 }
 
+int decimalsOf(double amount) {
+    int decimals = kLeastDecimals;
+    for (double scale = 100.0; decimals < kMostDecimals; ++decimals, scale *= 10.0) {
+        const double scaled = amount * scale;
+        if (std::fabs(scaled - std::round(scaled)) < 1e-4 + std::fabs(scaled) * 1e-7)
+            break;
+    }
+    return decimals;
+}
+
 QString signedText(double value, const QString& text) {
     return value > 0 ? u'+' + text : text;
 }
@@ -29,13 +39,11 @@ QString signedText(double value, const QString& text) {
 }  // namespace
 
 QString amountShown(double amount) {
-    int decimals = kLeastDecimals;
-    for (double scale = 100.0; decimals < kMostDecimals; ++decimals, scale *= 10.0) {
-        const double scaled = amount * scale;
-        if (std::fabs(scaled - std::round(scaled)) < 1e-4 + std::fabs(scaled) * 1e-7)
-            break;
-    }
-    return finnish().toString(amount, 'f', decimals);
+    return finnish().toString(amount, 'f', decimalsOf(amount));
+}
+
+QString plainAmount(double amount) {
+    return QString::number(amount, 'f', decimalsOf(amount)).replace(u'.', u',');
 }
 
 QString fieldTitleOf(const ChangeList& list, int row) {

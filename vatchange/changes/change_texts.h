@@ -18,5 +18,7 @@ QString findingsShown(const ChangeList& list, int row);
 
 /// A number with decimals: at least two, at most four, with the Finnish decimal comma.
 QString amountShown(double amount);
+/// The same for files: no grouping, an ASCII minus.
+QString plainAmount(double amount);
 
 }  // namespace vatchange

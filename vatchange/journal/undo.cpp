@@ -52,9 +52,11 @@ void requireNewest(RunJournal& journal, qint64 run, const data::IdSets& records)
 }
 
 void requireSelection(const UndoWalk& walk, qint64 run, const UndoScope& scope) {
-    if (scope.table.isEmpty() || !walk.nothingSelected())
+    if (scope.isWhole() || !walk.nothingSelected())
         return;
-    const QString what = scope.key.isEmpty() ? scope.table : scope.table + u' ' + scope.key;
+    QString what = scope.key.isEmpty() ? scope.table : scope.table + u' ' + scope.key;
+    if (what.isEmpty())
+        what = scope.records.begin()->first + u' ' + scope.records.begin()->second;
     throw RunRefused(QStringLiteral("Run %1 changed no record of %2.").arg(run).arg(what),
                      QStringLiteral("Ajo %1 ei muuttanut tietuetta %2.").arg(run).arg(what));
 }
@@ -69,6 +71,8 @@ QString beginning(const JournalRun& head, const UndoScope& scope) {
         text += QStringLiteral(", taulu ") + scope.table;
     if (!scope.key.isEmpty())
         text += QStringLiteral(", tietue ") + scope.key;
+    if (!scope.records.empty())
+        text += QStringLiteral(", valitut tietueet %1 kpl").arg(scope.records.size());
     return text;
 }
 
