@@ -19,6 +19,7 @@
 #include "framework/ui/window_place.h"
 #include "platform/command_line.h"
 #include "platform/end_request.h"
+#include "shell/schedule/schedule_line.h"
 #include "vatchange/journal/run_notes.h"
 
 namespace shell {
@@ -119,6 +120,8 @@ void TMainForm::readVatClasses() {
 
 void TMainForm::showCompany() {
     m_company->setText(QStringLiteral("YRITYS: ") + company::currentCompany().name);
+    if (!BatchMode)
+        m_scheduleLine->refresh();
 }
 
 company::BatchList TMainForm::batchList() const {
@@ -250,8 +253,25 @@ void TMainForm::TalletaClick() {
                       company::batchListToRead());
         return;
     }
-    framework::reportErrors(
-        this, [this] { company::writeBatchList(company::AlvMuutosIniName(), batchList()); });
+    framework::reportErrors(this, [this] {
+        const company::BatchList list = batchList();
+        const framework::DefinitionStore definitions;
+        QStringList unknown;
+        for (const QString& name : list)
+            if (!name.isEmpty() && !definitions.has(TAlvMuutosLomake::kFormName, name))
+                unknown.append(QStringLiteral("\"%1\"").arg(name));
+        if (!unknown.isEmpty() &&
+            !framework::Dialogs::ask(
+                this,
+                QStringLiteral("Määrittelyä ei ole: %1. Eräajo, jonka luettelossa on tällainen "
+                               "nimi, ei aja mitään.\rTalletetaanko luettelo silti?")
+                    .arg(unknown.join(QStringLiteral(", ")))))
+            return;
+        const QString fileName = company::AlvMuutosIniName();
+        company::writeBatchList(fileName, list);
+        showFeedback(QStringLiteral("Eräajon luettelo talletettiin: ") +
+                     QDir::toNativeSeparators(fileName));
+    });
 }
 
 void TMainForm::Button1Click() {
