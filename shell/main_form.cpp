@@ -2,10 +2,9 @@
 
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QFileInfo>
+#include <QDir>
 #include <QTextStream>
 #include <QTimer>
-#include <QUrl>
 
 #include "company/company.h"
 #include "company/connection_module.h"
@@ -15,10 +14,10 @@
 #include "framework/core/definition_store.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/dialogs.h"
-#include "framework/ui/mail.h"
 #include "framework/ui/window_place.h"
 #include "platform/command_line.h"
 #include "platform/end_request.h"
+#include "shell/log/log_window.h"
 #include "shell/schedule/schedule_line.h"
 #include "vatchange/journal/run_notes.h"
 
@@ -238,11 +237,12 @@ void TMainForm::runBatchAndLeave() {
 }
 
 void TMainForm::BtnLogClick() {
-    // The desktop reports a missing log.
-    const QString fileName = company::AlvMuutosLogName();
-    if (!framework::Desktop::instance().open(
-            QUrl::fromLocalFile(QFileInfo(fileName).absoluteFilePath())))
-        framework::Dialogs::error(this, QStringLiteral("Lokia ei voitu avata: ") + fileName);
+    if (m_logWindow == nullptr)
+        m_logWindow = std::make_unique<LogWindow>();
+    m_logWindow->reload();
+    m_logWindow->show();
+    m_logWindow->raise();
+    m_logWindow->activateWindow();
 }
 
 void TMainForm::TalletaClick() {
@@ -300,6 +300,7 @@ void TMainForm::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    m_logWindow.reset();
     QWidget::closeEvent(event);
     QCoreApplication::exit(static_cast<int>(m_exitStatus));
 }

@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QWidget>
 #include <array>
+#include <memory>
 
 #include "company/batch_list.h"
 #include "shell/batch.h"
@@ -14,6 +15,7 @@
 
 namespace shell {
 
+class LogWindow;
 class ScheduleLine;
 
 /// The main window: VAT classes, batch list, and buttons for the change form, the change log and
@@ -80,6 +82,7 @@ class TMainForm : public QWidget {
     QPushButton* m_companies = nullptr;
     ScheduleLine* m_scheduleLine = nullptr;
     QLabel* m_feedback = nullptr;
+    std::unique_ptr<LogWindow> m_logWindow;  ///< no child: it stays usable during a run
     QPointer<vatchange::TAlvMuutosLomake> m_changeForm;
     QStringList m_problems;   ///< what alusta() could not read
     BatchSource m_batch;      ///< the list as alusta() found it
