@@ -60,6 +60,11 @@ QString Dialogs::openFileName(QWidget* parent, const QString& title, const QStri
     return handler().openFileName(parent, title, folder, filter);
 }
 
+QString Dialogs::folder(QWidget* parent, const QString& title, const QString& start) {
+    const CloseDeferral deferral(parent);
+    return handler().folder(parent, title, start);
+}
+
 DialogHandler* Dialogs::setHandler(DialogHandler* handler) {
     DialogHandler* previous = currentHandler;
     currentHandler = handler;

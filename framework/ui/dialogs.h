@@ -24,6 +24,7 @@ class DialogHandler {
                                  const QString& filter) = 0;
     virtual QString openFileName(QWidget* parent, const QString& title, const QString& folder,
                                  const QString& filter) = 0;
+    virtual QString folder(QWidget* parent, const QString& title, const QString& start) = 0;
 };
 
 /// All dialogs go through this class. Texts are plain; "\r", "\n" and "\r\n" break lines.
@@ -44,6 +45,8 @@ class Dialogs {
     /// @return the chosen file, which exists; empty if cancelled
     static QString openFileName(QWidget* parent, const QString& title, const QString& folder,
                                 const QString& filter);
+    /// @return the chosen folder; empty if cancelled
+    static QString folder(QWidget* parent, const QString& title, const QString& start);
 
     /// @return the previous handler. nullptr sets the program's own.
     static DialogHandler* setHandler(DialogHandler* handler);

@@ -106,4 +106,10 @@ QString ProgramDialogs::openFileName(QWidget* parent, const QString& dialogTitle
     return QFileDialog::getOpenFileName(parent, dialogTitle, folder, filter);
 }
 
+QString ProgramDialogs::folder(QWidget* parent, const QString& dialogTitle, const QString& start) {
+    if (!isInteractive())
+        return {};
+    return QFileDialog::getExistingDirectory(parent, dialogTitle, start);
+}
+
 }  // namespace framework

@@ -15,6 +15,7 @@ class ProgramDialogs : public DialogHandler {
                          const QString& filter) override;
     QString openFileName(QWidget* parent, const QString& title, const QString& folder,
                          const QString& filter) override;
+    QString folder(QWidget* parent, const QString& title, const QString& start) override;
 };
 
 }  // namespace framework

@@ -55,6 +55,7 @@ class ScriptedDialogs : public framework::DialogHandler {
     QString openFileName(QWidget*, const QString&, const QString&, const QString&) override {
         return next({}).fileName;
     }
+    QString folder(QWidget*, const QString&, const QString&) override { return next({}).fileName; }
 
   private:
     struct Expected {
