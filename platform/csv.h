@@ -65,7 +65,8 @@ class CsvReader {
 /// Writes records with CR LF; quotes only where necessary.
 class CsvWriter {
   public:
-    explicit CsvWriter(QIODevice& device);
+    /// `separator`: ASCII.
+    explicit CsvWriter(QIODevice& device, char separator = ',');
 
     void add(const QString& text);
     void endRecord();
@@ -74,6 +75,7 @@ class CsvWriter {
 
   private:
     QIODevice& m_device;
+    const char m_separator;
     QByteArray m_output;
     qsizetype m_recordStart = 0;
     int m_fields = 0;

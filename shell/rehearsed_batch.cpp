@@ -3,8 +3,10 @@
 #include <QTextStream>
 #include <algorithm>
 
+#include "company/logs.h"
 #include "data/error.h"
 #include "platform/end_request.h"
+#include "vatchange/report/run_report.h"
 
 namespace shell {
 
@@ -55,6 +57,8 @@ std::unique_ptr<RehearsedBatch> RehearsedBatch::begin(ExitStatus& status) {
 
 void RehearsedBatch::adapt(BatchPorts& ports) {
     ports.generalLog = [](const QString&) {};
+    ports.backup = [](const QString&) { return QString(); };
+    ports.report = [](const std::vector<qint64>&, const QStringList&) { return QString(); };
     ports.otherRunGoesOn = [this] { return m_companyIsBusy; };
     ports.changeLog = [log = ports.changeLog](const QString& line) {
         log(line);
@@ -63,8 +67,10 @@ void RehearsedBatch::adapt(BatchPorts& ports) {
     };
     ports.run = [this, run = ports.run](const vatchange::RunOptions& options) {
         vatchange::RunResult result = run(options);
-        if (!result.refusal.isEmpty())
+        if (!result.refusal.isEmpty()) {
             tell(result.refusal);
+            m_refusals += result.refusal;
+        }
         if (result.run != 0 && std::find(m_runs.begin(), m_runs.end(), result.run) == m_runs.end())
             m_runs.push_back(result.run);
         return result;
@@ -75,6 +81,7 @@ bool RehearsedBatch::finish() {
     try {
         if (m_rehearsal->holdsResults(m_runs)) {
             m_rehearsal->writeResults(m_runs);
+            writeReport();
             tell(QStringLiteral("Koeajon tulokset: ") + m_rehearsal->folder());
         }
         return true;
@@ -82,6 +89,18 @@ bool RehearsedBatch::finish() {
         tell(QStringLiteral("Koeajon tuloksia ei voi tallettaa: ") + data::errorText(error));
         return false;
     }
+}
+
+void RehearsedBatch::writeReport() {
+    if (m_runs.empty())
+        return;
+    vatchange::ReportContext context;
+    context.company = company::currentCompany().name;
+    context.logName = company::AlvMuutosLogName();
+    context.title = vatchange::rehearsalTitle(m_rehearsal->database(), m_runs);
+    context.notes = QStringList(vatchange::kRehearsalNote) + m_refusals;
+    vatchange::writeRunReport(m_rehearsal->database(), m_runs, context,
+                              m_rehearsal->file(vatchange::Rehearsal::kReportFile));
 }
 
 }  // namespace shell

@@ -26,9 +26,11 @@ class RehearsedBatch {
 
   private:
     RehearsedBatch() = default;
+    void writeReport();
 
     bool m_companyIsBusy = false;
     std::vector<qint64> m_runs;
+    QStringList m_refusals;
     std::unique_ptr<vatchange::Rehearsal> m_rehearsal;
 };
 

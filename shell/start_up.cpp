@@ -10,6 +10,7 @@
 #include "company/company.h"
 #include "company/connection_module.h"
 #include "company/logs.h"
+#include "company/registration.h"
 #include "data/error.h"
 #include "framework/ui/company_choice.h"
 #include "framework/ui/dialogs.h"
@@ -24,6 +25,8 @@
 #include "shell/main_form.h"
 #include "shell/program_title.h"
 #include "shell/rehearsed_batch.h"
+#include "shell/schedule/schedule_note.h"
+#include "shell/schedule/scheduled_start.h"
 
 namespace shell {
 
@@ -70,10 +73,13 @@ int fail(ExitStatus status, const QString& text) {
 QStringList unknownSwitches() {
     static constexpr std::array kKnown = {"/E",          "/KOEAJO",        "/U",          "/EP",
                                           "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
+    const bool unattended = platform::hasSwitch(QStringLiteral("/E"));
     QStringList unknown;
     for (const QString& parameter : platform::parameters()) {
         const bool isSwitch =
             parameter.startsWith(QLatin1Char('/')) || parameter.startsWith(QLatin1Char('-'));
+        if (unattended && scheduledMoment(parameter).isValid())
+            continue;
         if (isSwitch && std::none_of(kKnown.begin(), kKnown.end(), [&](const char* known) {
                 return platform::sameSwitch(parameter, QLatin1String(known));
             }))
@@ -111,13 +117,20 @@ enum class Choice { Made, Cancelled, Impossible };
 
 Choice chooseCompany() {
     framework::TYritysValinta choice;
-    if (choice.OnParametrina())
+    const bool interactive = !platform::hasSwitch(QStringLiteral("/E"));
+    if (choice.OnParametrina()) {
+        if (interactive)
+            company::rememberUse(company::currentCompany().name);
         return Choice::Made;
-    if (platform::hasSwitch(QStringLiteral("/E"))) {
+    }
+    if (!interactive) {
         company::aliasNames();  // throws if the list is not to be read: the company may be there
         return Choice::Impossible;
     }
-    return choice.exec() == QDialog::Accepted ? Choice::Made : Choice::Cancelled;
+    if (choice.exec() != QDialog::Accepted)
+        return Choice::Cancelled;
+    company::rememberUse(company::currentCompany().name);
+    return Choice::Made;
 }
 
 }  // namespace
@@ -164,7 +177,9 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
 #endif
 }
 
-int runProgram(QApplication& application) {
+namespace {
+
+int start(QApplication& application, ScheduledStart& scheduled) {
     const bool batch = platform::hasSwitch(QStringLiteral("/E"));
     if (batch) {
         platform::watchEndRequests();
@@ -219,6 +234,12 @@ int runProgram(QApplication& application) {
         return refuse(ExitStatus::Unavailable, data::errorText(e));
     }
     splash->repaint();
+    if (const QString refusal = scheduled.refusal(); !refusal.isEmpty()) {
+        // a rehearsal leaves nothing in the company's logs
+        if (!rehearsed)
+            company::writeGeneralLog(refusal);
+        return fail(ExitStatus::Failed, refusal);
+    }
 
     vatchange::removeAbandonedCopies();
     std::unique_ptr<RehearsedBatch> rehearsal;
@@ -249,6 +270,15 @@ int runProgram(QApplication& application) {
     mainForm.showCompany();
     mainForm.show();
     return application.exec();
+}
+
+}  // namespace
+
+int runProgram(QApplication& application) {
+    ScheduledStart scheduled(wantedCompany());
+    const int status = start(application, scheduled);
+    scheduled.ended(status);
+    return status;
 }
 
 }  // namespace shell

@@ -43,6 +43,17 @@ void requireOneName(const QString& fileName) {
             QStringLiteral("Poista muut nimet tai korvaa ne symbolisilla linkeillä."));
 }
 
+// A backup may have been restored between opening the file and its first lock.
+void requireSameFile(sqlite3* db, const QString& fileName) {
+    int moved = 0;
+    sqlite3_file_control(db, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+    if (moved != 0)
+        throw DataError(ErrorKind::Locked, fileName,
+                        QStringLiteral("the database is being replaced; try again"))
+            .inFinnish(QStringLiteral("tietokanta vaihdettiin juuri toiseen"),
+                       QStringLiteral("Yritä uudestaan."));
+}
+
 bool isInternalName(const char* name) {
     return name != nullptr &&
            (sqlite3_strnicmp(name, "rec_", 4) == 0 || sqlite3_strnicmp(name, "sqlite_", 7) == 0 ||
@@ -96,6 +107,7 @@ Connection::Connection(const QString& fileName, Schema schema) : m_fileName(file
         m_db, m_fileName, "PRAGMA user_version = " + QByteArray::number(kFormatVersion),
         [this] { return m_locks->runGoesOn(); });
     configure();
+    requireSameFile(m_db, fileName);
 }
 
 Connection::Connection(sqlite3* host)

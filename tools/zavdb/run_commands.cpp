@@ -1,4 +1,5 @@
 #include <QFile>
+#include <QFileInfo>
 #include <cstdio>
 
 #include "company/company.h"
@@ -150,6 +151,7 @@ vatchange::UndoOptions undoOptions(const Arguments& arguments) {
     options.dryRun = arguments.has(kDryRun);
     options.user = company::userName();
     options.computer = company::computerName();
+    options.logSize = [] { return QFileInfo(company::AlvMuutosLogName()).size(); };
     return options;
 }
 

@@ -7,9 +7,9 @@
 #include "platform/command_line.h"
 #include "platform/end_request.h"
 #include "vatchange/form/change_form.h"
-#include "vatchange/form/run_report.h"
 #include "vatchange/form/unfinished_question.h"
 #include "vatchange/rehearsal/comparison.h"
+#include "vatchange/report/change_report.h"
 
 namespace vatchange {
 

@@ -20,7 +20,7 @@ const QString kFirst = QStringLiteral("first");
 void storeComparison(data::RunJournal& journal, qint64 run, const RehearsalComparison& comparison) {
     QCborArray first;
     for (const RehearsalDifference& one : comparison.first)
-        first.append(QCborArray{static_cast<int>(one.kind), one.table, one.key, one.field,
+        first.append(QCborArray{static_cast<int>(one.kind), one.table, one.record, one.key, one.field,
                                 one.rehearsedBefore, one.rehearsedAfter, one.before, one.after});
     journal.setNote(run, kNote,
                     QCborMap{{kRehearsal, comparison.rehearsal},
@@ -45,10 +45,11 @@ std::optional<RehearsalComparison> storedComparison(data::RunJournal& journal, q
     const QCborArray first = map[kFirst].toArray();
     for (const QCborValue& value : first) {
         const QCborArray one = value.toArray();
-        comparison.first.push_back(
-            {static_cast<RehearsalDifference::Kind>(one.at(0).toInteger()), one.at(1).toString(),
-             one.at(2).toString(), one.at(3).toString(), one.at(4).toString(), one.at(5).toString(),
-             one.at(6).toString(), one.at(7).toString()});
+        comparison.first.push_back({static_cast<RehearsalDifference::Kind>(one.at(0).toInteger()),
+                                    one.at(1).toString(), one.at(2).toInteger(),
+                                    one.at(3).toString(), one.at(4).toString(),
+                                    one.at(5).toString(), one.at(6).toString(),
+                                    one.at(7).toString(), one.at(8).toString()});
     }
     return comparison;
 }

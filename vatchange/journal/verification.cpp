@@ -33,6 +33,7 @@ void addRehearsal(data::RunJournal& journal, qint64 run, Verification& verificat
         findings.add(FindingKind::OtherThanRehearsed, [&one] {
             Finding finding;
             finding.table = one.table;
+            finding.record = one.record;
             finding.key = one.key;
             finding.field = one.field;
             finding.before = one.before;
@@ -75,13 +76,17 @@ Verification verifyRun(data::Database& database, qint64 run, const VerifyOptions
     verification.run = run;
     FindingList findings(verification, options);
     const std::optional<ChangeDefinition> definition = definitionOfRun(*journal, run);
-    JournalCheck check(database, *journal, run, definition, verification, findings);
-    check.run();
-    addRehearsal(*journal, run, verification, findings);
-    if (definition) {
-        const std::optional<RunOutcome> outcome = outcomeOfRun(*journal, run);
-        countRemaining(database, {*definition, outcome, check.converted(), check.undone()},
-                       verification, findings);
+    try {
+        JournalCheck check(database, *journal, run, definition, verification, findings);
+        check.run();
+        addRehearsal(*journal, run, verification, findings);
+        if (definition) {
+            const std::optional<RunOutcome> outcome = outcomeOfRun(*journal, run);
+            countRemaining(database, {*definition, outcome, check.converted(), check.undone()},
+                           verification, findings);
+        }
+    } catch (const FindingList::Cancelled&) {
+        verification.cancelled = true;
     }
     return verification;
 }

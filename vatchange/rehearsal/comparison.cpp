@@ -70,27 +70,32 @@ class RehearsedLines {
 /// are few of them unless much is different.
 class OpenLines {
   public:
+    struct Open {
+        int count = 0;              ///< above 0: rehearsed, below: made
+        data::RecordId record = 0;  ///< of one that was made
+    };
     /// `side`: 1 rehearsed, -1 made.
     void add(const ChangeLine& line, int side) {
         const QString text = lineText(line);
-        const auto open = m_lines.find(text);
-        if (open == m_lines.end()) {
-            m_lines.insert(text, side);
-        } else if (*open += side; *open == 0) {
-            m_lines.erase(open);
+        Open& open = m_lines[text];
+        if (open.count * side < 0)
             ++m_matched;
-        } else if ((*open > 0) != (side > 0)) {
-            ++m_matched;
-        }
+        open.count += side;
+        if (line.record != 0)
+            open.record = line.record;
+        if (open.count == 0)
+            m_lines.remove(text);
     }
     bool tooMany() const { return m_lines.size() > kMaxOpen; }
     qint64 matched() const { return m_matched; }
-    const QHash<QString, int>& lines() const { return m_lines; }
+    const QHash<QString, Open>& lines() const { return m_lines; }
 
   private:
-    QHash<QString, int> m_lines;
+    QHash<QString, Open> m_lines;
     qint64 m_matched = 0;
 };
+
+constexpr double kNearly = 1.000001;  // doubles are not exact
 
 /// How far prices may differ that SQL rounds: one rounding step.
 double roundingStep(const ChangeDefinition& definition) {
@@ -101,19 +106,21 @@ double roundingStep(const ChangeDefinition& definition) {
 /// Differences by table, key and field; where several rows share a key, those of one side are
 /// paired with those of the other as they come.
 class DifferenceList {
+    struct Line;
+
   public:
-    DifferenceList(const OpenLines& open, std::optional<double> storeTolerance) {
+    DifferenceList(const OpenLines& lines, std::optional<double> storeTolerance) {
         struct Sides {
-            QList<QStringList> rehearsed;
-            QList<QStringList> made;
+            QList<Line> rehearsed;
+            QList<Line> made;
         };
         QMap<QString, Sides> places;
-        for (auto line = open.lines().begin(); line != open.lines().end(); ++line) {
-            const QStringList parts = line.key().split(kBetween);
-            Sides& sides =
-                places[parts[kTable] + kBetween + parts[kKey] + kBetween + parts[kField]];
-            for (int i = 0; i < std::abs(*line); ++i)
-                (*line > 0 ? sides.rehearsed : sides.made).append(parts);
+        for (auto open = lines.lines().begin(); open != lines.lines().end(); ++open) {
+            const Line line{open.key().split(kBetween), open->record};
+            Sides& sides = places[line.parts[kTable] + kBetween + line.parts[kKey] + kBetween +
+                                  line.parts[kField]];
+            for (int i = 0; i < std::abs(open->count); ++i)
+                (open->count > 0 ? sides.rehearsed : sides.made).append(line);
         }
         for (Sides& sides : places) {
             std::sort(sides.rehearsed.begin(), sides.rehearsed.end());
@@ -128,25 +135,34 @@ class DifferenceList {
     qint64 alike = 0;  ///< within the tolerance
 
   private:
-    void add(const QStringList& rehearsed, const QStringList& made,
-             std::optional<double> storeTolerance) {
+    /// A line by its parts; without any on a side that has none.
+    struct Line {
+        QStringList parts;
+        data::RecordId record = 0;
+        bool operator<(const Line& other) const { return parts < other.parts; }
+    };
+
+    void add(const Line& rehearsed, const Line& made, std::optional<double> storeTolerance) {
         using Kind = RehearsalDifference::Kind;
-        if (storeTolerance && !rehearsed.isEmpty() && !made.isEmpty() &&
-            same(made[kTable], "MYYMALAHINNAT") && made[kBefore] == rehearsed[kBefore] &&
-            std::abs(made[kAfter].toDouble() - rehearsed[kAfter].toDouble()) <=
-                *storeTolerance * 1.000001) {
+        const QStringList& before = rehearsed.parts;
+        const QStringList& now = made.parts;
+        if (storeTolerance && !before.isEmpty() && !now.isEmpty() &&
+            same(now[kTable], "MYYMALAHINNAT") && now[kBefore] == before[kBefore] &&
+            std::abs(now[kAfter].toDouble() - before[kAfter].toDouble()) <=
+                *storeTolerance * kNearly) {
             ++alike;
             return;
         }
         ++count;
         if (first.size() == RehearsalComparison::kKept)
             return;
-        const QStringList& place = made.isEmpty() ? rehearsed : made;
-        first.push_back({made.isEmpty()        ? Kind::OnlyRehearsed
-                         : rehearsed.isEmpty() ? Kind::OnlyMade
-                                               : Kind::Otherwise,
-                         place[kTable], place[kKey], place[kField], rehearsed.value(kBefore),
-                         rehearsed.value(kAfter), made.value(kBefore), made.value(kAfter)});
+        const QStringList& place = now.isEmpty() ? before : now;
+        const Kind kind = now.isEmpty()      ? Kind::OnlyRehearsed
+                          : before.isEmpty() ? Kind::OnlyMade
+                                             : Kind::Otherwise;
+        first.push_back({kind, place[kTable], made.record, place[kKey], place[kField],
+                         before.value(kBefore), before.value(kAfter), now.value(kBefore),
+                         now.value(kAfter)});
     }
 };
 

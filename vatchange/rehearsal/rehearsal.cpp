@@ -175,6 +175,18 @@ void Rehearsal::writeResults(const std::vector<qint64>& runs) {
     writeDescription(m_folder, rehearsed);
 }
 
+QString rehearsalTitle(data::Database& copy, const std::vector<qint64>& runs) {
+    QStringList names;
+    for (const qint64 number : runs) {
+        const std::optional<data::JournalRun> run = copy.journal()->run(number);
+        if (run && !run->definition.isEmpty())
+            names += run->definition;
+    }
+    const QString title = QStringLiteral("Koeajo");
+    return names.isEmpty() ? title
+                           : title + QStringLiteral(": ") + names.join(QStringLiteral(", "));
+}
+
 void removeAbandonedCopies() {
     data::removeAbandonedWorkFolders(rehearsalsFolder());
 }

@@ -73,6 +73,11 @@ class Rehearsal {
     std::unique_ptr<company::CompanySubstitution> m_inUse;
 };
 
+/// Title and first words of a rehearsal's report and windows: "Koeajo: Alv 24 - 25,5".
+QString rehearsalTitle(data::Database& copy, const std::vector<qint64>& runs);
+inline const QString kRehearsalNote =
+    QStringLiteral("Koeajo yrityksen kopiolla: yrityksen tiedot eivät muuttuneet.");
+
 /// Removes copies that rehearsals of the current company left when their processes died. Those that
 /// are going on are not touched.
 void removeAbandonedCopies();
