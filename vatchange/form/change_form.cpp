@@ -153,6 +153,15 @@ std::optional<double> TAlvMuutosLomake::ratePercent(int vatClass) const {
     return query.fieldByName(QStringLiteral("Prosentti")).asFloat();
 }
 
+// "1 (24%)"
+QString TAlvMuutosLomake::classText(int vatClass) const {
+    if (vatClass == 0)
+        return QStringLiteral("0 (veroluokattomat)");
+    const auto rate = ratePercent(vatClass);
+    return QStringLiteral("%1 (%2)").arg(QString::number(vatClass),
+                                         rate ? ratePattern(*rate) : QStringLiteral("ei löydy"));
+}
+
 void TAlvMuutosLomake::showRate(QLabel* label, int vatClass) const {
     label->clear();
     if (vatClass == 0)
@@ -359,7 +368,8 @@ void TAlvMuutosLomake::NaytaViesti(const QString& text) {
 }
 
 void TAlvMuutosLomake::closeEvent(QCloseEvent* event) {
-    if (m_running && !confirmClosing()) {
+    m_exits.dropExits();  // a text that is left behind is no reason for a warning
+    if ((m_running && !confirmClosing()) || !mayLoseChanges()) {
         event->ignore();
         return;
     }

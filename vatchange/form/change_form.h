@@ -34,7 +34,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     /// Set in a batch: messages go to the change log only.
     bool Unattended = false;
     /// True if Unattended is set, the program was started with "/E", or no one can see a window.
-    bool unattended() const;
+    bool unattended() const override;
 
     /// The definition in the controls.
     ChangeDefinition definitionFromForm() const;
@@ -81,12 +81,12 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void connectControls();
     void connectSearch(QPushButton* button, SearchKind kind, QLineEdit* target);
     void fitToScreen();
-    void leaveByKey();
 
     void refreshClassLabels();
     void refreshRestrictionBoxes();
     std::optional<double> ratePercent(int vatClass) const;
     void showRate(QLabel* label, int vatClass) const;
+    QString classText(int vatClass) const;
     void validateSource(int tag);
     void SailytaAlv0_CheckBox1Click(int tag, bool checked);
     std::optional<double> coefficientOfClasses() const;
@@ -95,8 +95,11 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     QString checkDeliveryLimit();
     QString checkCoefficient(framework::DecimalEdit* edit);
     bool chooseOptions(const ChangeDefinition& definition, RunOptions& options);
+    bool agreesToRun(const LoadedDefinition& definition, RunOptions& options);
     void setRunning(bool running);
-    void showProgress(const QString& status, qint64 done, qint64 total, const QString& remaining);
+    /// `share`: 0 to 1; negative: unknown.
+    void showProgress(const QString& status, double share, const QString& step,
+                      const QString& left);
     bool confirmClosing();
 
     data::Database& m_database;

@@ -27,6 +27,8 @@ inline const QString kOtherRunText = QStringLiteral(
 struct RunOptions {
     qint64 resume = 0;  ///< number of the run to be resumed; 0: a new run
     qint64 batch = 0;   ///< number of the first run of the batch; 0: this is it, or no batch
+    /// DefinitionProblem::text() of the problems in spite of which the user has agreed to the run.
+    QStringList agreedProblems = {};
 };
 
 /// How a run of one definition ended.
