@@ -42,8 +42,9 @@ using FormExits = test::FormTest;
 TEST_F(FormExits, TabAndEnterFollowTheLayout) {
     using Keys = std::vector<Qt::Key>;
     const std::tuple<QWidget*, Keys, const char*> cases[] = {
-        {m_form->LatausCombo, Keys(14, Qt::Key_Tab),
-         "Talletus Pdf Sahkoposti AliryhmaCheckBox TuoteryhmaCheckBox PaaryhmaCheckBox "
+        {m_form->LatausCombo, Keys(15, Qt::Key_Tab),
+         "Talletus Pdf Sahkoposti ValmisMaarittely AliryhmaCheckBox TuoteryhmaCheckBox "
+         "PaaryhmaCheckBox "
          "TuotenroCheckBox AsRyhmaCheckList LahdeAlvLuokkaEdit KohdeAlvLuokkaEdit Hinta1Edit "
          "HintaLahde1 SailytaAlv0_CheckBox1 Hinta2Edit"},
         {c().leaveWebShop, Keys(3, Qt::Key_Tab), "Esikatsele Sulje LatausCombo"},
@@ -194,7 +195,7 @@ TEST_F(FormExits, AClosedFormShowsNoWarning) {
              date ? "31.2.2024" : "1,3");
         click(m_form->findChild<QWidget*>(str("Sulje")));
         EXPECT_TRUE(QTest::qWaitFor([this] { return m_form == nullptr; }));
-        EXPECT_EQ(seen, 1);  // about the unsaved text
+        EXPECT_EQ(seen, date ? 0 : 1);  // about the unsaved number; the date is none
         openForm();
     }
 }

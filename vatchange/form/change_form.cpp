@@ -29,7 +29,7 @@ QString ratePattern(double percent) {
 }  // namespace
 
 TAlvMuutosLomake::TAlvMuutosLomake(data::Database& database, QWidget* parent)
-    : TPerusForm(kFormName, parent), m_database(database) {
+    : TPerusForm(kFormName, parent), m_database(database), m_count(database) {
     setAttribute(Qt::WA_DeleteOnClose);
     buildLayout();
     readCompanyTables();
@@ -106,12 +106,17 @@ void TAlvMuutosLomake::connectControls() {
         shortcuts(m_controls.coefficient(tag), static_cast<std::size_t>(tag));
     shortcuts(m_controls.priceChangeLimit, 0);
     watchExits();
+    watchEdits();
+    connect(m_ready, &QPushButton::clicked, this, &TAlvMuutosLomake::chooseReadyDefinition);
 
     for (int tag = 1; tag <= kLastPurchaseTag; ++tag) {
         connect(m_controls.keep(tag), &QCheckBox::toggled, this, [this, tag](bool checked) {
             framework::reportErrors(this, [&] { SailytaAlv0_CheckBox1Click(tag, checked); });
+            refreshAllKept();
         });
     }
+    connect(m_controls.keepAll, &QCheckBox::clicked, this,
+            [this] { framework::reportErrors(this, [this] { keepAllClicked(); }); });
     for (int tag = 1; tag <= kPriceLevels; ++tag) {
         connect(m_controls.source(tag), &framework::LookupCombo::exited, this, [this, tag] {
             if (!m_exits.isRefusing())
@@ -164,10 +169,10 @@ QString TAlvMuutosLomake::classText(int vatClass) const {
 
 void TAlvMuutosLomake::showRate(QLabel* label, int vatClass) const {
     label->clear();
-    if (vatClass == 0)
-        return;
     const auto rate = ratePercent(vatClass);
-    label->setText(rate ? ratePattern(*rate) : QStringLiteral("Ei löydy!"));
+    if (vatClass != 0)
+        label->setText(rate ? ratePattern(*rate) : QStringLiteral("Ei löydy!"));
+    markWrong(label, vatClass != 0 && !rate);
 }
 
 void TAlvMuutosLomake::refreshClassLabels() {
@@ -190,6 +195,7 @@ void TAlvMuutosLomake::validateSource(int tag) {
     m_controls.source(tag)->setKey(level.source);
     m_controls.keep(tag)->setChecked(level.keepVat0);
     m_controls.coefficient(tag)->setValue(level.coefficient);
+    refreshAllKept();
 }
 
 void TAlvMuutosLomake::showValues(const framework::SavedDefinition& definition) {
@@ -205,6 +211,8 @@ void TAlvMuutosLomake::afterLoad() {
     m_exits.forgetAll();
     refreshRestrictionBoxes();
     refreshClassLabels();
+    refreshAllKept();
+    m_edited.start();
     const auto computed = coefficientOfClasses();
     for (int tag = 1; tag <= kLastPurchaseTag; ++tag) {
         m_computed[static_cast<std::size_t>(tag)] =
@@ -253,7 +261,7 @@ void TAlvMuutosLomake::SailytaAlv0_CheckBox1Click(int tag, bool checked) {
     }
     const auto target = ratePercent(static_cast<int>(m_controls.targetClass->value()));
     if (!target) {
-        NaytaViesti(QStringLiteral("Tarkasta kohde -alvluokka!"));
+        NaytaViesti(kCheckTargetClass);
         const QSignalBlocker blocker(m_controls.keep(tag));
         m_controls.keep(tag)->setChecked(false);
         coefficient->setValue(1.0);

@@ -189,8 +189,13 @@ bool TAlvMuutosLomake::chooseOptions(const ChangeDefinition& definition, RunOpti
 
 void TAlvMuutosLomake::setRunning(bool running) {
     m_running = running;
+    m_count.stop();  // a run changes what is counted
+    if (!running)
+        m_edited.start();
+    m_findings->setEnabled(!running);
     m_content->setEnabled(!running);
-    m_exits.dropExits();  // disabled controls lose the focus
+    m_groups.vatClasses->setEnabled(!running);  // may stand beside the content
+    m_exits.dropExits();                        // disabled controls lose the focus
     Esikatsele->setEnabled(!running);
     m_close->setEnabled(!running);
     m_interrupt->setEnabled(running);

@@ -60,7 +60,7 @@ RunQuestion::RunQuestion(QWidget* parent, data::Database& database,
     m_notesTitle->setFont(bold(m_notesTitle));
     m_notesTitle->setTextFormat(Qt::PlainText);
     m_notes = new QListWidget(this);
-    m_notes->setObjectName(QStringLiteral("Huomautukset"));
+    m_notes->setObjectName(QStringLiteral("AjonHuomautukset"));
     m_notes->setAccessibleName(QStringLiteral("Huomautukset"));
     m_notes->setWordWrap(true);
     m_notes->setSelectionMode(QAbstractItemView::NoSelection);
