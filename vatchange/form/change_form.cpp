@@ -130,6 +130,8 @@ void TAlvMuutosLomake::connectControls() {
     connectSearch(m_controls.mainGroup.search, SearchKind::MainGroup, m_controls.mainGroup.first);
     connectSearch(m_controls.productSearch, SearchKind::Product, m_controls.productFirst);
 
+    watchDrops();
+
     connect(Esikatsele, &QPushButton::clicked, this,
             [this] { framework::reportErrors(this, [this] { EsikatseleClick(); }); });
     connect(m_close, &QPushButton::clicked, this, &QWidget::close);
@@ -156,6 +158,24 @@ std::optional<double> TAlvMuutosLomake::ratePercent(int vatClass) const {
     if (query.eof())
         return std::nullopt;
     return query.fieldByName(QStringLiteral("Prosentti")).asFloat();
+}
+
+void TAlvMuutosLomake::watchDrops() {
+    const auto watch = [this](framework::NumberEdit* edit, framework::NumberEdit::DropCheck check) {
+        edit->setDropCheck(std::move(check));
+        connect(edit, &framework::NumberEdit::dropRefused, this, &TAlvMuutosLomake::showStatus);
+    };
+    const std::pair<const RestrictionControls*, SearchKind> kinds[] = {
+        {&m_controls.subGroup, SearchKind::SubGroup},
+        {&m_controls.productGroup, SearchKind::ProductGroup},
+        {&m_controls.mainGroup, SearchKind::MainGroup}};
+    for (const auto& entry : kinds) {
+        const SearchKind kind = entry.second;
+        for (framework::NumberEdit* edit : {entry.first->first, entry.first->last})
+            watch(edit, [kind](const QMimeData& dragged) { return dropRefusal(kind, dragged); });
+    }
+    for (framework::NumberEdit* edit : {m_controls.sourceClass, m_controls.targetClass})
+        watch(edit, classDropRefusal);
 }
 
 // "1 (24%)"

@@ -101,6 +101,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     std::optional<double> coefficientOfClasses() const;
     void followClasses();
     void watchExits();
+    void watchDrops();
     void chooseReadyDefinition();
     std::optional<int> classOfRate(double percent);
     void fillReady(const RateChange& change);

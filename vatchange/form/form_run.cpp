@@ -38,6 +38,7 @@ class FormRunPorts : public RunPorts {
         m_form.NaytaViesti(text);
     }
     void stepFinished(const QString& text) override {
+        m_status = text;
         m_done = m_total;
         m_estimate.progress(1, 1);
         const Waiting waiting(*this);
