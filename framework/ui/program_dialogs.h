@@ -15,6 +15,9 @@ class ProgramDialogs : public DialogHandler {
     int exec(QDialog& dialog) override;
     QString saveFileName(QWidget* parent, const QString& title, const QString& suggested,
                          const QString& filter) override;
+    QString openFileName(QWidget* parent, const QString& title, const QString& folder,
+                         const QString& filter) override;
+    QString folder(QWidget* parent, const QString& title, const QString& start) override;
 };
 
 }  // namespace framework

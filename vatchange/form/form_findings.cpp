@@ -3,7 +3,7 @@
 #include "framework/ui/dialogs.h"
 #include "vatchange/form/change_form.h"
 #include "vatchange/form/group_names.h"
-#include "vatchange/form/report_html.h"
+#include "vatchange/report/report_html.h"
 #include "vatchange/run/run_context.h"
 
 // What the form tells of a definition while it is edited.

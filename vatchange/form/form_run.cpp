@@ -8,8 +8,9 @@
 #include "platform/end_request.h"
 #include "vatchange/form/change_form.h"
 #include "vatchange/form/run_estimate.h"
-#include "vatchange/form/run_report.h"
 #include "vatchange/form/unfinished_question.h"
+#include "vatchange/rehearsal/comparison.h"
+#include "vatchange/report/change_report.h"
 
 namespace vatchange {
 
@@ -163,6 +164,7 @@ std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick(RunOptions options) {
     setRunning(true);
     try {
         FormRunPorts ports(*this);
+        options.compareWithRehearsal = compareWithRehearsal;
         m_lastRun = runWithSummary(m_database, definition, ports, options);
     } catch (...) {
         setRunning(false);

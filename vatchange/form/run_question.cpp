@@ -8,7 +8,7 @@
 
 #include "framework/ui/dialogs.h"
 #include "vatchange/form/form_controls.h"
-#include "vatchange/form/report_html.h"
+#include "vatchange/report/report_html.h"
 
 namespace vatchange {
 

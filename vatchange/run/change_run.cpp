@@ -219,6 +219,18 @@ void deferFlushes(RunContext& run, bool on) {
                               [&] { run.database.deferFlushes(on); });
 }
 
+/// A stopped run has left the journal before its verification was logged.
+void endStoppedAttempt(RunContext& run) {
+    data::RunJournal* journal = run.database.journal();
+    if (run.journal != nullptr || journal == nullptr || run.result.run == 0)
+        return;
+    try {
+        endAttempt(run, *journal);
+    } catch (const std::exception& error) {
+        run.ports.log(QStringLiteral("Virhe ajopäiväkirjan kirjoituksessa: ") + errorText(error));
+    }
+}
+
 /// Claims the company for this run. Returns the reason if impossible, else empty.
 QString claimCompany(data::Database& database) {
     try {
@@ -243,6 +255,7 @@ void releaseCompany(data::Database& database, RunPorts& ports) {
 RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports,
                     const RunOptions& options) {
     RunResult result;
+    const RunAttempt attempt = newAttempt();
     result.refusal = claimCompany(database);
     if (!result.refusal.isEmpty()) {
         result.refused = true;
@@ -253,6 +266,7 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
     ChangeDefinition definition = loaded.definition;
     dropMissingGroups(definition, facts);
     RunContext run(database, definition, ports, result);
+    run.attempt = attempt;
     if (definitionAllowsRun(run, loaded, facts, options) && checkDefinition(run) &&
         earlierRunsAllow(run, options) && enterJournal(run, loaded, options)) {
         for (const QString& note : definitionNotes(loaded, facts))
@@ -264,8 +278,10 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
             // a run that was asked to end must have ended before the verification takes its time
             if (result.cancelled)
                 leaveJournal(run);
+            compareAtEnd(run, options);
             verifyAtEnd(run);
             deferFlushes(run, false);
+            endStoppedAttempt(run);
         } catch (...) {  // of the ports
             run.leftBehind = true;
             deferFlushes(run, false);
