@@ -38,6 +38,7 @@ void verifyAtEnd(RunContext& run) {
     if (journal == nullptr || run.result.run == 0)
         return;
     try {
+        run.ports.beginStep(RunStep::Verification);
         run.ports.stepStatus(QStringLiteral("Tarkastetaan ajo"));
         run.outcome.stopped = run.result.cancelled;
         run.outcome.failures = run.result.failures;
