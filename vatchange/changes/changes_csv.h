@@ -14,6 +14,7 @@ struct ChangeLine {
     qint64 seq = 0;     ///< of the record's change, from 1
     QString operation;  ///< "update", "insert" or "delete"
     QString table;
+    data::RecordId record = 0;  ///< not in the file
     QString key;     ///< the fields of key 0, joined by a blank
     QString field;   ///< as the catalogue writes it
     QString before;  ///< as in "zavdb export"; empty for an insert
