@@ -94,7 +94,8 @@ void TAlvMuutosLomake::arrangeGroups(bool narrow) {
     setTabOrder(before, m_controls.sourceClass);
     setTabOrder(m_controls.sourceClass, m_controls.targetClass);
     setTabOrder(narrow ? static_cast<QWidget*>(m_controls.targetClass) : m_controls.leaveWebShop,
-                Esikatsele);
+                m_rehearse);
+    setTabOrder(m_rehearse, Esikatsele);
 }
 
 void TAlvMuutosLomake::resizeEvent(QResizeEvent* event) {
