@@ -92,7 +92,7 @@ TEST_F(History, ARunIsReportedUndoneAndRedone) {
     m_dialogs.expectChoice(str("Raportti on tiedostossa\n") + file, str("&Sulje"));
     press(window, "Raportti");
     EXPECT_TRUE(test::fileBytes(file).startsWith("%PDF"));
-    const auto report = runReport(m_shop.database(), {1},
+    const auto report = vatchange::runReport(m_shop.database(), {1},
                                   {str("Kauppa"), QFileInfo(company::AlvMuutosLogName()).filePath()});
     for (const char* part :
          {"Ajo 1: Koe", ">tuotteet<", ">1,20 %<", "kaikki muutokset ovat tallessa", ">3 (24%)<",
