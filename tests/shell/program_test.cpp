@@ -163,8 +163,8 @@ TEST_F(Program, ABatchMakesABackupFirstAndAReportAtItsEnd) {
     const QString list = m_folder.filePath(str("ALVMUUTOS.INI"));
     const QByteArray names = test::fileBytes(list);
     const auto withKeys = [&](const QString& report, const QString& backup) {
-        test::writeFile(list, names + "raportti=" + report.toUtf8() + "\nvarmuuskopio=" +
-                                  backup.toUtf8() + "\nvieras=1\n");
+        test::writeFile(list, names + "raportti=" + report.toUtf8() +
+                                  "\nvarmuuskopio=" + backup.toUtf8() + "\nvieras=1\n");
     };
     const std::pair<QString, int> refused[] = {{str("/ei/ole"), 1}, {str("suhteellinen"), 2}};
     for (const auto& [folder, status] : refused) {
@@ -174,8 +174,9 @@ TEST_F(Program, ABatchMakesABackupFirstAndAReportAtItsEnd) {
         EXPECT_TRUE(m_shop.database().journal()->runs().empty());
     }
     EXPECT_EQ(m_shop.logMessages(),
-              QStringList{str("Virhe: eräajoa ei tehdä, koska varmuuskopio ei onnistunut: /ei/ole: "
-                              "kansiota ei ole.")});
+              QStringList{str("Virhe: eräajoa ei tehdä, koska varmuuskopio ei onnistunut: Luku tai "
+                              "kirjoitus epäonnistui: /ei/ole: kansiota ei ole. Tarkista levy ja "
+                              "verkkoyhteys.")});
     QTemporaryDir backups;
     withKeys(str("kyllä"), backups.path());
     EXPECT_EQ(runBatch(), 2);
@@ -207,8 +208,8 @@ TEST_F(Program, ABatchMakesABackupFirstAndAReportAtItsEnd) {
 }
 
 TEST_F(Program, ARestoredBackupReplacesOnlyACompanyThatNobodyUses) {
-    const QString zavdb = QFileInfo(QCoreApplication::applicationFilePath()).dir().filePath(
-        str("zavdb"));
+    const QString zavdb =
+        QFileInfo(QCoreApplication::applicationFilePath()).dir().filePath(str("zavdb"));
     const auto call = [&](const QStringList& parameters) {
         QProcess tool;
         tool.start(zavdb, parameters);

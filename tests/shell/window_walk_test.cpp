@@ -67,7 +67,8 @@ const Case kWindows[] = {
      [](const test::ShopCompany& shop, TAlvMuutosLomake&) -> Window {
          return std::make_unique<vatchange::HistoryWindow>(shop.database(), nullptr);
      }},
-    {"work", [](const test::ShopCompany&, TAlvMuutosLomake&) -> Window {
+    {"work",
+     [](const test::ShopCompany&, TAlvMuutosLomake&) -> Window {
          return std::make_unique<framework::WorkDialog>(nullptr, QStringLiteral("Varmuuskopio"));
      }},
     {"help",

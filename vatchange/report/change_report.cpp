@@ -25,10 +25,10 @@ void runPart(ReportHtml& html, const RunSummary& run) {
     html.section(QStringLiteral("Viimeisin ajo"), ReportHtml::Page::New);
     html.row(QStringLiteral("Määrittely"), nameOrUnsaved(run.definitionName));
     html.row(QStringLiteral("Alkoi"), momentText(run.started));
-    html.row(QStringLiteral("Päättyi"),
-             QStringLiteral("%1 (kesto %2)")
-                 .arg(momentText(run.ended),
-                      framework::durationText(run.started.secsTo(run.ended))));
+    html.row(
+        QStringLiteral("Päättyi"),
+        QStringLiteral("%1 (kesto %2)")
+            .arg(momentText(run.ended), framework::durationText(run.started.secsTo(run.ended))));
     html.row(QStringLiteral("Tulos"), outcomeText(run.result));
     if (run.result.refused)
         html.row(QStringLiteral("Syy"), run.result.refusal);

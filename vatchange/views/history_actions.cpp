@@ -67,8 +67,9 @@ QString undoQuestion(const JournalRun& run, const UndoResult& counted) {
     text += line(counted.conflicts, QStringLiteral("kohtaa jää ennalleen, koska niitä on muutettu "
                                                    "ajon jälkeen; ne luetellaan"));
     text += line(counted.held, QStringLiteral("tietuetta on nyt auki toisessa ohjelmassa"));
-    return text + QStringLiteral("\r\rKassoille, etiketeille ja verkkokauppaan peruminen näkyy "
-                                 "muutoksena. Perumisen voi itsekin perua.");
+    return text + QStringLiteral(
+                      "\r\rKassoille, etiketeille ja verkkokauppaan peruminen näkyy "
+                      "muutoksena. Perumisen voi itsekin perua.");
 }
 
 }  // namespace
@@ -82,10 +83,10 @@ std::vector<qint64> HistoryWindow::runsToReport(const JournalRun& run) {
     }
     if (batch.size() < 2)
         return {run.number};
-    switch (Dialogs::choose(this, QStringLiteral("Ajo kuuluu eräajoon. Mistä raportti tehdään?"),
-                            {QStringLiteral("&Koko eräajosta"), QStringLiteral("&Vain ajosta %1")
-                                                                    .arg(run.number),
-                             QStringLiteral("P&eruuta")})) {
+    switch (Dialogs::choose(
+        this, QStringLiteral("Ajo kuuluu eräajoon. Mistä raportti tehdään?"),
+        {QStringLiteral("&Koko eräajosta"), QStringLiteral("&Vain ajosta %1").arg(run.number),
+         QStringLiteral("P&eruuta")})) {
         case 0:
             return batch;
         case 1:
@@ -114,9 +115,9 @@ void HistoryWindow::report() {
         const QString suggested =
             QDir(QFileInfo(folder).isDir() ? folder : company::currentCompany().dataFolder)
                 .filePath(reportFileName(m_database, runs));
-        const QString file = Dialogs::saveFileName(this, QStringLiteral("Talleta raportti"),
-                                                   suggested,
-                                                   QStringLiteral("PDF-tiedostot (*.pdf)"));
+        const QString file =
+            Dialogs::saveFileName(this, QStringLiteral("Talleta raportti"), suggested,
+                                  QStringLiteral("PDF-tiedostot (*.pdf)"));
         if (file.isEmpty() || !writeReport(runs, file))
             return;
         const QString shown = QDir::toNativeSeparators(file);
@@ -157,8 +158,9 @@ void HistoryWindow::verify() {
     }
     if (found.cancelled)
         return;
-    showText(this, QStringLiteral("Tarkastus %1: ").arg(framework::momentText(data::Clock::now())) +
-                       runTitle(run),
+    showText(this,
+             QStringLiteral("Tarkastus %1: ").arg(framework::momentText(data::Clock::now())) +
+                 runTitle(run),
              verificationTextFinnish(found));
 }
 
@@ -183,9 +185,11 @@ void HistoryWindow::resume() {
     const JournalRun run = selected()->head;
     const QString question =
         run.kind == RunKind::Undo
-            ? QStringLiteral("Jatketaanko ajon %1 perumista siitä, mihin se jäi?").arg(run.undoneRun)
-            : QStringLiteral("Jatketaanko %1?\r\rAjo tehdään loppuun määrittelyllä, jolla se "
-                             "alkoi. Rivejä, jotka ajo on jo muuttanut, ei muuteta uudestaan.")
+            ? QStringLiteral("Jatketaanko ajon %1 perumista siitä, mihin se jäi?")
+                  .arg(run.undoneRun)
+            : QStringLiteral(
+                  "Jatketaanko %1?\r\rAjo tehdään loppuun määrittelyllä, jolla se "
+                  "alkoi. Rivejä, jotka ajo on jo muuttanut, ei muuteta uudestaan.")
                   .arg(runText(run));
     if (!Dialogs::ask(this, question))
         return;
@@ -220,8 +224,9 @@ void HistoryWindow::undo() {
 
 void HistoryWindow::accept() {
     const JournalRun run = selected()->head;
-    const QString name =
-        run.number == 0 ? QStringLiteral("vanhan version ajo ") + definitionText(run) : runText(run);
+    const QString name = run.number == 0
+                             ? QStringLiteral("vanhan version ajo ") + definitionText(run)
+                             : runText(run);
     if (!Dialogs::ask(this, QStringLiteral("Hyväksytäänkö %1 sellaisena kuin se on?\r\rMuuttamatta "
                                            "jääneet rivit jäävät ennalleen, eikä ajoa voi enää "
                                            "jatkaa.")
