@@ -63,6 +63,9 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     QMap<QString, QString> currentValues() const override;
+    /// Values that are off are not saved, and taken out of the file.
+    framework::SavedDefinition currentDefinition(const QString& name,
+                                                 const QString& description) const override;
     void showValues(const framework::SavedDefinition& definition) override;
     void afterLoad() override;
     void afterSave() override;
@@ -92,7 +95,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     std::optional<double> coefficientOfClasses() const;
     void followClasses();
     void watchExits();
-    QString checkDeliveryLimit();
+    static QString checkDate(const framework::DateEdit* edit);
     QString checkCoefficient(framework::DecimalEdit* edit);
     bool chooseOptions(const ChangeDefinition& definition, RunOptions& options);
     void setRunning(bool running);

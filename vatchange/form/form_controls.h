@@ -79,6 +79,9 @@ struct FormControls {
     std::array<framework::DecimalEdit*, kCoefficients> coefficients{};
     std::array<QCheckBox*, kCoefficients> keepVat0{};
     framework::DecimalEdit* priceChangeLimit = nullptr;
+    framework::NumberEdit* mostProducts = nullptr;
+    framework::DecimalEdit* mostPercent = nullptr;
+    framework::DateEdit* changeDay = nullptr;
     QCheckBox* keepPricelistVat0 = nullptr;
     QCheckBox* shelfLabels = nullptr;
     framework::DateEdit* deliveryLimit = nullptr;

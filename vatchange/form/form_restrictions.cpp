@@ -180,7 +180,11 @@ QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent) {
     note->setObjectName(QStringLiteral("VeroluokattomatLabel"));
     note->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     grid->addWidget(note, 2, 1, 1, 2);
-    levelRows(grid, 3, controls.sourceClass->sizeHint().height());
+    controls.changeDay =
+        named(new framework::DateEdit(box, QStringLiteral("Ei muutospäivää")), kChangeDayControl);
+    grid->addWidget(captionLabel(controls.changeDay, box), 3, 0);
+    grid->addWidget(controls.changeDay, 3, 1, 1, 2);
+    levelRows(grid, 4, controls.sourceClass->sizeHint().height());
     grid->setColumnStretch(2, 1);
     return box;
 }

@@ -11,6 +11,8 @@ namespace {
 const QString kStopped = QStringLiteral("stopped");
 const QString kFailed = QStringLiteral("failed");
 const QString kPassedOver = QStringLiteral("passedOver");
+const QString kOverLimit = QStringLiteral("overLimit");
+const QString kLimitedUnderLock = QStringLiteral("limitedUnderLock");
 
 QCborArray arrayOf(const std::set<QString>& texts) {
     QCborArray array;
@@ -31,7 +33,9 @@ std::set<QString> textsOf(const QCborValue& value) {
 QByteArray outcomeNote(const RunOutcome& outcome) {
     const QCborMap map{{kStopped, outcome.stopped},
                        {kFailed, arrayOf(outcome.failedTables)},
-                       {kPassedOver, arrayOf(outcome.passedOver)}};
+                       {kPassedOver, arrayOf(outcome.passedOver)},
+                       {kOverLimit, arrayOf(outcome.overLimit)},
+                       {kLimitedUnderLock, outcome.limitedUnderLock}};
     return map.toCborValue().toCbor();
 }
 
@@ -41,6 +45,8 @@ RunOutcome outcomeOfNote(const QByteArray& note) {
     outcome.stopped = map[kStopped].toBool();
     outcome.failedTables = textsOf(map[kFailed]);
     outcome.passedOver = textsOf(map[kPassedOver]);
+    outcome.overLimit = textsOf(map[kOverLimit]);
+    outcome.limitedUnderLock = map[kLimitedUnderLock].toBool();
     return outcome;
 }
 

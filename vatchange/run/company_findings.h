@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "data/engine/engine.h"
 #include "vatchange/definition/definition_findings.h"
@@ -15,15 +16,15 @@ CompanyFacts readCompanyFacts(data::Database& database, const ChangeDefinition& 
 qint64 selectedProducts(data::Database& database, const ChangeDefinition& definition);
 
 struct CompanyFindingOptions {
-    qint64 exceptRun = 0;      ///< the run itself, which is no earlier one
-    qint64 products = -1;      ///< selectedProducts(), if known
-    qint64 freeBytes = -1;     ///< on the disk of the company's folder, if known
+    qint64 exceptRun = 0;             ///< the run itself, which is no earlier one
+    bool resumed = false;             ///< it has changed rows: what is selected now says nothing
+    std::optional<qint64> products;   ///< selectedProducts(), if known
+    qint64 freeBytes = -1;            ///< on the disk of the company's folder, if known
     std::function<bool()> stop = {};  ///< asked between the queries; true ends the search
 };
 
-/// The findings that need the company's database: a few queries, none of which reads a table
-/// without its index more than once. A query that fails gives no finding: the step that needs the
-/// table reports it.
+/// The findings that need the company's database, from a few counting queries. A query that fails
+/// gives none: the step that needs its table reports it.
 std::vector<DefinitionFinding> companyFindings(data::Database& database,
                                                const ChangeDefinition& definition,
                                                const CompanyFindingOptions& options = {});

@@ -9,7 +9,4 @@ namespace vatchange {
 /// counts as a failed step.
 void verifyAtEnd(RunContext& run);
 
-/// Logs which dependent tables earlier runs of the same classes have changed already.
-void reportEarlierChanges(RunContext& run);
-
 }  // namespace vatchange
