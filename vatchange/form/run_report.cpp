@@ -60,6 +60,20 @@ void problemsPart(ReportHtml& html, const RunResult& result) {
     }
 }
 
+void limitedPart(ReportHtml& html, const RunResult& result) {
+    if (result.limitedProducts == 0)
+        return;
+    html.section(QStringLiteral("Turvarajan vuoksi ohitetut tuotteet"));
+    QString text = result.limitedNumbers.join(QStringLiteral(", "));
+    if (const qint64 more = result.limitedProducts - result.limitedNumbers.size(); more > 0)
+        text += QStringLiteral(" ja %1 muuta, katso loki").arg(countText(more));
+    html.paragraph(text);
+    html.paragraph(QStringLiteral(
+        "Näiden hinta olisi muuttunut enemmän kuin määrittely sallii. Hinnat ovat lokissa. Korjaa "
+        "hinnat tai aja tuotteet määrittelyllä, jonka turvaraja on suurempi. Ota siitä pois "
+        "määräalennukset: ne on jo muutettu."));
+}
+
 void verificationPart(ReportHtml& html, const RunResult& result) {
     if (!result.verification)
         return;
@@ -109,6 +123,7 @@ void runPart(ReportHtml& html, const ChangeReport& report) {
                                                 : QStringLiteral("ei kirjoitettu"));
     counts(html, run.result);
     problemsPart(html, run.result);
+    limitedPart(html, run.result);
     verificationPart(html, run.result);
     lostLines(html, run.result);
     if (run.definition != report.definition) {
@@ -139,9 +154,13 @@ QString outcomeText(const RunResult& result) {
     if (result.clean())
         return QStringLiteral("Muutos valmis, tuotteita muutettu %1")
             .arg(countText(result.products));
-    if (result.failedSteps == 0 && result.skippedProducts == 0)
+    const bool complete = result.failedSteps == 0 && result.skippedProducts == 0;
+    if (complete && result.lostLogLines > 0)
         return QStringLiteral("Muutos tehty, tuotteita muutettu %1, mutta loki jäi vajaaksi")
             .arg(countText(result.products));
+    if (complete && result.limitedProducts > 0)
+        return QStringLiteral("Muutos tehty, tuotteita muutettu %1, turvarajan vuoksi ohitettu %2")
+            .arg(countText(result.products), countText(result.limitedProducts));
     return QStringLiteral("Muutos tehty, mutta kaikki ei onnistunut: katso loki");
 }
 

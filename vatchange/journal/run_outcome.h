@@ -12,10 +12,11 @@ namespace vatchange {
 /// to tell why a record was left. A resumed run removes it when it starts.
 struct RunOutcome {
     bool stopped = false;
-    std::set<QString> failedTables;  ///< tables whose step failed, in capitals (TUOTE, MTRIVI ...)
-    std::set<QString> passedOver;    ///< numbers of products that another program held
-    std::set<QString> overLimit;     ///< numbers of products that the percent limit passed over
-    bool limitedUnderLock = false;   ///< some of them when their turn came: their rows are changed
+    std::set<QString> failedTables =
+        {};  ///< tables whose step failed, in capitals (TUOTE, MTRIVI ...)
+    std::set<QString> passedOver = {};  ///< numbers of products that another program held
+    std::set<QString> overLimit = {};   ///< numbers of products that the percent limit passed over
+    bool limitedUnderLock = false;  ///< some of them when their turn came: their rows are changed
 };
 
 inline const QString kOutcomeNote = QStringLiteral("outcome");

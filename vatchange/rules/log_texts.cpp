@@ -82,7 +82,7 @@ QString limitedProductText(const QString& number, const ChangeDefinition& defini
         prices += price;
     }
     return QStringLiteral("tuotetta %1 ei muuteta, turvaraja %2 % ylittyy: %3")
-        .arg(number, factorText(definition.mostPercent.value_or(0.0)),
+        .arg(number, quantityText(definition.mostPercent.value_or(0.0)),
              prices.join(QStringLiteral(", ")));
 }
 
