@@ -36,6 +36,9 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     /// True if Unattended is set, the program was started with "/E", or no one can see a window.
     bool unattended() const;
 
+    /// Values that are off are not saved, and taken out of the file.
+    framework::SavedDefinition currentDefinition(const QString& name,
+                                                 const QString& description) const override;
     /// The definition in the controls.
     ChangeDefinition definitionFromForm() const;
     /// The definition to run, with its load findings: the loaded or saved one until the controls
@@ -63,9 +66,6 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     QMap<QString, QString> currentValues() const override;
-    /// Values that are off are not saved, and taken out of the file.
-    framework::SavedDefinition currentDefinition(const QString& name,
-                                                 const QString& description) const override;
     void showValues(const framework::SavedDefinition& definition) override;
     void afterLoad() override;
     void afterSave() override;
