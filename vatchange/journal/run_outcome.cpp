@@ -13,6 +13,7 @@ const QString kFailed = QStringLiteral("failed");
 const QString kPassedOver = QStringLiteral("passedOver");
 const QString kOverLimit = QStringLiteral("overLimit");
 const QString kLimitedUnderLock = QStringLiteral("limitedUnderLock");
+const QString kFailures = QStringLiteral("failures");
 
 QCborArray arrayOf(const std::set<QString>& texts) {
     QCborArray array;
@@ -35,7 +36,8 @@ QByteArray outcomeNote(const RunOutcome& outcome) {
                        {kFailed, arrayOf(outcome.failedTables)},
                        {kPassedOver, arrayOf(outcome.passedOver)},
                        {kOverLimit, arrayOf(outcome.overLimit)},
-                       {kLimitedUnderLock, outcome.limitedUnderLock}};
+                       {kLimitedUnderLock, outcome.limitedUnderLock},
+                       {kFailures, QCborArray::fromStringList(outcome.failures)}};
     return map.toCborValue().toCbor();
 }
 
@@ -47,6 +49,9 @@ RunOutcome outcomeOfNote(const QByteArray& note) {
     outcome.passedOver = textsOf(map[kPassedOver]);
     outcome.overLimit = textsOf(map[kOverLimit]);
     outcome.limitedUnderLock = map[kLimitedUnderLock].toBool();
+    const QCborArray failures = map[kFailures].toArray();
+    for (const QCborValue& failure : failures)
+        outcome.failures += failure.toString();
     return outcome;
 }
 

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <set>
 
 #include "data/engine/run_journal.h"
@@ -17,6 +18,7 @@ struct RunOutcome {
     std::set<QString> passedOver = {};  ///< numbers of products that another program held
     std::set<QString> overLimit = {};   ///< numbers of products that the percent limit passed over
     bool limitedUnderLock = false;  ///< some of them when their turn came: their rows are changed
+    QStringList failures = {};      ///< error messages of the steps, in step order
 };
 
 inline const QString kOutcomeNote = QStringLiteral("outcome");

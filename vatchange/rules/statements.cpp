@@ -76,10 +76,6 @@ QString limitQuery(const QString& condition) {
            condition;
 }
 
-QString productCountQuery(const QString& condition) {
-    return QStringLiteral("SELECT COUNT(*) AS N FROM TUOTE WHERE ") + condition;
-}
-
 QString levelParameter(int level) {
     return QStringLiteral("HINTA") + QString::number(level);
 }

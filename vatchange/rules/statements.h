@@ -23,8 +23,6 @@ QString productQuery(const QString& condition);
 
 /// Selects products with what the percent limit looks at.
 QString limitQuery(const QString& condition);
-/// Counts them.
-QString productCountQuery(const QString& condition);
 
 /// VAT class fields of a product that hold the source class.
 struct ClassFields {

@@ -9,6 +9,7 @@
 #include "vatchange/definition/restrictions.h"
 #include "vatchange/journal/earlier_runs.h"
 #include "vatchange/orders/order_rules.h"
+#include "vatchange/rules/count_queries.h"
 #include "vatchange/rules/order_selection.h"
 #include "vatchange/rules/selection.h"
 #include "vatchange/rules/statements.h"
@@ -31,7 +32,7 @@ qint64 countOf(data::Database& database, const QString& statement) {
     data::TUniQuery query(&database);
     query.sql().add(statement);
     query.open();
-    return query.fieldByName(QStringLiteral("n")).asInteger();
+    return query.fieldByName(QStringLiteral("rows_found")).asInteger();
 }
 
 /// Result of `read`; nothing if it throws: the step that needs the table reports it.
@@ -183,7 +184,7 @@ class CompanyFindings {
         if (emptied.isEmpty())
             return;
         addEmptied(QStringLiteral("myymälähintaa"), {},
-                   QStringLiteral("select count(*) as n from myymalahinnat, tuote where "
+                   QStringLiteral("select count(*) as rows_found from myymalahinnat, tuote where "
                                   "numero=tuote and lvv= %1 and (%2)")
                        .arg(m_definition.sourceClass)
                        .arg(emptied.join(QStringLiteral(" or "))));
@@ -193,7 +194,7 @@ class CompanyFindings {
         if (m_definition.salesOrders && m_definition.salesOrderFromVat0)
             addEmptied(
                 QStringLiteral("myyntitilauksen riviä"), QStringLiteral("SailytaAlv0_CheckBoxMT"),
-                QStringLiteral("select count(*) as n from mtrivi where verokanta = %1 and "
+                QStringLiteral("select count(*) as rows_found from mtrivi where verokanta = %1 and "
                                "toimitettava <> 0 and ahintaalv0 = 0 and ahinta > 0 and tilausnro "
                                "in (select numero from mt where toimitustila <= %2 and "
                                "veloitustapa not in (%3))")
@@ -203,9 +204,10 @@ class CompanyFindings {
         if (m_definition.purchaseOrders && m_definition.purchaseOrderFromVat0)
             addEmptied(QStringLiteral("ostotilauksen riviä"),
                        QStringLiteral("SailytaAlv0_CheckBoxOT"),
-                       QStringLiteral("select count(*) as n from winotri where alvluokka = %1 and "
-                                      "tulematta <> 0 and ostohintaalv0 = 0 and ostohinta > 0 and "
-                                      "tilausnro in (select tilausnro from winot where tila <= %2)")
+                       QStringLiteral(
+                           "select count(*) as rows_found from winotri where alvluokka = %1 and "
+                           "tulematta <> 0 and ostohintaalv0 = 0 and ostohinta > 0 and "
+                           "tilausnro in (select tilausnro from winot where tila <= %2)")
                            .arg(m_definition.sourceClass)
                            .arg(kLastOpenPurchaseState));
     }
@@ -244,7 +246,7 @@ CompanyFacts readCompanyFacts(data::Database& database, const ChangeDefinition& 
 }
 
 qint64 selectedProducts(data::Database& database, const ChangeDefinition& definition) {
-    return countOf(database, productCountQuery(selectionCondition(definition)));
+    return countOf(database, countQuery(productQuery(selectionCondition(definition))));
 }
 
 std::vector<DefinitionFinding> companyFindings(data::Database& database,

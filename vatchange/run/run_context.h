@@ -12,6 +12,7 @@
 #include "data/error.h"
 #include "data/sql/uni_query.h"
 #include "vatchange/definition/definition_problems.h"
+#include "vatchange/journal/run_attempts.h"
 #include "vatchange/journal/run_notes.h"
 #include "vatchange/journal/run_outcome.h"
 #include "vatchange/journal/run_progress.h"
@@ -68,6 +69,7 @@ struct RunContext {
     LimitedProducts limited;
     /// Set when a step leaves products or orders behind that a resumed run can still change.
     bool leftBehind = false;
+    RunAttempt attempt;                 ///< begun with the run, before its checks
     RunOutcome outcome;                 ///< what verification has to know of the steps
     void setOrigin(qint64 origin);      ///< see RunJournal::setOrigin()
     void mark(const QByteArray& text);  ///< appends a mark to the journal
@@ -99,10 +101,12 @@ QString stepErrorText(const std::exception& error);
 
 // The steps, in order. A step throws on failure; rows it has already changed stay changed.
 
-/// Reports problems of the definition: refuses it if unattended, otherwise asks. Returns false if
-/// it must not run; the reason has been shown.
-bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
-                         const CompanyFacts& facts);
+/// Reports problems of the definition: refuses it if unattended, otherwise asks unless the user has
+/// agreed to all of them. Returns false if it must not run; the reason has been shown.
+bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded, const CompanyFacts& facts,
+                         const RunOptions& options);
+/// Why the definition's VAT classes do not allow a run; empty if they do.
+QString classProblem(const ChangeDefinition& definition, const VatClasses& classes);
 /// Reads the VAT classes; checks them and the date. Returns false if the run must not start; the
 /// reason has been shown.
 bool checkDefinition(RunContext& run);
