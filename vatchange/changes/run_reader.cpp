@@ -20,6 +20,12 @@ ChangeList::Run readRun(data::RunJournal& journal, qint64 run) {
     return read;
 }
 
+bool changesClass(const ReadTable& table, const std::vector<ReadTable::Value>& values) {
+    return std::any_of(values.begin(), values.end(), [&table](const ReadTable::Value& value) {
+        return table.isClass(value.field);
+    });
+}
+
 }  // namespace
 
 RunReader::RunReader(data::Database& database, qint64 run, ChangeList& list)
@@ -136,7 +142,7 @@ void RunReader::see(const data::JournalEntry& entry) {
     const bool isNew = table.seen.add(entry.record);
     const bool orderRow = OrderRows::isRowTable(table.table().stored.name);
     std::optional<data::StoredRecord> present;
-    if (table.isProducts() || (isNew && (table.productNeedsRecord() || orderRow)))
+    if (table.isProducts() || orderRow || (isNew && table.productNeedsRecord()))
         present = table.table().file->get(entry.record);
     const QByteArray* bytes = present ? &present->bytes : nullptr;
     int record = -1;
@@ -168,8 +174,8 @@ void RunReader::see(const data::JournalEntry& entry) {
         }
         if (table.isProducts() && bytes != nullptr)
             judgeProduct(table, entry, record, values, *bytes);
-        if (orderRow && isNew && bytes != nullptr && firstRow(record) >= 0)
-            judgeOrderRow(table, firstRow(record), *bytes);
+        if (orderRow && bytes != nullptr)
+            judgeOrderRow(table, record, values, *bytes);
     } else {
         const ChangeKind kind =
             entry.operation == data::Operation::Insert ? ChangeKind::Inserted : ChangeKind::Deleted;
@@ -224,10 +230,7 @@ void RunReader::judgeProduct(ReadTable& table, const data::JournalEntry& entry, 
     };
     for (const LevelOrderChange& change : changedLevelOrder(table.prices(before), pricesAfter))
         m_list.mark(rowOfLevel(change.level), ChangeFinding::LevelOrder, change.reason);
-    const bool classChanged = std::any_of(
-        values.begin(), values.end(),
-        [&table](const ReadTable::Value& value) { return table.isSalesClass(value.field); });
-    if (!classChanged)
+    if (!changesClass(table, values))
         return;
     for (int level = 1; level <= kPriceLevels; ++level) {
         const double price = pricesAfter.levels[static_cast<size_t>(level - 1)];
@@ -237,15 +240,24 @@ void RunReader::judgeProduct(ReadTable& table, const data::JournalEntry& entry, 
     }
 }
 
-void RunReader::judgeOrderRow(const ReadTable& table, int row, const QByteArray& present) {
-    if (!m_read.definition)
+void RunReader::judgeOrderRow(const ReadTable& table, int record,
+                              const std::vector<ReadTable::Value>& values,
+                              const QByteArray& present) {
+    // a margin mark alone converts nothing
+    if (!m_read.definition || !changesClass(table, values))
         return;
     std::unique_ptr<OrderRows>& orders = m_orders[table.table().stored.name];
     if (!orders)
         orders = std::make_unique<OrderRows>(m_database, table.table().stored.name);
     const QString reason = orderRisk(orders->open(present), changeDay(*m_read.definition));
-    if (!reason.isEmpty())
-        m_list.mark(row, ChangeFinding::OrderAtRisk, reason);
+    if (reason.isEmpty())
+        return;
+    int row = rowOf(record, values.front().field);
+    for (const ReadTable::Value& value : values) {
+        if (m_list.fields()[static_cast<size_t>(value.field)].sold)
+            row = rowOf(record, value.field);
+    }
+    m_list.mark(row, ChangeFinding::OrderAtRisk, reason);
 }
 
 }  // namespace vatchange

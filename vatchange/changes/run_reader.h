@@ -38,7 +38,8 @@ class RunReader {
     void judge(int row, const ReadTable& table) const;
     void judgeProduct(ReadTable& table, const data::JournalEntry& entry, int record,
                       const std::vector<ReadTable::Value>& values, const QByteArray& present);
-    void judgeOrderRow(const ReadTable& table, int row, const QByteArray& present);
+    void judgeOrderRow(const ReadTable& table, int record,
+                       const std::vector<ReadTable::Value>& values, const QByteArray& present);
     int addRecord(ReadTable& table, const data::JournalEntry& entry, const QByteArray* present);
     void index(ReadTable& table) const;
 

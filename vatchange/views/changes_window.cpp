@@ -91,11 +91,11 @@ void ChangesWindow::start() {
     QHeaderView& header = *m_controls.grid->horizontalHeader();
     const int unit = fontMetrics().horizontalAdvance(u'0');
     for (const auto& [column, characters] :
-         {std::pair(ChangeColumn::Product, 14), std::pair(ChangeColumn::Name, 28),
-          std::pair(ChangeColumn::Table, 18), std::pair(ChangeColumn::Key, 18),
-          std::pair(ChangeColumn::Field, 18), std::pair(ChangeColumn::Before, 12),
-          std::pair(ChangeColumn::After, 12), std::pair(ChangeColumn::Difference, 11),
-          std::pair(ChangeColumn::Percent, 11)})
+         {std::pair(ChangeColumn::Product, 14), std::pair(ChangeColumn::Name, 25),
+          std::pair(ChangeColumn::Table, 17), std::pair(ChangeColumn::Key, 14),
+          std::pair(ChangeColumn::Field, 14), std::pair(ChangeColumn::Before, 10),
+          std::pair(ChangeColumn::After, 10), std::pair(ChangeColumn::Difference, 9),
+          std::pair(ChangeColumn::Percent, 10)})
         header.resizeSection(static_cast<int>(column), characters * unit);
     header.setStretchLastSection(true);
     fillChoices();
