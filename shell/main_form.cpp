@@ -2,10 +2,9 @@
 
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QFileInfo>
+#include <QDir>
 #include <QTextStream>
 #include <QTimer>
-#include <QUrl>
 
 #include "company/company.h"
 #include "company/connection_module.h"
@@ -15,11 +14,12 @@
 #include "framework/core/definition_store.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/dialogs.h"
-#include "framework/ui/mail.h"
 #include "framework/ui/window_place.h"
 #include "platform/command_line.h"
 #include "platform/end_request.h"
 #include "shell/batch_papers.h"
+#include "shell/log/log_window.h"
+#include "shell/schedule/schedule_line.h"
 #include "vatchange/journal/run_notes.h"
 
 namespace shell {
@@ -90,7 +90,8 @@ void TMainForm::readBatchList() {
                    company::batchListText(fileName, list)};
         showBatchList(list);
     } catch (const data::DataError& e) {
-        m_batch = {{}, {}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
+        m_batch = {
+            {}, {}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
         throw;
     }
     m_listRead = true;
@@ -121,6 +122,10 @@ void TMainForm::readVatClasses() {
 
 void TMainForm::showCompany() {
     m_company->setText(QStringLiteral("YRITYS: ") + company::currentCompany().name);
+    if (BatchMode)
+        return;
+    refreshLastRun();
+    m_scheduleLine->refresh();
 }
 
 company::BatchList TMainForm::batchList() const {
@@ -141,7 +146,11 @@ void TMainForm::openChangeForm() {
         m_changeForm->Unattended = BatchMode;
         connect(m_changeForm, &TAlvMuutosLomake::closed, this, &TMainForm::changeFormClosed);
         connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this,
-                [this](bool running) { setEnabled(!running); });
+                [this](bool running) {
+                    setEnabled(!running);
+                    if (!running && !BatchMode)
+                        refreshLastRun();
+                });
     }
     m_changeForm->show();
     m_changeForm->raise();
@@ -166,7 +175,7 @@ void TMainForm::BitBtn1Click() {
     }
     framework::reportErrors(this, [this] {
         if (alreadyRun())
-            framework::Dialogs::message(this, kAlreadyRunText);
+            framework::Dialogs::message(this, alreadyRunAdvice());
         else
             openChangeForm();
     });
@@ -210,6 +219,8 @@ ExitStatus TMainForm::runWholeBatch() {
     ports.generalLog = company::writeGeneralLog;
     ports.standardError = [](const QString& line) { QTextStream(stderr) << line << '\n'; };
     ports.changeLog = company::WriteAlvMuutosLog;
+    if (Rehearsal != nullptr)
+        Rehearsal->adapt(ports);
     m_batch.names = batchList();
     const qint64 lostBefore = company::lostChangeLogLines().count;
     const ExitStatus status = runBatch(m_batch, ports);
@@ -231,6 +242,8 @@ void TMainForm::runBatchAndLeave() {
             return;  // leave the windows to the user at the screen
         }
     }
+    if (Rehearsal != nullptr && !Rehearsal->finish() && m_exitStatus == ExitStatus::Done)
+        m_exitStatus = ExitStatus::Failed;
     if (m_exitStatus == ExitStatus::Failed && !m_problems.isEmpty())
         QTextStream(stderr) << m_problems.join(QLatin1Char('\n')) << '\n';
     else if (m_exitStatus == ExitStatus::AlreadyRun)
@@ -241,11 +254,12 @@ void TMainForm::runBatchAndLeave() {
 }
 
 void TMainForm::BtnLogClick() {
-    // The desktop reports a missing log.
-    const QString fileName = company::AlvMuutosLogName();
-    if (!framework::Desktop::instance().open(
-            QUrl::fromLocalFile(QFileInfo(fileName).absoluteFilePath())))
-        framework::Dialogs::error(this, QStringLiteral("Lokia ei voitu avata: ") + fileName);
+    if (m_logWindow == nullptr)
+        m_logWindow = std::make_unique<LogWindow>();
+    m_logWindow->reload();
+    m_logWindow->show();
+    m_logWindow->raise();
+    m_logWindow->activateWindow();
 }
 
 void TMainForm::TalletaClick() {
@@ -256,8 +270,25 @@ void TMainForm::TalletaClick() {
                       company::batchListToRead());
         return;
     }
-    framework::reportErrors(
-        this, [this] { company::writeBatchList(company::AlvMuutosIniName(), batchList()); });
+    framework::reportErrors(this, [this] {
+        const company::BatchList list = batchList();
+        const framework::DefinitionStore definitions;
+        QStringList unknown;
+        for (const QString& name : list)
+            if (!name.isEmpty() && !definitions.has(TAlvMuutosLomake::kFormName, name))
+                unknown.append(QStringLiteral("\"%1\"").arg(name));
+        if (!unknown.isEmpty() &&
+            !framework::Dialogs::ask(
+                this,
+                QStringLiteral("Määrittelyä ei ole: %1. Eräajo, jonka luettelossa on tällainen "
+                               "nimi, ei aja mitään.\rTalletetaanko luettelo silti?")
+                    .arg(unknown.join(QStringLiteral(", ")))))
+            return;
+        const QString fileName = company::AlvMuutosIniName();
+        company::writeBatchList(fileName, list);
+        showFeedback(QStringLiteral("Eräajon luettelo talletettiin: ") +
+                     QDir::toNativeSeparators(fileName));
+    });
 }
 
 void TMainForm::Button1Click() {
@@ -286,6 +317,7 @@ void TMainForm::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    m_logWindow.reset();
     QWidget::closeEvent(event);
     QCoreApplication::exit(static_cast<int>(m_exitStatus));
 }

@@ -17,7 +17,7 @@ constexpr int kMargin = 14;
 constexpr int kGap = 10;
 constexpr int kCardMargin = 12;
 constexpr int kRowHeight = 28;
-constexpr int kButtonWidth = 140;
+constexpr int kButtonWidth = 112;  // six in a row fit 1366 pixels at 150 %
 constexpr int kDefinitionCharacters = 24;
 
 QLabel* heading(const QString& text, const QString& objectName, QWidget* parent) {
@@ -111,17 +111,22 @@ QLayout* TMainForm::buildButtons() {
     log->setObjectName(QStringLiteral("BtnLog"));
     auto* removeMark = new QPushButton(QStringLiteral("Poista\najomerkintä"), this);
     removeMark->setObjectName(QStringLiteral("Button1"));
+    m_schedule = new QPushButton(QStringLiteral("Ajasta..."), this);
+    m_schedule->setObjectName(QStringLiteral("Ajasta"));
+    m_schedule->setToolTip(
+        QStringLiteral("Käynnistää eräajon tai sen koeajon itsestään valittuna hetkenä"));
     auto* leave = new QPushButton(QStringLiteral("&Sulje"), this);
     leave->setObjectName(QStringLiteral("BitBtn2"));
     connect(m_open, &QPushButton::clicked, this, &TMainForm::BitBtn1Click);
     connect(log, &QPushButton::clicked, this, &TMainForm::BtnLogClick);
     connect(removeMark, &QPushButton::clicked, this, &TMainForm::Button1Click);
+    connect(m_schedule, &QPushButton::clicked, this, &TMainForm::scheduleClick);
     connect(leave, &QPushButton::clicked, this, &QWidget::close);
 
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(kGap);
     const int height = removeMark->sizeHint().height();
-    for (QPushButton* button : {m_open, log, removeMark, leave}) {
+    for (QPushButton* button : {m_open, buildHistoryButton(), m_schedule, log, removeMark, leave}) {
         button->setAutoDefault(true);  // Enter presses the focused button
         button->setMinimumSize(kButtonWidth, height);
         buttons->addWidget(button, 1);
@@ -130,15 +135,6 @@ QLayout* TMainForm::buildButtons() {
 }
 
 void TMainForm::buildLayout() {
-    m_company = new QLabel(QStringLiteral("Yritys"), this);
-    m_company->setObjectName(QStringLiteral("Yritys"));
-    m_company->setTextFormat(Qt::PlainText);
-    m_company->setWordWrap(true);
-    QFont large = m_company->font();
-    large.setPointSizeF(large.pointSizeF() * 1.4);
-    large.setBold(true);
-    m_company->setFont(large);
-
     auto* cards = new QHBoxLayout;
     cards->setSpacing(kGap);
     cards->addWidget(buildBatchPart(), 3);
@@ -147,8 +143,9 @@ void TMainForm::buildLayout() {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin, kGap);
     column->setSpacing(kGap);
-    column->addWidget(m_company);
+    column->addLayout(buildHead());
     column->addLayout(cards, 1);
+    column->addLayout(buildStatus());
     column->addLayout(buildButtons());
     column->addLayout(buildFoot());
     framework::describeByHints(*this);

@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QDesktopServices>
 #include <QTest>
 #include <QTimer>
-#include <QUrl>
 
 #include "framework/core/definition_store.h"
 #include "tests/support/scripted_dialogs.h"
@@ -201,22 +199,20 @@ TEST_F(MainForm, IsDisabledDuringARun) {
     EXPECT_TRUE(m_form.isVisible());
 }
 
-class UrlCatcher : public QObject {
-    Q_OBJECT
-  public:
-    QList<QUrl> urls;
-  public Q_SLOTS:
-    void open(const QUrl& url) { urls.append(url); }
-};
-
-TEST_F(MainForm, LogOpensInTheDesktopsProgram) {
-    UrlCatcher desktop;
-    QDesktopServices::setUrlHandler(str("file"), &desktop, "open");
-    click("BtnLog");
-    QDesktopServices::unsetUrlHandler(str("file"));
-    EXPECT_EQ(desktop.urls, QList<QUrl>({QUrl::fromLocalFile(company::AlvMuutosLogName())}));
+TEST_F(MainForm, AListWithAnUnknownNameIsSavedOnlyIfThePersonInsists) {
+    saveDefinition("Alv255");
+    m_form.alusta();
+    list(1)->setEditText(str("ALV255"));
+    list(3)->setEditText(str("Alv26"));
+    const QString question =
+        str("Määrittelyä ei ole: \"Alv26\". Eräajo, jonka luettelossa on tällainen nimi, ei aja "
+            "mitään.\nTalletetaanko luettelo silti?");
+    for (const bool insists : {false, true}) {
+        m_dialogs.expectQuestion(question, insists);
+        click("Talleta");
+        EXPECT_EQ(QFile::exists(company::AlvMuutosIniName()), insists);
+        EXPECT_EQ(label("Tila")->text().contains(str("talletettiin")), insists);
+    }
 }
 
 }  // namespace
-
-#include "main_form_test.moc"

@@ -1,9 +1,9 @@
-#include <QDir>
 #include <QFileInfo>
 #include <algorithm>
 
 #include "company/aliases.h"
 #include "company/backup.h"
+#include "company/registration.h"
 #include "data/dictionary/dictionary_source.h"
 #include "engines/embedded/embedded_database.h"
 #include "tools/zavdb/command.h"
@@ -116,13 +116,7 @@ int listCompanies(const Arguments&) {
 }
 
 int addCompany(const Arguments& arguments) {
-    const QString& name = arguments.at(0);
-    const QString folder = absoluteFolder(arguments.at(1));
-    requireFreeName(name);
-    if (!engines::hasEmbeddedDatabase(folder))
-        throw CommandError(QStringLiteral("The folder %1 holds no company.").arg(folder));
-    engines::openEmbedded(name, folder);
-    registerCompany(name, folder);
+    company::addCompany(arguments.at(0), arguments.at(1));
     return 0;
 }
 

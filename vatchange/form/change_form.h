@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QTimer>
 #include <bitset>
 #include <optional>
 
@@ -9,10 +10,16 @@
 #include "framework/ui/exit_checks.h"
 #include "vatchange/definition/load_rules.h"
 #include "vatchange/form/form_controls.h"
+#include "vatchange/form/product_count.h"
 #include "vatchange/form/search_windows.h"
 #include "vatchange/run/run_summary.h"
 
 namespace vatchange {
+
+struct RateChange;
+
+/// Shown when the VAT-free price cannot be kept because the target class does not exist.
+inline const QString kCheckTargetClass = QStringLiteral("Tarkasta kohde -alvluokka!");
 
 /// The VAT change form: edits, saves, loads and runs one change definition. During a run only
 /// "Keskeytä" is enabled.
@@ -34,8 +41,11 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     /// Set in a batch: messages go to the change log only.
     bool Unattended = false;
     /// True if Unattended is set, the program was started with "/E", or no one can see a window.
-    bool unattended() const;
+    bool unattended() const override;
 
+    /// Values that are off are not saved, and taken out of the file.
+    framework::SavedDefinition currentDefinition(const QString& name,
+                                                 const QString& description) const override;
     /// The definition in the controls.
     ChangeDefinition definitionFromForm() const;
     /// The definition to run, with its load findings: the loaded or saved one until the controls
@@ -61,6 +71,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     QMap<QString, QString> currentValues() const override;
     void showValues(const framework::SavedDefinition& definition) override;
@@ -77,30 +88,48 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     QLayout* buildDefinitionBar();
     QLayout* buildGroups();
     QLayout* buildFoot();
+    void arrangeGroups(bool narrow);
     void readCompanyTables();
     void connectControls();
     void connectSearch(QPushButton* button, SearchKind kind, QLineEdit* target);
     void fitToScreen();
-    void leaveByKey();
 
     void refreshClassLabels();
     void refreshRestrictionBoxes();
     std::optional<double> ratePercent(int vatClass) const;
     void showRate(QLabel* label, int vatClass) const;
+    QString classText(int vatClass) const;
     void validateSource(int tag);
     void SailytaAlv0_CheckBox1Click(int tag, bool checked);
     std::optional<double> coefficientOfClasses() const;
     void followClasses();
     void watchExits();
-    QString checkDeliveryLimit();
+    static QString checkDate(const framework::DateEdit* edit);
+    void watchDrops();
+    void chooseReadyDefinition();
+    std::optional<int> classOfRate(double percent);
+    void fillReady(const RateChange& change);
+    void refreshAllKept();
+    void keepAllClicked();
+    void watchEdits();
+    void showGroupNames();
+    void showFindings();
+    void showProductCount(qint64 products);
     QString checkCoefficient(framework::DecimalEdit* edit);
     bool chooseOptions(const ChangeDefinition& definition, RunOptions& options);
+    bool agreesToRun(const LoadedDefinition& definition, RunOptions& options);
     void setRunning(bool running);
-    void showProgress(const QString& status, qint64 done, qint64 total, const QString& remaining);
+    /// `share`: 0 to 1; negative: unknown.
+    void showProgress(const QString& status, double share, const QString& step,
+                      const QString& left);
     bool confirmClosing();
 
     data::Database& m_database;
     FormControls m_controls;
+    FormGroups m_groups;
+    QVBoxLayout* m_pinned = nullptr;  ///< between the scrolled groups and the buttons
+    int m_wideFrom = 0;               ///< width from which three columns fit
+    bool m_narrow = false;
     LoadedDefinition m_definition;  ///< as loaded or saved last
     QStringList m_levelNames;       ///< index 0: "Ei muutosta"
     QWidget* m_content = nullptr;
@@ -109,6 +138,11 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     QProgressBar* m_progress = nullptr;
     QPushButton* m_interrupt = nullptr;
     QPushButton* m_close = nullptr;
+    QPushButton* m_ready = nullptr;     ///< "Valmis määrittely..."
+    QPushButton* m_findings = nullptr;  ///< hidden without findings
+    QStringList m_findingTexts;
+    QTimer m_edited;  ///< runs out shortly after the last edit
+    ProductCount m_count;
     std::optional<RunSummary> m_lastRun;
     framework::ExitChecks m_exits{*this};
     std::bitset<kCoefficients + 1> m_computed;  ///< by tag: coefficients of followClasses()

@@ -32,7 +32,16 @@ class FindingList {
             m_options.see(make());
     }
 
+    /// To be called for each entry and record. @throws Cancelled if the caller has had enough.
+    void tick() {
+        if (m_options.goOn && ++m_ticks % kTicksPerCall == 0 && !m_options.goOn())
+            throw Cancelled();
+    }
+    struct Cancelled {};
+
   private:
+    static constexpr int kTicksPerCall = 500;
+    int m_ticks = 0;
     Verification& m_verification;
     const VerifyOptions& m_options;
 };

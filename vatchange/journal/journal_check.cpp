@@ -206,6 +206,7 @@ Finding JournalCheck::finding(Table& table, const JournalEntry& entry, const Fie
 }
 
 void JournalCheck::see(const JournalEntry& entry) {
+    m_findings.tick();
     ++m_verification.changes;
     Table& t = table(entry.table);
     t.all.add(entry.record);
