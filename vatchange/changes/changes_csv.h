@@ -15,10 +15,10 @@ struct ChangeLine {
     QString operation;  ///< "update", "insert" or "delete"
     QString table;
     data::RecordId record = 0;  ///< not in the file
-    QString key;     ///< the fields of key 0, joined by a blank
-    QString field;   ///< as the catalogue writes it
-    QString before;  ///< as in "zavdb export"; empty for an insert
-    QString after;   ///< empty for a delete
+    QString key;                ///< the fields of key 0, joined by a blank
+    QString field;              ///< as the catalogue writes it
+    QString before;             ///< as in "zavdb export"; empty for an insert
+    QString after;              ///< empty for a delete
 };
 
 /// Shows every change of a run in the order of the changes, a line for each changed field. `seq`

@@ -20,8 +20,9 @@ const QString kFirst = QStringLiteral("first");
 void storeComparison(data::RunJournal& journal, qint64 run, const RehearsalComparison& comparison) {
     QCborArray first;
     for (const RehearsalDifference& one : comparison.first)
-        first.append(QCborArray{static_cast<int>(one.kind), one.table, one.record, one.key, one.field,
-                                one.rehearsedBefore, one.rehearsedAfter, one.before, one.after});
+        first.append(QCborArray{static_cast<int>(one.kind), one.table, one.record, one.key,
+                                one.field, one.rehearsedBefore, one.rehearsedAfter, one.before,
+                                one.after});
     journal.setNote(run, kNote,
                     QCborMap{{kRehearsal, comparison.rehearsal},
                              {kSame, comparison.same},

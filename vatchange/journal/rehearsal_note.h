@@ -17,9 +17,10 @@ struct RehearsalDifference {
     };
     Kind kind = Kind::Otherwise;
     QString table;
-    QString key;              ///< the fields of key 0, joined by a blank
-    QString field;            ///< as the catalogue writes it
-    QString rehearsedBefore;  ///< empty if OnlyMade
+    data::RecordId record = 0;  ///< that the run changed; 0 if OnlyRehearsed
+    QString key;                ///< the fields of key 0, joined by a blank
+    QString field;              ///< as the catalogue writes it
+    QString rehearsedBefore;    ///< empty if OnlyMade
     QString rehearsedAfter;
     QString before;  ///< empty if OnlyRehearsed
     QString after;
