@@ -134,6 +134,8 @@ void TAlvMuutosLomake::connectControls() {
 
     connect(Esikatsele, &QPushButton::clicked, this,
             [this] { framework::reportErrors(this, [this] { EsikatseleClick(); }); });
+    connect(m_rehearse, &QPushButton::clicked, this,
+            [this] { framework::reportErrors(this, [this] { KoeajoClick(); }); });
     connect(m_close, &QPushButton::clicked, this, &QWidget::close);
     connect(m_interrupt, &QPushButton::clicked, this, [this] {
         m_cancelRequested = true;
