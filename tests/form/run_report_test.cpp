@@ -35,7 +35,7 @@ TEST(DefinitionReport, DescribesRestrictionsAsTheSelectionAppliesThem) {
 }
 
 TEST(RunReport, ListsChangesFailuresAndSkippedProducts) {
-    test::CompanyFolder company;
+    const test::ShopCompany company;
     vatchange::ChangeReport report;
     report.company = str("Koe <Oy>");
     report.name = str("Alv255");
@@ -54,7 +54,7 @@ TEST(RunReport, ListsChangesFailuresAndSkippedProducts) {
     run.logTo = QFileInfo(run.logName).size();
     report.lastRun = run;
 
-    const framework::Report made = changeReport(report);
+    const framework::Report made = changeReport(company.database(), report);
     EXPECT_EQ(made.headLeft, report.company);
     expectParts(made.html, {"kesto 1 h 2 min", "kaikki ei onnistunut", ">Tuotteet<",
                             "Virhe kampanjan päivityksessä: Levy on täynnä", "A1, A2 ja 1 muuta",
@@ -63,10 +63,10 @@ TEST(RunReport, ListsChangesFailuresAndSkippedProducts) {
     report.lastRun->result = {};
     report.lastRun->result.refused = true;
     report.lastRun->result.refusal = str("Kohteen ALV -luokan on oltava > 0!");
-    expectParts(changeReport(report).html,
+    expectParts(changeReport(company.database(), report).html,
                 {"Muutosta ei tehty", "oltava &gt; 0!", "Ajo ei muuttanut mitään."});
     report.lastRun.reset();
-    expectParts(changeReport(report).html, {"ei ole ajettu muutosta"});
+    expectParts(changeReport(company.database(), report).html, {"ei ole ajettu muutosta"});
 }
 
 int pagesOf(const QString& html, const QString& file) {

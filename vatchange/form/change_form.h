@@ -114,6 +114,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     QString checkDeliveryLimit();
     QString checkCoefficient(framework::DecimalEdit* edit);
     bool chooseOptions(const ChangeDefinition& definition, RunOptions& options);
+    void showChangesOfRun();
     bool agreesToRun(const LoadedDefinition& definition, RunOptions& options);
     void setRunning(bool running);
     /// `share`: 0 to 1; negative: unknown.
@@ -137,6 +138,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     QPushButton* m_close = nullptr;
     QPushButton* m_ready = nullptr;     ///< "Valmis määrittely..."
     QPushButton* m_findings = nullptr;  ///< hidden without findings
+    QPushButton* m_changes = nullptr;   ///< "Näytä muutokset...", after a run that has a journal
     QStringList m_findingTexts;
     QTimer m_edited;  ///< runs out shortly after the last edit
     ProductCount m_count;
