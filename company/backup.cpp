@@ -53,9 +53,9 @@ engines::CopyProgress copyProgress(const BackupProgress& progress) {
     if (!progress)
         return {};
     return [&progress](engines::CopyPhase phase, qint64 done, qint64 total) {
-        return progress(phase == engines::CopyPhase::Copying ? BackupPhase::Copying
-                                                             : BackupPhase::Checking,
-                        done, total);
+        return progress(
+            phase == engines::CopyPhase::Copying ? BackupPhase::Copying : BackupPhase::Checking,
+            done, total);
     };
 }
 

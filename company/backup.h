@@ -29,7 +29,8 @@ QString backupFileName(const QString& companyName, const QDateTime& when);
 /// record and key of the copy, gives it its name then and remembers it as the company's last
 /// backup. Nothing is left of a cancelled or failed one. The file's folder must exist.
 /// @return the backup; nothing if it was cancelled.
-/// @throws data::DataError (Damaged: the copy has errors, the first ones are in the text; DiskFull).
+/// @throws data::DataError (Damaged: the copy has errors, the first ones are in the text;
+/// DiskFull).
 std::optional<Backup> makeBackup(const QString& companyName, const QString& file,
                                  const BackupProgress& progress = {});
 

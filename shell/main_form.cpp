@@ -90,7 +90,8 @@ void TMainForm::readBatchList() {
                    company::batchListText(fileName, list)};
         showBatchList(list);
     } catch (const data::DataError& e) {
-        m_batch = {{}, {}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
+        m_batch = {
+            {}, {}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
         throw;
     }
     m_listRead = true;

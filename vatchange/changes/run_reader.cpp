@@ -5,6 +5,7 @@
 #include "vatchange/journal/run_chain.h"
 #include "vatchange/journal/run_notes.h"
 #include "vatchange/journal/run_upkeep.h"
+#include "vatchange/rules/change_day.h"
 
 namespace vatchange {
 
@@ -248,7 +249,7 @@ void RunReader::judgeOrderRow(const ReadTable& table, int record,
     std::unique_ptr<OrderRows>& orders = m_orders[table.table().stored.name];
     if (!orders)
         orders = std::make_unique<OrderRows>(m_database, table.table().stored.name);
-    const QString reason = orderRisk(orders->open(present), m_dayOfChange);
+    const QString reason = orderRisk(orders->open(present), changeDay(*m_read.definition));
     if (reason.isEmpty())
         return;
     int row = rowOf(record, values.front().field);

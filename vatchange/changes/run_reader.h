@@ -54,7 +54,6 @@ class RunReader {
     std::map<QString, std::unique_ptr<OrderRows>> m_orders;  // by the rows' table
     ProductNames m_names;
     data::IdSets m_takenBack;  // seqs, as ids of table 0
-    QDate m_dayOfChange = kDayOfChange;
     const qint64 m_last;
     qint64 m_seq = 0;
     int m_firstRecord = 0;                // of this run in the list

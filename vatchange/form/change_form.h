@@ -43,6 +43,9 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     /// True if Unattended is set, the program was started with "/E", or no one can see a window.
     bool unattended() const override;
 
+    /// Values that are off are not saved, and taken out of the file.
+    framework::SavedDefinition currentDefinition(const QString& name,
+                                                 const QString& description) const override;
     /// The definition in the controls.
     ChangeDefinition definitionFromForm() const;
     /// The definition to run, with its load findings: the loaded or saved one until the controls
@@ -101,6 +104,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     std::optional<double> coefficientOfClasses() const;
     void followClasses();
     void watchExits();
+    static QString checkDate(const framework::DateEdit* edit);
     void watchDrops();
     void chooseReadyDefinition();
     std::optional<int> classOfRate(double percent);
@@ -111,7 +115,6 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void showGroupNames();
     void showFindings();
     void showProductCount(qint64 products);
-    QString checkDeliveryLimit();
     QString checkCoefficient(framework::DecimalEdit* edit);
     bool chooseOptions(const ChangeDefinition& definition, RunOptions& options);
     void showChangesOfRun();

@@ -1,3 +1,4 @@
+#include <QStorageInfo>
 #include <algorithm>
 
 #include "company/company.h"
@@ -7,12 +8,20 @@
 #include "vatchange/form/change_form.h"
 #include "vatchange/form/run_question.h"
 #include "vatchange/report/run_text.h"
+#include "vatchange/run/company_findings.h"
 #include "vatchange/run/run_context.h"
 #include "vatchange/views/changes_window.h"
 
 namespace vatchange {
 
 namespace {
+
+QStringList textsOf(const std::vector<DefinitionFinding>& findings) {
+    QStringList texts;
+    for (const DefinitionFinding& finding : findings)
+        texts += finding.text;
+    return texts;
+}
 
 // The last backup and the way to make one; a database server makes its own.
 void tellBackup(RunQuestionFacts& question) {
@@ -58,7 +67,15 @@ bool TAlvMuutosLomake::agreesToRun(const LoadedDefinition& loaded, RunOptions& o
             question.definition += QStringLiteral(" (muutettu, ei talletettu)");
         question.classes = classText(loaded.definition.sourceClass) + QStringLiteral(" → ") +
                            classText(loaded.definition.targetClass);
-        question.findings = definitionNotes(loaded, facts);
+        question.findings = textsOf(definitionFindings(loaded, facts));
+        question.lateFindings = [&](qint64 products, const std::function<bool()>& stop) {
+            CompanyFindingOptions looked;
+            if (products >= 0)
+                looked.products = products;
+            looked.freeBytes = QStorageInfo(company::currentCompany().dataFolder).bytesAvailable();
+            looked.stop = stop;
+            return textsOf(companyFindings(m_database, loaded.definition, looked));
+        };
         tellBackup(question);
         RunQuestion window(this, m_database, loaded.definition, question);
         agreed = framework::Dialogs::exec(window);

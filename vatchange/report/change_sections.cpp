@@ -114,16 +114,16 @@ void pictureSections(ReportHtml& html, std::vector<framework::ReportPicture>& pi
         return;
     html.section(QStringLiteral("Hintojen muutosten jakauma"));
     html.picture(pictures.size());
-    pictures.push_back({kSpreadMm, [spread = overview.spread](QPainter& painter,
-                                                              const QRectF& place) {
-                            paintSpread(painter, place, spread);
-                        }});
+    pictures.push_back(
+        {kSpreadMm, [spread = overview.spread](QPainter& painter, const QRectF& place) {
+             paintSpread(painter, place, spread);
+         }});
     html.section(QStringLiteral("Hintojen päätteet ennen ja jälkeen"));
     html.picture(pictures.size());
-    pictures.push_back({kEndingsMm, [endings = overview.endings](QPainter& painter,
-                                                                 const QRectF& place) {
-                            paintEndings(painter, place, endings);
-                        }});
+    pictures.push_back(
+        {kEndingsMm, [endings = overview.endings](QPainter& painter, const QRectF& place) {
+             paintEndings(painter, place, endings);
+         }});
 }
 
 void findingSections(ReportHtml& html, const ChangeList& list) {
