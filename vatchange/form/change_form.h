@@ -121,6 +121,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void showProductCount(qint64 products);
     QString checkCoefficient(framework::DecimalEdit* edit);
     bool chooseOptions(const ChangeDefinition& definition, RunOptions& options);
+    void showChangesOfRun();
     bool agreesToRun(const LoadedDefinition& definition, RunOptions& options);
     struct RehearsalOutcome {
         QString status;                    ///< for the status line
@@ -153,6 +154,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     QPushButton* m_close = nullptr;
     QPushButton* m_ready = nullptr;     ///< "Valmis määrittely..."
     QPushButton* m_findings = nullptr;  ///< hidden without findings
+    QPushButton* m_changes = nullptr;   ///< "Näytä muutokset...", after a run that has a journal
     QStringList m_findingTexts;
     QTimer m_edited;  ///< runs out shortly after the last edit
     ProductCount m_count;
