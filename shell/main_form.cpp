@@ -145,12 +145,11 @@ void TMainForm::openChangeForm() {
         m_changeForm = new TAlvMuutosLomake(company::companyDatabase());
         m_changeForm->Unattended = BatchMode;
         connect(m_changeForm, &TAlvMuutosLomake::closed, this, &TMainForm::changeFormClosed);
-        connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this,
-                [this](bool running) {
-                    setEnabled(!running);
-                    if (!running && !BatchMode)
-                        refreshLastRun();
-                });
+        connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this, [this](bool running) {
+            setEnabled(!running);
+            if (!running && !BatchMode)
+                refreshLastRun();
+        });
     }
     m_changeForm->show();
     m_changeForm->raise();
