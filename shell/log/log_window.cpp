@@ -275,7 +275,7 @@ void LogWindow::showState() {
                     QStringLiteral("huomautusta"));
     text += m_model.complete()
                 ? QStringLiteral(".")
-                : QStringLiteral("; luettu %1 %.").arg(static_cast<int>(100 * m_model.partRead()));
+                : QStringLiteral("; luettu %1 %").arg(static_cast<int>(100 * m_model.partRead()));
     m_state->setText(text);
 }
 

@@ -1,15 +1,14 @@
 #pragma once
 
-#include <QDateEdit>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTimeEdit>
 #include <optional>
 
 #include "company/batch_list.h"
+#include "framework/ui/value_edits.h"
 #include "shell/schedule/schedule_note.h"
 
 namespace shell {
@@ -31,7 +30,9 @@ class ScheduleDialog : public QDialog {
     QLayout* buildButtons();
     void showExisting();
     void showMoment();
+    /// Invalid if date or time cannot be read.
     QDateTime moment() const;
+    QTime typedTime() const;
     void schedule();
     void removeExisting();
     bool agreesToLogon();
@@ -41,8 +42,8 @@ class ScheduleDialog : public QDialog {
     std::optional<ScheduleNote> m_existing;
     QRadioButton* m_run;
     QRadioButton* m_rehearse;
-    QDateEdit* m_date;
-    QTimeEdit* m_time;
+    framework::DateEdit* m_date;
+    QLineEdit* m_time;
     QLabel* m_inWords;
     QLineEdit* m_password = nullptr;  ///< only where the scheduler takes one
     QPushButton* m_schedule;
