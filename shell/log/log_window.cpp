@@ -77,6 +77,7 @@ LogWindow::LogWindow(QWidget* parent)
     parts->addWidget(m_details);
     parts->setStretchFactor(0, 1);
     parts->setCollapsible(0, false);
+    parts->setSizes({kHeight, kDetailLines * fontMetrics().lineSpacing() + kGap});
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     column->setSpacing(kGap);
