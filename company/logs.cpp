@@ -101,7 +101,7 @@ QByteArray lineInUtf8(const QString& message) {
 }  // namespace
 
 QString AlvMuutosLogName() {
-    return dataFolderFile(QStringLiteral("ALVMUUTOS.LOG"));
+    return logFolderFile(QStringLiteral("ALVMUUTOS.LOG"));
 }
 
 void WriteAlvMuutosLog(const QString& message) {

@@ -5,7 +5,7 @@
 
 namespace company {
 
-/// Full path of the change log "ALVMUUTOS.LOG" in the data folder.
+/// Full path of the change log "ALVMUUTOS.LOG" in the company's log folder, usually its data folder.
 QString AlvMuutosLogName();
 
 /// Appends the line "dd.mm.yyyy hh:nn:ss@COMPUTER  message" in UTF-8 with the platform's line end.

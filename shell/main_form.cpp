@@ -17,6 +17,7 @@
 #include "framework/ui/window_place.h"
 #include "platform/command_line.h"
 #include "platform/end_request.h"
+#include "shell/batch_papers.h"
 #include "shell/log/log_window.h"
 #include "shell/schedule/schedule_line.h"
 #include "vatchange/journal/run_notes.h"
@@ -100,10 +101,11 @@ void TMainForm::readBatchList() {
     const QString fileName = company::batchListToRead();
     try {
         const company::BatchList list = company::readBatchList(fileName);
-        m_batch = {list, company::batchListText(fileName, list)};
+        m_batch = {list, company::readBatchSettings(fileName),
+                   company::batchListText(fileName, list)};
         showBatchList(list);
     } catch (const data::DataError& e) {
-        m_batch = {{}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
+        m_batch = {{}, {}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
         throw;
     }
     m_listRead = true;
@@ -218,6 +220,10 @@ ExitStatus TMainForm::runWholeBatch() {
         notRun.refused = true;
         return notRun;
     };
+    ports.backup = [](const QString& folder) {
+        return batchBackup(folder, platform::endRequested);
+    };
+    ports.report = batchReport;
     ports.generalLog = company::writeGeneralLog;
     ports.standardError = [](const QString& line) { QTextStream(stderr) << line << '\n'; };
     ports.changeLog = company::WriteAlvMuutosLog;

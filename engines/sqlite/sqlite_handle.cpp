@@ -66,6 +66,12 @@ DataError inFinnish(const DataError& error, int code) {
     }
 }
 
+/// The file as a SQLite URI that opens also the index of the write-ahead log read-only. If no other
+/// program has the file open, SQLite then reads the log into an index in memory.
+QByteArray untouchedUri(const QString& fileName) {
+    return "file:" + fileName.toUtf8().toPercentEncoding("/") + "?mode=ro&readonly_shm=1";
+}
+
 /// The system's code of the last failure of reading or writing; 0: not known. After undoing what
 /// failed only the file may still know it.
 int systemError(sqlite3* db) {
@@ -130,12 +136,16 @@ void throwSqlite(sqlite3* db, int code, const QString& table) {
 }
 
 SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX |
-                      (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX;
+    if (mode == Mode::Create)
+        flags |= SQLITE_OPEN_CREATE;
+    else if (mode == Mode::Untouched)
+        flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX;
     if (mode == Mode::Create && fileName != QLatin1String(":memory:"))
         makeFile(fileName);
-    const int code =
-        sqlite3_open_v2(systemPath(fileName).toUtf8().constData(), &m_db, flags, fileSystemName());
+    const QString path = systemPath(fileName);
+    const QByteArray name = mode == Mode::Untouched ? untouchedUri(path) : path.toUtf8();
+    const int code = sqlite3_open_v2(name.constData(), &m_db, flags, fileSystemName());
     if (code != SQLITE_OK) {
         const QString detail =
             QString::fromUtf8(m_db != nullptr ? sqlite3_errmsg(m_db) : sqlite3_errstr(code));
@@ -144,6 +154,8 @@ SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {
         throw inFinnish(DataError(kind, fileName, detail, code), code);
     }
     sqlite3_extended_result_codes(m_db, 1);
+    if (mode == Mode::Untouched)
+        sqlite3_db_config(m_db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
 }
 
 SqliteHandle::~SqliteHandle() {

@@ -54,6 +54,12 @@ QString Dialogs::saveFileName(QWidget* parent, const QString& title, const QStri
     return handler().saveFileName(parent, title, suggested, filter);
 }
 
+QString Dialogs::openFileName(QWidget* parent, const QString& title, const QString& folder,
+                              const QString& filter) {
+    const CloseDeferral deferral(parent);
+    return handler().openFileName(parent, title, folder, filter);
+}
+
 QString Dialogs::folder(QWidget* parent, const QString& title, const QString& start) {
     const CloseDeferral deferral(parent);
     return handler().folder(parent, title, start);

@@ -22,6 +22,8 @@ class DialogHandler {
     virtual int choose(QWidget* parent, const QString& text, const QStringList& answers) = 0;
     virtual QString saveFileName(QWidget* parent, const QString& title, const QString& suggested,
                                  const QString& filter) = 0;
+    virtual QString openFileName(QWidget* parent, const QString& title, const QString& folder,
+                                 const QString& filter) = 0;
     virtual QString folder(QWidget* parent, const QString& title, const QString& start) = 0;
 };
 
@@ -39,6 +41,9 @@ class Dialogs {
     static int choose(QWidget* parent, const QString& text, const QStringList& answers);
     /// @return the chosen file; empty if cancelled
     static QString saveFileName(QWidget* parent, const QString& title, const QString& suggested,
+                                const QString& filter);
+    /// @return the chosen file, which exists; empty if cancelled
+    static QString openFileName(QWidget* parent, const QString& title, const QString& folder,
                                 const QString& filter);
     /// @return the chosen folder; empty if cancelled
     static QString folder(QWidget* parent, const QString& title, const QString& start);

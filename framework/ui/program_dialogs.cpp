@@ -101,6 +101,13 @@ QString ProgramDialogs::saveFileName(QWidget* parent, const QString& dialogTitle
     return QFileDialog::getSaveFileName(parent, dialogTitle, suggested, filter);
 }
 
+QString ProgramDialogs::openFileName(QWidget* parent, const QString& dialogTitle,
+                                     const QString& folder, const QString& filter) {
+    if (!isInteractive())
+        return {};
+    return QFileDialog::getOpenFileName(parent, dialogTitle, folder, filter);
+}
+
 QString ProgramDialogs::folder(QWidget* parent, const QString& dialogTitle, const QString& start) {
     if (!isInteractive())
         return {};

@@ -13,6 +13,8 @@ class ProgramDialogs : public DialogHandler {
     int choose(QWidget* parent, const QString& text, const QStringList& answers) override;
     QString saveFileName(QWidget* parent, const QString& title, const QString& suggested,
                          const QString& filter) override;
+    QString openFileName(QWidget* parent, const QString& title, const QString& folder,
+                         const QString& filter) override;
     QString folder(QWidget* parent, const QString& title, const QString& start) override;
 };
 

@@ -1,4 +1,4 @@
-#include "vatchange/form/run_report.h"
+#include "vatchange/report/change_report.h"
 
 #include <QAbstractButton>
 #include <QRegularExpression>

@@ -52,6 +52,9 @@ class ScriptedDialogs : public framework::DialogHandler {
     QString saveFileName(QWidget*, const QString&, const QString&, const QString&) override {
         return next({}).fileName;
     }
+    QString openFileName(QWidget*, const QString&, const QString&, const QString&) override {
+        return next({}).fileName;
+    }
     QString folder(QWidget*, const QString&, const QString&) override { return next({}).fileName; }
 
   private:

@@ -13,7 +13,7 @@
 #include "platform/command_line.h"
 #include "vatchange/definition/coefficients.h"
 #include "vatchange/form/definition_controls.h"
-#include "vatchange/form/run_report.h"
+#include "vatchange/report/change_report.h"
 
 namespace vatchange {
 
@@ -349,7 +349,7 @@ framework::Report TAlvMuutosLomake::report() const {
         if (const auto rate = ratePercent(vatClass))
             report.names.rates.insert(vatClass, ratePattern(*rate));
     }
-    return changeReport(report);
+    return changeReport(m_database, report);
 }
 
 void TAlvMuutosLomake::NaytaViesti(const QString& text) {

@@ -7,8 +7,8 @@
 #include "platform/command_line.h"
 #include "platform/end_request.h"
 #include "vatchange/form/change_form.h"
-#include "vatchange/form/run_report.h"
 #include "vatchange/form/unfinished_question.h"
+#include "vatchange/report/change_report.h"
 
 namespace vatchange {
 

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <set>
 
 #include "data/engine/run_journal.h"
@@ -14,6 +15,7 @@ struct RunOutcome {
     bool stopped = false;
     std::set<QString> failedTables;  ///< tables whose step failed, in capitals (TUOTE, MTRIVI ...)
     std::set<QString> passedOver;    ///< numbers of products that another program held
+    QStringList failures = {};       ///< error messages of the steps, in step order
 };
 
 inline const QString kOutcomeNote = QStringLiteral("outcome");

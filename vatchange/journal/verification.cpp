@@ -53,12 +53,16 @@ Verification verifyRun(data::Database& database, qint64 run, const VerifyOptions
     verification.run = run;
     FindingList findings(verification, options);
     const std::optional<ChangeDefinition> definition = definitionOfRun(*journal, run);
-    JournalCheck check(database, *journal, run, definition, verification, findings);
-    check.run();
-    if (definition) {
-        const std::optional<RunOutcome> outcome = outcomeOfRun(*journal, run);
-        countRemaining(database, {*definition, outcome, check.converted(), check.undone()},
-                       verification, findings);
+    try {
+        JournalCheck check(database, *journal, run, definition, verification, findings);
+        check.run();
+        if (definition) {
+            const std::optional<RunOutcome> outcome = outcomeOfRun(*journal, run);
+            countRemaining(database, {*definition, outcome, check.converted(), check.undone()},
+                           verification, findings);
+        }
+    } catch (const FindingList::Cancelled&) {
+        verification.cancelled = true;
     }
     return verification;
 }

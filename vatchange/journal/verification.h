@@ -43,6 +43,7 @@ struct Finding {
     LeftReason reason = LeftReason::Unknown;      ///< of LeftBehind
     UnchangedCause cause = UnchangedCause::None;  ///< of PriceUnchanged
     QString table;
+    data::RecordId record = 0;
     QString key;          ///< the fields of key 0, joined by a blank
     QString field;        ///< as the catalogue writes it; empty for a whole record
     QString before;       ///< before the run; empty for a whole record
@@ -69,10 +70,18 @@ struct Remainder {
     qint64 records = 0;
 };
 
+/// Records of a table that the run changed, each counted once.
+struct TableRecords {
+    QString table;
+    qint64 records = 0;
+};
+
 struct Verification {
     qint64 run = 0;
+    bool cancelled = false;  ///< by VerifyOptions::goOn: nothing else counts then
     qint64 changes = 0;  ///< entries of the journal
     qint64 undone = 0;   ///< of them taken back
+    std::vector<TableRecords> records;  ///< labels, marks and the run mark too
     std::vector<PriceSums> sums;
     std::vector<Remainder> remaining;
     std::array<qint64, kFindingKinds> counts{};  ///< of all findings
@@ -90,6 +99,10 @@ struct Verification {
 struct VerifyOptions {
     int listed = 20;  ///< at most this many findings of a kind are kept
     std::function<void(const Finding&)> see = {};  ///< gets all findings
+    /// Called between records, many times a second; returning false cancels.
+    std::function<bool()> goOn = {};
+    /// `see` also gets, as LeftBehind, what a rule leaves and is otherwise only counted.
+    bool seeRules = false;
 };
 
 /// Holds a run's journal against the database's records, which are read in storage order or by

@@ -184,6 +184,14 @@ QStringList allLines(const Verification& verification, const Wording& w) {
 
 }  // namespace
 
+QString reasonFinnish(LeftReason reason) {
+    return finnish().reasons[static_cast<size_t>(reason)];
+}
+
+QString causeFinnish(UnchangedCause cause) {
+    return finnish().causes[static_cast<size_t>(cause)];
+}
+
 QString findingFinnish(const Finding& finding) {
     return findingText(finding, finnish());
 }

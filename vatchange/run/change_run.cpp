@@ -197,6 +197,18 @@ void deferFlushes(RunContext& run, bool on) {
                               [&] { run.database.deferFlushes(on); });
 }
 
+/// A stopped run has left the journal before its verification was logged.
+void endStoppedAttempt(RunContext& run) {
+    data::RunJournal* journal = run.database.journal();
+    if (run.journal != nullptr || journal == nullptr || run.result.run == 0)
+        return;
+    try {
+        endAttempt(run, *journal);
+    } catch (const std::exception& error) {
+        run.ports.log(QStringLiteral("Virhe ajopäiväkirjan kirjoituksessa: ") + errorText(error));
+    }
+}
+
 /// Claims the company for this run. Returns the reason if impossible, else empty.
 QString claimCompany(data::Database& database) {
     try {
@@ -221,6 +233,7 @@ void releaseCompany(data::Database& database, RunPorts& ports) {
 RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports,
                     const RunOptions& options) {
     RunResult result;
+    const RunAttempt attempt = newAttempt();
     result.refusal = claimCompany(database);
     if (!result.refusal.isEmpty()) {
         result.refused = true;
@@ -231,6 +244,7 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
     ChangeDefinition definition = loaded.definition;
     dropMissingGroups(definition, facts);
     RunContext run(database, definition, ports, result);
+    run.attempt = attempt;
     if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) &&
         earlierRunsAllow(run, options) && enterJournal(run, loaded, options)) {
         for (const QString& note : definitionNotes(loaded, facts))
@@ -244,6 +258,7 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
                 leaveJournal(run);
             verifyAtEnd(run);
             deferFlushes(run, false);
+            endStoppedAttempt(run);
         } catch (...) {  // of the ports
             run.leftBehind = true;
             deferFlushes(run, false);

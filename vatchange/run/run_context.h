@@ -11,6 +11,7 @@
 #include "data/error.h"
 #include "data/sql/uni_query.h"
 #include "vatchange/definition/definition_problems.h"
+#include "vatchange/journal/run_attempts.h"
 #include "vatchange/journal/run_notes.h"
 #include "vatchange/journal/run_outcome.h"
 #include "vatchange/journal/run_progress.h"
@@ -60,6 +61,7 @@ struct RunContext {
     std::unique_ptr<RunProgress> progress;
     /// Set when a step leaves products or orders behind that a resumed run can still change.
     bool leftBehind = false;
+    RunAttempt attempt;                 ///< begun with the run, before its checks
     RunOutcome outcome;                 ///< what verification has to know of the steps
     void setOrigin(qint64 origin);      ///< see RunJournal::setOrigin()
     void mark(const QByteArray& text);  ///< appends a mark to the journal

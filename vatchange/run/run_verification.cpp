@@ -1,6 +1,8 @@
 #include "vatchange/run/run_verification.h"
 
+#include "data/clock.h"
 #include "vatchange/journal/earlier_runs.h"
+#include "vatchange/journal/stored_verification.h"
 #include "vatchange/journal/verification_text.h"
 
 namespace vatchange {
@@ -12,8 +14,10 @@ void verifyAtEnd(RunContext& run) {
     try {
         run.ports.stepStatus(QStringLiteral("Tarkastetaan ajo"));
         run.outcome.stopped = run.result.cancelled;
+        run.outcome.failures = run.result.failures;
         journal->setNote(run.result.run, kOutcomeNote, outcomeNote(run.outcome));
         run.result.verification = verifyRun(run.database, run.result.run);
+        storeVerification(*journal, *run.result.verification, data::Clock::now());
         const QString line = verificationLine(*run.result.verification);
         if (run.result.verification->holds() || run.result.cancelled)
             run.ports.log(line);

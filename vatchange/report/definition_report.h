@@ -5,7 +5,7 @@
 #include <QStringList>
 
 #include "vatchange/definition/change_definition.h"
-#include "vatchange/form/report_html.h"
+#include "vatchange/report/report_html.h"
 
 namespace vatchange {
 

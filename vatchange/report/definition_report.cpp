@@ -1,4 +1,4 @@
-#include "vatchange/form/definition_report.h"
+#include "vatchange/report/definition_report.h"
 
 #include <QLocale>
 

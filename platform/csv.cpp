@@ -1,9 +1,9 @@
-#include "tools/zavdb/csv.h"
+#include "platform/csv.h"
 
 #include <QStringDecoder>
 #include <algorithm>
 
-namespace tools {
+namespace platform {
 
 namespace {
 
@@ -126,16 +126,18 @@ QByteArrayView CsvReader::field(int index) const {
     return QByteArrayView(m_record).sliced(begin, m_ends[i] - begin);
 }
 
-CsvWriter::CsvWriter(QIODevice& device) : m_device(device) {}
+CsvWriter::CsvWriter(QIODevice& device, char separator)
+    : m_device(device), m_separator(separator) {}
 
 void CsvWriter::add(const QString& text) {
     if (m_fields++ > 0)
-        m_output.append(',');
+        m_output.append(m_separator);
     // a byte order mark at the start would be taken for the file's own
-    const bool quote = text.startsWith(QChar::ByteOrderMark) ||
-                       std::any_of(text.cbegin(), text.cend(), [](QChar c) {
-                           return c == u',' || c == u'"' || c == u'\r' || c == u'\n';
-                       });
+    const bool quote =
+        text.startsWith(QChar::ByteOrderMark) ||
+        std::any_of(text.cbegin(), text.cend(), [this](QChar c) {
+            return c == QLatin1Char(m_separator) || c == u'"' || c == u'\r' || c == u'\n';
+        });
     if (!quote) {
         m_output.append(text.toUtf8());
         return;
@@ -170,4 +172,4 @@ bool decodeUtf8(QByteArrayView bytes, QString& text) {
     return !decoder.hasError();
 }
 
-}  // namespace tools
+}  // namespace platform

@@ -1,21 +1,41 @@
-#include "vatchange/form/report_html.h"
+#include "vatchange/report/report_html.h"
 
 #include <QLocale>
 #include <utility>
 
+#include "framework/ui/pdf_report.h"
+
 namespace vatchange {
 
-void ReportHtml::title(const QString& text) {
+namespace {
+
+QString heading(int level, const QString& text, ReportHtml::Page page) {
+    return QStringLiteral("<h%1%2>%3</h%1>")
+        .arg(QString::number(level),
+             page == ReportHtml::Page::New ? QStringLiteral(" style='page-break-before: always'")
+                                           : QString(),
+             text.toHtmlEscaped());
+}
+
+}  // namespace
+
+void ReportHtml::title(const QString& text, Page page) {
     closeTable();
-    m_text += QStringLiteral("<h1>%1</h1>").arg(text.toHtmlEscaped());
+    m_text += heading(1, text, page);
 }
 
 void ReportHtml::section(const QString& title, Page page) {
     closeTable();
-    m_text += QStringLiteral("<h2%2>%1</h2>")
-                  .arg(title.toHtmlEscaped(),
-                       page == Page::New ? QStringLiteral(" style='page-break-before: always'")
-                                         : QString());
+    m_text += heading(2, title, page);
+}
+
+void ReportHtml::subsection(const QString& title) {
+    closeTable();
+    m_text += heading(3, title, Page::Same);
+}
+
+void ReportHtml::picture(size_t index) {
+    paragraph(framework::Report::pictureMark(index));
 }
 
 void ReportHtml::paragraph(const QString& text) {

@@ -8,10 +8,13 @@ namespace vatchange {
 /// Builds the body of a report. Takes plain texts and escapes them.
 class ReportHtml {
   public:
-    void title(const QString& text);
     enum class Page { Same, New };
+    void title(const QString& text, Page page = Page::Same);
     void section(const QString& title, Page page = Page::Same);
+    void subsection(const QString& title);
     void paragraph(const QString& text);
+    /// The place of the report's picture of this index.
+    void picture(size_t index);
     /// A line of a log, in small type.
     void logLine(const QString& text);
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 /// Comma-separated values by RFC 4180, in UTF-8: the import and export format of the tables.
-namespace tools {
+namespace platform {
 
 /// Malformed CSV, or a device that cannot be read or written.
 class CsvError : public std::runtime_error {
@@ -65,7 +65,8 @@ class CsvReader {
 /// Writes records with CR LF; quotes only where necessary.
 class CsvWriter {
   public:
-    explicit CsvWriter(QIODevice& device);
+    /// `separator`: ASCII.
+    explicit CsvWriter(QIODevice& device, char separator = ',');
 
     void add(const QString& text);
     void endRecord();
@@ -74,6 +75,7 @@ class CsvWriter {
 
   private:
     QIODevice& m_device;
+    const char m_separator;
     QByteArray m_output;
     qsizetype m_recordStart = 0;
     int m_fields = 0;
@@ -82,4 +84,4 @@ class CsvWriter {
 /// Strict UTF-8. @return false if invalid; `text` is then undefined.
 bool decodeUtf8(QByteArrayView bytes, QString& text);
 
-}  // namespace tools
+}  // namespace platform

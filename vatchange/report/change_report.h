@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "framework/ui/pdf_report.h"
-#include "vatchange/form/definition_report.h"
+#include "vatchange/report/definition_report.h"
 #include "vatchange/run/run_summary.h"
 
 namespace vatchange {
@@ -18,8 +18,9 @@ struct ChangeReport {
     std::optional<RunSummary> lastRun;
 };
 
-/// Describes the definition and the last run, if any.
-framework::Report changeReport(const ChangeReport& report);
+/// Describes the definition and the last run, if any: one that has a journal by runReport().
+/// @throws data::DataError.
+framework::Report changeReport(data::Database& database, const ChangeReport& report);
 
 /// Returns the outcome of a run as a sentence for the status line and the report.
 QString outcomeText(const RunResult& result);
