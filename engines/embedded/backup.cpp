@@ -49,9 +49,9 @@ bool checkCopy(const QString& folder, const QString& named, const CopyProgress& 
             return !progress || progress(CopyPhase::Checking, done, total);
         });
     if (lines && !lines->isEmpty())
-        throw damagedCopy(named, QStringLiteral("%1 in all, the first: %2")
-                                     .arg(lines->size())
-                                     .arg(lines->first()));
+        throw damagedCopy(
+            named,
+            QStringLiteral("%1 in all, the first: %2").arg(lines->size()).arg(lines->first()));
     return lines.has_value();
 }
 
@@ -169,12 +169,12 @@ bool backupEmbedded(const QString& folder, const QString& targetFile, const Copy
     const QString unfinished = companyFile(workFolder.path());
     if (!copyInto(companyFile(folder), unfinished, progress))
         return false;
-    if (check == CopyCheck::Records &&
-        !checkCopy(workFolder.path(), companyFile(folder), progress))
+    if (check == CopyCheck::Records && !checkCopy(workFolder.path(), companyFile(folder), progress))
         return false;
     if (!QFile::rename(unfinished, targetFile))
         throw DataError(ErrorKind::Io, targetFile,
-                        QStringLiteral("the finished copy cannot be named"));
+                        QStringLiteral("the finished copy cannot be named"))
+            .inFinnish(QStringLiteral("valmista kopiota ei voi nimetä"));
     return true;
 }
 
