@@ -136,8 +136,10 @@ void TMainForm::readVatClasses() {
 
 void TMainForm::showCompany() {
     m_company->setText(QStringLiteral("YRITYS: ") + company::currentCompany().name);
-    if (!BatchMode)
-        m_scheduleLine->refresh();
+    if (BatchMode)
+        return;
+    refreshLastRun();
+    m_scheduleLine->refresh();
 }
 
 company::BatchList TMainForm::batchList() const {
@@ -158,7 +160,11 @@ void TMainForm::openChangeForm() {
         m_changeForm->Unattended = BatchMode;
         connect(m_changeForm, &TAlvMuutosLomake::closed, this, &TMainForm::changeFormClosed);
         connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this,
-                [this](bool running) { setEnabled(!running); });
+                [this](bool running) {
+                    setEnabled(!running);
+                    if (!running && !BatchMode)
+                        refreshLastRun();
+                });
     }
     m_changeForm->show();
     m_changeForm->raise();
@@ -183,7 +189,7 @@ void TMainForm::BitBtn1Click() {
     }
     framework::reportErrors(this, [this] {
         if (alreadyRun())
-            framework::Dialogs::message(this, kAlreadyRunText);
+            framework::Dialogs::message(this, alreadyRunAdvice());
         else
             openChangeForm();
     });

@@ -126,7 +126,7 @@ QLayout* TMainForm::buildButtons() {
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(kGap);
     const int height = removeMark->sizeHint().height();
-    for (QPushButton* button : {m_open, m_schedule, log, removeMark, leave}) {
+    for (QPushButton* button : {m_open, buildHistoryButton(), m_schedule, log, removeMark, leave}) {
         button->setAutoDefault(true);  // Enter presses the focused button
         button->setMinimumSize(kButtonWidth, height);
         buttons->addWidget(button, 1);

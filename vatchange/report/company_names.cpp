@@ -27,7 +27,7 @@ DefinitionNames companyNames(data::Database& database, const VatRates& rates) {
             query.fieldByName(QStringLiteral("NIMI")).asString().trimmed());
     for (const auto& [vatClass, percent] : rates)
         names.rates.insert(static_cast<int>(vatClass),
-                           QLocale().toString(percent, 'g', QLocale::FloatingPointShortest) + u'%');
+                           QLocale(QLocale::Finnish).toString(percent, 'g', QLocale::FloatingPointShortest) + u'%');
     return names;
 }
 

@@ -41,7 +41,7 @@ QString endingText(const JournalRun& run, const std::optional<StoredVerification
 }
 
 QString counted(qint64 count, const QString& one, const QString& many) {
-    return QLocale().toString(count) + u' ' + (count == 1 ? one : many);
+    return QLocale(QLocale::Finnish).toString(count) + u' ' + (count == 1 ? one : many);
 }
 
 }  // namespace

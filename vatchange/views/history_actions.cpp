@@ -15,6 +15,7 @@
 #include "vatchange/journal/run_upkeep.h"
 #include "vatchange/journal/verification_text.h"
 #include "vatchange/report/log_excerpt.h"
+#include "vatchange/report/report_html.h"
 #include "vatchange/report/run_report.h"
 #include "vatchange/report/run_text.h"
 #include "vatchange/views/changes_window.h"

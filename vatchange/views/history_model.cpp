@@ -43,7 +43,7 @@ QString cellText(const HistoryRun& run, int column) {
         case HistoryModel::Result:
             return stateName(head.state);
         case HistoryModel::Records:
-            return head.number == 0 ? QString() : QLocale().toString(head.rows);
+            return head.number == 0 ? QString() : QLocale(QLocale::Finnish).toString(head.rows);
         case HistoryModel::Who:
             return whoText(head);
         case HistoryModel::BatchColumn:

@@ -23,6 +23,7 @@ using data::RunState;
 constexpr int kMargin = 14;
 constexpr int kGap = 10;
 constexpr int kGroupGap = 12;
+constexpr int kColumnGap = 14;
 constexpr int kDetailLines = 4;
 constexpr QSize kSize(1040, 560);
 
@@ -62,7 +63,7 @@ QString detailText(data::RunJournal& journal, const HistoryRun& run) {
 }  // namespace
 
 HistoryWindow::HistoryWindow(data::Database& database, QWidget* parent)
-    : QWidget(parent, Qt::Window), m_database(database), m_model(new HistoryModel(this)) {
+    : QDialog(parent, Qt::Window), m_database(database), m_model(new HistoryModel(this)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowModality(Qt::ApplicationModal);
     setObjectName(QStringLiteral("Ajohistoria"));
@@ -168,6 +169,8 @@ void HistoryWindow::refresh() {
     const qint64 number = before != nullptr ? before->head.number : -1;
     m_model->read(m_database.journal());
     m_table->resizeColumnsToContents();
+    for (int column = 0; column < HistoryModel::Columns; ++column)
+        m_table->setColumnWidth(column, m_table->columnWidth(column) + kColumnGap);
     m_table->horizontalHeader()->setSectionResizeMode(HistoryModel::What, QHeaderView::Stretch);
     select(number);
     showSelected();
@@ -198,12 +201,10 @@ void HistoryWindow::showSelected() {
 }
 
 void HistoryWindow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
-        close();
-    else if (event->key() == Qt::Key_F5)
+    if (event->key() == Qt::Key_F5)
         framework::reportErrors(this, [this] { refresh(); });
     else
-        QWidget::keyPressEvent(event);
+        QDialog::keyPressEvent(event);
 }
 
 }  // namespace vatchange

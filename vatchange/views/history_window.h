@@ -1,9 +1,9 @@
 #pragma once
 
+#include <QDialog>
 #include <QLabel>
 #include <QPushButton>
 #include <QTableView>
-#include <QWidget>
 #include <vector>
 
 #include "data/engine/engine.h"
@@ -14,7 +14,7 @@ namespace vatchange {
 /// "Ajohistoria": the runs of the current company, undos and batches included, and what can be done
 /// with the selected one. Blocks the program's other windows, which could start a run meanwhile.
 /// Deletes itself when it is closed.
-class HistoryWindow : public QWidget {
+class HistoryWindow : public QDialog {
     Q_OBJECT
   public:
     /// @throws data::DataError if the journal cannot be read.
