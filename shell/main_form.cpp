@@ -105,7 +105,8 @@ void TMainForm::readBatchList() {
                    company::batchListText(fileName, list)};
         showBatchList(list);
     } catch (const data::DataError& e) {
-        m_batch = {{}, {}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
+        m_batch = {
+            {}, {}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
         throw;
     }
     m_listRead = true;
@@ -159,12 +160,11 @@ void TMainForm::openChangeForm() {
         m_changeForm = new TAlvMuutosLomake(company::companyDatabase());
         m_changeForm->Unattended = BatchMode;
         connect(m_changeForm, &TAlvMuutosLomake::closed, this, &TMainForm::changeFormClosed);
-        connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this,
-                [this](bool running) {
-                    setEnabled(!running);
-                    if (!running && !BatchMode)
-                        refreshLastRun();
-                });
+        connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this, [this](bool running) {
+            setEnabled(!running);
+            if (!running && !BatchMode)
+                refreshLastRun();
+        });
     }
     m_changeForm->show();
     m_changeForm->raise();

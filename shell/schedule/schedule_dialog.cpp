@@ -222,13 +222,12 @@ void ScheduleDialog::schedule() {
             removeSchedule(m_company);
         throw;
     }
-    m_done = QStringLiteral("Ajastettiin: ") + momentText(note.moment);
     accept();
 }
 
 void ScheduleDialog::removeExisting() {
     removeScheduleAndTask(m_company);
-    m_done = QStringLiteral("Ajastus poistettiin.");
+    m_removed = true;
     accept();
 }
 

@@ -22,8 +22,8 @@ class ScheduleDialog : public QDialog {
     ScheduleDialog(const QString& company, const company::BatchList& list,
                    QWidget* parent = nullptr);
 
-    /// What was done, in Finnish; empty if nothing.
-    const QString& doneText() const { return m_done; }
+    /// Whether the earlier schedule was removed.
+    bool removed() const { return m_removed; }
 
   private:
     QLayout* buildMoment();
@@ -48,7 +48,7 @@ class ScheduleDialog : public QDialog {
     QLineEdit* m_password = nullptr;  ///< only where the scheduler takes one
     QPushButton* m_schedule;
     QPushButton* m_remove;
-    QString m_done;
+    bool m_removed = false;
 };
 
 /// Takes the company's schedule out of the scheduler and forgets it. @throws data::DataError
