@@ -32,13 +32,15 @@ class PrivateCopy {
     /// The copy as a company, of the same name.
     const Company& company() const { return m_company; }
     std::unique_ptr<data::Database> open() const;
-    QString filePath(const QString& name) const { return m_folder.filePath(name); }
+    /// Whether the company's own engine is another one than the copy's.
+    bool isConverted() const { return m_converted; }
 
   private:
     explicit PrivateCopy(const QString& folder);
 
     data::WorkFolder m_folder;
     Company m_company;
+    bool m_converted = false;
 };
 
 /// Whether another process is in a run of the current company. Creates no lock file.

@@ -362,8 +362,9 @@ void TBtrHakuForm::startRowDrag() {
     if (!record)
         return;
     auto* drag = new QDrag(DBGrid1);
-    drag->setMimeData(
-        dragData(DBGrid1->objectName(), GridRow(recordLayout(), *record).text(m_resultField)));
+    drag->setMimeData(dragData(DBGrid1->objectName(),
+                               GridRow(recordLayout(), *record).text(m_resultField),
+                               Hakutable->tableName()));
     const framework::CloseDeferral deferral(this);
     drag->exec(Qt::CopyAction);
 }

@@ -8,6 +8,7 @@
 namespace shell {
 
 const QString kAlreadyRunText = QStringLiteral("Taksavaihe on kertaalleen ajettu");
+const QString kDefinitionBegins = QStringLiteral("Aloitetaan muutos määrittelylle: ");
 const QString kErrorPrefix = QStringLiteral("Virhe: ");
 
 namespace {
@@ -88,7 +89,7 @@ bool runDefinitions(BatchProgress& batch, const BatchPorts& ports, QStringList& 
             continue;
         }
         if (next->resume == 0)
-            ports.changeLog(QStringLiteral("Aloitetaan muutos määrittelylle: ") + next->name);
+            ports.changeLog(kDefinitionBegins + next->name);
         const vatchange::RunResult result = ports.run({next->resume, batch.firstRun()});
         clean = clean && result.clean();
         if (result.refused)
@@ -146,7 +147,7 @@ ExitStatus runBatch(const BatchSource& list, const BatchPorts& ports) {
         return ExitStatus::Done;
     }
     const RunLock lock(*ports.database);
-    if (!lock.taken()) {
+    if (!lock.taken() || ports.otherRunGoesOn()) {
         ports.changeLog(vatchange::kOtherRunText);
         return ExitStatus::Failed;
     }

@@ -47,6 +47,8 @@ struct BatchPorts {
     std::function<bool(const QString& definition)> load;
     /// Runs the definition in the form.
     std::function<vatchange::RunResult(const vatchange::RunOptions& options)> run;
+    /// Of a rehearsal, whose copy nobody else runs: whether a run of the company is going on.
+    std::function<bool()> otherRunGoesOn = [] { return false; };
     /// Makes a checked backup into a folder. @return why that failed, in Finnish; empty if it did
     /// not.
     std::function<QString(const QString& folder)> backup;
@@ -62,6 +64,9 @@ struct BatchPorts {
 
 /// Shown or logged when a finished change is run again.
 extern const QString kAlreadyRunText;
+
+/// Begins the change log line before each new definition.
+extern const QString kDefinitionBegins;
 
 /// Prefix of change log lines about the program's own errors.
 extern const QString kErrorPrefix;

@@ -233,6 +233,8 @@ ExitStatus TMainForm::runWholeBatch() {
     ports.generalLog = company::writeGeneralLog;
     ports.standardError = [](const QString& line) { QTextStream(stderr) << line << '\n'; };
     ports.changeLog = company::WriteAlvMuutosLog;
+    if (Rehearsal != nullptr)
+        Rehearsal->adapt(ports);
     m_batch.names = batchList();
     const qint64 lostBefore = company::lostChangeLogLines().count;
     const ExitStatus status = runBatch(m_batch, ports);
@@ -254,6 +256,8 @@ void TMainForm::runBatchAndLeave() {
             return;  // leave the windows to the user at the screen
         }
     }
+    if (Rehearsal != nullptr && !Rehearsal->finish() && m_exitStatus == ExitStatus::Done)
+        m_exitStatus = ExitStatus::Failed;
     if (m_exitStatus == ExitStatus::Failed && !m_problems.isEmpty())
         QTextStream(stderr) << m_problems.join(QLatin1Char('\n')) << '\n';
     else if (m_exitStatus == ExitStatus::AlreadyRun)

@@ -11,6 +11,7 @@
 
 #include "company/batch_list.h"
 #include "shell/batch.h"
+#include "shell/rehearsed_batch.h"
 #include "vatchange/form/change_form.h"
 
 namespace shell {
@@ -28,6 +29,8 @@ class TMainForm : public QWidget {
 
     /// Set before show(), which then starts the batch.
     bool BatchMode = false;
+    /// Set before show() if the batch is rehearsed.
+    RehearsedBatch* Rehearsal = nullptr;
 
     /// Fills the window: definition names, batch list, VAT classes. Called again when the change
     /// form closes; the names are then added once more to Maar2..Maar4, and VAT class labels are

@@ -24,6 +24,7 @@
 #include "shell/display_guard.h"
 #include "shell/main_form.h"
 #include "shell/program_title.h"
+#include "shell/rehearsed_batch.h"
 #include "shell/schedule/schedule_note.h"
 #include "shell/schedule/scheduled_start.h"
 
@@ -37,10 +38,12 @@ constexpr int kSplashProgressAtStart = 20;
 const QString kHelp = QStringLiteral(
     "Taksavaihe - alv-luokkien ja hintojen muutokset\n"
     "\n"
-    "Käyttö: taksavaihe [YRITYS] [/E] [/U] [/EP]\n"
+    "Käyttö: taksavaihe [YRITYS] [/E] [/KOEAJO] [/U] [/EP]\n"
     "\n"
     "  YRITYS            yrityksen nimi; ilman sitä yritys valitaan luettelosta\n"
     "  /E                eräajo: ajaa talletetut määrittelyt ilman käyttäjää ja lopettaa\n"
+    "  /KOEAJO           valitsimen /E kanssa: ajaa määrittelyt yrityksen kopiolla ja jättää\n"
+    "                    tulokset yrityksen kansioon KOEAJO; yrityksen tiedot eivät muutu\n"
     "  /U                ajaa muutoksen, vaikka se on jo kertaalleen ajettu\n"
     "  /EP               jättää päivämäärän tarkastuksen tekemättä\n"
     "  /unimonitor       jäljittää kaikki SQL-lauseet\n"
@@ -68,8 +71,8 @@ int fail(ExitStatus status, const QString& text) {
 
 // Unknown switches, as typed. A batch must not run with one: it would ignore what was requested.
 QStringList unknownSwitches() {
-    static constexpr std::array kKnown = {
-        "/E", "/U", "/EP", "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
+    static constexpr std::array kKnown = {"/E",          "/KOEAJO",        "/U",          "/EP",
+                                          "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
     const bool unattended = platform::hasSwitch(QStringLiteral("/E"));
     QStringList unknown;
     for (const QString& parameter : platform::parameters()) {
@@ -196,6 +199,11 @@ int start(QApplication& application, ScheduledStart& scheduled) {
         if (batch)
             return status;
     }
+    const bool rehearsed = platform::hasSwitch(QStringLiteral("/KOEAJO"));
+    if (rehearsed && !batch)
+        return fail(ExitStatus::Unavailable,
+                    QStringLiteral("Valitsin /KOEAJO tarvitsee valitsimen /E. Lomakkeella koeajo "
+                                   "on painike \"Koeajo...\"."));
     if (!batch && !framework::Dialogs::isInteractive())
         return fail(ExitStatus::Unavailable,
                     QStringLiteral("Ohjelman ikkunoita ei näkisi kukaan (näyttöalusta %1). ")
@@ -228,9 +236,18 @@ int start(QApplication& application, ScheduledStart& scheduled) {
     splash->repaint();
     if (const QString refusal = scheduled.refusal(); !refusal.isEmpty()) {
         // a rehearsal leaves nothing in the company's logs
-        if (!platform::hasSwitch(QStringLiteral("/KOEAJO")))
+        if (!rehearsed)
             company::writeGeneralLog(refusal);
         return fail(ExitStatus::Failed, refusal);
+    }
+
+    vatchange::removeAbandonedCopies();
+    std::unique_ptr<RehearsedBatch> rehearsal;
+    if (rehearsed) {
+        ExitStatus status = ExitStatus::Failed;
+        rehearsal = RehearsedBatch::begin(status);
+        if (!rehearsal)
+            return static_cast<int>(status);
     }
 
     try {
@@ -242,6 +259,7 @@ int start(QApplication& application, ScheduledStart& scheduled) {
 
     TMainForm mainForm;
     mainForm.BatchMode = batch;
+    mainForm.Rehearsal = rehearsal.get();
     const QStringList problems = mainForm.alusta();
     if (!problems.isEmpty() && !batch) {  // a batch reports them after checking the run mark
         splash.reset();

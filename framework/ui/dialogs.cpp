@@ -38,6 +38,11 @@ void Dialogs::error(QWidget* parent, const QString& text) {
     handler().message(parent, MessageKind::Error, withLineBreaks(text));
 }
 
+void Dialogs::passingMessage(QWidget* parent, const QString& text, int seconds) {
+    const CloseDeferral deferral(parent);
+    handler().passingMessage(parent, withLineBreaks(text), seconds);
+}
+
 bool Dialogs::ask(QWidget* parent, const QString& text) {
     const CloseDeferral deferral(parent);
     return handler().ask(parent, withLineBreaks(text));
@@ -46,6 +51,11 @@ bool Dialogs::ask(QWidget* parent, const QString& text) {
 int Dialogs::choose(QWidget* parent, const QString& text, const QStringList& answers) {
     const CloseDeferral deferral(parent);
     return handler().choose(parent, withLineBreaks(text), answers);
+}
+
+bool Dialogs::exec(QDialog& dialog) {
+    const CloseDeferral deferral(dialog.parentWidget());
+    return handler().exec(dialog) == QDialog::Accepted;
 }
 
 QString Dialogs::saveFileName(QWidget* parent, const QString& title, const QString& suggested,

@@ -7,6 +7,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTextStream>
+#include <QTimer>
 
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
@@ -63,6 +64,28 @@ void ProgramDialogs::message(QWidget* parent, MessageKind kind, const QString& t
     box.exec();
 }
 
+void ProgramDialogs::passingMessage(QWidget* parent, const QString& text, int seconds) {
+    if (!isInteractive()) {
+        QTextStream(stderr) << text << '\n';
+        return;
+    }
+    QMessageBox box(QMessageBox::Information, title(parent), text, QMessageBox::Ok, parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    QAbstractButton* ok = box.button(QMessageBox::Ok);
+    const auto showRest = [ok](int rest) { ok->setText(QStringLiteral("OK (%1 s)").arg(rest)); };
+    showRest(seconds);
+    QTimer second;
+    second.callOnTimeout(&box, [&box, &showRest, rest = seconds]() mutable {
+        if (--rest <= 0)
+            box.accept();
+        else
+            showRest(rest);
+    });
+    second.start(std::chrono::seconds(1));
+    box.exec();
+}
+
 bool ProgramDialogs::ask(QWidget* parent, const QString& text) {
     if (!isInteractive())
         return false;
@@ -92,6 +115,10 @@ int ProgramDialogs::choose(QWidget* parent, const QString& text, const QStringLi
     box.exec();
     const auto chosen = static_cast<int>(buttons.indexOf(box.clickedButton()));
     return chosen < 0 ? last : chosen;
+}
+
+int ProgramDialogs::exec(QDialog& dialog) {
+    return isInteractive() ? dialog.exec() : QDialog::Rejected;
 }
 
 QString ProgramDialogs::saveFileName(QWidget* parent, const QString& dialogTitle,

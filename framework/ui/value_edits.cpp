@@ -12,6 +12,7 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QRegularExpressionValidator>
+#include <QToolTip>
 #include <QWidgetAction>
 #include <cmath>
 
@@ -57,16 +58,30 @@ void NumberEdit::commit() {
     setValue(value());
 }
 
+QString NumberEdit::refusal(const QMimeData& dragged) const {
+    const QString reason = m_dropCheck ? m_dropCheck(dragged) : QString();
+    if (reason.isEmpty() && !isNumber(dragged.text().trimmed()))
+        return QStringLiteral("Tähän kelpaa vain numero");
+    return reason;
+}
+
+// A refused drag has the forbidden cursor; the text beside the edit says why.
 void NumberEdit::dragEnterEvent(QDragEnterEvent* event) {
-    if (event->mimeData()->hasText() && isNumber(event->mimeData()->text().trimmed()))
+    if (!event->mimeData()->hasText())
+        return;
+    const QString reason = refusal(*event->mimeData());
+    if (reason.isEmpty()) {
         event->acceptProposedAction();
+        return;
+    }
+    QToolTip::showText(mapToGlobal(rect().bottomLeft()), reason, this);
+    Q_EMIT dropRefused(reason);
 }
 
 void NumberEdit::dropEvent(QDropEvent* event) {
-    const QString dropped = event->mimeData()->text().trimmed();
-    if (!isNumber(dropped))
+    if (!event->mimeData()->hasText() || !refusal(*event->mimeData()).isEmpty())
         return;
-    setText(dropped);
+    setText(event->mimeData()->text().trimmed());
     event->acceptProposedAction();
 }
 

@@ -3,6 +3,9 @@
 #include <QDate>
 #include <QLineEdit>
 #include <QRegularExpressionValidator>
+#include <functional>
+
+class QMimeData;
 
 namespace framework {
 
@@ -44,6 +47,12 @@ class NumberEdit : public ExitEdit {
     explicit NumberEdit(int maxDigits, QWidget* parent = nullptr);
     qint64 value() const { return text().trimmed().toLongLong(); }
     void setValue(qint64 value) { setText(QString::number(value)); }
+    /// Asked about dragged data with a text; returns why it is refused, or empty.
+    using DropCheck = std::function<QString(const QMimeData& dragged)>;
+    void setDropCheck(DropCheck check) { m_dropCheck = std::move(check); }
+
+  Q_SIGNALS:
+    void dropRefused(const QString& reason);  ///< also shown beside the edit
 
   protected:
     void commit() override;
@@ -52,7 +61,9 @@ class NumberEdit : public ExitEdit {
 
   private:
     bool isNumber(const QString& text) const;
+    QString refusal(const QMimeData& dragged) const;
     int m_maxDigits;
+    DropCheck m_dropCheck;
 };
 
 /// A decimal number that keeps the exact double behind the text: a set value reads back to the last

@@ -285,10 +285,11 @@ def compare(table, got, want, stamps):
     return out
 
 
-def one(seed, args):
+def random_company(seed, args):
+    """Returns a random company with saved definitions and a batch list, the definitions, and the company's
+    tables."""
     r = random.Random(seed)
-    folder = tempfile.mkdtemp(prefix=f"acceptance{seed}-")
-    c = Company(args.bins, folder)
+    c = Company(args.bins, tempfile.mkdtemp(prefix=f"acceptance{seed}-"))
     without = ["--without", "MYYMALAHINNAT"] if r.random() < 0.15 else []
     c.zavdb("create", "K", c.data, *without)
     tables = make_company(r, args.products, args.orders)
@@ -296,7 +297,7 @@ def one(seed, args):
         del tables["MYYMALAHINNAT"]
     for name, rows in tables.items():
         c.fill(name, rows)
-    before = {name: c.read(name) for name in LAYOUTS if not (without and name == "MYYMALAHINNAT")}
+    names = [name for name in LAYOUTS if not (without and name == "MYYMALAHINNAT")]
     definitions = [make_definition(r) for _ in range(r.choice([1, 2, 3, 4]))]
     if args.engine == "shops":
         c.reach_through_shops_engine()
@@ -304,9 +305,15 @@ def one(seed, args):
     with open(os.path.join(c.home, "MAARITYS", "AlvMuutosLomake.INI"), "w", encoding="utf-8") as f:
         for i, d in enumerate(definitions):
             f.write(f"[Määritys {i}]\r\nSelite=testi\r\n" + "".join(f"{k}={v}\r\n" for k, v in d.items()))
-    with open(os.path.join(folder, "ALVMUUTOS.INI"), "w", encoding="utf-8") as f:
+    with open(os.path.join(c.folder, "ALVMUUTOS.INI"), "w", encoding="utf-8") as f:
         f.write("[ASETUKSET]\r\n" + "".join(f"maar{i + 1}=Määritys {i}\r\n"
                                            for i in range(len(definitions))))
+    return c, definitions, names
+
+
+def one(seed, args):
+    c, definitions, names = random_company(seed, args)
+    before = {name: c.read(name) for name in names}
     start = datetime.datetime.now()
     p = subprocess.run([c.program, "K", "/E"], env=c.run_env, capture_output=True, text=True, timeout=600)
     end = datetime.datetime.now()
@@ -350,12 +357,12 @@ def one(seed, args):
     if check.returncode:
         problems.append("zavdb check: " + check.stdout + check.stderr)
     if problems:
-        print(f"seed {seed} ({folder}):")
+        print(f"seed {seed} ({c.folder}):")
         for line in problems[:12]:
             print("   ", line)
         print(f"    {len(problems)} problems in all; definitions: {definitions}")
     elif not args.keep:
-        shutil.rmtree(folder)
+        shutil.rmtree(c.folder)
     return not problems
 
 

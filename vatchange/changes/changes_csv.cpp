@@ -34,6 +34,7 @@ qint64 visitChangeLines(data::Database& database, qint64 run, qint64 before,
         ++line.seq;
         line.operation = operationWord(entry.operation);
         line.table = table.stored.name;
+        line.record = entry.record;
         line.key = table.key(entry.key);
         for (data::FieldChange& change : data::changedFields(table.layout(), entry)) {
             line.field = table.layout().field(change.field).name;
@@ -85,6 +86,7 @@ bool ChangesCsvReader::next(ChangeLine& line) {
     line = {m_reader.field(0).toByteArray().toLongLong(),
             text(1),
             text(2),
+            0,
             text(3),
             text(4),
             text(5),

@@ -14,10 +14,11 @@ struct ChangeLine {
     qint64 seq = 0;     ///< of the record's change, from 1
     QString operation;  ///< "update", "insert" or "delete"
     QString table;
-    QString key;     ///< the fields of key 0, joined by a blank
-    QString field;   ///< as the catalogue writes it
-    QString before;  ///< as in "zavdb export"; empty for an insert
-    QString after;   ///< empty for a delete
+    data::RecordId record = 0;  ///< not in the file
+    QString key;                ///< the fields of key 0, joined by a blank
+    QString field;              ///< as the catalogue writes it
+    QString before;             ///< as in "zavdb export"; empty for an insert
+    QString after;              ///< empty for a delete
 };
 
 /// Shows every change of a run in the order of the changes, a line for each changed field. `seq`

@@ -49,6 +49,9 @@ class Findings {
                 m_list.mark(unchangedRow(finding, finding.present), ChangeFinding::PriceUnchanged,
                             QStringLiteral("hinta ennallaan: ") + causeFinnish(finding.cause));
                 break;
+            case FindingKind::OtherThanRehearsed:
+                otherThanRehearsed(finding);
+                break;
         }
     }
 
@@ -132,6 +135,17 @@ class Findings {
             m_list.mark(row, ChangeFinding::ProductPassedOver);
         }
         m_list.mark(row, ChangeFinding::LeftBehind, reason);
+    }
+
+    void otherThanRehearsed(const Finding& finding) {
+        const RehearsalDifference rehearsed = finding.rehearsed.value_or(RehearsalDifference());
+        const QString reason =
+            rehearsed.kind == RehearsalDifference::Kind::OnlyMade
+                ? QStringLiteral("koeajo ei muuttanut")
+                : QStringLiteral("koeajossa %1 -> %2")
+                      .arg(shown(rehearsed.rehearsedBefore), shown(rehearsed.rehearsedAfter));
+        m_list.mark(unchangedRow(finding, rehearsed.rehearsedBefore),
+                    ChangeFinding::OtherThanRehearsed, reason);
     }
 
     /// The run came to the product and left it.

@@ -29,7 +29,7 @@ QString ratePattern(double percent) {
 }  // namespace
 
 TAlvMuutosLomake::TAlvMuutosLomake(data::Database& database, QWidget* parent)
-    : TPerusForm(kFormName, parent), m_database(database) {
+    : TPerusForm(kFormName, parent), m_database(database), m_count(database) {
     setAttribute(Qt::WA_DeleteOnClose);
     buildLayout();
     readCompanyTables();
@@ -106,12 +106,17 @@ void TAlvMuutosLomake::connectControls() {
         shortcuts(m_controls.coefficient(tag), static_cast<std::size_t>(tag));
     shortcuts(m_controls.priceChangeLimit, 0);
     watchExits();
+    watchEdits();
+    connect(m_ready, &QPushButton::clicked, this, &TAlvMuutosLomake::chooseReadyDefinition);
 
     for (int tag = 1; tag <= kLastPurchaseTag; ++tag) {
         connect(m_controls.keep(tag), &QCheckBox::toggled, this, [this, tag](bool checked) {
             framework::reportErrors(this, [&] { SailytaAlv0_CheckBox1Click(tag, checked); });
+            refreshAllKept();
         });
     }
+    connect(m_controls.keepAll, &QCheckBox::clicked, this,
+            [this] { framework::reportErrors(this, [this] { keepAllClicked(); }); });
     for (int tag = 1; tag <= kPriceLevels; ++tag) {
         connect(m_controls.source(tag), &framework::LookupCombo::exited, this, [this, tag] {
             if (!m_exits.isRefusing())
@@ -125,8 +130,12 @@ void TAlvMuutosLomake::connectControls() {
     connectSearch(m_controls.mainGroup.search, SearchKind::MainGroup, m_controls.mainGroup.first);
     connectSearch(m_controls.productSearch, SearchKind::Product, m_controls.productFirst);
 
+    watchDrops();
+
     connect(Esikatsele, &QPushButton::clicked, this,
             [this] { framework::reportErrors(this, [this] { EsikatseleClick(); }); });
+    connect(m_rehearse, &QPushButton::clicked, this,
+            [this] { framework::reportErrors(this, [this] { KoeajoClick(); }); });
     connect(m_close, &QPushButton::clicked, this, &QWidget::close);
     connect(m_interrupt, &QPushButton::clicked, this, [this] {
         m_cancelRequested = true;
@@ -153,12 +162,39 @@ std::optional<double> TAlvMuutosLomake::ratePercent(int vatClass) const {
     return query.fieldByName(QStringLiteral("Prosentti")).asFloat();
 }
 
+void TAlvMuutosLomake::watchDrops() {
+    const auto watch = [this](framework::NumberEdit* edit, framework::NumberEdit::DropCheck check) {
+        edit->setDropCheck(std::move(check));
+        connect(edit, &framework::NumberEdit::dropRefused, this, &TAlvMuutosLomake::showStatus);
+    };
+    const std::pair<const RestrictionControls*, SearchKind> kinds[] = {
+        {&m_controls.subGroup, SearchKind::SubGroup},
+        {&m_controls.productGroup, SearchKind::ProductGroup},
+        {&m_controls.mainGroup, SearchKind::MainGroup}};
+    for (const auto& entry : kinds) {
+        const SearchKind kind = entry.second;
+        for (framework::NumberEdit* edit : {entry.first->first, entry.first->last})
+            watch(edit, [kind](const QMimeData& dragged) { return dropRefusal(kind, dragged); });
+    }
+    for (framework::NumberEdit* edit : {m_controls.sourceClass, m_controls.targetClass})
+        watch(edit, classDropRefusal);
+}
+
+// "1 (24%)"
+QString TAlvMuutosLomake::classText(int vatClass) const {
+    if (vatClass == 0)
+        return QStringLiteral("0 (veroluokattomat)");
+    const auto rate = ratePercent(vatClass);
+    return QStringLiteral("%1 (%2)").arg(QString::number(vatClass),
+                                         rate ? ratePattern(*rate) : QStringLiteral("ei löydy"));
+}
+
 void TAlvMuutosLomake::showRate(QLabel* label, int vatClass) const {
     label->clear();
-    if (vatClass == 0)
-        return;
     const auto rate = ratePercent(vatClass);
-    label->setText(rate ? ratePattern(*rate) : QStringLiteral("Ei löydy!"));
+    if (vatClass != 0)
+        label->setText(rate ? ratePattern(*rate) : QStringLiteral("Ei löydy!"));
+    markWrong(label, vatClass != 0 && !rate);
 }
 
 void TAlvMuutosLomake::refreshClassLabels() {
@@ -181,6 +217,7 @@ void TAlvMuutosLomake::validateSource(int tag) {
     m_controls.source(tag)->setKey(level.source);
     m_controls.keep(tag)->setChecked(level.keepVat0);
     m_controls.coefficient(tag)->setValue(level.coefficient);
+    refreshAllKept();
 }
 
 void TAlvMuutosLomake::showValues(const framework::SavedDefinition& definition) {
@@ -196,6 +233,8 @@ void TAlvMuutosLomake::afterLoad() {
     m_exits.forgetAll();
     refreshRestrictionBoxes();
     refreshClassLabels();
+    refreshAllKept();
+    m_edited.start();
     const auto computed = coefficientOfClasses();
     for (int tag = 1; tag <= kLastPurchaseTag; ++tag) {
         m_computed[static_cast<std::size_t>(tag)] =
@@ -244,7 +283,7 @@ void TAlvMuutosLomake::SailytaAlv0_CheckBox1Click(int tag, bool checked) {
     }
     const auto target = ratePercent(static_cast<int>(m_controls.targetClass->value()));
     if (!target) {
-        NaytaViesti(QStringLiteral("Tarkasta kohde -alvluokka!"));
+        NaytaViesti(kCheckTargetClass);
         const QSignalBlocker blocker(m_controls.keep(tag));
         m_controls.keep(tag)->setChecked(false);
         coefficient->setValue(1.0);
@@ -359,7 +398,8 @@ void TAlvMuutosLomake::NaytaViesti(const QString& text) {
 }
 
 void TAlvMuutosLomake::closeEvent(QCloseEvent* event) {
-    if (m_running && !confirmClosing()) {
+    m_exits.dropExits();  // a text that is left behind is no reason for a warning
+    if ((m_running && !confirmClosing()) || !mayLoseChanges()) {
         event->ignore();
         return;
     }

@@ -93,13 +93,20 @@ QCheckBox* footChoice(const QString& objectName, QWidget* parent) {
     return box;
 }
 
-QWidget* headingRow(const Columns& columns, int coefficientWidth, QWidget* parent) {
+QWidget* headingRow(FormControls& controls, const Columns& columns, QWidget* parent) {
+    const int coefficientWidth = controls.coefficient(1)->maximumWidth();
     auto* row = new QWidget(parent);
     QHBoxLayout* cells = tableRow(row);
     cells->addWidget(cell(QStringLiteral("Hintataso"), columns.name, row));
     cells->addWidget(cell(QStringLiteral("Kerroin"), coefficientWidth, row));
     cells->addWidget(cell(QStringLiteral("Hinnan lähde"), columns.source, row));
-    cells->addWidget(cell(QStringLiteral("Säilytä alv0 hinta"), columns.keep, row));
+    controls.keepAll = new QCheckBox(QStringLiteral("Säilytä alv0 hinta"), row);
+    controls.keepAll->setObjectName(QStringLiteral("SailytaAlv0Kaikki"));
+    controls.keepAll->setAccessibleName(QStringLiteral("Säilytä alv0 hinta, kaikki hintatasot"));
+    controls.keepAll->setToolTip(
+        QStringLiteral("Säilytä alv0 hinta kaikilla hintatasoilla, tai ei millään"));
+    controls.keepAll->setFixedWidth(columns.keep);
+    cells->addWidget(controls.keepAll);
     cells->addStretch();
     return row;
 }
@@ -117,7 +124,7 @@ QGroupBox* buildPrices(FormControls& controls, QWidget* parent) {
     const auto addWholeRow = [&](QWidget* widget) { grid->addWidget(widget, row++, 0, 1, 2); };
     for (int level = 1; level <= kPriceLevels; ++level)
         addWholeRow(levelRow(controls, level, columns, box));
-    grid->addWidget(headingRow(columns, controls.coefficient(1)->maximumWidth(), box), 0, 0, 1, 2);
+    grid->addWidget(headingRow(controls, columns, box), 0, 0, 1, 2);
     addWholeRow(purchaseRow(controls, kPurchaseTag, kPurchaseControl,
                             QStringLiteral("SailytaAlv0_CheckBoxOstohinta"), columns, box));
     addWholeRow(purchaseRow(controls, kLastPurchaseTag, kLastPurchaseControl,

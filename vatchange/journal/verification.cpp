@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "vatchange/journal/journal_check.h"
+#include "vatchange/journal/rehearsal_note.h"
 #include "vatchange/journal/remaining_classes.h"
 #include "vatchange/journal/run_notes.h"
 
@@ -21,6 +22,28 @@ std::optional<RunOutcome> outcomeOfRun(data::RunJournal& journal, qint64 run) {
     if (!note)
         return std::nullopt;
     return outcomeOfNote(*note);
+}
+
+void addRehearsal(data::RunJournal& journal, qint64 run, Verification& verification,
+                  FindingList& findings) {
+    const std::optional<RehearsalComparison> comparison = storedComparison(journal, run);
+    if (!comparison)
+        return;
+    for (const RehearsalDifference& one : comparison->first) {
+        findings.add(FindingKind::OtherThanRehearsed, [&one] {
+            Finding finding;
+            finding.table = one.table;
+            finding.record = one.record;
+            finding.key = one.key;
+            finding.field = one.field;
+            finding.before = one.before;
+            finding.after = one.after;
+            finding.rehearsed = one;
+            return finding;
+        });
+    }
+    verification.counts[static_cast<size_t>(FindingKind::OtherThanRehearsed)] =
+        comparison->differences;
 }
 
 }  // namespace
@@ -56,6 +79,7 @@ Verification verifyRun(data::Database& database, qint64 run, const VerifyOptions
     try {
         JournalCheck check(database, *journal, run, definition, verification, findings);
         check.run();
+        addRehearsal(*journal, run, verification, findings);
         if (definition) {
             const std::optional<RunOutcome> outcome = outcomeOfRun(*journal, run);
             countRemaining(database, {*definition, outcome, check.converted(), check.undone()},

@@ -3,23 +3,26 @@
 #include <QString>
 #include <array>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "data/engine/engine.h"
+#include "vatchange/journal/rehearsal_note.h"
 
 namespace vatchange {
 
 /// What verification says about one record, field or price.
 enum class FindingKind {
-    LeftBehind,     ///< still carries the source class, and no rule says that it should
-    Gone,           ///< a record that the run changed or inserted no longer exists
-    Returned,       ///< a record that the run deleted exists
-    ChangedSince,   ///< a field no longer holds what the run left
-    EmptyVat0,      ///< a price above 0 became 0 because its VAT-free price was empty
-    NotPositive,    ///< a price above 0 became 0 or negative for another reason
-    PriceUnchanged  ///< the sales class changed, the price did not
+    LeftBehind,         ///< still carries the source class, and no rule says that it should
+    Gone,               ///< a record that the run changed or inserted no longer exists
+    Returned,           ///< a record that the run deleted exists
+    ChangedSince,       ///< a field no longer holds what the run left
+    EmptyVat0,          ///< a price above 0 became 0 because its VAT-free price was empty
+    NotPositive,        ///< a price above 0 became 0 or negative for another reason
+    PriceUnchanged,     ///< the sales class changed, the price did not
+    OtherThanRehearsed  ///< the rehearsal before the run changed it differently, or not at all
 };
-inline constexpr int kFindingKinds = 7;
+inline constexpr int kFindingKinds = 8;
 
 /// Why a record still carries the source class.
 enum class LeftReason {
@@ -44,11 +47,12 @@ struct Finding {
     UnchangedCause cause = UnchangedCause::None;  ///< of PriceUnchanged
     QString table;
     data::RecordId record = 0;
-    QString key;          ///< the fields of key 0, joined by a blank
-    QString field;        ///< as the catalogue writes it; empty for a whole record
-    QString before;       ///< before the run; empty for a whole record
-    QString after;        ///< what the run left
-    QString present;      ///< what stands there now
+    QString key;      ///< the fields of key 0, joined by a blank
+    QString field;    ///< as the catalogue writes it; empty for a whole record
+    QString before;   ///< before the run; empty for a whole record
+    QString after;    ///< what the run left
+    QString present;  ///< what stands there now
+    std::optional<RehearsalDifference> rehearsed = {};  ///< of OtherThanRehearsed
     qint64 laterRun = 0;  ///< the latest run after this one that changed the record; 0: none
 };
 

@@ -55,6 +55,10 @@ class Rehearsal {
     /// but rehearse.
     void takeIntoUse();
 
+    /// Removes the results: the rehearsal was stopped.
+    void discard();
+    /// Whether there is something to keep: runs, or lines of the change log.
+    bool holdsResults(const std::vector<qint64>& runs) const;
     /// Writes the list of changes of these runs and the description of the rehearsal.
     /// @throws data::DataError naming the file.
     void writeResults(const std::vector<qint64>& runs);
@@ -63,12 +67,18 @@ class Rehearsal {
     Rehearsal() = default;
     void makeFolder();
 
+    QString m_all;  // the folder of all rehearsals
     QString m_folder;
     QDateTime m_started;
     std::unique_ptr<company::PrivateCopy> m_copy;
     std::unique_ptr<data::Database> m_database;
     std::unique_ptr<company::CompanySubstitution> m_inUse;
 };
+
+/// Title and first words of a rehearsal's report and windows: "Koeajo: Alv 24 - 25,5".
+QString rehearsalTitle(data::Database& copy, const std::vector<qint64>& runs);
+inline const QString kRehearsalNote =
+    QStringLiteral("Koeajo yrityksen kopiolla: yrityksen tiedot eivät muuttuneet.");
 
 /// Removes copies that rehearsals of the current company left when their processes died. Those that
 /// are going on are not touched.

@@ -6,6 +6,7 @@
 #include "vatchange/run/dependent_step.h"
 #include "vatchange/run/journal_session.h"
 #include "vatchange/run/run_context.h"
+#include "vatchange/run/run_plan.h"
 #include "vatchange/run/run_verification.h"
 #include "vatchange/run/unfinished_runs.h"
 
@@ -93,36 +94,50 @@ LabelTable prepareShelfLabels(RunContext& run) {
 
 void convertDependentTables(RunContext& run) {
     if (run.definition.customerPriceLists) {
-        attempt(run, {QStringLiteral("Virhe asiakashinnaston päivityksessä: ")},
-                [&] { convertDependentRows(run, customerPriceStep(run)); });
+        attempt(run, {QStringLiteral("Virhe asiakashinnaston päivityksessä: ")}, [&] {
+            run.ports.beginStep(RunStep::CustomerPrices);
+            convertDependentRows(run, customerPriceStep(run));
+        });
     }
     if (run.definition.campaigns) {
-        attempt(run, {QStringLiteral("Virhe kampanjan päivityksessä: ")},
-                [&] { convertDependentRows(run, campaignStep(run)); });
+        attempt(run, {QStringLiteral("Virhe kampanjan päivityksessä: ")}, [&] {
+            run.ports.beginStep(RunStep::Campaigns);
+            convertDependentRows(run, campaignStep(run));
+        });
     }
     if (run.definition.recurringInvoicing) {
         attempt(run,
                 {QStringLiteral("Virhe "), QStringLiteral(" vakiolaskutuksen päivityksessä. ")},
-                [&] { convertDependentRows(run, recurringInvoiceStep(run)); });
+                [&] {
+                    run.ports.beginStep(RunStep::RecurringInvoices);
+                    convertDependentRows(run, recurringInvoiceStep(run));
+                });
     }
     if (run.definition.quantityDiscounts) {
-        attempt(run, {QStringLiteral("Virhe "), QStringLiteral(" määräalen päivityksessä. ")},
-                [&] { convertDependentRows(run, quantityDiscountStep(run)); });
+        attempt(run, {QStringLiteral("Virhe "), QStringLiteral(" määräalen päivityksessä. ")}, [&] {
+            run.ports.beginStep(RunStep::QuantityDiscounts);
+            convertDependentRows(run, quantityDiscountStep(run));
+        });
     }
 }
 
 void convertProductsAndGroups(RunContext& run, LabelTable labels) {
     if (run.stopRequested())
         return;
+    run.ports.beginStep(RunStep::ProductGroups);
     run.ports.log(QStringLiteral("Aloitetaan tuoteryhmien päivitys"));
     for (const GroupUpdate& update : groupUpdates(run.definition)) {
         if (!attempt(run, {QStringLiteral("Virhe tuoteryhmän päivityksessä: ")},
                      [&] { updateProductGroups(run, update); }))
             run.outcome.failedTables.insert(QStringLiteral("TRYHMA"));
     }
-    attempt(run, {QStringLiteral("Virhe alvien muutoksessa ->")}, [&] { updateStorePrices(run); });
+    attempt(run, {QStringLiteral("Virhe alvien muutoksessa ->")}, [&] {
+        run.ports.beginStep(RunStep::StorePrices);
+        updateStorePrices(run);
+    });
     if (run.stopRequested())
         return;
+    run.ports.beginStep(RunStep::Products);
     run.ports.log(QStringLiteral("Aloitetaan tuotteiden päivitys"));
     run.changedRows(QStringLiteral("Tuotteet")) = 0;  // before what goes with products
     const bool converted = attempt(run, {QStringLiteral("Virhe tuotetietojen muutoksessa -> ")},
@@ -138,13 +153,17 @@ void convertProductsAndGroups(RunContext& run, LabelTable labels) {
 
 void convertOrders(RunContext& run) {
     if (run.definition.salesOrders) {
-        if (!attempt(run, {QStringLiteral("Virhe myyntitilausten päivityksessä: ")},
-                     [&] { convertSalesOrders(run); }))
+        if (!attempt(run, {QStringLiteral("Virhe myyntitilausten päivityksessä: ")}, [&] {
+                run.ports.beginStep(RunStep::SalesOrders);
+                convertSalesOrders(run);
+            }))
             run.outcome.failedTables.insert(QStringLiteral("MTRIVI"));
     }
     if (run.definition.purchaseOrders) {
-        if (!attempt(run, {QStringLiteral("Virhe ostotilausten päivityksessä: ")},
-                     [&] { convertPurchaseOrders(run); }))
+        if (!attempt(run, {QStringLiteral("Virhe ostotilausten päivityksessä: ")}, [&] {
+                run.ports.beginStep(RunStep::PurchaseOrders);
+                convertPurchaseOrders(run);
+            }))
             run.outcome.failedTables.insert(QStringLiteral("WINOTRI"));
     }
 }
@@ -173,6 +192,8 @@ void runSteps(RunContext& run) {
     run.ports.log(QStringLiteral("Rajaus: ") + run.condition + QStringLiteral(" Pyöristys: ") +
                   roundingText(run.definition));
     run.ports.log(QStringLiteral("Aloitetaan taksavaihe"));
+    if (!run.ports.unattended())
+        run.ports.plan(plannedSteps(run));
     convertDependentTables(run);
     const QString dependents = changedSoFar(run.result);
     if (run.definition.products)
@@ -180,6 +201,7 @@ void runSteps(RunContext& run) {
     convertOrders(run);
     if (run.definition.checkProductCodes) {
         attempt(run, {QStringLiteral("Virhe tuotekoodien tarkastuksessa: ")}, [&] {
+            run.ports.beginStep(RunStep::ProductCodes);
             run.ports.stepStatus(QStringLiteral("Tarkastetaan verkkokauppatuotteiden tuotekoodit"));
             checkProductCodes(run);
         });
@@ -245,7 +267,7 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
     dropMissingGroups(definition, facts);
     RunContext run(database, definition, ports, result);
     run.attempt = attempt;
-    if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) &&
+    if (definitionAllowsRun(run, loaded, facts, options) && checkDefinition(run) &&
         earlierRunsAllow(run, options) && enterJournal(run, loaded, options)) {
         for (const QString& note : definitionNotes(loaded, facts))
             ports.log(kNoticePrefix + note);
@@ -256,6 +278,7 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
             // a run that was asked to end must have ended before the verification takes its time
             if (result.cancelled)
                 leaveJournal(run);
+            compareAtEnd(run, options);
             verifyAtEnd(run);
             deferFlushes(run, false);
             endStoppedAttempt(run);

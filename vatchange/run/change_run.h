@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 #include <deque>
+#include <functional>
 #include <optional>
 
 #include "data/engine/run_journal.h"
@@ -27,6 +28,11 @@ inline const QString kOtherRunText = QStringLiteral(
 struct RunOptions {
     qint64 resume = 0;  ///< number of the run to be resumed; 0: a new run
     qint64 batch = 0;   ///< number of the first run of the batch; 0: this is it, or no batch
+    /// DefinitionProblem::text() of the problems in spite of which the user has agreed to the run.
+    QStringList agreedProblems = {};
+    /// Compares the run, once its steps are through, with its rehearsal; nothing if there was none.
+    std::function<std::optional<RehearsalComparison>(data::Database& database, qint64 run)>
+        compareWithRehearsal = {};
 };
 
 /// How a run of one definition ended.

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <optional>
 
 #include "data/clock.h"
@@ -25,23 +26,6 @@ bool dateAllowsRun(RunPorts& ports, QString& refusal) {
     }
     refusal = warning;
     return false;
-}
-
-/// Returns the problem with the definition's VAT classes; empty if none.
-QString classProblem(const RunContext& run) {
-    const int source = run.definition.sourceClass;
-    const int target = run.definition.targetClass;
-    if (target <= 0)
-        return QStringLiteral("Kohteen ALV -luokka on oltava > 0!");
-    if (!run.classes.exists(target))
-        return QStringLiteral("Kohteen ALV -luokkaa ei ole olemassa!");
-    if (source == target)
-        return QStringLiteral("Lähteen ALV -luokka on sama kuin kohteen ALV -luokka!");
-    if (source != 0 && run.classes.ratePercent(source) == run.classes.ratePercent(target)) {
-        return QStringLiteral(
-            "Lähteen ALV -luokan prosentti on sama kuin kohteen ALV -luokan prosentti!");
-    }
-    return {};
 }
 
 std::set<int> customerGroups(data::Database& database) {
@@ -75,8 +59,8 @@ CompanyFacts readCompanyFacts(data::Database& database, const ChangeDefinition& 
     return facts;
 }
 
-bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
-                         const CompanyFacts& facts) {
+bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded, const CompanyFacts& facts,
+                         const RunOptions& options) {
     QStringList problems;
     bool final = run.ports.unattended();
     for (const DefinitionProblem& problem : definitionProblems(loaded, facts)) {
@@ -92,7 +76,11 @@ bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
         run.ports.NaytaViesti(refusal);
         return false;
     }
-    if (!run.ports.ask(QStringLiteral("Määrittelyssä on arvoja, joilla sitä ei pitäisi ajaa:\r") +
+    const bool agreed = std::all_of(
+        problems.begin(), problems.end(),
+        [&options](const QString& problem) { return options.agreedProblems.contains(problem); });
+    if (!agreed &&
+        !run.ports.ask(QStringLiteral("Määrittelyssä on arvoja, joilla sitä ei pitäisi ajaa:\r") +
                        problems.join(u'\r') + QStringLiteral("\r\rAjetaanko silti?"))) {
         run.result.refusal = refusal;
         return false;
@@ -102,13 +90,29 @@ bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
     return true;
 }
 
+QString classProblem(const ChangeDefinition& definition, const VatClasses& classes) {
+    const int source = definition.sourceClass;
+    const int target = definition.targetClass;
+    if (target <= 0)
+        return QStringLiteral("Kohteen ALV -luokka on oltava > 0!");
+    if (!classes.exists(target))
+        return QStringLiteral("Kohteen ALV -luokkaa ei ole olemassa!");
+    if (source == target)
+        return QStringLiteral("Lähteen ALV -luokka on sama kuin kohteen ALV -luokka!");
+    if (source != 0 && classes.ratePercent(source) == classes.ratePercent(target)) {
+        return QStringLiteral(
+            "Lähteen ALV -luokan prosentti on sama kuin kohteen ALV -luokan prosentti!");
+    }
+    return {};
+}
+
 bool checkDefinition(RunContext& run) {
     if (!dateAllowsRun(run.ports, run.result.refusal))
         return false;
     QString problem;
     try {
         run.classes = VatClasses::read(run.database);
-        problem = classProblem(run);
+        problem = classProblem(run.definition, run.classes);
     } catch (const std::exception& error) {
         problem = QStringLiteral("Virhe alv-luokkien lukemisessa: ") + errorText(error);
     }

@@ -1,7 +1,5 @@
 #include "vatchange/run/journal_session.h"
 
-#include <QFileInfo>
-
 #include "company/backup.h"
 #include "company/company.h"
 #include "company/logs.h"
@@ -56,10 +54,6 @@ QString resumeProblem(RunContext& run, data::RunJournal& journal, const LoadedDe
     return {};
 }
 
-qint64 changeLogSize() {
-    return QFileInfo(company::AlvMuutosLogName()).size();
-}
-
 void begin(RunContext& run, data::RunJournal& journal, const LoadedDefinition& loaded,
            const RunOptions& options) {
     data::JournalRun head;
@@ -109,7 +103,7 @@ RunAttempt newAttempt() {
     attempt.started = data::Clock::now();
     attempt.user = company::userName();
     attempt.computer = company::computerName();
-    attempt.logFrom = changeLogSize();
+    attempt.logFrom = company::changeLogSize();
     attempt.lostLogLines = -company::lostChangeLogLines().count;
     if (const auto backup = company::lastBackup(company::currentCompany().name)) {
         attempt.backupFile = backup->file;
@@ -121,7 +115,7 @@ RunAttempt newAttempt() {
 void endAttempt(const RunContext& run, data::RunJournal& journal) {
     RunAttempt end = run.attempt;
     end.ended = data::Clock::now();
-    end.logTo = changeLogSize();
+    end.logTo = company::changeLogSize();
     end.lostLogLines += company::lostChangeLogLines().count;
     endAttempt(journal, run.result.run, end);
 }

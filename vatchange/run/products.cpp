@@ -287,8 +287,8 @@ void convertProducts(RunContext& run, LabelTable labels) {
     run.mark(kProductsEnd);
     run.database.flush();
     if (!run.result.cancelled) {
-        run.ports.NaytaViesti(QStringLiteral("Tuotetiedot muutettu ( ") +
-                              QString::number(run.result.products) + QStringLiteral(" kpl)"));
+        run.ports.stepFinished(QStringLiteral("Tuotetiedot muutettu ( ") +
+                               QString::number(run.result.products) + QStringLiteral(" kpl)"));
     }
 }
 

@@ -99,10 +99,12 @@ QString markErrorText(const std::exception& error);
 /// Reads the facts for checking the definition. Facts from an unreadable table stay unknown; the
 /// steps that need the table report it.
 CompanyFacts readCompanyFacts(data::Database& database, const ChangeDefinition& definition);
-/// Reports problems of the definition: refuses it if unattended, otherwise asks. Returns false if
-/// it must not run; the reason has been shown.
-bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
-                         const CompanyFacts& facts);
+/// Reports problems of the definition: refuses it if unattended, otherwise asks unless the user has
+/// agreed to all of them. Returns false if it must not run; the reason has been shown.
+bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded, const CompanyFacts& facts,
+                         const RunOptions& options);
+/// Why the definition's VAT classes do not allow a run; empty if they do.
+QString classProblem(const ChangeDefinition& definition, const VatClasses& classes);
 /// Reads the VAT classes; checks them and the date. Returns false if the run must not start; the
 /// reason has been shown.
 bool checkDefinition(RunContext& run);

@@ -7,11 +7,38 @@
 
 namespace vatchange {
 
+namespace {
+
+const QString kNotice = QStringLiteral("Huomaa: ");
+
+}  // namespace
+
+void compareAtEnd(RunContext& run, const RunOptions& options) {
+    if (!options.compareWithRehearsal || run.result.run == 0 || run.result.cancelled)
+        return;
+    try {
+        run.ports.stepStatus(QStringLiteral("Verrataan ajoa koeajoon"));
+        const std::optional<RehearsalComparison> comparison =
+            options.compareWithRehearsal(run.database, run.result.run);
+        if (!comparison)
+            return;
+        storeComparison(*run.database.journal(), run.result.run, *comparison);
+        if (comparison->differences > 0)
+            run.ports.NaytaViesti(kNotice + comparisonText(*comparison) + u'.');
+        else
+            run.ports.log(kNotice + comparisonText(*comparison) + u'.');
+    } catch (const std::exception& error) {
+        // a list that somebody has edited is no fault of the run
+        run.ports.log(kNotice + QStringLiteral("koeajoon ei voi verrata: ") + errorText(error));
+    }
+}
+
 void verifyAtEnd(RunContext& run) {
     data::RunJournal* journal = run.database.journal();
     if (journal == nullptr || run.result.run == 0)
         return;
     try {
+        run.ports.beginStep(RunStep::Verification);
         run.ports.stepStatus(QStringLiteral("Tarkastetaan ajo"));
         run.outcome.stopped = run.result.cancelled;
         run.outcome.failures = run.result.failures;
@@ -38,10 +65,10 @@ void reportEarlierChanges(RunContext& run) {
     try {
         const std::vector<EarlierRun> earlier = earlierRuns(*journal, run.result.run);
         for (const EarlierChange& rows : earlierRunsOfSameRows(run.definition, earlier))
-            run.ports.log(QStringLiteral("Huomaa: ") + earlierChangeText(rows));
+            run.ports.log(kNotice + earlierChangeText(rows));
     } catch (const std::exception& error) {
         // a damaged journal of another run is no reason not to go on
-        run.ports.log(QStringLiteral("Huomaa: aiempia ajoja ei voi lukea: ") + errorText(error));
+        run.ports.log(kNotice + QStringLiteral("aiempia ajoja ei voi lukea: ") + errorText(error));
     }
 }
 

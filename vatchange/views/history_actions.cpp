@@ -11,7 +11,6 @@
 #include "framework/ui/mail.h"
 #include "framework/ui/work_dialog.h"
 #include "vatchange/journal/run_chain.h"
-#include "vatchange/journal/run_refused.h"
 #include "vatchange/journal/run_upkeep.h"
 #include "vatchange/journal/verification_text.h"
 #include "vatchange/report/log_excerpt.h"
@@ -21,6 +20,7 @@
 #include "vatchange/views/changes_window.h"
 #include "vatchange/views/history_window.h"
 #include "vatchange/views/resume_run.h"
+#include "vatchange/views/run_problems.h"
 #include "vatchange/views/text_window.h"
 #include "vatchange/views/undo_work.h"
 
@@ -39,17 +39,6 @@ ReportContext reportContext() {
     context.company = company::currentCompany().name;
     context.logName = QFileInfo(company::AlvMuutosLogName()).absoluteFilePath();
     return context;
-}
-
-/// Shows why something is refused. @return whether it was not.
-bool allowed(QWidget* parent, const std::function<void()>& work) {
-    try {
-        work();
-        return true;
-    } catch (const RunRefused& refused) {
-        Dialogs::warning(parent, refused.finnish());
-        return false;
-    }
 }
 
 /// Counts what an undo would do; changes nothing.
@@ -117,7 +106,7 @@ bool HistoryWindow::writeReport(const std::vector<qint64>& runs, const QString& 
 }
 
 void HistoryWindow::report() {
-    allowed(this, [this] {
+    reportProblems(this, [this] {
         const std::vector<qint64> runs = runsToReport(selected()->head);
         if (runs.empty())
             return;
@@ -139,7 +128,7 @@ void HistoryWindow::report() {
 }
 
 void HistoryWindow::changes() {
-    allowed(this, [this] {
+    reportProblems(this, [this] {
         const JournalRun run = selected()->head;
         ChangesContext context;
         context.company = company::currentCompany().name;
@@ -214,7 +203,7 @@ void HistoryWindow::resume() {
 void HistoryWindow::undo() {
     const JournalRun run = selected()->head;
     UndoResult counted;
-    if (!allowed(this, [&] {
+    if (!reportProblems(this, [&] {
             framework::WorkDialog work(this, QStringLiteral("Ajon peruminen"));
             CountingPorts ports(work);
             UndoOptions options;
@@ -238,7 +227,7 @@ void HistoryWindow::accept() {
                                            "jatkaa.")
                                 .arg(name)))
         return;
-    allowed(this, [&] {
+    reportProblems(this, [&] {
         if (run.number == 0)
             company::acceptUnfinishedNote(run.definition);
         else
@@ -257,7 +246,7 @@ void HistoryWindow::forget() {
                                            "perua. Tiedot jäävät sellaisiksi kuin ne ovat.")
                                 .arg(runText(run))))
         return;
-    allowed(this, [&] { forgetRun(m_database, run.number, false); });
+    reportProblems(this, [&] { forgetRun(m_database, run.number, false); });
     refresh();
     Q_EMIT changed();
 }
