@@ -107,6 +107,7 @@ QLayout* TMainForm::buildButtons() {
     m_open = new QPushButton(QStringLiteral("Alvmuutokset"), this);
     m_open->setObjectName(QStringLiteral("BitBtn1"));
     m_open->setDefault(true);
+    QPushButton* history = buildHistoryButton();
     m_schedule = new QPushButton(QStringLiteral("Ajasta..."), this);
     m_schedule->setObjectName(QStringLiteral("Ajasta"));
     m_schedule->setToolTip(
@@ -126,7 +127,7 @@ QLayout* TMainForm::buildButtons() {
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(kGap);
     const int height = removeMark->sizeHint().height();
-    for (QPushButton* button : {m_open, buildHistoryButton(), m_schedule, log, removeMark, leave}) {
+    for (QPushButton* button : {m_open, history, m_schedule, log, removeMark, leave}) {
         button->setAutoDefault(true);  // Enter presses the focused button
         button->setMinimumSize(kButtonWidth, height);
         buttons->addWidget(button, 1);
