@@ -23,8 +23,6 @@ bool dateAllowsRun(const ChangeDefinition& definition, RunPorts& ports, QString&
     return false;
 }
 
-}
-
 }  // namespace
 
 bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded, const CompanyFacts& facts,
