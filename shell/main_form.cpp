@@ -47,6 +47,21 @@ QByteArray savedValues(const QString& name) {
     }
 }
 
+// Names that are not saved, in quotes; none if the saved definitions cannot be read, which the
+// window has told when it was filled.
+QStringList unknownNames(const company::BatchList& list) {
+    QStringList unknown;
+    try {
+        const framework::DefinitionStore definitions;
+        for (const QString& name : list)
+            if (!name.isEmpty() && !definitions.has(TAlvMuutosLomake::kFormName, name))
+                unknown.append(QStringLiteral("\"%1\"").arg(name));
+    } catch (const data::DataError&) {
+        return {};
+    }
+    return unknown;
+}
+
 }  // namespace
 
 TMainForm::TMainForm(QWidget* parent) : QWidget(parent, Qt::Window) {
@@ -90,7 +105,8 @@ void TMainForm::readBatchList() {
                    company::batchListText(fileName, list)};
         showBatchList(list);
     } catch (const data::DataError& e) {
-        m_batch = {{}, {}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
+        m_batch = {
+            {}, {}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
         throw;
     }
     m_listRead = true;
@@ -121,8 +137,10 @@ void TMainForm::readVatClasses() {
 
 void TMainForm::showCompany() {
     m_company->setText(QStringLiteral("YRITYS: ") + company::currentCompany().name);
-    if (!BatchMode)
-        m_scheduleLine->refresh();
+    if (BatchMode)
+        return;
+    refreshLastRun();
+    m_scheduleLine->refresh();
 }
 
 company::BatchList TMainForm::batchList() const {
@@ -142,8 +160,11 @@ void TMainForm::openChangeForm() {
         m_changeForm = new TAlvMuutosLomake(company::companyDatabase());
         m_changeForm->Unattended = BatchMode;
         connect(m_changeForm, &TAlvMuutosLomake::closed, this, &TMainForm::changeFormClosed);
-        connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this,
-                [this](bool running) { setEnabled(!running); });
+        connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this, [this](bool running) {
+            setEnabled(!running);
+            if (!running && !BatchMode)
+                refreshLastRun();
+        });
     }
     m_changeForm->show();
     m_changeForm->raise();
@@ -168,7 +189,7 @@ void TMainForm::BitBtn1Click() {
     }
     framework::reportErrors(this, [this] {
         if (alreadyRun())
-            framework::Dialogs::message(this, kAlreadyRunText);
+            framework::Dialogs::message(this, alreadyRunAdvice());
         else
             openChangeForm();
     });
@@ -265,11 +286,7 @@ void TMainForm::TalletaClick() {
     }
     framework::reportErrors(this, [this] {
         const company::BatchList list = batchList();
-        const framework::DefinitionStore definitions;
-        QStringList unknown;
-        for (const QString& name : list)
-            if (!name.isEmpty() && !definitions.has(TAlvMuutosLomake::kFormName, name))
-                unknown.append(QStringLiteral("\"%1\"").arg(name));
+        const QStringList unknown = unknownNames(list);
         if (!unknown.isEmpty() &&
             !framework::Dialogs::ask(
                 this,

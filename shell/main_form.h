@@ -49,6 +49,10 @@ class TMainForm : public QWidget {
     void removeScheduleClick();
     void companiesClick();
 
+    void historyClick();
+    void backupClick();
+    void restoreClick();
+
     /// Shows in the window what was done and where; replaces the previous text.
     void showFeedback(const QString& text);
 
@@ -67,6 +71,12 @@ class TMainForm : public QWidget {
     QLayout* buildStatus();
     QLayout* buildButtons();
     QLayout* buildFoot();
+    QPushButton* buildHistoryButton();
+    QPushButton* buildBackupButton();
+    /// Shows what was last done in this company and how it ended.
+    void refreshLastRun();
+    /// That the change has been run, when, and what can be done.
+    static QString alreadyRunAdvice();
     void readNames();
     void readBatchList();
     void showBatchList(const company::BatchList& list);
@@ -82,6 +92,8 @@ class TMainForm : public QWidget {
     QLabel* m_company = nullptr;
     QPushButton* m_open = nullptr;
     QPushButton* m_schedule = nullptr;
+    QPushButton* m_history = nullptr;
+    QLabel* m_lastRun = nullptr;
     QPushButton* m_companies = nullptr;
     ScheduleLine* m_scheduleLine = nullptr;
     QLabel* m_feedback = nullptr;

@@ -36,12 +36,19 @@ QLayout* TMainForm::buildHead() {
     connect(m_companies, &QPushButton::clicked, this, &TMainForm::companiesClick);
     auto* head = new QHBoxLayout;
     head->addWidget(m_company, 1);
+    head->addWidget(buildBackupButton(), 0, Qt::AlignTop);
     head->addWidget(m_companies, 0, Qt::AlignTop);
     return head;
 }
 
 // Lines about this company that appear when there is something to tell.
 QLayout* TMainForm::buildStatus() {
+    m_lastRun = new QLabel(this);
+    m_lastRun->setObjectName(QStringLiteral("ViimeisinAjo"));
+    m_lastRun->setTextFormat(Qt::PlainText);
+    m_lastRun->setWordWrap(true);
+    m_lastRun->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_lastRun->hide();
     m_scheduleLine = new ScheduleLine(this);
     m_feedback = new QLabel(this);
     m_feedback->setObjectName(QStringLiteral("Tila"));
@@ -51,6 +58,7 @@ QLayout* TMainForm::buildStatus() {
     m_feedback->hide();
     auto* lines = new QVBoxLayout;
     lines->setSpacing(kLineGap);
+    lines->addWidget(m_lastRun);
     lines->addWidget(m_scheduleLine);
     lines->addWidget(m_feedback);
     connect(m_scheduleLine, &ScheduleLine::changeWanted, this, &TMainForm::scheduleClick);
@@ -86,7 +94,7 @@ void TMainForm::scheduleClick() {
         ScheduleDialog dialog(company::currentCompany().name, saved, this);
         dialog.exec();
         m_scheduleLine->refresh();
-        showFeedback(dialog.doneText());
+        showFeedback(dialog.removed() ? QStringLiteral("Ajastus poistettiin.") : QString());
     });
 }
 

@@ -58,8 +58,8 @@ QString restoreQuestion(const QString& companyName, const QString& file) {
                "sen jälkeen tehdyt muutokset, myös kassojen ja muiden ohjelmien, poistuvat "
                "käytöstä. Varmuuskopio tarkastetaan ensin. Nykyinen tietokanta säilyy yrityksen "
                "kansiossa toisella nimellä.")
-        .arg(companyName, QDir::toNativeSeparators(file), momentText(QFileInfo(file).lastModified()),
-             sizeText(QFileInfo(file).size()));
+        .arg(companyName, QDir::toNativeSeparators(file),
+             momentText(QFileInfo(file).lastModified()), sizeText(QFileInfo(file).size()));
 }
 
 }  // namespace
@@ -76,10 +76,10 @@ std::optional<company::Backup> takeBackup(QWidget* parent) {
     reportErrors(parent, [&] {
         if (!canBackUp(parent, name))
             return;
-        const QString suggested = QDir(usualFolder(name))
-                                      .filePath(company::backupFileName(name, data::Clock::now()));
-        const QString file = Dialogs::saveFileName(parent, QStringLiteral("Ota varmuuskopio"),
-                                                   suggested, kFilter);
+        const QString suggested =
+            QDir(usualFolder(name)).filePath(company::backupFileName(name, data::Clock::now()));
+        const QString file =
+            Dialogs::saveFileName(parent, QStringLiteral("Ota varmuuskopio"), suggested, kFilter);
         if (file.isEmpty())
             return;
         {
@@ -110,8 +110,9 @@ bool restoreBackup(QWidget* parent, const std::function<void()>& closeCompany) {
         if (kept.isEmpty())
             return;
         const QString line =
-            QStringLiteral("Huomaa: tietokanta palautettiin varmuuskopiosta %1, aiempi on tallessa "
-                           "nimellä %2")
+            QStringLiteral(
+                "Huomaa: tietokanta palautettiin varmuuskopiosta %1, aiempi on tallessa "
+                "nimellä %2")
                 .arg(QDir::toNativeSeparators(file), QDir::toNativeSeparators(kept));
         company::WriteAlvMuutosLog(line);
         company::writeGeneralLog(line);

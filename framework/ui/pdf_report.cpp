@@ -45,8 +45,7 @@ class PictureObject : public QObject, public QTextObjectInterface {
 
     QSizeF intrinsicSize(QTextDocument* document, int /*position*/,
                          const QTextFormat& format) override {
-        return {document->pageSize().width(),
-                picture(format).heightMm / kMmPerInch * kResolution};
+        return {document->pageSize().width(), picture(format).heightMm / kMmPerInch * kResolution};
     }
     void drawObject(QPainter* painter, const QRectF& place, QTextDocument* document,
                     int /*position*/, const QTextFormat& format) override {

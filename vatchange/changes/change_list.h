@@ -83,7 +83,7 @@ class ChangeList {
     std::optional<double> percent(int row) const;
 
     FindingSet findings(int row) const { return m_rowFindings[at(row)]; }
-    /// The findings' reasons in words, joined by "; "; may be empty.
+    /// The findings in words with their reasons, joined by "; "; empty if their names say all.
     const QString& reason(int row) const { return m_texts[m_rowReason[at(row)]]; }
     qint64 findingCount(ChangeFinding finding) const {
         return m_findingCounts[static_cast<size_t>(finding)];

@@ -36,6 +36,19 @@ QString signedText(double value, const QString& text) {
     return value > 0 ? u'+' + text : text;
 }
 
+/// Findings that the reason of their row tells.
+bool hasReason(ChangeFinding finding) {
+    switch (finding) {
+        case ChangeFinding::FarFromExpected:
+        case ChangeFinding::NotPositive:
+        case ChangeFinding::OtherThanRehearsed:
+        case ChangeFinding::Undone:
+            return false;
+        default:
+            return true;
+    }
+}
+
 }  // namespace
 
 QString amountShown(double amount) {
@@ -76,16 +89,16 @@ QString percentShown(const ChangeList& list, int row) {
 }
 
 QString findingsShown(const ChangeList& list, int row) {
-    QStringList names;
+    QStringList texts;
     for (int finding = 0; finding < kChangeFindings; ++finding) {
         const auto kind = static_cast<ChangeFinding>(finding);
-        if ((list.findings(row) & bitOf(kind)) != 0)
-            names += findingName(kind);
+        if ((list.findings(row) & bitOf(kind)) != 0 &&
+            (list.reason(row).isEmpty() || !hasReason(kind)))
+            texts += findingName(kind);
     }
-    QString text = names.join(QStringLiteral(", "));
     if (!list.reason(row).isEmpty())
-        text += QStringLiteral(" (") + list.reason(row) + u')';
-    return text;
+        texts += list.reason(row);
+    return texts.join(QStringLiteral("; "));
 }
 
 }  // namespace vatchange

@@ -13,7 +13,7 @@ QString beforeShown(const ChangeList& list, int row);
 QString afterShown(const ChangeList& list, int row);
 QString differenceShown(const ChangeList& list, int row);  ///< "+0,12"
 QString percentShown(const ChangeList& list, int row);     ///< "+1,21", without a sign for percent
-/// Names of the row's findings and their reasons: "Hinta ennallaan (pyöristys)".
+/// The row's findings with their reasons: "Poikkeaa odotetusta; hinta ennallaan: pyöristys".
 QString findingsShown(const ChangeList& list, int row);
 
 /// A number with decimals: at least two, at most four, with the Finnish decimal comma.

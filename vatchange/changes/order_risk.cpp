@@ -7,9 +7,10 @@ namespace vatchange {
 QString orderRisk(const OpenOrderRow& row, const QDate& dayOfChange) {
     QStringList reasons;
     if (row.open != 0 && row.delivered > 0)
-        reasons += QStringLiteral("osa toimitettu");
+        reasons += QStringLiteral("osa tilauksesta toimitettu");
     if (row.open != 0 && row.delivery.isValid() && row.delivery < dayOfChange)
-        reasons += QStringLiteral("toimitus ") + row.delivery.toString(QStringLiteral("d.M.yyyy"));
+        reasons += QStringLiteral("toimitus %1 ennen muutospäivää")
+                       .arg(row.delivery.toString(QStringLiteral("d.M.yyyy")));
     return reasons.join(QStringLiteral(", "));
 }
 

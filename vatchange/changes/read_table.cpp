@@ -71,13 +71,15 @@ ReadTable::ReadTable(UndoTable& table, ChangeList& list, const ChangeList::Run& 
                 m_numberInKey = static_cast<int>(i);
         }
     }
+    m_class = fieldOf(layout, m_products                              ? "LVV"
+                              : isTable(name, kSalesOrderTables.rows) ? "Verokanta"
+                                                                      : "AlvLuokka");
     if (!m_products)
         return;
     for (size_t i = 0; i < m_levels.size(); ++i)
         m_levels[i] = fieldOf(layout, kPriceColumns[i + 1].toLatin1().constData());
     m_average = fieldOf(layout, "KESKIHINTA");
     m_last = fieldOf(layout, "VIIMOSTOHINTA");
-    m_salesClass = fieldOf(layout, "LVV");
 }
 
 int ReadTable::listFieldOf(Place& place) {

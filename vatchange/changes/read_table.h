@@ -48,10 +48,11 @@ class ReadTable {
     QString productByKey(const QByteArray& key) const;
     QString productIn(const QByteArray& record) const;
 
-    /// Of products: the amounts in a record; the list's fields of their levels and sales class.
+    /// Of products: the amounts in a record and the list's fields of their levels.
     ProductPrices prices(const QByteArray& record) const;
     int levelField(int level) { return listField(kPriceColumns[static_cast<size_t>(level)]); }
-    bool isSalesClass(int listField) const { return m_salesClass == itemOf(listField); }
+    /// The VAT class of sales of a product, or the class of an order row.
+    bool isClass(int listField) const { return m_class != nullptr && m_class == itemOf(listField); }
 
     // where the list has the records of this table; kept by the reader
     data::IdSet seen;
@@ -84,7 +85,7 @@ class ReadTable {
     std::array<const Field*, kPriceLevels> m_levels{};
     const Field* m_average = nullptr;
     const Field* m_last = nullptr;
-    const Field* m_salesClass = nullptr;
+    const Field* m_class = nullptr;
     QByteArray m_before;  // the fields that an entry changes; other bytes mean nothing
     QByteArray m_after;
     std::vector<Value> m_values;

@@ -5,6 +5,7 @@
 #include "vatchange/journal/run_chain.h"
 #include "vatchange/journal/run_notes.h"
 #include "vatchange/journal/run_upkeep.h"
+#include "vatchange/rules/change_day.h"
 
 namespace vatchange {
 
@@ -17,6 +18,12 @@ ChangeList::Run readRun(data::RunJournal& journal, qint64 run) {
     if (const std::optional<QByteArray> rates = journal.note(run, kRatesNote))
         read.rates = ratesOfNote(*rates);
     return read;
+}
+
+bool changesClass(const ReadTable& table, const std::vector<ReadTable::Value>& values) {
+    return std::any_of(values.begin(), values.end(), [&table](const ReadTable::Value& value) {
+        return table.isClass(value.field);
+    });
 }
 
 }  // namespace
@@ -112,19 +119,30 @@ int RunReader::firstRow(int record) const {
     return place < m_firstRows.size() ? m_firstRows[place] : -1;
 }
 
-int RunReader::rowOf(int record, int field) const {
+template <typename See>
+void RunReader::visitRows(int record, See&& see) const {
     const int first = firstRow(record);
     if (first < 0)
-        return -1;
-    for (int row = first; row < m_list.rowCount() && m_list.recordIndex(row) == record; ++row) {
+        return;
+    int row = first;
+    for (; row < m_list.rowCount() && m_list.recordIndex(row) == record; ++row) {
+        if (!see(row))
+            return;
+    }
+    for (auto [later, end] = m_laterRows.equal_range(record); later != end; ++later) {
+        if (later->second >= row && !see(later->second))
+            return;
+    }
+}
+
+int RunReader::rowOf(int record, int field) const {
+    int found = -1;
+    visitRows(record, [&](int row) {
         if (m_list.fieldIndex(row) == field)
-            return row;
-    }
-    for (auto [row, end] = m_laterRows.equal_range(record); row != end; ++row) {
-        if (m_list.fieldIndex(row->second) == field)
-            return row->second;
-    }
-    return -1;
+            found = row;
+        return found < 0;
+    });
+    return found;
 }
 
 void RunReader::see(const data::JournalEntry& entry) {
@@ -135,7 +153,7 @@ void RunReader::see(const data::JournalEntry& entry) {
     const bool isNew = table.seen.add(entry.record);
     const bool orderRow = OrderRows::isRowTable(table.table().stored.name);
     std::optional<data::StoredRecord> present;
-    if (table.isProducts() || (isNew && (table.productNeedsRecord() || orderRow)))
+    if (table.isProducts() || orderRow || (isNew && table.productNeedsRecord()))
         present = table.table().file->get(entry.record);
     const QByteArray* bytes = present ? &present->bytes : nullptr;
     int record = -1;
@@ -147,7 +165,6 @@ void RunReader::see(const data::JournalEntry& entry) {
         index(table);
         record = table.records.at(entry.record);
     }
-    const int begin = m_list.rowCount();
     const auto placeOfRecord = static_cast<size_t>(record - m_firstRecord);
     if (entry.operation == data::Operation::Update) {
         const std::vector<ReadTable::Value>& values = table.changedFields(entry);
@@ -167,8 +184,8 @@ void RunReader::see(const data::JournalEntry& entry) {
         }
         if (table.isProducts() && bytes != nullptr)
             judgeProduct(table, entry, record, values, *bytes);
-        if (orderRow && isNew && bytes != nullptr && firstRow(record) >= 0)
-            judgeOrderRow(table, firstRow(record), *bytes);
+        if (orderRow && bytes != nullptr)
+            judgeOrderRow(table, record, values, *bytes);
     } else {
         const ChangeKind kind =
             entry.operation == data::Operation::Insert ? ChangeKind::Inserted : ChangeKind::Deleted;
@@ -179,9 +196,11 @@ void RunReader::see(const data::JournalEntry& entry) {
             m_laterRows.emplace(record, row);
     }
     if (m_takenBack.contains(0, entry.seq)) {
-        for (int row = firstRow(record) < 0 ? begin : firstRow(record);
-             row < m_list.rowCount() && m_list.recordIndex(row) == record; ++row)
-            m_list.mark(row, ChangeFinding::Undone);
+        visitRows(record, [this](int row) {
+            if (m_list.kind(row) != ChangeKind::Unchanged)
+                m_list.mark(row, ChangeFinding::Undone);
+            return true;
+        });
     }
 }
 
@@ -223,10 +242,7 @@ void RunReader::judgeProduct(ReadTable& table, const data::JournalEntry& entry, 
     };
     for (const LevelOrderChange& change : changedLevelOrder(table.prices(before), pricesAfter))
         m_list.mark(rowOfLevel(change.level), ChangeFinding::LevelOrder, change.reason);
-    const bool classChanged = std::any_of(
-        values.begin(), values.end(),
-        [&table](const ReadTable::Value& value) { return table.isSalesClass(value.field); });
-    if (!classChanged)
+    if (!changesClass(table, values))
         return;
     for (int level = 1; level <= kPriceLevels; ++level) {
         const double price = pricesAfter.levels[static_cast<size_t>(level - 1)];
@@ -236,15 +252,24 @@ void RunReader::judgeProduct(ReadTable& table, const data::JournalEntry& entry, 
     }
 }
 
-void RunReader::judgeOrderRow(const ReadTable& table, int row, const QByteArray& present) {
-    if (!m_read.definition)
+void RunReader::judgeOrderRow(const ReadTable& table, int record,
+                              const std::vector<ReadTable::Value>& values,
+                              const QByteArray& present) {
+    // a margin mark alone converts nothing
+    if (!m_read.definition || !changesClass(table, values))
         return;
     std::unique_ptr<OrderRows>& orders = m_orders[table.table().stored.name];
     if (!orders)
         orders = std::make_unique<OrderRows>(m_database, table.table().stored.name);
-    const QString reason = orderRisk(orders->open(present), m_dayOfChange);
-    if (!reason.isEmpty())
-        m_list.mark(row, ChangeFinding::OrderAtRisk, reason);
+    const QString reason = orderRisk(orders->open(present), changeDay(*m_read.definition));
+    if (reason.isEmpty())
+        return;
+    int row = rowOf(record, values.front().field);
+    for (const ReadTable::Value& value : values) {
+        if (m_list.fields()[static_cast<size_t>(value.field)].sold)
+            row = rowOf(record, value.field);
+    }
+    m_list.mark(row, ChangeFinding::OrderAtRisk, reason);
 }
 
 }  // namespace vatchange

@@ -27,7 +27,7 @@ class Findings {
                 leftBehind(finding);
                 break;
             case FindingKind::Gone:
-                markRecord(finding, QStringLiteral("poistettu"));
+                markRecord(finding, QStringLiteral("poistettu ajon jälkeen"));
                 break;
             case FindingKind::Returned:
                 markRecord(finding, QStringLiteral("on taas olemassa"));
@@ -35,7 +35,7 @@ class Findings {
             case FindingKind::ChangedSince: {
                 const int row = unchangedRow(finding, finding.after);
                 m_list.mark(row, ChangeFinding::ChangedSince,
-                            QStringLiteral("nyt ") + shown(finding.present));
+                            QStringLiteral("muutettu ajon jälkeen: nyt ") + shown(finding.present));
                 break;
             }
             case FindingKind::EmptyVat0:
@@ -47,7 +47,7 @@ class Findings {
                 break;
             case FindingKind::PriceUnchanged:
                 m_list.mark(unchangedRow(finding, finding.present), ChangeFinding::PriceUnchanged,
-                            causeFinnish(finding.cause));
+                            QStringLiteral("hinta ennallaan: ") + causeFinnish(finding.cause));
                 break;
             case FindingKind::OtherThanRehearsed:
                 otherThanRehearsed(finding);
@@ -123,7 +123,7 @@ class Findings {
         const std::optional<data::StoredRecord> record = found.file->get(finding.record);
         const QByteArray* bytes = record ? &record->bytes : nullptr;
         const int row = unchangedRow(finding, finding.present, bytes);
-        QString reason = reasonFinnish(finding.reason);
+        QString reason = QStringLiteral("vanha alv-luokka jäi: ") + reasonFinnish(finding.reason);
         if (found.orders && bytes != nullptr) {
             const QString passedOver = found.orders->passedOver(finding.reason, *bytes);
             if (!passedOver.isEmpty()) {

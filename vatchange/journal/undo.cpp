@@ -131,8 +131,8 @@ void recordBeginning(RunJournal& journal, const JournalRun& undone, const UndoOp
     head.user = options.user;
     head.computer = options.computer;
     head.undoneRun = undone.number;
-    result.run = journal.begin(head, {{kUndoNote, undoNote(options.scope)},
-                                      {kAttemptsNote, attemptsNote({attempt})}});
+    result.run = journal.begin(
+        head, {{kUndoNote, undoNote(options.scope)}, {kAttemptsNote, attemptsNote({attempt})}});
 }
 
 /// Lets commits be flushed together: each record's change is complete on its own.

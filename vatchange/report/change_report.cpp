@@ -25,10 +25,10 @@ void runPart(ReportHtml& html, const RunSummary& run) {
     html.section(QStringLiteral("Viimeisin ajo"), ReportHtml::Page::New);
     html.row(QStringLiteral("Määrittely"), nameOrUnsaved(run.definitionName));
     html.row(QStringLiteral("Alkoi"), momentText(run.started));
-    html.row(QStringLiteral("Päättyi"),
-             QStringLiteral("%1 (kesto %2)")
-                 .arg(momentText(run.ended),
-                      framework::durationText(run.started.secsTo(run.ended))));
+    html.row(
+        QStringLiteral("Päättyi"),
+        QStringLiteral("%1 (kesto %2)")
+            .arg(momentText(run.ended), framework::durationText(run.started.secsTo(run.ended))));
     html.row(QStringLiteral("Tulos"), outcomeText(run.result));
     if (run.result.refused)
         html.row(QStringLiteral("Syy"), run.result.refusal);
@@ -55,9 +55,13 @@ QString outcomeText(const RunResult& result) {
     if (result.clean())
         return QStringLiteral("Muutos valmis, tuotteita muutettu %1")
             .arg(countText(result.products));
-    if (result.failedSteps == 0 && result.skippedProducts == 0)
+    const bool complete = result.failedSteps == 0 && result.skippedProducts == 0;
+    if (complete && result.lostLogLines > 0)
         return QStringLiteral("Muutos tehty, tuotteita muutettu %1, mutta loki jäi vajaaksi")
             .arg(countText(result.products));
+    if (complete && result.limitedProducts > 0)
+        return QStringLiteral("Muutos tehty, tuotteita muutettu %1, turvarajan vuoksi ohitettu %2")
+            .arg(countText(result.products), countText(result.limitedProducts));
     return QStringLiteral("Muutos tehty, mutta kaikki ei onnistunut: katso loki");
 }
 

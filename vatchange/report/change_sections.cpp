@@ -14,8 +14,9 @@ constexpr int kListedPassedOver = 200;
 constexpr double kSpreadMm = 62;
 constexpr double kEndingsMm = 52;
 
-QString percentText(double percent) {
-    return QLocale().toString(percent, 'f', 2) + QStringLiteral(" %");
+/// Reports are Finnish whatever the locale of the task that writes them.
+QString amountText(double amount) {
+    return QLocale(QLocale::Finnish).toString(amount, 'f', 2);
 }
 
 /// A value as the report shows it: numbers in the user's locale.
@@ -25,7 +26,7 @@ QString valueText(const ChangeList& list, int row, bool after) {
     const QString text = after ? list.afterText(row) : list.beforeText(row);
     if (!list.field(row).amount || text.isEmpty())
         return text;
-    return QLocale().toString(after ? list.after(row) : list.before(row), 'f', 2);
+    return amountText(after ? list.after(row) : list.before(row));
 }
 
 /// Product number and name, or the record's key.
@@ -38,10 +39,16 @@ QString subjectText(const ChangeList& list, int row) {
     return list.productNumber(product) + (name.isEmpty() ? QString() : u' ' + name);
 }
 
+/// Table, field, and the record's key if it is not the product itself: "myyntitilausten rivit 50017
+/// 2, Hinta".
 QString placeText(const ChangeList& list, int row) {
-    const QString table = tableText(list.tables().value(list.tableOf(row)));
+    QString text = tableText(list.tables().value(list.tableOf(row)));
+    const int product = list.productOf(row);
+    const QString key = list.record(list.recordIndex(row)).key;
+    if (product >= 0 && key != list.productNumber(product))
+        text += u' ' + key;
     const QString& title = list.field(row).title;
-    return title.isEmpty() ? table : table + QStringLiteral(", ") + title;
+    return title.isEmpty() ? text : text + QStringLiteral(", ") + title;
 }
 
 bool isPassedOver(ChangeFinding finding) {
@@ -91,12 +98,14 @@ void countSections(ReportHtml& html, const ChangeOverview& overview) {
         html.tableRow({tableText(table.table), countText(table.records)});
     if (overview.prices.empty())
         return;
+    html.section(QStringLiteral("Hintojen muutokset"));
     html.beginTable({QStringLiteral("Hinta"), QStringLiteral("Taso"), QStringLiteral("Muuttui"),
                      QStringLiteral("Muutos keskimäärin")},
                     2);
     for (const ChangedPrices& price : overview.prices)
         html.tableRow({tableText(price.table), price.title, countText(price.count),
-                       price.compared > 0 ? percentText(price.meanPercent) : QString()});
+                       price.compared > 0 ? amountText(price.meanPercent) + QStringLiteral(" %")
+                                          : QString()});
 }
 
 void pictureSections(ReportHtml& html, std::vector<framework::ReportPicture>& pictures,
@@ -105,16 +114,16 @@ void pictureSections(ReportHtml& html, std::vector<framework::ReportPicture>& pi
         return;
     html.section(QStringLiteral("Hintojen muutosten jakauma"));
     html.picture(pictures.size());
-    pictures.push_back({kSpreadMm, [spread = overview.spread](QPainter& painter,
-                                                              const QRectF& place) {
-                            paintSpread(painter, place, spread);
-                        }});
+    pictures.push_back(
+        {kSpreadMm, [spread = overview.spread](QPainter& painter, const QRectF& place) {
+             paintSpread(painter, place, spread);
+         }});
     html.section(QStringLiteral("Hintojen päätteet ennen ja jälkeen"));
     html.picture(pictures.size());
-    pictures.push_back({kEndingsMm, [endings = overview.endings](QPainter& painter,
-                                                                 const QRectF& place) {
-                            paintEndings(painter, place, endings);
-                        }});
+    pictures.push_back(
+        {kEndingsMm, [endings = overview.endings](QPainter& painter, const QRectF& place) {
+             paintEndings(painter, place, endings);
+         }});
 }
 
 void findingSections(ReportHtml& html, const ChangeList& list) {
@@ -140,10 +149,9 @@ void passedOverSections(ReportHtml& html, const ChangeList& list) {
         const bool products = finding == ChangeFinding::ProductPassedOver;
         html.section(products ? QStringLiteral("Ohitetut tuotteet: %1").arg(countText(count))
                               : QStringLiteral("Ohitetut tilaukset: %1").arg(countText(count)));
-        html.beginTable({products ? QStringLiteral("Tuote") : QStringLiteral("Tilaus"),
-                         QStringLiteral("Syy")});
+        html.beginTable({QStringLiteral("Tuote"), QStringLiteral("Missä"), QStringLiteral("Syy")});
         visitRows(list, finding, kListedPassedOver, [&](int row) {
-            html.tableRow({subjectText(list, row), list.reason(row)});
+            html.tableRow({subjectText(list, row), placeText(list, row), list.reason(row)});
         });
         tellRest(html, count, kListedPassedOver);
     }

@@ -91,15 +91,17 @@ LogExcerpt readLog(const QString& logName, qint64 from, qint64 to) {
         excerpt.problem = QStringLiteral("lokia on lyhennetty ajon jälkeen");
         return excerpt;
     }
-    collect(file, end, [](const QByteArray&) { return true; }, excerpt);
+    collect(
+        file, end, [](const QByteArray&) { return true; }, excerpt);
     return excerpt;
 }
 
 LogExcerpt logOfAttempt(data::RunJournal& journal, const QString& logName,
                         const RunAttempt& attempt) {
     if (attempt.logFrom >= 0)
-        return readLog(logName, attempt.logFrom,
-                       attempt.logTo >= 0 ? attempt.logTo : nextAttemptAt(journal, attempt.logFrom));
+        return readLog(
+            logName, attempt.logFrom,
+            attempt.logTo >= 0 ? attempt.logTo : nextAttemptAt(journal, attempt.logFrom));
     if (attempt.ended.isValid())
         return linesBetween(logName, attempt.started, attempt.ended);
     LogExcerpt unknown;

@@ -94,7 +94,7 @@ void ReportHtml::closeTable() {
 }
 
 QString countText(qint64 count) {
-    return QLocale().toString(count);
+    return QLocale(QLocale::Finnish).toString(count);
 }
 
 }  // namespace vatchange

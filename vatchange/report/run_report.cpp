@@ -78,10 +78,10 @@ class RunReport {
 
     void listRuns() {
         m_html.section(QStringLiteral("Ajot"));
-        m_html.beginTable({QStringLiteral("Ajo"), QStringLiteral("Määrittely"),
-                           QStringLiteral("Alkoi"), QStringLiteral("Kesto"),
-                           QStringLiteral("Tulos"), QStringLiteral("Muutettu")},
-                          1);
+        m_html.beginTable(
+            {QStringLiteral("Ajo"), QStringLiteral("Määrittely"), QStringLiteral("Alkoi"),
+             QStringLiteral("Kesto"), QStringLiteral("Tulos"), QStringLiteral("Muutettu")},
+            1);
         for (const JournalRun& run : m_runs)
             m_html.tableRow({QString::number(run.number), definitionText(run),
                              framework::momentText(run.started),
@@ -119,10 +119,10 @@ class RunReport {
         m_html.row(QStringLiteral("Ajaja"), whoText(run));
         m_html.row(QStringLiteral("Alkoi"), exactMoment(run.started));
         if (run.ended.isValid())
-            m_html.row(QStringLiteral("Päättyi"),
-                       QStringLiteral("%1 (kesto %2)")
-                           .arg(exactMoment(run.ended),
-                                framework::durationText(secondsOf(attempts))));
+            m_html.row(
+                QStringLiteral("Päättyi"),
+                QStringLiteral("%1 (kesto %2)")
+                    .arg(exactMoment(run.ended), framework::durationText(secondsOf(attempts))));
         m_html.row(QStringLiteral("Tulos"),
                    stateName(run.state) + QStringLiteral(". ") + stateMeaning(run));
         const RunAttempt& first = attempts.front();
@@ -136,12 +136,10 @@ class RunReport {
     }
 
     void listAttempts(const std::vector<RunAttempt>& attempts) {
-        m_html.beginTable({QStringLiteral("Ajettu osissa"), QStringLiteral("Ajaja"),
-                           QStringLiteral("Kesto")},
-                          1);
+        m_html.beginTable(
+            {QStringLiteral("Ajettu osissa"), QStringLiteral("Ajaja"), QStringLiteral("Kesto")}, 1);
         for (const RunAttempt& attempt : attempts)
-            m_html.tableRow({exactMoment(attempt.started),
-                             attempt.user + u'@' + attempt.computer,
+            m_html.tableRow({exactMoment(attempt.started), attempt.user + u'@' + attempt.computer,
                              attempt.ended.isValid() ? framework::durationText(attempt.seconds())
                                                      : QStringLiteral("katkesi")});
     }
@@ -259,8 +257,7 @@ QString reportFileName(const QDateTime& started, const QString& title) {
 }
 
 QString reportFileName(data::Database& database, const std::vector<qint64>& runs) {
-    const JournalRun first =
-        requireRun(requireJournal(database), runs.front(), EvenRunning::Yes);
+    const JournalRun first = requireRun(requireJournal(database), runs.front(), EvenRunning::Yes);
     const QString title = runs.size() > 1 ? QStringLiteral("Eräajo")
                           : first.kind == RunKind::Undo
                               ? QStringLiteral("Ajon %1 peruminen").arg(first.undoneRun)

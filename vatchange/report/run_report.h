@@ -15,11 +15,11 @@ namespace vatchange {
 /// What a report of runs tells besides what their journal knows.
 struct ReportContext {
     QString company;
-    QString logName;            ///< full path of the change log that the runs wrote to
-    QString title = {};         ///< empty: from the runs' definitions
-    QStringList notes = {};     ///< shown first: definitions of a batch that were refused
-    bool onNewPage = false;     ///< follows something else
-    bool verifyAgain = false;   ///< verifies now instead of showing the stored verification
+    QString logName;           ///< full path of the change log that the runs wrote to
+    QString title = {};        ///< empty: from the runs' definitions
+    QStringList notes = {};    ///< shown first: definitions of a batch that were refused
+    bool onNewPage = false;    ///< follows something else
+    bool verifyAgain = false;  ///< verifies now instead of showing the stored verification
     /// Gets the share done (0 to 1) a few times a second; false cancels.
     std::function<bool(double)> progress = {};
 };

@@ -41,7 +41,7 @@ QString endingText(const JournalRun& run, const std::optional<StoredVerification
 }
 
 QString counted(qint64 count, const QString& one, const QString& many) {
-    return QLocale().toString(count) + u' ' + (count == 1 ? one : many);
+    return QLocale(QLocale::Finnish).toString(count) + u' ' + (count == 1 ? one : many);
 }
 
 }  // namespace
@@ -52,8 +52,9 @@ QString definitionText(const JournalRun& run) {
 
 QString runTitle(const JournalRun& run) {
     const QString title = QStringLiteral("Ajo %1: ").arg(run.number);
-    return run.kind == RunKind::Undo ? title + QStringLiteral("ajon %1 peruminen").arg(run.undoneRun)
-                                     : title + definitionText(run);
+    return run.kind == RunKind::Undo
+               ? title + QStringLiteral("ajon %1 peruminen").arg(run.undoneRun)
+               : title + definitionText(run);
 }
 
 QString stateMeaning(const JournalRun& run) {
@@ -73,8 +74,9 @@ QString stateMeaning(const JournalRun& run) {
                 "Osa tuotteista tai tilauksista jäi muuttamatta. Jatka ajoa, peru se tai hyväksy "
                 "se sellaisena kuin se on.");
         case RunState::Errors:
-            return QStringLiteral("Ajo tehtiin loppuun, mutta jokin vaihe epäonnistui. Korjaa syy "
-                                  "ja jatka ajoa, tai peru se.");
+            return QStringLiteral(
+                "Ajo tehtiin loppuun, mutta jokin vaihe epäonnistui. Korjaa syy "
+                "ja jatka ajoa, tai peru se.");
         case RunState::Accepted:
             return QStringLiteral("Kesken jäänyt ajo hyväksyttiin sellaisena kuin se on.");
         case RunState::PartlyUndone:
@@ -99,9 +101,8 @@ QString amountText(const std::vector<ChangedRecords>& records) {
             products = table.records;
         rows += table.records;
     }
-    return products > 0
-               ? counted(products, QStringLiteral("tuote"), QStringLiteral("tuotetta"))
-               : counted(rows, QStringLiteral("rivi"), QStringLiteral("riviä"));
+    return products > 0 ? counted(products, QStringLiteral("tuote"), QStringLiteral("tuotetta"))
+                        : counted(rows, QStringLiteral("rivi"), QStringLiteral("riviä"));
 }
 
 QString lastRunText(data::RunJournal& journal) {
@@ -109,15 +110,16 @@ QString lastRunText(data::RunJournal& journal) {
     if (runs.empty())
         return {};
     // an old run may have been resumed after newer ones
-    const JournalRun& last = *std::max_element(
-        runs.begin(), runs.end(), [](const JournalRun& a, const JournalRun& b) {
+    const JournalRun& last =
+        *std::max_element(runs.rbegin(), runs.rend(), [](const JournalRun& a, const JournalRun& b) {
             return (a.ended.isValid() ? a.ended : a.started) <
                    (b.ended.isValid() ? b.ended : b.started);
         });
     const std::optional<StoredVerification> verified = storedVerification(journal, last.number);
     const bool undo = last.kind == RunKind::Undo;
     QStringList parts{
-        (undo ? QStringLiteral("Peruttu %1: ajo %2").arg(framework::momentText(last.started))
+        (undo ? QStringLiteral("Peruttu %1: ajo %2")
+                    .arg(framework::momentText(last.started))
                     .arg(last.undoneRun)
               : QStringLiteral("Ajettu %1: ").arg(framework::momentText(last.started)) +
                     definitionText(last))};

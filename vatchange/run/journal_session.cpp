@@ -1,13 +1,12 @@
 #include "vatchange/run/journal_session.h"
 
-#include <QFileInfo>
-
 #include "company/backup.h"
 #include "company/company.h"
 #include "company/logs.h"
 #include "data/clock.h"
 #include "data/journal/entry_fields.h"
 #include "vatchange/run/row_lists.h"
+#include "vatchange/run/safety_limits.h"
 
 namespace vatchange {
 
@@ -56,10 +55,6 @@ QString resumeProblem(RunContext& run, data::RunJournal& journal, const LoadedDe
     return {};
 }
 
-qint64 changeLogSize() {
-    return QFileInfo(company::AlvMuutosLogName()).size();
-}
-
 void begin(RunContext& run, data::RunJournal& journal, const LoadedDefinition& loaded,
            const RunOptions& options) {
     data::JournalRun head;
@@ -102,6 +97,18 @@ void abandon(RunContext& run, data::RunJournal& journal) {
     run.result.run = 0;
 }
 
+/// Returns false if the products cannot be judged; the reason has been shown.
+bool judgeWithoutJournal(RunContext& run) {
+    try {
+        judgeProducts(run);
+        return true;
+    } catch (const std::exception& error) {
+        run.result.refusal = QStringLiteral("Virhe turvarajan tarkastuksessa: ") + errorText(error);
+        run.ports.NaytaViesti(run.result.refusal);
+        return false;
+    }
+}
+
 }  // namespace
 
 RunAttempt newAttempt() {
@@ -109,7 +116,7 @@ RunAttempt newAttempt() {
     attempt.started = data::Clock::now();
     attempt.user = company::userName();
     attempt.computer = company::computerName();
-    attempt.logFrom = changeLogSize();
+    attempt.logFrom = company::changeLogSize();
     attempt.lostLogLines = -company::lostChangeLogLines().count;
     if (const auto backup = company::lastBackup(company::currentCompany().name)) {
         attempt.backupFile = backup->file;
@@ -121,7 +128,7 @@ RunAttempt newAttempt() {
 void endAttempt(const RunContext& run, data::RunJournal& journal) {
     RunAttempt end = run.attempt;
     end.ended = data::Clock::now();
-    end.logTo = changeLogSize();
+    end.logTo = company::changeLogSize();
     end.lostLogLines += company::lostChangeLogLines().count;
     endAttempt(journal, run.result.run, end);
 }
@@ -131,7 +138,7 @@ bool enterJournal(RunContext& run, const LoadedDefinition& loaded, const RunOpti
     QString& refusal = run.result.refusal;
     if (!journal) {
         if (options.resume == 0)
-            return true;
+            return judgeWithoutJournal(run);
         refusal = QStringLiteral("Ajoa %1 ei voi jatkaa: yrityksellä ei ole ajopäiväkirjaa.")
                       .arg(options.resume);
         run.ports.NaytaViesti(refusal);
@@ -147,6 +154,7 @@ bool enterJournal(RunContext& run, const LoadedDefinition& loaded, const RunOpti
             refusal = QStringLiteral("Ajoa %1 ei voi jatkaa: ").arg(options.resume) + problem;
         if (problem.isEmpty()) {
             run.journal = journal;
+            judgeProducts(run);
             listRows(run);
         }
     } catch (const std::exception& error) {

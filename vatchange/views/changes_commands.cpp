@@ -116,7 +116,7 @@ std::vector<int> ChangesWindow::selectedRows() const {
 
 void ChangesWindow::undoSelected() {
     UndoOptions options;
-    options.scope = undoScopeOfRows(*m_list, selectedRows());
+    options.scope = undoScopeOfRows(*m_list, m_context.run, selectedRows());
     if (options.scope.records.empty()) {
         framework::Dialogs::message(
             this, QStringLiteral("Valituilla riveillä ei ole peruttavaa: ajo ei muuttanut niitä, "

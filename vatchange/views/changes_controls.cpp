@@ -47,7 +47,7 @@ ChangesControls::ChangesControls(QDialog& window) {
     heading->addWidget(company);
     auto* looks = new QHBoxLayout;
     looks->setSpacing(kSpace);
-    looks->addWidget(findingsLabel, 0, Qt::AlignTop);
+    m_findings->addWidget(findingsLabel, 0, 0);
     looks->addLayout(m_findings);
     looks->addStretch();
     auto* column = new QVBoxLayout(&window);
@@ -130,6 +130,7 @@ void ChangesControls::create(QDialog& window) {
     order = combo("Jarjestys", QStringLiteral("Järjestys"),
                   QStringLiteral("Rivien järjestys, kuten otsikon klikkaus"));
     clear = make<QPushButton>("PoistaRajaus", QStringLiteral("&Poista rajaus"), &window);
+    clear->setAutoDefault(false);
     clear->setToolTip(QStringLiteral("Näytetään taas kaikki rivit"));
     rows = make<QLabel>("RiviLabel", &window);
     grid = make<search::SearchGrid>("Rivit", &window);
@@ -238,7 +239,7 @@ void ChangesControls::arrangeFindings() {
         m_findings->removeWidget(button);
         if (button->isHidden())
             continue;
-        m_findings->addWidget(button, place / kFindingsInRow, place % kFindingsInRow);
+        m_findings->addWidget(button, place / kFindingsInRow, 1 + place % kFindingsInRow);
         ++place;
     }
 }

@@ -5,6 +5,17 @@
 
 namespace vatchange {
 
+namespace {
+
+/// Of products the number, which has a column of its own.
+QString keyShown(const ChangeList& list, int row) {
+    const ChangeList::Record record = list.record(list.recordIndex(row));
+    const bool same = record.product >= 0 && record.key == list.productNumber(record.product);
+    return same ? QString() : record.key;
+}
+
+}  // namespace
+
 QString ChangesModel::title(ChangeColumn column) {
     switch (column) {
         case ChangeColumn::Product:
@@ -63,7 +74,7 @@ QVariant ChangesModel::data(const QModelIndex& index, int role) const {
         case ChangeColumn::Table:
             return tableTitle(list.tables()[list.tableOf(row)]);
         case ChangeColumn::Key:
-            return list.record(list.recordIndex(row)).key;
+            return keyShown(list, row);
         case ChangeColumn::Field:
             return fieldTitleOf(list, row);
         case ChangeColumn::Before:

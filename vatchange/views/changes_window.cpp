@@ -91,11 +91,11 @@ void ChangesWindow::start() {
     QHeaderView& header = *m_controls.grid->horizontalHeader();
     const int unit = fontMetrics().horizontalAdvance(u'0');
     for (const auto& [column, characters] :
-         {std::pair(ChangeColumn::Product, 14), std::pair(ChangeColumn::Name, 28),
-          std::pair(ChangeColumn::Table, 18), std::pair(ChangeColumn::Key, 18),
-          std::pair(ChangeColumn::Field, 18), std::pair(ChangeColumn::Before, 12),
-          std::pair(ChangeColumn::After, 12), std::pair(ChangeColumn::Difference, 11),
-          std::pair(ChangeColumn::Percent, 11)})
+         {std::pair(ChangeColumn::Product, 14), std::pair(ChangeColumn::Name, 25),
+          std::pair(ChangeColumn::Table, 17), std::pair(ChangeColumn::Key, 14),
+          std::pair(ChangeColumn::Field, 14), std::pair(ChangeColumn::Before, 10),
+          std::pair(ChangeColumn::After, 10), std::pair(ChangeColumn::Difference, 9),
+          std::pair(ChangeColumn::Percent, 10)})
         header.resizeSection(static_cast<int>(column), characters * unit);
     header.setStretchLastSection(true);
     fillChoices();
@@ -116,7 +116,10 @@ void ChangesWindow::connectControls() {
     connect(c.search, &QLineEdit::textChanged, &m_search, qOverload<>(&QTimer::start));
     c.search->installEventFilter(this);
     for (QPushButton* button : c.finding)
-        connect(button, &QPushButton::toggled, this, [this] { applyFilter(); });
+        connect(button, &QPushButton::toggled, this, [this] {
+            applyFilter();
+            showFindings();
+        });
     connect(c.table, &QComboBox::activated, this, [this] { applyFilter(); });
     connect(c.level, &QComboBox::activated, this, [this] { applyFilter(); });
     connect(c.order, &QComboBox::activated, this, [this] { applyOrder(); });
@@ -255,7 +258,8 @@ void ChangesWindow::showFindings() {
         const auto kind = static_cast<ChangeFinding>(i);
         QPushButton& button = *m_controls.finding[static_cast<size_t>(i)];
         const qint64 count = m_overview.findings[static_cast<size_t>(i)];
-        button.setText(findingName(kind) + QStringLiteral("  ") + countText(count));
+        button.setText((button.isChecked() ? QStringLiteral("✓ ") : QString()) + findingName(kind) +
+                       QStringLiteral("  ") + countText(count));
         button.setVisible(count > 0 || button.isChecked());
         any = any || count > 0;
     }

@@ -11,8 +11,10 @@ namespace {
 
 constexpr int kShownKeys = 8;
 
-bool canBeUndone(const ChangeList& list, int row) {
-    return list.kind(row) != ChangeKind::Unchanged &&
+bool canBeUndone(const ChangeList& list, qint64 run, int row) {
+    const ChangeList::Record record = list.record(list.recordIndex(row));
+    return list.runs()[static_cast<size_t>(record.run)].head.number == run &&
+           list.kind(row) != ChangeKind::Unchanged &&
            (list.findings(row) & bitOf(ChangeFinding::Undone)) == 0;
 }
 
@@ -27,11 +29,11 @@ QString orderOf(const QString& table, const QString& key) {
 
 }  // namespace
 
-UndoScope undoScopeOfRows(const ChangeList& list, const std::vector<int>& rows) {
+UndoScope undoScopeOfRows(const ChangeList& list, qint64 run, const std::vector<int>& rows) {
     UndoScope scope;
     std::set<QString> orders;
     for (const int row : rows) {
-        if (!canBeUndone(list, row))
+        if (!canBeUndone(list, run, row))
             continue;
         const ChangeList::Record record = list.record(list.recordIndex(row));
         const QString table = list.tables()[record.table].toUpper();
@@ -41,7 +43,7 @@ UndoScope undoScopeOfRows(const ChangeList& list, const std::vector<int>& rows) 
     }
     for (int row = 0; !orders.empty() && row < list.rowCount(); ++row) {
         const QString table = list.tables()[list.tableOf(row)].toUpper();
-        if (!canBeUndone(list, row) || orderOf(table, {}).isEmpty())
+        if (!canBeUndone(list, run, row) || orderOf(table, {}).isEmpty())
             continue;
         const QString key = list.record(list.recordIndex(row)).key;
         if (orders.contains(orderOf(table, key)))

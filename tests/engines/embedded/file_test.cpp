@@ -342,7 +342,8 @@ TEST_F(EmbeddedFile, BackupIsConsistentAndNeverReplaces) {
     EXPECT_EQ(QDir(folder()).entryList({"toinen*"}, QDir::AllEntries | QDir::Hidden, QDir::Name),
               (QStringList{"toinen.zdb", "toinen.zdb.part"}));
     const QString stopped = folder() + "/kesken.zdb";
-    engines::backupEmbedded(folder(), stopped, [](engines::CopyPhase, qint64, qint64) { return false; });
+    engines::backupEmbedded(folder(), stopped,
+                            [](engines::CopyPhase, qint64, qint64) { return false; });
     EXPECT_EQ(QDir(folder()).entryList({"kesken*"}), QStringList());
 }
 
