@@ -144,6 +144,13 @@ QString commandLineAnswer(const QStringList& parameters) {
 }
 
 bool preparePlatform(const QStringList& parameters, QString& problem) {
+    if (platform::hasSwitch(QStringLiteral("/KOEAJO")) &&
+        !platform::hasSwitch(QStringLiteral("/E"))) {
+        problem = QStringLiteral(
+            "Valitsin /KOEAJO tarvitsee valitsimen /E. Lomakkeella koeajo on painike "
+            "\"Koeajo...\".");
+        return false;
+    }
 #if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
     const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
     const bool unattended = platform::hasSwitch(QStringLiteral("/E"));
@@ -172,7 +179,6 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
     return false;
 #else
     Q_UNUSED(parameters);
-    Q_UNUSED(problem);
     return true;
 #endif
 }
@@ -200,10 +206,6 @@ int start(QApplication& application, ScheduledStart& scheduled) {
             return status;
     }
     const bool rehearsed = platform::hasSwitch(QStringLiteral("/KOEAJO"));
-    if (rehearsed && !batch)
-        return fail(ExitStatus::Unavailable,
-                    QStringLiteral("Valitsin /KOEAJO tarvitsee valitsimen /E. Lomakkeella koeajo "
-                                   "on painike \"Koeajo...\"."));
     if (!batch && !framework::Dialogs::isInteractive())
         return fail(ExitStatus::Unavailable,
                     QStringLiteral("Ohjelman ikkunoita ei näkisi kukaan (näyttöalusta %1). ")
