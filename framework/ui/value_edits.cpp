@@ -54,8 +54,14 @@ bool NumberEdit::isNumber(const QString& text) const {
     return text.size() <= m_maxDigits && kDigits.match(text).hasMatch();
 }
 
+void NumberEdit::setMayBeEmpty() {
+    m_mayBeEmpty = true;
+    clear();
+}
+
 void NumberEdit::commit() {
-    setValue(value());
+    if (!m_mayBeEmpty || !isEmpty())
+        setValue(value());
 }
 
 QString NumberEdit::refusal(const QMimeData& dragged) const {
@@ -121,15 +127,26 @@ void DecimalEdit::readTyped(const QString& typed) {
         limitDecimals(m_decimals);  // no longer the text of a set value
     double number = 0.0;
     if (text.isEmpty())
-        m_readable = m_emptyIsZero;
+        m_readable = m_emptyIsZero || m_mayBeEmpty;
     else
         number = text.toDouble(&m_readable);
     if (m_readable)
         m_value = number;
 }
 
+void DecimalEdit::setMayBeEmpty() {
+    m_mayBeEmpty = true;
+    setNothing();
+}
+
+void DecimalEdit::setNothing() {
+    clear();
+    m_value = 0.0;
+    m_readable = true;
+}
+
 void DecimalEdit::commit() {
-    if (m_readable)
+    if (m_readable && !(m_mayBeEmpty && isEmpty()))
         showValue(m_value);
 }
 
@@ -193,7 +210,7 @@ QIcon calendarIcon(const QColor& colour) {
 
 }  // namespace
 
-DateEdit::DateEdit(QWidget* parent) : ExitEdit(parent) {
+DateEdit::DateEdit(QWidget* parent, const QString& noDate) : ExitEdit(parent), m_noDate(noDate) {
     setPlaceholderText(QStringLiteral("pp.kk.vvvv"));
     QAction* calendar =
         addAction(calendarIcon(palette().color(QPalette::Text)), QLineEdit::TrailingPosition);
@@ -231,7 +248,7 @@ void DateEdit::pickFromCalendar() {
     auto* holder = new QWidgetAction(&popup);
     holder->setDefaultWidget(calendar);
     popup.addAction(holder);
-    QAction* none = popup.addAction(QStringLiteral("Ei rajausta"));
+    QAction* none = popup.addAction(m_noDate);
     connect(none, &QAction::triggered, this, [this] { clear(); });
     connect(calendar, &QCalendarWidget::clicked, this, [this, &popup](const QDate& picked) {
         setDate(picked);

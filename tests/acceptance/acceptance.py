@@ -45,7 +45,7 @@ LAYOUTS = load_layouts()
 SQLITE_DRIVER = next(iter(glob.glob("/usr/lib/*/odbc/libsqlite3odbc.so")), "libsqlite3odbc.so")
 # Change log lines that the model also writes: those with amounts, counts or product numbers.
 MODELLED = re.compile(r"Tuote: |(Asiakas|As\.ryhmä|Webas\.ryhmä) \d|Kampanja: | \( \d+ rivi\)|Määräale |"
-                      r"Tuotetiedot muutettu|tilaus \d+ ohitetaan|Verkkokauppa -valinta poistettiin|.*;Tuote ")
+                      r"Tuotetiedot muutettu|tilaus \d+ ohitetaan|Verkkokauppa -valinta poistettiin|.*;Tuote |Huomaa: tuotetta |Huomaa: määräalennus ")
 TEXT = ("string", "memo", "date", "time", "timestamp", "raw", "varbinary")
 
 
@@ -242,6 +242,10 @@ def make_definition(r):
         v[c] = flag()
     v["Tuotteet"] = flag(0.9)
     v["MTToimPaivaRajaus"] = r.choice(["", "", "2024-09-01"])
+    v["TurvarajaTuotteet"] = r.choice(["", "", "", "1000", "20", "3"])
+    v["TurvarajaProsentti"] = r.choice(["", "", "", "0", "1.3", "10", "50"])
+    v["Muutospaiva"] = r.choice(["", "", "2024-09-01", "2025-01-01", "2026-01-15"])
+    v = {k: x for k, x in v.items() if x or not k.startswith(("Turva", "Muutosp")) or r.random() < 0.3}
     v["AsRyhmaCheckList"] = r.choice(["", "", "1", "2,3", "4,9", "1,2,9"])
     for kind, top in (("Aliryhma", 40), ("Tuoteryhma", 24), ("Paaryhma", 5)):
         v[kind + "CheckBox"] = flag(0.25)
@@ -255,7 +259,8 @@ def make_definition(r):
             ("KohdeAlvLuokkaEdit", "200"), ("Hinta1Edit", "1.0092592592592593"), ("Hinta2Edit", "-1"),
             ("OstohintaEdit", "0"), ("ViimOstohintaEdit", "1,01"), ("PriceChangeLimitEdit", "x"),
             ("MTToimPaivaRajaus", "1.9.2024"), ("AsRyhmaCheckList", "1;2"), ("AsRyhmaCheckList", "9"),
-            ("Kampanjat", "on")])
+            ("Kampanjat", "on"), ("TurvarajaTuotteet", "x"), ("TurvarajaProsentti", "1,5"),
+            ("Muutospaiva", "1.9.2024"), ("Muutospaiva", "2099-01-01")])
         v.pop(control, None)
         if value is not None:
             v[control] = value

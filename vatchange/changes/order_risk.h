@@ -12,9 +12,6 @@ struct OpenOrderRow {
     QDate delivery;     ///< of the row, else of the order; invalid: none
 };
 
-/// The day from which the new rate holds if a definition names none.
-inline const QDate kDayOfChange(2024, 9, 1);
-
 /// Why the row's new price may be wrong, in words: a part has been delivered at the old rate, or
 /// the rest will be before the day of change. Empty: it is not at risk.
 QString orderRisk(const OpenOrderRow& row, const QDate& dayOfChange);

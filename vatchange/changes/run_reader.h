@@ -35,6 +35,9 @@ class RunReader {
 
   private:
     void see(const data::JournalEntry& entry);
+    /// Shows a record's rows until `see` returns false.
+    template <typename See>
+    void visitRows(int record, See&& see) const;
     void judge(int row, const ReadTable& table) const;
     void judgeProduct(ReadTable& table, const data::JournalEntry& entry, int record,
                       const std::vector<ReadTable::Value>& values, const QByteArray& present);
@@ -54,7 +57,6 @@ class RunReader {
     std::map<QString, std::unique_ptr<OrderRows>> m_orders;  // by the rows' table
     ProductNames m_names;
     data::IdSets m_takenBack;  // seqs, as ids of table 0
-    QDate m_dayOfChange = kDayOfChange;
     const qint64 m_last;
     qint64 m_seq = 0;
     int m_firstRecord = 0;                // of this run in the list

@@ -14,6 +14,7 @@
 #include "vatchange/definition/coefficients.h"
 #include "vatchange/form/definition_controls.h"
 #include "vatchange/report/change_report.h"
+#include "vatchange/views/run_problems.h"
 
 namespace vatchange {
 
@@ -137,6 +138,8 @@ void TAlvMuutosLomake::connectControls() {
     connect(m_rehearse, &QPushButton::clicked, this,
             [this] { framework::reportErrors(this, [this] { KoeajoClick(); }); });
     connect(m_close, &QPushButton::clicked, this, &QWidget::close);
+    connect(m_changes, &QPushButton::clicked, this,
+            [this] { reportProblems(this, [this] { showChangesOfRun(); }); });
     connect(m_interrupt, &QPushButton::clicked, this, [this] {
         m_cancelRequested = true;
         m_interrupt->setEnabled(false);
@@ -225,6 +228,18 @@ void TAlvMuutosLomake::showValues(const framework::SavedDefinition& definition) 
     showInControls(*this, m_definition.definition, definition);
 }
 
+framework::SavedDefinition TAlvMuutosLomake::currentDefinition(const QString& name,
+                                                               const QString& description) const {
+    framework::SavedDefinition definition = TPerusForm::currentDefinition(name, description);
+    for (const ChangeField& field : changeFields()) {
+        if (field.optional && definition.values.value(field.control).isEmpty()) {
+            definition.values.remove(field.control);
+            definition.removed += field.control;
+        }
+    }
+    return definition;
+}
+
 QMap<QString, QString> TAlvMuutosLomake::currentValues() const {
     return textsInControls(*this);
 }
@@ -245,7 +260,8 @@ void TAlvMuutosLomake::afterLoad() {
     for (const LoadFinding& finding : m_definition.findings) {
         if (finding.kind == LoadFinding::Kind::CarriedOver)
             carriedOver = true;
-        else if (finding.kind != LoadFinding::Kind::MissingClass)
+        else if (finding.kind != LoadFinding::Kind::MissingClass &&
+                 finding.kind != LoadFinding::Kind::NoSource)
             unreadable.append(finding.control + QLatin1Char('=') + finding.saved);
     }
     if (carriedOver && !platform::hasSwitch(QStringLiteral("/E")))
@@ -323,14 +339,14 @@ void TAlvMuutosLomake::watchExits() {
         m_exits.watch(edit, [this, edit] { return checkCoefficient(edit); });
     framework::DecimalEdit* limit = m_controls.priceChangeLimit;
     m_exits.watch(limit, [this, limit] { return checkCoefficient(limit); });
-    m_exits.watch(m_controls.deliveryLimit, [this] { return checkDeliveryLimit(); });
+    for (framework::DateEdit* date : {m_controls.deliveryLimit, m_controls.changeDay})
+        m_exits.watch(date, [date] { return checkDate(date); });
 }
 
-QString TAlvMuutosLomake::checkDeliveryLimit() {
-    if (m_controls.deliveryLimit->isReadable())
+QString TAlvMuutosLomake::checkDate(const framework::DateEdit* edit) {
+    if (edit->isReadable())
         return {};
-    return QStringLiteral("Päivämäärä ( %1 ) ei kelpaa, korjaa päivämäärä!")
-        .arg(m_controls.deliveryLimit->text());
+    return QStringLiteral("Päivämäärä ( %1 ) ei kelpaa, korjaa päivämäärä!").arg(edit->text());
 }
 
 // Only price levels have a range; a text that is not a number reverts to the last number.

@@ -44,6 +44,9 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     /// True if Unattended is set, the program was started with "/E", or no one can see a window.
     bool unattended() const override;
 
+    /// Values that are off are not saved, and taken out of the file.
+    framework::SavedDefinition currentDefinition(const QString& name,
+                                                 const QString& description) const override;
     /// The definition in the controls.
     ChangeDefinition definitionFromForm() const;
     /// The definition to run, with its load findings: the loaded or saved one until the controls
@@ -77,6 +80,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void showValues(const framework::SavedDefinition& definition) override;
     void afterLoad() override;
     void afterSave() override;
+    void showFeedback(const QString& text) override { showStatus(text); }
     void showDescription(const QString& description) override;
     bool acceptTyped() override;
     framework::Report report() const override;
@@ -105,6 +109,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     std::optional<double> coefficientOfClasses() const;
     void followClasses();
     void watchExits();
+    static QString checkDate(const framework::DateEdit* edit);
     void watchDrops();
     void chooseReadyDefinition();
     std::optional<int> classOfRate(double percent);
@@ -115,9 +120,9 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void showGroupNames();
     void showFindings();
     void showProductCount(qint64 products);
-    QString checkDeliveryLimit();
     QString checkCoefficient(framework::DecimalEdit* edit);
     bool chooseOptions(const ChangeDefinition& definition, RunOptions& options);
+    void showChangesOfRun();
     bool agreesToRun(const LoadedDefinition& definition, RunOptions& options);
     struct RehearsalOutcome {
         QString status;                    ///< for the status line
@@ -150,6 +155,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     QPushButton* m_close = nullptr;
     QPushButton* m_ready = nullptr;     ///< "Valmis määrittely..."
     QPushButton* m_findings = nullptr;  ///< hidden without findings
+    QPushButton* m_changes = nullptr;   ///< "Näytä muutokset...", after a run that has a journal
     QStringList m_findingTexts;
     QTimer m_edited;  ///< runs out shortly after the last edit
     ProductCount m_count;

@@ -67,12 +67,16 @@ void arrangeVatClasses(const FormControls& controls, QGroupBox* box, bool oneRow
     controls.unclassifiedNote->setText(oneRow ? QStringLiteral("0 rajaa vain veroluokattomat")
                                               : QStringLiteral("0 rajaa vain\nveroluokattomat"));
     if (oneRow) {
-        grid->addWidget(controls.unclassifiedNote, 0, 8);
-        grid->setColumnStretch(7, 1);
+        grid->addWidget(controls.changeDayCaption, 0, 7);
+        grid->addWidget(controls.changeDay, 0, 8);
+        grid->addWidget(controls.unclassifiedNote, 0, 10);
+        grid->setColumnStretch(9, 1);
         return;
     }
     grid->addWidget(controls.unclassifiedNote, 2, 1, 1, 2);
-    for (int row = 0; row < 3; ++row) {
+    grid->addWidget(controls.changeDayCaption, 3, 0);
+    grid->addWidget(controls.changeDay, 3, 1, 1, 2);
+    for (int row = 0; row < 4; ++row) {
         grid->setRowMinimumHeight(row, controls.sourceClass->sizeHint().height());
         grid->setRowStretch(row, 1);
     }
@@ -93,7 +97,8 @@ void TAlvMuutosLomake::arrangeGroups(bool narrow) {
                              : static_cast<QWidget*>(m_controls.customerGroups);
     setTabOrder(before, m_controls.sourceClass);
     setTabOrder(m_controls.sourceClass, m_controls.targetClass);
-    setTabOrder(narrow ? static_cast<QWidget*>(m_controls.targetClass) : m_controls.leaveWebShop,
+    setTabOrder(m_controls.targetClass, m_controls.changeDay);
+    setTabOrder(narrow ? static_cast<QWidget*>(m_controls.changeDay) : m_controls.leaveWebShop,
                 m_rehearse);
     setTabOrder(m_rehearse, Esikatsele);
 }

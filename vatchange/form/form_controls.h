@@ -75,6 +75,8 @@ struct FormControls {
 
     framework::NumberEdit* sourceClass = nullptr;
     framework::NumberEdit* targetClass = nullptr;
+    framework::DateEdit* changeDay = nullptr;
+    QLabel* changeDayCaption = nullptr;
     QLabel* sourceCaption = nullptr;
     QLabel* targetCaption = nullptr;
     QLabel* sourceRate = nullptr;
@@ -87,6 +89,8 @@ struct FormControls {
     std::array<QCheckBox*, kCoefficients> keepVat0{};
     QCheckBox* keepAll = nullptr;  ///< of all price levels; not part of the definition
     framework::DecimalEdit* priceChangeLimit = nullptr;
+    framework::NumberEdit* mostProducts = nullptr;
+    framework::DecimalEdit* mostPercent = nullptr;
     QCheckBox* keepPricelistVat0 = nullptr;
     QCheckBox* shelfLabels = nullptr;
     framework::DateEdit* deliveryLimit = nullptr;

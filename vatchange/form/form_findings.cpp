@@ -4,7 +4,7 @@
 #include "vatchange/form/change_form.h"
 #include "vatchange/form/group_names.h"
 #include "vatchange/report/report_html.h"
-#include "vatchange/run/run_context.h"
+#include "vatchange/run/company_findings.h"
 
 // What the form tells of a definition while it is edited.
 
@@ -75,7 +75,8 @@ void TAlvMuutosLomake::showFindings() {
         const CompanyFacts facts = readCompanyFacts(m_database, edited.definition);
         for (const DefinitionProblem& problem : definitionProblems(edited, facts))
             m_findingTexts += problem.text();
-        m_findingTexts += definitionNotes(edited, facts);
+        for (const DefinitionFinding& finding : definitionFindings(edited, facts))
+            m_findingTexts += finding.text;
     }
     m_findings->setText(QStringLiteral("H&uomautuksia: %1").arg(m_findingTexts.size()));
     m_findings->setToolTip(m_findingTexts.join(u'\n'));

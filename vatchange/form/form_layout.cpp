@@ -94,6 +94,11 @@ QLayout* TAlvMuutosLomake::buildFoot() {
     m_findings->setFlat(true);
     m_findings->hide();
     foot->addWidget(m_findings);
+    m_changes = new QPushButton(QStringLiteral("&Näytä muutokset..."), this);
+    m_changes->setObjectName(QStringLiteral("NaytaMuutokset"));
+    m_changes->setToolTip(QStringLiteral("Näytä, mitä viimeisin ajo muutti"));
+    m_changes->hide();
+    foot->addWidget(m_changes);
     foot->addWidget(m_progress);
     const int width = fontMetrics().horizontalAdvance(QStringLiteral("Keskeytä")) + 44;
     for (QPushButton* button : {m_rehearse, Esikatsele, m_interrupt, m_close}) {

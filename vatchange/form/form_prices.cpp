@@ -87,6 +87,23 @@ QWidget* limitRow(FormControls& controls, const Columns& columns, QWidget* paren
     return row;
 }
 
+// A safety limit: its label and edit. Empty: off.
+template <typename Edit>
+Edit* safetyLimit(Edit* edit, QGridLayout* grid, int row, int editWidth, QWidget* parent) {
+    edit->setMayBeEmpty();
+    edit->setPlaceholderText(QStringLiteral("ei rajaa"));
+    edit->setFixedWidth(editWidth);
+    auto* cells = new QHBoxLayout;
+    cells->setSpacing(kColumnGap);
+    QLabel* label = captionLabel(edit, parent);
+    label->setText(changeField(edit->objectName()).label);
+    cells->addWidget(label);
+    cells->addStretch();
+    cells->addWidget(edit);
+    grid->addLayout(cells, row, 1);
+    return edit;
+}
+
 QCheckBox* footChoice(const QString& objectName, QWidget* parent) {
     QCheckBox* box = namedCheckBox(objectName, parent);
     box->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
@@ -130,12 +147,17 @@ QGroupBox* buildPrices(FormControls& controls, QWidget* parent) {
     addWholeRow(purchaseRow(controls, kLastPurchaseTag, kLastPurchaseControl,
                             QStringLiteral("SailytaAlv0_CheckBoxViimOstohinta"), columns, box));
 
-    // Below the table: the limit, two choices and the help on shortcut keys.
-    const int foot = row;
-    grid->addWidget(limitRow(controls, columns, box), row++, 0);
+    // Below the table: the limits, two choices and the help on shortcut keys.
+    grid->addWidget(limitRow(controls, columns, box), row, 0);
+    const int limitWidth = box->fontMetrics().horizontalAdvance(QStringLiteral("0000000000")) + 12;
+    controls.mostPercent =
+        safetyLimit(decimalEdit(kMostPercentControl, box), grid, row++, limitWidth, box);
     controls.keepPricelistVat0 =
         footChoice(QStringLiteral("DoNotUpdateCustomerPricelistVAT0"), box);
-    grid->addWidget(controls.keepPricelistVat0, row++, 0);
+    grid->addWidget(controls.keepPricelistVat0, row, 0);
+    controls.mostProducts =
+        safetyLimit(numberEdit(kMostProductsControl, box), grid, row++, limitWidth, box);
+    const int foot = row;
     controls.shelfLabels = footChoice(QStringLiteral("VieHr"), box);
     grid->addWidget(controls.shelfLabels, row++, 0);
     auto* keys = new QLabel(QStringLiteral("Pikanäppäimet:\n"
@@ -143,6 +165,7 @@ QGroupBox* buildPrices(FormControls& controls, QWidget* parent) {
                                            "Alt - 2 asettaa kertoimeksi 1.255/1.14"),
                             box);
     keys->setObjectName(QStringLiteral("PikanappaimetLabel"));
+    ++row;
     grid->addWidget(keys, foot, 1, row - foot, 1, Qt::AlignLeft | Qt::AlignVCenter);
 
     for (int r = 1; r < row; ++r)

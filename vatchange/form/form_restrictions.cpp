@@ -186,6 +186,9 @@ QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent) {
     controls.unclassifiedNote = new QLabel(box);
     controls.unclassifiedNote->setObjectName(QStringLiteral("VeroluokattomatLabel"));
     controls.unclassifiedNote->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    controls.changeDay =
+        named(new framework::DateEdit(box, QStringLiteral("Ei muutospäivää")), kChangeDayControl);
+    controls.changeDayCaption = captionLabel(controls.changeDay, box);
     groupGrid(box);
     return box;
 }

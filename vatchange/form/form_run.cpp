@@ -166,6 +166,7 @@ std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick(RunOptions options) {
     }
     setRunning(false);
     showStatus(outcomeText(m_lastRun->result));
+    m_changes->setVisible(m_lastRun->result.run > 0 && !unattended());
     if (m_lastRun->result.lostLogLines > 0 && !unattended())
         framework::Dialogs::warning(this, lostLogText(m_lastRun->result));
     if (m_closeWhenDone)
@@ -193,6 +194,7 @@ void TAlvMuutosLomake::setRunning(bool running) {
     if (!running)
         m_edited.start();
     m_findings->setEnabled(!running);
+    m_changes->setEnabled(!running);
     m_content->setEnabled(!running);
     m_groups.vatClasses->setEnabled(!running);  // may stand beside the content
     m_exits.dropExits();                        // disabled controls lose the focus

@@ -3,6 +3,7 @@
 #include <QLocale>
 
 #include "vatchange/definition/coefficients.h"
+#include "vatchange/rules/change_day.h"
 
 namespace vatchange {
 
@@ -25,6 +26,10 @@ ChangeDefinition readyDefinition(const RateChange& change, int sourceClass, int 
     for (std::size_t level = 0; level < definition.levels.size(); ++level)
         definition.levels[level] = {keepVat0Coefficient(change.source, change.target),
                                     kPriceColumns[level + 1], true};
+    if (change.from != changeDay(definition))
+        definition.changeDay = change.from;
+    if (change.from != changeDay(definition))  // the day that holds without one
+        definition.changeDay = change.from;
     definition.salesOrderFromVat0 = true;
     definition.purchaseOrderFromVat0 = true;
     return definition;

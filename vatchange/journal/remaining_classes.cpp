@@ -46,8 +46,9 @@ class TableCount {
              const TFieldCacheItem& field) {
         ++m_counts[static_cast<size_t>(reason)];
         // what a rule leaves is counted only; what somebody has set back is told field by field
-        const bool byRule = reason != LeftReason::PassedOver && reason != LeftReason::NotFinished &&
-                            reason != LeftReason::StepFailed && reason != LeftReason::Unknown;
+        const bool byRule = reason != LeftReason::PassedOver && reason != LeftReason::OverLimit &&
+                            reason != LeftReason::NotFinished && reason != LeftReason::StepFailed &&
+                            reason != LeftReason::Unknown;
         const auto found = [&] {
             Finding finding;
             finding.reason = reason;
@@ -119,7 +120,10 @@ void countProducts(TableCount& count, const RunKnowledge& run) {
             reason = run.definition.products ? count.reasonOf(id) : LeftReason::TableNotChosen;
             const bool waited = reason == LeftReason::NotFinished ||
                                 reason == LeftReason::StepFailed || reason == LeftReason::Unknown;
-            if (waited && run.outcome && run.outcome->passedOver.contains(textOf(*number, record)))
+            if (waited && run.overLimit.contains(textOf(*number, record)))
+                reason = LeftReason::OverLimit;
+            else if (waited && run.outcome &&
+                     run.outcome->passedOver.contains(textOf(*number, record)))
                 reason = LeftReason::PassedOver;
         }
         count.add(reason, id, record, field);

@@ -11,6 +11,8 @@ namespace {
 const QString kStopped = QStringLiteral("stopped");
 const QString kFailed = QStringLiteral("failed");
 const QString kPassedOver = QStringLiteral("passedOver");
+const QString kOverLimit = QStringLiteral("overLimit");
+const QString kLimitedUnderLock = QStringLiteral("limitedUnderLock");
 const QString kFailures = QStringLiteral("failures");
 
 QCborArray arrayOf(const std::set<QString>& texts) {
@@ -33,6 +35,8 @@ QByteArray outcomeNote(const RunOutcome& outcome) {
     const QCborMap map{{kStopped, outcome.stopped},
                        {kFailed, arrayOf(outcome.failedTables)},
                        {kPassedOver, arrayOf(outcome.passedOver)},
+                       {kOverLimit, arrayOf(outcome.overLimit)},
+                       {kLimitedUnderLock, outcome.limitedUnderLock},
                        {kFailures, QCborArray::fromStringList(outcome.failures)}};
     return map.toCborValue().toCbor();
 }
@@ -43,6 +47,8 @@ RunOutcome outcomeOfNote(const QByteArray& note) {
     outcome.stopped = map[kStopped].toBool();
     outcome.failedTables = textsOf(map[kFailed]);
     outcome.passedOver = textsOf(map[kPassedOver]);
+    outcome.overLimit = textsOf(map[kOverLimit]);
+    outcome.limitedUnderLock = map[kLimitedUnderLock].toBool();
     const QCborArray failures = map[kFailures].toArray();
     for (const QCborValue& failure : failures)
         outcome.failures += failure.toString();

@@ -13,9 +13,12 @@ namespace vatchange {
 /// to tell why a record was left. A resumed run removes it when it starts.
 struct RunOutcome {
     bool stopped = false;
-    std::set<QString> failedTables;  ///< tables whose step failed, in capitals (TUOTE, MTRIVI ...)
-    std::set<QString> passedOver;    ///< numbers of products that another program held
-    QStringList failures = {};       ///< error messages of the steps, in step order
+    std::set<QString> failedTables =
+        {};  ///< tables whose step failed, in capitals (TUOTE, MTRIVI ...)
+    std::set<QString> passedOver = {};  ///< numbers of products that another program held
+    std::set<QString> overLimit = {};   ///< numbers of products that the percent limit passed over
+    bool limitedUnderLock = false;  ///< some of them when their turn came: their rows are changed
+    QStringList failures = {};      ///< error messages of the steps, in step order
 };
 
 inline const QString kOutcomeNote = QStringLiteral("outcome");

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "vatchange/journal/journal_check.h"
+#include "vatchange/journal/limited_products.h"
 #include "vatchange/journal/rehearsal_note.h"
 #include "vatchange/journal/remaining_classes.h"
 #include "vatchange/journal/run_notes.h"
@@ -82,7 +83,12 @@ Verification verifyRun(data::Database& database, qint64 run, const VerifyOptions
         addRehearsal(*journal, run, verification, findings);
         if (definition) {
             const std::optional<RunOutcome> outcome = outcomeOfRun(*journal, run);
-            countRemaining(database, {*definition, outcome, check.converted(), check.undone()},
+            std::set<QString> overLimit = outcome ? outcome->overLimit : std::set<QString>();
+            visitLimitedProducts(*journal, run, [&overLimit](const LimitedProduct& product) {
+                overLimit.insert(product.number);
+            });
+            countRemaining(database,
+                           {*definition, outcome, check.converted(), check.undone(), overLimit},
                            verification, findings);
         }
     } catch (const FindingList::Cancelled&) {

@@ -30,13 +30,14 @@ enum class LeftReason {
     TableNotChosen,  ///< the definition does not convert its table
     Rule,            ///< a row or order of a kind that is never converted
     PassedOver,      ///< another program held the record
+    OverLimit,       ///< a price would have changed by more than the definition allows
     NotFinished,     ///< the run was stopped or died before it
     StepFailed,
     ChangedSince,  ///< the run converted it; somebody has set the class back
     Undone,
     Unknown  ///< the run should have converted it
 };
-inline constexpr int kLeftReasons = 9;
+inline constexpr int kLeftReasons = 10;
 
 /// Why a price stayed as it was although its class changed.
 enum class UnchangedCause { None, Limit, Source, Coefficient, Rounding };
@@ -82,9 +83,9 @@ struct TableRecords {
 
 struct Verification {
     qint64 run = 0;
-    bool cancelled = false;  ///< by VerifyOptions::goOn: nothing else counts then
-    qint64 changes = 0;  ///< entries of the journal
-    qint64 undone = 0;   ///< of them taken back
+    bool cancelled = false;             ///< by VerifyOptions::goOn: nothing else counts then
+    qint64 changes = 0;                 ///< entries of the journal
+    qint64 undone = 0;                  ///< of them taken back
     std::vector<TableRecords> records;  ///< labels, marks and the run mark too
     std::vector<PriceSums> sums;
     std::vector<Remainder> remaining;

@@ -55,9 +55,13 @@ QString outcomeText(const RunResult& result) {
     if (result.clean())
         return QStringLiteral("Muutos valmis, tuotteita muutettu %1")
             .arg(countText(result.products));
-    if (result.failedSteps == 0 && result.skippedProducts == 0)
+    const bool complete = result.failedSteps == 0 && result.skippedProducts == 0;
+    if (complete && result.lostLogLines > 0)
         return QStringLiteral("Muutos tehty, tuotteita muutettu %1, mutta loki jäi vajaaksi")
             .arg(countText(result.products));
+    if (complete && result.limitedProducts > 0)
+        return QStringLiteral("Muutos tehty, tuotteita muutettu %1, turvarajan vuoksi ohitettu %2")
+            .arg(countText(result.products), countText(result.limitedProducts));
     return QStringLiteral("Muutos tehty, mutta kaikki ei onnistunut: katso loki");
 }
 

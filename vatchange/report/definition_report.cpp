@@ -149,6 +149,8 @@ void describeDefinition(ReportHtml& html, const ChangeDefinition& d, const Defin
     html.section(QStringLiteral("Veroluokat ja rajaukset"));
     html.row(label("LahdeAlvLuokkaEdit"), classText(d.sourceClass, names));
     html.row(label("KohdeAlvLuokkaEdit"), classText(d.targetClass, names));
+    if (d.changeDay.isValid())
+        html.row(label("Muutospaiva"), QLocale().toString(d.changeDay, QLocale::ShortFormat));
     html.row(label("AliryhmaCheckBox"), restrictionText(d.subGroup));
     html.row(label("TuoteryhmaCheckBox"), restrictionText(d.productGroup));
     html.row(label("PaaryhmaCheckBox"), restrictionText(d.mainGroup));
@@ -159,6 +161,9 @@ void describeDefinition(ReportHtml& html, const ChangeDefinition& d, const Defin
     for (const char* choice : {"PyoristysSaantoRadioGroup", "PyoristysRadioGroup"})
         html.row(label(choice), chosenItem(choice, d));
     html.row(label("PriceChangeLimitEdit"), number(d.priceChangeLimit));
+    html.row(label("TurvarajaTuotteet"),
+             d.mostProducts ? QString::number(*d.mostProducts) : yesNo(false));
+    html.row(label("TurvarajaProsentti"), d.mostPercent ? number(*d.mostPercent) : yesNo(false));
     options(html, d, names);
 }
 

@@ -2,19 +2,20 @@
 
 #include "company/run_mark.h"
 #include "data/clock.h"
+#include "vatchange/journal/earlier_runs.h"
 #include "vatchange/rules/log_texts.h"
+#include "vatchange/run/company_findings.h"
 #include "vatchange/run/dependent_step.h"
 #include "vatchange/run/journal_session.h"
 #include "vatchange/run/run_context.h"
 #include "vatchange/run/run_plan.h"
 #include "vatchange/run/run_verification.h"
+#include "vatchange/run/safety_limits.h"
 #include "vatchange/run/unfinished_runs.h"
 
 namespace vatchange {
 
 namespace {
-
-const QString kNoticePrefix = QStringLiteral("Huomaa: ");
 
 /// Texts before and after a failed step's error message.
 struct ErrorWording {
@@ -186,6 +187,27 @@ void reportStop(RunContext& run) {
                            : QStringLiteral("Tehdyt muutokset jäävät voimaan: ") + changed + u'.'));
 }
 
+/// Logs what looks like a mistake in the definition.
+void reportFindings(RunContext& run, const LoadedDefinition& loaded, const CompanyFacts& facts,
+                    const RunOptions& options) {
+    std::vector<EarlierDefinition> earlier;
+    try {
+        if (run.journal && options.batch != 0)
+            earlier = definitionsOfBatch(*run.journal, options.batch, run.result.run);
+    } catch (const std::exception& error) {
+        run.ports.log(QStringLiteral("Huomaa: erän aiempia ajoja ei voi lukea: ") +
+                      errorText(error));
+    }
+    CompanyFindingOptions search;
+    search.exceptRun = run.result.run;
+    search.resumed = run.progress != nullptr;
+    for (const auto& findings : {definitionFindings(loaded, facts, earlier),
+                                 companyFindings(run.database, run.definition, search)}) {
+        for (const DefinitionFinding& finding : findings)
+            run.ports.log(QStringLiteral("Huomaa: ") + finding.text);
+    }
+}
+
 void runSteps(RunContext& run) {
     const LabelTable labels = prepareShelfLabels(run);
     run.ports.log(QStringLiteral("Aloitetaan taksavaiheet, parametrit ->"));
@@ -268,10 +290,9 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
     RunContext run(database, definition, ports, result);
     run.attempt = attempt;
     if (definitionAllowsRun(run, loaded, facts, options) && checkDefinition(run) &&
-        earlierRunsAllow(run, options) && enterJournal(run, loaded, options)) {
-        for (const QString& note : definitionNotes(loaded, facts))
-            ports.log(kNoticePrefix + note);
-        reportEarlierChanges(run);
+        productCountAllowsRun(run, options) && earlierRunsAllow(run, options) &&
+        enterJournal(run, loaded, options)) {
+        reportFindings(run, loaded, facts, options);
         deferFlushes(run, true);
         try {
             runSteps(run);

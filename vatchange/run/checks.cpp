@@ -1,21 +1,16 @@
 #include <algorithm>
-#include <optional>
 
 #include "data/clock.h"
+#include "vatchange/rules/change_day.h"
 #include "vatchange/run/run_context.h"
 
 namespace vatchange {
 
 namespace {
 
-const QDateTime& changeMoment() {
-    static const QDateTime kMoment(QDate(2024, 8, 31), QTime(15, 0));
-    return kMoment;
-}
-
 /// Prevents running the change by mistake before the rates have changed.
-bool dateAllowsRun(RunPorts& ports, QString& refusal) {
-    if (ports.skipEarlyDateCheck() || data::Clock::now() >= changeMoment())
+bool dateAllowsRun(const ChangeDefinition& definition, RunPorts& ports, QString& refusal) {
+    if (ports.skipEarlyDateCheck() || data::Clock::now() >= earliestRun(definition))
         return true;
     const QString warning =
         QStringLiteral("Olet vaihtamassa veroluokkaa, vaikka kuukausi ei ole vielä vaihtunut!");
@@ -28,36 +23,7 @@ bool dateAllowsRun(RunPorts& ports, QString& refusal) {
     return false;
 }
 
-std::set<int> customerGroups(data::Database& database) {
-    data::TUniQuery query(&database);
-    query.sql().add(QStringLiteral("SELECT NRO FROM ASRYHMA"));
-    query.open();
-    std::set<int> groups;
-    const auto& number = query.fieldByName(QStringLiteral("NRO"));
-    for (; !query.eof(); query.next())
-        groups.insert(static_cast<int>(number.asInteger()));
-    return groups;
-}
-
-/// Result of `read`; nothing if it throws.
-template <typename Read>
-std::optional<std::set<int>> known(Read&& read) {
-    try {
-        return read();
-    } catch (const std::exception&) {
-        return std::nullopt;
-    }
-}
-
 }  // namespace
-
-CompanyFacts readCompanyFacts(data::Database& database, const ChangeDefinition& definition) {
-    CompanyFacts facts;
-    facts.vatClasses = known([&] { return VatClasses::read(database).numbers(); });
-    if (!definition.customerGroups.empty())
-        facts.customerGroups = known([&] { return customerGroups(database); });
-    return facts;
-}
 
 bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded, const CompanyFacts& facts,
                          const RunOptions& options) {
@@ -107,7 +73,7 @@ QString classProblem(const ChangeDefinition& definition, const VatClasses& class
 }
 
 bool checkDefinition(RunContext& run) {
-    if (!dateAllowsRun(run.ports, run.result.refusal))
+    if (!dateAllowsRun(run.definition, run.ports, run.result.refusal))
         return false;
     QString problem;
     try {

@@ -6,6 +6,7 @@
 #include "data/clock.h"
 #include "data/journal/entry_fields.h"
 #include "vatchange/run/row_lists.h"
+#include "vatchange/run/safety_limits.h"
 
 namespace vatchange {
 
@@ -96,6 +97,18 @@ void abandon(RunContext& run, data::RunJournal& journal) {
     run.result.run = 0;
 }
 
+/// Returns false if the products cannot be judged; the reason has been shown.
+bool judgeWithoutJournal(RunContext& run) {
+    try {
+        judgeProducts(run);
+        return true;
+    } catch (const std::exception& error) {
+        run.result.refusal = QStringLiteral("Virhe turvarajan tarkastuksessa: ") + errorText(error);
+        run.ports.NaytaViesti(run.result.refusal);
+        return false;
+    }
+}
+
 }  // namespace
 
 RunAttempt newAttempt() {
@@ -125,7 +138,7 @@ bool enterJournal(RunContext& run, const LoadedDefinition& loaded, const RunOpti
     QString& refusal = run.result.refusal;
     if (!journal) {
         if (options.resume == 0)
-            return true;
+            return judgeWithoutJournal(run);
         refusal = QStringLiteral("Ajoa %1 ei voi jatkaa: yrityksellä ei ole ajopäiväkirjaa.")
                       .arg(options.resume);
         run.ports.NaytaViesti(refusal);
@@ -141,6 +154,7 @@ bool enterJournal(RunContext& run, const LoadedDefinition& loaded, const RunOpti
             refusal = QStringLiteral("Ajoa %1 ei voi jatkaa: ").arg(options.resume) + problem;
         if (problem.isEmpty()) {
             run.journal = journal;
+            judgeProducts(run);
             listRows(run);
         }
     } catch (const std::exception& error) {

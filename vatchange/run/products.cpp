@@ -6,6 +6,7 @@
 #include "vatchange/rules/log_texts.h"
 #include "vatchange/run/product_record.h"
 #include "vatchange/run/run_context.h"
+#include "vatchange/run/safety_limits.h"
 #include "vatchange/run/webshop_marks.h"
 
 namespace vatchange {
@@ -130,6 +131,8 @@ class ProductConversion {
 
     /// Returns false if the step must end.
     bool convert(const QString& number) {
+        if (m_run.limited.numbers.contains(number))
+            return true;
         m_run.ports.status(QStringLiteral("Tuote ") + number);
         LockedProduct product;
         ProductPrices converted;
@@ -200,6 +203,8 @@ class ProductConversion {
         if (!product.classes.any())
             return Outcome::NothingToDo;
         converted = m_run.prices.convert(product.prices);
+        if (passesOver(m_run, number, product.prices, converted))
+            return Outcome::NothingToDo;
         m_run.setOrigin(product.id);
         PreparedUpdate& change = m_updates.of(product.classes);
         if (m_run.database.statementsPassRecordLocks()) {

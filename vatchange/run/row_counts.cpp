@@ -35,12 +35,12 @@ std::vector<RowCount> rowCounts(const ChangeDefinition& definition) {
         QStringLiteral("Asiakashinnastojen rivit"),
         {countQuery(customerPriceQuery(condition, definition))});
     add(definition.campaigns, RunStep::Campaigns, QStringLiteral("Kampanjarivit"),
-        {countQuery(campaignQuery(condition))});
+        {countQuery(campaignQuery(condition, definition))});
     add(definition.recurringInvoicing, RunStep::RecurringInvoices,
         QStringLiteral("Toistuvaislaskutuksen rivit"),
         {countQuery(recurringInvoiceQuery(condition))});
     add(definition.quantityDiscounts, RunStep::QuantityDiscounts, QStringLiteral("Määräalennukset"),
-        {countQuery(quantityDiscountQuery(condition))});
+        {countQuery(quantityDiscountQuery(condition, definition))});
     add(definition.products, RunStep::ProductGroups, QStringLiteral("Tuoteryhmien alv-kentät"),
         groupCounts(definition));
     add(definition.products && !storePriceAssignments(definition, 1.0).isEmpty(),

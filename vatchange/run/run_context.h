@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <exception>
@@ -37,6 +38,12 @@ class VatClasses {
     VatRates m_rates;
 };
 
+/// The products that the percent limit passed over before the first change.
+struct LimitedProducts {
+    QSet<QString> numbers;
+    std::set<qint64> quantityDiscounts;  ///< of these products, converted nevertheless
+};
+
 /// State shared by the steps of a run.
 struct RunContext {
     RunContext(data::Database& companyDatabase, const ChangeDefinition& change, RunPorts& runPorts,
@@ -59,6 +66,7 @@ struct RunContext {
     data::RunJournal* journal = nullptr;  ///< that records the run; none without a journal
     /// What a resumed run had done before; none for a new run.
     std::unique_ptr<RunProgress> progress;
+    LimitedProducts limited;
     /// Set when a step leaves products or orders behind that a resumed run can still change.
     bool leftBehind = false;
     RunAttempt attempt;                 ///< begun with the run, before its checks
@@ -90,12 +98,12 @@ using data::errorText;
 /// errorText() of what ended a step. A rerun does not find every row that the step left unchanged
 /// (dependent rows whose product is converted), so it does not advise to try again.
 QString stepErrorText(const std::exception& error);
+/// errorText() of a label or web shop mark that could not be written: a rerun does not write it,
+/// since its product is converted, but resuming the run does.
+QString markErrorText(const std::exception& error);
 
 // The steps, in order. A step throws on failure; rows it has already changed stay changed.
 
-/// Reads the facts for checking the definition. Facts from an unreadable table stay unknown; the
-/// steps that need the table report it.
-CompanyFacts readCompanyFacts(data::Database& database, const ChangeDefinition& definition);
 /// Reports problems of the definition: refuses it if unattended, otherwise asks unless the user has
 /// agreed to all of them. Returns false if it must not run; the reason has been shown.
 bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded, const CompanyFacts& facts,

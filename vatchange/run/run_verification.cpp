@@ -1,7 +1,6 @@
 #include "vatchange/run/run_verification.h"
 
 #include "data/clock.h"
-#include "vatchange/journal/earlier_runs.h"
 #include "vatchange/journal/stored_verification.h"
 #include "vatchange/journal/verification_text.h"
 
@@ -55,20 +54,6 @@ void verifyAtEnd(RunContext& run) {
         ++run.result.failedSteps;
         run.result.failures += text;
         run.ports.NaytaViesti(text);
-    }
-}
-
-void reportEarlierChanges(RunContext& run) {
-    data::RunJournal* journal = run.database.journal();
-    if (journal == nullptr || !run.definition.changesDependents())
-        return;
-    try {
-        const std::vector<EarlierRun> earlier = earlierRuns(*journal, run.result.run);
-        for (const EarlierChange& rows : earlierRunsOfSameRows(run.definition, earlier))
-            run.ports.log(kNotice + earlierChangeText(rows));
-    } catch (const std::exception& error) {
-        // a damaged journal of another run is no reason not to go on
-        run.ports.log(kNotice + QStringLiteral("aiempia ajoja ei voi lukea: ") + errorText(error));
     }
 }
 

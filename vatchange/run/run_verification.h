@@ -13,7 +13,4 @@ void compareAtEnd(RunContext& run, const RunOptions& options);
 /// counts as a failed step.
 void verifyAtEnd(RunContext& run);
 
-/// Logs which dependent tables earlier runs of the same classes have changed already.
-void reportEarlierChanges(RunContext& run);
-
 }  // namespace vatchange
