@@ -204,6 +204,12 @@ changes_window() { # name of the picture
     end_program
 }
 
+# a scheduler that answers, and does nothing
+printf '#!/bin/sh\n' >$home/systemctl
+printf '#!/bin/sh\necho yes\n' >$home/loginctl
+chmod +x $home/systemctl $home/loginctl
+export PATH=$home:$PATH
+
 company Esimerkki esimerkki 2000
 company "Ketju Oy" ketju 2000
 company "Tukku Oy" tukku 40000
@@ -227,6 +233,10 @@ splash=$(window '^Taksavaihe 1.9')
 xdotool windowmove "$choice" 0 0 windowraise "$splash" windowmove "$splash" 800 400
 sleep 0.5
 shot splash "$splash"
+keys "$choice" alt+i
+dialog=$(window '^Yrityksen lis')
+shot add_company "$dialog"
+keys "$dialog" Escape
 end_program
 
 open_form Esimerkki
@@ -298,6 +308,18 @@ for _ in $(seq 50); do
     [ -s /srv/raportti.pdf ] && break
     sleep 0.2
 done
+end_program
+start_program Esimerkki /U
+main=$(window '^Alvluokkien ja hintojen muutokset$')
+keys "$main" Tab Tab Tab Tab Tab Tab Tab space
+dialog=$(window 'ajon ajastus$')
+shot schedule "$dialog"
+keys "$dialog" Escape
+keys "$main" Tab space
+log=$(window '^Loki - ')
+keys "$log" End
+shot log_window "$log"
+keys "$log" Escape
 end_program
 rm -f "$into"/report_*.png
 pdftoppm -r 75 -png /srv/raportti.pdf "/srv/tmp/report"

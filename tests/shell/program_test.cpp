@@ -14,6 +14,7 @@
 #include "data/windows1252.h"
 #include "framework/core/definition_store.h"
 #include "platform/user_settings.h"
+#include "shell/schedule/schedule_note.h"
 #include "tests/support/shop_company.h"
 #include "vatchange/form/change_form.h"
 
@@ -459,6 +460,32 @@ TEST_F(InterruptedProgram, ARequestToEndStopsTheBatchBetweenTwoRows) {
     isAsIfNeverInterrupted();
     EXPECT_EQ(journal.runs().size(), 3U);
     EXPECT_EQ(runBatch("/E"), 3);
+}
+
+TEST_F(Program, AScheduledStartRunsOnlyAtItsMoment) {
+    setBatch("Alv255");
+    const auto start = [this](const QString& moment) {
+        return run({m_company, str("/E"), str("/EP"), str("/AJASTETTU=") + moment});
+    };
+    const auto scheduled = [this](int minutesAgo) {
+        const QDateTime now = QDateTime::currentDateTime();
+        shell::ScheduleNote note{m_company, now.addSecs(-60 * minutesAgo)};
+        note.moment.setTime(QTime(note.moment.time().hour(), note.moment.time().minute()));
+        shell::writeSchedule(note);
+        return shell::scheduleSwitch(note.moment).section(u'=', 1);
+    };
+    const QString before = prices();
+    EXPECT_EQ(start(str("huomenna")), 2);
+    EXPECT_EQ(start(str("2024-08-31T21:15Z")), 1);  // removed since
+    EXPECT_EQ(start(scheduled(62)), 1);
+    EXPECT_TRUE(shell::readSchedule(m_company)->late);
+    for (const char* reason : {"on poistettu", "yli tunnin myöhässä"})
+        EXPECT_EQ(generalLog().count(str(reason)), 1) << reason;
+    EXPECT_EQ(prices(), before);
+    EXPECT_EQ(start(scheduled(1)), 0);
+    EXPECT_EQ(shell::readSchedule(m_company)->status, 0);
+    EXPECT_NE(prices(), before);
+    shell::removeSchedule(m_company);
 }
 
 }  // namespace

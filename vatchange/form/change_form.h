@@ -80,6 +80,7 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void showValues(const framework::SavedDefinition& definition) override;
     void afterLoad() override;
     void afterSave() override;
+    void showFeedback(const QString& text) override { showStatus(text); }
     void showDescription(const QString& description) override;
     bool acceptTyped() override;
     framework::Report report() const override;
