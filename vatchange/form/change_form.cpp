@@ -135,6 +135,8 @@ void TAlvMuutosLomake::connectControls() {
 
     connect(Esikatsele, &QPushButton::clicked, this,
             [this] { framework::reportErrors(this, [this] { EsikatseleClick(); }); });
+    connect(m_rehearse, &QPushButton::clicked, this,
+            [this] { framework::reportErrors(this, [this] { KoeajoClick(); }); });
     connect(m_close, &QPushButton::clicked, this, &QWidget::close);
     connect(m_changes, &QPushButton::clicked, this,
             [this] { reportProblems(this, [this] { showChangesOfRun(); }); });

@@ -73,6 +73,10 @@ QLayout* TAlvMuutosLomake::buildFoot() {
     Esikatsele->setParent(this);
     Esikatsele->setText(QStringLiteral("&Muuta"));
     Esikatsele->setToolTip(QStringLiteral("Muuta tuotteiden tiedot"));
+    m_rehearse = new QPushButton(QStringLiteral("&Koeajo..."), this);
+    m_rehearse->setObjectName(QStringLiteral("Koeajo"));
+    m_rehearse->setToolTip(
+        QStringLiteral("Tekee muutoksen yrityksen kopiolla ja näyttää, mikä muuttuisi"));
     m_interrupt = new QPushButton(QStringLiteral("&Keskeytä"), this);
     m_interrupt->setObjectName(QStringLiteral("Keskeyta"));
     m_interrupt->setToolTip(QStringLiteral("Lopettaa muutoksen kahden rivin välissä"));
@@ -98,7 +102,7 @@ QLayout* TAlvMuutosLomake::buildFoot() {
     foot->addWidget(m_changes);
     foot->addWidget(m_progress);
     const int width = fontMetrics().horizontalAdvance(QStringLiteral("Keskeytä")) + 44;
-    for (QPushButton* button : {Esikatsele, m_interrupt, m_close}) {
+    for (QPushButton* button : {m_rehearse, Esikatsele, m_interrupt, m_close}) {
         button->setMinimumWidth(width);
         foot->addWidget(button);
     }
