@@ -230,7 +230,7 @@ shot save_definition "$dialog"
 keys "$dialog" Escape
 
 # the search buttons follow the check boxes of the restrictions in tab order
-keys "$form" alt+l Tab Tab Tab
+keys "$form" alt+l Tab Tab Tab Tab
 for kind in sub_groups:Aliryhm product_groups:Tuoteryhm main_groups:'P.*ryhm' products:Tuote; do
     keys "$form" Tab space Tab Tab Tab Return
     search=$(window "${kind#*:}.*haku")
@@ -255,8 +255,16 @@ shot about "$dialog"
 keys "$dialog" Escape
 end_program
 
+agree() { # to the question before a run
+    question=$(window '^Muutoksen vahvistus$')
+    sleep 1 # until the rows are counted
+    [ $# -eq 0 ] || shot "$1" "$question"
+    keys "$question" alt+m
+}
+
 open_form "Tukku Oy"
 keys "$form" alt+m
+agree
 sleep 6
 shot run "$form"
 end_program # the run is interrupted
@@ -273,6 +281,7 @@ end_program
 
 open_form Esimerkki
 keys "$form" alt+m
+agree run_question
 for _ in $(seq 60); do # messages of the steps, one after another
     message=$(xdotool search --onlyvisible --name '^ALV muutos$' | grep -vx "$form" | tail -1 || true)
     if [ -n "$message" ]; then
@@ -320,8 +329,11 @@ shot vat_change_form_dark "$form"
 end_program
 light_desktop
 
-start_screen 2060x1160
 export QT_SCALE_FACTOR=1.5
+open_form Esimerkki /U
+shot vat_change_form_narrow "$form"
+end_program
+start_screen 2060x1160
 open_form Esimerkki /U
 shot vat_change_form_150 "$form"
 end_program
