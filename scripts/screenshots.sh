@@ -210,6 +210,17 @@ printf '#!/bin/sh\necho yes\n' >$home/loginctl
 chmod +x $home/systemctl $home/loginctl
 export PATH=$home:$PATH
 
+question() { # the message box over the form, once it exists
+    local id
+    for _ in $(seq 50); do
+        id=$(xdotool search --onlyvisible --name '^ALV muutos$' | grep -vx "$form" | tail -1 || true)
+        [ -z "$id" ] || break
+        sleep 0.2
+    done
+    sleep 0.7
+    echo "$id"
+}
+
 company Esimerkki esimerkki 2000
 company "Ketju Oy" ketju 2000
 company "Tukku Oy" tukku 40000
@@ -245,9 +256,13 @@ keys "$form" alt+t
 dialog=$(window '^M.*ritysarvojen talletus$')
 shot save_definition "$dialog"
 keys "$dialog" Escape
+keys "$form" alt+k
+dialog=$(question)
+shot rehearsal_question "$dialog"
+keys "$dialog" Escape
 
 # the search buttons follow the check boxes of the restrictions in tab order
-keys "$form" alt+l Tab Tab Tab
+keys "$form" alt+l Tab Tab Tab Tab
 for kind in sub_groups:Aliryhm product_groups:Tuoteryhm main_groups:'P.*ryhm' products:Tuote; do
     keys "$form" Tab space Tab Tab Tab Return
     search=$(window "${kind#*:}.*haku")
@@ -272,24 +287,27 @@ shot about "$dialog"
 keys "$dialog" Escape
 end_program
 
+agree() { # to the question before a run
+    question=$(window '^Muutoksen vahvistus$')
+    sleep 1 # until the rows are counted
+    [ $# -eq 0 ] || shot "$1" "$question"
+    keys "$question" alt+m
+}
+
 open_form "Tukku Oy"
 keys "$form" alt+m
+agree
 sleep 6
 shot run "$form"
 end_program # the run is interrupted
 open_form "Tukku Oy"
 keys "$form" alt+m
-for _ in $(seq 50); do
-    question=$(xdotool search --onlyvisible --name '^ALV muutos$' | grep -vx "$form" | tail -1 || true)
-    [ -z "$question" ] || break
-    sleep 0.2
-done
-sleep 0.7
-shot unfinished_run "$question"
+shot unfinished_run "$(question)"
 end_program
 
 open_form Esimerkki
 keys "$form" alt+m
+agree run_question
 for _ in $(seq 60); do # messages of the steps, one after another
     message=$(xdotool search --onlyvisible --name '^ALV muutos$' | grep -vx "$form" | tail -1 || true)
     if [ -n "$message" ]; then
@@ -338,8 +356,11 @@ end_program
 changes_window changes_window_dark
 light_desktop
 
-start_screen 2060x1160
 export QT_SCALE_FACTOR=1.5
+open_form Esimerkki /U
+shot vat_change_form_narrow "$form"
+end_program
+start_screen 2060x1160
 open_form Esimerkki /U
 shot vat_change_form_150 "$form"
 end_program
