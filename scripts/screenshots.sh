@@ -198,6 +198,17 @@ printf '#!/bin/sh\necho yes\n' >$home/loginctl
 chmod +x $home/systemctl $home/loginctl
 export PATH=$home:$PATH
 
+question() { # the message box over the form, once it exists
+    local id
+    for _ in $(seq 50); do
+        id=$(xdotool search --onlyvisible --name '^ALV muutos$' | grep -vx "$form" | tail -1 || true)
+        [ -z "$id" ] || break
+        sleep 0.2
+    done
+    sleep 0.7
+    echo "$id"
+}
+
 company Esimerkki esimerkki 2000
 company "Tukku Oy" tukku 40000
 # only products, so that the picture of a run shows products being changed
@@ -227,6 +238,10 @@ shot vat_change_form "$form"
 keys "$form" alt+t
 dialog=$(window '^M.*ritysarvojen talletus$')
 shot save_definition "$dialog"
+keys "$dialog" Escape
+keys "$form" alt+k
+dialog=$(question)
+shot rehearsal_question "$dialog"
 keys "$dialog" Escape
 
 # the search buttons follow the check boxes of the restrictions in tab order
@@ -262,13 +277,7 @@ shot run "$form"
 end_program # the run is interrupted
 open_form "Tukku Oy"
 keys "$form" alt+m
-for _ in $(seq 50); do
-    question=$(xdotool search --onlyvisible --name '^ALV muutos$' | grep -vx "$form" | tail -1 || true)
-    [ -z "$question" ] || break
-    sleep 0.2
-done
-sleep 0.7
-shot unfinished_run "$question"
+shot unfinished_run "$(question)"
 end_program
 
 open_form Esimerkki
