@@ -192,6 +192,18 @@ open_form() { # company, switches; leaves the windows in $main and $form
     keys "$form" alt+l Down
 }
 
+changes_window() { # name of the picture
+    start_program "Ketju Oy"
+    main=$(window '^Alvluokkien ja hintojen muutokset$')
+    keys "$main" alt+h
+    history=$(window '^Ajohistoria')
+    keys "$history" alt+m
+    changes=$(window '^Muutokset: ')
+    sleep 2
+    shot "$1" "$changes"
+    end_program
+}
+
 # a scheduler that answers, and does nothing
 printf '#!/bin/sh\n' >$home/systemctl
 printf '#!/bin/sh\necho yes\n' >$home/loginctl
@@ -210,6 +222,7 @@ question() { # the message box over the form, once it exists
 }
 
 company Esimerkki esimerkki 2000
+company "Ketju Oy" ketju 2000
 company "Tukku Oy" tukku 40000
 # only products, so that the picture of a run shows products being changed
 sed -i -E 's/^(asiakashinnasto|Kampanjat|MaaraAle|cbVakioLaskutus)=1/\1=0/' \
@@ -219,6 +232,10 @@ $home/zavdb demo Kokeilu /srv/yritykset/kokeilu --products 50 >/dev/null 2>&1
 printf '[ASETUKSET]\nmaar1=Alv 24 - 25,5\nmaar2=\nmaar3=\nmaar4=\n' >$home/ALVMUUTOS.INI
 
 start_screen 1366x768
+
+start_program "Ketju Oy" /E # the batch list's definition
+wait "$program"
+changes_window changes_window
 
 start_program
 choice=$(window '^Yrityksen valinta$')
@@ -327,6 +344,7 @@ dark_desktop
 open_form Esimerkki /U
 shot vat_change_form_dark "$form"
 end_program
+changes_window changes_window_dark
 light_desktop
 
 start_screen 2060x1160
@@ -334,3 +352,4 @@ export QT_SCALE_FACTOR=1.5
 open_form Esimerkki /U
 shot vat_change_form_150 "$form"
 end_program
+changes_window changes_window_150
