@@ -140,10 +140,13 @@ QString restoreBackup(const QString& companyName, const QString& file,
                       const BackupProgress& progress) {
     const QDir folder(folderOf(companyName));
     const QString stem = QFileInfo(engines::kEmbeddedFileName).completeBaseName();
-    const QString kept = folder.filePath(backupFileName(stem, data::Clock::now()));
-    if (QFileInfo::exists(kept))
-        throw data::DataError(data::ErrorKind::Io, kept, QStringLiteral("the file exists already"))
-            .inFinnish(QStringLiteral("tiedosto on jo olemassa"));
+    const QString name = backupFileName(stem, data::Clock::now());
+    QString kept = folder.filePath(name);
+    for (int number = 2; QFileInfo::exists(kept); ++number)
+        kept = folder.filePath(QStringLiteral("%1 (%2)%3")
+                                   .arg(QFileInfo(name).completeBaseName())
+                                   .arg(number)
+                                   .arg(kSuffix));
     if (!engines::restoreEmbedded(folder.path(), QFileInfo(file).absoluteFilePath(), kept,
                                   copyProgress(progress)))
         return {};

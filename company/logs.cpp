@@ -1,6 +1,7 @@
 #include "company/logs.h"
 
 #include <QDateTime>
+#include <QFileInfo>
 #include <QSysInfo>
 #include <cstdio>
 #include <utility>
@@ -110,6 +111,10 @@ void WriteAlvMuutosLog(const QString& message) {
         return;
     ++lostLines().count;
     lostLines().problem = problem;
+}
+
+qint64 changeLogSize() {
+    return QFileInfo(AlvMuutosLogName()).size();
 }
 
 const LostLogLines& lostChangeLogLines() {

@@ -9,6 +9,9 @@ namespace company {
 /// folder.
 QString AlvMuutosLogName();
 
+/// Its size in bytes; 0 if there is none.
+qint64 changeLogSize();
+
 /// Appends the line "dd.mm.yyyy hh:nn:ss@COMPUTER  message" in UTF-8 with the platform's line end.
 /// Each line is one open-write-close, so lines of several programs never mix. A run of line breaks
 /// in the message becomes one blank. Failures go to the error report handler and never stop the

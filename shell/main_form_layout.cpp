@@ -107,14 +107,15 @@ QLayout* TMainForm::buildButtons() {
     m_open = new QPushButton(QStringLiteral("Alvmuutokset"), this);
     m_open->setObjectName(QStringLiteral("BitBtn1"));
     m_open->setDefault(true);
-    auto* log = new QPushButton(QStringLiteral("Avaa loki"), this);
-    log->setObjectName(QStringLiteral("BtnLog"));
-    auto* removeMark = new QPushButton(QStringLiteral("Poista\najomerkintä"), this);
-    removeMark->setObjectName(QStringLiteral("Button1"));
+    QPushButton* history = buildHistoryButton();
     m_schedule = new QPushButton(QStringLiteral("Ajasta..."), this);
     m_schedule->setObjectName(QStringLiteral("Ajasta"));
     m_schedule->setToolTip(
         QStringLiteral("Käynnistää eräajon tai sen koeajon itsestään valittuna hetkenä"));
+    auto* log = new QPushButton(QStringLiteral("Avaa loki"), this);
+    log->setObjectName(QStringLiteral("BtnLog"));
+    auto* removeMark = new QPushButton(QStringLiteral("Poista\najomerkintä"), this);
+    removeMark->setObjectName(QStringLiteral("Button1"));
     auto* leave = new QPushButton(QStringLiteral("&Sulje"), this);
     leave->setObjectName(QStringLiteral("BitBtn2"));
     connect(m_open, &QPushButton::clicked, this, &TMainForm::BitBtn1Click);
@@ -126,7 +127,7 @@ QLayout* TMainForm::buildButtons() {
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(kGap);
     const int height = removeMark->sizeHint().height();
-    for (QPushButton* button : {m_open, buildHistoryButton(), m_schedule, log, removeMark, leave}) {
+    for (QPushButton* button : {m_open, history, m_schedule, log, removeMark, leave}) {
         button->setAutoDefault(true);  // Enter presses the focused button
         button->setMinimumSize(kButtonWidth, height);
         buttons->addWidget(button, 1);
@@ -140,13 +141,16 @@ void TMainForm::buildLayout() {
     cards->addWidget(buildBatchPart(), 3);
     cards->addWidget(buildClassPart(), 2);
 
+    // made in the order of the Tab key
+    QLayout* buttons = buildButtons();
+    QLayout* head = buildHead();
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin, kGap);
     column->setSpacing(kGap);
-    column->addLayout(buildHead());
+    column->addLayout(head);
     column->addLayout(cards, 1);
     column->addLayout(buildStatus());
-    column->addLayout(buildButtons());
+    column->addLayout(buttons);
     column->addLayout(buildFoot());
     framework::describeByHints(*this);
 }

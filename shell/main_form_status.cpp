@@ -94,7 +94,7 @@ void TMainForm::scheduleClick() {
         ScheduleDialog dialog(company::currentCompany().name, saved, this);
         dialog.exec();
         m_scheduleLine->refresh();
-        showFeedback(dialog.doneText());
+        showFeedback(dialog.removed() ? QStringLiteral("Ajastus poistettiin.") : QString());
     });
 }
 

@@ -173,7 +173,8 @@ bool backupEmbedded(const QString& folder, const QString& targetFile, const Copy
         return false;
     if (!QFile::rename(unfinished, targetFile))
         throw DataError(ErrorKind::Io, targetFile,
-                        QStringLiteral("the finished copy cannot be named"));
+                        QStringLiteral("the finished copy cannot be named"))
+            .inFinnish(QStringLiteral("valmista kopiota ei voi nimetä"));
     return true;
 }
 

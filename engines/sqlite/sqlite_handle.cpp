@@ -43,7 +43,38 @@ bool startsWith(const char* text, const char* prefix) {
     return text != nullptr && std::strncmp(text, prefix, std::strlen(prefix)) == 0;
 }
 
-/// Adds Finnish texts to file errors; SQLite's own messages are English.
+/// SQLite's messages about statements in Finnish; empty for rare ones.
+QString statementText(const QString& message) {
+    struct Text {
+        QLatin1String beginning;
+        QString finnish;  ///< "%1": what follows the beginning
+    };
+    static const Text kTexts[] = {
+        {QLatin1String("no such table: "), QStringLiteral("taulua %1 ei ole")},
+        {QLatin1String("no such column: "), QStringLiteral("saraketta %1 ei ole")},
+        {QLatin1String("no such function: "), QStringLiteral("funktiota %1 ei ole")},
+        {QLatin1String("ambiguous column name: "), QStringLiteral("sarake %1 on useassa taulussa")},
+        {QLatin1String("unrecognized token: "), QStringLiteral("tuntematon merkintä %1")},
+        {QLatin1String("incomplete input"), QStringLiteral("lause on kesken")},
+        {QLatin1String("UNIQUE constraint failed: "), QStringLiteral("sama arvo on jo: %1")},
+        {QLatin1String("NOT NULL constraint failed: "), QStringLiteral("arvo puuttuu: %1")},
+        {QLatin1String("string or blob too big"), QStringLiteral("arvo on liian pitkä")},
+        {QLatin1String("interrupted"), QStringLiteral("toiminto keskeytettiin")},
+    };
+    for (const Text& text : kTexts)
+        if (message.startsWith(text.beginning))
+            return text.finnish.contains(QLatin1String("%1"))
+                       ? text.finnish.arg(message.mid(text.beginning.size()))
+                       : text.finnish;
+    static const QString kNear = QStringLiteral("near ");
+    static const QString kSyntax = QStringLiteral(": syntax error");
+    if (message.startsWith(kNear) && message.endsWith(kSyntax))
+        return QStringLiteral("virhe kohdassa ") +
+               message.sliced(kNear.size()).chopped(kSyntax.size());
+    return {};
+}
+
+/// Adds Finnish texts; SQLite's own messages are English.
 DataError inFinnish(const DataError& error, int code) {
     switch (code & 0xFF) {
         case SQLITE_BUSY:
@@ -62,7 +93,7 @@ DataError inFinnish(const DataError& error, int code) {
         case SQLITE_CANTOPEN:
             return error.inFinnish(QStringLiteral("tiedostoa ei voi avata"));
         default:
-            return error;
+            return error.inFinnish(statementText(error.detail()));
     }
 }
 

@@ -32,7 +32,7 @@ AddCompanyDialog::AddCompanyDialog(QWidget* parent)
     m_name->setObjectName(QStringLiteral("NimiEdit"));
     m_name->setToolTip(QStringLiteral("Nimi, jolla yritys valitaan luettelosta ja eräajossa"));
     auto* fields = new QFormLayout;
-    fields->addRow(QStringLiteral("&Kansio"), folderRow(m_folder, this, [this] { browse(); }));
+    addFolderRow(*fields, QStringLiteral("&Kansio"), m_folder, [this] { browse(); });
     fields->addRow(QStringLiteral("&Nimi"), m_name);
 
     auto* addButton = new QPushButton(QStringLiteral("&Lisää"), this);

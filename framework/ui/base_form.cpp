@@ -181,8 +181,11 @@ void TPerusForm::PdfClick() {
         const QString fileName =
             Dialogs::saveFileName(this, QStringLiteral("Talleta PDF-raportti"), reportFileName(),
                                   QStringLiteral("PDF-tiedostot (*.pdf)"));
-        if (!fileName.isEmpty())
-            writePdf(report(), fileName);
+        if (fileName.isEmpty())
+            return;
+        writePdf(report(), fileName);
+        showFeedback(QStringLiteral("Raportti talletettiin: ") +
+                     QDir::toNativeSeparators(fileName));
     });
 }
 
@@ -205,6 +208,7 @@ void TPerusForm::SahkopostiClick() {
         const QString shown = QDir::toNativeSeparators(fileName);
         switch (composeMail(content.headRight, text, fileName)) {
             case MailResult::Attached:
+                showFeedback(QStringLiteral("Viestin liite on tilapäistiedostossa ") + shown);
                 break;
             case MailResult::ByHand:
                 Dialogs::message(this, QStringLiteral("Sähköpostiohjelma ei ottanut raporttia "
@@ -213,7 +217,8 @@ void TPerusForm::SahkopostiClick() {
                 break;
             case MailResult::Impossible:
                 Dialogs::error(this, QStringLiteral("Sähköpostiohjelmaa ei voitu avata. Raportti "
-                                                    "on tiedostossa\r%1")
+                                                    "on tilapäistiedostossa; siirrä se talteen "
+                                                    "tai poista:\r%1")
                                          .arg(shown));
                 break;
         }

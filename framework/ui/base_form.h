@@ -65,6 +65,8 @@ class TPerusForm : public QWidget, public DefinitionOwner {
     virtual bool acceptTyped() { return true; }
     /// Shows a text, or logs it when unattended.
     virtual void NaytaViesti(const QString& text);
+    /// Shows what was saved and where.
+    virtual void showFeedback(const QString& /*text*/) {}
     /// The report for `Pdf` and `Sahkoposti`.
     virtual Report report() const { return {}; }
 

@@ -69,7 +69,7 @@ DemoCompanyDialog::DemoCompanyDialog(QWidget* parent)
     m_products->setSingleStep(1000);
     auto* fields = new QFormLayout;
     fields->addRow(QStringLiteral("&Nimi"), m_name);
-    fields->addRow(QStringLiteral("&Kansio"), folderRow(m_folder, this, [this] { browse(); }));
+    addFolderRow(*fields, QStringLiteral("&Kansio"), m_folder, [this] { browse(); });
     fields->addRow(QStringLiteral("&Tuotteita"), m_products);
     m_status->setTextFormat(Qt::PlainText);
     m_progress->setRange(0, 0);

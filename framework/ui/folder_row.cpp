@@ -1,6 +1,7 @@
 #include "framework/ui/folder_row.h"
 
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
 #include <utility>
 
@@ -10,7 +11,9 @@ namespace {
 constexpr int kFolderCharacters = 48;
 }
 
-QLayout* folderRow(QLineEdit* edit, QWidget* window, std::function<void()> browse) {
+void addFolderRow(QFormLayout& fields, const QString& title, QLineEdit* edit,
+                  std::function<void()> browse) {
+    QWidget* window = edit->parentWidget();
     edit->setMinimumWidth(kFolderCharacters * window->fontMetrics().averageCharWidth());
     auto* button = new QPushButton(QStringLiteral("&Selaa..."), window);
     button->setObjectName(QStringLiteral("SelaaButton"));
@@ -19,7 +22,9 @@ QLayout* folderRow(QLineEdit* edit, QWidget* window, std::function<void()> brows
     auto* row = new QHBoxLayout;
     row->addWidget(edit, 1);
     row->addWidget(button);
-    return row;
+    auto* label = new QLabel(title, window);
+    label->setBuddy(edit);
+    fields.addRow(label, row);
 }
 
 }  // namespace framework

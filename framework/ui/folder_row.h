@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QLayout>
+#include <QFormLayout>
 #include <QLineEdit>
 #include <functional>
 
 namespace framework {
 
-/// A folder's edit with a button "Selaa..." (object name "SelaaButton") beside it.
-QLayout* folderRow(QLineEdit* edit, QWidget* window, std::function<void()> browse);
+/// Adds the row of a folder: the edit with a button "Selaa..." (object name "SelaaButton").
+void addFolderRow(QFormLayout& fields, const QString& title, QLineEdit* edit,
+                  std::function<void()> browse);
 
 }  // namespace framework

@@ -1,6 +1,8 @@
 #include "framework/ui/program_dialogs.h"
 
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QMessageBox>
 #include <QPushButton>
@@ -136,7 +138,11 @@ QString ProgramDialogs::openFileName(QWidget* parent, const QString& dialogTitle
 QString ProgramDialogs::folder(QWidget* parent, const QString& dialogTitle, const QString& start) {
     if (!isInteractive())
         return {};
-    return QFileDialog::getExistingDirectory(parent, dialogTitle, start);
+    QString existing = start;
+    while (!existing.isEmpty() && !QFileInfo(existing).isDir())
+        existing.truncate(qMax<qsizetype>(0, existing.lastIndexOf(QLatin1Char('/'))));
+    return QFileDialog::getExistingDirectory(parent, dialogTitle,
+                                             existing.isEmpty() ? QDir::homePath() : existing);
 }
 
 }  // namespace framework

@@ -94,6 +94,20 @@ std::vector<std::pair<QString, QString>> neededEnvironment() {
     return variables;
 }
 
+// Takes the task away as far as possible. @return whether the manager did what it was told
+bool discard(const QString& id, QString* problem = nullptr) {
+    const Answer disabled =
+        systemctl({QStringLiteral("disable"), QStringLiteral("--now"), timerName(id)});
+    for (const QString& name : {timerName(id), serviceName(id)})
+        QFile::remove(unitFile(name));
+    // what "enable" made, in case it could not be undone
+    QFile::remove(unitFolder() + QStringLiteral("/timers.target.wants/") + timerName(id));
+    const bool reloaded = systemctl({QStringLiteral("daemon-reload")}).done;
+    if (problem != nullptr)
+        *problem = disabled.problem;
+    return disabled.done || reloaded;
+}
+
 class SystemdScheduler : public TaskScheduler {
   public:
     QString problem() override {
@@ -120,7 +134,7 @@ class SystemdScheduler : public TaskScheduler {
             systemctl({QStringLiteral("clean"), QStringLiteral("--what=state"), timer});
             demand({QStringLiteral("enable"), QStringLiteral("--now"), timer});
         } catch (const data::DataError&) {
-            remove(task.id);
+            discard(task.id);  // half a task would start at some other time
             throw;
         }
     }
@@ -129,18 +143,16 @@ class SystemdScheduler : public TaskScheduler {
         const bool known = QFile::exists(unitFile(timerName(id)));
         if (!known && !QFile::exists(unitFile(serviceName(id))))
             return false;
-        const Answer disabled =
-            systemctl({QStringLiteral("disable"), QStringLiteral("--now"), timerName(id)});
-        for (const QString& name : {timerName(id), serviceName(id)}) {
-            QFile file(unitFile(name));
-            if (file.exists() && !file.remove())
-                throw data::DataError(data::ErrorKind::Io, file.fileName(), file.errorString());
-        }
-        // what "enable" made, in case it could not be undone
-        QFile::remove(unitFolder() + QStringLiteral("/timers.target.wants/") + timerName(id));
-        const bool reloaded = systemctl({QStringLiteral("daemon-reload")}).done;
-        if (!disabled.done && !reloaded && known)
-            throw data::DataError(data::ErrorKind::Io, timerName(id), disabled.problem)
+        QString problem;
+        const bool obeyed = discard(id, &problem);
+        for (const QString& name : {timerName(id), serviceName(id)})
+            if (QFile::exists(unitFile(name)))
+                throw data::DataError(data::ErrorKind::Io, unitFile(name),
+                                      QStringLiteral("the file cannot be removed"))
+                    .inFinnish(QStringLiteral("tiedostoa ei voi poistaa"),
+                               QStringLiteral("Poista se itse: muuten ajastus jää voimaan."));
+        if (known && !obeyed)
+            throw data::DataError(data::ErrorKind::Io, timerName(id), problem)
                 .inFinnish({}, QStringLiteral("Ajastus ei jää voimaan seuraavan käynnistyksen "
                                               "jälkeen, mutta käyttäjän systemd ei vastannut."));
         return true;

@@ -76,7 +76,8 @@ void LogFile::restart() {
     if (!exists())
         return;
     // a pipe or a device would be waited for
-    if (!QFileInfo(m_fileName).isFile() || !m_file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(m_fileName).isFile() ||
+        !m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         throw data::DataError(data::ErrorKind::Io, m_fileName, m_file.errorString());
     m_begin = m_end = m_file.size();
 }

@@ -77,6 +77,7 @@ LogWindow::LogWindow(QWidget* parent)
     parts->addWidget(m_details);
     parts->setStretchFactor(0, 1);
     parts->setCollapsible(0, false);
+    parts->setSizes({kHeight, kDetailLines * fontMetrics().lineSpacing() + kGap});
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     column->setSpacing(kGap);
@@ -275,7 +276,7 @@ void LogWindow::showState() {
                     QStringLiteral("huomautusta"));
     text += m_model.complete()
                 ? QStringLiteral(".")
-                : QStringLiteral("; luettu %1 %.").arg(static_cast<int>(100 * m_model.partRead()));
+                : QStringLiteral("; luettu %1 %").arg(static_cast<int>(100 * m_model.partRead()));
     m_state->setText(text);
 }
 

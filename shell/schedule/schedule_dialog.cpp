@@ -50,9 +50,9 @@ ScheduleDialog::ScheduleDialog(const QString& company, const company::BatchList&
       m_existing(readSchedule(company)),
       m_run(new QRadioButton(QStringLiteral("&Eräajo"), this)),
       m_rehearse(
-          new QRadioButton(QStringLiteral("Eräajon &koeajo (yrityksen tiedot eivät muutu)"), this)),
-      m_date(new QDateEdit(this)),
-      m_time(new QTimeEdit(this)),
+          new QRadioButton(QStringLiteral("Eräajon k&oeajo (yrityksen tiedot eivät muutu)"), this)),
+      m_date(new framework::DateEdit(this)),
+      m_time(new QLineEdit(this)),
       m_inWords(paragraph({}, this)),
       m_schedule(new QPushButton(QStringLiteral("A&jasta"), this)),
       m_remove(new QPushButton(QStringLiteral("&Poista ajastus"), this)) {
@@ -93,10 +93,9 @@ ScheduleDialog::ScheduleDialog(const QString& company, const company::BatchList&
 
 QLayout* ScheduleDialog::buildMoment() {
     m_date->setObjectName(QStringLiteral("AjastusPaiva"));
-    m_date->setDisplayFormat(QStringLiteral("d.M.yyyy"));
-    m_date->setCalendarPopup(true);
     m_time->setObjectName(QStringLiteral("AjastusKello"));
-    m_time->setDisplayFormat(QStringLiteral("H.mm"));
+    m_time->setToolTip(QStringLiteral("Kellonaika, esimerkiksi 0.15"));
+    m_time->setMaxLength(5);
     auto* fields = new QFormLayout;
     fields->addRow(QStringLiteral("P&äivä"), m_date);
     fields->addRow(QStringLiteral("&Kello"), m_time);
@@ -109,8 +108,8 @@ QLayout* ScheduleDialog::buildMoment() {
                            "Windows säilyttää sen, Taksavaihe ei."));
         fields->addRow(QStringLiteral("&Windows-salasana"), m_password);
     }
-    connect(m_date, &QDateEdit::dateChanged, this, &ScheduleDialog::showMoment);
-    connect(m_time, &QTimeEdit::timeChanged, this, &ScheduleDialog::showMoment);
+    connect(m_date, &QLineEdit::textChanged, this, &ScheduleDialog::showMoment);
+    connect(m_time, &QLineEdit::textChanged, this, &ScheduleDialog::showMoment);
     return fields;
 }
 
@@ -136,31 +135,36 @@ QLayout* ScheduleDialog::buildButtons() {
 }
 
 void ScheduleDialog::showExisting() {
-    const QDate today = data::Clock::today();
-    m_date->setMinimumDate(today);
-    m_date->setDate(today.addDays(1));
-    m_time->setTime(kSuggestedTime);
     const bool waits = m_existing && m_existing->moment > data::Clock::now();
-    if (waits) {
-        m_date->setDate(m_existing->moment.date());
-        m_time->setTime(m_existing->moment.time());
-    }
+    const QDateTime shown =
+        waits ? m_existing->moment : QDateTime(data::Clock::today().addDays(1), kSuggestedTime);
+    m_date->setDate(shown.date());
+    m_time->setText(shown.toString(QStringLiteral("H.mm")));
     (m_existing && m_existing->rehearsal ? m_rehearse : m_run)->setChecked(true);
     m_remove->setVisible(m_existing.has_value());
 }
 
 QDateTime ScheduleDialog::moment() const {
-    return {m_date->date(), QTime(m_time->time().hour(), m_time->time().minute())};
+    const QTime time = typedTime();
+    return m_date->date().isValid() && time.isValid() ? QDateTime(m_date->date(), time)
+                                                      : QDateTime();
+}
+
+QTime ScheduleDialog::typedTime() const {
+    const QString text = m_time->text().trimmed().replace(u':', u'.');
+    const QTime time = QTime::fromString(text, QStringLiteral("H.mm"));
+    return time.isValid() ? time : QTime::fromString(text, QStringLiteral("H"));
 }
 
 void ScheduleDialog::showMoment() {
     const QDateTime chosen = moment();
     const qint64 left = data::Clock::now().secsTo(chosen);
-    // at the change to summer time an hour does not exist: Qt takes another one
-    const bool exists =
-        chosen.isValid() && chosen.toUTC().toLocalTime().time().hour() == m_time->time().hour();
-    m_schedule->setEnabled(exists && left > 0);
-    if (!exists)
+    // an hour that summer time leaves out: Qt takes another one
+    const bool leftOut = chosen.isValid() && chosen.toUTC().toLocalTime().time() != typedTime();
+    m_schedule->setEnabled(chosen.isValid() && !leftOut && left > 0);
+    if (!chosen.isValid())
+        m_inWords->setText(QStringLiteral("Anna päivä ja kellonaika."));
+    else if (leftOut)
         m_inWords->setText(QStringLiteral("Sitä hetkeä ei ole: kello siirtyy silloin kesäaikaan."));
     else if (left <= 0)
         m_inWords->setText(QStringLiteral("Hetki on jo mennyt."));
@@ -218,13 +222,12 @@ void ScheduleDialog::schedule() {
             removeSchedule(m_company);
         throw;
     }
-    m_done = QStringLiteral("Ajastettiin: ") + momentText(note.moment);
     accept();
 }
 
 void ScheduleDialog::removeExisting() {
     removeScheduleAndTask(m_company);
-    m_done = QStringLiteral("Ajastus poistettiin.");
+    m_removed = true;
     accept();
 }
 

@@ -1,15 +1,14 @@
 #pragma once
 
-#include <QDateEdit>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTimeEdit>
 #include <optional>
 
 #include "company/batch_list.h"
+#include "framework/ui/value_edits.h"
 #include "shell/schedule/schedule_note.h"
 
 namespace shell {
@@ -23,15 +22,17 @@ class ScheduleDialog : public QDialog {
     ScheduleDialog(const QString& company, const company::BatchList& list,
                    QWidget* parent = nullptr);
 
-    /// What was done, in Finnish; empty if nothing.
-    const QString& doneText() const { return m_done; }
+    /// Whether the earlier schedule was removed.
+    bool removed() const { return m_removed; }
 
   private:
     QLayout* buildMoment();
     QLayout* buildButtons();
     void showExisting();
     void showMoment();
+    /// Invalid if date or time cannot be read.
     QDateTime moment() const;
+    QTime typedTime() const;
     void schedule();
     void removeExisting();
     bool agreesToLogon();
@@ -41,13 +42,13 @@ class ScheduleDialog : public QDialog {
     std::optional<ScheduleNote> m_existing;
     QRadioButton* m_run;
     QRadioButton* m_rehearse;
-    QDateEdit* m_date;
-    QTimeEdit* m_time;
+    framework::DateEdit* m_date;
+    QLineEdit* m_time;
     QLabel* m_inWords;
     QLineEdit* m_password = nullptr;  ///< only where the scheduler takes one
     QPushButton* m_schedule;
     QPushButton* m_remove;
-    QString m_done;
+    bool m_removed = false;
 };
 
 /// Takes the company's schedule out of the scheduler and forgets it. @throws data::DataError

@@ -43,8 +43,9 @@ ScheduleLine::ScheduleLine(QWidget* parent)
 void ScheduleLine::refresh() {
     m_isKnown = true;
     try {
-        m_isKnown =
-            platform::TaskScheduler::instance().exists(scheduleId(company::currentCompany().name));
+        const QString& company = company::currentCompany().name;
+        if (readSchedule(company))  // most have none: the scheduler need not be asked
+            m_isKnown = platform::TaskScheduler::instance().exists(scheduleId(company));
     } catch (const data::DataError&) {
         // not to be found out: the text then says nothing about it
     }

@@ -9,7 +9,6 @@
 #include "platform/ini_change.h"
 #include "platform/read_file.h"
 #include "platform/user_settings.h"
-#include "shell/batch.h"
 
 namespace shell {
 
@@ -51,18 +50,20 @@ QString what(const ScheduleNote& note) {
     return note.rehearsal ? QStringLiteral("Eräajon koeajo") : QStringLiteral("Eräajo");
 }
 
+// The exit statuses of "/E", as the manual lists them.
 QString outcome(int status) {
-    switch (static_cast<ExitStatus>(status)) {
-        case ExitStatus::Done:
+    switch (status) {
+        case 0:
             return QStringLiteral("kaikki onnistui");
-        case ExitStatus::Failed:
+        case 1:
             return QStringLiteral("kaikki ei onnistunut, katso loki");
-        case ExitStatus::Unavailable:
+        case 2:
             return QStringLiteral("ei voitu ajaa, katso loki");
-        case ExitStatus::AlreadyRun:
+        case 3:
             return QStringLiteral("ei ajettu, ajomerkintä on jo");
+        default:
+            return QStringLiteral("paluuarvo %1").arg(status);
     }
-    return QStringLiteral("paluuarvo %1").arg(status);
 }
 
 }  // namespace

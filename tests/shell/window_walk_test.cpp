@@ -11,6 +11,7 @@
 #include "framework/ui/help.h"
 #include "framework/ui/program_style.h"
 #include "framework/ui/splash.h"
+#include "framework/ui/work_dialog.h"
 #include "search/group_haku.h"
 #include "search/tuote_haku.h"
 #include "shell/log/log_window.h"
@@ -19,6 +20,7 @@
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/shop_company.h"
 #include "tests/support/window_checks.h"
+#include "vatchange/views/history_window.h"
 
 // Checks of every window of the program. ctest runs this at 100 and 150 % (QT_SCALE_FACTOR).
 
@@ -60,6 +62,14 @@ const Case kWindows[] = {
      [](const test::ShopCompany&, TAlvMuutosLomake&) -> Window {
          return std::make_unique<shell::ScheduleDialog>(QStringLiteral("Kauppa"),
                                                         company::BatchList{QStringLiteral("A")});
+     }},
+    {"history",
+     [](const test::ShopCompany& shop, TAlvMuutosLomake&) -> Window {
+         return std::make_unique<vatchange::HistoryWindow>(shop.database(), nullptr);
+     }},
+    {"work",
+     [](const test::ShopCompany&, TAlvMuutosLomake&) -> Window {
+         return std::make_unique<framework::WorkDialog>(nullptr, QStringLiteral("Varmuuskopio"));
      }},
     {"help",
      [](const test::ShopCompany&, TAlvMuutosLomake&) -> Window {

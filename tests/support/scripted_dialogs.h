@@ -28,6 +28,8 @@ class ScriptedDialogs : public framework::DialogHandler {
     /// A message whose text depends on the machine; lastText() returns it.
     void expectAnyMessage() { m_expected.push_back({{}, false, {}, true}); }
     void expectQuestion(const QString& text, bool yes) { m_expected.push_back({text, yes, {}}); }
+    /// A question whose text depends on the machine.
+    void expectAnyQuestion(bool yes) { m_expected.push_back({{}, yes, {}, true}); }
     void expectFileChoice(const QString& fileName) { m_expected.push_back({{}, false, fileName}); }
     /// `answer`: the text of the button to press; its buttons are lastAnswers().
     void expectChoice(const QString& text, const QString& answer) {

@@ -1,5 +1,4 @@
 #include <QFile>
-#include <QFileInfo>
 #include <cstdio>
 
 #include "company/company.h"
@@ -151,7 +150,7 @@ vatchange::UndoOptions undoOptions(const Arguments& arguments) {
     options.dryRun = arguments.has(kDryRun);
     options.user = company::userName();
     options.computer = company::computerName();
-    options.logSize = [] { return QFileInfo(company::AlvMuutosLogName()).size(); };
+    options.logSize = company::changeLogSize;
     return options;
 }
 

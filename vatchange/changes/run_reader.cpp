@@ -119,19 +119,30 @@ int RunReader::firstRow(int record) const {
     return place < m_firstRows.size() ? m_firstRows[place] : -1;
 }
 
-int RunReader::rowOf(int record, int field) const {
+template <typename See>
+void RunReader::visitRows(int record, See&& see) const {
     const int first = firstRow(record);
     if (first < 0)
-        return -1;
-    for (int row = first; row < m_list.rowCount() && m_list.recordIndex(row) == record; ++row) {
+        return;
+    int row = first;
+    for (; row < m_list.rowCount() && m_list.recordIndex(row) == record; ++row) {
+        if (!see(row))
+            return;
+    }
+    for (auto [later, end] = m_laterRows.equal_range(record); later != end; ++later) {
+        if (later->second >= row && !see(later->second))
+            return;
+    }
+}
+
+int RunReader::rowOf(int record, int field) const {
+    int found = -1;
+    visitRows(record, [&](int row) {
         if (m_list.fieldIndex(row) == field)
-            return row;
-    }
-    for (auto [row, end] = m_laterRows.equal_range(record); row != end; ++row) {
-        if (m_list.fieldIndex(row->second) == field)
-            return row->second;
-    }
-    return -1;
+            found = row;
+        return found < 0;
+    });
+    return found;
 }
 
 void RunReader::see(const data::JournalEntry& entry) {
@@ -154,7 +165,6 @@ void RunReader::see(const data::JournalEntry& entry) {
         index(table);
         record = table.records.at(entry.record);
     }
-    const int begin = m_list.rowCount();
     const auto placeOfRecord = static_cast<size_t>(record - m_firstRecord);
     if (entry.operation == data::Operation::Update) {
         const std::vector<ReadTable::Value>& values = table.changedFields(entry);
@@ -186,9 +196,11 @@ void RunReader::see(const data::JournalEntry& entry) {
             m_laterRows.emplace(record, row);
     }
     if (m_takenBack.contains(0, entry.seq)) {
-        for (int row = firstRow(record) < 0 ? begin : firstRow(record);
-             row < m_list.rowCount() && m_list.recordIndex(row) == record; ++row)
-            m_list.mark(row, ChangeFinding::Undone);
+        visitRows(record, [this](int row) {
+            if (m_list.kind(row) != ChangeKind::Unchanged)
+                m_list.mark(row, ChangeFinding::Undone);
+            return true;
+        });
     }
 }
 

@@ -35,6 +35,9 @@ class RunReader {
 
   private:
     void see(const data::JournalEntry& entry);
+    /// Shows a record's rows until `see` returns false.
+    template <typename See>
+    void visitRows(int record, See&& see) const;
     void judge(int row, const ReadTable& table) const;
     void judgeProduct(ReadTable& table, const data::JournalEntry& entry, int record,
                       const std::vector<ReadTable::Value>& values, const QByteArray& present);

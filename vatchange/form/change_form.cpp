@@ -14,6 +14,7 @@
 #include "vatchange/definition/coefficients.h"
 #include "vatchange/form/definition_controls.h"
 #include "vatchange/report/change_report.h"
+#include "vatchange/views/run_problems.h"
 
 namespace vatchange {
 
@@ -134,7 +135,11 @@ void TAlvMuutosLomake::connectControls() {
 
     connect(Esikatsele, &QPushButton::clicked, this,
             [this] { framework::reportErrors(this, [this] { EsikatseleClick(); }); });
+    connect(m_rehearse, &QPushButton::clicked, this,
+            [this] { framework::reportErrors(this, [this] { KoeajoClick(); }); });
     connect(m_close, &QPushButton::clicked, this, &QWidget::close);
+    connect(m_changes, &QPushButton::clicked, this,
+            [this] { reportProblems(this, [this] { showChangesOfRun(); }); });
     connect(m_interrupt, &QPushButton::clicked, this, [this] {
         m_cancelRequested = true;
         m_interrupt->setEnabled(false);

@@ -13,6 +13,7 @@
 #include "vatchange/form/product_count.h"
 #include "vatchange/form/search_windows.h"
 #include "vatchange/run/run_summary.h"
+#include "vatchange/views/changes_window.h"
 
 namespace vatchange {
 
@@ -56,6 +57,8 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     /// that; unattended `options` decide. Returns nullopt if a run is already going on or the user
     /// leaves it.
     std::optional<RunResult> EsikatseleClick(RunOptions options = {});
+    /// Rehearses definitionToRun(), or the resumption of its unfinished run, and shows the changes.
+    void KoeajoClick();
     bool isRunning() const { return m_running; }
 
     /// Writes the text to the change log and, unless unattended, shows it.
@@ -77,12 +80,14 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void showValues(const framework::SavedDefinition& definition) override;
     void afterLoad() override;
     void afterSave() override;
+    void showFeedback(const QString& text) override { showStatus(text); }
     void showDescription(const QString& description) override;
     bool acceptTyped() override;
     framework::Report report() const override;
 
   private:
     friend class FormRunPorts;
+    friend class FormProgress;
 
     void buildLayout();
     QLayout* buildDefinitionBar();
@@ -117,7 +122,16 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     void showProductCount(qint64 products);
     QString checkCoefficient(framework::DecimalEdit* edit);
     bool chooseOptions(const ChangeDefinition& definition, RunOptions& options);
+    void showChangesOfRun();
     bool agreesToRun(const LoadedDefinition& definition, RunOptions& options);
+    struct RehearsalOutcome {
+        QString status;                    ///< for the status line
+        QString message;                   ///< to be shown; may be empty
+        std::shared_ptr<ChangeList> list;  ///< nothing to show if empty
+        ChangesContext context;
+    };
+    RehearsalOutcome rehearse(const LoadedDefinition& definition, const RunOptions& options);
+    std::unique_ptr<RunPorts> runPorts();
     void setRunning(bool running);
     /// `share`: 0 to 1; negative: unknown.
     void showProgress(const QString& status, double share, const QString& step,
@@ -136,10 +150,12 @@ class TAlvMuutosLomake : public framework::TPerusForm {
     QLabel* m_description = nullptr;  ///< of the loaded definition
     QLabel* m_status = nullptr;
     QProgressBar* m_progress = nullptr;
+    QPushButton* m_rehearse = nullptr;
     QPushButton* m_interrupt = nullptr;
     QPushButton* m_close = nullptr;
     QPushButton* m_ready = nullptr;     ///< "Valmis määrittely..."
     QPushButton* m_findings = nullptr;  ///< hidden without findings
+    QPushButton* m_changes = nullptr;   ///< "Näytä muutokset...", after a run that has a journal
     QStringList m_findingTexts;
     QTimer m_edited;  ///< runs out shortly after the last edit
     ProductCount m_count;

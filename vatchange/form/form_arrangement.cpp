@@ -99,7 +99,8 @@ void TAlvMuutosLomake::arrangeGroups(bool narrow) {
     setTabOrder(m_controls.sourceClass, m_controls.targetClass);
     setTabOrder(m_controls.targetClass, m_controls.changeDay);
     setTabOrder(narrow ? static_cast<QWidget*>(m_controls.changeDay) : m_controls.leaveWebShop,
-                Esikatsele);
+                m_rehearse);
+    setTabOrder(m_rehearse, Esikatsele);
 }
 
 void TAlvMuutosLomake::resizeEvent(QResizeEvent* event) {

@@ -72,6 +72,10 @@ QLayout* TAlvMuutosLomake::buildFoot() {
     Esikatsele->setParent(this);
     Esikatsele->setText(QStringLiteral("&Muuta"));
     Esikatsele->setToolTip(QStringLiteral("Muuta tuotteiden tiedot"));
+    m_rehearse = new QPushButton(QStringLiteral("&Koeajo..."), this);
+    m_rehearse->setObjectName(QStringLiteral("Koeajo"));
+    m_rehearse->setToolTip(
+        QStringLiteral("Tekee muutoksen yrityksen kopiolla ja näyttää, mikä muuttuisi"));
     m_interrupt = new QPushButton(QStringLiteral("&Keskeytä"), this);
     m_interrupt->setObjectName(QStringLiteral("Keskeyta"));
     m_interrupt->setToolTip(QStringLiteral("Lopettaa muutoksen kahden rivin välissä"));
@@ -90,9 +94,14 @@ QLayout* TAlvMuutosLomake::buildFoot() {
     m_findings->setFlat(true);
     m_findings->hide();
     foot->addWidget(m_findings);
+    m_changes = new QPushButton(QStringLiteral("&Näytä muutokset..."), this);
+    m_changes->setObjectName(QStringLiteral("NaytaMuutokset"));
+    m_changes->setToolTip(QStringLiteral("Näytä, mitä viimeisin ajo muutti"));
+    m_changes->hide();
+    foot->addWidget(m_changes);
     foot->addWidget(m_progress);
     const int width = fontMetrics().horizontalAdvance(QStringLiteral("Keskeytä")) + 44;
-    for (QPushButton* button : {Esikatsele, m_interrupt, m_close}) {
+    for (QPushButton* button : {m_rehearse, Esikatsele, m_interrupt, m_close}) {
         button->setMinimumWidth(width);
         foot->addWidget(button);
     }

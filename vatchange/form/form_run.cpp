@@ -18,13 +18,6 @@ namespace {
 
 constexpr int kPassingMessageSeconds = 30;
 
-QString leftText(qint64 seconds) {
-    if (seconds < 0)
-        return {};
-    return seconds < 90 ? QStringLiteral("jäljellä noin %1 s").arg(seconds)
-                        : QStringLiteral("jäljellä noin %1 min").arg((seconds + 59) / 60);
-}
-
 }  // namespace
 
 /// The form as the ports of a run. The run reports every row; the window is updated every 50 ms,
@@ -173,11 +166,16 @@ std::optional<RunResult> TAlvMuutosLomake::EsikatseleClick(RunOptions options) {
     }
     setRunning(false);
     showStatus(outcomeText(m_lastRun->result));
+    m_changes->setVisible(m_lastRun->result.run > 0 && !unattended());
     if (m_lastRun->result.lostLogLines > 0 && !unattended())
         framework::Dialogs::warning(this, lostLogText(m_lastRun->result));
     if (m_closeWhenDone)
         QTimer::singleShot(0, this, &QWidget::close);
     return m_lastRun->result;
+}
+
+std::unique_ptr<RunPorts> TAlvMuutosLomake::runPorts() {
+    return std::make_unique<FormRunPorts>(*this);
 }
 
 bool TAlvMuutosLomake::chooseOptions(const ChangeDefinition& definition, RunOptions& options) {
@@ -196,10 +194,12 @@ void TAlvMuutosLomake::setRunning(bool running) {
     if (!running)
         m_edited.start();
     m_findings->setEnabled(!running);
+    m_changes->setEnabled(!running);
     m_content->setEnabled(!running);
     m_groups.vatClasses->setEnabled(!running);  // may stand beside the content
     m_exits.dropExits();                        // disabled controls lose the focus
     Esikatsele->setEnabled(!running);
+    m_rehearse->setEnabled(!running);
     m_close->setEnabled(!running);
     m_interrupt->setEnabled(running);
     m_progress->setVisible(running);

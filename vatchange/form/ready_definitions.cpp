@@ -28,6 +28,8 @@ ChangeDefinition readyDefinition(const RateChange& change, int sourceClass, int 
                                     kPriceColumns[level + 1], true};
     if (change.from != changeDay(definition))
         definition.changeDay = change.from;
+    if (change.from != changeDay(definition))  // the day that holds without one
+        definition.changeDay = change.from;
     definition.salesOrderFromVat0 = true;
     definition.purchaseOrderFromVat0 = true;
     return definition;

@@ -61,4 +61,11 @@ qint64 RunEstimate::secondsLeft(qint64 now) const {
     return std::llround(present + later) + 1;
 }
 
+QString leftText(qint64 seconds) {
+    if (seconds < 0)
+        return {};
+    return seconds < 90 ? QStringLiteral("jäljellä noin %1 s").arg(seconds)
+                        : QStringLiteral("jäljellä noin %1 min").arg((seconds + 59) / 60);
+}
+
 }  // namespace vatchange

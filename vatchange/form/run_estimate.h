@@ -37,4 +37,7 @@ class RunEstimate {
     qint64 m_stepBegan = 0;
 };
 
+/// "jäljellä noin 40 s"; empty for a negative number.
+QString leftText(qint64 seconds);
+
 }  // namespace vatchange

@@ -1,5 +1,6 @@
 #include "vatchange/form/run_question.h"
 
+#include <QCoreApplication>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QStyle>
@@ -184,7 +185,12 @@ void RunQuestion::fitNotes() {
 // One table in each turn of the event loop, so that "Peruuta" works in between.
 void RunQuestion::countNext() {
     if (m_counted == m_counts.size() && m_facts.lateFindings)
-        addNotes(m_facts.lateFindings(m_products), false);
+        addNotes(m_facts.lateFindings(m_products,
+                                      [this] {
+                                          QCoreApplication::processEvents();
+                                          return isHidden();
+                                      }),
+                 false);
     if (m_counted++ >= m_counts.size())
         return;
     const RowCount& count = m_counts[m_counted - 1];

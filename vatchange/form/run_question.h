@@ -20,8 +20,10 @@ struct RunQuestionFacts {
     QString classes;       ///< "1 (24%) → 5 (25,5%)"
     QStringList problems;  ///< with which it should not be run
     QStringList findings;  ///< what looks like a mistake
-    /// Findings that need the database, given the number of products; called when all is counted.
-    std::function<QStringList(qint64 products)> lateFindings = {};
+    /// Findings that need the database, given the number of products (-1: unknown); called when all
+    /// is counted. `stop` is asked now and then.
+    std::function<QStringList(qint64 products, const std::function<bool()>& stop)> lateFindings =
+        {};
     QString backup;  ///< when and where the last backup was made, or why there is none
     /// Makes a backup and returns the text about it; empty if none was made. Empty: no button.
     std::function<QString(QWidget* parent)> makeBackup = {};

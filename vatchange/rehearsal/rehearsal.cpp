@@ -143,6 +143,10 @@ void Rehearsal::takeIntoUse() {
         [this](const QString& /*dataSource*/) { return m_copy->open(); });
 }
 
+void Rehearsal::discard() {
+    QDir(m_folder).removeRecursively();
+}
+
 bool Rehearsal::holdsResults(const std::vector<qint64>& runs) const {
     return !runs.empty() || !QDir(m_folder).isEmpty();
 }

@@ -55,6 +55,8 @@ class Rehearsal {
     /// but rehearse.
     void takeIntoUse();
 
+    /// Removes the results: the rehearsal was stopped.
+    void discard();
     /// Whether there is something to keep: runs, or lines of the change log.
     bool holdsResults(const std::vector<qint64>& runs) const;
     /// Writes the list of changes of these runs and the description of the rehearsal.

@@ -14,6 +14,9 @@ class RehearsalPorts : public RunPorts {
 
     bool unattended() const override { return m_ports.unattended(); }
     void NaytaViesti(const QString& text) override { log(text); }
+    void stepFinished(const QString& text) override { log(text); }
+    void plan(const std::vector<PlannedStep>& steps) override { m_ports.plan(steps); }
+    void beginStep(RunStep step) override { m_ports.beginStep(step); }
     void showMessage(const QString& text) override;
     bool ask(const QString& text) override;
     void log(const QString& line) override;

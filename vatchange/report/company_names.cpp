@@ -26,8 +26,10 @@ DefinitionNames companyNames(data::Database& database, const VatRates& rates) {
             static_cast<int>(query.fieldByName(QStringLiteral("NRO")).asInteger()),
             query.fieldByName(QStringLiteral("NIMI")).asString().trimmed());
     for (const auto& [vatClass, percent] : rates)
-        names.rates.insert(static_cast<int>(vatClass),
-                           QLocale(QLocale::Finnish).toString(percent, 'g', QLocale::FloatingPointShortest) + u'%');
+        names.rates.insert(
+            static_cast<int>(vatClass),
+            QLocale(QLocale::Finnish).toString(percent, 'g', QLocale::FloatingPointShortest) +
+                u'%');
     return names;
 }
 

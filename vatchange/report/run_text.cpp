@@ -111,7 +111,7 @@ QString lastRunText(data::RunJournal& journal) {
         return {};
     // an old run may have been resumed after newer ones
     const JournalRun& last =
-        *std::max_element(runs.begin(), runs.end(), [](const JournalRun& a, const JournalRun& b) {
+        *std::max_element(runs.rbegin(), runs.rend(), [](const JournalRun& a, const JournalRun& b) {
             return (a.ended.isValid() ? a.ended : a.started) <
                    (b.ended.isValid() ? b.ended : b.started);
         });

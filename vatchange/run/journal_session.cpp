@@ -1,7 +1,5 @@
 #include "vatchange/run/journal_session.h"
 
-#include <QFileInfo>
-
 #include "company/backup.h"
 #include "company/company.h"
 #include "company/logs.h"
@@ -55,10 +53,6 @@ QString resumeProblem(RunContext& run, data::RunJournal& journal, const LoadedDe
     if (!table.isEmpty())
         return QStringLiteral("taulun %1 rakennetta on muutettu").arg(table) + kChanged;
     return {};
-}
-
-qint64 changeLogSize() {
-    return QFileInfo(company::AlvMuutosLogName()).size();
 }
 
 void begin(RunContext& run, data::RunJournal& journal, const LoadedDefinition& loaded,
@@ -122,7 +116,7 @@ RunAttempt newAttempt() {
     attempt.started = data::Clock::now();
     attempt.user = company::userName();
     attempt.computer = company::computerName();
-    attempt.logFrom = changeLogSize();
+    attempt.logFrom = company::changeLogSize();
     attempt.lostLogLines = -company::lostChangeLogLines().count;
     if (const auto backup = company::lastBackup(company::currentCompany().name)) {
         attempt.backupFile = backup->file;
@@ -134,7 +128,7 @@ RunAttempt newAttempt() {
 void endAttempt(const RunContext& run, data::RunJournal& journal) {
     RunAttempt end = run.attempt;
     end.ended = data::Clock::now();
-    end.logTo = changeLogSize();
+    end.logTo = company::changeLogSize();
     end.lostLogLines += company::lostChangeLogLines().count;
     endAttempt(journal, run.result.run, end);
 }

@@ -98,6 +98,9 @@ using data::errorText;
 /// errorText() of what ended a step. A rerun does not find every row that the step left unchanged
 /// (dependent rows whose product is converted), so it does not advise to try again.
 QString stepErrorText(const std::exception& error);
+/// errorText() of a label or web shop mark that could not be written: a rerun does not write it,
+/// since its product is converted, but resuming the run does.
+QString markErrorText(const std::exception& error);
 
 // The steps, in order. A step throws on failure; rows it has already changed stay changed.
 

@@ -116,7 +116,10 @@ void ChangesWindow::connectControls() {
     connect(c.search, &QLineEdit::textChanged, &m_search, qOverload<>(&QTimer::start));
     c.search->installEventFilter(this);
     for (QPushButton* button : c.finding)
-        connect(button, &QPushButton::toggled, this, [this] { applyFilter(); });
+        connect(button, &QPushButton::toggled, this, [this] {
+            applyFilter();
+            showFindings();
+        });
     connect(c.table, &QComboBox::activated, this, [this] { applyFilter(); });
     connect(c.level, &QComboBox::activated, this, [this] { applyFilter(); });
     connect(c.order, &QComboBox::activated, this, [this] { applyOrder(); });
@@ -255,7 +258,8 @@ void ChangesWindow::showFindings() {
         const auto kind = static_cast<ChangeFinding>(i);
         QPushButton& button = *m_controls.finding[static_cast<size_t>(i)];
         const qint64 count = m_overview.findings[static_cast<size_t>(i)];
-        button.setText(findingName(kind) + QStringLiteral("  ") + countText(count));
+        button.setText((button.isChecked() ? QStringLiteral("✓ ") : QString()) + findingName(kind) +
+                       QStringLiteral("  ") + countText(count));
         button.setVisible(count > 0 || button.isChecked());
         any = any || count > 0;
     }

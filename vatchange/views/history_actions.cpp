@@ -11,7 +11,6 @@
 #include "framework/ui/mail.h"
 #include "framework/ui/work_dialog.h"
 #include "vatchange/journal/run_chain.h"
-#include "vatchange/journal/run_refused.h"
 #include "vatchange/journal/run_upkeep.h"
 #include "vatchange/journal/verification_text.h"
 #include "vatchange/report/log_excerpt.h"
@@ -21,6 +20,7 @@
 #include "vatchange/views/changes_window.h"
 #include "vatchange/views/history_window.h"
 #include "vatchange/views/resume_run.h"
+#include "vatchange/views/run_problems.h"
 #include "vatchange/views/text_window.h"
 #include "vatchange/views/undo_work.h"
 
@@ -39,17 +39,6 @@ ReportContext reportContext() {
     context.company = company::currentCompany().name;
     context.logName = QFileInfo(company::AlvMuutosLogName()).absoluteFilePath();
     return context;
-}
-
-/// Shows why something is refused. @return whether it was not.
-bool allowed(QWidget* parent, const std::function<void()>& work) {
-    try {
-        work();
-        return true;
-    } catch (const RunRefused& refused) {
-        Dialogs::warning(parent, refused.finnish());
-        return false;
-    }
 }
 
 /// Counts what an undo would do; changes nothing.
@@ -78,8 +67,9 @@ QString undoQuestion(const JournalRun& run, const UndoResult& counted) {
     text += line(counted.conflicts, QStringLiteral("kohtaa jää ennalleen, koska niitä on muutettu "
                                                    "ajon jälkeen; ne luetellaan"));
     text += line(counted.held, QStringLiteral("tietuetta on nyt auki toisessa ohjelmassa"));
-    return text + QStringLiteral("\r\rKassoille, etiketeille ja verkkokauppaan peruminen näkyy "
-                                 "muutoksena. Perumisen voi itsekin perua.");
+    return text + QStringLiteral(
+                      "\r\rKassoille, etiketeille ja verkkokauppaan peruminen näkyy "
+                      "muutoksena. Perumisen voi itsekin perua.");
 }
 
 }  // namespace
@@ -93,10 +83,10 @@ std::vector<qint64> HistoryWindow::runsToReport(const JournalRun& run) {
     }
     if (batch.size() < 2)
         return {run.number};
-    switch (Dialogs::choose(this, QStringLiteral("Ajo kuuluu eräajoon. Mistä raportti tehdään?"),
-                            {QStringLiteral("&Koko eräajosta"), QStringLiteral("&Vain ajosta %1")
-                                                                    .arg(run.number),
-                             QStringLiteral("P&eruuta")})) {
+    switch (Dialogs::choose(
+        this, QStringLiteral("Ajo kuuluu eräajoon. Mistä raportti tehdään?"),
+        {QStringLiteral("&Koko eräajosta"), QStringLiteral("&Vain ajosta %1").arg(run.number),
+         QStringLiteral("P&eruuta")})) {
         case 0:
             return batch;
         case 1:
@@ -117,7 +107,7 @@ bool HistoryWindow::writeReport(const std::vector<qint64>& runs, const QString& 
 }
 
 void HistoryWindow::report() {
-    allowed(this, [this] {
+    reportProblems(this, [this] {
         const std::vector<qint64> runs = runsToReport(selected()->head);
         if (runs.empty())
             return;
@@ -125,9 +115,9 @@ void HistoryWindow::report() {
         const QString suggested =
             QDir(QFileInfo(folder).isDir() ? folder : company::currentCompany().dataFolder)
                 .filePath(reportFileName(m_database, runs));
-        const QString file = Dialogs::saveFileName(this, QStringLiteral("Talleta raportti"),
-                                                   suggested,
-                                                   QStringLiteral("PDF-tiedostot (*.pdf)"));
+        const QString file =
+            Dialogs::saveFileName(this, QStringLiteral("Talleta raportti"), suggested,
+                                  QStringLiteral("PDF-tiedostot (*.pdf)"));
         if (file.isEmpty() || !writeReport(runs, file))
             return;
         const QString shown = QDir::toNativeSeparators(file);
@@ -139,7 +129,7 @@ void HistoryWindow::report() {
 }
 
 void HistoryWindow::changes() {
-    allowed(this, [this] {
+    reportProblems(this, [this] {
         const JournalRun run = selected()->head;
         ChangesContext context;
         context.company = company::currentCompany().name;
@@ -168,8 +158,9 @@ void HistoryWindow::verify() {
     }
     if (found.cancelled)
         return;
-    showText(this, QStringLiteral("Tarkastus %1: ").arg(framework::momentText(data::Clock::now())) +
-                       runTitle(run),
+    showText(this,
+             QStringLiteral("Tarkastus %1: ").arg(framework::momentText(data::Clock::now())) +
+                 runTitle(run),
              verificationTextFinnish(found));
 }
 
@@ -194,9 +185,11 @@ void HistoryWindow::resume() {
     const JournalRun run = selected()->head;
     const QString question =
         run.kind == RunKind::Undo
-            ? QStringLiteral("Jatketaanko ajon %1 perumista siitä, mihin se jäi?").arg(run.undoneRun)
-            : QStringLiteral("Jatketaanko %1?\r\rAjo tehdään loppuun määrittelyllä, jolla se "
-                             "alkoi. Rivejä, jotka ajo on jo muuttanut, ei muuteta uudestaan.")
+            ? QStringLiteral("Jatketaanko ajon %1 perumista siitä, mihin se jäi?")
+                  .arg(run.undoneRun)
+            : QStringLiteral(
+                  "Jatketaanko %1?\r\rAjo tehdään loppuun määrittelyllä, jolla se "
+                  "alkoi. Rivejä, jotka ajo on jo muuttanut, ei muuteta uudestaan.")
                   .arg(runText(run));
     if (!Dialogs::ask(this, question))
         return;
@@ -214,7 +207,7 @@ void HistoryWindow::resume() {
 void HistoryWindow::undo() {
     const JournalRun run = selected()->head;
     UndoResult counted;
-    if (!allowed(this, [&] {
+    if (!reportProblems(this, [&] {
             framework::WorkDialog work(this, QStringLiteral("Ajon peruminen"));
             CountingPorts ports(work);
             UndoOptions options;
@@ -231,14 +224,15 @@ void HistoryWindow::undo() {
 
 void HistoryWindow::accept() {
     const JournalRun run = selected()->head;
-    const QString name =
-        run.number == 0 ? QStringLiteral("vanhan version ajo ") + definitionText(run) : runText(run);
+    const QString name = run.number == 0
+                             ? QStringLiteral("vanhan version ajo ") + definitionText(run)
+                             : runText(run);
     if (!Dialogs::ask(this, QStringLiteral("Hyväksytäänkö %1 sellaisena kuin se on?\r\rMuuttamatta "
                                            "jääneet rivit jäävät ennalleen, eikä ajoa voi enää "
                                            "jatkaa.")
                                 .arg(name)))
         return;
-    allowed(this, [&] {
+    reportProblems(this, [&] {
         if (run.number == 0)
             company::acceptUnfinishedNote(run.definition);
         else
@@ -257,7 +251,7 @@ void HistoryWindow::forget() {
                                            "perua. Tiedot jäävät sellaisiksi kuin ne ovat.")
                                 .arg(runText(run))))
         return;
-    allowed(this, [&] { forgetRun(m_database, run.number, false); });
+    reportProblems(this, [&] { forgetRun(m_database, run.number, false); });
     refresh();
     Q_EMIT changed();
 }

@@ -76,9 +76,9 @@ void HistoryModel::read(data::RunJournal* journal) {
 }
 
 int HistoryModel::rowOf(qint64 number) const {
-    const auto found =
-        std::find_if(m_runs.begin(), m_runs.end(),
-                     [number](const HistoryRun& run) { return run.head.number == number; });
+    const auto found = std::find_if(m_runs.begin(), m_runs.end(), [number](const HistoryRun& run) {
+        return run.head.number == number;
+    });
     return found == m_runs.end() ? -1 : static_cast<int>(found - m_runs.begin());
 }
 
@@ -98,18 +98,18 @@ QVariant HistoryModel::data(const QModelIndex& index, int role) const {
     if (role == Qt::ToolTipRole && index.column() == Result)
         return stateMeaning(run(index.row()).head);
     if (role == Qt::TextAlignmentRole)
-        return QVariant::fromValue(Qt::Alignment(
-            Qt::AlignVCenter | (number ? Qt::AlignRight : Qt::AlignLeft)));
+        return QVariant::fromValue(
+            Qt::Alignment(Qt::AlignVCenter | (number ? Qt::AlignRight : Qt::AlignLeft)));
     return {};
 }
 
 QVariant HistoryModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
-    static const QStringList kHeadings{
-        QStringLiteral("Ajo"),    QStringLiteral("Alkoi"),     QStringLiteral("Kesto"),
-        QStringLiteral("Mitä"),   QStringLiteral("Tulos"),     QStringLiteral("Tietueita"),
-        QStringLiteral("Ajaja"),  QStringLiteral("Eräajo")};
+    static const QStringList kHeadings{QStringLiteral("Ajo"),   QStringLiteral("Alkoi"),
+                                       QStringLiteral("Kesto"), QStringLiteral("Mitä"),
+                                       QStringLiteral("Tulos"), QStringLiteral("Tietueita"),
+                                       QStringLiteral("Ajaja"), QStringLiteral("Eräajo")};
     return kHeadings.value(section);
 }
 

@@ -97,6 +97,7 @@ std::optional<UndoResult> undoWithProgress(QWidget* parent, data::Database& data
                                            UndoOptions options) {
     options.user = company::userName();
     options.computer = company::computerName();
+    options.logSize = company::changeLogSize;
     std::optional<UndoResult> result;
     QStringList conflicts;
     reportProblems(parent, [&] {
