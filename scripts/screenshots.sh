@@ -197,6 +197,7 @@ changes_window() { # name of the picture
     main=$(window '^Alvluokkien ja hintojen muutokset$')
     keys "$main" alt+h
     history=$(window '^Ajohistoria')
+    [ "$1" != changes_window ] || shot history "$history"
     keys "$history" alt+m
     changes=$(window '^Muutokset: ')
     sleep 2
@@ -234,6 +235,9 @@ printf '[ASETUKSET]\nmaar1=Alv 24 - 25,5\nmaar2=\nmaar3=\nmaar4=\n' >$home/ALVMU
 start_screen 1366x768
 
 start_program "Ketju Oy" /E # the batch list's definition
+wait "$program"
+faketime -f '@2024-09-01 06:30:00' $home/zavdb undo "Ketju Oy" 1 >/dev/null
+start_program "Ketju Oy" /E
 wait "$program"
 changes_window changes_window
 
