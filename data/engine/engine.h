@@ -153,6 +153,10 @@ class Database {
     /// record.
     virtual bool statementsPassRecordLocks() const { return true; }
 
+    /// True if inTransaction() around the lock and read of a record and the one statement that then
+    /// writes it saves work, because both belong to the statement's own transaction anyway.
+    virtual bool joinsReadAndStatement() const { return false; }
+
     /// Marks a run in progress in this company; calls nest. @return false if another process has.
     /// The mark ends with its process.
     virtual bool beginRun() = 0;
@@ -170,7 +174,7 @@ class Database {
     virtual void flush() {}
 
     /// Runs `body` as one transaction, rolled back if it throws. For import and creation; a run
-    /// never uses it.
+    /// uses it for one statement at most, see joinsReadAndStatement().
     virtual void inTransaction(const std::function<void()>& body) = 0;
 };
 

@@ -5,6 +5,7 @@
 
 #include "data/record/record_codec.h"
 #include "engines/embedded/connection.h"
+#include "engines/embedded/record_visit.h"
 
 namespace engines::embedded {
 
@@ -21,6 +22,7 @@ enum ShapeKind : quint64 {
     kRemove,
     kFloor,
     kSameKey,
+    kVisit,
     kCountImages,
     kCountSameKey
 };
@@ -135,6 +137,21 @@ StatementLease StoredTable::scan(const ScanShape& shape) {
                          quint64{shape.imageOnly} << 25 | quint64{shape.limited} << 26 |
                          quint64{shape.offset} << 27;
     return lease(code, [&] { return scanText(shape); });
+}
+
+void StoredTable::visit(RecordId first, std::function<bool(RecordId, QByteArrayView)> see) {
+    StatementLease rows = lease(kVisit, [&] {
+        return "SELECT 1 FROM " + m_stored + " WHERE id >= ?1 AND " + kVisitFunction +
+               "(?2, id, data) ORDER BY id";
+    });
+    RecordVisit visit{std::move(see), nullptr};
+    rows->bind(1, first);
+    visit.bindTo(rows->get(), 2);
+    rows->step();
+    rows->reset();
+    sqlite3_clear_bindings(rows->get());  // the visit ends with this call
+    if (visit.failure)
+        std::rethrow_exception(visit.failure);
 }
 
 StatementLease StoredTable::scanSameKey(int key, bool backward) {

@@ -71,6 +71,8 @@ class StoredTable {
 
     /// Rows: column 0 the id, column 1 the record (or image).
     StatementLease scan(const ScanShape& shape);
+    /// Shows the records from `first` on in id order until `see` returns false or throws.
+    void visit(RecordId first, std::function<bool(RecordId, QByteArrayView)> see);
     /// Records with image ?1 and an id above ?2 (backward: below), at most ?3.
     StatementLease scanSameKey(int key, bool backward);
     /// Number of records with an image >= low and < high.

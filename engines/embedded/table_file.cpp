@@ -199,17 +199,15 @@ std::optional<StoredRecord> EmbeddedTableFile::visit(int key,
 
 std::optional<RecordId> EmbeddedTableFile::visitStored(std::optional<RecordId> after, int max,
                                                        const Visitor& see) {
-    StatementLease rows = m_table.scan({-1, ScanShape::Bounds::Range, false, false, true, false});
-    rows->bind(1, after ? *after + 1 : std::numeric_limits<RecordId>::min());
-    rows->bind(2, std::numeric_limits<RecordId>::max());
-    rows->bind(3, max);
     std::optional<RecordId> last;
-    while (rows->step()) {
-        last = rows->integer(0);
-        const QByteArrayView bytes = m_table.checked(rows->blob(1));
-        if (!see(*last, QByteArray::fromRawData(bytes.data(), bytes.size())))
-            break;
-    }
+    int left = max;
+    m_table.visit(after ? *after + 1 : std::numeric_limits<RecordId>::min(),
+                  [&](RecordId id, QByteArrayView record) {
+                      last = id;
+                      const QByteArrayView bytes = m_table.checked(record);
+                      return see(id, QByteArray::fromRawData(bytes.data(), bytes.size())) &&
+                             --left > 0;
+                  });
     return last;
 }
 
@@ -267,6 +265,8 @@ std::optional<StoredRecord> EmbeddedTableFile::get(RecordId id) {
 bool EmbeddedTableFile::lock(RecordId id, std::chrono::milliseconds wait) {
     const RecordAddress record{m_table.number(), id};
     if (!m_connection->locks().tryHold(record)) {
+        if (wait <= std::chrono::milliseconds(0))
+            return false;
         m_connection->flushBeforeWait();
         if (!m_connection->locks().hold(record, wait))
             return false;

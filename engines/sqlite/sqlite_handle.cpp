@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "data/system_path.h"
+#include "engines/sqlite/joined_log_writes.h"
 
 #ifndef Q_OS_WIN
 #include <fcntl.h>
@@ -134,8 +135,8 @@ SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {
                       (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
     if (mode == Mode::Create && fileName != QLatin1String(":memory:"))
         makeFile(fileName);
-    const int code =
-        sqlite3_open_v2(systemPath(fileName).toUtf8().constData(), &m_db, flags, fileSystemName());
+    const int code = sqlite3_open_v2(systemPath(fileName).toUtf8().constData(), &m_db, flags,
+                                     withJoinedLogWrites(fileSystemName()));
     if (code != SQLITE_OK) {
         const QString detail =
             QString::fromUtf8(m_db != nullptr ? sqlite3_errmsg(m_db) : sqlite3_errstr(code));
