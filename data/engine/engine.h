@@ -86,6 +86,23 @@ class TableFile {
     virtual std::optional<StoredRecord> visitIds(int key, const std::optional<StoredRecord>& from,
                                                  int max, const std::function<void(RecordId)>& see);
 
+    /// The place of a record in a key, for visitKeyTexts(); `image` is the engine's own.
+    struct KeyEntry {
+        QByteArray image;
+        RecordId id = 0;
+    };
+    using TextVisitor = std::function<bool(RecordId id, QByteArrayView text)>;
+    /// Whether visitKeyTexts() can show the texts of a key's first segment.
+    virtual bool showsKeyTexts(int /*key*/) const { return false; }
+    /// As visitStored(), with the Windows-1252 text of the key's first segment in place of the
+    /// record, in key order; folded by kCaseFoldWeight if the segment ignores case. For searches:
+    /// a key is much smaller than its table. @return the last entry visited.
+    virtual std::optional<KeyEntry> visitKeyTexts(int /*key*/,
+                                                  const std::optional<KeyEntry>& /*after*/,
+                                                  int /*max*/, const TextVisitor& /*see*/) {
+        return std::nullopt;
+    }
+
     /// Compares a record's leading key fields with values: negative, 0 or positive in key order
     /// (also for descending segments).
     virtual int compare(int key, const QByteArray& record, const KeyValues& values) const = 0;

@@ -1,7 +1,5 @@
 #include "engines/embedded/record_visit.h"
 
-#include "engines/sqlite/sqlite_handle.h"
-
 namespace engines::embedded {
 
 namespace {
@@ -28,10 +26,15 @@ void visitRecord(sqlite3_context* context, int, sqlite3_value** arguments) {
 
 }  // namespace
 
-void RecordVisit::bindTo(sqlite3_stmt* statement, int parameter) {
-    const int code = sqlite3_bind_pointer(statement, parameter, this, kPointerType, nullptr);
+void RecordVisit::run(sqlite::Statement& rows) {
+    const int code = sqlite3_bind_pointer(rows.get(), 1, this, kPointerType, nullptr);
     if (code != SQLITE_OK)
-        sqlite::throwSqlite(sqlite3_db_handle(statement), code, QString());
+        sqlite::throwSqlite(sqlite3_db_handle(rows.get()), code, QString());
+    rows.step();
+    rows.reset();
+    sqlite3_clear_bindings(rows.get());
+    if (failure)
+        std::rethrow_exception(failure);
 }
 
 void registerRecordVisit(sqlite3* db) {

@@ -8,6 +8,7 @@
 
 #include "data/engine/engine.h"
 #include "engines/data_names.h"
+#include "engines/sqlite/sqlite_handle.h"
 
 namespace engines::embedded {
 
@@ -21,7 +22,8 @@ struct RecordVisit {
     std::function<bool(RecordId, QByteArrayView)> see;
     std::exception_ptr failure;  ///< what `see` has thrown; ends the visit
 
-    void bindTo(sqlite3_stmt* statement, int parameter);
+    /// Runs a SELECT whose condition calls the function with its parameter 1. Rethrows `failure`.
+    void run(sqlite::Statement& rows);
 };
 
 /// @throws DataError.

@@ -23,6 +23,7 @@ enum ShapeKind : quint64 {
     kFloor,
     kSameKey,
     kVisit,
+    kVisitImages,
     kCountImages,
     kCountSameKey
 };
@@ -141,17 +142,32 @@ StatementLease StoredTable::scan(const ScanShape& shape) {
 
 void StoredTable::visit(RecordId first, std::function<bool(RecordId, QByteArrayView)> see) {
     StatementLease rows = lease(kVisit, [&] {
-        return "SELECT 1 FROM " + m_stored + " WHERE id >= ?1 AND " + kVisitFunction +
-               "(?2, id, data) ORDER BY id";
+        return "SELECT 1 FROM " + m_stored + " WHERE id >= ?2 AND " + kVisitFunction +
+               "(?1, id, data) ORDER BY id";
     });
-    RecordVisit visit{std::move(see), nullptr};
-    rows->bind(1, first);
-    visit.bindTo(rows->get(), 2);
-    rows->step();
-    rows->reset();
-    sqlite3_clear_bindings(rows->get());  // the visit ends with this call
-    if (visit.failure)
-        std::rethrow_exception(visit.failure);
+    rows->bind(2, first);
+    RecordVisit{std::move(see), nullptr}.run(*rows);
+}
+
+void StoredTable::visitImages(int key, const TableFile::KeyEntry& after,
+                              std::function<bool(RecordId, QByteArrayView)> see) {
+    StatementLease rows = lease(kVisitImages | static_cast<quint64>(key) << 8, [&] {
+        const QByteArray column = keyColumn(key);
+        return "SELECT 1 FROM " + m_stored + " WHERE (" + column + ", id) > (?2, ?3) AND " +
+               kVisitFunction + "(?1, id, " + column + ") ORDER BY " + column + ", id";
+    });
+    rows->bind(2, after.image);
+    rows->bind(3, after.id);
+    RecordVisit{std::move(see), nullptr}.run(*rows);
+}
+
+void StoredTable::checkImage(int key, QByteArrayView image) const {
+    if (image.size() != m_images[static_cast<size_t>(key)].length())
+        throw DataError(ErrorKind::Damaged, name(),
+                        QStringLiteral("an entry of key %1 has %2 bytes instead of %3")
+                            .arg(key)
+                            .arg(image.size())
+                            .arg(m_images[static_cast<size_t>(key)].length()));
 }
 
 StatementLease StoredTable::scanSameKey(int key, bool backward) {

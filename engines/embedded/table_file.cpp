@@ -245,6 +245,27 @@ std::optional<StoredRecord> EmbeddedTableFile::visitIds(int key,
     return lastId != 0 ? get(lastId) : std::nullopt;
 }
 
+bool EmbeddedTableFile::showsKeyTexts(int key) const {
+    checkKey(key);
+    return m_table.image(key).beginsWithText();
+}
+
+std::optional<data::TableFile::KeyEntry> EmbeddedTableFile::visitKeyTexts(
+    int key, const std::optional<KeyEntry>& after, int max, const TextVisitor& see) {
+    checkKey(key);
+    const KeyImage& image = m_table.image(key);
+    std::optional<KeyEntry> last;
+    int left = max;
+    m_table.visitImages(key, after.value_or(KeyEntry()), [&](RecordId id, QByteArrayView entry) {
+        m_table.checkImage(key, entry);
+        const bool more = see(id, image.textOf(entry)) && --left > 0;
+        if (!more)
+            last = KeyEntry{entry.toByteArray(), id};
+        return more;
+    });
+    return last;
+}
+
 int EmbeddedTableFile::compare(int key, const QByteArray& record, const KeyValues& values) const {
     checkKey(key);
     const QByteArray wanted = m_table.image(key).prefix(values);
