@@ -16,6 +16,8 @@ namespace {
 
 const QString kFileName = QStringLiteral("ALVMUUTOS.INI");
 const QString kSection = QStringLiteral("ASETUKSET");
+const QString kReportKey = QStringLiteral("raportti");
+const QString kBackupKey = QStringLiteral("varmuuskopio");
 
 QString keyOf(size_t index) {
     return QStringLiteral("maar%1").arg(index + 1);
@@ -61,6 +63,31 @@ BatchList readBatchList(const QString& fileName) {
     for (size_t i = 0; i < list.size(); ++i)
         list[i] = ini.value(kSection, keyOf(i)).value_or(QString());
     return list;
+}
+
+BatchSettings readBatchSettings(const QString& fileName) {
+    const platform::IniFile ini = platform::IniFile::read(fileName);
+    const auto value = [&ini](const QString& key) {
+        return ini.value(kSection, key).value_or(QString()).trimmed();
+    };
+    const auto refused = [&fileName](const QString& key, const QString& text,
+                                     const QString& english, const QString& finnish) {
+        return data::DataError(data::ErrorKind::BadValue, fileName,
+                               QStringLiteral("%1=%2: %3").arg(key, text, english))
+            .inFinnish(QStringLiteral("%1=%2: %3").arg(key, text, finnish));
+    };
+    BatchSettings settings;
+    const QString report = value(kReportKey);
+    if (!report.isEmpty() && report != u"0" && report != u"1")
+        throw refused(kReportKey, report, QStringLiteral("has to be 0 or 1"),
+                      QStringLiteral("arvon on oltava 0 tai 1"));
+    settings.report = report == u"1";
+    settings.backupFolder = value(kBackupKey);
+    // a task of the system's scheduler starts in any folder
+    if (!settings.backupFolder.isEmpty() && !QDir::isAbsolutePath(settings.backupFolder))
+        throw refused(kBackupKey, settings.backupFolder, QStringLiteral("is no full path"),
+                      QStringLiteral("kansion koko polku puuttuu"));
+    return settings;
 }
 
 QString batchListText(const QString& fileName, const BatchList& list) {

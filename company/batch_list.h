@@ -30,6 +30,18 @@ BatchList readBatchList(const QString& fileName);
 /// One line in Finnish: which file was read and the names in it, or that it holds none and why.
 /// @throws like readBatchList()
 QString batchListText(const QString& fileName, const BatchList& list);
+
+/// What a batch does besides running its definitions: keys of the same section.
+struct BatchSettings {
+    bool report = false;   ///< "raportti=1": a PDF report into the company's folder
+    QString backupFolder;  ///< "varmuuskopio=FOLDER": a checked backup there first; empty: none
+};
+/// Missing keys leave the defaults.
+/// @throws data::DataError naming file, key and value: raportti is neither 0 nor 1, the folder is
+/// no full path.
+BatchSettings readBatchSettings(const QString& fileName);
+
+/// Leaves all other keys of the file as they are.
 void writeBatchList(const QString& fileName, const BatchList& list);
 
 }  // namespace company

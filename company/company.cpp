@@ -1,6 +1,7 @@
 #include "company/company.h"
 
 #include <QDir>
+#include <utility>
 
 #include "company/aliases.h"
 
@@ -23,8 +24,16 @@ bool takeIntoUse(const QString& name) {
     const std::optional<Alias> alias = findAlias(name);
     if (!alias)
         return false;
-    current() = {alias->name, alias->physicalName, alias->localFilePath, alias->ownerName};
+    current() = {alias->name, alias->physicalName, alias->localFilePath, alias->ownerName,
+                 QString()};
     return true;
+}
+
+CompanySubstitution::CompanySubstitution(Company company)
+    : m_replaced(std::exchange(current(), std::move(company))) {}
+
+CompanySubstitution::~CompanySubstitution() {
+    current() = std::move(m_replaced);
 }
 
 QString withTrailingSeparator(const QString& folder, QChar separator) {
@@ -40,6 +49,12 @@ QChar platformSeparator() {
 
 QString dataFolderFile(const QString& fileName) {
     return withTrailingSeparator(current().dataFolder, platformSeparator()) + fileName;
+}
+
+QString logFolderFile(const QString& fileName) {
+    if (current().logFolder.isEmpty())
+        return dataFolderFile(fileName);
+    return withTrailingSeparator(current().logFolder, platformSeparator()) + fileName;
 }
 
 }  // namespace company

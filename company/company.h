@@ -11,12 +11,26 @@ struct Company {
     QString dataFolder;   ///< PhysicalName of the alias; holds the change log
     QString localFolder;  ///< LocalFilePath of the alias; may be empty
     QString ownerName;    ///< OwnerName of the alias; usually empty
+    QString logFolder;    ///< of the change log; empty: the data folder
 };
 
 const Company& currentCompany();
 /// Makes a company the current one, with name and folders from its alias. @return false, leaving
 /// the current one, if there is no such alias (case of a to z ignored).
 bool takeIntoUse(const QString& name);
+
+/// Puts another company, such as a copy, in the place of the current one for its life. The current
+/// one is not to be changed meanwhile but by a substitution within this one.
+class CompanySubstitution {
+  public:
+    explicit CompanySubstitution(Company company);
+    ~CompanySubstitution();
+    CompanySubstitution(const CompanySubstitution&) = delete;
+    CompanySubstitution& operator=(const CompanySubstitution&) = delete;
+
+  private:
+    Company m_replaced;
+};
 
 /// Appends the separator ("\" or "/"). Unchanged: texts shorter than three characters, except a
 /// drive ("C:"), and texts that end with it.
@@ -27,5 +41,7 @@ QChar platformSeparator();
 /// A file in the company's data folder. An empty folder gives the bare name, relative to the
 /// working folder.
 QString dataFolderFile(const QString& fileName);
+/// The same in the folder of the change log.
+QString logFolderFile(const QString& fileName);
 
 }  // namespace company

@@ -29,6 +29,11 @@ TZavDbConnectionModule::Notice& processNotice() {
     return notice;
 }
 
+TZavDbConnectionModule::Opener& processOpener() {
+    static TZavDbConnectionModule::Opener opener = TZavDbConnectionModule::openByAlias;
+    return opener;
+}
+
 data::DataError noConnection(const QString& dataSource, const QString& detail,
                              const QString& finnish) {
     return data::DataError(data::ErrorKind::NoConnection, dataSource, detail).inFinnish(finnish);
@@ -109,7 +114,7 @@ TZavDbConnectionModule::~TZavDbConnectionModule() = default;
 
 TZavDbConnectionModule& TZavDbConnectionModule::instance() {
     if (!module()) {
-        module() = std::make_unique<TZavDbConnectionModule>(openByAlias, processNotice());
+        module() = std::make_unique<TZavDbConnectionModule>(processOpener(), processNotice());
         module()->Yhdista(currentCompany().name, true, false);
     }
     return *module();
@@ -117,6 +122,10 @@ TZavDbConnectionModule& TZavDbConnectionModule::instance() {
 
 void TZavDbConnectionModule::setNotice(Notice notice) {
     processNotice() = std::move(notice);
+}
+
+void TZavDbConnectionModule::setOpener(Opener opener) {
+    processOpener() = std::move(opener);
 }
 
 void TZavDbConnectionModule::shutDown() {

@@ -49,6 +49,8 @@ class TZavDbConnectionModule {
     static TZavDbConnectionModule& instance();
     /// Sets the notice for instance(). Call before its first use.
     static void setNotice(Notice notice);
+    /// Sets how instance() opens databases; default openByAlias. Call before its first use.
+    static void setOpener(Opener opener);
     /// Destroys the process's module. For tests and program exit.
     static void shutDown();
 

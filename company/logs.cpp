@@ -1,6 +1,7 @@
 #include "company/logs.h"
 
 #include <QDateTime>
+#include <QFileInfo>
 #include <QSysInfo>
 #include <cstdio>
 #include <utility>
@@ -101,7 +102,7 @@ QByteArray lineInUtf8(const QString& message) {
 }  // namespace
 
 QString AlvMuutosLogName() {
-    return dataFolderFile(QStringLiteral("ALVMUUTOS.LOG"));
+    return logFolderFile(QStringLiteral("ALVMUUTOS.LOG"));
 }
 
 void WriteAlvMuutosLog(const QString& message) {
@@ -110,6 +111,10 @@ void WriteAlvMuutosLog(const QString& message) {
         return;
     ++lostLines().count;
     lostLines().problem = problem;
+}
+
+qint64 changeLogSize() {
+    return QFileInfo(AlvMuutosLogName()).size();
 }
 
 const LostLogLines& lostChangeLogLines() {

@@ -5,8 +5,12 @@
 
 namespace company {
 
-/// Full path of the change log "ALVMUUTOS.LOG" in the data folder.
+/// Full path of the change log "ALVMUUTOS.LOG" in the company's log folder, usually its data
+/// folder.
 QString AlvMuutosLogName();
+
+/// Its size in bytes; 0 if there is none.
+qint64 changeLogSize();
 
 /// Appends the line "dd.mm.yyyy hh:nn:ss@COMPUTER  message" in UTF-8 with the platform's line end.
 /// Each line is one open-write-close, so lines of several programs never mix. A run of line breaks

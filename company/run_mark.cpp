@@ -27,10 +27,14 @@ qint64 execute(data::Database& database, const QString& statement) {
 }  // namespace
 
 bool ExecutionMarkExists(data::Database& database) {
+    return !executionMarkText(database).isEmpty();
+}
+
+QString executionMarkText(data::Database& database) {
     data::TUniQuery query(&database);
     query.sql().add(kSelect);
     query.open();
-    return !query.eof() && !query.fieldByName(QStringLiteral("data")).asString().isEmpty();
+    return query.eof() ? QString() : query.fieldByName(QStringLiteral("data")).asString();
 }
 
 int DeleteExecutionMark(data::Database& database) {

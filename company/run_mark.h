@@ -10,6 +10,9 @@ namespace company {
 /// @return whether the first such row has non-empty `data`.
 bool ExecutionMarkExists(data::Database& database);
 
+/// What the mark holds: when it was written; empty if there is none.
+QString executionMarkText(data::Database& database);
+
 /// @return number of deleted rows
 int DeleteExecutionMark(data::Database& database);
 

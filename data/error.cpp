@@ -95,8 +95,10 @@ DataError::DataError(const std::string& what, ErrorKind kind, const QString& mes
       m_nativeCode(0),
       m_verbatim(true) {}
 
-DataError DataError::verbatim(ErrorKind kind, const QString& message) {
-    return {message.toStdString(), kind, message};
+DataError DataError::verbatim(ErrorKind kind, const QString& message, const QString& finnish) {
+    DataError error(message.toStdString(), kind, message);
+    error.m_finnishDetail = finnish;
+    return error;
 }
 
 DataError DataError::inFinnish(const QString& detail, const QString& remedy) const {
@@ -119,7 +121,7 @@ DataError DataError::inPlace(const QString& place) const {
 
 QString DataError::finnish() const {
     if (m_verbatim)
-        return m_detail;
+        return m_finnishDetail.isEmpty() ? m_detail : m_finnishDetail;
     const Wording& wording = wordingOf(m_kind);
     QString line = compose(wording.finnish, oneLine(m_table),
                            oneLine(m_finnishDetail.isEmpty() ? m_detail : m_finnishDetail),

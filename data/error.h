@@ -30,8 +30,9 @@ class DataError : public std::runtime_error {
   public:
     DataError(ErrorKind kind, QString table, QString detail, int nativeCode = 0);
 
-    /// An error with one fixed message in both languages.
-    static DataError verbatim(ErrorKind kind, const QString& message);
+    /// An error with a fixed message instead of a composed one; `finnish` if it differs.
+    static DataError verbatim(ErrorKind kind, const QString& message,
+                              const QString& finnish = QString());
 
     ErrorKind kind() const { return m_kind; }
     /// Table (or file) concerned; may be empty.

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "fuzz/fuzz.h"
-#include "tools/zavdb/csv.h"
+#include "platform/csv.h"
 
 namespace {
 
@@ -15,15 +15,15 @@ bool readAll(QByteArray bytes, Rows& rows) {
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
     try {
-        tools::CsvReader reader(buffer);
+        platform::CsvReader reader(buffer);
         while (reader.next()) {
             std::vector<QString> row(static_cast<size_t>(reader.fieldCount()));
             for (int i = 0; i < reader.fieldCount(); ++i)
-                if (!tools::decodeUtf8(reader.field(i), row[static_cast<size_t>(i)]))
+                if (!platform::decodeUtf8(reader.field(i), row[static_cast<size_t>(i)]))
                     return false;
             rows.push_back(std::move(row));
         }
-    } catch (const tools::CsvError&) {
+    } catch (const platform::CsvError&) {
         return false;
     }
     return true;
@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     QByteArray written;
     QBuffer buffer(&written);
     buffer.open(QIODevice::WriteOnly);
-    tools::CsvWriter writer(buffer);
+    platform::CsvWriter writer(buffer);
     for (const std::vector<QString>& row : rows) {
         for (const QString& field : row)
             writer.add(field);

@@ -8,7 +8,7 @@
 #include "data/error.h"
 #include "framework/core/definition_store.h"
 #include "fuzz/fuzz.h"
-#include "vatchange/definition/definition_problems.h"
+#include "vatchange/definition/definition_findings.h"
 #include "vatchange/rules/selection.h"
 #include "vatchange/rules/statements.h"
 
@@ -31,10 +31,12 @@ void useDefinition(const framework::SavedDefinition& saved) {
             loaded.findings.size());
     vatchange::ChangeDefinition& definition = loaded.definition;
     require(vatchange::applyLoadRules(definition).empty());
-    static const vatchange::CompanyFacts facts = {{{1, 3, 6}}, {{1, 2}}};
+    static const vatchange::CompanyFacts facts = {{{1, 3, 6}}, {{1, 2}}, {{1, 24.0}}};
     for (const vatchange::DefinitionProblem& problem : vatchange::definitionProblems(loaded, facts))
         require(!problem.reason.isEmpty());
-    vatchange::definitionNotes(loaded, facts);
+    for (const vatchange::DefinitionFinding& finding :
+         vatchange::definitionFindings(loaded, facts, {{{}, definition}}))
+        require(!finding.text.isEmpty());
     const bool allCustomers = definition.customerGroups.empty();
     vatchange::dropMissingGroups(definition, facts);
     require(definition.customerGroups.empty() == allCustomers);

@@ -192,6 +192,12 @@ open_form() { # company, switches; leaves the windows in $main and $form
     keys "$form" alt+l Down
 }
 
+# a scheduler that answers, and does nothing
+printf '#!/bin/sh\n' >$home/systemctl
+printf '#!/bin/sh\necho yes\n' >$home/loginctl
+chmod +x $home/systemctl $home/loginctl
+export PATH=$home:$PATH
+
 company Esimerkki esimerkki 2000
 company "Tukku Oy" tukku 40000
 # only products, so that the picture of a run shows products being changed
@@ -210,6 +216,10 @@ splash=$(window '^Taksavaihe 1.9')
 xdotool windowmove "$choice" 0 0 windowraise "$splash" windowmove "$splash" 800 400
 sleep 0.5
 shot splash "$splash"
+keys "$choice" alt+i
+dialog=$(window '^Yrityksen lis')
+shot add_company "$dialog"
+keys "$dialog" Escape
 end_program
 
 open_form Esimerkki
@@ -281,6 +291,18 @@ for _ in $(seq 50); do
     [ -s /srv/raportti.pdf ] && break
     sleep 0.2
 done
+end_program
+start_program Esimerkki /U
+main=$(window '^Alvluokkien ja hintojen muutokset$')
+keys "$main" Tab Tab Tab Tab Tab Tab Tab space
+dialog=$(window 'ajon ajastus$')
+shot schedule "$dialog"
+keys "$dialog" Escape
+keys "$main" Tab space
+log=$(window '^Loki - ')
+keys "$log" End
+shot log_window "$log"
+keys "$log" Escape
 end_program
 rm -f "$into"/report_*.png
 pdftoppm -r 75 -png /srv/raportti.pdf "/srv/tmp/report"

@@ -31,6 +31,7 @@ namespace {
 constexpr QSize kDefaultSize(640, 480);
 // Of the desktop around a window, at most.
 constexpr QSize kFrame(16, 48);
+constexpr int kFeedbackMs = 8000;
 
 const QString kPassive = QStringLiteral("passiivinen");
 
@@ -282,7 +283,10 @@ void TBtrHakuForm::Tallennus(bool withHeight) {
 }
 
 void TBtrHakuForm::TallennaClick(bool withHeight) {
-    guarded([&] { Tallennus(withHeight); });
+    if (!guarded([&] { Tallennus(withHeight); }))
+        return;
+    TilaLabel->setText(QStringLiteral("Asettelu talletettiin (FORMS.INI)"));
+    QTimer::singleShot(kFeedbackMs, TilaLabel, &QLabel::clear);
 }
 
 void TBtrHakuForm::columnMenu(const QPoint& place) {
@@ -358,8 +362,9 @@ void TBtrHakuForm::startRowDrag() {
     if (!record)
         return;
     auto* drag = new QDrag(DBGrid1);
-    drag->setMimeData(
-        dragData(DBGrid1->objectName(), GridRow(recordLayout(), *record).text(m_resultField)));
+    drag->setMimeData(dragData(DBGrid1->objectName(),
+                               GridRow(recordLayout(), *record).text(m_resultField),
+                               Hakutable->tableName()));
     const framework::CloseDeferral deferral(this);
     drag->exec(Qt::CopyAction);
 }

@@ -84,6 +84,7 @@ void SearchControls::create(QDialog& window) {
     Timer = make<QTimer>("Timer", &window);
     Timer->setInterval(kCompletionDelayMs);
     createNavigator(window);
+    TilaLabel = make<CutLabel>("TilaLabel", &window);
     RiviLabel = make<QLabel>("RiviLabel", &window);
     EhtoLabel = make<CutLabel>("EhtoLabel", &window);
     EhtoLabel->setTextFormat(Qt::PlainText);
@@ -143,7 +144,7 @@ void SearchControls::arrange(QDialog& window) {
     choices->addWidget(HakuLabel);
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(DBNavigator1);
-    bottom->addStretch();
+    bottom->addWidget(TilaLabel, 1);
     bottom->addWidget(RiviLabel);
     bottom->addSpacing(8);
     bottom->addWidget(Valitse);

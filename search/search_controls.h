@@ -47,6 +47,7 @@ struct SearchControls {
     QAction* nbNext;
     QAction* nbLast;
     QAction* nbRefresh;
+    QLabel* TilaLabel;  ///< what was saved, for some seconds
     QLabel* RiviLabel;  ///< number of rows
     QLabel* EhtoLabel;  ///< their restrictions; hidden without one, as the next
     QPushButton* PoistaRajaus;

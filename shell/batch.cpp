@@ -8,6 +8,7 @@
 namespace shell {
 
 const QString kAlreadyRunText = QStringLiteral("Taksavaihe on kertaalleen ajettu");
+const QString kDefinitionBegins = QStringLiteral("Aloitetaan muutos määrittelylle: ");
 const QString kErrorPrefix = QStringLiteral("Virhe: ");
 
 namespace {
@@ -45,8 +46,33 @@ class RunLock {
     const bool m_taken;
 };
 
-// Runs or resumes what is left of the batch. @return whether all of it succeeded
-bool runDefinitions(BatchProgress& batch, const BatchPorts& ports) {
+// Makes the backup that the list asks for. @return whether the batch may begin
+bool backedUp(const company::BatchSettings& settings, const BatchPorts& ports) {
+    if (settings.backupFolder.isEmpty())
+        return true;
+    const QString problem = ports.backup(settings.backupFolder);
+    if (!problem.isEmpty())
+        ports.changeLog(kErrorPrefix +
+                        QStringLiteral("eräajoa ei tehdä, koska varmuuskopio ei onnistunut: ") +
+                        problem);
+    return problem.isEmpty();
+}
+
+// Writes the report that the list asks for. @return whether it did not fail
+bool reported(const company::BatchSettings& settings, const BatchPorts& ports,
+              const BatchProgress& batch, const QStringList& refusals) {
+    if (!settings.report || ports.endRequested())
+        return true;
+    const QString problem = ports.report(batch.runs(), refusals);
+    if (!problem.isEmpty())
+        ports.changeLog(kErrorPrefix + QStringLiteral("eräajon raporttia ei voitu kirjoittaa: ") +
+                        problem);
+    return problem.isEmpty();
+}
+
+// Runs or resumes what is left of the batch. `refusals` gets why definitions were not run.
+// @return whether all of it succeeded
+bool runDefinitions(BatchProgress& batch, const BatchPorts& ports, QStringList& refusals) {
     bool clean = true;
     while (const BatchProgress::Definition* next = batch.next()) {
         if (ports.endRequested()) {
@@ -55,6 +81,7 @@ bool runDefinitions(BatchProgress& batch, const BatchPorts& ports) {
         }
         if (const QString problem = loadProblem(next->name, ports); !problem.isEmpty()) {
             ports.changeLog(problem);
+            refusals += problem;
             clean = false;
             if (next->resume != 0)
                 return false;
@@ -62,9 +89,11 @@ bool runDefinitions(BatchProgress& batch, const BatchPorts& ports) {
             continue;
         }
         if (next->resume == 0)
-            ports.changeLog(QStringLiteral("Aloitetaan muutos määrittelylle: ") + next->name);
+            ports.changeLog(kDefinitionBegins + next->name);
         const vatchange::RunResult result = ports.run({next->resume, batch.firstRun()});
         clean = clean && result.clean();
+        if (result.refused)
+            refusals += QStringLiteral("%1: %2").arg(next->name, result.refusal);
         const bool stays = next->resume != 0 && result.refused;
         batch.ended(result);
         // what follows may build on what the refused run has left undone
@@ -118,7 +147,7 @@ ExitStatus runBatch(const BatchSource& list, const BatchPorts& ports) {
         return ExitStatus::Done;
     }
     const RunLock lock(*ports.database);
-    if (!lock.taken()) {
+    if (!lock.taken() || ports.otherRunGoesOn()) {
         ports.changeLog(vatchange::kOtherRunText);
         return ExitStatus::Failed;
     }
@@ -130,10 +159,14 @@ ExitStatus runBatch(const BatchSource& list, const BatchPorts& ports) {
     if (!batch.continues()) {
         if (unfinished && isAlreadyRun(ports))  // it was given up, or another process finished it
             return ExitStatus::AlreadyRun;
+        if (!backedUp(list.settings, ports))
+            return ExitStatus::Failed;
         batch.begin();
     }
     ports.openForm();
-    const bool clean = runDefinitions(batch, ports);
+    QStringList refusals;
+    bool clean = runDefinitions(batch, ports, refusals);
+    clean = reported(list.settings, ports, batch, refusals) && clean;
     return clean && batch.stored() ? ExitStatus::Done : ExitStatus::Failed;
 }
 

@@ -23,6 +23,7 @@ enum class ExitStatus {
 /// The batch list as it was found.
 struct BatchSource {
     company::BatchList names;
+    company::BatchSettings settings;
     QString text;             ///< which file it is and what it holds, in Finnish
     bool unreadable = false;  ///< `text` says why
 };
@@ -46,6 +47,14 @@ struct BatchPorts {
     std::function<bool(const QString& definition)> load;
     /// Runs the definition in the form.
     std::function<vatchange::RunResult(const vatchange::RunOptions& options)> run;
+    /// Of a rehearsal, whose copy nobody else runs: whether a run of the company is going on.
+    std::function<bool()> otherRunGoesOn = [] { return false; };
+    /// Makes a checked backup into a folder. @return why that failed, in Finnish; empty if it did
+    /// not.
+    std::function<QString(const QString& folder)> backup;
+    /// Writes the report of the batch's runs. `notes`: why definitions were refused.
+    /// @return why that failed, in Finnish; empty if it did not.
+    std::function<QString(const std::vector<qint64>& runs, const QStringList& notes)> report;
     /// Whether the system has asked the program to end.
     std::function<bool()> endRequested;
     std::function<void(const QString& line)> generalLog;
@@ -56,13 +65,18 @@ struct BatchPorts {
 /// Shown or logged when a finished change is run again.
 extern const QString kAlreadyRunText;
 
+/// Begins the change log line before each new definition.
+extern const QString kDefinitionBegins;
+
 /// Prefix of change log lines about the program's own errors.
 extern const QString kErrorPrefix;
 
 /// Runs the definitions in list order and skips empty names. Which list it is goes to the general
 /// log, and to standard error if it holds nothing or cannot be read. A definition that fails or
 /// cannot be read does not stop the next ones; a name that is not saved stops all before the first.
-/// A cancelled run ends the batch.
+/// A cancelled run ends the batch. A backup that was asked for and fails refuses the batch; one is
+/// made when a batch begins, not when it is continued. The report is written at the end, unless the
+/// system has asked the program to end.
 ///
 /// Where the database keeps a journal, the batch is stored there until all its definitions are
 /// finished, and the company's run lock is held to its end. An unfinished batch is continued: its

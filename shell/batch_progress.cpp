@@ -129,6 +129,15 @@ void BatchProgress::ended(const vatchange::RunResult& result) {
     store();
 }
 
+std::vector<qint64> BatchProgress::runs() const {
+    std::vector<qint64> runs;
+    for (const vatchange::BatchDefinition& definition : m_batch.definitions) {
+        if (definition.run != 0)
+            runs.push_back(definition.run);
+    }
+    return runs;
+}
+
 void BatchProgress::store() {
     data::RunJournal* journal = m_ports.database->journal();
     if (journal == nullptr)

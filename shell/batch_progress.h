@@ -37,6 +37,8 @@ class BatchProgress {
 
     /// Number of the batch's first run; 0 if it has none yet.
     qint64 firstRun() const { return m_batch.firstRun(); }
+    /// The runs of the batch so far, also those of earlier starts.
+    std::vector<qint64> runs() const;
     /// Whether the journal has taken everything so far.
     bool stored() const { return m_stored; }
 

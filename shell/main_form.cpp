@@ -2,10 +2,9 @@
 
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QFileInfo>
+#include <QDir>
 #include <QTextStream>
 #include <QTimer>
-#include <QUrl>
 
 #include "company/company.h"
 #include "company/connection_module.h"
@@ -15,10 +14,12 @@
 #include "framework/core/definition_store.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/dialogs.h"
-#include "framework/ui/mail.h"
 #include "framework/ui/window_place.h"
 #include "platform/command_line.h"
 #include "platform/end_request.h"
+#include "shell/batch_papers.h"
+#include "shell/log/log_window.h"
+#include "shell/schedule/schedule_line.h"
 #include "vatchange/journal/run_notes.h"
 
 namespace shell {
@@ -44,6 +45,21 @@ QByteArray savedValues(const QString& name) {
     } catch (const data::DataError&) {
         return {};  // told when the batch loads it
     }
+}
+
+// Names that are not saved, in quotes; none if the saved definitions cannot be read, which the
+// window has told when it was filled.
+QStringList unknownNames(const company::BatchList& list) {
+    QStringList unknown;
+    try {
+        const framework::DefinitionStore definitions;
+        for (const QString& name : list)
+            if (!name.isEmpty() && !definitions.has(TAlvMuutosLomake::kFormName, name))
+                unknown.append(QStringLiteral("\"%1\"").arg(name));
+    } catch (const data::DataError&) {
+        return {};
+    }
+    return unknown;
 }
 
 }  // namespace
@@ -85,10 +101,12 @@ void TMainForm::readBatchList() {
     const QString fileName = company::batchListToRead();
     try {
         const company::BatchList list = company::readBatchList(fileName);
-        m_batch = {list, company::batchListText(fileName, list)};
+        m_batch = {list, company::readBatchSettings(fileName),
+                   company::batchListText(fileName, list)};
         showBatchList(list);
     } catch (const data::DataError& e) {
-        m_batch = {{}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
+        m_batch = {
+            {}, {}, QStringLiteral("Eräajon luetteloa ei voitu lukea: ") + e.finnish(), true};
         throw;
     }
     m_listRead = true;
@@ -119,6 +137,10 @@ void TMainForm::readVatClasses() {
 
 void TMainForm::showCompany() {
     m_company->setText(QStringLiteral("YRITYS: ") + company::currentCompany().name);
+    if (BatchMode)
+        return;
+    refreshLastRun();
+    m_scheduleLine->refresh();
 }
 
 company::BatchList TMainForm::batchList() const {
@@ -138,8 +160,11 @@ void TMainForm::openChangeForm() {
         m_changeForm = new TAlvMuutosLomake(company::companyDatabase());
         m_changeForm->Unattended = BatchMode;
         connect(m_changeForm, &TAlvMuutosLomake::closed, this, &TMainForm::changeFormClosed);
-        connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this,
-                [this](bool running) { setEnabled(!running); });
+        connect(m_changeForm, &TAlvMuutosLomake::runningChanged, this, [this](bool running) {
+            setEnabled(!running);
+            if (!running && !BatchMode)
+                refreshLastRun();
+        });
     }
     m_changeForm->show();
     m_changeForm->raise();
@@ -164,7 +189,7 @@ void TMainForm::BitBtn1Click() {
     }
     framework::reportErrors(this, [this] {
         if (alreadyRun())
-            framework::Dialogs::message(this, kAlreadyRunText);
+            framework::Dialogs::message(this, alreadyRunAdvice());
         else
             openChangeForm();
     });
@@ -201,9 +226,15 @@ ExitStatus TMainForm::runWholeBatch() {
         notRun.refused = true;
         return notRun;
     };
+    ports.backup = [](const QString& folder) {
+        return batchBackup(folder, platform::endRequested);
+    };
+    ports.report = batchReport;
     ports.generalLog = company::writeGeneralLog;
     ports.standardError = [](const QString& line) { QTextStream(stderr) << line << '\n'; };
     ports.changeLog = company::WriteAlvMuutosLog;
+    if (Rehearsal != nullptr)
+        Rehearsal->adapt(ports);
     m_batch.names = batchList();
     const qint64 lostBefore = company::lostChangeLogLines().count;
     const ExitStatus status = runBatch(m_batch, ports);
@@ -225,6 +256,8 @@ void TMainForm::runBatchAndLeave() {
             return;  // leave the windows to the user at the screen
         }
     }
+    if (Rehearsal != nullptr && !Rehearsal->finish() && m_exitStatus == ExitStatus::Done)
+        m_exitStatus = ExitStatus::Failed;
     if (m_exitStatus == ExitStatus::Failed && !m_problems.isEmpty())
         QTextStream(stderr) << m_problems.join(QLatin1Char('\n')) << '\n';
     else if (m_exitStatus == ExitStatus::AlreadyRun)
@@ -235,11 +268,12 @@ void TMainForm::runBatchAndLeave() {
 }
 
 void TMainForm::BtnLogClick() {
-    // The desktop reports a missing log.
-    const QString fileName = company::AlvMuutosLogName();
-    if (!framework::Desktop::instance().open(
-            QUrl::fromLocalFile(QFileInfo(fileName).absoluteFilePath())))
-        framework::Dialogs::error(this, QStringLiteral("Lokia ei voitu avata: ") + fileName);
+    if (m_logWindow == nullptr)
+        m_logWindow = std::make_unique<LogWindow>();
+    m_logWindow->reload();
+    m_logWindow->show();
+    m_logWindow->raise();
+    m_logWindow->activateWindow();
 }
 
 void TMainForm::TalletaClick() {
@@ -250,8 +284,21 @@ void TMainForm::TalletaClick() {
                       company::batchListToRead());
         return;
     }
-    framework::reportErrors(
-        this, [this] { company::writeBatchList(company::AlvMuutosIniName(), batchList()); });
+    framework::reportErrors(this, [this] {
+        const company::BatchList list = batchList();
+        const QStringList unknown = unknownNames(list);
+        if (!unknown.isEmpty() &&
+            !framework::Dialogs::ask(
+                this,
+                QStringLiteral("Määrittelyä ei ole: %1. Eräajo, jonka luettelossa on tällainen "
+                               "nimi, ei aja mitään.\rTalletetaanko luettelo silti?")
+                    .arg(unknown.join(QStringLiteral(", ")))))
+            return;
+        const QString fileName = company::AlvMuutosIniName();
+        company::writeBatchList(fileName, list);
+        showFeedback(QStringLiteral("Eräajon luettelo talletettiin: ") +
+                     QDir::toNativeSeparators(fileName));
+    });
 }
 
 void TMainForm::Button1Click() {
@@ -280,6 +327,7 @@ void TMainForm::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    m_logWindow.reset();
     QWidget::closeEvent(event);
     QCoreApplication::exit(static_cast<int>(m_exitStatus));
 }

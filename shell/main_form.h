@@ -7,12 +7,17 @@
 #include <QPushButton>
 #include <QWidget>
 #include <array>
+#include <memory>
 
 #include "company/batch_list.h"
 #include "shell/batch.h"
+#include "shell/rehearsed_batch.h"
 #include "vatchange/form/change_form.h"
 
 namespace shell {
+
+class LogWindow;
+class ScheduleLine;
 
 /// The main window: VAT classes, batch list, and buttons for the change form, the change log and
 /// the run mark. With "/E" it runs the batch and exits.
@@ -24,6 +29,8 @@ class TMainForm : public QWidget {
 
     /// Set before show(), which then starts the batch.
     bool BatchMode = false;
+    /// Set before show() if the batch is rehearsed.
+    RehearsedBatch* Rehearsal = nullptr;
 
     /// Fills the window: definition names, batch list, VAT classes. Called again when the change
     /// form closes; the names are then added once more to Maar2..Maar4, and VAT class labels are
@@ -38,6 +45,17 @@ class TMainForm : public QWidget {
     void TalletaClick();
     void Button1Click();
 
+    void scheduleClick();
+    void removeScheduleClick();
+    void companiesClick();
+
+    void historyClick();
+    void backupClick();
+    void restoreClick();
+
+    /// Shows in the window what was done and where; replaces the previous text.
+    void showFeedback(const QString& text);
+
     company::BatchList batchList() const;
     vatchange::TAlvMuutosLomake* changeForm() const { return m_changeForm; }
 
@@ -49,8 +67,16 @@ class TMainForm : public QWidget {
     void buildLayout();
     QGroupBox* buildBatchPart();
     QGroupBox* buildClassPart();
+    QLayout* buildHead();
+    QLayout* buildStatus();
     QLayout* buildButtons();
     QLayout* buildFoot();
+    QPushButton* buildHistoryButton();
+    QPushButton* buildBackupButton();
+    /// Shows what was last done in this company and how it ended.
+    void refreshLastRun();
+    /// That the change has been run, when, and what can be done.
+    static QString alreadyRunAdvice();
     void readNames();
     void readBatchList();
     void showBatchList(const company::BatchList& list);
@@ -65,6 +91,13 @@ class TMainForm : public QWidget {
     std::array<QLabel*, 4> m_rateLabels{};
     QLabel* m_company = nullptr;
     QPushButton* m_open = nullptr;
+    QPushButton* m_schedule = nullptr;
+    QPushButton* m_history = nullptr;
+    QLabel* m_lastRun = nullptr;
+    QPushButton* m_companies = nullptr;
+    ScheduleLine* m_scheduleLine = nullptr;
+    QLabel* m_feedback = nullptr;
+    std::unique_ptr<LogWindow> m_logWindow;  ///< no child: it stays usable during a run
     QPointer<vatchange::TAlvMuutosLomake> m_changeForm;
     QStringList m_problems;   ///< what alusta() could not read
     BatchSource m_batch;      ///< the list as alusta() found it

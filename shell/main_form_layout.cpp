@@ -17,7 +17,7 @@ constexpr int kMargin = 14;
 constexpr int kGap = 10;
 constexpr int kCardMargin = 12;
 constexpr int kRowHeight = 28;
-constexpr int kButtonWidth = 140;
+constexpr int kButtonWidth = 112;  // six in a row fit 1366 pixels at 150 %
 constexpr int kDefinitionCharacters = 24;
 
 QLabel* heading(const QString& text, const QString& objectName, QWidget* parent) {
@@ -107,6 +107,11 @@ QLayout* TMainForm::buildButtons() {
     m_open = new QPushButton(QStringLiteral("Alvmuutokset"), this);
     m_open->setObjectName(QStringLiteral("BitBtn1"));
     m_open->setDefault(true);
+    QPushButton* history = buildHistoryButton();
+    m_schedule = new QPushButton(QStringLiteral("Ajasta..."), this);
+    m_schedule->setObjectName(QStringLiteral("Ajasta"));
+    m_schedule->setToolTip(
+        QStringLiteral("Käynnistää eräajon tai sen koeajon itsestään valittuna hetkenä"));
     auto* log = new QPushButton(QStringLiteral("Avaa loki"), this);
     log->setObjectName(QStringLiteral("BtnLog"));
     auto* removeMark = new QPushButton(QStringLiteral("Poista\najomerkintä"), this);
@@ -116,12 +121,13 @@ QLayout* TMainForm::buildButtons() {
     connect(m_open, &QPushButton::clicked, this, &TMainForm::BitBtn1Click);
     connect(log, &QPushButton::clicked, this, &TMainForm::BtnLogClick);
     connect(removeMark, &QPushButton::clicked, this, &TMainForm::Button1Click);
+    connect(m_schedule, &QPushButton::clicked, this, &TMainForm::scheduleClick);
     connect(leave, &QPushButton::clicked, this, &QWidget::close);
 
     auto* buttons = new QHBoxLayout;
     buttons->setSpacing(kGap);
     const int height = removeMark->sizeHint().height();
-    for (QPushButton* button : {m_open, log, removeMark, leave}) {
+    for (QPushButton* button : {m_open, history, m_schedule, log, removeMark, leave}) {
         button->setAutoDefault(true);  // Enter presses the focused button
         button->setMinimumSize(kButtonWidth, height);
         buttons->addWidget(button, 1);
@@ -130,26 +136,21 @@ QLayout* TMainForm::buildButtons() {
 }
 
 void TMainForm::buildLayout() {
-    m_company = new QLabel(QStringLiteral("Yritys"), this);
-    m_company->setObjectName(QStringLiteral("Yritys"));
-    m_company->setTextFormat(Qt::PlainText);
-    m_company->setWordWrap(true);
-    QFont large = m_company->font();
-    large.setPointSizeF(large.pointSizeF() * 1.4);
-    large.setBold(true);
-    m_company->setFont(large);
-
     auto* cards = new QHBoxLayout;
     cards->setSpacing(kGap);
     cards->addWidget(buildBatchPart(), 3);
     cards->addWidget(buildClassPart(), 2);
 
+    // made in the order of the Tab key
+    QLayout* buttons = buildButtons();
+    QLayout* head = buildHead();
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(kMargin, kMargin, kMargin, kGap);
     column->setSpacing(kGap);
-    column->addWidget(m_company);
+    column->addLayout(head);
     column->addLayout(cards, 1);
-    column->addLayout(buildButtons());
+    column->addLayout(buildStatus());
+    column->addLayout(buttons);
     column->addLayout(buildFoot());
     framework::describeByHints(*this);
 }

@@ -10,6 +10,7 @@
 #include "company/company.h"
 #include "company/connection_module.h"
 #include "company/logs.h"
+#include "company/registration.h"
 #include "data/error.h"
 #include "framework/ui/company_choice.h"
 #include "framework/ui/dialogs.h"
@@ -23,6 +24,9 @@
 #include "shell/display_guard.h"
 #include "shell/main_form.h"
 #include "shell/program_title.h"
+#include "shell/rehearsed_batch.h"
+#include "shell/schedule/schedule_note.h"
+#include "shell/schedule/scheduled_start.h"
 
 namespace shell {
 
@@ -34,10 +38,12 @@ constexpr int kSplashProgressAtStart = 20;
 const QString kHelp = QStringLiteral(
     "Taksavaihe - alv-luokkien ja hintojen muutokset\n"
     "\n"
-    "Käyttö: taksavaihe [YRITYS] [/E] [/U] [/EP]\n"
+    "Käyttö: taksavaihe [YRITYS] [/E] [/KOEAJO] [/U] [/EP]\n"
     "\n"
     "  YRITYS            yrityksen nimi; ilman sitä yritys valitaan luettelosta\n"
     "  /E                eräajo: ajaa talletetut määrittelyt ilman käyttäjää ja lopettaa\n"
+    "  /KOEAJO           valitsimen /E kanssa: ajaa määrittelyt yrityksen kopiolla ja jättää\n"
+    "                    tulokset yrityksen kansioon KOEAJO; yrityksen tiedot eivät muutu\n"
     "  /U                ajaa muutoksen, vaikka se on jo kertaalleen ajettu\n"
     "  /EP               jättää päivämäärän tarkastuksen tekemättä\n"
     "  /unimonitor       jäljittää kaikki SQL-lauseet\n"
@@ -65,12 +71,15 @@ int fail(ExitStatus status, const QString& text) {
 
 // Unknown switches, as typed. A batch must not run with one: it would ignore what was requested.
 QStringList unknownSwitches() {
-    static constexpr std::array kKnown = {
-        "/E", "/U", "/EP", "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
+    static constexpr std::array kKnown = {"/E",          "/KOEAJO",        "/U",          "/EP",
+                                          "/unimonitor", "/uniquerydebug", "/UNIDACDEBUG"};
+    const bool unattended = platform::hasSwitch(QStringLiteral("/E"));
     QStringList unknown;
     for (const QString& parameter : platform::parameters()) {
         const bool isSwitch =
             parameter.startsWith(QLatin1Char('/')) || parameter.startsWith(QLatin1Char('-'));
+        if (unattended && scheduledMoment(parameter).isValid())
+            continue;
         if (isSwitch && std::none_of(kKnown.begin(), kKnown.end(), [&](const char* known) {
                 return platform::sameSwitch(parameter, QLatin1String(known));
             }))
@@ -108,13 +117,20 @@ enum class Choice { Made, Cancelled, Impossible };
 
 Choice chooseCompany() {
     framework::TYritysValinta choice;
-    if (choice.OnParametrina())
+    const bool interactive = !platform::hasSwitch(QStringLiteral("/E"));
+    if (choice.OnParametrina()) {
+        if (interactive)
+            company::rememberUse(company::currentCompany().name);
         return Choice::Made;
-    if (platform::hasSwitch(QStringLiteral("/E"))) {
+    }
+    if (!interactive) {
         company::aliasNames();  // throws if the list is not to be read: the company may be there
         return Choice::Impossible;
     }
-    return choice.exec() == QDialog::Accepted ? Choice::Made : Choice::Cancelled;
+    if (choice.exec() != QDialog::Accepted)
+        return Choice::Cancelled;
+    company::rememberUse(company::currentCompany().name);
+    return Choice::Made;
 }
 
 }  // namespace
@@ -161,7 +177,9 @@ bool preparePlatform(const QStringList& parameters, QString& problem) {
 #endif
 }
 
-int runProgram(QApplication& application) {
+namespace {
+
+int start(QApplication& application, ScheduledStart& scheduled) {
     const bool batch = platform::hasSwitch(QStringLiteral("/E"));
     if (batch) {
         platform::watchEndRequests();
@@ -181,6 +199,11 @@ int runProgram(QApplication& application) {
         if (batch)
             return status;
     }
+    const bool rehearsed = platform::hasSwitch(QStringLiteral("/KOEAJO"));
+    if (rehearsed && !batch)
+        return fail(ExitStatus::Unavailable,
+                    QStringLiteral("Valitsin /KOEAJO tarvitsee valitsimen /E. Lomakkeella koeajo "
+                                   "on painike \"Koeajo...\"."));
     if (!batch && !framework::Dialogs::isInteractive())
         return fail(ExitStatus::Unavailable,
                     QStringLiteral("Ohjelman ikkunoita ei näkisi kukaan (näyttöalusta %1). ")
@@ -211,6 +234,21 @@ int runProgram(QApplication& application) {
         return refuse(ExitStatus::Unavailable, data::errorText(e));
     }
     splash->repaint();
+    if (const QString refusal = scheduled.refusal(); !refusal.isEmpty()) {
+        // a rehearsal leaves nothing in the company's logs
+        if (!rehearsed)
+            company::writeGeneralLog(refusal);
+        return fail(ExitStatus::Failed, refusal);
+    }
+
+    vatchange::removeAbandonedCopies();
+    std::unique_ptr<RehearsedBatch> rehearsal;
+    if (rehearsed) {
+        ExitStatus status = ExitStatus::Failed;
+        rehearsal = RehearsedBatch::begin(status);
+        if (!rehearsal)
+            return static_cast<int>(status);
+    }
 
     try {
         company::companyDatabase();
@@ -221,6 +259,7 @@ int runProgram(QApplication& application) {
 
     TMainForm mainForm;
     mainForm.BatchMode = batch;
+    mainForm.Rehearsal = rehearsal.get();
     const QStringList problems = mainForm.alusta();
     if (!problems.isEmpty() && !batch) {  // a batch reports them after checking the run mark
         splash.reset();
@@ -231,6 +270,15 @@ int runProgram(QApplication& application) {
     mainForm.showCompany();
     mainForm.show();
     return application.exec();
+}
+
+}  // namespace
+
+int runProgram(QApplication& application) {
+    ScheduledStart scheduled(wantedCompany());
+    const int status = start(application, scheduled);
+    scheduled.ended(status);
+    return status;
 }
 
 }  // namespace shell

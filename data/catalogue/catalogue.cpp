@@ -18,9 +18,9 @@ constexpr quint32 kAutoIncrementKindWord = 29 << 16 | static_cast<quint32>(Kind:
 constexpr int kConstraintRow = 227;
 constexpr int kKeyNameRow = 255;
 
-[[noreturn]] void damaged(const QString& table, const QString& detail) {
+[[noreturn]] void damaged(const QString& table, const QString& detail, const QString& finnish) {
     throw DataError(ErrorKind::Damaged, table, QStringLiteral("catalogue: ") + detail)
-        .inFinnish(QStringLiteral("tietokannan hakemisto kuvaa taulun väärin (%1)").arg(detail));
+        .inFinnish(QStringLiteral("tietokannan hakemisto kuvaa taulun väärin (%1)").arg(finnish));
 }
 
 // The fields of one catalogue table by name.
@@ -76,9 +76,11 @@ Catalogue::Catalogue(const Rows& rows) {
             entry.location = row.text(location, record);
             if (!byNumber.emplace(entry.number, m_files.size()).second)
                 damaged(entry.name,
-                        QStringLiteral("two tables have the number %1").arg(entry.number));
+                        QStringLiteral("two tables have the number %1").arg(entry.number),
+                        QStringLiteral("numero %1 on kahdella taululla").arg(entry.number));
             if (m_byName.contains(foldedName(entry.name)))
-                damaged(entry.name, QStringLiteral("the table is listed twice"));
+                damaged(entry.name, QStringLiteral("the table is listed twice"),
+                        QStringLiteral("taulu on kahdesti"));
             m_byName.insert(foldedName(entry.name), m_files.size());
             m_files.push_back(std::move(entry));
         });
@@ -191,7 +193,8 @@ TFieldCacheItem Catalogue::fieldItem(const FieldRow& row, int number, const QStr
             if (row.decimals > 7)
                 damaged(
                     table,
-                    QStringLiteral("field %1 is bit %2 of a byte").arg(row.name).arg(row.decimals));
+                    QStringLiteral("field %1 is bit %2 of a byte").arg(row.name).arg(row.decimals),
+                    QStringLiteral("kenttä %1 on tavun bitti %2").arg(row.name).arg(row.decimals));
             item.mask = static_cast<quint16>(1 << row.decimals);
             return item;
         case Storage::Note:
@@ -217,9 +220,9 @@ TFieldCacheItem Catalogue::fieldItem(const FieldRow& row, int number, const QStr
         case Storage::Real48:
             break;
     }
-    damaged(
-        table,
-        QStringLiteral("field %1 has the unknown data type %2").arg(row.name).arg(row.dataType));
+    damaged(table,
+            QStringLiteral("field %1 has the unknown data type %2").arg(row.name).arg(row.dataType),
+            QStringLiteral("kentän %1 tyyppi %2 on tuntematon").arg(row.name).arg(row.dataType));
 }
 
 std::vector<KeyDef> Catalogue::keysOf(const FileEntry& entry) {
@@ -227,16 +230,19 @@ std::vector<KeyDef> Catalogue::keysOf(const FileEntry& entry) {
     for (const IndexRow& row : entry.segments) {
         if (keys.empty() || keys.back().number != row.number) {
             if (row.number != static_cast<int>(keys.size()))
-                damaged(entry.name, QStringLiteral("key %1 is missing").arg(keys.size()));
+                damaged(entry.name, QStringLiteral("key %1 is missing").arg(keys.size()),
+                        QStringLiteral("avain %1 puuttuu").arg(keys.size()));
             keys.push_back({row.number, (row.flags & kDuplicates) == 0, {}});
         }
         const auto field =
             std::find_if(entry.fields.begin(), entry.fields.end(),
                          [&row](const FieldRow& candidate) { return candidate.id == row.field; });
         if (field == entry.fields.end())
-            damaged(entry.name, QStringLiteral("key %1 has a segment of the unknown field %2")
-                                    .arg(row.number)
-                                    .arg(row.field));
+            damaged(entry.name,
+                    QStringLiteral("key %1 has a segment of the unknown field %2")
+                        .arg(row.number)
+                        .arg(row.field),
+                    QStringLiteral("avaimen %1 kenttää %2 ei ole").arg(row.number).arg(row.field));
         keys.back().segments.push_back({static_cast<int>(field - entry.fields.begin()),
                                         (row.flags & kIgnoreCase) != 0,
                                         (row.flags & kDescending) != 0});
@@ -249,7 +255,8 @@ TableDescription Catalogue::describe(const QString& tableName, int recordLength)
     if (found != m_byName.constEnd()) {
         const FileEntry& entry = m_files[*found];
         if (entry.fields.empty())
-            damaged(entry.name, QStringLiteral("the table has no fields"));
+            damaged(entry.name, QStringLiteral("the table has no fields"),
+                    QStringLiteral("taululla ei ole kenttiä"));
         std::vector<TFieldCacheItem> items;
         for (const FieldRow& row : entry.fields)
             items.push_back(fieldItem(row, static_cast<int>(items.size()) + 1, entry.name));

@@ -15,6 +15,9 @@ namespace data {
 
 namespace {
 
+const QString kRemedy =
+    QStringLiteral("Tee sanakirja uudelleen komennolla \"zavdb dictionary\" tai poista tiedosto.");
+
 const QString kProgramFolder = QStringLiteral(":/program/dictionary");
 const QString kDataFolder = QStringLiteral(":/data/dictionary");
 
@@ -74,7 +77,11 @@ class BlockCursor {
             throw DataError(ErrorKind::Damaged, m_tableName,
                             QStringLiteral("the compiled dictionary breaks off at byte %1 of %2")
                                 .arg(m_at)
-                                .arg(m_block.size()));
+                                .arg(m_block.size()))
+                .inFinnish(QStringLiteral("sanakirja katkeaa tavuun %1, pituus %2")
+                               .arg(m_at)
+                               .arg(m_block.size()),
+                           kRemedy);
         const char* bytes = m_block.constData() + m_at;
         m_at += count;
         return bytes;
@@ -116,7 +123,8 @@ Module splitModule(const QByteArray& bytes, const QString& fileName) {
             const auto signature = bytes.indexOf(kEndSignature, cursor.position());
             if (signature < 0)
                 throw DataError(ErrorKind::Damaged, fileName,
-                                QStringLiteral("the dictionary of %1 has no end").arg(name));
+                                QStringLiteral("the dictionary of %1 has no end").arg(name))
+                    .inFinnish(QStringLiteral("taulun %1 sanakirja on kesken").arg(name), kRemedy);
             end = signature + kEndSignature.size();
         }
         blocks.insert(name.toUpper(), bytes.mid(start, end - start));

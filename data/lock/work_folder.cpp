@@ -51,7 +51,9 @@ void removeWorkFolder(const QString& path, std::unique_ptr<LockFile> lock) {
     QDir().rmdir(path);
 }
 
-void removeAbandoned(const QString& folder) {
+}  // namespace
+
+void removeAbandonedWorkFolders(const QString& folder) {
     const QStringList names = QDir(folder).entryList(
         {kNamesOfAll}, QDir::Dirs | QDir::Hidden | QDir::NoSymLinks | QDir::NoDotAndDotDot);
     for (const QString& name : names) {
@@ -63,10 +65,8 @@ void removeAbandoned(const QString& folder) {
     }
 }
 
-}  // namespace
-
 WorkFolder::WorkFolder(const QString& folder) {
-    removeAbandoned(folder);
+    removeAbandonedWorkFolders(folder);
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         QTemporaryDir made(QDir(folder).filePath(kPattern));
         if (!made.isValid())

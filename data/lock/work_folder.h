@@ -26,4 +26,7 @@ class WorkFolder {
     std::unique_ptr<LockFile> m_lock;
 };
 
+/// Removes the work folders in a folder whose processes have died.
+void removeAbandonedWorkFolders(const QString& folder);
+
 }  // namespace data

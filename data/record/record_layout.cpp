@@ -70,14 +70,24 @@ RecordLayout::RecordLayout(QString tableName, std::vector<TFieldCacheItem> field
                                 .arg(field.kindWord)
                                 .arg(static_cast<int>(field.storage))
                                 .arg(field.storedLength)
-                                .arg(field.mask));
+                                .arg(field.mask))
+                .inFinnish(QStringLiteral("kenttä %1: sellaista kenttää ei voi olla (laji %2, "
+                                          "tallennus %3, pituus %4)")
+                               .arg(field.name)
+                               .arg(field.kindWord)
+                               .arg(static_cast<int>(field.storage))
+                               .arg(field.storedLength));
         const int fieldEnd = field.offset + field.storedLength;
         if (recordLength > 0 && fieldEnd > recordLength)
             throw DataError(ErrorKind::Damaged, m_tableName,
                             QStringLiteral("field %1 ends at byte %2 of a record of %3 bytes")
                                 .arg(field.name)
                                 .arg(fieldEnd)
-                                .arg(recordLength));
+                                .arg(recordLength))
+                .inFinnish(QStringLiteral("kenttä %1 päättyy tavuun %2, tietueessa on %3 tavua")
+                               .arg(field.name)
+                               .arg(fieldEnd)
+                               .arg(recordLength));
         end = std::max(end, fieldEnd);
     }
     if (m_recordLength <= 0)

@@ -19,12 +19,32 @@ namespace {
 
 // Of a table that is damaged all over, the first records say enough.
 constexpr int kMaxLinesPerTable = 100;
+// Between two calls of the progress, in steps of SQLite's virtual machine: some milliseconds.
+constexpr int kStepsPerCall = 20000;
 
 class Checker {
   public:
-    explicit Checker(const QString& file) : m_connection(file, Connection::Schema::Any) {}
+    Checker(const QString& file, const std::function<bool(qint64, qint64)>& progress)
+        : m_connection(file, Connection::Schema::Any), m_progress(progress) {
+        if (m_progress)
+            sqlite3_progress_handler(m_connection.db(), kStepsPerCall, &Checker::goesOn, this);
+    }
+    ~Checker() { sqlite3_progress_handler(m_connection.db(), 0, nullptr, nullptr); }
+    Checker(const Checker&) = delete;
+    Checker& operator=(const Checker&) = delete;
 
-    QStringList run() {
+    /// @return nothing if the check was cancelled.
+    std::optional<QStringList> run() {
+        const QStringList lines = findings();
+        if (m_failure)
+            std::rethrow_exception(m_failure);
+        if (m_cancelled)
+            return std::nullopt;
+        return lines;
+    }
+
+  private:
+    QStringList findings() {
         try {
             checkPages();
         } catch (const DataError& error) {  // too damaged to list the tables; continue
@@ -34,7 +54,9 @@ class Checker {
             m_lines.append(QStringLiteral("database file: %1").arg(line));
         const QStringList listed = m_connection.catalogue().tableNames();
         QSet<QString> stored = storedTables(m_connection.db());
+        m_tables = listed.size();
         for (const QString& name : listed) {
+            ++m_tablesDone;
             if (!stored.remove(foldedName(name))) {
                 m_lines.append(
                     QStringLiteral("%1: listed in the catalogue, but not stored").arg(name));
@@ -50,7 +72,20 @@ class Checker {
         return m_lines;
     }
 
-  private:
+    // Called by SQLite in the middle of a statement: a result other than 0 interrupts it.
+    static int goesOn(void* self) {
+        auto* checker = static_cast<Checker*>(self);
+        try {
+            if (!checker->m_cancelled)
+                checker->m_cancelled =
+                    !checker->m_progress(checker->m_tablesDone, checker->m_tables);
+        } catch (...) {
+            checker->m_failure = std::current_exception();
+            checker->m_cancelled = true;
+        }
+        return checker->m_cancelled ? 1 : 0;
+    }
+
     // The indexes of the keys are compared with the records below, all of them and not up to a
     // number of errors in the whole file; those of the engine's own tables here.
     void checkPages() {
@@ -162,6 +197,11 @@ class Checker {
     }
 
     Connection m_connection;
+    const std::function<bool(qint64, qint64)>& m_progress;
+    qint64 m_tables = 0;
+    qint64 m_tablesDone = 0;
+    bool m_cancelled = false;
+    std::exception_ptr m_failure;
     QStringList m_lines;
     int m_linesOfTable = 0;
 };
@@ -171,12 +211,17 @@ class Checker {
 }  // namespace embedded
 
 QStringList checkEmbedded(const QString& folder) {
+    return *checkEmbedded(folder, {});
+}
+
+std::optional<QStringList> checkEmbedded(const QString& folder,
+                                         const std::function<bool(qint64, qint64)>& progress) {
     try {
-        return embedded::Checker(embedded::companyFile(folder)).run();
+        return embedded::Checker(embedded::companyFile(folder), progress).run();
     } catch (const DataError& error) {
         if (error.kind() != ErrorKind::Damaged)
             throw;
-        return {error.english()};
+        return QStringList{error.english()};
     }
 }
 

@@ -44,6 +44,17 @@ void requireOneName(const QString& fileName) {
             QStringLiteral("Poista muut nimet tai korvaa ne symbolisilla linkeillä."));
 }
 
+// A backup may have been restored between opening the file and its first lock.
+void requireSameFile(sqlite3* db, const QString& fileName) {
+    int moved = 0;
+    sqlite3_file_control(db, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+    if (moved != 0)
+        throw DataError(ErrorKind::Locked, fileName,
+                        QStringLiteral("the database is being replaced; try again"))
+            .inFinnish(QStringLiteral("tietokanta vaihdettiin juuri toiseen"),
+                       QStringLiteral("Yritä uudestaan."));
+}
+
 bool isInternalName(const char* name) {
     return name != nullptr &&
            (sqlite3_strnicmp(name, "rec_", 4) == 0 || sqlite3_strnicmp(name, "sqlite_", 7) == 0 ||
@@ -51,6 +62,29 @@ bool isInternalName(const char* name) {
 }
 
 }  // namespace
+
+void requireCompanyFile(sqlite3* db, const QString& fileName) {
+    requireOneName(fileName);
+    if (pragma(db, "application_id", fileName) != kApplicationId)
+        throw DataError(ErrorKind::Damaged, fileName,
+                        QStringLiteral("not a company database of this program"))
+            .inFinnish(QStringLiteral("tiedosto ei ole tämän ohjelman yritystietokanta"));
+    const qint64 version = pragma(db, "user_version", fileName);
+    if (version > kFormatVersion)
+        throw DataError(ErrorKind::Engine, fileName,
+                        QStringLiteral("format version %1 is newer than this program's %2")
+                            .arg(version)
+                            .arg(kFormatVersion))
+            .inFinnish(
+                QStringLiteral("tietokannan muoto %1 on uudempi kuin tämän ohjelman muoto %2")
+                    .arg(version)
+                    .arg(kFormatVersion),
+                QStringLiteral("Ota käyttöön ohjelman uudempi versio."));
+    if (version < 1)
+        throw DataError(ErrorKind::Damaged, fileName,
+                        QStringLiteral("unknown format version %1").arg(version))
+            .inFinnish(QStringLiteral("tietokannan muoto %1 on tuntematon").arg(version));
+}
 
 Connection::InternalUse::InternalUse(Connection& connection)
     : m_connection(connection), m_previous(std::exchange(connection.m_checksNames, false)) {}
@@ -63,7 +97,7 @@ Connection::Connection(const QString& fileName, Schema schema) : m_fileName(file
     if (!QFileInfo::exists(fileName))
         throw DataError(ErrorKind::NoConnection, fileName, QStringLiteral("no such file"))
             .inFinnish(QStringLiteral("tiedostoa ei ole"));
-    requireOneName(fileName);
+    requireOneName(fileName);  // before anything is opened
     m_handle = SqliteHandle(fileName, SqliteHandle::Mode::ReadWrite);
     m_db = m_handle.get();
     checkFile();
@@ -74,6 +108,7 @@ Connection::Connection(const QString& fileName, Schema schema) : m_fileName(file
         m_db, m_fileName, "PRAGMA user_version = " + QByteArray::number(kFormatVersion),
         [this] { return m_locks->runGoesOn(); });
     configure();
+    requireSameFile(m_db, fileName);
 }
 
 Connection::Connection(sqlite3* host)
@@ -103,28 +138,9 @@ QString Connection::lockFileName(const QString& fileName) {
 }
 
 void Connection::checkFile() {
-    sqlite3* db = m_db;
-    sqlite3_busy_timeout(db, kBusyTimeoutMs);
-    if (pragma(db, "application_id", m_fileName) != kApplicationId)
-        throw DataError(ErrorKind::Damaged, m_fileName,
-                        QStringLiteral("not a company database of this program"))
-            .inFinnish(QStringLiteral("tiedosto ei ole tämän ohjelman yritystietokanta"));
-    const qint64 version = pragma(db, "user_version", m_fileName);
-    if (version > kFormatVersion)
-        throw DataError(ErrorKind::Engine, m_fileName,
-                        QStringLiteral("format version %1 is newer than this program's %2")
-                            .arg(version)
-                            .arg(kFormatVersion))
-            .inFinnish(
-                QStringLiteral("tietokannan muoto %1 on uudempi kuin tämän ohjelman muoto %2")
-                    .arg(version)
-                    .arg(kFormatVersion),
-                QStringLiteral("Ota käyttöön ohjelman uudempi versio."));
-    if (version < 1)
-        throw DataError(ErrorKind::Damaged, m_fileName,
-                        QStringLiteral("unknown format version %1").arg(version))
-            .inFinnish(QStringLiteral("tietokannan muoto %1 on tuntematon").arg(version));
-    if (sqlite3_db_readonly(db, "main") == 1)
+    sqlite3_busy_timeout(m_db, kBusyTimeoutMs);
+    requireCompanyFile(m_db, m_fileName);
+    if (sqlite3_db_readonly(m_db, "main") == 1)
         throw DataError(ErrorKind::ReadOnly, m_fileName, QStringLiteral("the file is read-only"))
             .inFinnish(QStringLiteral("tiedosto on vain luettavissa"));
 }

@@ -29,6 +29,10 @@ inline constexpr int kApplicationId = 0x5A444231;
 inline constexpr int kNewFormatVersion = 1;
 inline constexpr int kFormatVersion = 2;
 
+/// Refuses a file that is no company database or has a newer format, or that has several hard
+/// links. @throws DataError(Damaged, Engine) naming the file.
+void requireCompanyFile(sqlite3* db, const QString& fileName);
+
 /// One connection to a company's database, with what its users share: the catalogue, open tables,
 /// record locks and the cache of SQL statements. SQL uses it through the virtual table module.
 class Connection {

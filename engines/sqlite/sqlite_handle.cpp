@@ -44,7 +44,38 @@ bool startsWith(const char* text, const char* prefix) {
     return text != nullptr && std::strncmp(text, prefix, std::strlen(prefix)) == 0;
 }
 
-/// Adds Finnish texts to file errors; SQLite's own messages are English.
+/// SQLite's messages about statements in Finnish; empty for rare ones.
+QString statementText(const QString& message) {
+    struct Text {
+        QLatin1String beginning;
+        QString finnish;  ///< "%1": what follows the beginning
+    };
+    static const Text kTexts[] = {
+        {QLatin1String("no such table: "), QStringLiteral("taulua %1 ei ole")},
+        {QLatin1String("no such column: "), QStringLiteral("saraketta %1 ei ole")},
+        {QLatin1String("no such function: "), QStringLiteral("funktiota %1 ei ole")},
+        {QLatin1String("ambiguous column name: "), QStringLiteral("sarake %1 on useassa taulussa")},
+        {QLatin1String("unrecognized token: "), QStringLiteral("tuntematon merkintä %1")},
+        {QLatin1String("incomplete input"), QStringLiteral("lause on kesken")},
+        {QLatin1String("UNIQUE constraint failed: "), QStringLiteral("sama arvo on jo: %1")},
+        {QLatin1String("NOT NULL constraint failed: "), QStringLiteral("arvo puuttuu: %1")},
+        {QLatin1String("string or blob too big"), QStringLiteral("arvo on liian pitkä")},
+        {QLatin1String("interrupted"), QStringLiteral("toiminto keskeytettiin")},
+    };
+    for (const Text& text : kTexts)
+        if (message.startsWith(text.beginning))
+            return text.finnish.contains(QLatin1String("%1"))
+                       ? text.finnish.arg(message.mid(text.beginning.size()))
+                       : text.finnish;
+    static const QString kNear = QStringLiteral("near ");
+    static const QString kSyntax = QStringLiteral(": syntax error");
+    if (message.startsWith(kNear) && message.endsWith(kSyntax))
+        return QStringLiteral("virhe kohdassa ") +
+               message.sliced(kNear.size()).chopped(kSyntax.size());
+    return {};
+}
+
+/// Adds Finnish texts; SQLite's own messages are English.
 DataError inFinnish(const DataError& error, int code) {
     switch (code & 0xFF) {
         case SQLITE_BUSY:
@@ -63,8 +94,14 @@ DataError inFinnish(const DataError& error, int code) {
         case SQLITE_CANTOPEN:
             return error.inFinnish(QStringLiteral("tiedostoa ei voi avata"));
         default:
-            return error;
+            return error.inFinnish(statementText(error.detail()));
     }
+}
+
+/// The file as a SQLite URI that opens also the index of the write-ahead log read-only. If no other
+/// program has the file open, SQLite then reads the log into an index in memory.
+QByteArray untouchedUri(const QString& fileName) {
+    return "file:" + fileName.toUtf8().toPercentEncoding("/") + "?mode=ro&readonly_shm=1";
 }
 
 /// The system's code of the last failure of reading or writing; 0: not known. After undoing what
@@ -131,12 +168,17 @@ void throwSqlite(sqlite3* db, int code, const QString& table) {
 }
 
 SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {
-    const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX |
-                      (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX;
+    if (mode == Mode::Create)
+        flags |= SQLITE_OPEN_CREATE;
+    else if (mode == Mode::Untouched)
+        flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX;
     if (mode == Mode::Create && fileName != QLatin1String(":memory:"))
         makeFile(fileName);
-    const int code = sqlite3_open_v2(systemPath(fileName).toUtf8().constData(), &m_db, flags,
-                                     withJoinedLogWrites(fileSystemName()));
+    const QString path = systemPath(fileName);
+    const QByteArray name = mode == Mode::Untouched ? untouchedUri(path) : path.toUtf8();
+    const int code =
+        sqlite3_open_v2(name.constData(), &m_db, flags, withJoinedLogWrites(fileSystemName()));
     if (code != SQLITE_OK) {
         const QString detail =
             QString::fromUtf8(m_db != nullptr ? sqlite3_errmsg(m_db) : sqlite3_errstr(code));
@@ -145,6 +187,8 @@ SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {
         throw inFinnish(DataError(kind, fileName, detail, code), code);
     }
     sqlite3_extended_result_codes(m_db, 1);
+    if (mode == Mode::Untouched)
+        sqlite3_db_config(m_db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
 }
 
 SqliteHandle::~SqliteHandle() {

@@ -20,7 +20,13 @@ ErrorKind errorKind(int code, const char* message);
 /// One open SQLite database file. The engine opens every file through this class.
 class SqliteHandle {
   public:
-    enum class Mode { ReadWrite, Create };
+    enum class Mode {
+        ReadWrite,
+        Create,
+        /// Changes no byte of the file, of its write-ahead log and of the log's index, moves
+        /// nothing, and removes nothing when it is closed. The log's files have to exist.
+        Untouched
+    };
 
     SqliteHandle() = default;
     /// A created file gets mode 0664 less the umask. @throws DataError(NoConnection, Io ...) naming

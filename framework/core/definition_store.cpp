@@ -123,6 +123,8 @@ void DefinitionStore::save(const QString& formName, const SavedDefinition& defin
         ini.setValue(name, kDescription, definition.description);
         for (auto it = definition.values.constBegin(); it != definition.values.constEnd(); ++it)
             ini.setValue(name, it.key(), it.value());
+        for (const QString& key : definition.removed)
+            ini.removeKey(name, key);
         return true;
     });
 }

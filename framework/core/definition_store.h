@@ -33,7 +33,7 @@ class DefinitionStore {
     /// damaged definition must not run with defaults for lost values.
     std::optional<SavedDefinition> load(const QString& formName, const QString& name) const;
     /// Replaces the values of a definition, or appends a new one. Keys in the file that
-    /// `definition` lacks are kept, malformed lines dropped.
+    /// `definition` neither has nor removes are kept, malformed lines dropped.
     /// @throws data::DataError(BadValue) if nameProblem() refuses the name, (Locked) if another
     /// program keeps the lock.
     void save(const QString& formName, const SavedDefinition& definition);

@@ -2,6 +2,7 @@
 
 #include <QMap>
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 namespace framework {
@@ -11,6 +12,7 @@ struct SavedDefinition {
     QString name;
     QString description;            ///< key "Selite"
     QMap<QString, QString> values;  ///< control name -> value; look up through value()
+    QStringList removed = {};       ///< keys that a save takes out of the file
     int repeatedLine = 0;  ///< line of the file on which its name stands again, unread; 0 if none
 
     /// The value of a control; its name ignores case.

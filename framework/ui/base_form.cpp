@@ -54,14 +54,21 @@ void TPerusForm::applyDefinition(const SavedDefinition& definition) {
     showValues(definition);
     m_loaded = definition;
     m_known = currentValues();
+    m_unsaved = false;
     showLoadedName();
     showDescription(definition.description);
     afterLoad();
 }
 
+void TPerusForm::showUnsaved(const SavedDefinition& definition) {
+    applyDefinition(definition);
+    m_unsaved = true;
+}
+
 void TPerusForm::definitionSaved(const SavedDefinition& definition) {
     m_loaded = definition;
     m_known = currentValues();
+    m_unsaved = false;
     showDescription(definition.description);
     afterSave();
     refreshNames();
@@ -72,6 +79,8 @@ void TPerusForm::refreshNames() {
     LatausCombo->clear();
     LatausCombo->addItems(TRapMaarForm::GetValues(formName()));
     showLoadedName();
+    if (!m_loaded.name.isEmpty() && LatausCombo->currentIndex() < 0)
+        m_unsaved = true;  // deleted: what the controls show is nowhere else
 }
 
 void TPerusForm::showLoadedName() {
@@ -99,9 +108,50 @@ void TPerusForm::NaytaViesti(const QString& text) {
     Dialogs::message(this, text);
 }
 
+bool TPerusForm::mayLoseChanges() {
+    if (unattended() || !hasUnsavedChanges())
+        return true;
+    const QString question =
+        m_loaded.name.isEmpty()
+            ? QStringLiteral("Määrittelyä on muutettu, eikä sitä ole talletettu.")
+            : QStringLiteral("Määrittelyn \"%1\" muutoksia ei ole talletettu.").arg(m_loaded.name);
+    enum Answer { kSave, kDiscard };
+    switch (Dialogs::choose(this, question,
+                            {QStringLiteral("&Talleta"), QStringLiteral("&Hylkää muutokset"),
+                             QStringLiteral("&Jatka muokkausta")})) {
+        case kSave:
+            return saveAgain();
+        case kDiscard:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// Under the name that it was loaded from, if there is one.
+bool TPerusForm::saveAgain() {
+    if (!acceptTyped())
+        return false;
+    bool saved = false;
+    reportErrors(this, [&] {
+        if (LatausCombo->findText(m_loaded.name, Qt::MatchFixedString) < 0) {
+            TRapMaarForm window(*this, this);
+            saved = Dialogs::exec(window);
+        } else {
+            TRapMaarForm::TalletaRapMaaritys(*this, m_loaded.name, m_loaded.description);
+            saved = true;
+        }
+    });
+    return saved;
+}
+
 void TPerusForm::LatausComboActivated() {
-    const bool done = reportErrors(this, [this] {
-        const QString name = LatausCombo->currentText();
+    const QString name = LatausCombo->currentText();
+    if (!mayLoseChanges()) {
+        showLoadedName();
+        return;
+    }
+    const bool done = reportErrors(this, [this, &name] {
         if (TRapMaarForm::LataaArvot(*this, name))
             return;
         Dialogs::warning(this, QStringLiteral("Määrittelyä \"%1\" ei enää ole.").arg(name));
@@ -131,8 +181,11 @@ void TPerusForm::PdfClick() {
         const QString fileName =
             Dialogs::saveFileName(this, QStringLiteral("Talleta PDF-raportti"), reportFileName(),
                                   QStringLiteral("PDF-tiedostot (*.pdf)"));
-        if (!fileName.isEmpty())
-            writePdf(report(), fileName);
+        if (fileName.isEmpty())
+            return;
+        writePdf(report(), fileName);
+        showFeedback(QStringLiteral("Raportti talletettiin: ") +
+                     QDir::toNativeSeparators(fileName));
     });
 }
 
@@ -155,6 +208,7 @@ void TPerusForm::SahkopostiClick() {
         const QString shown = QDir::toNativeSeparators(fileName);
         switch (composeMail(content.headRight, text, fileName)) {
             case MailResult::Attached:
+                showFeedback(QStringLiteral("Viestin liite on tilapäistiedostossa ") + shown);
                 break;
             case MailResult::ByHand:
                 Dialogs::message(this, QStringLiteral("Sähköpostiohjelma ei ottanut raporttia "
@@ -163,7 +217,8 @@ void TPerusForm::SahkopostiClick() {
                 break;
             case MailResult::Impossible:
                 Dialogs::error(this, QStringLiteral("Sähköpostiohjelmaa ei voitu avata. Raportti "
-                                                    "on tiedostossa\r%1")
+                                                    "on tilapäistiedostossa; siirrä se talteen "
+                                                    "tai poista:\r%1")
                                          .arg(shown));
                 break;
         }

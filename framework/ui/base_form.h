@@ -36,12 +36,20 @@ class TPerusForm : public QWidget, public DefinitionOwner {
     void definitionSaved(const SavedDefinition& definition) override;
     /// Reads the names of the saved definitions into LatausCombo.
     void refreshNames() override;
-    /// Whether the values differ from the last load or save.
-    bool hasUnsavedChanges() const { return currentValues() != m_known; }
+    /// Whether the values are not those of a saved definition: they differ from the last load or
+    /// save, were filled in without a file, or their definition has been deleted. False for the
+    /// values that the form begins with.
+    bool hasUnsavedChanges() const { return m_unsaved || currentValues() != m_known; }
+    /// True if nobody may be asked.
+    virtual bool unattended() const { return false; }
 
   protected:
     /// Loads "Normaali" if it exists. A damaged one is reported and leaves the values unchanged.
     void restoreLastState();
+    /// Shows values that are in no file yet.
+    void showUnsaved(const SavedDefinition& definition);
+    /// Asks what to do with unsaved changes, which would be lost. @return false to stay
+    bool mayLoseChanges();
     /// The values by control name, as in a definition file.
     virtual QMap<QString, QString> currentValues() const = 0;
     /// Shows a loaded definition in the controls without change signals.
@@ -57,12 +65,15 @@ class TPerusForm : public QWidget, public DefinitionOwner {
     virtual bool acceptTyped() { return true; }
     /// Shows a text, or logs it when unattended.
     virtual void NaytaViesti(const QString& text);
+    /// Shows what was saved and where.
+    virtual void showFeedback(const QString& /*text*/) {}
     /// The report for `Pdf` and `Sahkoposti`.
     virtual Report report() const { return {}; }
 
   private:
     void LatausComboActivated();
     void TalletusClick();
+    bool saveAgain();
     void PdfClick();
     void SahkopostiClick();
     QString reportFileName() const;
@@ -70,6 +81,7 @@ class TPerusForm : public QWidget, public DefinitionOwner {
 
     QMap<QString, QString> m_known;  ///< values of the last load or save
     SavedDefinition m_loaded;
+    bool m_unsaved = false;  ///< without a file, whatever the values
 };
 
 }  // namespace framework

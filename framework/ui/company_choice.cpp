@@ -7,7 +7,9 @@
 
 #include "company/aliases.h"
 #include "company/company.h"
+#include "company/registration.h"
 #include "data/error.h"
+#include "framework/ui/add_company_dialog.h"
 #include "framework/ui/demo_company_dialog.h"
 #include "framework/ui/dialogs.h"
 #include "framework/ui/window_place.h"
@@ -33,7 +35,8 @@ TYritysValinta::TYritysValinta(QWidget* parent)
       m_list(new QTreeWidget(this)),
       m_pages(new QStackedWidget(this)),
       m_hint(new QLabel(this)),
-      m_demo(new QPushButton(QStringLiteral("Luo &esimerkkiyritys..."), this)) {
+      m_demo(new QPushButton(QStringLiteral("Luo &esimerkkiyritys..."), this)),
+      m_firstAdd(new QPushButton(QStringLiteral("&Lisää yritys..."), this)) {
     setObjectName(QStringLiteral("YritysValinta"));
     setWindowTitle(QStringLiteral("Yrityksen valinta"));
 
@@ -55,9 +58,6 @@ TYritysValinta::TYritysValinta(QWidget* parent)
     m_hint->setWordWrap(true);
     m_hint->setTextFormat(Qt::PlainText);
 
-    auto* refreshButton = new QPushButton(QStringLiteral("&Päivitä (F5)"), this);
-    refreshButton->setObjectName(QStringLiteral("PaivitaButton"));
-    refreshButton->setAutoDefault(false);
     m_choose = new QPushButton(QStringLiteral("V&alitse"), this);
     m_choose->setObjectName(QStringLiteral("ValitseButton"));
     m_choose->setDefault(true);
@@ -66,8 +66,7 @@ TYritysValinta::TYritysValinta(QWidget* parent)
     cancel->setAutoDefault(false);
 
     auto* buttons = new QHBoxLayout;
-    buttons->addWidget(refreshButton);
-    buttons->addStretch();
+    buttons->addLayout(buildListButtons(), 1);
     for (QPushButton* button : {m_choose, cancel}) {
         button->setMinimumWidth(kButtonWidth);
         buttons->addWidget(button);
@@ -89,10 +88,54 @@ TYritysValinta::TYritysValinta(QWidget* parent)
     connect(m_list, &QTreeWidget::currentItemChanged, this, &TYritysValinta::updateButtons);
     connect(m_choose, &QPushButton::clicked, this, &TYritysValinta::choose);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    connect(refreshButton, &QPushButton::clicked, this, &TYritysValinta::refresh);
     connect(new QShortcut(QKeySequence(Qt::Key_F5), this), &QShortcut::activated, this,
             &TYritysValinta::refresh);
     refresh();
+    m_list->setFocus();
+    describeByHints(*this);
+}
+
+QLayout* TYritysValinta::buildListButtons() {
+    auto* row = new QHBoxLayout;
+    const auto button = [&](const char* objectName, const QString& text, const QString& hint,
+                            void (TYritysValinta::*pressed)()) {
+        auto* made = new QPushButton(text, this);
+        made->setObjectName(QLatin1String(objectName));
+        made->setToolTip(hint);
+        made->setAutoDefault(false);
+        connect(made, &QPushButton::clicked, this, pressed);
+        row->addWidget(made);
+        return made;
+    };
+    button("LisaaButton", QStringLiteral("L&isää..."),
+           QStringLiteral("Lisää luetteloon yrityksen, jonka tietokanta on jo kansiossa"),
+           &TYritysValinta::addCompany);
+    button("UusiEsimerkkiButton", QStringLiteral("E&simerkki..."),
+           QStringLiteral("Luo esimerkkiyrityksen, jonka tiedot ovat keksittyjä"),
+           &TYritysValinta::makeDemoCompany);
+    m_remove = button("PoistaButton", QStringLiteral("P&oista luettelosta"),
+                      QStringLiteral("Ottaa yrityksen pois luettelosta; sen tiedostot jäävät"),
+                      &TYritysValinta::removeCompany);
+    button("PaivitaButton", QStringLiteral("&Päivitä (F5)"),
+           QStringLiteral("Lukee luettelon uudelleen"), &TYritysValinta::refresh);
+    row->addStretch();
+    return row;
+}
+
+QString TYritysValinta::choice() {
+    m_takesIntoUse = false;
+    select(company::currentCompany().name);
+    exec();
+    return m_choice;
+}
+
+QString TYritysValinta::selected() const {
+    return m_list->currentItem() != nullptr ? m_list->currentItem()->text(kNameColumn) : QString();
+}
+
+void TYritysValinta::select(const QString& name) {
+    if (auto* row = m_list->findItems(name, Qt::MatchExactly, kNameColumn).value(0))
+        m_list->setCurrentItem(row);
     m_list->setFocus();
 }
 
@@ -110,12 +153,11 @@ bool TYritysValinta::OnParametrina() {
 }
 
 void TYritysValinta::refresh() {
-    const QString chosen =
-        m_list->currentItem() != nullptr ? m_list->currentItem()->text(kNameColumn) : QString();
+    const QString chosen = selected();
     m_list->clear();
     QString problem;
     try {
-        for (const QString& name : company::aliasNames()) {
+        for (const QString& name : company::companiesByUse()) {
             const auto alias = company::findAlias(name);
             auto* row = new QTreeWidgetItem(
                 m_list, {name, alias ? QDir::toNativeSeparators(alias->physicalName) : QString()});
@@ -137,32 +179,40 @@ void TYritysValinta::refresh() {
     if (none) {
         problem = QStringLiteral(
             "Yhtään yritystä ei ole vielä.\n\n"
-            "Ohjelmaa voi kokeilla esimerkkiyrityksellä, jonka tiedot ovat keksittyjä. Oikea "
-            "yritys otetaan käyttöön komennolla \"zavdb add NIMI KANSIO\", minkä jälkeen "
-            "luettelo päivitetään (F5).");
+            "Lisää yritys luetteloon valitsemalla kansio, jossa sen tietokanta on. Ohjelmaa voi "
+            "myös kokeilla esimerkkiyrityksellä, jonka tiedot ovat keksittyjä.");
     }
     m_hint->setText(problem);
     m_pages->setCurrentIndex(problem.isEmpty() ? 0 : 1);
     m_demo->setVisible(none);
+    m_firstAdd->setVisible(none);
     if (none)
-        m_demo->setFocus();
+        m_firstAdd->setFocus();
     updateButtons();
 }
 
-// Shown instead of an empty list: the reason, and a button for a first company.
+// Shown instead of an empty list: the reason, and buttons for a first company.
 QWidget* TYritysValinta::buildOffer() {
     auto* page = new QFrame(this);
     page->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     m_demo->setObjectName(QStringLiteral("EsimerkkiButton"));
     m_demo->setAutoDefault(true);
+    m_firstAdd->setObjectName(QStringLiteral("EnsimmainenButton"));
+    m_firstAdd->setAutoDefault(true);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(m_firstAdd);
+    buttons->addWidget(m_demo);
+    buttons->addStretch();
     auto* column = new QVBoxLayout(page);
     column->setContentsMargins(3 * kMargin, kMargin, 3 * kMargin, kMargin);
     column->addStretch();
     column->addWidget(m_hint);
     column->addSpacing(kMargin);
-    column->addWidget(m_demo, 0, Qt::AlignHCenter);
+    column->addLayout(buttons);
     column->addStretch();
     connect(m_demo, &QPushButton::clicked, this, &TYritysValinta::makeDemoCompany);
+    connect(m_firstAdd, &QPushButton::clicked, this, &TYritysValinta::addCompany);
     return page;
 }
 
@@ -172,18 +222,47 @@ void TYritysValinta::makeDemoCompany() {
         if (dialog.exec() != QDialog::Accepted)
             return;
         refresh();
-        m_list->setCurrentItem(
-            m_list->findItems(dialog.madeCompany(), Qt::MatchExactly, kNameColumn).value(0));
-        m_list->setFocus();
+        select(dialog.madeCompany());
+    });
+}
+
+void TYritysValinta::addCompany() {
+    reportErrors(this, [this] {
+        AddCompanyDialog dialog(this);
+        if (dialog.exec() != QDialog::Accepted)
+            return;
+        refresh();
+        select(dialog.addedCompany());
+    });
+}
+
+void TYritysValinta::removeCompany() {
+    const QString name = selected();
+    if (name.isEmpty())
+        return;
+    if (name == company::currentCompany().name) {
+        Dialogs::warning(this, QStringLiteral("Yritys \"%1\" on nyt käytössä. Poista se "
+                                              "luettelosta, kun olet valinnut toisen yrityksen.")
+                                   .arg(name));
+        return;
+    }
+    reportErrors(this, [this, &name] {
+        if (!Dialogs::ask(this, QStringLiteral("Poistetaanko yritys \"%1\" luettelosta?\r"
+                                               "Sen tiedostot jäävät kansioon %2.")
+                                    .arg(name, m_list->currentItem()->text(kFolderColumn))))
+            return;
+        company::removeAlias(name);
+        refresh();
     });
 }
 
 void TYritysValinta::choose() {
-    if (m_list->currentItem() == nullptr)
+    const QString name = selected();
+    if (name.isEmpty())
         return;
-    const QString name = m_list->currentItem()->text(kNameColumn);
     reportErrors(this, [this, &name] {
-        if (company::takeIntoUse(name)) {
+        if (m_takesIntoUse ? company::takeIntoUse(name) : company::findAlias(name).has_value()) {
+            m_choice = name;
             accept();
             return;
         }
@@ -194,6 +273,7 @@ void TYritysValinta::choose() {
 
 void TYritysValinta::updateButtons() {
     m_choose->setEnabled(m_list->currentItem() != nullptr);
+    m_remove->setEnabled(m_list->currentItem() != nullptr);
 }
 
 }  // namespace framework

@@ -8,8 +8,9 @@
 
 namespace framework {
 
-/// The company choice dialog: registered companies and their folders. F5 refreshes, double click or
-/// Enter chooses, typing searches. Without any company it offers to create a demo company.
+/// The company choice dialog: registered companies and their folders, last used first. F5
+/// refreshes, double click or Enter chooses, typing searches. Companies can be added, taken off the
+/// list and, as examples, created; an empty list offers these instead.
 class TYritysValinta : public QDialog {
     Q_OBJECT
   public:
@@ -19,18 +20,31 @@ class TYritysValinta : public QDialog {
     /// ignored). @return false if there is none
     bool OnParametrina();
 
+    /// Shows the dialog without taking the chosen company into use. @return its name; empty if
+    /// cancelled
+    QString choice();
+
   private:
     void refresh();
     void choose();
+    void addCompany();
     void makeDemoCompany();
+    void removeCompany();
+    void select(const QString& name);
+    QString selected() const;
+    QLayout* buildListButtons();
     void updateButtons();
     QWidget* buildOffer();
 
     QTreeWidget* m_list;
     QStackedWidget* m_pages;  ///< the list, or the page shown instead
     QLabel* m_hint;
-    QPushButton* m_demo;
+    QPushButton* m_demo;      ///< on the page of an empty list
+    QPushButton* m_firstAdd;  ///< on the page of an empty list
+    QPushButton* m_remove;
     QPushButton* m_choose;
+    bool m_takesIntoUse = true;
+    QString m_choice;
 };
 
 }  // namespace framework

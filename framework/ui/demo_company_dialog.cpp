@@ -9,6 +9,7 @@
 
 #include "company/aliases.h"
 #include "framework/ui/dialogs.h"
+#include "framework/ui/folder_row.h"
 
 namespace framework {
 
@@ -18,7 +19,6 @@ constexpr int kMinProducts = 10;
 constexpr int kMaxProducts = 1'000'000;
 constexpr int kProducts = 2000;
 constexpr int kMargin = 14;
-constexpr int kFolderCharacters = 48;
 
 QString toolProgram() {
 #ifdef Q_OS_WIN
@@ -61,7 +61,6 @@ DemoCompanyDialog::DemoCompanyDialog(QWidget* parent)
         this);
     m_name->setObjectName(QStringLiteral("NimiEdit"));
     m_folder->setObjectName(QStringLiteral("KansioEdit"));
-    m_folder->setMinimumWidth(kFolderCharacters * fontMetrics().averageCharWidth());
     m_folder->setToolTip(QStringLiteral("Kansio, johon yrityksen tietokanta luodaan"));
     m_products->setObjectName(QStringLiteral("TuotteitaEdit"));
     m_products->setRange(kMinProducts, kMaxProducts);
@@ -70,7 +69,7 @@ DemoCompanyDialog::DemoCompanyDialog(QWidget* parent)
     m_products->setSingleStep(1000);
     auto* fields = new QFormLayout;
     fields->addRow(QStringLiteral("&Nimi"), m_name);
-    fields->addRow(QStringLiteral("&Kansio"), m_folder);
+    addFolderRow(*fields, QStringLiteral("&Kansio"), m_folder, [this] { browse(); });
     fields->addRow(QStringLiteral("&Tuotteita"), m_products);
     m_status->setTextFormat(Qt::PlainText);
     m_progress->setRange(0, 0);
@@ -117,12 +116,22 @@ DemoCompanyDialog::~DemoCompanyDialog() {
 }
 
 void DemoCompanyDialog::setWorking(bool working) {
-    for (QWidget* control :
-         {static_cast<QWidget*>(m_name), static_cast<QWidget*>(m_folder),
-          static_cast<QWidget*>(m_products), static_cast<QWidget*>(m_makeButton)})
+    for (QWidget* control : {static_cast<QWidget*>(m_name), static_cast<QWidget*>(m_folder),
+                             static_cast<QWidget*>(m_products), static_cast<QWidget*>(m_makeButton),
+                             findChild<QWidget*>(QStringLiteral("SelaaButton"))})
         control->setEnabled(!working);
     m_progress->setVisible(working);
     m_status->setText(working ? QStringLiteral("Luodaan yritystä...") : QString());
+}
+
+// The company gets a folder of its own in the chosen one: it must be empty.
+void DemoCompanyDialog::browse() {
+    const QString folder = Dialogs::folder(
+        this, QStringLiteral("Valitse kansio, johon yrityksen kansio luodaan"),
+        QFileInfo(QDir::fromNativeSeparators(m_folder->text().trimmed())).absolutePath());
+    if (!folder.isEmpty())
+        m_folder->setText(
+            QDir::toNativeSeparators(QDir(folder).filePath(m_name->text().trimmed())));
 }
 
 void DemoCompanyDialog::make() {

@@ -25,6 +25,7 @@ class DemoCompanyDialog : public QDialog {
     void reject() override;
 
   private:
+    void browse();
     void make();
     void finished(int exitCode, QProcess::ExitStatus status);
     void setWorking(bool working);

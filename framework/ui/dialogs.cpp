@@ -38,6 +38,11 @@ void Dialogs::error(QWidget* parent, const QString& text) {
     handler().message(parent, MessageKind::Error, withLineBreaks(text));
 }
 
+void Dialogs::passingMessage(QWidget* parent, const QString& text, int seconds) {
+    const CloseDeferral deferral(parent);
+    handler().passingMessage(parent, withLineBreaks(text), seconds);
+}
+
 bool Dialogs::ask(QWidget* parent, const QString& text) {
     const CloseDeferral deferral(parent);
     return handler().ask(parent, withLineBreaks(text));
@@ -48,10 +53,26 @@ int Dialogs::choose(QWidget* parent, const QString& text, const QStringList& ans
     return handler().choose(parent, withLineBreaks(text), answers);
 }
 
+bool Dialogs::exec(QDialog& dialog) {
+    const CloseDeferral deferral(dialog.parentWidget());
+    return handler().exec(dialog) == QDialog::Accepted;
+}
+
 QString Dialogs::saveFileName(QWidget* parent, const QString& title, const QString& suggested,
                               const QString& filter) {
     const CloseDeferral deferral(parent);
     return handler().saveFileName(parent, title, suggested, filter);
+}
+
+QString Dialogs::openFileName(QWidget* parent, const QString& title, const QString& folder,
+                              const QString& filter) {
+    const CloseDeferral deferral(parent);
+    return handler().openFileName(parent, title, folder, filter);
+}
+
+QString Dialogs::folder(QWidget* parent, const QString& title, const QString& start) {
+    const CloseDeferral deferral(parent);
+    return handler().folder(parent, title, start);
 }
 
 DialogHandler* Dialogs::setHandler(DialogHandler* handler) {

@@ -10,6 +10,7 @@
 #include <QSaveFile>
 #include <QTextBlock>
 #include <QTextDocument>
+#include <QTextObjectInterface>
 
 #include "data/error.h"
 
@@ -26,9 +27,54 @@ const QColor kGrey(0x55, 0x55, 0x55);
 const QString kStyle = QStringLiteral(
     "h1 { font-size: 17pt; margin-top: 0; margin-bottom: 4px; }"
     "h2 { font-size: 12pt; margin-top: 16px; margin-bottom: 5px; color: #1f4e79; }"
+    "h3 { font-size: 10pt; margin-top: 10px; margin-bottom: 3px; }"
     "p { margin-top: 0; margin-bottom: 4px; }"
     "th { background-color: #e8eef5; text-align: left; }"
     "th, td { border-bottom: 1px solid #c4c4c4; padding: 2px 4px; }");
+
+constexpr int kPictureObject = QTextFormat::UserObject + 1;
+constexpr int kPictureIndex = QTextFormat::UserProperty + 1;
+constexpr double kMmPerInch = 25.4;
+
+// Paints a report's pictures where the text has an object for each.
+class PictureObject : public QObject, public QTextObjectInterface {
+    Q_OBJECT
+    Q_INTERFACES(QTextObjectInterface)
+  public:
+    explicit PictureObject(const std::vector<ReportPicture>& pictures) : m_pictures(pictures) {}
+
+    QSizeF intrinsicSize(QTextDocument* document, int /*position*/,
+                         const QTextFormat& format) override {
+        return {document->pageSize().width(), picture(format).heightMm / kMmPerInch * kResolution};
+    }
+    void drawObject(QPainter* painter, const QRectF& place, QTextDocument* document,
+                    int /*position*/, const QTextFormat& format) override {
+        painter->save();
+        painter->setFont(document->defaultFont());
+        picture(format).paint(*painter, place);
+        painter->restore();
+    }
+
+  private:
+    const ReportPicture& picture(const QTextFormat& format) const {
+        return m_pictures[static_cast<size_t>(format.intProperty(kPictureIndex))];
+    }
+
+    const std::vector<ReportPicture>& m_pictures;
+};
+
+void putPictures(QTextDocument& document, PictureObject& object, size_t count) {
+    document.documentLayout()->registerHandler(kPictureObject, &object);
+    for (size_t i = 0; i < count; ++i) {
+        QTextCursor mark = document.find(Report::pictureMark(i));
+        if (mark.isNull())
+            continue;
+        QTextCharFormat format;
+        format.setObjectType(kPictureObject);
+        format.setProperty(kPictureIndex, static_cast<int>(i));
+        mark.insertText(QString(QChar::ObjectReplacementCharacter), format);
+    }
+}
 
 int pageOf(const QTextDocument& document, qreal y) {
     return static_cast<int>(y / document.pageSize().height());
@@ -103,6 +149,10 @@ void paint(QTextDocument& document, QPdfWriter& writer, const Report& report) {
 
 }  // namespace
 
+QString Report::pictureMark(size_t index) {
+    return QStringLiteral("\ue000%1\ue000").arg(index);
+}
+
 void writePdf(const Report& report, const QString& fileName) {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
@@ -118,6 +168,8 @@ void writePdf(const Report& report, const QString& fileName) {
         document.setDocumentMargin(0);
         document.setDefaultStyleSheet(kStyle);
         document.setHtml(report.html);
+        PictureObject pictures(report.pictures);
+        putPictures(document, pictures, report.pictures.size());
         paint(document, writer, report);
     }
     QSaveFile file(fileName);
@@ -132,3 +184,5 @@ QString pdfFileName(const QString& title) {
 }
 
 }  // namespace framework
+
+#include "pdf_report.moc"

@@ -1,8 +1,18 @@
 #pragma once
 
+#include <QPainter>
+#include <QRectF>
 #include <QString>
+#include <functional>
+#include <vector>
 
 namespace framework {
+
+/// A picture in a report, painted on the page.
+struct ReportPicture {
+    double heightMm = 0.0;  ///< it is as wide as the text
+    std::function<void(QPainter&, const QRectF&)> paint;
+};
 
 /// A report: HTML body and the texts of each page's header and footer. The page number is at the
 /// right end of the footer.
@@ -11,6 +21,10 @@ struct Report {
     QString headLeft;
     QString headRight;
     QString footLeft;
+    std::vector<ReportPicture> pictures = {};  ///< each stands where the HTML has its mark
+
+    /// The mark of pictures[index], to be put into a paragraph of its own.
+    static QString pictureMark(size_t index);
 };
 
 /// Writes an A4 PDF. A heading stays with the text after it; tables repeat their heading row on

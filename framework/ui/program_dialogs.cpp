@@ -1,10 +1,13 @@
 #include "framework/ui/program_dialogs.h"
 
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTextStream>
+#include <QTimer>
 
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
@@ -61,6 +64,28 @@ void ProgramDialogs::message(QWidget* parent, MessageKind kind, const QString& t
     box.exec();
 }
 
+void ProgramDialogs::passingMessage(QWidget* parent, const QString& text, int seconds) {
+    if (!isInteractive()) {
+        QTextStream(stderr) << text << '\n';
+        return;
+    }
+    QMessageBox box(QMessageBox::Information, title(parent), text, QMessageBox::Ok, parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+    QAbstractButton* ok = box.button(QMessageBox::Ok);
+    const auto showRest = [ok](int rest) { ok->setText(QStringLiteral("OK (%1 s)").arg(rest)); };
+    showRest(seconds);
+    QTimer second;
+    second.callOnTimeout(&box, [&box, &showRest, rest = seconds]() mutable {
+        if (--rest <= 0)
+            box.accept();
+        else
+            showRest(rest);
+    });
+    second.start(std::chrono::seconds(1));
+    box.exec();
+}
+
 bool ProgramDialogs::ask(QWidget* parent, const QString& text) {
     if (!isInteractive())
         return false;
@@ -92,11 +117,32 @@ int ProgramDialogs::choose(QWidget* parent, const QString& text, const QStringLi
     return chosen < 0 ? last : chosen;
 }
 
+int ProgramDialogs::exec(QDialog& dialog) {
+    return isInteractive() ? dialog.exec() : QDialog::Rejected;
+}
+
 QString ProgramDialogs::saveFileName(QWidget* parent, const QString& dialogTitle,
                                      const QString& suggested, const QString& filter) {
     if (!isInteractive())
         return {};
     return QFileDialog::getSaveFileName(parent, dialogTitle, suggested, filter);
+}
+
+QString ProgramDialogs::openFileName(QWidget* parent, const QString& dialogTitle,
+                                     const QString& folder, const QString& filter) {
+    if (!isInteractive())
+        return {};
+    return QFileDialog::getOpenFileName(parent, dialogTitle, folder, filter);
+}
+
+QString ProgramDialogs::folder(QWidget* parent, const QString& dialogTitle, const QString& start) {
+    if (!isInteractive())
+        return {};
+    QString existing = start;
+    while (!existing.isEmpty() && !QFileInfo(existing).isDir())
+        existing.truncate(qMax<qsizetype>(0, existing.lastIndexOf(QLatin1Char('/'))));
+    return QFileDialog::getExistingDirectory(parent, dialogTitle,
+                                             existing.isEmpty() ? QDir::homePath() : existing);
 }
 
 }  // namespace framework

@@ -12,6 +12,7 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QRegularExpressionValidator>
+#include <QToolTip>
 #include <QWidgetAction>
 #include <cmath>
 
@@ -53,20 +54,40 @@ bool NumberEdit::isNumber(const QString& text) const {
     return text.size() <= m_maxDigits && kDigits.match(text).hasMatch();
 }
 
-void NumberEdit::commit() {
-    setValue(value());
+void NumberEdit::setMayBeEmpty() {
+    m_mayBeEmpty = true;
+    clear();
 }
 
+void NumberEdit::commit() {
+    if (!m_mayBeEmpty || !isEmpty())
+        setValue(value());
+}
+
+QString NumberEdit::refusal(const QMimeData& dragged) const {
+    const QString reason = m_dropCheck ? m_dropCheck(dragged) : QString();
+    if (reason.isEmpty() && !isNumber(dragged.text().trimmed()))
+        return QStringLiteral("Tähän kelpaa vain numero");
+    return reason;
+}
+
+// A refused drag has the forbidden cursor; the text beside the edit says why.
 void NumberEdit::dragEnterEvent(QDragEnterEvent* event) {
-    if (event->mimeData()->hasText() && isNumber(event->mimeData()->text().trimmed()))
+    if (!event->mimeData()->hasText())
+        return;
+    const QString reason = refusal(*event->mimeData());
+    if (reason.isEmpty()) {
         event->acceptProposedAction();
+        return;
+    }
+    QToolTip::showText(mapToGlobal(rect().bottomLeft()), reason, this);
+    Q_EMIT dropRefused(reason);
 }
 
 void NumberEdit::dropEvent(QDropEvent* event) {
-    const QString dropped = event->mimeData()->text().trimmed();
-    if (!isNumber(dropped))
+    if (!event->mimeData()->hasText() || !refusal(*event->mimeData()).isEmpty())
         return;
-    setText(dropped);
+    setText(event->mimeData()->text().trimmed());
     event->acceptProposedAction();
 }
 
@@ -106,15 +127,26 @@ void DecimalEdit::readTyped(const QString& typed) {
         limitDecimals(m_decimals);  // no longer the text of a set value
     double number = 0.0;
     if (text.isEmpty())
-        m_readable = m_emptyIsZero;
+        m_readable = m_emptyIsZero || m_mayBeEmpty;
     else
         number = text.toDouble(&m_readable);
     if (m_readable)
         m_value = number;
 }
 
+void DecimalEdit::setMayBeEmpty() {
+    m_mayBeEmpty = true;
+    setNothing();
+}
+
+void DecimalEdit::setNothing() {
+    clear();
+    m_value = 0.0;
+    m_readable = true;
+}
+
 void DecimalEdit::commit() {
-    if (m_readable)
+    if (m_readable && !(m_mayBeEmpty && isEmpty()))
         showValue(m_value);
 }
 
@@ -178,7 +210,7 @@ QIcon calendarIcon(const QColor& colour) {
 
 }  // namespace
 
-DateEdit::DateEdit(QWidget* parent) : ExitEdit(parent) {
+DateEdit::DateEdit(QWidget* parent, const QString& noDate) : ExitEdit(parent), m_noDate(noDate) {
     setPlaceholderText(QStringLiteral("pp.kk.vvvv"));
     QAction* calendar =
         addAction(calendarIcon(palette().color(QPalette::Text)), QLineEdit::TrailingPosition);
@@ -216,7 +248,7 @@ void DateEdit::pickFromCalendar() {
     auto* holder = new QWidgetAction(&popup);
     holder->setDefaultWidget(calendar);
     popup.addAction(holder);
-    QAction* none = popup.addAction(QStringLiteral("Ei rajausta"));
+    QAction* none = popup.addAction(m_noDate);
     connect(none, &QAction::triggered, this, [this] { clear(); });
     connect(calendar, &QCalendarWidget::clicked, this, [this, &popup](const QDate& picked) {
         setDate(picked);

@@ -3,6 +3,9 @@
 #include <QDate>
 #include <QLineEdit>
 #include <QRegularExpressionValidator>
+#include <functional>
+
+class QMimeData;
 
 namespace framework {
 
@@ -42,8 +45,17 @@ class NumberEdit : public ExitEdit {
     Q_OBJECT
   public:
     explicit NumberEdit(int maxDigits, QWidget* parent = nullptr);
+    /// From now on an empty text stays empty. Starts empty.
+    void setMayBeEmpty();
+    bool isEmpty() const { return text().trimmed().isEmpty(); }
     qint64 value() const { return text().trimmed().toLongLong(); }
     void setValue(qint64 value) { setText(QString::number(value)); }
+    /// Asked about dragged data with a text; returns why it is refused, or empty.
+    using DropCheck = std::function<QString(const QMimeData& dragged)>;
+    void setDropCheck(DropCheck check) { m_dropCheck = std::move(check); }
+
+  Q_SIGNALS:
+    void dropRefused(const QString& reason);  ///< also shown beside the edit
 
   protected:
     void commit() override;
@@ -52,7 +64,10 @@ class NumberEdit : public ExitEdit {
 
   private:
     bool isNumber(const QString& text) const;
+    QString refusal(const QMimeData& dragged) const;
     int m_maxDigits;
+    bool m_mayBeEmpty = false;
+    DropCheck m_dropCheck;
 };
 
 /// A decimal number that keeps the exact double behind the text: a set value reads back to the last
@@ -65,6 +80,11 @@ class DecimalEdit : public ExitEdit {
     explicit DecimalEdit(int decimals, QWidget* parent = nullptr);
     /// From now on an empty text is 0; otherwise it is unreadable.
     void setEmptyIsZero() { m_emptyIsZero = true; }
+    /// From now on an empty text is readable and stays empty. Starts empty.
+    void setMayBeEmpty();
+    bool isEmpty() const { return text().trimmed().isEmpty(); }
+    /// Shows no value.
+    void setNothing();
     /// The value shown or, if the text is no number, the last readable one.
     double value() const { return m_value; }
     void setValue(double value);
@@ -88,13 +108,16 @@ class DecimalEdit : public ExitEdit {
     QRegularExpressionValidator* m_typed;
     bool m_readable = true;
     bool m_emptyIsZero = false;
+    bool m_mayBeEmpty = false;
 };
 
 /// A date or empty. Typed in the locale's order or as yyyy-mm-dd, or picked from a calendar.
 class DateEdit : public ExitEdit {
     Q_OBJECT
   public:
-    explicit DateEdit(QWidget* parent = nullptr);
+    /// `noDate`: what the calendar's menu calls an empty date.
+    explicit DateEdit(QWidget* parent = nullptr,
+                      const QString& noDate = QStringLiteral("Ei rajausta"));
     /// Invalid if empty or unreadable.
     QDate date() const { return parse(text()); }
     void setDate(const QDate& date);
@@ -107,6 +130,7 @@ class DateEdit : public ExitEdit {
   private:
     static QDate parse(const QString& text);
     void pickFromCalendar();
+    QString m_noDate;
 };
 
 }  // namespace framework

@@ -45,7 +45,7 @@ LAYOUTS = load_layouts()
 SQLITE_DRIVER = next(iter(glob.glob("/usr/lib/*/odbc/libsqlite3odbc.so")), "libsqlite3odbc.so")
 # Change log lines that the model also writes: those with amounts, counts or product numbers.
 MODELLED = re.compile(r"Tuote: |(Asiakas|As\.ryhmä|Webas\.ryhmä) \d|Kampanja: | \( \d+ rivi\)|Määräale |"
-                      r"Tuotetiedot muutettu|tilaus \d+ ohitetaan|Verkkokauppa -valinta poistettiin|.*;Tuote ")
+                      r"Tuotetiedot muutettu|tilaus \d+ ohitetaan|Verkkokauppa -valinta poistettiin|.*;Tuote |Huomaa: tuotetta |Huomaa: määräalennus ")
 TEXT = ("string", "memo", "date", "time", "timestamp", "raw", "varbinary")
 
 
@@ -242,6 +242,10 @@ def make_definition(r):
         v[c] = flag()
     v["Tuotteet"] = flag(0.9)
     v["MTToimPaivaRajaus"] = r.choice(["", "", "2024-09-01"])
+    v["TurvarajaTuotteet"] = r.choice(["", "", "", "1000", "20", "3"])
+    v["TurvarajaProsentti"] = r.choice(["", "", "", "0", "1.3", "10", "50"])
+    v["Muutospaiva"] = r.choice(["", "", "2024-09-01", "2025-01-01", "2026-01-15"])
+    v = {k: x for k, x in v.items() if x or not k.startswith(("Turva", "Muutosp")) or r.random() < 0.3}
     v["AsRyhmaCheckList"] = r.choice(["", "", "1", "2,3", "4,9", "1,2,9"])
     for kind, top in (("Aliryhma", 40), ("Tuoteryhma", 24), ("Paaryhma", 5)):
         v[kind + "CheckBox"] = flag(0.25)
@@ -255,7 +259,8 @@ def make_definition(r):
             ("KohdeAlvLuokkaEdit", "200"), ("Hinta1Edit", "1.0092592592592593"), ("Hinta2Edit", "-1"),
             ("OstohintaEdit", "0"), ("ViimOstohintaEdit", "1,01"), ("PriceChangeLimitEdit", "x"),
             ("MTToimPaivaRajaus", "1.9.2024"), ("AsRyhmaCheckList", "1;2"), ("AsRyhmaCheckList", "9"),
-            ("Kampanjat", "on")])
+            ("Kampanjat", "on"), ("TurvarajaTuotteet", "x"), ("TurvarajaProsentti", "1,5"),
+            ("Muutospaiva", "1.9.2024"), ("Muutospaiva", "2099-01-01")])
         v.pop(control, None)
         if value is not None:
             v[control] = value
@@ -285,10 +290,11 @@ def compare(table, got, want, stamps):
     return out
 
 
-def one(seed, args):
+def random_company(seed, args):
+    """Returns a random company with saved definitions and a batch list, the definitions, and the company's
+    tables."""
     r = random.Random(seed)
-    folder = tempfile.mkdtemp(prefix=f"acceptance{seed}-")
-    c = Company(args.bins, folder)
+    c = Company(args.bins, tempfile.mkdtemp(prefix=f"acceptance{seed}-"))
     without = ["--without", "MYYMALAHINNAT"] if r.random() < 0.15 else []
     c.zavdb("create", "K", c.data, *without)
     tables = make_company(r, args.products, args.orders)
@@ -296,7 +302,7 @@ def one(seed, args):
         del tables["MYYMALAHINNAT"]
     for name, rows in tables.items():
         c.fill(name, rows)
-    before = {name: c.read(name) for name in LAYOUTS if not (without and name == "MYYMALAHINNAT")}
+    names = [name for name in LAYOUTS if not (without and name == "MYYMALAHINNAT")]
     definitions = [make_definition(r) for _ in range(r.choice([1, 2, 3, 4]))]
     if args.engine == "shops":
         c.reach_through_shops_engine()
@@ -304,9 +310,15 @@ def one(seed, args):
     with open(os.path.join(c.home, "MAARITYS", "AlvMuutosLomake.INI"), "w", encoding="utf-8") as f:
         for i, d in enumerate(definitions):
             f.write(f"[Määritys {i}]\r\nSelite=testi\r\n" + "".join(f"{k}={v}\r\n" for k, v in d.items()))
-    with open(os.path.join(folder, "ALVMUUTOS.INI"), "w", encoding="utf-8") as f:
+    with open(os.path.join(c.folder, "ALVMUUTOS.INI"), "w", encoding="utf-8") as f:
         f.write("[ASETUKSET]\r\n" + "".join(f"maar{i + 1}=Määritys {i}\r\n"
                                            for i in range(len(definitions))))
+    return c, definitions, names
+
+
+def one(seed, args):
+    c, definitions, names = random_company(seed, args)
+    before = {name: c.read(name) for name in names}
     start = datetime.datetime.now()
     p = subprocess.run([c.program, "K", "/E"], env=c.run_env, capture_output=True, text=True, timeout=600)
     end = datetime.datetime.now()
@@ -350,12 +362,12 @@ def one(seed, args):
     if check.returncode:
         problems.append("zavdb check: " + check.stdout + check.stderr)
     if problems:
-        print(f"seed {seed} ({folder}):")
+        print(f"seed {seed} ({c.folder}):")
         for line in problems[:12]:
             print("   ", line)
         print(f"    {len(problems)} problems in all; definitions: {definitions}")
     elif not args.keep:
-        shutil.rmtree(folder)
+        shutil.rmtree(c.folder)
     return not problems
 
 

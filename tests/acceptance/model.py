@@ -4,6 +4,7 @@ It shares nothing with the program: it computes from exported tables what a defi
 the driver compares every cell. Amounts are doubles, rounded once per operation; a single-precision
 field rounds its value (see f32)."""
 
+import datetime
 import decimal
 import math
 import re
@@ -79,7 +80,8 @@ class Refused(Exception):
 
 
 PATTERNS = {"Class": r"[0-9]{1,3}", "Number": r"[+-]?[0-9]+(\.[0-9]+)?(e-?[0-9]+)?", "Date": r"(\d{4}-\d\d-\d\d)?",
-            "Groups": r"([0-9]+(,[0-9]+)*)?", "Check": "[01]"}
+            "Groups": r"([0-9]+(,[0-9]+)*)?", "Check": "[01]", "Most": r"[0-9]{0,9}",
+            "Percent": r"([0-9]+(\.[0-9]+)?)?"}
 
 
 def kind_of(control):
@@ -87,7 +89,8 @@ def kind_of(control):
         return "Class"
     if control in COEFFICIENTS or control == "PriceChangeLimitEdit":
         return "Number"
-    return {"MTToimPaivaRajaus": "Date", "AsRyhmaCheckList": "Groups"}.get(
+    return {"MTToimPaivaRajaus": "Date", "Muutospaiva": "Date", "AsRyhmaCheckList": "Groups",
+            "TurvarajaTuotteet": "Most", "TurvarajaProsentti": "Percent"}.get(
         control, "Check" if control in ("Kampanjat", "MaaraAle", "VieHr") else "Text")
 
 
@@ -126,6 +129,9 @@ class Definition:
         self.limit = float(g("PriceChangeLimitEdit", "0"))
         self.step = int(g("PyoristysRadioGroup", "1"))
         self.rule = int(g("PyoristysSaantoRadioGroup", "0"))
+        self.day = g("Muutospaiva", "")
+        self.most = g("TurvarajaTuotteet", "")
+        self.percent = g("TurvarajaProsentti", "")
         self.groups = [int(x) for x in g("AsRyhmaCheckList", "").split(",") if x]
 
     def refusals(self, rates, groups):
@@ -197,6 +203,9 @@ class Run:
         refusals = d.refusals(self.rates, {r["Nro"] for r in self.tab["ASRYHMA"]})
         if refusals:
             raise Refused(refusals)
+        if d.day and datetime.datetime.now() < (datetime.datetime.fromisoformat(d.day)
+                                                - datetime.timedelta(hours=9)):
+            raise Refused("Olet vaihtamassa veroluokkaa, vaikka kuukausi ei ole vielä vaihtunut!")
         if d.t <= 0:
             raise Refused("Kohteen ALV -luokka on oltava > 0!")
         if d.t not in self.rates:
@@ -207,6 +216,11 @@ class Run:
             raise Refused("Lähteen ALV -luokan prosentti on sama kuin kohteen ALV -luokan prosentti!")
         self.by_number = {p["NUMERO"]: p for p in self.tab["TUOTE"]}
         self.chosen = {n for n, p in self.by_number.items() if selected(d, p)}
+        if d.most and len(self.chosen) > int(d.most):
+            raise Refused([("TurvarajaTuotteet", d.most)])
+        self.limited = self.beyond_limit() if d.percent and d.on("Tuotteet", "1") else set()
+        self.failed = bool(self.limited)
+        self.priced = self.chosen - self.limited
         if d.on("asiakashinnasto"):
             self.customer_price_lists()
         if d.on("Kampanjat"):
@@ -226,6 +240,30 @@ class Run:
         if d.on("chkCheckWebstoreCompliantProductIds"):
             self.product_codes()
 
+    def new_level(self, n, product):
+        v = product[LEVEL_FIELDS[PRICE_COLUMNS.index(self.d.level[n][0])]]
+        return self.price(n, v) if v >= self.d.limit else v
+
+    def beyond_limit(self):
+        """The selected products of which a price level would change by too many percents."""
+        limited = set()
+        levels = [n for n in range(9) if self.d.level[n][0] != "0"]
+        for number in self.chosen:
+            shown, beyond = [], False
+            for n in levels:
+                old, new = self.by_number[number][LEVEL_FIELDS[n]], self.new_level(n, self.by_number[number])
+                text = f"{PRICE_COLUMNS[n]} {fixed(old, 3)} -> {fixed(new, 3)}"
+                if old != 0:
+                    change = (new - old) / abs(old) * 100
+                    text += f" ({change:+.2f} %)"
+                    beyond |= abs(change) > float(self.d.percent) + 1e-9 or (old > 0 and new <= 0)
+                shown.append(text)
+            if beyond:
+                limited.add(number)
+                self.log.append(f"Huomaa: tuotetta {number} ei muuteta, turvaraja {float(self.d.percent):g} % "
+                                f"ylittyy: {', '.join(shown)}")
+        return limited
+
     def customer_price_lists(self):
         d = self.d
         groups = {g for g in d.groups if any(r["Nro"] == g for r in self.tab["ASRYHMA"])}
@@ -233,7 +271,7 @@ class Run:
         types = (1, 2) if d.on("WebKauppaAsHinCheckBox") else (1,)
         lines = []
         for r in self.tab["ASALE"]:
-            if not (r["Tuote"] in self.chosen and r["Tyyppi"] == 1 and not r["Prosentteina"]
+            if not (r["Tuote"] in self.priced and r["Tyyppi"] == 1 and not r["Prosentteina"]
                     and r["Hinta"] > 0 and not r["OstohintaLahtoinen"]):
                 continue
             if groups and not ((r["AsikasTyyppi"] == 0 and r["AsiakasNumero"] in in_groups) or
@@ -253,8 +291,8 @@ class Run:
 
     def campaigns(self):
         for r in self.tab["KAMPPANJA"]:
-            if (r["Tuote"] in self.chosen and not r["Prosentti"]
-                    and (r["Loppu"] == "" or r["Loppu"] >= "2024-09-01")):
+            if (r["Tuote"] in self.priced and not r["Prosentti"]
+                    and (r["Loppu"] == "" or r["Loppu"] >= (self.d.day or "2024-09-01"))):
                 price, purchase = self.price(0, r["Myyntihinta"]), self.d.ko * r["Ostohinta"]
                 self.log.append(cells(f"Kampanja: {r['Tuote']} {r['RiviNro']}; %;%;%;%", r["Myyntihinta"], price,
                                       r["Ostohinta"], purchase))
@@ -262,7 +300,7 @@ class Run:
 
     def recurring(self):
         for r in self.tab["VAKIOLASKUTUS"]:
-            if r["Tuote"] in self.chosen:
+            if r["Tuote"] in self.priced:
                 old = r["ahinta"], r["Yhteensa"], r["ostohinta"]
                 r["ahinta"], r["Yhteensa"] = self.price(0, r["ahinta"]), self.price(0, r["Yhteensa"])
                 r["ostohinta"] = self.d.ko * r["ostohinta"]
@@ -272,12 +310,17 @@ class Run:
 
     def quantity_discounts(self):
         used = {self.by_number[n]["maaraAle"] for n in self.chosen}
+        of_limited = {self.by_number[n]["maaraAle"] for n in self.limited}
         for r in self.tab["MAARAALE"]:
-            if r["Numero"] in used and (r["Loppu"] == "" or r["Loppu"] >= "2024-07-01"):
+            if r["Numero"] in used and (
+                    r["Loppu"] == "" or r["Loppu"] >= (self.d.day or "2024-07-01")):
                 price, purchase = self.price(0, r["Arvo"]), self.d.ko * r["Ostohinta"]
                 self.log.append(f"Määräale {r['Nimi']} ( {r['Numero']} ) arvo: {fixed(r['Arvo'], 4)} -> "
                                 f"{fixed(price, 4)} ostohinta: {fixed(r['Ostohinta'], 4)} -> {fixed(purchase, 4)}")
                 r["Arvo"], r["Ostohinta"] = f32(price), purchase
+                if r["Numero"] in of_limited:
+                    self.log.append(f"Huomaa: määräalennus {r['Numero']} muutettiin, vaikka turvaraja ohitti "
+                                    "sen tuotteita")
 
     def product_groups(self):
         first, last = self.d.number("TuoteryhmaAlkuEdit"), self.d.number("TuoteryhmaLoppuEdit")
@@ -292,7 +335,7 @@ class Run:
             return
         d, f = self.d, self.factor(self.d.t)
         levels = [n for n in range(9) if d.level[n][0] != "0"]
-        hit = {p["NUMERO"] for p in self.tab["TUOTE"] if p["LVV"] == d.s}
+        hit = {p["NUMERO"] for p in self.tab["TUOTE"] if p["LVV"] == d.s} - self.limited
         rows = [r for r in self.tab["MYYMALAHINNAT"] if r["Tuote"] in hit]
         if not levels or not rows:
             return
@@ -316,12 +359,11 @@ class Run:
     def products(self):
         d = self.d
         levels = [n for n in range(9) if d.level[n][0] != "0"]
-        for number in [p["NUMERO"] for p in self.tab["TUOTE"] if p["NUMERO"] in self.chosen]:
+        for number in [p["NUMERO"] for p in self.tab["TUOTE"] if p["NUMERO"] in self.priced]:
             p = self.by_number[number]
             old = dict(p)
             for n in levels:
-                v = old[LEVEL_FIELDS[PRICE_COLUMNS.index(d.level[n][0])]]
-                p[LEVEL_FIELDS[n]] = self.price(n, v) if v >= d.limit else v
+                p[LEVEL_FIELDS[n]] = self.new_level(n, old)
             if d.ko != 1.0:
                 p["KESKIHINTA"], p["ANNOSHINTA"] = d.ko * old["KESKIHINTA"], d.ko * old["ANNOSHINTA"]
             if d.kv != 1.0:
@@ -337,7 +379,7 @@ class Run:
             if d.on("VieHr", "1") and p["HRKPL"] > 0:
                 self.label(number, p["HRKPL"])
 
-        self.log.append(f"Tuotetiedot muutettu ( {len(self.chosen)} kpl)")
+        self.log.append(f"Tuotetiedot muutettu ( {len(self.priced)} kpl)")
 
     def product_line(self, number, old, new, levels):
         line = f"Tuote: {number}"

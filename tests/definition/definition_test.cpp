@@ -2,7 +2,7 @@
 
 #include "tests/support/checks.h"
 #include "vatchange/definition/coefficients.h"
-#include "vatchange/definition/definition_problems.h"
+#include "vatchange/definition/definition_findings.h"
 #include "vatchange/definition/ignore_list.h"
 
 using framework::SavedDefinition;
@@ -49,6 +49,9 @@ TEST(DefinitionCodec, ATextIsReadAndWrittenOrRefused) {
         {"PriceChangeLimitEdit", {{"10.005", "10.005"}}, {"-0.01", "1000000000000"}},
         {"HintaLahde2", {{" hinta3 ", "hinta3"}, {"", "0"}, {"hinta10", "hinta10"}}, {}},
         {"MTToimPaivaRajaus", {{"2024-09-01", "2024-09-01"}, {"", ""}}, {"1.9.2024", "2024-02-30"}},
+        {"TurvarajaTuotteet", {{"0", "0"}, {" 050 ", "050"}, {" ", ""}}, {"-1", "1.5", "1e3"}},
+        {"TurvarajaProsentti", {{"2.50", "2.5"}, {"0", "0"}, {"", ""}}, {"2,5", "-1", "nan"}},
+        {"Muutospaiva", {{"2026-01-01", "2026-01-01"}, {"", ""}}, {"1.1.2026", "2026-13-01"}},
         {"AsRyhmaCheckList", {{"5,1,,5", "1,5"}, {"", ""}}, {"1;2", ",", "3000000000"}},
         {"PyoristysRadioGroup", {{"4", "4"}}, {"5", "-1"}},
         {"edtPaaryhmaIgnore", {{" 610; x", " 610; x"}}, {}},
@@ -58,7 +61,9 @@ TEST(DefinitionCodec, ATextIsReadAndWrittenOrRefused) {
         const auto decode = [&](const char* text, SavedDefinition& saved) {
             saved.values = {{control, str(text)}};
             const auto decoded = vatchange::decodeDefinition(saved);
-            EXPECT_EQ(decoded.missing.size(), vatchange::changeFields().size() - 1);
+            const std::size_t required = vatchange::changeFields().size() - 3;
+            EXPECT_EQ(decoded.missing.size(),
+                      required - (vatchange::changeField(control).optional ? 0 : 1));
             return decoded;
         };
         SavedDefinition saved;
@@ -85,7 +90,8 @@ TEST(DefinitionCodec, EveryFieldAloneIsReadBack) {
         {FieldKind::Text, "A 1"},        {FieldKind::IgnoreList, "3,5"},
         {FieldKind::Amount, "12.5"},     {FieldKind::Source, "hinta7"},
         {FieldKind::Date, "2024-09-01"}, {FieldKind::Groups, "1,5"},
-        {FieldKind::Choice, "2"},        {FieldKind::Coefficient, "1.1"}};
+        {FieldKind::Choice, "2"},        {FieldKind::Coefficient, "1.1"},
+        {FieldKind::MostCount, "7"},     {FieldKind::MostAmount, "7.5"}};
     const auto defaults = vatchange::encodeDefinition({});
     EXPECT_EQ(static_cast<std::size_t>(defaults.size()), vatchange::changeFields().size());
     for (const ChangeField& field : vatchange::changeFields()) {
@@ -187,29 +193,102 @@ TEST(DefinitionProblems, RefusedDefinitions) {
     EXPECT_TRUE(vatchange::definitionProblems(loadedWith("LahdeAlvLuokkaEdit=77"), {}).empty());
 }
 
-TEST(DefinitionNotes, NameIgnoredValues) {
-    LoadedDefinition loaded = loadedWith(
-        "HintaLahde3=hinta10;HintaLahde4=0;HintaLahde5=;"
-        "edtPaaryhmaIgnore=610, 620,,x 1;AsRyhmaCheckList=1,9");
+// VAT classes 3 (24 %), 6 (25.5 %) and 200.
+const CompanyFacts kFactsWithRates = {{{3, 6, 200}}, {{1, 2}}, {{3, 24}, {6, 25.5}, {200, 14}}};
+
+TEST(DefinitionFindings, WhatLooksLikeAMistake) {
+    using enum vatchange::DefinitionFindingKind;
+    const struct {
+        const char* settings;
+        std::vector<std::pair<vatchange::DefinitionFindingKind, const char*>> found;
+    } cases[] = {
+        {"", {}},
+        {"LahdeAlvLuokkaEdit=0", {{ClassZero, "LahdeAlvLuokkaEdit=0"}}},
+        {"KohdeAlvLuokkaEdit=0", {{ClassZero, "KohdeAlvLuokkaEdit=0"}}},
+        {"HintaLahde3=hinta10",
+         {{NoSource, "tuntematon hinnan lähde HintaLahde3=hinta10, hintatasoa ei muuteta"}}},
+        {"Hinta2Edit=1.1",
+         {{CoefficientUnused, "Hinta2Edit=1.1 (Hinta 2, kerroin): hintatasolla"}}},
+        {"Hinta1Edit=1.00813008",
+         {{CoefficientReplaced,
+           "Hinta1Edit=1.00813008 (Hinta 1, kerroin): "
+           "edellisen muutoksen kertoimen tilalla on nyt "
+           "1.0120967741935485"}}},
+        {"edtPaaryhmaIgnore=610, 620,,x 1",
+         {{DroppedItem,
+           "ulosrajattavissa ryhmissä (edtPaaryhmaIgnore) on kohta, joka ei ole "
+           "ryhmän numero ja jota ei oteta huomioon: x 1"}}},
+        {"AsRyhmaCheckList=1,9",
+         {{MissingGroup,
+           "asiakasryhmää 9 ei enää ole (AsRyhmaCheckList), sitä ei oteta "
+           "huomioon"}}},
+        // the last group is not dropped: none at all would mean every customer
+        {"AsRyhmaCheckList=8,9", {}},
+        // used coefficients only
+        {"Hinta1Edit=0.9;OstohintaEdit=1.25", {}},
+        {"Hinta1Edit=0.89", {{CoefficientRange, "Hinta1Edit=0.89 (Hinta 1, kerroin): kerroin"}}},
+        {"OstohintaEdit=1.26;ViimOstohintaEdit=2;MtKerroinEdit=2;OtKerroinEdit=2",
+         {{CoefficientRange, "OstohintaEdit=1.26"}, {CoefficientRange, "ViimOstohintaEdit=2"}}},
+        {"Tuotteet=0;OstohintaEdit=2;MtKerroinEdit=2;MtCheckBox=1;OtKerroinEdit=2;OtCheckBox=1;"
+         "SailytaAlv0_CheckBoxOT=1",
+         {{CoefficientRange, "OstohintaEdit=2"}, {CoefficientRange, "MtKerroinEdit=2"}}},
+        // a range bounds nothing where its restriction is off, but for the product groups' own
+        {"AliryhmaAlkuEdit=5;AliryhmaLoppuEdit=3", {}},
+        {"AliryhmaAlkuEdit=5;AliryhmaLoppuEdit=3;AliryhmaCheckBox=1",
+         {{InvertedRange, "AliryhmaAlkuEdit=5 (Aliryhmä, alku): alku on suurempi kuin loppu (3)"}}},
+        {"TuoteryhmaAlkuEdit=5;TuoteryhmaLoppuEdit=3", {{InvertedRange, "TuoteryhmaAlkuEdit=5"}}},
+        {"PaaryhmaAlkuEdit=5;PaaryhmaCheckBox=1", {}},
+        {"SailytaAlv0_CheckBox1=1", {}},
+        {"SailytaAlv0_CheckBox1=1;Hinta1Edit=1.012097", {}},
+        {"SailytaAlv0_CheckBox1=1;Hinta1Edit=1.0121",
+         {{KeepVat0Coefficient,
+           "Hinta1Edit=1.0121 (Hinta 1, kerroin): alv0-hinnan säilyttävä "
+           "kerroin luokasta 3 luokkaan 6 on 1.0120967741935485"}}},
+        {"SailytaAlv0_CheckBox1=1;Hinta1Edit=1.1;Tuotteet=0", {}},
+        {"SailytaAlv0_CheckBoxOstohinta=1", {{KeepVat0Coefficient, "OstohintaEdit=1 ("}}},
+        {"TurvarajaProsentti=5", {}},
+        {"TurvarajaProsentti=5;Tuotteet=0", {{LimitUnused, "TurvarajaProsentti=5"}}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.settings);
+        const auto findings =
+            vatchange::definitionFindings(loadedWith(c.settings), kFactsWithRates);
+        ASSERT_EQ(findings.size(), c.found.size());
+        for (size_t i = 0; i < findings.size(); ++i) {
+            EXPECT_EQ(findings[i].kind, c.found[i].first);
+            EXPECT_TRUE(findings[i].text.startsWith(str(c.found[i].second)))
+                << findings[i].text.toStdString();
+        }
+    }
+    LoadedDefinition loaded = loadedWith("");
     loaded.repeatedLine = 12;
-    EXPECT_EQ(vatchange::definitionNotes(loaded, kFacts),
-              QStringList({str("määrittelyn nimi on tiedostossa toisen kerran rivillä 12: vain "
-                               "ensimmäinen luetaan"),
-                           str("tuntematon hinnan lähde HintaLahde3=hinta10, hintatasoa ei "
-                               "muuteta"),
-                           str("ulosrajattavissa ryhmissä (edtPaaryhmaIgnore) on kohta, joka ei "
-                               "ole ryhmän numero ja jota ei oteta huomioon: x 1"),
-                           str("asiakasryhmää 9 ei enää ole (AsRyhmaCheckList), sitä ei oteta "
-                               "huomioon")}));
-    EXPECT_EQ(loaded.definition.levels[2], vatchange::PriceLevelChange());
+    EXPECT_EQ(vatchange::definitionFindings(loaded, {}).at(0).text,
+              str("määrittelyn nimi on tiedostossa toisen kerran rivillä 12: vain ensimmäinen "
+                  "luetaan"));
+
+    // the batch has run 3 -> 6 before, but for the product groups from 10 on
+    const std::vector<vatchange::EarlierDefinition> earlier = {
+        {str("A"),
+         loadedWith("TuoteryhmaCheckBox=1;TuoteryhmaAlkuEdit=1;TuoteryhmaLoppuEdit=9").definition}};
+    const auto inBatch = [&](const char* settings) {
+        const auto found = vatchange::definitionFindings(loadedWith(settings), {}, earlier);
+        return found.size() == 1 ? std::optional(found[0].kind) : std::nullopt;
+    };
+    EXPECT_EQ(inBatch(""), std::nullopt);  // the rest of the groups
+    EXPECT_EQ(inBatch("TuoteryhmaCheckBox=1;TuoteryhmaAlkuEdit=1;TuoteryhmaLoppuEdit=9"), Repeated);
+    EXPECT_EQ(inBatch("LahdeAlvLuokkaEdit=6;KohdeAlvLuokkaEdit=200"), ChangedTwice);
+    EXPECT_EQ(inBatch("LahdeAlvLuokkaEdit=6;KohdeAlvLuokkaEdit=200;TuoteryhmaCheckBox=1;"
+                      "TuoteryhmaAlkuEdit=10;TuoteryhmaLoppuEdit=20"),
+              std::nullopt);
+}
+
+TEST(CustomerGroups, MissingOnesAreDroppedUnlessAllAreMissing) {
+    LoadedDefinition loaded = loadedWith("AsRyhmaCheckList=1,9");
     vatchange::dropMissingGroups(loaded.definition, kFacts);
     EXPECT_EQ(loaded.definition.customerGroups, std::vector<int>({1}));
-
-    // the last group is not dropped: none at all would mean every customer
     loaded = loadedWith("AsRyhmaCheckList=8,9");
     vatchange::dropMissingGroups(loaded.definition, kFacts);
     EXPECT_EQ(loaded.definition.customerGroups, std::vector<int>({8, 9}));
-    EXPECT_TRUE(vatchange::definitionNotes(loaded, kFacts).isEmpty());
 }
 
 TEST(LoadFindings, ApplyUntilTheirValueIsEdited) {

@@ -48,6 +48,7 @@ class FormTest : public ::testing::Test {
     void openForm() {
         delete m_form;
         m_form = new vatchange::TAlvMuutosLomake(m_shop.database());
+        m_form->resize(1300, 700);  // wide enough for the three columns of groups
         m_form->show();
         QApplication::setActiveWindow(m_form);
         EXPECT_TRUE(QTest::qWaitForWindowActive(m_form));

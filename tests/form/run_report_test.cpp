@@ -1,4 +1,4 @@
-#include "vatchange/form/run_report.h"
+#include "vatchange/report/change_report.h"
 
 #include <QAbstractButton>
 #include <QRegularExpression>
@@ -34,39 +34,25 @@ TEST(DefinitionReport, DescribesRestrictionsAsTheSelectionAppliesThem) {
                               ">ei rajausta<", ">Hinta 3<", ">numeroon 7 asti<"});
 }
 
-TEST(RunReport, ListsChangesFailuresAndSkippedProducts) {
-    test::CompanyFolder company;
+TEST(ChangeReport, ARefusedRunIsToldWithItsLogLines) {
+    const test::ShopCompany shop;
     vatchange::ChangeReport report;
     report.company = str("Koe <Oy>");
     report.name = str("Alv255");
+    expectParts(changeReport(shop.database(), report).html, {"ei ole ajettu muutosta"});
     vatchange::RunSummary run;
-    run.definitionName = str("Alv255");
-    run.definition.targetClass = 6;  // the form has been changed since
     run.started = QDateTime(QDate(2024, 9, 1), QTime(6, 30));
     run.ended = run.started.addSecs(3725);
-    run.result.changed = {{str("Tuotteet"), 1234}};
-    run.result.failedSteps = 1;
-    run.result.failures = {str("Virhe kampanjan päivityksessä: Levy on täynnä")};
-    run.result.skippedProducts = 3;
-    run.result.skippedNumbers = {str("A1"), str("A2")};
-    run.logName = company.file(str("ALVMUUTOS.LOG"));
+    run.result.refused = true;
+    run.result.refusal = str("Kohteen ALV -luokan on oltava > 0!");
+    run.logName = shop.file(str("ALVMUUTOS.LOG"));
     test::writeFile(run.logName, "01.09.2024 06:30:00@KONE  Aloitetaan taksavaihe\n");
     run.logTo = QFileInfo(run.logName).size();
     report.lastRun = run;
-
-    const framework::Report made = changeReport(report);
+    const framework::Report made = changeReport(shop.database(), report);
     EXPECT_EQ(made.headLeft, report.company);
-    expectParts(made.html, {"kesto 1 h 2 min", "kaikki ei onnistunut", ">Tuotteet<",
-                            "Virhe kampanjan päivityksessä: Levy on täynnä", "A1, A2 ja 1 muuta",
-                            "Ajettu määrittely", "06:30:00@KONE  Aloitetaan taksavaihe"});
-
-    report.lastRun->result = {};
-    report.lastRun->result.refused = true;
-    report.lastRun->result.refusal = str("Kohteen ALV -luokan on oltava > 0!");
-    expectParts(changeReport(report).html,
-                {"Muutosta ei tehty", "oltava &gt; 0!", "Ajo ei muuttanut mitään."});
-    report.lastRun.reset();
-    expectParts(changeReport(report).html, {"ei ole ajettu muutosta"});
+    expectParts(made.html, {"kesto 1 h 2 min", "Muutosta ei tehty", "oltava &gt; 0!",
+                            "06:30:00@KONE  Aloitetaan taksavaihe"});
 }
 
 int pagesOf(const QString& html, const QString& file) {

@@ -39,8 +39,8 @@ class SearchWindows : public test::FormTest {
         return nullptr;
     }
     /// Drags a text out of a search window's grid onto an edit.
-    static void drop(QWidget* target, const QString& text) {
-        const std::unique_ptr<QMimeData> data(search::dragData(str("DBGrid1"), text));
+    static void drop(QWidget* target, const QString& text, const char* table = "") {
+        const std::unique_ptr<QMimeData> data(search::dragData(str("DBGrid1"), text, str(table)));
         const QPoint place = target->rect().center();
         QDragEnterEvent enter(place, Qt::CopyAction, data.get(), Qt::LeftButton, {});
         QApplication::sendEvent(target, &enter);
@@ -102,6 +102,23 @@ TEST_F(SearchWindows, ADraggedNumberReplacesTheTextOfARangeEdit) {
         drop(control(edit), str(dragged));
         EXPECT_EQ(text(edit), shown) << edit;
     }
+
+    // numbers of other tables are refused with a reason, right ones have their group's name
+    drop(c().mainGroup.first, str("2"), "PRYHMA");
+    EXPECT_EQ(text("PaaryhmaAlkuEdit"), "2");
+    const std::tuple<QLineEdit*, const char*, const char*> refused[] = {
+        {c().subGroup.first, "TUOTE", "Raahattu numero on tuotteen, tähän kuuluu aliryhmä"},
+        {c().mainGroup.last, "TRYHMA", "Raahattu numero on tuoteryhmän, tähän kuuluu pääryhmä"},
+        {c().targetClass, "TUOTE", "Raahattu numero on tuotteen, tähän kuuluu alv-luokka"}};
+    for (const auto& [edit, table, reason] : refused) {
+        const QString before = edit->text();
+        drop(edit, str("7"), table);
+        EXPECT_EQ(edit->text(), before);
+        EXPECT_EQ(control<QLabel>("StatusLabel")->text(), str(reason));
+    }
+    auto* names = c().subGroup.names;
+    EXPECT_TRUE(QTest::qWaitFor([names] { return names->isVisible(); }));
+    EXPECT_EQ(names->text(), str("Teet – ryhmää 103 ei ole"));
 }
 
 }  // namespace

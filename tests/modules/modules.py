@@ -39,18 +39,29 @@ RULES = {  # module: the modules and headers it may use; "x/*" is x and all modu
                          "vatchange/journal", "data/*"],
     "vatchange/run": ["vatchange/definition", "vatchange/rules", "vatchange/ports",
                       "vatchange/orders", "vatchange/journal", "framework/core", "company", "platform", "data/*"],
+    "vatchange/changes": ["vatchange/definition", "vatchange/rules", "vatchange/ports",
+                          "vatchange/journal", "platform", "data/*"],
+    "vatchange/rehearsal": ["vatchange/definition", "vatchange/rules", "vatchange/ports", "vatchange/journal",
+                            "vatchange/changes", "vatchange/run", "framework/core", "company", "platform",
+                            "data/*"],
+    "vatchange/report": ["vatchange/changes", "vatchange/journal", "vatchange/run", "vatchange/ports",
+                         "vatchange/rules", "vatchange/definition", "framework/*", "company", "platform",
+                         "data/*"],
+    "vatchange/views": ["vatchange/report", "vatchange/changes", "vatchange/journal", "vatchange/run",
+                        "vatchange/ports", "vatchange/rules", "vatchange/definition", "search",
+                        "framework/*", "company", "platform", "data/*"],
     "vatchange/form": ["vatchange/*", "search", "framework/*", "company", "platform", "data/*"],
     "shell": ["vatchange/*", "search", "framework/*", "company", "platform", "data/*"],
     "tools/dictc": ["data/*"],
     "tools/zavdb/demo": ["data/*"],
     "tools/zavdb": ["vatchange/definition", "vatchange/rules", "vatchange/ports",
-                    "vatchange/journal", "tools/zavdb/demo", "company", "engines/*", "platform", "data/*"],
+                    "vatchange/journal", "vatchange/changes", "tools/zavdb/demo", "company", "engines/*", "platform", "data/*"],
 }
 # The headers of an engine that other modules may include.
 PUBLIC = {"engines/embedded": ["embedded_database.h"],
           "engines/shops": ["shops_database.h", "odbc_connection.h"]}
 PARTS = {"engines/extension"}  # may include an engine's private headers
-WINDOWLESS = re.compile(r"(data|platform|engines|company|framework/core|tools|vatchange/(?!form))\b")
+WINDOWLESS = re.compile(r"(data|platform|engines|company|framework/core|tools|vatchange/(?!form|report|views))\b")
 WINDOW_HEADER = re.compile(
     r"Q(Widget|Dialog|Application|MainWindow|MessageBox|Label|PushButton|Painter)$")
 FOLDERS = ("data", "engines", "platform", "company", "framework", "search", "vatchange", "shell",

@@ -39,6 +39,8 @@ TEST(ChangeRun, LogsEveryStep) {
               (QStringList{
                   "Huomaa: ulosrajattavissa ryhmissä (edtAliryhmaIgnore) on kohta, joka ei ole "
                   "ryhmän numero ja jota ei oteta huomioon: x",
+                  "Huomaa: ViimOstohintaEdit=0.5 (Viim. ostohinta): kerroin ei ole välillä 0.9 - "
+                  "1.25",
                   "Aloitetaan taksavaiheet, parametrit ->",
                   "Rajaus: ( AliRyhma not in ( 5 )) AND ( lvv = 3 OR alv2 = 3 OR ostovero = 3) "
                   "Pyöristys: Normaali, 1 senttiä",

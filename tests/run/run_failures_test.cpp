@@ -171,7 +171,8 @@ TEST(FailingRun, ConvertsProductsWithoutALabelTable) {
         EXPECT_FALSE(result.cancelled);
         EXPECT_EQ(result.failedSteps, 1);
         EXPECT_EQ(company.ports.linesWith("Virhe hr "), 1);
-        EXPECT_TRUE(company.ports.lines.front().startsWith("Virhe hr ")) << "before any change";
+        EXPECT_TRUE(company.ports.lines[0].startsWith("Huomaa: hyllynreunaetikettien taulua HR"));
+        EXPECT_TRUE(company.ports.lines[1].startsWith("Virhe hr ")) << "before any change";
     }
     RunCompany company({"HR"});
     addProducts(company, 2);

@@ -43,9 +43,9 @@ class VerificationTest : public ::testing::Test {
 
     // "TUOTE 2 restriction", for each table and reason.
     static QStringList remaining(const Verification& verification) {
-        static const char* const kReasons[] = {"restriction",   "table not chosen", "rule",
-                                               "passed over",   "not finished",     "step failed",
-                                               "changed since", "undone",           "unknown"};
+        static const char* const kReasons[] = {
+            "restriction",  "table not chosen", "rule",          "passed over", "over the limit",
+            "not finished", "step failed",      "changed since", "undone",      "unknown"};
         QStringList texts;
         for (const Remainder& r : verification.remaining)
             texts += QStringLiteral("%1 %2 %3")

@@ -95,7 +95,7 @@ struct Recorder {
         ports.generalLog = [this](const QString& line) { events += str("general: ") + line; };
         ports.standardError = [this](const QString& line) { events += str("error: ") + line; };
         ports.changeLog = [this](const QString& line) { events += line; };
-        return runBatch({batch, str("lista"), listIsUnreadable}, ports);
+        return runBatch({batch, {}, str("lista"), listIsUnreadable}, ports);
     }
 };
 

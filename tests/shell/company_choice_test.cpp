@@ -6,13 +6,15 @@
 #include <QDir>
 #include <QSpinBox>
 #include <QTest>
+#include <QTimer>
 
+#include "company/registration.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/demo_company_dialog.h"
 #include "platform/command_line.h"
 #include "platform/user_settings.h"
-#include "tests/support/company_folder.h"
 #include "tests/support/scripted_dialogs.h"
+#include "tests/support/test_company.h"
 
 using test::str;
 
@@ -27,7 +29,8 @@ TEST(CompanyChoice, AFirstStartOffersToMakeACompany) {
         const auto button = [&](const char* name) {
             return choice.findChild<QPushButton*>(str(name));
         };
-        EXPECT_EQ(button("EsimerkkiButton")->isVisible(), offered);
+        for (const char* name : {"EsimerkkiButton", "EnsimmainenButton"})
+            EXPECT_EQ(button(name)->isVisible(), offered);
         EXPECT_EQ(choice.findChild<QTreeWidget*>()->isVisible(), !offered);
         EXPECT_EQ(button("ValitseButton")->isEnabled(), !offered);
     };
@@ -70,6 +73,52 @@ TEST(CompanyChoice, ByParameterOrFromTheList) {
     QTest::keyClick(list, Qt::Key_Return);
     EXPECT_EQ(choice.result(), QDialog::Accepted);
     EXPECT_EQ(company::currentCompany().name, str("Beeta"));
+}
+
+// What "zavdb add" refuses is refused here too: both use the same checks.
+TEST(CompanyChoice, ACompanyIsAddedUsedAndTakenOffTheList) {
+    test::ScriptedDialogs dialogs;
+    const test::CompanyFolder first(str("Aalto"));
+    const QTemporaryDir folder;
+    const QString path = QDir(folder.path()).canonicalPath();
+    framework::TYritysValinta choice;
+    choice.show();
+    auto* list = choice.findChild<QTreeWidget*>(str("YritysLista"));
+    const auto click = [&choice](const char* name) {
+        QTest::mouseClick(choice.findChild<QPushButton*>(str(name)), Qt::LeftButton);
+    };
+    const auto addFolder = [&](const QString& refusal) {
+        QTimer::singleShot(0, &choice, [] {
+            QWidget* dialog = QApplication::activeModalWidget();
+            ASSERT_NE(dialog, nullptr);
+            for (const char* button : {"SelaaButton", "LisaaButton"})
+                QTest::mouseClick(dialog->findChild<QPushButton*>(str(button)), Qt::LeftButton);
+            dialog->close();
+        });
+        dialogs.expectFileChoice(path);
+        if (!refusal.isEmpty())
+            dialogs.expectMessage(refusal);
+        click("LisaaButton");
+    };
+    const QString name = QFileInfo(path).fileName();
+    addFolder(str("Kansiossa %1 ei ole yrityksen tietokantaa (YRITYS.ZDB).")
+                  .arg(QDir::toNativeSeparators(path)));
+    EXPECT_FALSE(company::findAlias(name));
+    test::createCompany(path, {});
+    addFolder({});
+    ASSERT_TRUE(company::findAlias(name));
+    EXPECT_EQ(list->currentItem()->text(0), name);
+
+    company::rememberUse(name);
+    EXPECT_EQ(company::companiesByUse(), QStringList({name, str("Aalto")}));
+    dialogs.expectQuestion(str("Poistetaanko yritys \"%1\" luettelosta?\nSen tiedostot jäävät "
+                               "kansioon %2.")
+                               .arg(name, QDir::toNativeSeparators(path)),
+                           true);
+    click("PoistaButton");
+    EXPECT_FALSE(company::findAlias(name));
+    EXPECT_TRUE(QFile::exists(folder.filePath(str("YRITYS.ZDB"))));
+    EXPECT_EQ(company::companiesByUse(), QStringList({str("Aalto")}));
 }
 
 class DemoCompany : public ::testing::Test {

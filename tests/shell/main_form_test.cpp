@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QDesktopServices>
 #include <QTest>
 #include <QTimer>
-#include <QUrl>
 
 #include "framework/core/definition_store.h"
 #include "tests/support/scripted_dialogs.h"
@@ -156,8 +154,10 @@ TEST_F(MainForm, RunMarkKeepsTheChangeFormClosedUntilItIsDeleted) {
     };
     setMark("2024-09-01 07:00:00");
     setMark("2024-09-01 08:00:00");
-    m_dialogs.expectMessage(str("Taksavaihe on kertaalleen ajettu"));
+    m_dialogs.expectAnyMessage();
     click("BitBtn1");
+    EXPECT_TRUE(m_dialogs.lastText().startsWith(str(
+        "Taksavaihe on kertaalleen ajettu\n\nAjomerkintä on kirjoitettu 2024-09-01 07:00:00.")));
     EXPECT_EQ(m_form.changeForm(), nullptr);
 
     expectQuestion(false);
@@ -201,22 +201,20 @@ TEST_F(MainForm, IsDisabledDuringARun) {
     EXPECT_TRUE(m_form.isVisible());
 }
 
-class UrlCatcher : public QObject {
-    Q_OBJECT
-  public:
-    QList<QUrl> urls;
-  public Q_SLOTS:
-    void open(const QUrl& url) { urls.append(url); }
-};
-
-TEST_F(MainForm, LogOpensInTheDesktopsProgram) {
-    UrlCatcher desktop;
-    QDesktopServices::setUrlHandler(str("file"), &desktop, "open");
-    click("BtnLog");
-    QDesktopServices::unsetUrlHandler(str("file"));
-    EXPECT_EQ(desktop.urls, QList<QUrl>({QUrl::fromLocalFile(company::AlvMuutosLogName())}));
+TEST_F(MainForm, AListWithAnUnknownNameIsSavedOnlyIfThePersonInsists) {
+    saveDefinition("Alv255");
+    m_form.alusta();
+    list(1)->setEditText(str("ALV255"));
+    list(3)->setEditText(str("Alv26"));
+    const QString question =
+        str("Määrittelyä ei ole: \"Alv26\". Eräajo, jonka luettelossa on tällainen nimi, ei aja "
+            "mitään.\nTalletetaanko luettelo silti?");
+    for (const bool insists : {false, true}) {
+        m_dialogs.expectQuestion(question, insists);
+        click("Talleta");
+        EXPECT_EQ(QFile::exists(company::AlvMuutosIniName()), insists);
+        EXPECT_EQ(label("Tila")->text().contains(str("talletettiin")), insists);
+    }
 }
 
 }  // namespace
-
-#include "main_form_test.moc"

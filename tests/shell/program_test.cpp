@@ -6,6 +6,7 @@
 #include <QRegularExpression>
 #include <functional>
 
+#include "company/backup.h"
 #include "company/batch_list.h"
 #include "company/run_mark.h"
 #include "data/engine/run_journal.h"
@@ -13,6 +14,7 @@
 #include "data/windows1252.h"
 #include "framework/core/definition_store.h"
 #include "platform/user_settings.h"
+#include "shell/schedule/schedule_note.h"
 #include "tests/support/shop_company.h"
 #include "vatchange/form/change_form.h"
 
@@ -155,6 +157,92 @@ TEST_F(Program, ExitStatusSaysWhatWentWrong) {
     EXPECT_FALSE(m_errors.isEmpty());
     test::writeFile(empty.file(engines::kEmbeddedFileName), "ei tietokanta");
     EXPECT_EQ(run({str("Tyhjä yritys"), str("/E")}), 2);
+}
+
+TEST_F(Program, ABatchMakesABackupFirstAndAReportAtItsEnd) {
+    setBatch("Alv255");
+    const QString list = m_folder.filePath(str("ALVMUUTOS.INI"));
+    const QByteArray names = test::fileBytes(list);
+    const auto withKeys = [&](const QString& report, const QString& backup) {
+        test::writeFile(list, names + "raportti=" + report.toUtf8() +
+                                  "\nvarmuuskopio=" + backup.toUtf8() + "\nvieras=1\n");
+    };
+    const std::pair<QString, int> refused[] = {{str("/ei/ole"), 1}, {str("suhteellinen"), 2}};
+    for (const auto& [folder, status] : refused) {
+        withKeys(str("1"), folder);
+        EXPECT_EQ(runBatch(), status);
+        EXPECT_EQ(prices(), str("20"));
+        EXPECT_TRUE(m_shop.database().journal()->runs().empty());
+    }
+    EXPECT_EQ(m_shop.logMessages(),
+              QStringList{str("Virhe: eräajoa ei tehdä, koska varmuuskopio ei onnistunut: Luku tai "
+                              "kirjoitus epäonnistui: /ei/ole: kansiota ei ole. Tarkista levy ja "
+                              "verkkoyhteys.")});
+    QTemporaryDir backups;
+    withKeys(str("kyllä"), backups.path());
+    EXPECT_EQ(runBatch(), 2);
+
+    test::writeFile(m_shop.file(str("RAPORTIT")), "tiedosto");  // where the folder would be
+    withKeys(str("1"), backups.path());
+    EXPECT_EQ(runBatch(), 1);
+    EXPECT_EQ(prices(), str("20.24"));
+    EXPECT_TRUE(m_shop.logMessages().last().startsWith(
+        str("Virhe: eräajon raporttia ei voitu kirjoittaa: ")));
+    const QStringList copies = QDir(backups.path()).entryList(QDir::Files);
+    ASSERT_EQ(copies.size(), 1);
+    EXPECT_TRUE(copies.first().startsWith(m_company + u' ')) << copies.first().toStdString();
+    const QTemporaryDir copied;
+    QFile::copy(backups.filePath(copies.first()), copied.filePath(engines::kEmbeddedFileName));
+    EXPECT_EQ(test::rows(*engines::openEmbedded(str("kopio"), copied.path()),
+                         str("select sum(HINTA) from TUOTE")),
+              QStringList{str("20")});
+
+    QFile::remove(m_shop.file(str("RAPORTIT")));
+    company::writeBatchList(list, {str("Alv255")});  // keeps the other keys
+    EXPECT_TRUE(test::fileBytes(list).contains("vieras=1"));
+    QFile::remove(backups.filePath(copies.first()));
+    EXPECT_EQ(runBatch("/E /EP /U"), 0) << m_errors.toStdString();
+    const QDir reports(m_shop.file(str("RAPORTIT")));
+    ASSERT_EQ(reports.entryList({str("* Alv255.pdf")}, QDir::Files).size(), 1);
+    EXPECT_TRUE(test::fileBytes(reports.filePath(reports.entryList(QDir::Files).first()))
+                    .startsWith("%PDF"));
+}
+
+TEST_F(Program, ARestoredBackupReplacesOnlyACompanyThatNobodyUses) {
+    const QString zavdb =
+        QFileInfo(QCoreApplication::applicationFilePath()).dir().filePath(str("zavdb"));
+    const auto call = [&](const QStringList& parameters) {
+        QProcess tool;
+        tool.start(zavdb, parameters);
+        EXPECT_TRUE(tool.waitForFinished(60000));
+        m_errors = QString::fromUtf8(tool.readAllStandardError());
+        return tool.exitCode();
+    };
+    const QString backup = m_folder.filePath(str("kopio.ZDB"));
+    const QString damaged = m_folder.filePath(str("rikki.ZDB"));
+    ASSERT_EQ(call({str("backup"), m_company, backup}), 0) << m_errors.toStdString();
+    EXPECT_EQ(company::lastBackup(m_company)->file, backup);
+    QByteArray bytes = test::fileBytes(backup);
+    bytes.replace(bytes.size() / 2, 4096, QByteArray(4096, 'x'));
+    test::writeFile(damaged, bytes);
+    m_shop.exec(str("update TUOTE set HINTA = 7"));
+
+    EXPECT_EQ(call({str("restore"), m_company, backup}), 1);  // this process has it open
+    EXPECT_TRUE(m_errors.contains(str("open"))) << m_errors.toStdString();
+    EXPECT_EQ(prices(), str("14"));
+    company::TZavDbConnectionModule::shutDown();
+    EXPECT_EQ(call({str("restore"), m_company, damaged}), 1);
+    const QDir folder(m_shop.path());
+    EXPECT_EQ(folder.entryList({str("YRITYS *.ZDB")}), QStringList());
+    EXPECT_EQ(prices(), str("14"));
+    company::TZavDbConnectionModule::shutDown();
+    EXPECT_EQ(call({str("restore"), m_company, backup}), 0) << m_errors.toStdString();
+    EXPECT_EQ(prices(), str("20"));
+    const QStringList kept = folder.entryList({str("YRITYS *.ZDB")});
+    ASSERT_EQ(kept.size(), 1);
+    company::TZavDbConnectionModule::shutDown();
+    EXPECT_EQ(call({str("restore"), m_company, folder.filePath(kept.first())}), 0);
+    EXPECT_EQ(prices(), str("14"));
 }
 
 TEST_F(Program, OnlyDamagedDefinitionsAreNotRun) {
@@ -372,6 +460,32 @@ TEST_F(InterruptedProgram, ARequestToEndStopsTheBatchBetweenTwoRows) {
     isAsIfNeverInterrupted();
     EXPECT_EQ(journal.runs().size(), 3U);
     EXPECT_EQ(runBatch("/E"), 3);
+}
+
+TEST_F(Program, AScheduledStartRunsOnlyAtItsMoment) {
+    setBatch("Alv255");
+    const auto start = [this](const QString& moment) {
+        return run({m_company, str("/E"), str("/EP"), str("/AJASTETTU=") + moment});
+    };
+    const auto scheduled = [this](int minutesAgo) {
+        const QDateTime now = QDateTime::currentDateTime();
+        shell::ScheduleNote note{m_company, now.addSecs(-60 * minutesAgo)};
+        note.moment.setTime(QTime(note.moment.time().hour(), note.moment.time().minute()));
+        shell::writeSchedule(note);
+        return shell::scheduleSwitch(note.moment).section(u'=', 1);
+    };
+    const QString before = prices();
+    EXPECT_EQ(start(str("huomenna")), 2);
+    EXPECT_EQ(start(str("2024-08-31T21:15Z")), 1);  // removed since
+    EXPECT_EQ(start(scheduled(62)), 1);
+    EXPECT_TRUE(shell::readSchedule(m_company)->late);
+    for (const char* reason : {"on poistettu", "yli tunnin myöhässä"})
+        EXPECT_EQ(generalLog().count(str(reason)), 1) << reason;
+    EXPECT_EQ(prices(), before);
+    EXPECT_EQ(start(scheduled(1)), 0);
+    EXPECT_EQ(shell::readSchedule(m_company)->status, 0);
+    EXPECT_NE(prices(), before);
+    shell::removeSchedule(m_company);
 }
 
 }  // namespace

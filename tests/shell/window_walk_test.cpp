@@ -4,18 +4,23 @@
 #include <QTest>
 
 #include "framework/ui/about.h"
+#include "framework/ui/add_company_dialog.h"
 #include "framework/ui/company_choice.h"
 #include "framework/ui/definition_window.h"
 #include "framework/ui/demo_company_dialog.h"
 #include "framework/ui/help.h"
 #include "framework/ui/program_style.h"
 #include "framework/ui/splash.h"
+#include "framework/ui/work_dialog.h"
 #include "search/group_haku.h"
 #include "search/tuote_haku.h"
+#include "shell/log/log_window.h"
 #include "shell/main_form.h"
+#include "shell/schedule/schedule_dialog.h"
 #include "tests/support/scripted_dialogs.h"
 #include "tests/support/shop_company.h"
 #include "tests/support/window_checks.h"
+#include "vatchange/views/history_window.h"
 
 // Checks of every window of the program. ctest runs this at 100 and 150 % (QT_SCALE_FACTOR).
 
@@ -51,6 +56,21 @@ const Case kWindows[] = {
     {"products", plain<search::TTuoteHakuForm>},
     {"company choice", plain<framework::TYritysValinta>},
     {"demo company", plain<framework::DemoCompanyDialog>},
+    {"add company", plain<framework::AddCompanyDialog>},
+    {"log", plain<shell::LogWindow>},
+    {"schedule",
+     [](const test::ShopCompany&, TAlvMuutosLomake&) -> Window {
+         return std::make_unique<shell::ScheduleDialog>(QStringLiteral("Kauppa"),
+                                                        company::BatchList{QStringLiteral("A")});
+     }},
+    {"history",
+     [](const test::ShopCompany& shop, TAlvMuutosLomake&) -> Window {
+         return std::make_unique<vatchange::HistoryWindow>(shop.database(), nullptr);
+     }},
+    {"work",
+     [](const test::ShopCompany&, TAlvMuutosLomake&) -> Window {
+         return std::make_unique<framework::WorkDialog>(nullptr, QStringLiteral("Varmuuskopio"));
+     }},
     {"help",
      [](const test::ShopCompany&, TAlvMuutosLomake&) -> Window {
          return std::make_unique<framework::HelpWindow>(framework::HelpManual::compiledIn());

@@ -4,6 +4,7 @@
 
 #include <QStringList>
 #include <deque>
+#include <functional>
 
 #include "framework/ui/dialogs.h"
 #include "framework/ui/mail.h"
@@ -27,6 +28,8 @@ class ScriptedDialogs : public framework::DialogHandler {
     /// A message whose text depends on the machine; lastText() returns it.
     void expectAnyMessage() { m_expected.push_back({{}, false, {}, true}); }
     void expectQuestion(const QString& text, bool yes) { m_expected.push_back({text, yes, {}}); }
+    /// A question whose text depends on the machine.
+    void expectAnyQuestion(bool yes) { m_expected.push_back({{}, yes, {}, true}); }
     void expectFileChoice(const QString& fileName) { m_expected.push_back({{}, false, fileName}); }
     /// `answer`: the text of the button to press; its buttons are lastAnswers().
     void expectChoice(const QString& text, const QString& answer) {
@@ -49,9 +52,16 @@ class ScriptedDialogs : public framework::DialogHandler {
         EXPECT_GE(answer, 0);
         return static_cast<int>(answer < 0 ? answers.size() - 1 : answer);
     }
+    /// What a person does in a window; without a script such windows are accepted as they are.
+    std::function<int(QDialog& dialog)> inDialog = [](QDialog&) { return QDialog::Accepted; };
+    int exec(QDialog& dialog) override { return inDialog(dialog); }
     QString saveFileName(QWidget*, const QString&, const QString&, const QString&) override {
         return next({}).fileName;
     }
+    QString openFileName(QWidget*, const QString&, const QString&, const QString&) override {
+        return next({}).fileName;
+    }
+    QString folder(QWidget*, const QString&, const QString&) override { return next({}).fileName; }
 
   private:
     struct Expected {

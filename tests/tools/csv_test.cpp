@@ -5,7 +5,7 @@
 #include <QBuffer>
 #include <vector>
 
-#include "tools/zavdb/csv.h"
+#include "platform/csv.h"
 
 namespace {
 
@@ -14,13 +14,13 @@ using Rows = std::vector<QStringList>;
 Rows readAll(QByteArray bytes) {
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
-    tools::CsvReader reader(buffer);
+    platform::CsvReader reader(buffer);
     Rows rows;
     while (reader.next()) {
         QStringList row;
         for (int i = 0; i < reader.fieldCount(); ++i) {
             QString text;
-            EXPECT_TRUE(tools::decodeUtf8(reader.field(i), text));
+            EXPECT_TRUE(platform::decodeUtf8(reader.field(i), text));
             row.append(text);
         }
         rows.push_back(reader.isBlank() ? QStringList{"<blank>"} : row);
@@ -32,7 +32,7 @@ QByteArray write(const Rows& rows) {
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
-    tools::CsvWriter writer(buffer);
+    platform::CsvWriter writer(buffer);
     for (const QStringList& row : rows) {
         for (const QString& field : row)
             writer.add(field);
@@ -63,8 +63,8 @@ TEST(Csv, ReadsRfc4180) {
 // Records longer than the buffer; quotes and line ends at its boundaries.
 TEST(Csv, ReadsAcrossBufferBoundaries) {
     constexpr qsizetype kBuffer = 256 * 1024;
-    const QByteArray tooLong(tools::CsvReader::kMaxRecordBytes + 1, 'x');
-    EXPECT_THROW(readAll("a\n\"" + tooLong + "\"\n"), tools::CsvError);
+    const QByteArray tooLong(platform::CsvReader::kMaxRecordBytes + 1, 'x');
+    EXPECT_THROW(readAll("a\n\"" + tooLong + "\"\n"), platform::CsvError);
     for (qsizetype pad = kBuffer - 4; pad <= kBuffer + 2; ++pad) {
         const QByteArray filler(pad, 'x');
         const Rows rows = readAll("\"" + filler + "\"\"q\"\r\nnext,row\r\n");

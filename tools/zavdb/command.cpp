@@ -7,8 +7,8 @@
 
 #include "company/aliases.h"
 #include "company/connection_module.h"
+#include "platform/csv.h"
 #include "platform/dictionary_module.h"
-#include "tools/zavdb/csv.h"
 #include "tools/zavdb/sequential_file.h"
 
 namespace tools {
@@ -136,7 +136,7 @@ int runZavdb(const QStringList& arguments) {
         printError(error.message());
     } catch (const data::DataError& error) {
         printError(error.english());
-    } catch (const CsvError& error) {
+    } catch (const platform::CsvError& error) {
         printError(QString::fromUtf8(error.what()));
     } catch (const SequentialFileError& error) {
         printError(QString::fromUtf8(error.what()));

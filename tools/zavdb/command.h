@@ -58,7 +58,7 @@ struct Command {
     int minArguments = 0;
     int maxArguments = 0;
     QList<QCommandLineOption> options;
-    /// @return the exit status. @throws CommandError, data::DataError, CsvError,
+    /// @return the exit status. @throws CommandError, data::DataError, platform::CsvError,
     /// SequentialFileError.
     std::function<int(const Arguments&)> run;
 };

@@ -4,7 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include "company/aliases.h"
+#include "company/registration.h"
 #include "data/lock/work_folder.h"
 #include "engines/embedded/embedded_database.h"
 #include "tools/zavdb/command.h"
@@ -49,27 +49,6 @@ class NewFolder {
 
 }  // namespace
 
-void requireFreeName(const QString& name) {
-    const QString problem = company::aliasNameProblem(name);
-    if (!problem.isEmpty())
-        throw CommandError(problem);
-    if (const std::optional<company::Alias> taken = company::findAlias(name))
-        throw CommandError(QStringLiteral("There is a company \"%1\" already (%2).")
-                               .arg(taken->name, taken->physicalName));
-}
-
-QString absoluteFolder(const QString& folder) {
-    if (folder.isEmpty())
-        throw CommandError(QStringLiteral("The folder has no name."));
-    const QString absolute = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
-    // What stands for bytes that are no character would be another folder's name.
-    if (absolute.contains(QChar::ReplacementCharacter))
-        throw CommandError(
-            QStringLiteral("The name of the folder %1 is not valid UTF-8; rename it.")
-                .arg(absolute));
-    return absolute;
-}
-
 void requireFreeFolder(const QString& folder) {
     if (QFileInfo::exists(QDir(folder).filePath(engines::kEmbeddedFileName)))
         throw CommandError(QStringLiteral("The folder %1 holds a company already; \"zavdb add\" "
@@ -80,18 +59,11 @@ void requireFreeFolder(const QString& folder) {
         throw CommandError(QStringLiteral("%1 is no folder.").arg(folder));
 }
 
-void registerCompany(const QString& name, const QString& folder) {
-    company::Alias alias;
-    alias.name = name;
-    alias.physicalName = QDir::toNativeSeparators(folder);
-    company::storeAlias(alias);
-}
-
 void buildCompany(const QString& name, const QString& folder,
                   const std::vector<data::TableSource>& tables,
                   const std::function<void(data::Database&)>& fill) {
-    const QString absolute = absoluteFolder(folder);
-    requireFreeName(name);
+    const QString absolute = company::absoluteFolder(folder);
+    company::requireFreeName(name);
     requireFreeFolder(absolute);
     NewFolder newFolder(absolute);
     const data::WorkFolder workFolder(absolute);
@@ -107,7 +79,7 @@ void buildCompany(const QString& name, const QString& folder,
         throw CommandError(QStringLiteral("The database cannot be moved to %1: %2")
                                .arg(target, file.errorString()));
     try {
-        registerCompany(name, absolute);
+        company::registerCompany(name, absolute);
     } catch (...) {
         QFile::remove(target);
         throw;

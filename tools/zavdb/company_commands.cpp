@@ -1,13 +1,15 @@
-#include <QDir>
 #include <QFileInfo>
 #include <algorithm>
 
 #include "company/aliases.h"
+#include "company/backup.h"
+#include "company/registration.h"
 #include "data/dictionary/dictionary_source.h"
 #include "engines/embedded/embedded_database.h"
 #include "tools/zavdb/command.h"
 #include "tools/zavdb/company_builder.h"
 #include "tools/zavdb/demo/demo_company.h"
+#include "tools/zavdb/progress.h"
 
 namespace tools {
 
@@ -16,6 +18,7 @@ namespace {
 const QString kWithout = QStringLiteral("without");
 const QString kProducts = QStringLiteral("products");
 const QString kSeed = QStringLiteral("seed");
+const QString kUnchecked = QStringLiteral("unchecked");
 
 constexpr int kProductsWorthWatching = 20000;
 
@@ -113,13 +116,7 @@ int listCompanies(const Arguments&) {
 }
 
 int addCompany(const Arguments& arguments) {
-    const QString& name = arguments.at(0);
-    const QString folder = absoluteFolder(arguments.at(1));
-    requireFreeName(name);
-    if (!engines::hasEmbeddedDatabase(folder))
-        throw CommandError(QStringLiteral("The folder %1 holds no company.").arg(folder));
-    engines::openEmbedded(name, folder);
-    registerCompany(name, folder);
+    company::addCompany(arguments.at(0), arguments.at(1));
     return 0;
 }
 
@@ -136,12 +133,39 @@ QString embeddedFolder(const QString& name) {
     return folder;
 }
 
+company::BackupProgress shownProgress(Progress& progress) {
+    return [&progress](company::BackupPhase phase, qint64 done, qint64 total) {
+        const bool copying = phase == company::BackupPhase::Copying;
+        progress.show(copying ? QStringLiteral("copying") : QStringLiteral("checking"), done,
+                      total);
+        return true;
+    };
+}
+
 int backUp(const Arguments& arguments) {
     const QString folder = embeddedFolder(arguments.at(0));
     const QString target = QFileInfo(arguments.at(1)).absoluteFilePath();
     if (QFileInfo::exists(target))
         throw CommandError(QStringLiteral("%1 exists already.").arg(target));
-    engines::backupEmbedded(folder, target, nullptr);
+    Progress progress;
+    if (arguments.has(kUnchecked))
+        engines::backupEmbedded(folder, target, {});
+    else
+        company::makeBackup(arguments.at(0), target, shownProgress(progress));
+    return 0;
+}
+
+int restore(const Arguments& arguments) {
+    embeddedFolder(arguments.at(0));
+    const QString file = QFileInfo(arguments.at(1)).absoluteFilePath();
+    if (!QFileInfo(file).isFile())
+        throw CommandError(QStringLiteral("%1 is no file.").arg(file));
+    QString kept;
+    {
+        Progress progress;
+        kept = company::restoreBackup(arguments.at(0), file, shownProgress(progress));
+    }
+    printLine(QStringLiteral("Restored. The database from before is %1.").arg(kept));
     return 0;
 }
 
@@ -225,13 +249,25 @@ std::vector<Command> companyCommands() {
         {QStringLiteral("backup"),
          QStringLiteral("NAME FILE"),
          QStringLiteral("Copies the company's database to a new file, safe while it is in use"),
-         QStringLiteral("To use a copy, put it into a folder as %1 and register the folder with "
-                        "\"zavdb add\".")
+         QStringLiteral("Every record and key of the copy is checked as by \"check\"; a copy with "
+                        "errors is not kept. \"restore\" puts a copy into the company's place.\nTo "
+                        "use a copy beside the company, put it into a folder as %1 and register "
+                        "the folder with \"zavdb add\".")
              .arg(engines::kEmbeddedFileName),
          2,
          2,
-         {},
+         {QCommandLineOption(kUnchecked, QStringLiteral("Keeps the copy without checking it."))},
          backUp},
+        {QStringLiteral("restore"),
+         QStringLiteral("NAME FILE"),
+         QStringLiteral("Puts a backup in the place of the company's database"),
+         QStringLiteral("The backup is copied and checked first. The database from before stays "
+                        "beside it under a name with the time. Refused while a program has the "
+                        "company open."),
+         2,
+         2,
+         {},
+         restore},
         {QStringLiteral("check"),
          QStringLiteral("NAME"),
          QStringLiteral("Reads every record and every key of every table and tells what is wrong"),

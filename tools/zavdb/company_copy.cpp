@@ -6,6 +6,7 @@
 #include <QLockFile>
 
 #include "company/aliases.h"
+#include "company/registration.h"
 #include "engines/embedded/embedded_database.h"
 #include "platform/ini_file.h"
 #include "tools/zavdb/command.h"
@@ -29,14 +30,14 @@ class CompanyCopier {
     CompanyCopier(data::Database& source, QString targetName, const QString& folder)
         : m_source(source),
           m_targetName(std::move(targetName)),
-          m_folder(absoluteFolder(folder)),
+          m_folder(company::absoluteFolder(folder)),
           m_work(QDir(m_folder).filePath(kCopyFolder)),
           m_lock(QDir(m_work).filePath(QStringLiteral("lock"))) {
         m_lock.setStaleLockTime(0);  // valid as long as its process lives
     }
 
     CopyResult run(const QString& sourceFolder) {
-        requireFreeName(m_targetName);
+        company::requireFreeName(m_targetName);
         const bool continues = QFileInfo::exists(stateFile());
         if (!continues)
             requireFreeFolder(m_folder);
@@ -48,7 +49,7 @@ class CompanyCopier {
             copyCompanyFiles(sourceFolder, m_folder, m_result.notes);
             moveToPlace();
         }
-        registerCompany(m_targetName, m_folder);
+        company::registerCompany(m_targetName, m_folder);
         m_lock.unlock();
         QDir(m_work).removeRecursively();
         m_result.findings = engines::checkEmbedded(m_folder);

@@ -1,5 +1,5 @@
+#include "company/registration.h"
 #include "tools/zavdb/command.h"
-#include "tools/zavdb/company_builder.h"
 #include "tools/zavdb/company_copy.h"
 #include "tools/zavdb/unfinished_runs.h"
 
@@ -8,7 +8,7 @@ namespace tools {
 namespace {
 
 int copy(const Arguments& arguments) {
-    requireFreeName(arguments.at(1));  // before contacting the source's server
+    company::requireFreeName(arguments.at(1));  // before contacting the source's server
     const std::unique_ptr<data::Database> source = openCompany(arguments.at(0));
     if (!arguments.has(kForce))
         requireNoUnfinishedRun(*source, arguments.at(0), QStringLiteral("be copied"));

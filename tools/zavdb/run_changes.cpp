@@ -3,10 +3,9 @@
 #include <array>
 
 #include "company/unfinished_note.h"
-#include "data/journal/entry_fields.h"
-#include "tools/zavdb/csv.h"
-#include "vatchange/journal/run_upkeep.h"
-#include "vatchange/journal/undo_tables.h"
+#include "data/engine/run_journal.h"
+#include "platform/csv.h"
+#include "vatchange/changes/changes_csv.h"
 
 namespace tools {
 
@@ -23,12 +22,7 @@ QString stateWord(data::RunState state) {
     return QString::fromLatin1(kWords.at(static_cast<size_t>(state)));
 }
 
-QString operationWord(data::Operation operation) {
-    static constexpr std::array kWords{"update", "insert", "delete"};
-    return QString::fromLatin1(kWords.at(static_cast<size_t>(operation)));
-}
-
-void addLine(CsvWriter& writer, const QStringList& cells) {
+void addLine(platform::CsvWriter& writer, const QStringList& cells) {
     for (const QString& cell : cells)
         writer.add(cell);
     writer.endRecord();
@@ -41,7 +35,7 @@ QString kindWord(data::RunKind kind) {
 }  // namespace
 
 void writeRuns(data::Database& database, QIODevice& output) {
-    CsvWriter writer(output);
+    platform::CsvWriter writer(output);
     addLine(
         writer,
         QStringLiteral("run,kind,definition,started,ended,state,rows,user,computer").split(u','));
@@ -59,25 +53,10 @@ void writeRuns(data::Database& database, QIODevice& output) {
 }
 
 qint64 writeChanges(data::Database& database, qint64 run, QIODevice& output) {
-    data::RunJournal& journal = vatchange::requireJournal(database);
-    vatchange::requireRun(journal, run, vatchange::EvenRunning::Yes);
-    vatchange::UndoTables tables(database, journal, run, QString());
-    CsvWriter writer(output);
-    addLine(writer, QStringLiteral("seq,operation,table,key,field,before,after").split(u','));
-    qint64 seq = 0;
-    journal.visit(run, data::Direction::Forward, [&](const data::JournalEntry& entry) {
-        if (entry.isMark)
-            return true;
-        const vatchange::UndoTable& table = *tables.at(entry.table);
-        const QString number = QString::number(++seq);
-        const QString key = table.key(entry.key);
-        for (const data::FieldChange& change : data::changedFields(table.layout(), entry))
-            addLine(writer, {number, operationWord(entry.operation), table.stored.name, key,
-                             table.layout().field(change.field).name, change.before, change.after});
-        return true;
-    });
+    vatchange::ChangesCsvWriter writer(output);
+    const qint64 changes = writer.add(database, run);
     writer.flush();
-    return seq;
+    return changes;
 }
 
 }  // namespace tools

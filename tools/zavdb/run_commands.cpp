@@ -4,8 +4,8 @@
 #include "company/company.h"
 #include "company/logs.h"
 #include "company/unfinished_note.h"
+#include "platform/csv.h"
 #include "tools/zavdb/command.h"
-#include "tools/zavdb/csv.h"
 #include "tools/zavdb/output_file.h"
 #include "tools/zavdb/progress.h"
 #include "tools/zavdb/run_changes.h"
@@ -125,7 +125,7 @@ class ConsoleUndo : public vatchange::UndoPorts {
     }
 
     void write(const QStringList& cells) {
-        CsvWriter writer(m_output);
+        platform::CsvWriter writer(m_output);
         for (const QString& cell : cells)
             writer.add(cell);
         writer.endRecord();
@@ -150,6 +150,7 @@ vatchange::UndoOptions undoOptions(const Arguments& arguments) {
     options.dryRun = arguments.has(kDryRun);
     options.user = company::userName();
     options.computer = company::computerName();
+    options.logSize = company::changeLogSize;
     return options;
 }
 

@@ -5,8 +5,8 @@
 
 #include "data/dictionary/dictionary_source.h"
 #include "data/record/record_codec.h"
+#include "platform/csv.h"
 #include "tools/zavdb/command.h"
-#include "tools/zavdb/csv.h"
 #include "tools/zavdb/field_listing.h"
 #include "tools/zavdb/output_file.h"
 
@@ -70,7 +70,7 @@ int sql(const Arguments& arguments) {
     QFile output;
     if (!output.open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered))
         throw CommandError(QStringLiteral("Standard output cannot be written."));
-    CsvWriter writer(output);
+    platform::CsvWriter writer(output);
     for (const data::SqlColumn& column : statement->columns())
         writer.add(column.name);
     writer.endRecord();

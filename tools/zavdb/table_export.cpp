@@ -1,7 +1,7 @@
 #include "tools/zavdb/table_export.h"
 
 #include "data/record/record_codec.h"
-#include "tools/zavdb/csv.h"
+#include "platform/csv.h"
 
 namespace tools {
 
@@ -13,7 +13,7 @@ constexpr int kBatch = 200;
 
 qint64 exportTable(data::TableFile& records, QIODevice& output) {
     const std::vector<data::TFieldCacheItem>& fields = records.layout().fields();
-    CsvWriter writer(output);
+    platform::CsvWriter writer(output);
     for (const data::TFieldCacheItem& field : fields)
         writer.add(field.name);
     writer.endRecord();

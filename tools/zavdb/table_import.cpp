@@ -6,9 +6,9 @@
 #include "data/record/plain_text.h"
 #include "data/record/record_codec.h"
 #include "data/windows1252.h"
+#include "platform/csv.h"
 #include "tools/zavdb/catalogue_check.h"
 #include "tools/zavdb/command.h"
-#include "tools/zavdb/csv.h"
 #include "tools/zavdb/table_copy.h"
 
 namespace tools {
@@ -87,7 +87,7 @@ class Importer {
 
     QString text(int cell, const QString& field) const {
         QString result;
-        if (!decodeUtf8(m_reader.field(cell), result))
+        if (!platform::decodeUtf8(m_reader.field(cell), result))
             fail(QStringLiteral("field %1: the text is not valid UTF-8: %2")
                      .arg(field, shown(data::fromWindows1252(m_reader.field(cell).toByteArray()))));
         return result;
@@ -194,7 +194,7 @@ class Importer {
     data::TableFile& m_records;
     const data::RecordLayout& m_layout;
     QString m_fileName;
-    CsvReader m_reader;
+    platform::CsvReader m_reader;
     std::vector<Column> m_columns;  // in the order of writing
     QByteArray m_empty;
 };
@@ -215,7 +215,7 @@ qint64 importTable(data::Database& database, const QString& table, const QString
                 removeAll(*records);
             rows = Importer(*records, fileName, file).run();
         });
-    } catch (const CsvError& error) {
+    } catch (const platform::CsvError& error) {
         throw CommandError(fileName + QStringLiteral(", ") + QString::fromUtf8(error.what()));
     }
     return rows;

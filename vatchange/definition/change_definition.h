@@ -3,6 +3,7 @@
 #include <QDate>
 #include <QString>
 #include <array>
+#include <optional>
 #include <vector>
 
 namespace vatchange {
@@ -78,6 +79,10 @@ struct ChangeDefinition {
     bool products = true;  ///< Tuotteet
     bool recurringInvoicing = false;
     bool checkProductCodes = false;
+
+    std::optional<qint64> mostProducts;  ///< TurvarajaTuotteet: more refuse the definition
+    std::optional<double> mostPercent;   ///< TurvarajaProsentti: products beyond are passed over
+    QDate changeDay;  ///< Muutospaiva; invalid: the day of September 2024, see rules/change_day.h
 
     RoundingRule roundingRule = RoundingRule::Normal;
     RoundingStep roundingStep = RoundingStep::One;

@@ -32,6 +32,10 @@ QString textOf(const QString& value) {
 QString textOf(const QDate& value) {
     return value.isValid() ? value.toString(kDateFormat) : QString();
 }
+template <typename T>
+QString textOf(const std::optional<T>& value) {
+    return value ? textOf(*value) : QString();
+}
 QString textOf(const std::vector<int>& numbers) {
     QStringList texts;
     for (const int number : numbers)
@@ -81,7 +85,8 @@ std::optional<double> read(const ChangeField& field, const QString& text) {
     const double value = text.toDouble(&ok);
     if (!ok || !std::isfinite(value))
         return std::nullopt;
-    if (field.kind == FieldKind::Amount && (value < 0 || value > field.highest))
+    const bool bounded = field.kind == FieldKind::Amount || field.kind == FieldKind::MostAmount;
+    if (bounded && (value < 0 || value > field.highest))
         return std::nullopt;
     return value;
 }
@@ -137,6 +142,19 @@ bool assign(const ChangeField& field, const DefinitionMember<T>& member, const Q
     return value.has_value();
 }
 
+template <typename T>
+bool assign(const ChangeField& field, const DefinitionMember<std::optional<T>>& member,
+            const QString& text, ChangeDefinition& definition) {
+    std::optional<T> value;
+    if (!text.trimmed().isEmpty()) {
+        value = read<T>(field, text.trimmed());
+        if (!value)
+            return false;
+    }
+    member.of(definition) = value;
+    return true;
+}
+
 // Texts are kept as they are; the key of a price source is trimmed, empty means "0".
 bool assign(const ChangeField& field, const DefinitionMember<QString>& member, const QString& text,
             ChangeDefinition& definition) {
@@ -157,6 +175,11 @@ QString fieldText(const ChangeField& field, const ChangeDefinition& definition) 
                       field.member);
 }
 
+bool isWholeNumber(const ChangeField& field) {
+    return field.kind == FieldKind::Number || field.kind == FieldKind::Class ||
+           field.kind == FieldKind::MostCount;
+}
+
 bool setFieldText(const ChangeField& field, const QString& text, ChangeDefinition& definition) {
     return std::visit([&](const auto& member) { return assign(field, member, text, definition); },
                       field.member);
@@ -166,9 +189,10 @@ DecodedDefinition decodeDefinition(const framework::SavedDefinition& saved) {
     DecodedDefinition decoded;
     for (const ChangeField& field : changeFields()) {
         const auto text = saved.value(field.control);
-        if (!text)
-            decoded.missing.push_back(field.control);
-        else if (!setFieldText(field, *text, decoded.definition))
+        if (!text) {
+            if (!field.optional)
+                decoded.missing.push_back(field.control);
+        } else if (!setFieldText(field, *text, decoded.definition))
             decoded.unreadable.push_back({field.control, *text});
     }
     return decoded;
@@ -179,7 +203,7 @@ QMap<QString, QString> encodeDefinition(const ChangeDefinition& definition,
     QMap<QString, QString> texts;
     for (const ChangeField& field : changeFields()) {
         QString text = fieldText(field, definition);
-        if (field.kind == FieldKind::Number || field.kind == FieldKind::Class) {
+        if (isWholeNumber(field)) {
             const QString spelt = typed.value(field.control).value_or(text).trimmed();
             ChangeDefinition meant;
             if (setFieldText(field, spelt, meant) && fieldText(field, meant) == text)

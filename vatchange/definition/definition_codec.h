@@ -13,6 +13,9 @@ namespace vatchange {
 /// decimal numbers in the shortest form that reads back to the same double, dates yyyy-mm-dd.
 QString fieldText(const ChangeField& field, const ChangeDefinition& definition);
 
+/// Whether the file keeps the spelling of a field's whole number as it was typed.
+bool isWholeNumber(const ChangeField& field);
+
 /// Sets a field from a text of the file. @return false, definition unchanged, if it is unreadable.
 bool setFieldText(const ChangeField& field, const QString& text, ChangeDefinition& definition);
 
@@ -25,15 +28,15 @@ struct UnreadableValue {
 struct DecodedDefinition {
     ChangeDefinition definition;
     std::vector<UnreadableValue> unreadable;  ///< in the order of the fields
-    std::vector<QString> missing;             ///< controls without a key, likewise
+    std::vector<QString> missing;  ///< controls without a key, likewise; not optional ones
 };
 
 /// Decodes a saved definition without the load rules. Missing keys and unreadable values leave the
 /// defaults.
 DecodedDefinition decodeDefinition(const framework::SavedDefinition& saved);
 
-/// Returns the texts of all fields, by control. A whole number keeps its spelling in `typed` if
-/// that means the same number ("007", or empty for 0).
+/// Returns the texts of all fields, by control; empty for an optional one that is off. A whole
+/// number keeps its spelling in `typed` if that means the same number ("007", or empty for 0).
 QMap<QString, QString> encodeDefinition(const ChangeDefinition& definition,
                                         const framework::SavedDefinition& typed = {});
 

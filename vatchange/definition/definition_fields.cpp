@@ -15,6 +15,9 @@ constexpr int kClassDigits = 3;
 constexpr int kCoefficientDecimals = 40;
 constexpr int kLimitDecimals = 2;
 constexpr double kHighestLimit = 999999999999.99;
+constexpr int kMostProductsDigits = 9;
+constexpr int kPercentDecimals = 4;
+constexpr double kHighestPercent = 999999.0;
 
 struct Texts {
     QString caption = {};
@@ -110,6 +113,39 @@ void addClasses(std::vector<ChangeField>& fields) {
                               {.caption = u"Uusi luokka"_s,
                                .hint = u"Ilmoita uuden verokannan luokka. Jos muutat vain hintoja, "
                                        "muttet luokkaa laita uusi samaksi kuin vanha"_s}));
+    ChangeField day =
+        made(kChangeDayControl, FieldKind::Date, DefinitionMember<QDate>(&D::changeDay),
+             {.caption = u"Muutospäivä"_s,
+              .hint = u"Päivä, josta alkaen uusi verokanta on voimassa. Sitä ennen päättyneitä "
+                      "kampanjoita ja määräalennuksia ei muuteta.\r\nTyhjä: 1.9.2024."_s});
+    day.optional = true;
+    fields.push_back(day);
+}
+
+void addSafetyLimits(std::vector<ChangeField>& fields) {
+    ChangeField products =
+        made(kMostProductsControl, FieldKind::MostCount,
+             DefinitionMember<std::optional<qint64>>(&D::mostProducts),
+             {.caption = u"Tuotteita enintään"_s,
+              .hint = u"Turvaraja: jos rajaukset valitsevat useampia tuotteita, määrittelyä ei "
+                      "ajeta lainkaan.\r\nTyhjä: ei rajaa."_s,
+              .label = u"Turvaraja, tuotteita enintään"_s,
+              .accessibleName = u"Turvaraja, tuotteita enintään"_s});
+    products.digits = kMostProductsDigits;
+    products.optional = true;
+    fields.push_back(products);
+    ChangeField percent =
+        made(kMostPercentControl, FieldKind::MostAmount,
+             DefinitionMember<std::optional<double>>(&D::mostPercent),
+             {.caption = u"Muutos enintään %"_s,
+              .hint = u"Turvaraja: tuote, jonka jokin hinta muuttuisi enemmän kuin näin monta "
+                      "prosenttia tai nollaksi, ohitetaan.\r\nTyhjä: ei rajaa."_s,
+              .label = u"Turvaraja, muutos enintään %"_s,
+              .accessibleName = u"Turvaraja, muutos enintään prosenttia"_s});
+    percent.digits = kPercentDecimals;
+    percent.highest = kHighestPercent;
+    percent.optional = true;
+    fields.push_back(percent);
 }
 
 void addPrices(std::vector<ChangeField>& fields) {
@@ -149,6 +185,7 @@ void addPrices(std::vector<ChangeField>& fields) {
     limit.digits = kLimitDecimals;
     limit.highest = kHighestLimit;
     fields.push_back(limit);
+    addSafetyLimits(fields);
     fields.push_back(check(
         u"DoNotUpdateCustomerPricelistVAT0"_s, &D::keepCustomerPricelistVat0,
         {.caption = u"Älä päivitä asiakashinnaston alv0 hintaa"_s,

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <optional>
 #include <variant>
 #include <vector>
 
@@ -31,7 +32,8 @@ using AnyDefinitionMember =
     std::variant<DefinitionMember<bool>, DefinitionMember<int>, DefinitionMember<qint64>,
                  DefinitionMember<double>, DefinitionMember<QString>, DefinitionMember<QDate>,
                  DefinitionMember<std::vector<int>>, DefinitionMember<RoundingRule>,
-                 DefinitionMember<RoundingStep>>;
+                 DefinitionMember<RoundingStep>, DefinitionMember<std::optional<qint64>>,
+                 DefinitionMember<std::optional<double>>>;
 
 /// The texts that a field may have in the file, and in brackets the type of its member.
 enum class FieldKind {
@@ -44,6 +46,8 @@ enum class FieldKind {
     Amount,       ///< (double) a number between the field's bounds
     Source,       ///< (QString) key of a price source; an unknown one is not an error
     Date,         ///< (QDate) yyyy-mm-dd or empty
+    MostCount,    ///< (std::optional<qint64>) digits; empty: off
+    MostAmount,   ///< (std::optional<double>) a number between the field's bounds; empty: off
     Groups,       ///< (std::vector<int>) numbers separated by commas
     Choice        ///< (enumeration) index of one of the items
 };
@@ -61,6 +65,7 @@ struct ChangeField {
     int digits = 0;          ///< most digits of a number, most decimals typed of a decimal number
     double highest = 0;      ///< of an amount; the lowest is 0
     QStringList items = {};  ///< of a choice
+    bool optional = false;   ///< a definition without the key is complete; an empty value is off
 };
 
 /// All values of a definition, in the order in which the form shows them. The coefficients follow
@@ -80,6 +85,9 @@ QString keepVat0Control(int level);
 inline const QString kSourceClassControl = QStringLiteral("LahdeAlvLuokkaEdit");
 inline const QString kTargetClassControl = QStringLiteral("KohdeAlvLuokkaEdit");
 inline const QString kCustomerGroupsControl = QStringLiteral("AsRyhmaCheckList");
+inline const QString kMostProductsControl = QStringLiteral("TurvarajaTuotteet");
+inline const QString kMostPercentControl = QStringLiteral("TurvarajaProsentti");
+inline const QString kChangeDayControl = QStringLiteral("Muutospaiva");
 inline const QString kPurchaseControl = QStringLiteral("OstohintaEdit");
 inline const QString kLastPurchaseControl = QStringLiteral("ViimOstohintaEdit");
 

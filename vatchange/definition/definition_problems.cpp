@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "vatchange/definition/ignore_list.h"
-
 namespace vatchange {
 
 namespace {
@@ -29,22 +27,6 @@ void addLoadProblems(const LoadedDefinition& loaded, std::vector<DefinitionProbl
     }
 }
 
-/// The coefficients that a run uses.
-QStringList usedCoefficients(const ChangeDefinition& d) {
-    QStringList used;
-    for (int level = 1; level <= kPriceLevels; ++level) {
-        const bool changed =
-            d.products && isPriceColumn(d.levels[static_cast<std::size_t>(level - 1)].source);
-        if (changed || (level == 1 && d.changesDependents()))
-            used.append(coefficientControl(level));
-    }
-    if (d.products || d.changesDependents())
-        used.append(kPurchaseControl);
-    if (d.products)
-        used.append(kLastPurchaseControl);
-    return used;
-}
-
 void addCoefficientProblems(const LoadedDefinition& loaded,
                             std::vector<DefinitionProblem>& problems) {
     for (const QString& control : usedCoefficients(loaded.definition)) {
@@ -60,6 +42,30 @@ void addCoefficientProblems(const LoadedDefinition& loaded,
     }
 }
 
+QString numbersText(const std::vector<int>& numbers) {
+    QStringList texts;
+    for (const int number : numbers)
+        texts.append(QString::number(number));
+    return texts.join(u',');
+}
+
+}  // namespace
+
+QStringList usedCoefficients(const ChangeDefinition& d) {
+    QStringList used;
+    for (int level = 1; level <= kPriceLevels; ++level) {
+        const bool changed =
+            d.products && isPriceColumn(d.levels[static_cast<std::size_t>(level - 1)].source);
+        if (changed || (level == 1 && d.changesDependents()))
+            used.append(coefficientControl(level));
+    }
+    if (d.products || d.changesDependents())
+        used.append(kPurchaseControl);
+    if (d.products)
+        used.append(kLastPurchaseControl);
+    return used;
+}
+
 std::vector<int> missingGroups(const ChangeDefinition& definition, const CompanyFacts& facts) {
     std::vector<int> missing;
     if (facts.customerGroups) {
@@ -69,15 +75,6 @@ std::vector<int> missingGroups(const ChangeDefinition& definition, const Company
     }
     return missing;
 }
-
-QString numbersText(const std::vector<int>& numbers) {
-    QStringList texts;
-    for (const int number : numbers)
-        texts.append(QString::number(number));
-    return texts.join(u',');
-}
-
-}  // namespace
 
 QString DefinitionProblem::text() const {
     return QStringLiteral("%1=%2 (%3): %4")
@@ -105,36 +102,6 @@ std::vector<DefinitionProblem> definitionProblems(const LoadedDefinition& loaded
                             QStringLiteral("yhtään valituista asiakasryhmistä ei enää ole")});
     }
     return problems;
-}
-
-QStringList definitionNotes(const LoadedDefinition& loaded, const CompanyFacts& facts) {
-    const ChangeDefinition& d = loaded.definition;
-    QStringList notes;
-    if (loaded.repeatedLine > 0)
-        notes.append(repeatedText(loaded.repeatedLine));
-    for (const LoadFinding& finding : loaded.findings) {
-        if (finding.kind == Kind::UnknownSource) {
-            notes.append(QStringLiteral("tuntematon hinnan lähde %1=%2, hintatasoa ei muuteta")
-                             .arg(finding.control, finding.saved));
-        }
-    }
-    for (const ChangeField& field : changeFields()) {
-        if (field.kind != FieldKind::IgnoreList)
-            continue;
-        for (const QString& item : parseIgnoreList(fieldText(field, d)).dropped) {
-            notes.append(QStringLiteral("ulosrajattavissa ryhmissä (%1) on kohta, joka ei ole "
-                                        "ryhmän numero ja jota ei oteta huomioon: %2")
-                             .arg(field.control, item));
-        }
-    }
-    const std::vector<int> missing = missingGroups(d, facts);
-    if (missing != d.customerGroups) {
-        for (const int group : missing) {
-            notes.append(QStringLiteral("asiakasryhmää %1 ei enää ole (%2), sitä ei oteta huomioon")
-                             .arg(QString::number(group), kCustomerGroupsControl));
-        }
-    }
-    return notes;
 }
 
 void dropMissingGroups(ChangeDefinition& definition, const CompanyFacts& facts) {

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <map>
 #include <optional>
 #include <set>
 #include <vector>
@@ -15,6 +16,7 @@ namespace vatchange {
 struct CompanyFacts {
     std::optional<std::set<int>> vatClasses;
     std::optional<std::set<int>> customerGroups;
+    std::map<int, double> vatRates = {};  ///< in percent; empty: not known
 };
 
 /// A reason why a definition runs only after a person has confirmed it.
@@ -34,9 +36,10 @@ struct DefinitionProblem {
 std::vector<DefinitionProblem> definitionProblems(const LoadedDefinition& loaded,
                                                   const CompanyFacts& facts);
 
-/// Returns what is ignored without stopping a run, in Finnish, one text per finding: unknown price
-/// sources, items of ignore lists that are no numbers, some customer groups that no longer exist.
-QStringList definitionNotes(const LoadedDefinition& loaded, const CompanyFacts& facts);
+/// The checked customer groups that no longer exist.
+std::vector<int> missingGroups(const ChangeDefinition& definition, const CompanyFacts& facts);
+/// The controls of the coefficients that a run uses for price tables.
+QStringList usedCoefficients(const ChangeDefinition& definition);
 
 /// Removes customer groups that no longer exist, unless that would remove all: an empty list means
 /// all customers.

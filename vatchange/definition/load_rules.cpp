@@ -13,9 +13,17 @@ using Kind = LoadFinding::Kind;
 void validateSources(ChangeDefinition& definition, std::vector<LoadFinding>& findings) {
     for (int level = 1; level <= kPriceLevels; ++level) {
         PriceLevelChange& change = definition.levels[static_cast<std::size_t>(level - 1)];
-        const QString source = change.source;
-        if (resetWithoutSource(change) && source != kNoSource)
-            findings.push_back({Kind::UnknownSource, sourceControl(level), source, change.source});
+        const PriceLevelChange saved = change;
+        const ChangeField& coefficient = changeField(coefficientControl(level));
+        const QString savedCoefficient = fieldText(coefficient, definition);
+        if (!resetWithoutSource(change))
+            continue;
+        if (saved.source != kNoSource)
+            findings.push_back(
+                {Kind::UnknownSource, sourceControl(level), saved.source, change.source});
+        else if (saved.coefficient != change.coefficient)
+            findings.push_back({Kind::NoSource, coefficient.control, savedCoefficient,
+                                fieldText(coefficient, definition)});
     }
 }
 

@@ -14,6 +14,7 @@ struct LoadFinding {
         Unreadable,     ///< replaced by the default
         MissingClass,   ///< no VAT class in the file: 0
         UnknownSource,  ///< not a price column: the level is left unchanged
+        NoSource,       ///< a coefficient of a level without a source: 1
         CarriedOver     ///< a coefficient of the previous VAT change, replaced
     };
     Kind kind;

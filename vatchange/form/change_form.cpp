@@ -13,7 +13,8 @@
 #include "platform/command_line.h"
 #include "vatchange/definition/coefficients.h"
 #include "vatchange/form/definition_controls.h"
-#include "vatchange/form/run_report.h"
+#include "vatchange/report/change_report.h"
+#include "vatchange/views/run_problems.h"
 
 namespace vatchange {
 
@@ -29,7 +30,7 @@ QString ratePattern(double percent) {
 }  // namespace
 
 TAlvMuutosLomake::TAlvMuutosLomake(data::Database& database, QWidget* parent)
-    : TPerusForm(kFormName, parent), m_database(database) {
+    : TPerusForm(kFormName, parent), m_database(database), m_count(database) {
     setAttribute(Qt::WA_DeleteOnClose);
     buildLayout();
     readCompanyTables();
@@ -106,12 +107,17 @@ void TAlvMuutosLomake::connectControls() {
         shortcuts(m_controls.coefficient(tag), static_cast<std::size_t>(tag));
     shortcuts(m_controls.priceChangeLimit, 0);
     watchExits();
+    watchEdits();
+    connect(m_ready, &QPushButton::clicked, this, &TAlvMuutosLomake::chooseReadyDefinition);
 
     for (int tag = 1; tag <= kLastPurchaseTag; ++tag) {
         connect(m_controls.keep(tag), &QCheckBox::toggled, this, [this, tag](bool checked) {
             framework::reportErrors(this, [&] { SailytaAlv0_CheckBox1Click(tag, checked); });
+            refreshAllKept();
         });
     }
+    connect(m_controls.keepAll, &QCheckBox::clicked, this,
+            [this] { framework::reportErrors(this, [this] { keepAllClicked(); }); });
     for (int tag = 1; tag <= kPriceLevels; ++tag) {
         connect(m_controls.source(tag), &framework::LookupCombo::exited, this, [this, tag] {
             if (!m_exits.isRefusing())
@@ -125,9 +131,15 @@ void TAlvMuutosLomake::connectControls() {
     connectSearch(m_controls.mainGroup.search, SearchKind::MainGroup, m_controls.mainGroup.first);
     connectSearch(m_controls.productSearch, SearchKind::Product, m_controls.productFirst);
 
+    watchDrops();
+
     connect(Esikatsele, &QPushButton::clicked, this,
             [this] { framework::reportErrors(this, [this] { EsikatseleClick(); }); });
+    connect(m_rehearse, &QPushButton::clicked, this,
+            [this] { framework::reportErrors(this, [this] { KoeajoClick(); }); });
     connect(m_close, &QPushButton::clicked, this, &QWidget::close);
+    connect(m_changes, &QPushButton::clicked, this,
+            [this] { reportProblems(this, [this] { showChangesOfRun(); }); });
     connect(m_interrupt, &QPushButton::clicked, this, [this] {
         m_cancelRequested = true;
         m_interrupt->setEnabled(false);
@@ -153,12 +165,39 @@ std::optional<double> TAlvMuutosLomake::ratePercent(int vatClass) const {
     return query.fieldByName(QStringLiteral("Prosentti")).asFloat();
 }
 
+void TAlvMuutosLomake::watchDrops() {
+    const auto watch = [this](framework::NumberEdit* edit, framework::NumberEdit::DropCheck check) {
+        edit->setDropCheck(std::move(check));
+        connect(edit, &framework::NumberEdit::dropRefused, this, &TAlvMuutosLomake::showStatus);
+    };
+    const std::pair<const RestrictionControls*, SearchKind> kinds[] = {
+        {&m_controls.subGroup, SearchKind::SubGroup},
+        {&m_controls.productGroup, SearchKind::ProductGroup},
+        {&m_controls.mainGroup, SearchKind::MainGroup}};
+    for (const auto& entry : kinds) {
+        const SearchKind kind = entry.second;
+        for (framework::NumberEdit* edit : {entry.first->first, entry.first->last})
+            watch(edit, [kind](const QMimeData& dragged) { return dropRefusal(kind, dragged); });
+    }
+    for (framework::NumberEdit* edit : {m_controls.sourceClass, m_controls.targetClass})
+        watch(edit, classDropRefusal);
+}
+
+// "1 (24%)"
+QString TAlvMuutosLomake::classText(int vatClass) const {
+    if (vatClass == 0)
+        return QStringLiteral("0 (veroluokattomat)");
+    const auto rate = ratePercent(vatClass);
+    return QStringLiteral("%1 (%2)").arg(QString::number(vatClass),
+                                         rate ? ratePattern(*rate) : QStringLiteral("ei löydy"));
+}
+
 void TAlvMuutosLomake::showRate(QLabel* label, int vatClass) const {
     label->clear();
-    if (vatClass == 0)
-        return;
     const auto rate = ratePercent(vatClass);
-    label->setText(rate ? ratePattern(*rate) : QStringLiteral("Ei löydy!"));
+    if (vatClass != 0)
+        label->setText(rate ? ratePattern(*rate) : QStringLiteral("Ei löydy!"));
+    markWrong(label, vatClass != 0 && !rate);
 }
 
 void TAlvMuutosLomake::refreshClassLabels() {
@@ -181,11 +220,24 @@ void TAlvMuutosLomake::validateSource(int tag) {
     m_controls.source(tag)->setKey(level.source);
     m_controls.keep(tag)->setChecked(level.keepVat0);
     m_controls.coefficient(tag)->setValue(level.coefficient);
+    refreshAllKept();
 }
 
 void TAlvMuutosLomake::showValues(const framework::SavedDefinition& definition) {
     m_definition = loadDefinition(definition);
     showInControls(*this, m_definition.definition, definition);
+}
+
+framework::SavedDefinition TAlvMuutosLomake::currentDefinition(const QString& name,
+                                                               const QString& description) const {
+    framework::SavedDefinition definition = TPerusForm::currentDefinition(name, description);
+    for (const ChangeField& field : changeFields()) {
+        if (field.optional && definition.values.value(field.control).isEmpty()) {
+            definition.values.remove(field.control);
+            definition.removed += field.control;
+        }
+    }
+    return definition;
 }
 
 QMap<QString, QString> TAlvMuutosLomake::currentValues() const {
@@ -196,6 +248,8 @@ void TAlvMuutosLomake::afterLoad() {
     m_exits.forgetAll();
     refreshRestrictionBoxes();
     refreshClassLabels();
+    refreshAllKept();
+    m_edited.start();
     const auto computed = coefficientOfClasses();
     for (int tag = 1; tag <= kLastPurchaseTag; ++tag) {
         m_computed[static_cast<std::size_t>(tag)] =
@@ -206,7 +260,8 @@ void TAlvMuutosLomake::afterLoad() {
     for (const LoadFinding& finding : m_definition.findings) {
         if (finding.kind == LoadFinding::Kind::CarriedOver)
             carriedOver = true;
-        else if (finding.kind != LoadFinding::Kind::MissingClass)
+        else if (finding.kind != LoadFinding::Kind::MissingClass &&
+                 finding.kind != LoadFinding::Kind::NoSource)
             unreadable.append(finding.control + QLatin1Char('=') + finding.saved);
     }
     if (carriedOver && !platform::hasSwitch(QStringLiteral("/E")))
@@ -244,7 +299,7 @@ void TAlvMuutosLomake::SailytaAlv0_CheckBox1Click(int tag, bool checked) {
     }
     const auto target = ratePercent(static_cast<int>(m_controls.targetClass->value()));
     if (!target) {
-        NaytaViesti(QStringLiteral("Tarkasta kohde -alvluokka!"));
+        NaytaViesti(kCheckTargetClass);
         const QSignalBlocker blocker(m_controls.keep(tag));
         m_controls.keep(tag)->setChecked(false);
         coefficient->setValue(1.0);
@@ -284,14 +339,14 @@ void TAlvMuutosLomake::watchExits() {
         m_exits.watch(edit, [this, edit] { return checkCoefficient(edit); });
     framework::DecimalEdit* limit = m_controls.priceChangeLimit;
     m_exits.watch(limit, [this, limit] { return checkCoefficient(limit); });
-    m_exits.watch(m_controls.deliveryLimit, [this] { return checkDeliveryLimit(); });
+    for (framework::DateEdit* date : {m_controls.deliveryLimit, m_controls.changeDay})
+        m_exits.watch(date, [date] { return checkDate(date); });
 }
 
-QString TAlvMuutosLomake::checkDeliveryLimit() {
-    if (m_controls.deliveryLimit->isReadable())
+QString TAlvMuutosLomake::checkDate(const framework::DateEdit* edit) {
+    if (edit->isReadable())
         return {};
-    return QStringLiteral("Päivämäärä ( %1 ) ei kelpaa, korjaa päivämäärä!")
-        .arg(m_controls.deliveryLimit->text());
+    return QStringLiteral("Päivämäärä ( %1 ) ei kelpaa, korjaa päivämäärä!").arg(edit->text());
 }
 
 // Only price levels have a range; a text that is not a number reverts to the last number.
@@ -349,7 +404,7 @@ framework::Report TAlvMuutosLomake::report() const {
         if (const auto rate = ratePercent(vatClass))
             report.names.rates.insert(vatClass, ratePattern(*rate));
     }
-    return changeReport(report);
+    return changeReport(m_database, report);
 }
 
 void TAlvMuutosLomake::NaytaViesti(const QString& text) {
@@ -359,7 +414,8 @@ void TAlvMuutosLomake::NaytaViesti(const QString& text) {
 }
 
 void TAlvMuutosLomake::closeEvent(QCloseEvent* event) {
-    if (m_running && !confirmClosing()) {
+    m_exits.dropExits();  // a text that is left behind is no reason for a warning
+    if ((m_running && !confirmClosing()) || !mayLoseChanges()) {
         event->ignore();
         return;
     }

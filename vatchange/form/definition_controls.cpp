@@ -30,6 +30,14 @@ class Binding {
     int value(int*) const { return static_cast<int>(control<framework::NumberEdit>().value()); }
     qint64 value(qint64*) const { return control<framework::NumberEdit>().value(); }
     double value(double*) const { return control<framework::DecimalEdit>().value(); }
+    std::optional<qint64> value(std::optional<qint64>*) const {
+        const auto& edit = control<framework::NumberEdit>();
+        return edit.isEmpty() ? std::nullopt : std::optional(edit.value());
+    }
+    std::optional<double> value(std::optional<double>*) const {
+        const auto& edit = control<framework::DecimalEdit>();
+        return edit.isEmpty() ? std::nullopt : std::optional(edit.value());
+    }
     QDate value(QDate*) const { return control<framework::DateEdit>().date(); }
     QString value(QString*) const {
         return m_field.kind == FieldKind::Source ? control<framework::LookupCombo>().key()
@@ -52,6 +60,15 @@ class Binding {
     void show(int) const { show(qint64{}); }
     void show(double number) const {
         silent<framework::DecimalEdit>([&](auto& edit) { edit.setValue(number); });
+    }
+    void show(const std::optional<qint64>&) const { show(qint64{}); }
+    void show(const std::optional<double>& number) const {
+        silent<framework::DecimalEdit>([&](auto& edit) {
+            if (number)
+                edit.setValue(*number);
+            else
+                edit.setNothing();
+        });
     }
     void show(const QDate& date) const {
         silent<framework::DateEdit>([&](auto& edit) { edit.setDate(date); });
@@ -116,7 +133,7 @@ void showInControls(const QWidget& form, const ChangeDefinition& definition,
 QMap<QString, QString> textsInControls(const QWidget& form) {
     framework::SavedDefinition typed;
     for (const ChangeField& field : changeFields()) {
-        if (field.kind == FieldKind::Number || field.kind == FieldKind::Class) {
+        if (isWholeNumber(field)) {
             typed.values.insert(field.control,
                                 controlOf<framework::NumberEdit>(form, field).text());
         }

@@ -86,6 +86,18 @@ QCheckBox* keepVat0Box(FormControls& controls, int tag, const QString& objectNam
     return box;
 }
 
+void markWrong(QLabel* label, bool wrong) {
+    constexpr QColor kWrong(0xC6, 0x28, 0x28);
+    QPalette palette;
+    if (wrong) {
+        palette.setColor(QPalette::Window, kWrong);
+        palette.setColor(QPalette::WindowText, Qt::white);
+    }
+    label->setPalette(palette);
+    label->setAutoFillBackground(wrong);
+    label->setContentsMargins(wrong ? 4 : 0, 0, wrong ? 4 : 0, 0);
+}
+
 QLabel* captionLabel(QWidget* control, QWidget* parent) {
     auto* label = new QLabel(changeField(control->objectName()).caption, parent);
     label->setBuddy(control);

@@ -28,6 +28,8 @@ inline constexpr int kGutter = 8;        ///< between groups, and around them
 inline constexpr int kGroupMargin = 10;  ///< inside a group's frame, left and right
 inline constexpr int kColumnGap = 8;
 inline constexpr int kRowGap = 3;
+/// Beyond this the form no longer grows with its window: rows too far apart are hard to follow.
+inline constexpr QSize kLargestContent(1560, 800);
 
 /// The property that holds a control's tag.
 inline constexpr char kTagProperty[] = "tag";
@@ -55,6 +57,7 @@ struct RestrictionControls {
     framework::NumberEdit* last = nullptr;
     QPushButton* search = nullptr;
     framework::TextEdit* ignored = nullptr;
+    QLabel* names = nullptr;  ///< of the groups at the ends of the range; hidden without
 };
 
 /// The controls of the change form.
@@ -68,17 +71,26 @@ struct FormControls {
     framework::TextEdit* productLast = nullptr;
     QPushButton* productSearch = nullptr;
     framework::CheckList* customerGroups = nullptr;
+    QLabel* productCount = nullptr;  ///< of the products that the restrictions select
 
     framework::NumberEdit* sourceClass = nullptr;
     framework::NumberEdit* targetClass = nullptr;
+    framework::DateEdit* changeDay = nullptr;
+    QLabel* changeDayCaption = nullptr;
+    QLabel* sourceCaption = nullptr;
+    QLabel* targetCaption = nullptr;
     QLabel* sourceRate = nullptr;
     QLabel* targetRate = nullptr;
+    QLabel* unclassifiedNote = nullptr;
 
     std::array<PriceLevelBox*, kPriceLevels> levelBoxes{};
     std::array<framework::LookupCombo*, kPriceLevels> sources{};
     std::array<framework::DecimalEdit*, kCoefficients> coefficients{};
     std::array<QCheckBox*, kCoefficients> keepVat0{};
+    QCheckBox* keepAll = nullptr;  ///< of all price levels; not part of the definition
     framework::DecimalEdit* priceChangeLimit = nullptr;
+    framework::NumberEdit* mostProducts = nullptr;
+    framework::DecimalEdit* mostPercent = nullptr;
     QCheckBox* keepPricelistVat0 = nullptr;
     QCheckBox* shelfLabels = nullptr;
     framework::DateEdit* deliveryLimit = nullptr;
@@ -120,7 +132,29 @@ QGroupBox* buildSalesOrders(FormControls& controls, QWidget* parent);
 QGroupBox* buildPurchaseOrders(FormControls& controls, QWidget* parent);
 QGroupBox* buildOptions(FormControls& controls, QWidget* parent);
 QGroupBox* buildLogging(FormControls& controls, QWidget* parent);
-void buildRounding(FormControls& controls, QWidget* parent);
+/// Both choices of rounding, side by side.
+QWidget* buildRounding(FormControls& controls, QWidget* parent);
+
+/// The groups of the form and the grid that holds them.
+struct FormGroups {
+    QGroupBox* restrictions = nullptr;
+    QGroupBox* vatClasses = nullptr;
+    QGroupBox* prices = nullptr;
+    QGroupBox* options = nullptr;
+    QWidget* rounding = nullptr;
+    QGroupBox* salesOrders = nullptr;
+    QGroupBox* purchaseOrders = nullptr;
+    QGroupBox* logging = nullptr;
+    QGridLayout* grid = nullptr;
+};
+/// Puts the groups into the grid, all but the VAT classes of a narrow form: in three columns, or in
+/// one column of the whole width with two groups side by side where both are narrow.
+void arrangeGroups(const FormGroups& groups, bool narrow);
+/// Lays the VAT classes out in two rows above the note, or everything in one row.
+void arrangeVatClasses(const FormControls& controls, QGroupBox* box, bool oneRow);
+
+/// Marks a text as wrong: white on red, in every colour scheme; or as usual.
+void markWrong(QLabel* label, bool wrong);
 
 /// Creates the grid of a group, with the shared margins and gaps.
 QGridLayout* groupGrid(QGroupBox* box);

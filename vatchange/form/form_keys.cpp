@@ -1,7 +1,6 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 
-#include "framework/ui/dialogs.h"
 #include "vatchange/form/change_form.h"
 
 // Keys that the controls of the change form leave unhandled.
@@ -18,19 +17,10 @@ void TAlvMuutosLomake::keyPressEvent(QKeyEvent* event) {
         return;
     }
     if (plain && event->key() == Qt::Key_Escape) {
-        leaveByKey();
+        close();
         return;
     }
     TPerusForm::keyPressEvent(event);
-}
-
-// Escape is easily pressed by mistake, so it asks before unsaved changes are lost.
-void TAlvMuutosLomake::leaveByKey() {
-    const bool loses = !m_running && !unattended() && hasUnsavedChanges();
-    if (!loses || framework::Dialogs::ask(
-                      this, QStringLiteral("Määrittelyä on muutettu, eikä sitä ole talletettu.\r"
-                                           "Suljetaanko lomake?")))
-        close();
 }
 
 }  // namespace vatchange

@@ -2,6 +2,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QScrollArea>
+#include <QStyle>
 #include <QVBoxLayout>
 
 #include "framework/ui/dialogs.h"
@@ -12,8 +13,6 @@ namespace vatchange {
 namespace {
 
 constexpr int kFrameHeight = 40;  // title bar and borders, approximately
-// Beyond this the form no longer grows with its window: rows too far apart are hard to follow.
-constexpr QSize kLargestContent(1560, 800);
 constexpr int kProgressWidth = 260;
 constexpr int kMaxStretch = 1000;
 
@@ -35,38 +34,29 @@ QLayout* TAlvMuutosLomake::buildDefinitionBar() {
         inherited->setParent(m_content);
         bar->addWidget(inherited);
     }
+    m_ready = new QPushButton(QStringLiteral("&Valmis määrittely..."), m_content);
+    m_ready->setObjectName(QStringLiteral("ValmisMaarittely"));
+    m_ready->setToolTip(QStringLiteral("Täytä lomake lakiin perustuvasta verokannan muutoksesta"));
+    bar->addWidget(m_ready);
     Tulosta->setParent(m_content);
     Tulosta->hide();
     bar->addWidget(m_description, 1);
     return bar;
 }
 
-// Created in reading order, which is the tab order. One grid aligns all edges.
+// Created in reading order, which is the tab order.
 QLayout* TAlvMuutosLomake::buildGroups() {
-    enum Column { kLeft, kMiddle, kRight };
-    auto* groups = new QGridLayout;
-    groups->setSpacing(kGutter);
-    groups->addWidget(buildRestrictions(m_controls, m_content), 0, kLeft, 1, 2);
-    groups->addWidget(buildVatClasses(m_controls, m_content), 0, kRight);
-    groups->addWidget(buildPrices(m_controls, m_content), 1, kLeft, 3, 1);
-    groups->addWidget(buildOptions(m_controls, m_content), 1, kMiddle);
-    buildRounding(m_controls, m_content);
-    auto* rounding = new QHBoxLayout;
-    rounding->setSpacing(kGutter);
-    rounding->addWidget(m_controls.roundingRule, 1);
-    rounding->addWidget(m_controls.roundingStep, 1);
-    groups->addLayout(rounding, 1, kRight);
-    groups->addWidget(buildSalesOrders(m_controls, m_content), 2, kMiddle);
-    groups->addWidget(buildPurchaseOrders(m_controls, m_content), 2, kRight);
-    groups->addWidget(buildLogging(m_controls, m_content), 3, kMiddle, 1, 2);
-
-    // Proportional to their heights, so that all grow alike.
-    const int stretches[] = {15, 20, 12, 5};
-    for (int row = 0; row < 4; ++row)
-        groups->setRowStretch(row, stretches[row]);
-    groups->setColumnStretch(kMiddle, 1);
-    groups->setColumnStretch(kRight, 1);
-    return groups;
+    m_groups.restrictions = buildRestrictions(m_controls, m_content);
+    m_groups.vatClasses = buildVatClasses(m_controls, m_content);
+    m_groups.prices = buildPrices(m_controls, m_content);
+    m_groups.options = buildOptions(m_controls, m_content);
+    m_groups.rounding = buildRounding(m_controls, m_content);
+    m_groups.salesOrders = buildSalesOrders(m_controls, m_content);
+    m_groups.purchaseOrders = buildPurchaseOrders(m_controls, m_content);
+    m_groups.logging = buildLogging(m_controls, m_content);
+    m_groups.grid = new QGridLayout;
+    m_groups.grid->setSpacing(kGutter);
+    return m_groups.grid;
 }
 
 QLayout* TAlvMuutosLomake::buildFoot() {
@@ -82,6 +72,10 @@ QLayout* TAlvMuutosLomake::buildFoot() {
     Esikatsele->setParent(this);
     Esikatsele->setText(QStringLiteral("&Muuta"));
     Esikatsele->setToolTip(QStringLiteral("Muuta tuotteiden tiedot"));
+    m_rehearse = new QPushButton(QStringLiteral("&Koeajo..."), this);
+    m_rehearse->setObjectName(QStringLiteral("Koeajo"));
+    m_rehearse->setToolTip(
+        QStringLiteral("Tekee muutoksen yrityksen kopiolla ja näyttää, mikä muuttuisi"));
     m_interrupt = new QPushButton(QStringLiteral("&Keskeytä"), this);
     m_interrupt->setObjectName(QStringLiteral("Keskeyta"));
     m_interrupt->setToolTip(QStringLiteral("Lopettaa muutoksen kahden rivin välissä"));
@@ -93,9 +87,21 @@ QLayout* TAlvMuutosLomake::buildFoot() {
     foot->setContentsMargins(kGutter, 0, kGutter, kGutter);
     foot->setSpacing(kColumnGap);
     foot->addWidget(m_status, 1);
+    m_findings = new QPushButton(this);
+    m_findings->setObjectName(QStringLiteral("Huomautukset"));
+    m_findings->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning));
+    m_findings->setAccessibleDescription(QStringLiteral("Näyttää, mitä määrittelystä on huomattu"));
+    m_findings->setFlat(true);
+    m_findings->hide();
+    foot->addWidget(m_findings);
+    m_changes = new QPushButton(QStringLiteral("&Näytä muutokset..."), this);
+    m_changes->setObjectName(QStringLiteral("NaytaMuutokset"));
+    m_changes->setToolTip(QStringLiteral("Näytä, mitä viimeisin ajo muutti"));
+    m_changes->hide();
+    foot->addWidget(m_changes);
     foot->addWidget(m_progress);
     const int width = fontMetrics().horizontalAdvance(QStringLiteral("Keskeytä")) + 44;
-    for (QPushButton* button : {Esikatsele, m_interrupt, m_close}) {
+    for (QPushButton* button : {m_rehearse, Esikatsele, m_interrupt, m_close}) {
         button->setMinimumWidth(width);
         foot->addWidget(button);
     }
@@ -110,7 +116,6 @@ void TAlvMuutosLomake::buildLayout() {
     area->setWidgetResizable(true);
     area->setAlignment(Qt::AlignCenter);
     m_content = new QWidget(area);
-    m_content->setMaximumSize(kLargestContent);
     auto* body = new QVBoxLayout(m_content);
     body->setContentsMargins(kGutter, kGutter, kGutter, 0);
     body->setSpacing(kGutter);
@@ -122,6 +127,9 @@ void TAlvMuutosLomake::buildLayout() {
     window->setContentsMargins(0, 0, 0, 0);
     window->setSpacing(kGutter);
     window->addWidget(area, 1);
+    m_pinned = new QVBoxLayout;  // for the VAT classes of a narrow window
+    m_pinned->setContentsMargins(kGutter, 0, kGutter, 0);
+    window->addLayout(m_pinned);
     auto* foot = new QWidget(this);
     foot->setLayout(buildFoot());
     foot->setMaximumWidth(kLargestContent.width());
@@ -134,7 +142,8 @@ void TAlvMuutosLomake::buildLayout() {
     for (QPushButton* button : findChildren<QPushButton*>())
         button->setAutoDefault(true);  // Enter presses the button that has the focus
     Esikatsele->setDefault(true);
-    setTabOrder(m_controls.leaveWebShop, Esikatsele);
+    arrangeGroups(false);
+    m_wideFrom = m_content->minimumSizeHint().width();
     setTabOrder(Esikatsele, m_interrupt);
     setTabOrder(m_interrupt, m_close);
     LatausCombo->setFocus();

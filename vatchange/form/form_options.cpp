@@ -1,4 +1,5 @@
 #include <QGridLayout>
+#include <QHBoxLayout>
 
 #include "vatchange/form/form_controls.h"
 
@@ -101,14 +102,20 @@ QGroupBox* buildLogging(FormControls& controls, QWidget* parent) {
     return box;
 }
 
-void buildRounding(FormControls& controls, QWidget* parent) {
-    controls.roundingRule = choiceGroup(QStringLiteral("PyoristysSaantoRadioGroup"), parent);
-    controls.roundingStep = choiceGroup(QStringLiteral("PyoristysRadioGroup"), parent);
+QWidget* buildRounding(FormControls& controls, QWidget* parent) {
+    auto* both = new QWidget(parent);
+    auto* row = new QHBoxLayout(both);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(kGutter);
+    controls.roundingRule = choiceGroup(QStringLiteral("PyoristysSaantoRadioGroup"), both);
+    controls.roundingStep = choiceGroup(QStringLiteral("PyoristysRadioGroup"), both);
     for (framework::RadioGroup* group : {controls.roundingRule, controls.roundingStep}) {
         group->setRows(kOptionRows);
         group->layout()->setContentsMargins(kGroupMargin, kRowGap, kGroupMargin, kGutter);
         group->layout()->setSpacing(kRowGap);
+        row->addWidget(group, 1);
     }
+    return both;
 }
 
 }  // namespace vatchange

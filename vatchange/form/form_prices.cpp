@@ -87,19 +87,43 @@ QWidget* limitRow(FormControls& controls, const Columns& columns, QWidget* paren
     return row;
 }
 
+// A safety limit: its label and edit. Empty: off.
+template <typename Edit>
+Edit* safetyLimit(Edit* edit, QGridLayout* grid, int row, int editWidth, QWidget* parent) {
+    edit->setMayBeEmpty();
+    edit->setPlaceholderText(QStringLiteral("ei rajaa"));
+    edit->setFixedWidth(editWidth);
+    auto* cells = new QHBoxLayout;
+    cells->setSpacing(kColumnGap);
+    QLabel* label = captionLabel(edit, parent);
+    label->setText(changeField(edit->objectName()).label);
+    cells->addWidget(label);
+    cells->addStretch();
+    cells->addWidget(edit);
+    grid->addLayout(cells, row, 1);
+    return edit;
+}
+
 QCheckBox* footChoice(const QString& objectName, QWidget* parent) {
     QCheckBox* box = namedCheckBox(objectName, parent);
     box->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     return box;
 }
 
-QWidget* headingRow(const Columns& columns, int coefficientWidth, QWidget* parent) {
+QWidget* headingRow(FormControls& controls, const Columns& columns, QWidget* parent) {
+    const int coefficientWidth = controls.coefficient(1)->maximumWidth();
     auto* row = new QWidget(parent);
     QHBoxLayout* cells = tableRow(row);
     cells->addWidget(cell(QStringLiteral("Hintataso"), columns.name, row));
     cells->addWidget(cell(QStringLiteral("Kerroin"), coefficientWidth, row));
     cells->addWidget(cell(QStringLiteral("Hinnan lähde"), columns.source, row));
-    cells->addWidget(cell(QStringLiteral("Säilytä alv0 hinta"), columns.keep, row));
+    controls.keepAll = new QCheckBox(QStringLiteral("Säilytä alv0 hinta"), row);
+    controls.keepAll->setObjectName(QStringLiteral("SailytaAlv0Kaikki"));
+    controls.keepAll->setAccessibleName(QStringLiteral("Säilytä alv0 hinta, kaikki hintatasot"));
+    controls.keepAll->setToolTip(
+        QStringLiteral("Säilytä alv0 hinta kaikilla hintatasoilla, tai ei millään"));
+    controls.keepAll->setFixedWidth(columns.keep);
+    cells->addWidget(controls.keepAll);
     cells->addStretch();
     return row;
 }
@@ -117,18 +141,23 @@ QGroupBox* buildPrices(FormControls& controls, QWidget* parent) {
     const auto addWholeRow = [&](QWidget* widget) { grid->addWidget(widget, row++, 0, 1, 2); };
     for (int level = 1; level <= kPriceLevels; ++level)
         addWholeRow(levelRow(controls, level, columns, box));
-    grid->addWidget(headingRow(columns, controls.coefficient(1)->maximumWidth(), box), 0, 0, 1, 2);
+    grid->addWidget(headingRow(controls, columns, box), 0, 0, 1, 2);
     addWholeRow(purchaseRow(controls, kPurchaseTag, kPurchaseControl,
                             QStringLiteral("SailytaAlv0_CheckBoxOstohinta"), columns, box));
     addWholeRow(purchaseRow(controls, kLastPurchaseTag, kLastPurchaseControl,
                             QStringLiteral("SailytaAlv0_CheckBoxViimOstohinta"), columns, box));
 
-    // Below the table: the limit, two choices and the help on shortcut keys.
-    const int foot = row;
-    grid->addWidget(limitRow(controls, columns, box), row++, 0);
+    // Below the table: the limits, two choices and the help on shortcut keys.
+    grid->addWidget(limitRow(controls, columns, box), row, 0);
+    const int limitWidth = box->fontMetrics().horizontalAdvance(QStringLiteral("0000000000")) + 12;
+    controls.mostPercent =
+        safetyLimit(decimalEdit(kMostPercentControl, box), grid, row++, limitWidth, box);
     controls.keepPricelistVat0 =
         footChoice(QStringLiteral("DoNotUpdateCustomerPricelistVAT0"), box);
-    grid->addWidget(controls.keepPricelistVat0, row++, 0);
+    grid->addWidget(controls.keepPricelistVat0, row, 0);
+    controls.mostProducts =
+        safetyLimit(numberEdit(kMostProductsControl, box), grid, row++, limitWidth, box);
+    const int foot = row;
     controls.shelfLabels = footChoice(QStringLiteral("VieHr"), box);
     grid->addWidget(controls.shelfLabels, row++, 0);
     auto* keys = new QLabel(QStringLiteral("Pikanäppäimet:\n"
@@ -136,6 +165,7 @@ QGroupBox* buildPrices(FormControls& controls, QWidget* parent) {
                                            "Alt - 2 asettaa kertoimeksi 1.255/1.14"),
                             box);
     keys->setObjectName(QStringLiteral("PikanappaimetLabel"));
+    ++row;
     grid->addWidget(keys, foot, 1, row - foot, 1, Qt::AlignLeft | Qt::AlignVCenter);
 
     for (int r = 1; r < row; ++r)

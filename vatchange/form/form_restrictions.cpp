@@ -72,6 +72,12 @@ RestrictionControls restriction(const QString& stem, const Columns& columns, QWi
     controls.ignored->setValidator(new QRegularExpressionValidator(
         QRegularExpression(QStringLiteral("[0-9,]*")), controls.ignored));
 
+    controls.names = new QLabel(parent);
+    controls.names->setObjectName(stem + QStringLiteral("NimiLabel"));
+    controls.names->setTextFormat(Qt::PlainText);
+    controls.names->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    controls.names->hide();
+
     QHBoxLayout* row = flatRow(controls.box);
     row->addWidget(controls.first);
     row->addWidget(controls.last);
@@ -116,7 +122,12 @@ QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
     headings->addWidget(heading(QStringLiteral("Alku"), columns.number, box));
     headings->addWidget(heading(QStringLiteral("Loppu"), columns.number, box));
     headings->addStretch();
-    grid->addLayout(headings, 0, 1, Qt::AlignBottom);
+    controls.productCount = new QLabel(box);
+    controls.productCount->setObjectName(QStringLiteral("TuotemaaraLabel"));
+    controls.productCount->setToolTip(
+        QStringLiteral("Tuotteet, joita määrittely muuttaa rajausten ja luokan mukaan"));
+    headings->addWidget(controls.productCount);
+    grid->addLayout(headings, 0, 1);
 
     controls.subGroup = restriction(QStringLiteral("Aliryhma"), columns, box);
     controls.productGroup = restriction(QStringLiteral("Tuoteryhma"), columns, box);
@@ -127,11 +138,12 @@ QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
          {&controls.subGroup, &controls.productGroup, &controls.mainGroup}) {
         grid->addWidget(kind->on, row, 0);
         grid->addWidget(kind->box, row, 1);
-        ++row;
+        grid->setRowStretch(row++, 1);
+        grid->addWidget(kind->names, row++, 1);
     }
     grid->addWidget(controls.productRange, row, 0);
     grid->addWidget(controls.productRangeBox, row, 1);
-    ++row;
+    grid->setRowStretch(row++, 1);
 
     controls.customerGroups = named(new framework::CheckList(box), kCustomerGroupsControl);
     controls.customerGroups->setMinimumWidth(kVisibleGroups *
@@ -142,8 +154,6 @@ QGroupBox* buildRestrictions(FormControls& controls, QWidget* parent) {
     grid->setColumnMinimumWidth(2, kColumnGap);
     grid->addWidget(label, 0, 3, Qt::AlignBottom);
     grid->addWidget(controls.customerGroups, 1, 3, row - 1, 1);
-    for (int r = 1; r < row; ++r)
-        grid->setRowStretch(r, 1);
     grid->setColumnStretch(1, 3);
     grid->setColumnStretch(3, 2);
     return box;
@@ -153,35 +163,33 @@ QGroupBox* buildVatClasses(FormControls& controls, QWidget* parent) {
     auto* box = new QGroupBox(QStringLiteral("Veroluokka"), parent);
     box->setToolTip(QStringLiteral(
         "Ottaa huomioon tuotteen/tuoteryhmän veroluokan, toisen veroluokan, ja oston veroluokan."));
-    QGridLayout* grid = groupGrid(box);
 
     const int editWidth = box->fontMetrics().horizontalAdvance(QStringLiteral("00000")) + 12;
-    const auto classRow = [&](int row, const QString& editName, const QString& labelName,
-                              QLabel*& rate) {
+    const auto classEdit = [&](const QString& editName, const QString& labelName, QLabel*& rate) {
         framework::NumberEdit* edit = numberEdit(editName, box);
         edit->setFixedWidth(editWidth);
-        QLabel* label = captionLabel(edit, box);
         rate = new QLabel(box);
         rate->setObjectName(labelName);
         QFont bold = rate->font();
         bold.setBold(true);
         rate->setFont(bold);
-        rate->setMinimumWidth(box->fontMetrics().horizontalAdvance(QStringLiteral("Ei löydy!  ")));
-        grid->addWidget(label, row, 0);
-        grid->addWidget(edit, row, 1);
-        grid->addWidget(rate, row, 2);
+        rate->setMinimumWidth(box->fontMetrics().horizontalAdvance(QStringLiteral("Ei löydy!  ")) +
+                              8);
         return edit;
     };
     controls.sourceClass =
-        classRow(0, kSourceClassControl, QStringLiteral("LahdeLabel"), controls.sourceRate);
+        classEdit(kSourceClassControl, QStringLiteral("LahdeLabel"), controls.sourceRate);
+    controls.sourceCaption = captionLabel(controls.sourceClass, box);
     controls.targetClass =
-        classRow(1, kTargetClassControl, QStringLiteral("KohdeLabel"), controls.targetRate);
-    auto* note = new QLabel(QStringLiteral("0 rajaa vain\nveroluokattomat"), box);
-    note->setObjectName(QStringLiteral("VeroluokattomatLabel"));
-    note->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    grid->addWidget(note, 2, 1, 1, 2);
-    levelRows(grid, 3, controls.sourceClass->sizeHint().height());
-    grid->setColumnStretch(2, 1);
+        classEdit(kTargetClassControl, QStringLiteral("KohdeLabel"), controls.targetRate);
+    controls.targetCaption = captionLabel(controls.targetClass, box);
+    controls.unclassifiedNote = new QLabel(box);
+    controls.unclassifiedNote->setObjectName(QStringLiteral("VeroluokattomatLabel"));
+    controls.unclassifiedNote->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    controls.changeDay =
+        named(new framework::DateEdit(box, QStringLiteral("Ei muutospäivää")), kChangeDayControl);
+    controls.changeDayCaption = captionLabel(controls.changeDay, box);
+    groupGrid(box);
     return box;
 }
 

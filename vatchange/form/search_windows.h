@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMimeData>
 #include <QString>
 #include <QWidget>
 #include <functional>
@@ -16,5 +17,11 @@ enum class SearchKind { SubGroup, ProductGroup, MainGroup, Product };
 /// @throws data::DataError if the table cannot be opened.
 void openSearchWindow(SearchKind kind, const QString& caller, QWidget* parent,
                       const QString& present, std::function<void(const QString& key)> chosen);
+
+/// Why a number that is dragged from a search window cannot be a number of this kind ("Raahattu
+/// numero on tuotteen, tähän kuuluu aliryhmä"); empty if it can, or comes from elsewhere.
+QString dropRefusal(SearchKind kind, const QMimeData& data);
+/// The same for VAT classes, which no search window has.
+QString classDropRefusal(const QMimeData& data);
 
 }  // namespace vatchange

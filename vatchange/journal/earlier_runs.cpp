@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "vatchange/definition/restrictions.h"
 #include "vatchange/journal/run_notes.h"
+#include "vatchange/journal/run_outcome.h"
 
 namespace vatchange {
 
@@ -27,41 +29,27 @@ const std::vector<DependentTable>& dependentTables() {
     return kTables;
 }
 
-/// Whether two restrictions of the same kind admit no group in common.
-bool disjoint(const GroupRestriction& one, const GroupRestriction& other) {
-    const auto bounds = [](const GroupRestriction& restriction) {
-        const qint64 first = restriction.first != 0 ? restriction.first : restriction.last;
-        const qint64 last = restriction.last != 0 ? restriction.last : restriction.first;
-        return std::pair(first, last);
-    };
-    const auto [first, last] = bounds(one);
-    const auto [otherFirst, otherLast] = bounds(other);
-    if (!one.on || !other.on || (first == 0 && last == 0) || (otherFirst == 0 && otherLast == 0))
-        return false;
-    return last < otherFirst || otherLast < first;
-}
-
 bool sameClasses(const ChangeDefinition& one, const ChangeDefinition& other) {
     return one.sourceClass == other.sourceClass && one.targetClass == other.targetClass;
 }
 
-bool sameGroups(const ChangeDefinition& one, const ChangeDefinition& other) {
-    return one.subGroup == other.subGroup && one.productGroup == other.productGroup &&
-           one.mainGroup == other.mainGroup;
-}
-
-bool disjointGroups(const ChangeDefinition& one, const ChangeDefinition& other) {
-    return disjoint(one.subGroup, other.subGroup) ||
-           disjoint(one.productGroup, other.productGroup) ||
-           disjoint(one.mainGroup, other.mainGroup);
-}
-
-/// Whether a run has given all products of a definition their new class.
+/// Whether a run has given all products of a definition their new class, but for those that its
+/// percent limit passed over.
 bool convertedProducts(const EarlierRun& run, const ChangeDefinition& definition) {
     static const ChangeDefinition kUnrestricted;
     return run.definition.products && sameClasses(run.definition, definition) &&
            (run.state == data::RunState::Done || run.state == data::RunState::Errors) &&
            (sameGroups(run.definition, definition) || sameGroups(run.definition, kUnrestricted));
+}
+
+LimitedRows limitedRows(data::RunJournal& journal, qint64 run, const ChangeDefinition& definition) {
+    if (!definition.mostPercent)
+        return LimitedRows::None;
+    const RunOutcome outcome =
+        outcomeOfNote(journal.note(run, kOutcomeNote).value_or(QByteArray()));
+    if (outcome.limitedUnderLock)
+        return LimitedRows::All;
+    return outcome.overLimit.empty() ? LimitedRows::None : LimitedRows::QuantityDiscounts;
 }
 
 }  // namespace
@@ -75,19 +63,39 @@ std::vector<EarlierChange> earlierRunsOfSameRows(const ChangeDefinition& definit
             continue;
         const bool converted =
             std::any_of(earlier.begin(), earlier.end(), [&run](const EarlierRun& other) {
-                return other.run >= run.run && convertedProducts(other, run.definition);
+                return other.run >= run.run && other.limited == LimitedRows::None &&
+                       convertedProducts(other, run.definition);
             });
         if (converted)
             continue;
+        // the rows of products that it passed over from the start are unchanged, but for quantity
+        // discounts
+        const bool onlyDiscounts =
+            run.limited == LimitedRows::QuantityDiscounts && convertedProducts(run, run.definition);
         EarlierChange rows{run.run, {}};
         for (const DependentTable& table : dependentTables()) {
-            if (definition.*table.converted && run.tables.contains(table.name, Qt::CaseInsensitive))
+            if (definition.*table.converted &&
+                run.tables.contains(table.name, Qt::CaseInsensitive) &&
+                (!onlyDiscounts || table.converted == &ChangeDefinition::quantityDiscounts))
                 rows.tables += table.name;
         }
         if (!rows.tables.isEmpty())
             changes.push_back(std::move(rows));
     }
     return changes;
+}
+
+std::vector<EarlierDefinition> definitionsOfBatch(data::RunJournal& journal, qint64 batch,
+                                                  qint64 run) {
+    std::vector<EarlierDefinition> definitions;
+    for (const data::JournalRun& other : journal.runs()) {
+        if (other.kind != data::RunKind::Change || other.state == data::RunState::Undone ||
+            other.number >= run || (other.number != batch && other.batch != batch))
+            continue;
+        if (auto definition = definitionOfRun(journal, other.number))
+            definitions.push_back({other.definition, std::move(*definition)});
+    }
+    return definitions;
 }
 
 std::vector<EarlierRun> earlierRuns(data::RunJournal& journal, qint64 except) {
@@ -98,7 +106,8 @@ std::vector<EarlierRun> earlierRuns(data::RunJournal& journal, qint64 except) {
         std::optional<ChangeDefinition> definition = definitionOfRun(journal, run.number);
         if (!definition)
             continue;
-        EarlierRun known{run.number, run.state, std::move(*definition), {}};
+        const LimitedRows limited = limitedRows(journal, run.number, *definition);
+        EarlierRun known{run.number, run.state, std::move(*definition), {}, limited};
         for (const data::JournalTable& table : journal.tables(run.number))
             known.tables += table.name;
         earlier.push_back(std::move(known));

@@ -5,9 +5,16 @@
 #include <vector>
 
 #include "data/engine/run_journal.h"
-#include "vatchange/definition/change_definition.h"
+#include "vatchange/definition/definition_findings.h"
 
 namespace vatchange {
+
+/// Rows that a run with a percent limit has changed though their product kept its class.
+enum class LimitedRows {
+    None,
+    QuantityDiscounts,  ///< products passed over before the first change
+    All                 ///< products passed over when their turn came
+};
 
 /// An earlier run as far as a new one has to know it.
 struct EarlierRun {
@@ -15,6 +22,7 @@ struct EarlierRun {
     data::RunState state = data::RunState::Done;
     ChangeDefinition definition;
     QStringList tables;  ///< that it changed
+    LimitedRows limited = LimitedRows::None;
 };
 
 /// Dependent tables that an earlier run of the same classes has changed already, and whose rows a
@@ -30,6 +38,11 @@ struct EarlierChange {
 /// disjoint restrictions do not count.
 std::vector<EarlierChange> earlierRunsOfSameRows(const ChangeDefinition& definition,
                                                  const std::vector<EarlierRun>& earlier);
+
+/// The definitions that a batch has run before a run of it. `batch`: number of its first run.
+/// @throws data::DataError.
+std::vector<EarlierDefinition> definitionsOfBatch(data::RunJournal& journal, qint64 batch,
+                                                  qint64 run);
 
 /// The runs of a journal for the function above, but for `except` (one that is being resumed).
 /// @throws data::DataError.

@@ -25,7 +25,23 @@ class FindingList {
             m_verification.findings.push_back(std::move(finding));
     }
 
+    /// Hands on what a rule leaves behind, if somebody asked for it.
+    template <typename Make>
+    void tellRule(Make&& make) const {
+        if (m_options.see && m_options.seeRules)
+            m_options.see(make());
+    }
+
+    /// To be called for each entry and record. @throws Cancelled if the caller has had enough.
+    void tick() {
+        if (m_options.goOn && ++m_ticks % kTicksPerCall == 0 && !m_options.goOn())
+            throw Cancelled();
+    }
+    struct Cancelled {};
+
   private:
+    static constexpr int kTicksPerCall = 500;
+    int m_ticks = 0;
     Verification& m_verification;
     const VerifyOptions& m_options;
 };

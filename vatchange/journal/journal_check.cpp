@@ -64,6 +64,7 @@ struct JournalCheck::Table {
     std::vector<size_t> firstAt;  // for each byte: the first field that reaches beyond it
     std::array<Field*, kPriceLevels> levels{};
     data::IdSet seen;
+    data::IdSet all;  // whatever became of them
     data::IdSet* converted = nullptr;
     data::IdSet* undone = nullptr;
     QByteArray before;  // the fields that an entry changes; other bytes mean nothing
@@ -110,6 +111,7 @@ void JournalCheck::run() {
     for (const std::unique_ptr<Table>& table : m_tables) {
         if (!table)
             continue;
+        m_verification.records.push_back({table->name, table->all.count()});
         for (Field& field : table->fields) {
             if (field.sums.count == 0)
                 continue;
@@ -190,6 +192,7 @@ Finding JournalCheck::finding(Table& table, const JournalEntry& entry, const Fie
     Finding finding;
     const data::RecordLayout& layout = table.file->layout();
     finding.table = layout.tableName();
+    finding.record = entry.record;
     finding.key = data::keyText(layout, table.file->keys(), entry);
     if (field == nullptr)
         return finding;
@@ -203,8 +206,10 @@ Finding JournalCheck::finding(Table& table, const JournalEntry& entry, const Fie
 }
 
 void JournalCheck::see(const JournalEntry& entry) {
+    m_findings.tick();
     ++m_verification.changes;
     Table& t = table(entry.table);
+    t.all.add(entry.record);
     // an undo takes back a record as a whole, from its last entry on
     if (m_takenBack.contains(0, entry.seq))
         t.undone->add(entry.record);

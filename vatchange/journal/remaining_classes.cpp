@@ -46,19 +46,26 @@ class TableCount {
              const TFieldCacheItem& field) {
         ++m_counts[static_cast<size_t>(reason)];
         // what a rule leaves is counted only; what somebody has set back is told field by field
-        if (reason != LeftReason::PassedOver && reason != LeftReason::NotFinished &&
-            reason != LeftReason::StepFailed && reason != LeftReason::Unknown)
-            return;
-        m_findings.add(FindingKind::LeftBehind, [&] {
+        const bool byRule = reason != LeftReason::PassedOver && reason != LeftReason::OverLimit &&
+                            reason != LeftReason::NotFinished && reason != LeftReason::StepFailed &&
+                            reason != LeftReason::Unknown;
+        const auto found = [&] {
             Finding finding;
             finding.reason = reason;
             finding.table = m_file->layout().tableName();
+            finding.record = id;
             finding.key = recordKeyText(*m_file, record, id);
             finding.field = field.name;
             finding.present = textOf(field, record);
             return finding;
-        });
+        };
+        if (byRule)
+            m_findings.tellRule(found);
+        else
+            m_findings.add(FindingKind::LeftBehind, found);
     }
+
+    void tick() { m_findings.tick(); }
 
     /// Why a record was left that the definition converts.
     LeftReason reasonOf(data::RecordId id) const {
@@ -94,6 +101,7 @@ void countProducts(TableCount& count, const RunKnowledge& run) {
         return;  // the run itself has told it
     const ProductSelection selection(run.definition);
     visitAll(*count.file(), [&](data::RecordId id, const QByteArray& record) {
+        count.tick();
         SelectionFields product;
         product.salesClass = integerOf(*classes[0], bytesOf(record));
         product.secondClass = integerOf(*classes[1], bytesOf(record));
@@ -112,7 +120,10 @@ void countProducts(TableCount& count, const RunKnowledge& run) {
             reason = run.definition.products ? count.reasonOf(id) : LeftReason::TableNotChosen;
             const bool waited = reason == LeftReason::NotFinished ||
                                 reason == LeftReason::StepFailed || reason == LeftReason::Unknown;
-            if (waited && run.outcome && run.outcome->passedOver.contains(textOf(*number, record)))
+            if (waited && run.overLimit.contains(textOf(*number, record)))
+                reason = LeftReason::OverLimit;
+            else if (waited && run.outcome &&
+                     run.outcome->passedOver.contains(textOf(*number, record)))
                 reason = LeftReason::PassedOver;
         }
         count.add(reason, id, record, field);
@@ -130,6 +141,7 @@ void countGroups(TableCount& count, const RunKnowledge& run) {
             classes.push_back(field);
     }
     visitAll(*count.file(), [&](data::RecordId id, const QByteArray& record) {
+        count.tick();
         for (const TFieldCacheItem* field : classes) {
             if (integerOf(*field, bytesOf(record)) != run.definition.sourceClass)
                 continue;
@@ -202,6 +214,7 @@ void countRows(TableCount& count, const RowFields& fields, const OpenOrders& ord
         return;
     const qint64 source = run.definition.sourceClass;
     visitAll(*count.file(), [&](data::RecordId id, const QByteArray& record) {
+        count.tick();
         const uchar* bytes = bytesOf(record);
         const bool first = integerOf(*fields.vatClass, bytes) == source;
         if (!first && (!fields.second || integerOf(*fields.second, bytes) != source))

@@ -15,6 +15,7 @@ struct RunKnowledge {
     const std::optional<RunOutcome>& outcome;  ///< nothing: the run did not come to its end
     const RecordSets& converted;
     const RecordSets& undone;
+    const std::set<QString>& overLimit;  ///< numbers of products
 };
 
 /// Reads all products, product groups and rows of open orders, in storage order, and counts by

@@ -38,9 +38,7 @@ const std::vector<MultipliedTable>& multipliedTables() {
         {QStringLiteral("KAMPPANJA"),
          {QStringLiteral("Tuote"), QStringLiteral("Rivinro")},
          &ChangeDefinition::campaigns,
-         [](const QString& condition, const ChangeDefinition&) {
-             return campaignQuery(condition);
-         }},
+         campaignQuery},
         {QStringLiteral("VAKIOLASKUTUS"),
          {QStringLiteral("id")},
          &ChangeDefinition::recurringInvoicing,
@@ -50,9 +48,7 @@ const std::vector<MultipliedTable>& multipliedTables() {
         {QStringLiteral("MAARAALE"),
          {QStringLiteral("numero")},
          &ChangeDefinition::quantityDiscounts,
-         [](const QString& condition, const ChangeDefinition&) {
-             return quantityDiscountQuery(condition);
-         }},
+         quantityDiscountQuery},
     };
     return kTables;
 }

@@ -1,5 +1,6 @@
 #include "vatchange/journal/run_chain.h"
 
+#include <QCborArray>
 #include <QCborMap>
 #include <QCborValue>
 #include <algorithm>
@@ -16,6 +17,7 @@ using data::RunKind;
 using data::RunState;
 
 const QString kStateNote = QStringLiteral("state before undo");
+const QString kScopeRecords = QStringLiteral("records");  // table, key, table, key ...
 
 bool isUndoOf(const JournalRun& run, qint64 undone) {
     return run.kind == RunKind::Undo && run.undoneRun == undone;
@@ -68,17 +70,29 @@ bool touches(RunJournal& journal, qint64 later, const std::vector<data::JournalT
 }  // namespace
 
 QByteArray undoNote(const UndoScope& scope) {
-    return QCborValue(QCborMap{{QStringLiteral("exact"), scope.exact},
-                               {QStringLiteral("table"), scope.table},
-                               {QStringLiteral("key"), scope.key}})
-        .toCbor();
+    QCborMap map{{QStringLiteral("exact"), scope.exact},
+                 {QStringLiteral("table"), scope.table},
+                 {QStringLiteral("key"), scope.key}};
+    if (!scope.records.empty()) {
+        QCborArray records;
+        for (const auto& [table, key] : scope.records) {
+            records.append(table);
+            records.append(key);
+        }
+        map.insert(kScopeRecords, records);
+    }
+    return map.toCborValue().toCbor();
 }
 
 UndoScope undoScopeOf(RunJournal& journal, qint64 run) {
     const QCborMap map =
         QCborValue::fromCbor(journal.note(run, kUndoNote).value_or(QByteArray())).toMap();
-    return {map[QStringLiteral("exact")].toBool(), map[QStringLiteral("table")].toString(),
-            map[QStringLiteral("key")].toString()};
+    UndoScope scope{map[QStringLiteral("exact")].toBool(), map[QStringLiteral("table")].toString(),
+                    map[QStringLiteral("key")].toString()};
+    const QCborArray records = map[kScopeRecords].toArray();
+    for (qsizetype i = 0; i + 1 < records.size(); i += 2)
+        scope.records.emplace(records[i].toString(), records[i + 1].toString());
+    return scope;
 }
 
 void visitRecords(RunJournal& journal, qint64 run,
@@ -147,7 +161,7 @@ void settleState(RunJournal& journal, qint64 run) {
     // a whole undo counts, whatever conflicts it has left
     const bool undone = std::any_of(runs.begin(), runs.end(), [&](const JournalRun& undo) {
         return isUndoOf(undo, run) && undo.state == RunState::Done &&
-               undoScopeOf(journal, undo.number).table.isEmpty();
+               undoScopeOf(journal, undo.number).isWhole();
     });
     RunState state = RunState::Undone;
     if (!undone) {

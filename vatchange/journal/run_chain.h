@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 
 #include "data/engine/run_journal.h"
 #include "data/journal/id_sets.h"
@@ -18,6 +19,10 @@ struct UndoScope {
     bool exact = false;
     QString table;  ///< empty: the whole run
     QString key;    ///< empty: the whole table
+    /// Tables (in capitals) and keys of the only records to take back; empty: no such limit.
+    std::set<std::pair<QString, QString>> records = {};
+
+    bool isWhole() const { return table.isEmpty() && records.empty(); }
     bool operator==(const UndoScope&) const = default;
 };
 inline const QString kUndoNote = QStringLiteral("undo");

@@ -10,8 +10,11 @@ namespace vatchange {
 QByteArray definitionNote(const ChangeDefinition& definition) {
     QCborMap map;
     const QMap<QString, QString> texts = encodeDefinition(definition);
-    for (auto it = texts.constBegin(); it != texts.constEnd(); ++it)
-        map.insert(it.key(), it.value());
+    for (auto it = texts.constBegin(); it != texts.constEnd(); ++it) {
+        // without those that are off the bytes are those of versions that did not know them
+        if (!it->isEmpty() || !changeField(it.key()).optional)
+            map.insert(it.key(), it.value());
+    }
     return map.toCborValue().toCbor();
 }
 

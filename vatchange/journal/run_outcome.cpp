@@ -11,6 +11,9 @@ namespace {
 const QString kStopped = QStringLiteral("stopped");
 const QString kFailed = QStringLiteral("failed");
 const QString kPassedOver = QStringLiteral("passedOver");
+const QString kOverLimit = QStringLiteral("overLimit");
+const QString kLimitedUnderLock = QStringLiteral("limitedUnderLock");
+const QString kFailures = QStringLiteral("failures");
 
 QCborArray arrayOf(const std::set<QString>& texts) {
     QCborArray array;
@@ -31,7 +34,10 @@ std::set<QString> textsOf(const QCborValue& value) {
 QByteArray outcomeNote(const RunOutcome& outcome) {
     const QCborMap map{{kStopped, outcome.stopped},
                        {kFailed, arrayOf(outcome.failedTables)},
-                       {kPassedOver, arrayOf(outcome.passedOver)}};
+                       {kPassedOver, arrayOf(outcome.passedOver)},
+                       {kOverLimit, arrayOf(outcome.overLimit)},
+                       {kLimitedUnderLock, outcome.limitedUnderLock},
+                       {kFailures, QCborArray::fromStringList(outcome.failures)}};
     return map.toCborValue().toCbor();
 }
 
@@ -41,6 +47,11 @@ RunOutcome outcomeOfNote(const QByteArray& note) {
     outcome.stopped = map[kStopped].toBool();
     outcome.failedTables = textsOf(map[kFailed]);
     outcome.passedOver = textsOf(map[kPassedOver]);
+    outcome.overLimit = textsOf(map[kOverLimit]);
+    outcome.limitedUnderLock = map[kLimitedUnderLock].toBool();
+    const QCborArray failures = map[kFailures].toArray();
+    for (const QCborValue& failure : failures)
+        outcome.failures += failure.toString();
     return outcome;
 }
 

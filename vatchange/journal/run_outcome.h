@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <set>
 
 #include "data/engine/run_journal.h"
@@ -12,8 +13,12 @@ namespace vatchange {
 /// to tell why a record was left. A resumed run removes it when it starts.
 struct RunOutcome {
     bool stopped = false;
-    std::set<QString> failedTables;  ///< tables whose step failed, in capitals (TUOTE, MTRIVI ...)
-    std::set<QString> passedOver;    ///< numbers of products that another program held
+    std::set<QString> failedTables =
+        {};  ///< tables whose step failed, in capitals (TUOTE, MTRIVI ...)
+    std::set<QString> passedOver = {};  ///< numbers of products that another program held
+    std::set<QString> overLimit = {};   ///< numbers of products that the percent limit passed over
+    bool limitedUnderLock = false;  ///< some of them when their turn came: their rows are changed
+    QStringList failures = {};      ///< error messages of the steps, in step order
 };
 
 inline const QString kOutcomeNote = QStringLiteral("outcome");

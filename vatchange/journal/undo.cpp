@@ -3,6 +3,7 @@
 #include <QtGlobal>
 
 #include "data/clock.h"
+#include "vatchange/journal/run_attempts.h"
 #include "vatchange/journal/run_refused.h"
 #include "vatchange/journal/run_upkeep.h"
 #include "vatchange/journal/undo_walk.h"
@@ -51,9 +52,11 @@ void requireNewest(RunJournal& journal, qint64 run, const data::IdSets& records)
 }
 
 void requireSelection(const UndoWalk& walk, qint64 run, const UndoScope& scope) {
-    if (scope.table.isEmpty() || !walk.nothingSelected())
+    if (scope.isWhole() || !walk.nothingSelected())
         return;
-    const QString what = scope.key.isEmpty() ? scope.table : scope.table + u' ' + scope.key;
+    QString what = scope.key.isEmpty() ? scope.table : scope.table + u' ' + scope.key;
+    if (what.isEmpty())
+        what = scope.records.begin()->first + u' ' + scope.records.begin()->second;
     throw RunRefused(QStringLiteral("Run %1 changed no record of %2.").arg(run).arg(what),
                      QStringLiteral("Ajo %1 ei muuttanut tietuetta %2.").arg(run).arg(what));
 }
@@ -68,6 +71,8 @@ QString beginning(const JournalRun& head, const UndoScope& scope) {
         text += QStringLiteral(", taulu ") + scope.table;
     if (!scope.key.isEmpty())
         text += QStringLiteral(", tietue ") + scope.key;
+    if (!scope.records.empty())
+        text += QStringLiteral(", valitut tietueet %1 kpl").arg(scope.records.size());
     return text;
 }
 
@@ -96,20 +101,38 @@ void endIncomplete(RunJournal& journal, UndoPorts& ports) {
     }
 }
 
+qint64 logSize(const UndoOptions& options) {
+    return options.logSize ? options.logSize() : -1;
+}
+
+void recordEnd(RunJournal& journal, const UndoOptions& options, const UndoResult& result) {
+    RunAttempt end;
+    end.ended = data::Clock::now();
+    end.logTo = logSize(options);
+    endAttempt(journal, result.run, end);
+}
+
 void recordBeginning(RunJournal& journal, const JournalRun& undone, const UndoOptions& options,
                      UndoResult& result) {
+    RunAttempt attempt;
+    attempt.started = data::Clock::now();
+    attempt.user = options.user;
+    attempt.computer = options.computer;
+    attempt.logFrom = logSize(options);
     if (result.resumed) {
         journal.resume(result.run);
+        beginAttempt(journal, result.run, attempt);
         return;
     }
     JournalRun head;
     head.kind = RunKind::Undo;
     head.definition = undone.definition;
-    head.started = data::Clock::now();
+    head.started = attempt.started;
     head.user = options.user;
     head.computer = options.computer;
     head.undoneRun = undone.number;
-    result.run = journal.begin(head, {{kUndoNote, undoNote(options.scope)}});
+    result.run = journal.begin(
+        head, {{kUndoNote, undoNote(options.scope)}, {kAttemptsNote, attemptsNote({attempt})}});
 }
 
 /// Lets commits be flushed together: each record's change is complete on its own.
@@ -164,6 +187,7 @@ void performRecorded(data::Database& database, UndoWalk& walk, const JournalRun&
     if (!result.cancelled && result.held == 0)
         settleState(journal, undone.number);
     ports.log(ending(undone.number, result));
+    recordEnd(journal, options, result);
 }
 
 }  // namespace

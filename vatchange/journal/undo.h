@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 #include "data/engine/run_journal.h"
 #include "vatchange/journal/run_chain.h"
@@ -40,6 +41,7 @@ struct UndoOptions {
     bool dryRun = false;  ///< judges and reports, changes nothing
     QString user = {};    ///< for the journal
     QString computer = {};
+    std::function<qint64()> logSize = {};  ///< of the change log, to find the undo's lines again
 };
 
 struct UndoResult {

@@ -26,8 +26,12 @@ UndoWalk::UndoWalk(data::Database& database, qint64 run, const UndoOptions& opti
       m_undo(database, options, ports, result) {}
 
 bool UndoWalk::selects(const UndoTable& table, const QByteArray& key) const {
-    const QString& wanted = m_options.scope.key;
-    return wanted.isEmpty() || table.key(key) == wanted;
+    const UndoScope& scope = m_options.scope;
+    if (scope.key.isEmpty() && scope.records.empty())
+        return true;
+    const QString text = table.key(key);
+    return (scope.key.isEmpty() || text == scope.key) &&
+           (scope.records.empty() || scope.records.contains({table.stored.name.toUpper(), text}));
 }
 
 void UndoWalk::prepare() {

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "vatchange/journal/journal_check.h"
+#include "vatchange/journal/limited_products.h"
+#include "vatchange/journal/rehearsal_note.h"
 #include "vatchange/journal/remaining_classes.h"
 #include "vatchange/journal/run_notes.h"
 
@@ -21,6 +23,28 @@ std::optional<RunOutcome> outcomeOfRun(data::RunJournal& journal, qint64 run) {
     if (!note)
         return std::nullopt;
     return outcomeOfNote(*note);
+}
+
+void addRehearsal(data::RunJournal& journal, qint64 run, Verification& verification,
+                  FindingList& findings) {
+    const std::optional<RehearsalComparison> comparison = storedComparison(journal, run);
+    if (!comparison)
+        return;
+    for (const RehearsalDifference& one : comparison->first) {
+        findings.add(FindingKind::OtherThanRehearsed, [&one] {
+            Finding finding;
+            finding.table = one.table;
+            finding.record = one.record;
+            finding.key = one.key;
+            finding.field = one.field;
+            finding.before = one.before;
+            finding.after = one.after;
+            finding.rehearsed = one;
+            return finding;
+        });
+    }
+    verification.counts[static_cast<size_t>(FindingKind::OtherThanRehearsed)] =
+        comparison->differences;
 }
 
 }  // namespace
@@ -53,12 +77,22 @@ Verification verifyRun(data::Database& database, qint64 run, const VerifyOptions
     verification.run = run;
     FindingList findings(verification, options);
     const std::optional<ChangeDefinition> definition = definitionOfRun(*journal, run);
-    JournalCheck check(database, *journal, run, definition, verification, findings);
-    check.run();
-    if (definition) {
-        const std::optional<RunOutcome> outcome = outcomeOfRun(*journal, run);
-        countRemaining(database, {*definition, outcome, check.converted(), check.undone()},
-                       verification, findings);
+    try {
+        JournalCheck check(database, *journal, run, definition, verification, findings);
+        check.run();
+        addRehearsal(*journal, run, verification, findings);
+        if (definition) {
+            const std::optional<RunOutcome> outcome = outcomeOfRun(*journal, run);
+            std::set<QString> overLimit = outcome ? outcome->overLimit : std::set<QString>();
+            visitLimitedProducts(*journal, run, [&overLimit](const LimitedProduct& product) {
+                overLimit.insert(product.number);
+            });
+            countRemaining(database,
+                           {*definition, outcome, check.converted(), check.undone(), overLimit},
+                           verification, findings);
+        }
+    } catch (const FindingList::Cancelled&) {
+        verification.cancelled = true;
     }
     return verification;
 }

@@ -13,8 +13,10 @@ struct Wording {
     std::array<QString, kFindingKinds> single;  // of one finding
     std::array<QString, kLeftReasons> reasons;
     std::array<QString, 5> causes;
-    QString whole;    // a price: place, before, after
-    QString changed;  // of ChangedSince
+    QString whole;      // a price: place, before, after
+    QString changed;    // of ChangedSince
+    QString rehearsed;  // of OtherThanRehearsed: place, the rehearsal's change, the run's
+    QString notChanged;
     QString laterRun;
     QString head;
     QString undone;
@@ -32,19 +34,22 @@ const Wording& finnish() {
          QStringLiteral("palautuneita"), QStringLiteral("ajon jälkeen muuttuneita kenttiä"),
          QStringLiteral("nollaksi tyhjästä verottomasta hinnasta muuttuneita hintoja"),
          QStringLiteral("nollaksi tai negatiivisiksi muuttuneita hintoja"),
-         QStringLiteral("ennallaan pysyneitä hintoja")},
+         QStringLiteral("ennallaan pysyneitä hintoja"),
+         QStringLiteral("koeajosta poikkeavia kenttiä")},
         {QStringLiteral("jäi muuttamatta"), QStringLiteral("poistettu ajon jälkeen"),
          QStringLiteral("on taas olemassa"), QString(), QStringLiteral("veroton hinta tyhjä"),
-         QStringLiteral("nolla tai negatiivinen"), QStringLiteral("hinta ennallaan")},
+         QStringLiteral("nolla tai negatiivinen"), QStringLiteral("hinta ennallaan"), QString()},
         {QStringLiteral("rajaus"), QStringLiteral("taulua ei valittu"),
          QStringLiteral("ei kuulu muunnokseen"), QStringLiteral("toinen ohjelma varasi tietueen"),
-         QStringLiteral("ajo jäi kesken"), QStringLiteral("vaihe epäonnistui"),
-         QStringLiteral("muutettu ajon jälkeen"), QStringLiteral("peruttu"),
-         QStringLiteral("syy ei tiedossa")},
+         QStringLiteral("turvaraja"), QStringLiteral("ajo jäi kesken"),
+         QStringLiteral("vaihe epäonnistui"), QStringLiteral("muutettu ajon jälkeen"),
+         QStringLiteral("peruttu"), QStringLiteral("syy ei tiedossa")},
         {QString(), QStringLiteral("hinnan muutosraja"), QStringLiteral("ei lähdettä"),
          QStringLiteral("kerroin 1"), QStringLiteral("pyöristys")},
         QStringLiteral("%1: ennen %2, ajon jälkeen %3"),
         QStringLiteral("%1: ajo jätti %2, nyt %3"),
+        QStringLiteral("%1: koeajossa %2, ajossa %3"),
+        QStringLiteral("ei muuttunut"),
         QStringLiteral(" (ajo %1)"),
         QStringLiteral("muutoksia %1"),
         QStringLiteral("joista peruttu %1"),
@@ -62,18 +67,22 @@ const Wording& english() {
         {QStringLiteral("left behind"), QStringLiteral("records gone"),
          QStringLiteral("deleted records that exist"), QStringLiteral("fields changed since"),
          QStringLiteral("prices that became 0 from an empty VAT-free price"),
-         QStringLiteral("prices that became 0 or negative"), QStringLiteral("prices unchanged")},
+         QStringLiteral("prices that became 0 or negative"), QStringLiteral("prices unchanged"),
+         QStringLiteral("fields changed otherwise than in the rehearsal")},
         {QStringLiteral("left behind"), QStringLiteral("is gone"), QStringLiteral("exists again"),
          QString(), QStringLiteral("empty VAT-free price"), QStringLiteral("0 or negative"),
-         QStringLiteral("price unchanged")},
+         QStringLiteral("price unchanged"), QString()},
         {QStringLiteral("restriction"), QStringLiteral("table not chosen"),
          QStringLiteral("never converted"), QStringLiteral("passed over"),
-         QStringLiteral("run not finished"), QStringLiteral("step failed"),
-         QStringLiteral("changed since"), QStringLiteral("undone"), QStringLiteral("unknown")},
+         QStringLiteral("over the limit"), QStringLiteral("run not finished"),
+         QStringLiteral("step failed"), QStringLiteral("changed since"), QStringLiteral("undone"),
+         QStringLiteral("unknown")},
         {QString(), QStringLiteral("price change limit"), QStringLiteral("no source"),
          QStringLiteral("coefficient 1"), QStringLiteral("rounding")},
         QStringLiteral("%1: before %2, after the run %3"),
         QStringLiteral("%1: the run left %2, now %3"),
+        QStringLiteral("%1: rehearsal %2, run %3"),
+        QStringLiteral("no change"),
         QStringLiteral(" (run %1)"),
         QStringLiteral("changes %1"),
         QStringLiteral("of them undone %1"),
@@ -88,6 +97,19 @@ const Wording& english() {
 
 QString shown(const QString& value) {
     return value.isEmpty() ? QStringLiteral("\"\"") : value;
+}
+
+QString rehearsedText(const QString& place, const RehearsalDifference& difference,
+                      const Wording& w) {
+    using Kind = RehearsalDifference::Kind;
+    const auto change = [&w](bool none, const QString& before, const QString& after) {
+        return none ? w.notChanged : shown(before) + QStringLiteral(" -> ") + shown(after);
+    };
+    return w.rehearsed.arg(
+        place,
+        change(difference.kind == Kind::OnlyMade, difference.rehearsedBefore,
+               difference.rehearsedAfter),
+        change(difference.kind == Kind::OnlyRehearsed, difference.before, difference.after));
 }
 
 QString findingText(const Finding& finding, const Wording& w) {
@@ -116,6 +138,9 @@ QString findingText(const Finding& finding, const Wording& w) {
         case FindingKind::PriceUnchanged:
             text = place + QStringLiteral(" = ") + shown(finding.present) + QStringLiteral(": ") +
                    kind + QStringLiteral(", ") + w.causes[static_cast<size_t>(finding.cause)];
+            break;
+        case FindingKind::OtherThanRehearsed:
+            text = rehearsedText(place, finding.rehearsed.value_or(RehearsalDifference()), w);
             break;
     }
     if (finding.laterRun > 0)
@@ -183,6 +208,14 @@ QStringList allLines(const Verification& verification, const Wording& w) {
 }
 
 }  // namespace
+
+QString reasonFinnish(LeftReason reason) {
+    return finnish().reasons[static_cast<size_t>(reason)];
+}
+
+QString causeFinnish(UnchangedCause cause) {
+    return finnish().causes[static_cast<size_t>(cause)];
+}
 
 QString findingFinnish(const Finding& finding) {
     return findingText(finding, finnish());

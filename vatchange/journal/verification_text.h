@@ -16,6 +16,10 @@ QStringList verificationTextFinnish(const Verification& verification);
 /// The same in English, for zavdb.
 QStringList verificationTextEnglish(const Verification& verification);
 
+/// The reason in words: "rajaus".
+QString reasonFinnish(LeftReason reason);
+QString causeFinnish(UnchangedCause cause);
+
 /// One finding in a line.
 QString findingFinnish(const Finding& finding);
 QString findingEnglish(const Finding& finding);

@@ -196,7 +196,7 @@ bool AlvMuutosMyyntitilauksiin(data::Database& database, const SalesOrderChange&
     if (!orders.TeeAlvMuutosMt())
         return false;
     database.flush();
-    ports.NaytaViesti(QStringLiteral("Myyntitilaukset konvertoitu."));
+    ports.stepFinished(QStringLiteral("Myyntitilaukset konvertoitu."));
     return true;
 }
 

@@ -145,7 +145,7 @@ bool AlvMuutosOstotilauksiin(data::Database& database, const PurchaseOrderChange
     if (!orders.TeeAlvMuutosOt())
         return false;
     database.flush();
-    ports.NaytaViesti(QStringLiteral("Ostotilaukset konvertoitu."));
+    ports.stepFinished(QStringLiteral("Ostotilaukset konvertoitu."));
     return true;
 }
 

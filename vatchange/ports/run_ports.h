@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QString>
+#include <vector>
+
+#include "vatchange/ports/run_steps.h"
 
 namespace vatchange {
 
@@ -15,12 +18,18 @@ class RunPorts {
     virtual bool unattended() const = 0;
     /// Logs a message; also shows it in a dialog unless unattended.
     virtual void NaytaViesti(const QString& text) = 0;
+    /// As NaytaViesti() for the end of a step: nobody has to answer, the run goes on by itself.
+    virtual void stepFinished(const QString& text) { NaytaViesti(text); }
     /// Shows a message without logging it; never called unattended.
     virtual void showMessage(const QString& text) = 0;
     /// Asks a Yes/No question; never called unattended. Returns true for Yes.
     virtual bool ask(const QString& text) = 0;
     virtual void log(const QString& line) = 0;     ///< one line of the change log
     virtual void status(const QString& text) = 0;  ///< status line
+    /// The steps of the run, before the first one; not called unattended.
+    virtual void plan(const std::vector<PlannedStep>& /*steps*/) {}
+    /// A step begins.
+    virtual void beginStep(RunStep /*step*/) {}
     /// Status line of a step that begins, shown before its first statement.
     virtual void stepStatus(const QString& text) { status(text); }
     virtual void progress(qint64 done,

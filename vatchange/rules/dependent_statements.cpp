@@ -2,7 +2,19 @@
 
 #include <QStringList>
 
+#include "vatchange/rules/change_day.h"
+
 namespace vatchange {
+
+namespace {
+
+/// The condition that a period has not ended before a day; the column holds dates as texts.
+QString endsFrom(const QDate& day) {
+    return QStringLiteral("(loppu='' or loppu>='") + day.toString(QStringLiteral("yyyyMMdd")) +
+           QStringLiteral("' ) and ");
+}
+
+}  // namespace
 
 QString customerPriceQuery(const QString& condition, const ChangeDefinition& definition) {
     QString text =
@@ -33,13 +45,12 @@ QString customerPriceQuery(const QString& condition, const ChangeDefinition& def
     return text;
 }
 
-QString campaignQuery(const QString& condition) {
+QString campaignQuery(const QString& condition, const ChangeDefinition& definition) {
     return QStringLiteral(
                "SELECT KAMPPANJA.Tuote, KAMPPANJA.Rivinro, KAMPPANJA.MyyntiHinta, "
                "KAMPPANJA.OstoHInta from KAMPPANJA, Tuote where (tuote = numero) and (prosentti = "
-               "0) and (loppu='' or loppu>='") +
-           kCampaignsEndingFrom.toString(QStringLiteral("yyyyMMdd")) + QStringLiteral("' ) and ") +
-           condition;
+               "0) and ") +
+           endsFrom(campaignsEndingFrom(definition)) + condition;
 }
 
 QString recurringInvoiceQuery(const QString& condition) {
@@ -49,12 +60,11 @@ QString recurringInvoiceQuery(const QString& condition) {
            condition + QStringLiteral(" order by asiakas, tuote");
 }
 
-QString quantityDiscountQuery(const QString& condition) {
+QString quantityDiscountQuery(const QString& condition, const ChangeDefinition& definition) {
     return QStringLiteral(
                "SELECT numero, nimi, arvo, ostohinta from maaraale where exists (select numero "
-               "from tuote where tuote.maaraale = maaraale.numero and (loppu='' or "
-               "loppu>='20240701' ) and ") +
-           condition + QStringLiteral(" )");
+               "from tuote where tuote.maaraale = maaraale.numero and ") +
+           endsFrom(quantityDiscountsEndingFrom(definition)) + condition + QStringLiteral(" )");
 }
 
 }  // namespace vatchange

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QDate>
 #include <QString>
 
 #include "vatchange/definition/change_definition.h"
@@ -18,10 +17,8 @@ inline const QString kCustomerPriceUpdate = QStringLiteral(
     "where tuote = :tuote and AsiakasNumero = :asiakasNumero and maara = :maara and AsikasTyyppi = "
     ":Asiakastyyppi");
 
-/// The change date; campaigns that end earlier are skipped.
-inline const QDate kCampaignsEndingFrom(2024, 9, 1);
-/// Fixed-price campaigns that have not ended before the change date.
-QString campaignQuery(const QString& condition);
+/// Fixed-price campaigns that have not ended before the day of the change.
+QString campaignQuery(const QString& condition, const ChangeDefinition& definition);
 inline const QString kCampaignUpdate = QStringLiteral(
     "UPDATE kamppanja set myyntihinta = :uusihinta, ostohinta = :ostohinta where tuote = :tuote "
     "and rivinro = :rivi");
@@ -31,9 +28,8 @@ inline const QString kRecurringInvoiceUpdate = QStringLiteral(
     "UPDATE vakiolaskutus set ahinta = :uusihinta, Ostohinta = :uusiostohinta, yhteensa = "
     ":uusiyhteensa, muutospvm = curdate(), muutosaika = curtime() where id = :id");
 
-/// Quantity discounts of selected products that end in July 2024 or later: two months before the
-/// change date, unlike campaigns.
-QString quantityDiscountQuery(const QString& condition);
+/// Quantity discounts of selected products, see quantityDiscountsEndingFrom().
+QString quantityDiscountQuery(const QString& condition, const ChangeDefinition& definition);
 inline const QString kQuantityDiscountUpdate = QStringLiteral(
     "UPDATE maaraale set arvo = :uusiarvo, Ostohinta = :ostohinta where numero = :numero");
 

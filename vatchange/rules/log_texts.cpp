@@ -2,6 +2,7 @@
 
 #include <QStringList>
 #include <array>
+#include <cmath>
 
 #include "vatchange/rules/statements.h"
 
@@ -62,6 +63,27 @@ QString productLine(const QString& number, const PriceRules& rules, const Produc
                 QStringLiteral(", UUSIVIIMOH=") + threeDecimals(after.lastPurchase);
     }
     return line;
+}
+
+QString limitedProductText(const QString& number, const ChangeDefinition& definition,
+                           const PriceRules& rules, const ProductPrices& before,
+                           const ProductPrices& after) {
+    QStringList prices;
+    for (size_t i = 0; i < before.levels.size(); ++i) {
+        if (rules.sources()[i] == 0)
+            continue;
+        const double old = before.levels[i];
+        QString price = kPriceColumns[i + 1] + u' ' + threeDecimals(old) + QStringLiteral(" -> ") +
+                        threeDecimals(after.levels[i]);
+        if (old != 0.0) {
+            const double percent = (after.levels[i] - old) / std::abs(old) * 100.0;
+            price += QString::asprintf(" (%+.2f %%)", percent);
+        }
+        prices += price;
+    }
+    return QStringLiteral("tuotetta %1 ei muuteta, turvaraja %2 % ylittyy: %3")
+        .arg(number, quantityText(definition.mostPercent.value_or(0.0)),
+             prices.join(QStringLiteral(", ")));
 }
 
 QString customerPriceLine(int customerType, qint64 customer, const QString& product,

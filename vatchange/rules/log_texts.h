@@ -19,6 +19,12 @@ QString roundingText(const ChangeDefinition& definition);
 QString productLine(const QString& number, const PriceRules& rules, const ProductPrices& before,
                     const ProductPrices& after);
 
+/// A product that the percent limit passes over: number, limit, and each level with a source with
+/// its own price before and after and the change in percent.
+QString limitedProductText(const QString& number, const ChangeDefinition& definition,
+                           const PriceRules& rules, const ProductPrices& before,
+                           const ProductPrices& after);
+
 /// An amount before and after.
 struct AmountChange {
     double before = 0.0;

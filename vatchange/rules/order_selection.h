@@ -8,9 +8,10 @@ namespace vatchange {
 inline constexpr qint64 kLastOpenSalesState = 3;
 inline constexpr qint64 kLastOpenPurchaseState = 4;
 
-/// True for charging methods whose sales orders are skipped.
+/// Charging methods whose sales orders are skipped.
+inline constexpr qint64 kSkippedChargingMethods[] = {14, 16};
 inline bool isSkippedChargingMethod(qint64 method) {
-    return method == 14 || method == 16;
+    return method == kSkippedChargingMethods[0] || method == kSkippedChargingMethods[1];
 }
 
 }  // namespace vatchange

@@ -69,6 +69,13 @@ QString productQuery(const QString& condition) {
     return text;
 }
 
+QString limitQuery(const QString& condition) {
+    return QStringLiteral(
+               "SELECT NUMERO, MAARAALE, HINTA, KAKSOISHINTA, HINTA3, HINTA4, HINTA5, HINTA6, "
+               "HINTA7, HINTA8, HINTA9 FROM TUOTE WHERE ") +
+           condition;
+}
+
 QString levelParameter(int level) {
     return QStringLiteral("HINTA") + QString::number(level);
 }

@@ -21,6 +21,9 @@ QString factorText(double factor);
 /// Selects products with all columns that the conversion reads.
 QString productQuery(const QString& condition);
 
+/// Selects products with what the percent limit looks at.
+QString limitQuery(const QString& condition);
+
 /// VAT class fields of a product that hold the source class.
 struct ClassFields {
     bool sales = false;     ///< LVV

@@ -2,18 +2,20 @@
 
 #include "company/run_mark.h"
 #include "data/clock.h"
+#include "vatchange/journal/earlier_runs.h"
 #include "vatchange/rules/log_texts.h"
+#include "vatchange/run/company_findings.h"
 #include "vatchange/run/dependent_step.h"
 #include "vatchange/run/journal_session.h"
 #include "vatchange/run/run_context.h"
+#include "vatchange/run/run_plan.h"
 #include "vatchange/run/run_verification.h"
+#include "vatchange/run/safety_limits.h"
 #include "vatchange/run/unfinished_runs.h"
 
 namespace vatchange {
 
 namespace {
-
-const QString kNoticePrefix = QStringLiteral("Huomaa: ");
 
 /// Texts before and after a failed step's error message.
 struct ErrorWording {
@@ -93,36 +95,50 @@ LabelTable prepareShelfLabels(RunContext& run) {
 
 void convertDependentTables(RunContext& run) {
     if (run.definition.customerPriceLists) {
-        attempt(run, {QStringLiteral("Virhe asiakashinnaston päivityksessä: ")},
-                [&] { convertDependentRows(run, customerPriceStep(run)); });
+        attempt(run, {QStringLiteral("Virhe asiakashinnaston päivityksessä: ")}, [&] {
+            run.ports.beginStep(RunStep::CustomerPrices);
+            convertDependentRows(run, customerPriceStep(run));
+        });
     }
     if (run.definition.campaigns) {
-        attempt(run, {QStringLiteral("Virhe kampanjan päivityksessä: ")},
-                [&] { convertDependentRows(run, campaignStep(run)); });
+        attempt(run, {QStringLiteral("Virhe kampanjan päivityksessä: ")}, [&] {
+            run.ports.beginStep(RunStep::Campaigns);
+            convertDependentRows(run, campaignStep(run));
+        });
     }
     if (run.definition.recurringInvoicing) {
         attempt(run,
                 {QStringLiteral("Virhe "), QStringLiteral(" vakiolaskutuksen päivityksessä. ")},
-                [&] { convertDependentRows(run, recurringInvoiceStep(run)); });
+                [&] {
+                    run.ports.beginStep(RunStep::RecurringInvoices);
+                    convertDependentRows(run, recurringInvoiceStep(run));
+                });
     }
     if (run.definition.quantityDiscounts) {
-        attempt(run, {QStringLiteral("Virhe "), QStringLiteral(" määräalen päivityksessä. ")},
-                [&] { convertDependentRows(run, quantityDiscountStep(run)); });
+        attempt(run, {QStringLiteral("Virhe "), QStringLiteral(" määräalen päivityksessä. ")}, [&] {
+            run.ports.beginStep(RunStep::QuantityDiscounts);
+            convertDependentRows(run, quantityDiscountStep(run));
+        });
     }
 }
 
 void convertProductsAndGroups(RunContext& run, LabelTable labels) {
     if (run.stopRequested())
         return;
+    run.ports.beginStep(RunStep::ProductGroups);
     run.ports.log(QStringLiteral("Aloitetaan tuoteryhmien päivitys"));
     for (const GroupUpdate& update : groupUpdates(run.definition)) {
         if (!attempt(run, {QStringLiteral("Virhe tuoteryhmän päivityksessä: ")},
                      [&] { updateProductGroups(run, update); }))
             run.outcome.failedTables.insert(QStringLiteral("TRYHMA"));
     }
-    attempt(run, {QStringLiteral("Virhe alvien muutoksessa ->")}, [&] { updateStorePrices(run); });
+    attempt(run, {QStringLiteral("Virhe alvien muutoksessa ->")}, [&] {
+        run.ports.beginStep(RunStep::StorePrices);
+        updateStorePrices(run);
+    });
     if (run.stopRequested())
         return;
+    run.ports.beginStep(RunStep::Products);
     run.ports.log(QStringLiteral("Aloitetaan tuotteiden päivitys"));
     run.changedRows(QStringLiteral("Tuotteet")) = 0;  // before what goes with products
     const bool converted = attempt(run, {QStringLiteral("Virhe tuotetietojen muutoksessa -> ")},
@@ -138,13 +154,17 @@ void convertProductsAndGroups(RunContext& run, LabelTable labels) {
 
 void convertOrders(RunContext& run) {
     if (run.definition.salesOrders) {
-        if (!attempt(run, {QStringLiteral("Virhe myyntitilausten päivityksessä: ")},
-                     [&] { convertSalesOrders(run); }))
+        if (!attempt(run, {QStringLiteral("Virhe myyntitilausten päivityksessä: ")}, [&] {
+                run.ports.beginStep(RunStep::SalesOrders);
+                convertSalesOrders(run);
+            }))
             run.outcome.failedTables.insert(QStringLiteral("MTRIVI"));
     }
     if (run.definition.purchaseOrders) {
-        if (!attempt(run, {QStringLiteral("Virhe ostotilausten päivityksessä: ")},
-                     [&] { convertPurchaseOrders(run); }))
+        if (!attempt(run, {QStringLiteral("Virhe ostotilausten päivityksessä: ")}, [&] {
+                run.ports.beginStep(RunStep::PurchaseOrders);
+                convertPurchaseOrders(run);
+            }))
             run.outcome.failedTables.insert(QStringLiteral("WINOTRI"));
     }
 }
@@ -167,12 +187,35 @@ void reportStop(RunContext& run) {
                            : QStringLiteral("Tehdyt muutokset jäävät voimaan: ") + changed + u'.'));
 }
 
+/// Logs what looks like a mistake in the definition.
+void reportFindings(RunContext& run, const LoadedDefinition& loaded, const CompanyFacts& facts,
+                    const RunOptions& options) {
+    std::vector<EarlierDefinition> earlier;
+    try {
+        if (run.journal && options.batch != 0)
+            earlier = definitionsOfBatch(*run.journal, options.batch, run.result.run);
+    } catch (const std::exception& error) {
+        run.ports.log(QStringLiteral("Huomaa: erän aiempia ajoja ei voi lukea: ") +
+                      errorText(error));
+    }
+    CompanyFindingOptions search;
+    search.exceptRun = run.result.run;
+    search.resumed = run.progress != nullptr;
+    for (const auto& findings : {definitionFindings(loaded, facts, earlier),
+                                 companyFindings(run.database, run.definition, search)}) {
+        for (const DefinitionFinding& finding : findings)
+            run.ports.log(QStringLiteral("Huomaa: ") + finding.text);
+    }
+}
+
 void runSteps(RunContext& run) {
     const LabelTable labels = prepareShelfLabels(run);
     run.ports.log(QStringLiteral("Aloitetaan taksavaiheet, parametrit ->"));
     run.ports.log(QStringLiteral("Rajaus: ") + run.condition + QStringLiteral(" Pyöristys: ") +
                   roundingText(run.definition));
     run.ports.log(QStringLiteral("Aloitetaan taksavaihe"));
+    if (!run.ports.unattended())
+        run.ports.plan(plannedSteps(run));
     convertDependentTables(run);
     const QString dependents = changedSoFar(run.result);
     if (run.definition.products)
@@ -180,6 +223,7 @@ void runSteps(RunContext& run) {
     convertOrders(run);
     if (run.definition.checkProductCodes) {
         attempt(run, {QStringLiteral("Virhe tuotekoodien tarkastuksessa: ")}, [&] {
+            run.ports.beginStep(RunStep::ProductCodes);
             run.ports.stepStatus(QStringLiteral("Tarkastetaan verkkokauppatuotteiden tuotekoodit"));
             checkProductCodes(run);
         });
@@ -195,6 +239,18 @@ void runSteps(RunContext& run) {
 void deferFlushes(RunContext& run, bool on) {
     ExecWithExceptionHandling(run, {QStringLiteral("Virhe muutosten tallennuksessa: ")},
                               [&] { run.database.deferFlushes(on); });
+}
+
+/// A stopped run has left the journal before its verification was logged.
+void endStoppedAttempt(RunContext& run) {
+    data::RunJournal* journal = run.database.journal();
+    if (run.journal != nullptr || journal == nullptr || run.result.run == 0)
+        return;
+    try {
+        endAttempt(run, *journal);
+    } catch (const std::exception& error) {
+        run.ports.log(QStringLiteral("Virhe ajopäiväkirjan kirjoituksessa: ") + errorText(error));
+    }
 }
 
 /// Claims the company for this run. Returns the reason if impossible, else empty.
@@ -221,6 +277,7 @@ void releaseCompany(data::Database& database, RunPorts& ports) {
 RunResult runChange(data::Database& database, const LoadedDefinition& loaded, RunPorts& ports,
                     const RunOptions& options) {
     RunResult result;
+    const RunAttempt attempt = newAttempt();
     result.refusal = claimCompany(database);
     if (!result.refusal.isEmpty()) {
         result.refused = true;
@@ -231,19 +288,21 @@ RunResult runChange(data::Database& database, const LoadedDefinition& loaded, Ru
     ChangeDefinition definition = loaded.definition;
     dropMissingGroups(definition, facts);
     RunContext run(database, definition, ports, result);
-    if (definitionAllowsRun(run, loaded, facts) && checkDefinition(run) &&
-        earlierRunsAllow(run, options) && enterJournal(run, loaded, options)) {
-        for (const QString& note : definitionNotes(loaded, facts))
-            ports.log(kNoticePrefix + note);
-        reportEarlierChanges(run);
+    run.attempt = attempt;
+    if (definitionAllowsRun(run, loaded, facts, options) && checkDefinition(run) &&
+        productCountAllowsRun(run, options) && earlierRunsAllow(run, options) &&
+        enterJournal(run, loaded, options)) {
+        reportFindings(run, loaded, facts, options);
         deferFlushes(run, true);
         try {
             runSteps(run);
             // a run that was asked to end must have ended before the verification takes its time
             if (result.cancelled)
                 leaveJournal(run);
+            compareAtEnd(run, options);
             verifyAtEnd(run);
             deferFlushes(run, false);
+            endStoppedAttempt(run);
         } catch (...) {  // of the ports
             run.leftBehind = true;
             deferFlushes(run, false);

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 #include <deque>
+#include <functional>
 #include <optional>
 
 #include "data/engine/run_journal.h"
@@ -27,6 +28,11 @@ inline const QString kOtherRunText = QStringLiteral(
 struct RunOptions {
     qint64 resume = 0;  ///< number of the run to be resumed; 0: a new run
     qint64 batch = 0;   ///< number of the first run of the batch; 0: this is it, or no batch
+    /// DefinitionProblem::text() of the problems in spite of which the user has agreed to the run.
+    QStringList agreedProblems = {};
+    /// Compares the run, once its steps are through, with its rehearsal; nothing if there was none.
+    std::function<std::optional<RehearsalComparison>(data::Database& database, qint64 run)>
+        compareWithRehearsal = {};
 };
 
 /// How a run of one definition ended.
@@ -35,15 +41,17 @@ struct RunResult {
     data::RunState state = data::RunState::Done;  ///< as stored in the journal; Done if refused
     bool refused = false;  ///< stopped before any change: definition, date, classes or another run
     bool blocked = false;  ///< refused, because an earlier run is unfinished
-    bool cancelled = false;   ///< stopped by the user, between rows or after a failed label
-    int failedSteps = 0;      ///< steps that reported an error
-    int skippedProducts = 0;  ///< products whose record another program had locked
-    qint64 products = 0;      ///< products converted
+    bool cancelled = false;      ///< stopped by the user, between rows or after a failed label
+    int failedSteps = 0;         ///< steps that reported an error
+    int skippedProducts = 0;     ///< products whose record another program had locked
+    qint64 products = 0;         ///< products converted
+    qint64 limitedProducts = 0;  ///< products passed over by the percent limit
     bool markWritten = false;
 
     /// At most this many skipped products are listed.
     static constexpr int kListedProducts = 500;
     QStringList skippedNumbers;
+    QStringList limitedNumbers;
     std::deque<ChangedRows> changed;  ///< in step order
     QStringList failures;             ///< error messages of the failed steps, in step order
     QString refusal;                  ///< why the run was refused
@@ -54,7 +62,8 @@ struct RunResult {
     /// Complete success: exit status 0.
     bool clean() const {
         return !refused && !cancelled && failedSteps == 0 && skippedProducts == 0 &&
-               lostLogLines == 0 && !(verification && verification->unexplained());
+               limitedProducts == 0 && lostLogLines == 0 &&
+               !(verification && verification->unexplained());
     }
 };
 

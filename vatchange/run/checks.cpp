@@ -1,20 +1,16 @@
-#include <optional>
+#include <algorithm>
 
 #include "data/clock.h"
+#include "vatchange/rules/change_day.h"
 #include "vatchange/run/run_context.h"
 
 namespace vatchange {
 
 namespace {
 
-const QDateTime& changeMoment() {
-    static const QDateTime kMoment(QDate(2024, 8, 31), QTime(15, 0));
-    return kMoment;
-}
-
 /// Prevents running the change by mistake before the rates have changed.
-bool dateAllowsRun(RunPorts& ports, QString& refusal) {
-    if (ports.skipEarlyDateCheck() || data::Clock::now() >= changeMoment())
+bool dateAllowsRun(const ChangeDefinition& definition, RunPorts& ports, QString& refusal) {
+    if (ports.skipEarlyDateCheck() || data::Clock::now() >= earliestRun(definition))
         return true;
     const QString warning =
         QStringLiteral("Olet vaihtamassa veroluokkaa, vaikka kuukausi ei ole vielä vaihtunut!");
@@ -27,56 +23,10 @@ bool dateAllowsRun(RunPorts& ports, QString& refusal) {
     return false;
 }
 
-/// Returns the problem with the definition's VAT classes; empty if none.
-QString classProblem(const RunContext& run) {
-    const int source = run.definition.sourceClass;
-    const int target = run.definition.targetClass;
-    if (target <= 0)
-        return QStringLiteral("Kohteen ALV -luokka on oltava > 0!");
-    if (!run.classes.exists(target))
-        return QStringLiteral("Kohteen ALV -luokkaa ei ole olemassa!");
-    if (source == target)
-        return QStringLiteral("Lähteen ALV -luokka on sama kuin kohteen ALV -luokka!");
-    if (source != 0 && run.classes.ratePercent(source) == run.classes.ratePercent(target)) {
-        return QStringLiteral(
-            "Lähteen ALV -luokan prosentti on sama kuin kohteen ALV -luokan prosentti!");
-    }
-    return {};
-}
-
-std::set<int> customerGroups(data::Database& database) {
-    data::TUniQuery query(&database);
-    query.sql().add(QStringLiteral("SELECT NRO FROM ASRYHMA"));
-    query.open();
-    std::set<int> groups;
-    const auto& number = query.fieldByName(QStringLiteral("NRO"));
-    for (; !query.eof(); query.next())
-        groups.insert(static_cast<int>(number.asInteger()));
-    return groups;
-}
-
-/// Result of `read`; nothing if it throws.
-template <typename Read>
-std::optional<std::set<int>> known(Read&& read) {
-    try {
-        return read();
-    } catch (const std::exception&) {
-        return std::nullopt;
-    }
-}
-
 }  // namespace
 
-CompanyFacts readCompanyFacts(data::Database& database, const ChangeDefinition& definition) {
-    CompanyFacts facts;
-    facts.vatClasses = known([&] { return VatClasses::read(database).numbers(); });
-    if (!definition.customerGroups.empty())
-        facts.customerGroups = known([&] { return customerGroups(database); });
-    return facts;
-}
-
-bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
-                         const CompanyFacts& facts) {
+bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded, const CompanyFacts& facts,
+                         const RunOptions& options) {
     QStringList problems;
     bool final = run.ports.unattended();
     for (const DefinitionProblem& problem : definitionProblems(loaded, facts)) {
@@ -92,7 +42,11 @@ bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
         run.ports.NaytaViesti(refusal);
         return false;
     }
-    if (!run.ports.ask(QStringLiteral("Määrittelyssä on arvoja, joilla sitä ei pitäisi ajaa:\r") +
+    const bool agreed = std::all_of(
+        problems.begin(), problems.end(),
+        [&options](const QString& problem) { return options.agreedProblems.contains(problem); });
+    if (!agreed &&
+        !run.ports.ask(QStringLiteral("Määrittelyssä on arvoja, joilla sitä ei pitäisi ajaa:\r") +
                        problems.join(u'\r') + QStringLiteral("\r\rAjetaanko silti?"))) {
         run.result.refusal = refusal;
         return false;
@@ -102,13 +56,29 @@ bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
     return true;
 }
 
+QString classProblem(const ChangeDefinition& definition, const VatClasses& classes) {
+    const int source = definition.sourceClass;
+    const int target = definition.targetClass;
+    if (target <= 0)
+        return QStringLiteral("Kohteen ALV -luokka on oltava > 0!");
+    if (!classes.exists(target))
+        return QStringLiteral("Kohteen ALV -luokkaa ei ole olemassa!");
+    if (source == target)
+        return QStringLiteral("Lähteen ALV -luokka on sama kuin kohteen ALV -luokka!");
+    if (source != 0 && classes.ratePercent(source) == classes.ratePercent(target)) {
+        return QStringLiteral(
+            "Lähteen ALV -luokan prosentti on sama kuin kohteen ALV -luokan prosentti!");
+    }
+    return {};
+}
+
 bool checkDefinition(RunContext& run) {
-    if (!dateAllowsRun(run.ports, run.result.refusal))
+    if (!dateAllowsRun(run.definition, run.ports, run.result.refusal))
         return false;
     QString problem;
     try {
         run.classes = VatClasses::read(run.database);
-        problem = classProblem(run);
+        problem = classProblem(run.definition, run.classes);
     } catch (const std::exception& error) {
         problem = QStringLiteral("Virhe alv-luokkien lukemisessa: ") + errorText(error);
     }

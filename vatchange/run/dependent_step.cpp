@@ -146,6 +146,8 @@ class DependentRows {
         ++*m_converted;
         if (m_logsRows)
             m_run.ports.log(m_step.line(row, changes));
+        if (m_step.changed)
+            m_step.changed(row);
     }
 
     /// Logs each row that another program changed since it was read; counts one failed step.

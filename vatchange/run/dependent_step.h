@@ -27,6 +27,7 @@ struct DependentStep {
     bool logsCount = false;
 
     std::function<QString(const data::KeyValues& row)> rowStatus = {};
+    std::function<void(const data::KeyValues& row)> changed = {};  ///< after a row was changed
     std::function<std::vector<AmountChange>(const Amounts& old)> convert;
     std::function<QString(const data::KeyValues& row, const std::vector<AmountChange>& changes)>
         line;

@@ -1,6 +1,7 @@
 #include <QDateTime>
 
 #include "data/clock.h"
+#include "vatchange/rules/change_day.h"
 #include "vatchange/rules/dependent_statements.h"
 #include "vatchange/rules/log_texts.h"
 #include "vatchange/rules/selection.h"
@@ -60,6 +61,7 @@ DependentStep customerPriceStep(const RunContext& run) {
                   {QStringLiteral("hinta"), Kind::Amount},
                   {QStringLiteral("hintaalv0"), Kind::Amount},
                   {QStringLiteral("OstoHinta"), Kind::Amount}},
+                 1,
                  customerPriceQuery(selectionWithConverted(run.definition), run.definition),
                  ofProductIn(1)};
     step.update = kCustomerPriceUpdate;
@@ -95,18 +97,20 @@ DependentStep campaignStep(const RunContext& run) {
     step.table.name = QStringLiteral("KAMPPANJA");
     step.table.keyColumns = {QStringLiteral("Tuote"), QStringLiteral("RiviNro")};
     step.table.amountColumns = {QStringLiteral("Myyntihinta"), QStringLiteral("Ostohinta")};
-    step.table.selected = [](const data::TtbTable& record) {
+    const QDate endingFrom = campaignsEndingFrom(run.definition);
+    step.table.selected = [endingFrom](const data::TtbTable& record) {
         const QDate end = record.fieldByName(QStringLiteral("Loppu")).asDate();
         return record.fieldByName(QStringLiteral("Prosentti")).asInteger() == 0 &&
-               (!end.isValid() || end >= kCampaignsEndingFrom);
+               (!end.isValid() || end >= endingFrom);
     };
     step.rows = {QStringLiteral("KAMPPANJA"),
-                 campaignQuery(run.condition),
+                 campaignQuery(run.condition, run.definition),
                  {{QStringLiteral("Tuote"), Kind::Text},
                   {QStringLiteral("Rivinro"), Kind::Whole},
                   {QStringLiteral("MyyntiHinta"), Kind::Amount},
                   {QStringLiteral("OstoHInta"), Kind::Amount}},
-                 campaignQuery(selectionWithConverted(run.definition)),
+                 0,
+                 campaignQuery(selectionWithConverted(run.definition), run.definition),
                  ofProductIn(0)};
     step.update = kCampaignUpdate;
     step.keyParameters = {QStringLiteral("tuote"), QStringLiteral("rivi")};
@@ -145,6 +149,7 @@ DependentStep recurringInvoiceStep(const RunContext& run) {
                   {QStringLiteral("ostohinta"), Kind::Amount},
                   {QStringLiteral("asiakas"), Kind::Whole},
                   {QStringLiteral("tuote"), Kind::Text}},
+                 5,
                  recurringInvoiceQuery(selectionWithConverted(run.definition)),
                  ofProductIn(5)};
     step.update = kRecurringInvoiceUpdate;
@@ -176,12 +181,13 @@ DependentStep quantityDiscountStep(const RunContext& run) {
     step.table.keyColumns = {QStringLiteral("Numero")};
     step.table.amountColumns = {QStringLiteral("Arvo"), QStringLiteral("Ostohinta")};
     step.rows = {QStringLiteral("MAARAALE"),
-                 quantityDiscountQuery(run.condition),
+                 quantityDiscountQuery(run.condition, run.definition),
                  {{QStringLiteral("numero"), Kind::Whole},
                   {QStringLiteral("arvo"), Kind::Amount},
                   {QStringLiteral("ostohinta"), Kind::Amount},
                   {QStringLiteral("nimi"), Kind::Text}},
-                 quantityDiscountQuery(selectionWithConverted(run.definition)),
+                 std::nullopt,
+                 quantityDiscountQuery(selectionWithConverted(run.definition), run.definition),
                  [](RunContext& context) {
                      const auto discounts =
                          std::make_shared<data::IdSet>(ProductFilter(context).quantityDiscounts());
@@ -197,6 +203,12 @@ DependentStep quantityDiscountStep(const RunContext& run) {
     step.status = QStringLiteral("Päivitetään määräalet");
     step.what = QStringLiteral("Määräalennukset");
     step.lost = QStringLiteral("Virhe määräalen päivityksessä: ");
+    step.changed = [&run](const Row& row) {
+        if (run.limited.quantityDiscounts.count(row[0].toLongLong()) > 0)
+            run.ports.log(QStringLiteral("Huomaa: määräalennus %1 muutettiin, vaikka turvaraja "
+                                         "ohitti sen tuotteita")
+                              .arg(row[0].toLongLong()));
+    };
     step.convert = [&run](const Amounts& old) {
         return Changes{salesChange(run, old[0]), purchaseChange(run, old[1])};
     };
@@ -210,6 +222,7 @@ StepRows storePriceRows(const RunContext& run) {
     return {QStringLiteral("MYYMALAHINNAT"),
             storePriceQuery({run.definition.sourceClass}),
             {{QStringLiteral("myymala"), Kind::Whole}, {QStringLiteral("tuote"), Kind::Text}},
+            1,
             storePriceQuery({run.definition.sourceClass, run.definition.targetClass}),
             ofProductIn(1)};
 }

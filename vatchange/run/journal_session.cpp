@@ -1,11 +1,12 @@
 #include "vatchange/run/journal_session.h"
 
-#include <utility>
-
+#include "company/backup.h"
+#include "company/company.h"
 #include "company/logs.h"
 #include "data/clock.h"
 #include "data/journal/entry_fields.h"
 #include "vatchange/run/row_lists.h"
+#include "vatchange/run/safety_limits.h"
 
 namespace vatchange {
 
@@ -59,17 +60,19 @@ void begin(RunContext& run, data::RunJournal& journal, const LoadedDefinition& l
     data::JournalRun head;
     head.definition = run.ports.definitionName();
     head.started = data::Clock::now();
-    head.user = company::userName();
-    head.computer = company::computerName();
+    head.user = run.attempt.user;
+    head.computer = run.attempt.computer;
     head.batch = options.batch;
     run.result.run = journal.begin(head, {{kDefinitionNote, definitionNote(loaded.definition)},
-                                          {kRatesNote, ratesNote(run.classes.rates())}});
+                                          {kRatesNote, ratesNote(run.classes.rates())},
+                                          {kAttemptsNote, attemptsNote({run.attempt})}});
 }
 
 void resume(RunContext& run, data::RunJournal& journal, qint64 number) {
     auto progress = std::make_unique<RunProgress>(RunProgress::read(journal, number));
     journal.resume(number);
     journal.setNote(number, kOutcomeNote, {});
+    beginAttempt(journal, number, run.attempt);
     run.progress = std::move(progress);
     run.result.run = number;
     run.ports.log(QStringLiteral("Jatketaan keskeytynyttä ajoa %1").arg(number));
@@ -80,8 +83,10 @@ void abandon(RunContext& run, data::RunJournal& journal) {
     const bool isNew = !run.progress;
     run.journal = nullptr;
     run.progress.reset();
-    const qint64 number = std::exchange(run.result.run, 0);
+    const qint64 number = run.result.run;
     try {
+        if (!isNew && number != 0)
+            endAttempt(run, journal);
         if (journal.recording() != 0)
             journal.end(data::RunState::Stopped);
         if (isNew && number != 0)
@@ -89,16 +94,51 @@ void abandon(RunContext& run, data::RunJournal& journal) {
     } catch (const std::exception& error) {
         run.ports.log(QStringLiteral("Virhe ajopäiväkirjan kirjoituksessa: ") + errorText(error));
     }
+    run.result.run = 0;
+}
+
+/// Returns false if the products cannot be judged; the reason has been shown.
+bool judgeWithoutJournal(RunContext& run) {
+    try {
+        judgeProducts(run);
+        return true;
+    } catch (const std::exception& error) {
+        run.result.refusal = QStringLiteral("Virhe turvarajan tarkastuksessa: ") + errorText(error);
+        run.ports.NaytaViesti(run.result.refusal);
+        return false;
+    }
 }
 
 }  // namespace
+
+RunAttempt newAttempt() {
+    RunAttempt attempt;
+    attempt.started = data::Clock::now();
+    attempt.user = company::userName();
+    attempt.computer = company::computerName();
+    attempt.logFrom = company::changeLogSize();
+    attempt.lostLogLines = -company::lostChangeLogLines().count;
+    if (const auto backup = company::lastBackup(company::currentCompany().name)) {
+        attempt.backupFile = backup->file;
+        attempt.backupWhen = backup->when;
+    }
+    return attempt;
+}
+
+void endAttempt(const RunContext& run, data::RunJournal& journal) {
+    RunAttempt end = run.attempt;
+    end.ended = data::Clock::now();
+    end.logTo = company::changeLogSize();
+    end.lostLogLines += company::lostChangeLogLines().count;
+    endAttempt(journal, run.result.run, end);
+}
 
 bool enterJournal(RunContext& run, const LoadedDefinition& loaded, const RunOptions& options) {
     data::RunJournal* journal = run.database.journal();
     QString& refusal = run.result.refusal;
     if (!journal) {
         if (options.resume == 0)
-            return true;
+            return judgeWithoutJournal(run);
         refusal = QStringLiteral("Ajoa %1 ei voi jatkaa: yrityksellä ei ole ajopäiväkirjaa.")
                       .arg(options.resume);
         run.ports.NaytaViesti(refusal);
@@ -114,6 +154,7 @@ bool enterJournal(RunContext& run, const LoadedDefinition& loaded, const RunOpti
             refusal = QStringLiteral("Ajoa %1 ei voi jatkaa: ").arg(options.resume) + problem;
         if (problem.isEmpty()) {
             run.journal = journal;
+            judgeProducts(run);
             listRows(run);
         }
     } catch (const std::exception& error) {
@@ -144,6 +185,7 @@ void leaveJournal(RunContext& run) {
     if (!run.journal)
         return;
     try {
+        endAttempt(run, *run.journal);
         run.journal->end(run.result.state);
     } catch (const std::exception& error) {
         run.result.state = data::RunState::Interrupted;

@@ -11,6 +11,11 @@ namespace vatchange {
 /// shown.
 bool enterJournal(RunContext& run, const LoadedDefinition& loaded, const RunOptions& options);
 
+/// What is known of an attempt before anything is logged: to be called first.
+RunAttempt newAttempt();
+/// Stores the end of the attempt: the log's lines up to now are its own. @throws data::DataError.
+void endAttempt(const RunContext& run, data::RunJournal& journal);
+
 /// How the run has ended: stopped, incomplete, with errors or done, in this order of precedence.
 data::RunState stateOf(const RunContext& run);
 

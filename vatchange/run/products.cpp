@@ -6,6 +6,7 @@
 #include "vatchange/rules/log_texts.h"
 #include "vatchange/run/product_record.h"
 #include "vatchange/run/run_context.h"
+#include "vatchange/run/safety_limits.h"
 #include "vatchange/run/webshop_marks.h"
 
 namespace vatchange {
@@ -130,6 +131,8 @@ class ProductConversion {
 
     /// Returns false if the step must end.
     bool convert(const QString& number) {
+        if (m_run.limited.numbers.contains(number))
+            return true;
         m_run.ports.status(QStringLiteral("Tuote ") + number);
         LockedProduct product;
         ProductPrices converted;
@@ -214,6 +217,8 @@ class ProductConversion {
         if (!product.classes.any())
             return Outcome::NothingToDo;
         converted = m_run.prices.convert(product.prices);
+        if (passesOver(m_run, number, product.prices, converted))
+            return Outcome::NothingToDo;
         m_run.setOrigin(product.id);
         PreparedUpdate& change = m_updates.of(product.classes);
         if (m_run.database.statementsPassRecordLocks()) {
@@ -301,8 +306,8 @@ void convertProducts(RunContext& run, LabelTable labels) {
     run.mark(kProductsEnd);
     run.database.flush();
     if (!run.result.cancelled) {
-        run.ports.NaytaViesti(QStringLiteral("Tuotetiedot muutettu ( ") +
-                              QString::number(run.result.products) + QStringLiteral(" kpl)"));
+        run.ports.stepFinished(QStringLiteral("Tuotetiedot muutettu ( ") +
+                               QString::number(run.result.products) + QStringLiteral(" kpl)"));
     }
 }
 

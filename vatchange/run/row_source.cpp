@@ -21,6 +21,12 @@ size_t identityOf(const StepRows& step, const data::KeyValues& row) {
     return hash;
 }
 
+/// Whether the row's product is passed over by the percent limit.
+bool isLimited(const RunContext& run, const StepRows& step, const data::KeyValues& row) {
+    return step.product && !run.limited.numbers.isEmpty() &&
+           run.limited.numbers.contains(row[*step.product].toString());
+}
+
 }  // namespace
 
 data::KeyValues rowOf(data::TUniQuery& query, const std::vector<RowColumn>& columns) {
@@ -55,7 +61,7 @@ void storeRows(RunContext& run, const StepRows& step, data::TUniQuery& query,
     RowListWriter writer(*run.journal, run.result.run, step.table);
     for (qint64 visited = 1; !query.eof(); query.next(), ++visited) {
         const data::KeyValues row = rowOf(query, step.columns);
-        if (!accepts || accepts(row))
+        if (!isLimited(run, step, row) && (!accepts || accepts(row)))
             writer.add(row);
         if (visited % kRowsOfNote == 0)
             run.ports.processEvents();
@@ -102,14 +108,16 @@ bool RowSource::next() {
         if (m_query && m_position > 0)
             m_query->next();
         ++m_position;
-        if (!m_run.progress || !m_run.progress->positions(m_step.table).contains(m_position))
+        if (m_run.progress && m_run.progress->positions(m_step.table).contains(m_position))
+            continue;
+        if (m_list) {
+            m_row = &m_list->row(m_position);
             break;
-    }
-    if (m_list) {
-        m_row = &m_list->row(m_position);
-    } else {
+        }
         m_queried = rowOf(*m_query, m_step.columns);
         m_row = &m_queried;
+        if (!isLimited(m_run, m_step, m_queried))
+            break;
     }
     m_run.setOrigin(m_position);
     return true;
@@ -133,6 +141,8 @@ void RowSource::reportUnlisted() {
     openRows(query, m_step.query, m_step.columns);
     for (; !query.eof(); query.next()) {
         const data::KeyValues row = rowOf(query, m_step.columns);
+        if (isLimited(m_run, m_step, row))
+            continue;
         const auto [first, last] =
             std::equal_range(listed.begin(), listed.end(), identityOf(m_step, row));
         auto place = first;

@@ -23,6 +23,8 @@ struct StepRows {
     QString table;  ///< that the step changes, in capitals
     QString query;
     std::vector<RowColumn> columns;
+    /// The column with the product's number, if the rows are passed over with their product.
+    std::optional<size_t> product;
 
     // If the rows were not listed when the run began, a resumed run finds them so: rows of
     // `laterQuery` that `laterRow` accepts, given the products that the run has converted.

@@ -54,6 +54,15 @@ void RunContext::skipProduct(const QString& number) {
         result.skippedNumbers += number;
 }
 
+QString markErrorText(const std::exception& error) {
+    const auto* dataError = dynamic_cast<const data::DataError*>(&error);
+    if (dataError == nullptr || dataError->kind() != data::ErrorKind::Locked)
+        return errorText(error);
+    return dataError
+        ->inFinnish({}, QStringLiteral("Merkintä jäi tekemättä. Ajon jatkaminen tekee sen."))
+        .finnish();
+}
+
 QString stepErrorText(const std::exception& error) {
     const auto* dataError = dynamic_cast<const data::DataError*>(&error);
     if (dataError == nullptr || dataError->kind() != data::ErrorKind::Locked)

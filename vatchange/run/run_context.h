@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <exception>
@@ -11,6 +12,7 @@
 #include "data/error.h"
 #include "data/sql/uni_query.h"
 #include "vatchange/definition/definition_problems.h"
+#include "vatchange/journal/run_attempts.h"
 #include "vatchange/journal/run_notes.h"
 #include "vatchange/journal/run_outcome.h"
 #include "vatchange/journal/run_progress.h"
@@ -36,6 +38,12 @@ class VatClasses {
     VatRates m_rates;
 };
 
+/// The products that the percent limit passed over before the first change.
+struct LimitedProducts {
+    QSet<QString> numbers;
+    std::set<qint64> quantityDiscounts;  ///< of these products, converted nevertheless
+};
+
 /// State shared by the steps of a run.
 struct RunContext {
     RunContext(data::Database& companyDatabase, const ChangeDefinition& change, RunPorts& runPorts,
@@ -58,8 +66,10 @@ struct RunContext {
     data::RunJournal* journal = nullptr;  ///< that records the run; none without a journal
     /// What a resumed run had done before; none for a new run.
     std::unique_ptr<RunProgress> progress;
+    LimitedProducts limited;
     /// Set when a step leaves products or orders behind that a resumed run can still change.
     bool leftBehind = false;
+    RunAttempt attempt;                 ///< begun with the run, before its checks
     RunOutcome outcome;                 ///< what verification has to know of the steps
     void setOrigin(qint64 origin);      ///< see RunJournal::setOrigin()
     void mark(const QByteArray& text);  ///< appends a mark to the journal
@@ -88,16 +98,18 @@ using data::errorText;
 /// errorText() of what ended a step. A rerun does not find every row that the step left unchanged
 /// (dependent rows whose product is converted), so it does not advise to try again.
 QString stepErrorText(const std::exception& error);
+/// errorText() of a label or web shop mark that could not be written: a rerun does not write it,
+/// since its product is converted, but resuming the run does.
+QString markErrorText(const std::exception& error);
 
 // The steps, in order. A step throws on failure; rows it has already changed stay changed.
 
-/// Reads the facts for checking the definition. Facts from an unreadable table stay unknown; the
-/// steps that need the table report it.
-CompanyFacts readCompanyFacts(data::Database& database, const ChangeDefinition& definition);
-/// Reports problems of the definition: refuses it if unattended, otherwise asks. Returns false if
-/// it must not run; the reason has been shown.
-bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded,
-                         const CompanyFacts& facts);
+/// Reports problems of the definition: refuses it if unattended, otherwise asks unless the user has
+/// agreed to all of them. Returns false if it must not run; the reason has been shown.
+bool definitionAllowsRun(RunContext& run, const LoadedDefinition& loaded, const CompanyFacts& facts,
+                         const RunOptions& options);
+/// Why the definition's VAT classes do not allow a run; empty if they do.
+QString classProblem(const ChangeDefinition& definition, const VatClasses& classes);
 /// Reads the VAT classes; checks them and the date. Returns false if the run must not start; the
 /// reason has been shown.
 bool checkDefinition(RunContext& run);

@@ -1,8 +1,6 @@
 #include "vatchange/run/run_summary.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <deque>
 
 #include "company/logs.h"
 #include "data/clock.h"
@@ -25,39 +23,6 @@ RunSummary runWithSummary(data::Database& database, const LoadedDefinition& defi
     summary.ended = data::Clock::now();
     summary.logTo = QFileInfo(summary.logName).size();
     return summary;
-}
-
-LogExcerpt logLines(const RunSummary& summary) {
-    LogExcerpt excerpt;
-    QFile file(summary.logName);
-    if (file.exists() && !QFileInfo(file).isFile()) {  // reading a pipe could wait for ever
-        excerpt.problem = QStringLiteral("se ei ole tavallinen tiedosto");
-        return excerpt;
-    }
-    if (!file.open(QIODevice::ReadOnly)) {
-        excerpt.problem = file.errorString();
-        return excerpt;
-    }
-    if (file.size() < summary.logTo || !file.seek(summary.logFrom)) {
-        excerpt.problem = QStringLiteral("lokia on lyhennetty ajon jälkeen");
-        return excerpt;
-    }
-    std::deque<QByteArray> last;
-    while (file.pos() < summary.logTo && !file.atEnd()) {
-        const QByteArray line = file.readLine();
-        if (excerpt.first.size() < LogExcerpt::kFirstLines) {
-            excerpt.first += QString::fromUtf8(line).trimmed().left(LogExcerpt::kLineLength);
-            continue;
-        }
-        last.push_back(line);
-        if (last.size() > static_cast<std::size_t>(LogExcerpt::kLastLines)) {
-            last.pop_front();
-            ++excerpt.leftOut;
-        }
-    }
-    for (const QByteArray& line : last)
-        excerpt.last += QString::fromUtf8(line).trimmed().left(LogExcerpt::kLineLength);
-    return excerpt;
 }
 
 }  // namespace vatchange

@@ -52,7 +52,7 @@ ShelfLabels::Outcome ShelfLabels::write(const QString& number, qint64 labels) {
 }
 
 ShelfLabels::Outcome ShelfLabels::failed(const QString& text, const std::exception& error) {
-    const QString report = text + errorText(error);
+    const QString report = text + markErrorText(error);
     if (m_failure.isEmpty())
         m_failure = report;
     m_ports.NaytaViesti(report);

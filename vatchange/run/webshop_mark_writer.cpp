@@ -11,6 +11,7 @@
 #include "data/table/tb_table.h"
 #include "framework/core/settings_table.h"
 #include "vatchange/rules/web_shop_letters.h"
+#include "vatchange/run/run_context.h"
 
 namespace vatchange {
 
@@ -68,7 +69,7 @@ void WebShopMarkWriter::mark(const QString& tableName, const QString& key, QChar
     } catch (const data::DataError& error) {
         if (table.state() == data::TableState::Insert)
             table.cancel();
-        report(QStringLiteral("VIRHE: TryPost -> %1 ").arg(error.finnish()));
+        report(QStringLiteral("VIRHE: TryPost -> %1 ").arg(markErrorText(error)));
     }
 }
 

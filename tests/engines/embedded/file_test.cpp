@@ -323,7 +323,7 @@ TEST_F(EmbeddedFile, BackupIsConsistentAndNeverReplaces) {
     const QString copy = folder() + "/kopio/YRITYS.ZDB";
     QDir().mkpath(folder() + "/kopio");
     bool wrote = false;
-    engines::backupEmbedded(folder(), copy, [&](int done, int total) {
+    engines::backupEmbedded(folder(), copy, [&](engines::CopyPhase, qint64 done, qint64 total) {
         EXPECT_LE(done, total);
         if (!wrote)
             run("update tryhma set nimi = 'aikana'");
@@ -342,7 +342,8 @@ TEST_F(EmbeddedFile, BackupIsConsistentAndNeverReplaces) {
     EXPECT_EQ(QDir(folder()).entryList({"toinen*"}, QDir::AllEntries | QDir::Hidden, QDir::Name),
               (QStringList{"toinen.zdb", "toinen.zdb.part"}));
     const QString stopped = folder() + "/kesken.zdb";
-    engines::backupEmbedded(folder(), stopped, [](int, int) { return false; });
+    engines::backupEmbedded(folder(), stopped,
+                            [](engines::CopyPhase, qint64, qint64) { return false; });
     EXPECT_EQ(QDir(folder()).entryList({"kesken*"}), QStringList());
 }
 
