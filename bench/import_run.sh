@@ -3,7 +3,9 @@
 # ordinary table of the same columns and keys; each a transaction into an empty table.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+# shellcheck source=scripts/options.sh
 . "$here/../scripts/options.sh"
+# shellcheck source=bench/ordinary_products.sh
 . "$here/ordinary_products.sh"
 
 usage() {

@@ -1,5 +1,6 @@
 #!/bin/bash
-# Compares the products step over ODBC with a plain C program that sends the same statements.
+# Compares the products step over ODBC, on both SQL servers of the tests, with a plain C program that sends
+# the same statements.
 # Usage: bench/odbc_run.sh [BIN-FOLDER] [PRODUCTS] [ROUNDS]   (needs a build with TAKSAVAIHE_BENCH)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -16,7 +17,7 @@ for server in virtuoso mariadb; do
         "$bin/plain_odbc" "DSN=taksavaihe-$server"
         "$bin/odbc_run" "taksavaihe-$server" "$folder/$server"
     done | tee "$folder/times"
-    awk -v server="$server" '
-        $1 == "plain:" && (!p || $4 < p) { p = $4; f = $7 } $1 == "run:" && (!r || $4 < r) { r = $4 }
-        END { printf "%s, best of each: %.3f s / %.3f s = %.2f; the query of plain C %.3f s\n", server, r, p, r / p, f }' "$folder/times"
+    paste -d ' ' <(grep '^plain:' "$folder/times") <(grep '^run:' "$folder/times") | awk '{print $12 / $4}' |
+        sort -n | awk -v server="$server" '{v[NR] = $1}
+            END {printf "%s: median ratio of the pairs %.2f\n", server, (v[int((NR + 1) / 2)] + v[int(NR / 2) + 1]) / 2}'
 done

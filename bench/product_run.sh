@@ -3,7 +3,9 @@
 # the same statements to an ordinary table with one flush a commit. Every run begins with a fresh copy.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+# shellcheck source=scripts/options.sh
 . "$here/../scripts/options.sh"
+# shellcheck source=bench/ordinary_products.sh
 . "$here/ordinary_products.sh"
 
 usage() {
