@@ -97,7 +97,7 @@ TEST_F(FormRun, AsksBeforeItRunsADefinitionWithProblems) {
         for (int row = 0; row < notes->count(); ++row)
             texts += notes->item(row)->text();
         EXPECT_EQ(texts.mid(0, 2), problems);
-        EXPECT_EQ(texts.size(), 3);  // the customer group is no reason not to run
+        EXPECT_EQ(texts.filter(str("asiakasryhmää 9")).size(), 1);  // no reason not to run
         EXPECT_TRUE(question.findChild<QPushButton*>(str("Peruuta"))->isDefault());
         return agree ? QDialog::Accepted : QDialog::Rejected;
     };
