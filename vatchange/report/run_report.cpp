@@ -8,6 +8,7 @@
 #include "data/clock.h"
 #include "framework/core/moment_text.h"
 #include "vatchange/changes/change_reader.h"
+#include "vatchange/journal/rehearsal_note.h"
 #include "vatchange/journal/run_outcome.h"
 #include "vatchange/journal/run_refused.h"
 #include "vatchange/journal/run_upkeep.h"
@@ -35,6 +36,14 @@ qint64 secondsOf(const std::vector<RunAttempt>& attempts) {
     for (const RunAttempt& attempt : attempts)
         seconds += attempt.seconds();
     return seconds;
+}
+
+constexpr size_t kListedDifferences = 100;
+
+/// "12.40 -> 12.55"; empty for what did not change the field.
+QString differenceText(const QString& before, const QString& after) {
+    return before.isEmpty() && after.isEmpty() ? QString()
+                                               : QStringLiteral("%1 -> %2").arg(before, after);
 }
 
 /// Builds the report of some runs, one section after the other.
@@ -96,6 +105,7 @@ class RunReport {
         if (!changes(run, list))
             return false;
         failures(run);
+        rehearsal(run);
         verification(run);
         definition(run);
         log(run);
@@ -183,6 +193,32 @@ class RunReport {
             m_html.paragraph(
                 QStringLiteral("Muutosloki jäi vajaaksi, rivejä puuttuu %1.").arg(countText(lost)));
         }
+    }
+
+    void rehearsal(const JournalRun& run) {
+        const std::optional<RehearsalComparison> compared = storedComparison(m_journal, run.number);
+        if (!compared)
+            return;
+        m_html.section(QStringLiteral("Vertailu koeajoon"));
+        if (compared->differences == 0) {
+            m_html.paragraph(
+                QStringLiteral("Ajo muutti täsmälleen sen, minkä koeajo %1: %2 kenttää.")
+                    .arg(compared->rehearsal, countText(compared->same)));
+            return;
+        }
+        m_html.paragraph(comparisonText(*compared));
+        m_html.beginTable({QStringLiteral("Tietue ja kenttä"), QStringLiteral("Koeajossa"),
+                           QStringLiteral("Ajossa")});
+        const size_t listed = std::min(compared->first.size(), kListedDifferences);
+        for (size_t i = 0; i < listed; ++i) {
+            const RehearsalDifference& one = compared->first[i];
+            m_html.tableRow(
+                {QStringLiteral("%1 %2, %3").arg(tableText(one.table), one.key, one.field),
+                 differenceText(one.rehearsedBefore, one.rehearsedAfter),
+                 differenceText(one.before, one.after)});
+        }
+        if (const qint64 rest = compared->differences - static_cast<qint64>(listed); rest > 0)
+            m_html.paragraph(QStringLiteral("... ja %1 muuta").arg(countText(rest)));
     }
 
     void verification(const JournalRun& run) {
