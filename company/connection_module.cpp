@@ -3,12 +3,11 @@
 #include <QDebug>
 #include <QFileInfo>
 #include <algorithm>
-#include <chrono>
-#include <cmath>
 #include <utility>
 
 #include "company/aliases.h"
 #include "company/company.h"
+#include "company/shops_settings.h"
 #include "engines/embedded/embedded_database.h"
 #include "engines/shops/odbc_connection.h"
 #include "engines/shops/shops_database.h"
@@ -37,34 +36,6 @@ TZavDbConnectionModule::Opener& processOpener() {
 data::DataError noConnection(const QString& dataSource, const QString& detail,
                              const QString& finnish) {
     return data::DataError(data::ErrorKind::NoConnection, dataSource, detail).inFinnish(finnish);
-}
-
-std::chrono::milliseconds secondsOf(const QString& setting, std::chrono::milliseconds usual) {
-    constexpr double kMillisecondsPerSecond = 1000;
-    bool ok = false;
-    const double seconds = company::engineSetting(setting).toDouble(&ok);
-    if (!ok || seconds <= 0)
-        return usual;
-    return std::chrono::milliseconds(std::llround(seconds * kMillisecondsPerSecond));
-}
-
-engines::shops::ShopsDatabaseSettings shopsSettings(const Alias& alias) {
-    engines::shops::ShopsDatabaseSettings settings;
-    settings.name = alias.name;
-    settings.folder = alias.physicalName;
-    settings.ownerName = alias.ownerName;
-    settings.server = alias.server;
-    settings.clientLibrary = qEnvironmentVariable("TAKSAVAIHE_CLIENT_LIBRARY");
-    if (settings.clientLibrary.isEmpty())
-        settings.clientLibrary = engineSetting(QStringLiteral("ClientLibrary"));
-    settings.dataSource = alias.dataSource;
-    settings.userName = alias.userName;
-    settings.password = alias.password;
-    settings.odbcAttributes = alias.odbcAttributes;
-    settings.connectLimit = secondsOf(QStringLiteral("ConnectSeconds"), settings.connectLimit);
-    settings.statementLimit =
-        secondsOf(QStringLiteral("StatementSeconds"), settings.statementLimit);
-    return settings;
 }
 
 bool namesShopsEngine(const Alias& alias) {

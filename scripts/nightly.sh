@@ -1,7 +1,7 @@
 #!/bin/bash
 # Checks that take too long for every change: fuzzers, a build without precompiled headers, clang-tidy
 # and cppcheck on all files, hundreds of kills, power losses and faults, damaged databases, hostile
-# definitions, concurrent programs, whole runs under the sanitizers, a large company, the thread
+# definitions, rehearsals, concurrent programs, whole runs under the sanitizers, a large company, the thread
 # sanitizer, mutations, valgrind.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -45,13 +45,18 @@ cppcheck --quiet --std=c++20 --enable=warning,performance,portability --inline-s
 
 heading "Kills, power losses, faults, two programs"
 cmake --preset release
-cmake --build build --target taksavaihe zavdb fault_tests
+cmake --build build --target taksavaihe zavdb zavsql fake_client fault_tests
 scripts/crash.sh || failed+=("crash.sh")
 TAKSAVAIHE_FAULTS=100000 TAKSAVAIHE_DISTURBANCES=200 TAKSAVAIHE_ROUNDS=500 QT_QPA_PLATFORM=offscreen \
     build/bin/fault_tests --gtest_filter='FaultSweep.*:TwoPrograms.*' || failed+=("fault_tests")
 
 heading "Damaged databases, hostile definitions"
 python3 tests/acceptance/attack.py build/bin --databases 200 --definitions 300 || failed+=("attack.py")
+
+heading "Rehearsals and the runs that follow"
+python3 tests/acceptance/rehearsal.py build/bin --seeds "$((RANDOM * 1000))" 300 || failed+=("rehearsal.py")
+python3 tests/acceptance/rehearsal.py build/bin --engine shops --seeds "$((RANDOM * 1000))" 60 ||
+    failed+=("rehearsal.py on the shops' engine")
 
 heading "Whole runs under the sanitizers"
 cmake --preset asan

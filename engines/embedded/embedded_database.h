@@ -59,6 +59,17 @@ qint64 embeddedSize(const QString& folder);
 bool copyEmbedded(const QString& folder, const QString& targetFolder,
                   const std::function<bool(int done, int total)>& progress);
 
+/// Creates a company database in an empty folder with the given tables of another engine: their
+/// layouts, keys and records, under the same record ids. The catalogue's rows are its own. Not made
+/// durable. `progress` gets a table with its records done and in all; false stops.
+/// @return false if stopped. @throws DataError.
+using TableProgress = std::function<bool(const QString& table, qint64 done, qint64 total)>;
+bool createEmbeddedCopy(const QString& folder,
+                        const std::vector<std::unique_ptr<TableFile>>& tables,
+                        const TableProgress& progress);
+/// Takes the runs of a run journal that stands in a file of its own. @throws DataError.
+void importJournal(const QString& folder, const QString& journalFile);
+
 /// Whether a process is in a run of the company (Database::beginRun). Creates no lock file.
 bool runGoesOnInEmbedded(const QString& folder);
 

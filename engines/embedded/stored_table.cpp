@@ -18,6 +18,7 @@ enum ShapeKind : quint64 {
     kCount,
     kLast,
     kInsert,
+    kInsertAs,
     kUpdate,
     kRemove,
     kFloor,
@@ -240,6 +241,27 @@ RecordId StoredTable::insert(QByteArray& record) {
     RecordId id = 0;
     write(id, nullptr, &record);
     return id;
+}
+
+void StoredTable::insertAs(RecordId id, const QByteArray& record) {
+    checked(record);
+    StatementLease insert = lease(kInsertAs, [&] {
+        QByteArray columns = "id, data";
+        QByteArray values = "?1, ?2";
+        for (int key = 0; key < static_cast<int>(m_images.size()); ++key) {
+            columns += ", " + keyColumn(key);
+            values += ", ?" + QByteArray::number(key + 3);
+        }
+        return "INSERT INTO " + m_stored + "(" + columns + ") VALUES (" + values + ")";
+    });
+    std::vector<QByteArray> images;
+    for (const KeyImage& image : m_images)
+        images.push_back(image.build(record));
+    insert->bind(1, id);
+    insert->bind(2, record);
+    for (size_t key = 0; key < images.size(); ++key)
+        insert->bind(static_cast<int>(key) + 3, images[key]);
+    insert->run();
 }
 
 void StoredTable::update(RecordId id, const QByteArray& before, const QByteArray& after) {

@@ -98,6 +98,8 @@ class StoredTable {
     // Writing: only within Connection::write.
     /// Assigns the next number to an auto-increment field that is 0 (in `record`).
     RecordId insert(QByteArray& record);
+    /// Inserts a copied record under the id that it has elsewhere; not while a run is recorded.
+    void insertAs(RecordId id, const QByteArray& record);
     void update(RecordId id, const QByteArray& before, const QByteArray& after);
     void remove(RecordId id, const QByteArray& before);
 

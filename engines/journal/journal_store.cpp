@@ -59,6 +59,37 @@ void JournalStore::create() {
                     m_fileName);
 }
 
+void JournalStore::takeFrom(sqlite3* other) {
+    struct Copied {
+        const char* columns;
+        const char* table;
+        int count;
+    };
+    static constexpr Copied kTables[] = {{"number, head", "zdb_run", 2},
+                                         {"place, entry", "zdb_table", 2},
+                                         {"place, entry", "zdb_change", 2},
+                                         {"run, name, value, checksum", "zdb_note", 4}};
+    transact([&] {
+        if (!exists())
+            create();
+        for (const Copied& table : kTables) {
+            const QByteArray columns = table.columns;
+            Statement rows(other, "SELECT " + columns + " FROM " + table.table, m_fileName);
+            Statement insert(m_db,
+                             QByteArray("INSERT INTO ") + table.table + "(" + columns +
+                                 ") VALUES (?1, ?2" + (table.count == 4 ? ", ?3, ?4)" : ")"),
+                             m_fileName);
+            while (rows.step()) {
+                for (int column = 0; column < table.count; ++column)
+                    sqlite3_bind_value(insert.get(), column + 1,
+                                       sqlite3_column_value(rows.get(), column));
+                insert.run();
+            }
+        }
+    });
+    m_exists = true;
+}
+
 void JournalStore::transact(const std::function<void()>& body) {
     if (sqlite3_get_autocommit(m_db) == 0) {
         body();

@@ -53,6 +53,8 @@ class JournalStore : public RunJournal {
     /// Only while recording().
     void record(const RecordLayout& layout, const std::vector<KeyDef>& keys, RecordId id,
                 const QByteArray* before, const QByteArray* after);
+    /// Copies all runs of another database's journal into this one, which must have none.
+    void takeFrom(sqlite3* other);
     /// Stops recording as if the process had died: the run stays Running.
     void suspend() { stopRecording(); }
 

@@ -1,6 +1,8 @@
 #include "engines/shops/shops_database.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <utility>
 
 #include "data/lock/lock_file.h"
@@ -78,6 +80,29 @@ class ShopsDatabase : public Database {
 
 std::unique_ptr<Database> openShopsDatabase(const ShopsDatabaseSettings& settings) {
     return std::make_unique<ShopsDatabase>(settings);
+}
+
+QString copyShopsJournal(const QString& companyFolder, Database& company, const QString& folder) {
+    const QString from = SeparateJournal::fileIn(companyFolder);
+    const QString to = SeparateJournal::fileIn(folder);
+    if (!QFileInfo::exists(from))
+        return {};
+    // with what a killed program was about to undo
+    for (const QString& suffix : {QString(), QStringLiteral("-journal")}) {
+        QFile file(from + suffix);
+        if (file.exists() && !file.copy(to + suffix))
+            throw DataError(ErrorKind::Io, file.fileName(), file.errorString());
+    }
+    SeparateJournal copy(
+        folder, [&company](const QString& table) { return company.openTable(table); },
+        [] { return false; });
+    copy.runs();
+    return to;
+}
+
+bool runGoesOnInShops(const QString& companyFolder) {
+    const QString file = QDir(companyFolder).filePath(kRunLockFile);
+    return QFileInfo::exists(file) && LockFile(file).runGoesOn();
 }
 
 }  // namespace engines::shops

@@ -31,4 +31,12 @@ struct ShopsDatabaseSettings {
 /// reachable, with the names tried and the setting to change, in Finnish.
 std::unique_ptr<Database> openShopsDatabase(const ShopsDatabaseSettings& settings);
 
+/// Copies the run journal of a company, if it has one, into another folder and brings the copy up
+/// to date with what an interrupted statement has changed; the company's own stays as it is.
+/// @return path of the copy; empty if there is none. @throws DataError.
+QString copyShopsJournal(const QString& companyFolder, Database& company, const QString& folder);
+
+/// Whether a process is in a run of the company (Database::beginRun). Creates no lock file.
+bool runGoesOnInShops(const QString& companyFolder);
+
 }  // namespace engines::shops

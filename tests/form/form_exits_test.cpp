@@ -45,10 +45,10 @@ TEST_F(FormExits, TabAndEnterFollowTheLayout) {
         {m_form->LatausCombo, Keys(15, Qt::Key_Tab),
          "Talletus Pdf Sahkoposti ValmisMaarittely AliryhmaCheckBox TuoteryhmaCheckBox "
          "PaaryhmaCheckBox "
-         "TuotenroCheckBox AsRyhmaCheckList LahdeAlvLuokkaEdit KohdeAlvLuokkaEdit Hinta1Edit "
-         "HintaLahde1 SailytaAlv0_CheckBox1 Hinta2Edit"},
-        {c().leaveWebShop, Keys(3, Qt::Key_Tab), "Esikatsele Sulje LatausCombo"},
-        {c().targetClass,
+         "TuotenroCheckBox AsRyhmaCheckList LahdeAlvLuokkaEdit KohdeAlvLuokkaEdit Muutospaiva "
+         "Hinta1Edit HintaLahde1 SailytaAlv0_CheckBox1"},
+        {c().leaveWebShop, Keys(4, Qt::Key_Tab), "Koeajo Esikatsele Sulje LatausCombo"},
+        {c().changeDay,
          {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Return},
          "Hinta1Edit HintaLahde1 SailytaAlv0_CheckBox1"},
     };

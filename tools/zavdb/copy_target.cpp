@@ -4,6 +4,7 @@
 #include <QFile>
 #include <algorithm>
 
+#include "data/engine/table_source.h"
 #include "data/record/record_codec.h"
 #include "engines/embedded/embedded_database.h"
 #include "tools/zavdb/command.h"
@@ -29,48 +30,6 @@ void moveDatabase(const QString& from, const QString& to) {
     if (!file.rename(to))
         throw CommandError(
             QStringLiteral("%1 cannot be moved to %2: %3").arg(from, to, file.errorString()));
-}
-
-/// Adds a field for the bytes after the last field of a record.
-void nameRest(const data::RecordLayout& layout, data::TableSource& table) {
-    const int named = table.span();
-    const int rest = layout.recordLength() - named;
-    if (rest <= 0)
-        return;
-    data::TFieldCacheItem item;
-    item.number = static_cast<quint16>(table.fields.size() + 1);
-    item.name = QStringLiteral("Loppu");
-    while (layout.indexOf(item.name) >= 0)
-        item.name += u'_';
-    item.kindWord = static_cast<quint32>(data::Kind::String);
-    item.storage = data::Storage::String;
-    item.offset = static_cast<quint16>(named);
-    item.size = item.storedLength = item.declaredLength = static_cast<quint16>(rest);
-    table.fields.push_back(item);
-}
-
-/// Fills gaps in a data file's key numbers: an unused number (its key was dropped, or lies on bytes
-/// of no field) gets the segments of the first used key, so that the others keep their numbers.
-std::vector<data::KeyDef> withoutGaps(std::vector<data::KeyDef> keys) {
-    const auto used = std::find_if(keys.begin(), keys.end(),
-                                   [](const data::KeyDef& key) { return !key.segments.empty(); });
-    if (used == keys.end())
-        return {};
-    const std::vector<data::KeySegment> segments = used->segments;
-    for (data::KeyDef& key : keys) {
-        if (key.segments.empty())
-            key = {key.number, false, segments};
-    }
-    return keys;
-}
-
-data::TableSource describe(const data::TableFile& table) {
-    data::TableSource source;
-    source.name = table.layout().tableName();
-    source.fields = table.layout().fields();
-    source.keyDefs = withoutGaps(table.keys());
-    nameRest(table.layout(), source);
-    return source;
 }
 
 bool sameField(const data::TFieldCacheItem& a, const data::TFieldCacheItem& b) {
@@ -178,7 +137,7 @@ bool makeCopyTarget(const OpenTables& source, const QString& work) {
         QDir(folder).removeRecursively();
     std::vector<data::TableSource> tables;
     for (const std::unique_ptr<data::TableFile>& table : source)
-        tables.push_back(describe(*table));
+        tables.push_back(data::tableSourceOf(*table));
     engines::createEmbedded(buildFolder(work), tables);
     if (!QDir().mkpath(trialFolder(work)) ||
         !QFile::copy(databaseIn(buildFolder(work)), databaseIn(trialFolder(work))))

@@ -23,8 +23,11 @@ constexpr qint64 kLargestLog = qint64{96} * 1024 * 1024;
 
 QString sizeText(qint64 bytes) {
     constexpr qint64 kMegabyte = 1024 * 1024;
-    return QLocale(QLocale::Finnish).toString((bytes + kMegabyte - 1) / kMegabyte) +
-           QStringLiteral(" Mt");
+    constexpr qint64 kGigabyte = 1024 * kMegabyte;
+    const QLocale finnish(QLocale::Finnish);
+    if (bytes >= 10 * kGigabyte)
+        return finnish.toString(bytes / kGigabyte) + QStringLiteral(" Gt");
+    return finnish.toString((bytes + kMegabyte - 1) / kMegabyte) + QStringLiteral(" Mt");
 }
 
 /// Tables that a run or the change form reads or writes, besides the catalogue.
