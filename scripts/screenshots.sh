@@ -192,13 +192,38 @@ open_form() { # company, switches; leaves the windows in $main and $form
     keys "$form" alt+l Down
 }
 
+changes_window() { # name of the picture
+    start_program "Ketju Oy"
+    main=$(window '^Alvluokkien ja hintojen muutokset$')
+    keys "$main" alt+h
+    history=$(window '^Ajohistoria')
+    [ "$1" != changes_window ] || shot history "$history"
+    keys "$history" alt+m
+    changes=$(window '^Muutokset: ')
+    sleep 2
+    shot "$1" "$changes"
+    end_program
+}
+
 # a scheduler that answers, and does nothing
 printf '#!/bin/sh\n' >$home/systemctl
 printf '#!/bin/sh\necho yes\n' >$home/loginctl
 chmod +x $home/systemctl $home/loginctl
 export PATH=$home:$PATH
 
+question() { # the message box over the form, once it exists
+    local id
+    for _ in $(seq 50); do
+        id=$(xdotool search --onlyvisible --name '^ALV muutos$' | grep -vx "$form" | tail -1 || true)
+        [ -z "$id" ] || break
+        sleep 0.2
+    done
+    sleep 0.7
+    echo "$id"
+}
+
 company Esimerkki esimerkki 2000
+company "Ketju Oy" ketju 2000
 company "Tukku Oy" tukku 40000
 # only products, so that the picture of a run shows products being changed
 sed -i -E 's/^(asiakashinnasto|Kampanjat|MaaraAle|cbVakioLaskutus)=1/\1=0/' \
@@ -208,6 +233,13 @@ $home/zavdb demo Kokeilu /srv/yritykset/kokeilu --products 50 >/dev/null 2>&1
 printf '[ASETUKSET]\nmaar1=Alv 24 - 25,5\nmaar2=\nmaar3=\nmaar4=\n' >$home/ALVMUUTOS.INI
 
 start_screen 1366x768
+
+start_program "Ketju Oy" /E # the batch list's definition
+wait "$program"
+faketime -f '@2024-09-01 06:30:00' $home/zavdb undo "Ketju Oy" 1 >/dev/null
+start_program "Ketju Oy" /E
+wait "$program"
+changes_window changes_window
 
 start_program
 choice=$(window '^Yrityksen valinta$')
@@ -228,9 +260,13 @@ keys "$form" alt+t
 dialog=$(window '^M.*ritysarvojen talletus$')
 shot save_definition "$dialog"
 keys "$dialog" Escape
+keys "$form" alt+k
+dialog=$(question)
+shot rehearsal_question "$dialog"
+keys "$dialog" Escape
 
 # the search buttons follow the check boxes of the restrictions in tab order
-keys "$form" alt+l Tab Tab Tab
+keys "$form" alt+l Tab Tab Tab Tab
 for kind in sub_groups:Aliryhm product_groups:Tuoteryhm main_groups:'P.*ryhm' products:Tuote; do
     keys "$form" Tab space Tab Tab Tab Return
     search=$(window "${kind#*:}.*haku")
@@ -255,24 +291,27 @@ shot about "$dialog"
 keys "$dialog" Escape
 end_program
 
+agree() { # to the question before a run
+    question=$(window '^Muutoksen vahvistus$')
+    sleep 1 # until the rows are counted
+    [ $# -eq 0 ] || shot "$1" "$question"
+    keys "$question" alt+m
+}
+
 open_form "Tukku Oy"
 keys "$form" alt+m
+agree
 sleep 6
 shot run "$form"
 end_program # the run is interrupted
 open_form "Tukku Oy"
 keys "$form" alt+m
-for _ in $(seq 50); do
-    question=$(xdotool search --onlyvisible --name '^ALV muutos$' | grep -vx "$form" | tail -1 || true)
-    [ -z "$question" ] || break
-    sleep 0.2
-done
-sleep 0.7
-shot unfinished_run "$question"
+shot unfinished_run "$(question)"
 end_program
 
 open_form Esimerkki
 keys "$form" alt+m
+agree run_question
 for _ in $(seq 60); do # messages of the steps, one after another
     message=$(xdotool search --onlyvisible --name '^ALV muutos$' | grep -vx "$form" | tail -1 || true)
     if [ -n "$message" ]; then
@@ -318,10 +357,15 @@ dark_desktop
 open_form Esimerkki /U
 shot vat_change_form_dark "$form"
 end_program
+changes_window changes_window_dark
 light_desktop
 
-start_screen 2060x1160
 export QT_SCALE_FACTOR=1.5
+open_form Esimerkki /U
+shot vat_change_form_narrow "$form"
+end_program
+start_screen 2060x1160
 open_form Esimerkki /U
 shot vat_change_form_150 "$form"
 end_program
+changes_window changes_window_150

@@ -47,7 +47,7 @@ TEST_F(FormExits, TabAndEnterFollowTheLayout) {
          "PaaryhmaCheckBox "
          "TuotenroCheckBox AsRyhmaCheckList LahdeAlvLuokkaEdit KohdeAlvLuokkaEdit Muutospaiva "
          "Hinta1Edit HintaLahde1 SailytaAlv0_CheckBox1"},
-        {c().leaveWebShop, Keys(3, Qt::Key_Tab), "Esikatsele Sulje LatausCombo"},
+        {c().leaveWebShop, Keys(4, Qt::Key_Tab), "Koeajo Esikatsele Sulje LatausCombo"},
         {c().changeDay,
          {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Return},
          "Hinta1Edit HintaLahde1 SailytaAlv0_CheckBox1"},

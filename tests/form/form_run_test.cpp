@@ -1,9 +1,11 @@
 #include <QDir>
 #include <QTimer>
 
+#include "company/company.h"
 #include "company/logs.h"
 #include "tests/form/form_test.h"
 #include "vatchange/definition/definition_codec.h"
+#include "vatchange/views/changes_window.h"
 
 using test::str;
 
@@ -161,6 +163,47 @@ TEST_F(FormRun, OnlyInterruptingIsPossibleDuringARunAndStopsBetweenTwoProducts) 
     EXPECT_LT(result->products, kProducts);
     EXPECT_EQ(changed(), QString::number(result->products));
     EXPECT_TRUE(m_shop.logMessages().contains(m_dialogs.lastText()));
+}
+
+TEST_F(FormRun, ARehearsalShowsTheChangesAndLeavesTheCompanyAsItIs) {
+    m_shop.addProducts(3);
+    auto* rehearse = control<QPushButton>("Koeajo");
+    const QDir results(company::dataFolderFile(str("KOEAJO")));
+    const auto folders = [&results] {
+        return results.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    };
+    m_dialogs.expectAnyChoice(str("&Peruuta"));
+    QTest::mouseClick(rehearse, Qt::LeftButton);
+    EXPECT_FALSE(results.exists());
+
+    m_dialogs.expectAnyChoice(str("&Aloita koeajo"));
+    QTest::mouseClick(rehearse, Qt::LeftButton);
+    const auto* window = m_form->findChild<vatchange::ChangesWindow*>();
+    ASSERT_NE(window, nullptr);
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(window->list().changedRecords(0), 3);  // the copy is gone
+    EXPECT_EQ(changed(), str("0"));
+    EXPECT_FALSE(QFile::exists(company::AlvMuutosLogName()));
+    ASSERT_EQ(folders().size(), 1);
+    for (const char* name : {"muutokset.csv", "ALVMUUTOS.LOG", "raportti.pdf"})
+        EXPECT_TRUE(QFile::exists(results.filePath(folders().first() + u'/' + str(name)))) << name;
+    delete window;
+
+    // an edit after the rehearsal is told at the end of the run
+    m_shop.exec(str("update TUOTE set HINTA = 20 where NUMERO = '2'"));
+    m_dialogs.expectMessage(str("Tuotetiedot muutettu ( 3 kpl)"));
+    m_dialogs.expectMessage(str("Huomaa: ajo poikkeaa koeajosta %1: eri tavalla muuttuneita "
+                                "kenttiä 1.")
+                                .arg(folders().first()));
+    const auto result = m_form->EsikatseleClick();
+    EXPECT_EQ(result->verification->findings.back().rehearsed->after, str("20.24"));
+
+    // stopped while copying: nothing stays
+    QTimer::singleShot(0, m_form, [this] { control<QPushButton>("Keskeyta")->click(); });
+    m_dialogs.expectAnyChoice(str("&Aloita koeajo"));
+    QTest::mouseClick(rehearse, Qt::LeftButton);
+    EXPECT_EQ(control<QLabel>("StatusLabel")->text(), str("Koeajo keskeytettiin"));
+    EXPECT_EQ(folders().size(), 1);
 }
 
 TEST_F(FormRun, AsksWhatToDoAboutAnUnfinishedRunOfTheSameDefinition) {

@@ -137,10 +137,16 @@ TEST_F(Program, ExitStatusSaysWhatWentWrong) {
     EXPECT_TRUE(m_errors.contains(str("Olematon")));
     EXPECT_EQ(run({str("Olematon")}, str("offscreen")), 2);  // offscreen: no dialog waits
     EXPECT_EQ(run({str("/E")}), 2);
-    for (const char* unknown : {"/KOEAJO", "/e2", "--koeajo"}) {
+    for (const char* unknown : {"/KOEAJOT", "/e2", "--koeajo"}) {
         EXPECT_EQ(run({m_company, str("/E"), str(unknown)}), 2) << unknown;
         EXPECT_TRUE(m_errors.contains(str(unknown)));
     }
+    EXPECT_EQ(run({m_company, str("/KOEAJO")}), 2);  // only with /E
+    EXPECT_TRUE(m_errors.contains(str("/KOEAJO")));
+    EXPECT_FALSE(QDir(company::dataFolderFile(str("KOEAJO"))).exists());
+    EXPECT_EQ(runBatch("/E -koeajo"), 1);  // as the run itself: the second is refused
+    EXPECT_TRUE(m_errors.contains(str("Kohteen ALV -luokka on oltava > 0!")));
+    EXPECT_EQ(prices(), str("20"));
     EXPECT_FALSE(QFile::exists(company::AlvMuutosLogName()));
     setBatch("Alv255", "Puuttuva");
     EXPECT_EQ(runBatch("-e"), 2);

@@ -35,6 +35,7 @@ class ScriptedDialogs : public framework::DialogHandler {
     void expectChoice(const QString& text, const QString& answer) {
         m_expected.push_back({text, false, answer});
     }
+    void expectAnyChoice(const QString& answer) { m_expected.push_back({{}, false, answer, true}); }
     const QStringList& lastAnswers() const { return m_lastAnswers; }
     bool allShown() const { return m_expected.empty(); }
     const QString& lastText() const { return m_lastText; }

@@ -14,6 +14,7 @@ namespace {
 
 constexpr int kFrameHeight = 40;  // title bar and borders, approximately
 constexpr int kProgressWidth = 260;
+constexpr int kNameLines = 3;  // of group names, which appear below the restrictions
 constexpr int kMaxStretch = 1000;
 
 }  // namespace
@@ -153,7 +154,9 @@ void TAlvMuutosLomake::buildLayout() {
 void TAlvMuutosLomake::fitToScreen() {
     // The size hint of a scroll area is small; open at the size of the content, up to the screen's.
     const QSize content = m_content->sizeHint();
-    QSize wanted(content.width(), content.height() + 2 * kGutter + m_close->sizeHint().height());
+    const int names = kNameLines * (fontMetrics().lineSpacing() + kRowGap);
+    QSize wanted(content.width(),
+                 content.height() + names + 2 * kGutter + m_close->sizeHint().height());
     if (const QScreen* screen = QGuiApplication::primaryScreen())
         wanted = wanted.boundedTo(screen->availableSize() - QSize(0, kFrameHeight));
     resize(wanted);
