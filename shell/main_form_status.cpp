@@ -1,10 +1,10 @@
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QProcess>
 #include <QVBoxLayout>
 
 #include "company/batch_list.h"
 #include "company/company.h"
-#include "company/logs.h"
 #include "framework/ui/company_choice.h"
 #include "framework/ui/dialogs.h"
 #include "platform/command_line.h"
