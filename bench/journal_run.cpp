@@ -1,6 +1,6 @@
 // Measures what the run journal costs: a run of N products with nine levels without and with it,
-// each on a fresh company. Prints the processor times, the ratio of the shortest ones and the
-// growth of the database.
+// each on a fresh company. Prints the processor times, the ratio of the shortest ones with and
+// without the verification at the end, and the growth of the database.
 //   journal_run FOLDER N
 
 #include <sys/resource.h>
@@ -12,6 +12,7 @@
 
 #include "data/sql/uni_query.h"
 #include "engines/embedded/embedded_database.h"
+#include "vatchange/journal/verification.h"
 #include "vatchange/run/change_run.h"
 
 namespace {
@@ -36,6 +37,7 @@ class Company : public data::Database {
     data::RunJournal* journal() override { return m_journaled ? m_database->journal() : nullptr; }
     void deferFlushes(bool on) override { m_database->deferFlushes(on); }
     void flush() override { m_database->flush(); }
+    bool joinsReadAndStatement() const override { return m_database->joinsReadAndStatement(); }
     void inTransaction(const std::function<void()>& body) override {
         m_database->inTransaction(body);
     }
@@ -110,6 +112,7 @@ double processorSeconds() {
 
 struct Measured {
     double seconds;
+    double verification;  // seconds
     qint64 bytes;
 };
 
@@ -119,6 +122,8 @@ Measured measure(const QString& folder, int products, bool journaled) {
     const qint64 before = file.size();
     SilentPorts ports;
     const double begun = processorSeconds();
+    double ended = 0;
+    double verified = 0;
     {
         Company company(folder, journaled);
         const vatchange::RunResult result = vatchange::runChange(company, definition(), ports);
@@ -126,9 +131,12 @@ Measured measure(const QString& folder, int products, bool journaled) {
             std::fprintf(stderr, "the run failed\n");
             std::exit(1);
         }
+        ended = processorSeconds();
+        if (journaled)
+            vatchange::verifyRun(company, result.run);
+        verified = processorSeconds();
     }
-    const double ended = processorSeconds();
-    return {ended - begun, QFileInfo(file.filePath()).size() - before};
+    return {ended - begun, verified - ended, QFileInfo(file.filePath()).size() - before};
 }
 
 }  // namespace
@@ -141,16 +149,19 @@ int main(int count, char** arguments) {
     try {
         const QString folder = QString::fromLocal8Bit(arguments[1]);
         const int products = std::atoi(arguments[2]);
-        Measured best[2] = {{1e9, 0}, {1e9, 0}};
+        Measured best[2] = {{1e9, 0, 0}, {1e9, 0, 0}};
         for (int round = 0; round < 6; ++round) {
             const int journaled = round % 2;
             const Measured measured = measure(folder, products, journaled != 0);
-            std::printf("%s %.2f s, %lld bytes of growth\n", journaled != 0 ? "journal" : "without",
-                        measured.seconds, static_cast<long long>(measured.bytes));
+            std::printf("%s %.2f s, verification %.2f s, %lld bytes of growth\n",
+                        journaled != 0 ? "journal" : "without", measured.seconds,
+                        measured.verification, static_cast<long long>(measured.bytes));
             if (measured.seconds < best[journaled].seconds)
                 best[journaled] = measured;
         }
-        std::printf("ratio %.3f, %.0f bytes a product\n", best[1].seconds / best[0].seconds,
+        std::printf("ratio %.3f, without verification %.3f, %.0f bytes a product\n",
+                    best[1].seconds / best[0].seconds,
+                    (best[1].seconds - best[1].verification) / best[0].seconds,
                     static_cast<double>(best[1].bytes - best[0].bytes) / products);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());

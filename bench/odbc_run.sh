@@ -1,5 +1,6 @@
 #!/bin/bash
-# Compares the products step over ODBC with a plain C program that sends the same statements.
+# Compares the products step over ODBC, on both SQL servers of the tests, with a plain C program that sends
+# the same statements.
 # Usage: bench/odbc_run.sh [BIN-FOLDER] [PRODUCTS] [ROUNDS]   (needs a build with TAKSAVAIHE_BENCH)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -10,10 +11,13 @@ folder=$(mktemp -d)
 trap 'stop_sql_servers; rm -rf "$folder"' EXIT
 start_sql_servers
 export XDG_CONFIG_HOME=$folder/config QT_QPA_PLATFORM=offscreen
-"$bin/odbc_run" taksavaihe-virtuoso "$folder/company" "$products" 2>/dev/null
-for ((round = 0; round < rounds; round++)); do
-    "$bin/plain_odbc" DSN=taksavaihe-virtuoso
-    "$bin/odbc_run" taksavaihe-virtuoso "$folder/company"
-done | tee "$folder/times"
-awk '$1 == "plain:" && (!p || $4 < p) { p = $4 } $1 == "run:" && (!r || $4 < r) { r = $4 }
-     END { printf "best of each: %.3f s / %.3f s = %.2f\n", r, p, r / p }' "$folder/times"
+for server in virtuoso mariadb; do
+    "$bin/odbc_run" "taksavaihe-$server" "$folder/$server" "$products" 2>/dev/null
+    for ((round = 0; round < rounds; round++)); do
+        "$bin/plain_odbc" "DSN=taksavaihe-$server"
+        "$bin/odbc_run" "taksavaihe-$server" "$folder/$server"
+    done | tee "$folder/times"
+    paste -d ' ' <(grep '^plain:' "$folder/times") <(grep '^run:' "$folder/times") | awk '{print $12 / $4}' |
+        sort -n | awk -v server="$server" '{v[NR] = $1}
+            END {printf "%s: median ratio of the pairs %.2f\n", server, (v[int((NR + 1) / 2)] + v[int(NR / 2) + 1]) / 2}'
+done

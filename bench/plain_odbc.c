@@ -48,7 +48,7 @@ int main(int count, char** arguments) {
     double others[8];
     SQLLEN lengths[18];
     int i, n = 0;
-    double start;
+    double start, read;
     if (count < 2) return 2;
     SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment);
     SQLSetEnvAttr(environment, SQL_ATTR_ODBC_VERSION, (SQLPOINTER)SQL_OV_ODBC3, 0);
@@ -70,6 +70,7 @@ int main(int count, char** arguments) {
         SQLBindCol(query, (SQLUSMALLINT)(i + 11), SQL_C_DOUBLE, &others[i], 0, &lengths[i + 10]);
     while (n < kMost && SQLFetch(query) == SQL_SUCCESS) products[n++] = row;
     SQLFreeStmt(query, SQL_CLOSE);
+    read = seconds() - start;
 
     must(SQLPrepare(change, (SQLCHAR*)update, SQL_NTS), SQL_HANDLE_STMT, change, update);
     for (i = 0; i < kLevels; i++)
@@ -84,7 +85,7 @@ int main(int count, char** arguments) {
             row.prices[i] = nearbyint(row.prices[i] * 1.0120967741935485 * 100) / 100;
         must(SQLExecute(change), SQL_HANDLE_STMT, change, update);
     }
-    printf("plain: %d products, %.3f s\n", n, seconds() - start);
+    printf("plain: %d products, %.3f s, query %.3f s\n", n, seconds() - start, read);
     SQLFreeHandle(SQL_HANDLE_STMT, query);
     SQLFreeHandle(SQL_HANDLE_STMT, change);
     SQLDisconnect(connection);

@@ -52,12 +52,22 @@ int CsvReader::get() {
     return c;
 }
 
-void CsvReader::append(char c) {
-    if (m_record.size() >= kMaxRecordBytes)
+void CsvReader::append(const char* first, const char* end) {
+    if (static_cast<qsizetype>(m_record.size()) + (end - first) > kMaxRecordBytes)
         throw CsvError(m_recordLine, QStringLiteral("the record is longer than %1 bytes; a closing "
                                                     "quote may be missing")
                                          .arg(kMaxRecordBytes));
-    m_record.append(c);
+    m_record.append(first, end);
+}
+
+// Appends what has been read of the input up to the next byte that has a meaning of its own.
+void CsvReader::appendPlain() {
+    const char* first = m_input.constData() + m_position;
+    const char* stop = std::find_if(first, m_input.constData() + m_input.size(), [](char c) {
+        return c == ',' || c == '"' || c == '\n' || c == '\r';
+    });
+    append(first, stop);
+    m_position += stop - first;
 }
 
 // Reads from after the opening quote to after the closing one.
@@ -73,12 +83,14 @@ void CsvReader::readQuoted() {
         } else if (c == '\n') {
             ++m_line;
         }
-        append(static_cast<char>(c));
+        const auto byte = static_cast<char>(c);
+        append(&byte, &byte + 1);
+        appendPlain();
     }
 }
 
 bool CsvReader::next() {
-    m_record.resize(0);
+    m_record.clear();
     m_ends.clear();
     m_recordLine = m_line;
     m_blank = false;
@@ -89,7 +101,7 @@ bool CsvReader::next() {
     for (;;) {
         const int c = get();
         if (c == ',') {
-            m_ends.push_back(m_record.size());
+            m_ends.push_back(static_cast<qsizetype>(m_record.size()));
             fieldStart = true;
             continue;
         }
@@ -99,8 +111,8 @@ bool CsvReader::next() {
                                                       "stands outside of quotes"));
             if (c != kEnd)
                 ++m_line;
-            m_blank = m_ends.empty() && m_record.isEmpty() && !quoted;
-            m_ends.push_back(m_record.size());
+            m_blank = m_ends.empty() && m_record.empty() && !quoted;
+            m_ends.push_back(static_cast<qsizetype>(m_record.size()));
             return true;
         }
         if (c == '"') {
@@ -113,7 +125,8 @@ bool CsvReader::next() {
             if (after != ',' && after != '\n' && after != '\r' && after != kEnd)
                 throw CsvError(m_line, QStringLiteral("text follows a closing quote"));
         } else {
-            append(static_cast<char>(c));
+            --m_position;
+            appendPlain();
         }
         fieldStart = false;
     }
@@ -123,7 +136,7 @@ QByteArrayView CsvReader::field(int index) const {
     const auto i = static_cast<size_t>(index);
     Q_ASSERT(i < m_ends.size());
     const qsizetype begin = i == 0 ? 0 : m_ends[i - 1];
-    return QByteArrayView(m_record).sliced(begin, m_ends[i] - begin);
+    return {m_record.data() + begin, m_ends[i] - begin};
 }
 
 CsvWriter::CsvWriter(QIODevice& device, char separator)

@@ -4,6 +4,7 @@
 #include <QIODevice>
 #include <QString>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 /// Comma-separated values by RFC 4180, in UTF-8: the import and export format of the tables.
@@ -48,14 +49,15 @@ class CsvReader {
     int get();
     int peek();
     bool fill();
-    void append(char c);
+    void append(const char* first, const char* end);
+    void appendPlain();
     void readQuoted();
 
     QIODevice& m_device;
     QByteArray m_input;
     qsizetype m_position = 0;
     bool m_atEnd = false;
-    QByteArray m_record;            // the fields' bytes, one after another
+    std::string m_record;           // the fields' bytes, one after another
     std::vector<qsizetype> m_ends;  // end of each field in m_record
     qint64 m_line = 1;
     qint64 m_recordLine = 0;

@@ -192,6 +192,19 @@ open_form() { # company, switches; leaves the windows in $main and $form
     keys "$form" alt+l Down
 }
 
+changes_window() { # name of the picture
+    start_program "Ketju Oy"
+    main=$(window '^Alvluokkien ja hintojen muutokset$')
+    keys "$main" alt+h
+    history=$(window '^Ajohistoria')
+    [ "$1" != changes_window ] || shot history "$history"
+    keys "$history" alt+m
+    changes=$(window '^Muutokset: ')
+    sleep 2
+    shot "$1" "$changes"
+    end_program
+}
+
 # a scheduler that answers, and does nothing
 printf '#!/bin/sh\n' >$home/systemctl
 printf '#!/bin/sh\necho yes\n' >$home/loginctl
@@ -210,6 +223,7 @@ question() { # the message box over the form, once it exists
 }
 
 company Esimerkki esimerkki 2000
+company "Ketju Oy" ketju 2000
 company "Tukku Oy" tukku 40000
 # only products, so that the picture of a run shows products being changed
 sed -i -E 's/^(asiakashinnasto|Kampanjat|MaaraAle|cbVakioLaskutus)=1/\1=0/' \
@@ -219,6 +233,13 @@ $home/zavdb demo Kokeilu /srv/yritykset/kokeilu --products 50 >/dev/null 2>&1
 printf '[ASETUKSET]\nmaar1=Alv 24 - 25,5\nmaar2=\nmaar3=\nmaar4=\n' >$home/ALVMUUTOS.INI
 
 start_screen 1366x768
+
+start_program "Ketju Oy" /E # the batch list's definition
+wait "$program"
+faketime -f '@2024-09-01 06:30:00' $home/zavdb undo "Ketju Oy" 1 >/dev/null
+start_program "Ketju Oy" /E
+wait "$program"
+changes_window changes_window
 
 start_program
 choice=$(window '^Yrityksen valinta$')
@@ -337,6 +358,7 @@ dark_desktop
 open_form Malli
 shot vat_change_form_dark "$form"
 end_program
+changes_window changes_window_dark
 light_desktop
 
 export QT_SCALE_FACTOR=1.5
@@ -347,3 +369,4 @@ start_screen 2060x1160
 open_form Malli
 shot vat_change_form_150 "$form"
 end_program
+changes_window changes_window_150

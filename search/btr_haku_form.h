@@ -129,7 +129,8 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     /// Shows the records that `test` accepts, found by reading the whole table with the wait window
     /// open. `words`: what the user searches for, with the column.
     /// @return false if the user cancelled (the rows stay).
-    bool searchRecords(const RowTest& test, const QString& words);
+    bool searchRecords(const RowTest& test, const QString& words,
+                       const std::optional<KeyTextTest>& byKey = {});
     const data::RecordLayout& recordLayout() const { return Hakutable->layout(); }
 
     /// The program's only window of a class; null if there is none.
@@ -192,7 +193,7 @@ class TBtrHakuForm : public QDialog, public SearchControls {
     void PassiivisetClick();
     void dropFiltered(const QString& text, const GridColumn& column);
     void searchColumn(const GridColumn& column, const SearchText& search);
-    bool walkRecords(const RowTest& test);
+    bool walkRecords(const RowTest& test, const std::optional<KeyTextTest>& byKey);
 
     // rows
     void goToRow(int row);

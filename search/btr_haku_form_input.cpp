@@ -308,10 +308,12 @@ void TBtrHakuForm::dropFiltered(const QString& text, const GridColumn& column) {
 
 void TBtrHakuForm::searchColumn(const GridColumn& column, const SearchText& search) {
     searchRecords(columnTest(*Hakutable, column, search, m_bothNames),
-                  searchWords(column.heading(), search));
+                  searchWords(column.heading(), search),
+                  keyTextTest(*Hakutable, column, search, m_bothNames));
 }
 
-bool TBtrHakuForm::searchRecords(const RowTest& test, const QString& words) {
+bool TBtrHakuForm::searchRecords(const RowTest& test, const QString& words,
+                                 const std::optional<KeyTextTest>& byKey) {
     const int passive = recordLayout().indexOf(QStringLiteral("passiivinen"));
     const RowTest accept = [this, test, passive](data::RecordId id, const QByteArray& bytes) {
         if (!test(id, bytes))
@@ -324,7 +326,7 @@ bool TBtrHakuForm::searchRecords(const RowTest& test, const QString& words) {
         return PerusSuodata(GridRow(recordLayout(), record));
     };
     const std::optional<data::StoredRecord> stay = m_view->cursor.record();
-    if (!walkRecords(accept))
+    if (!walkRecords(accept, byKey))
         return false;
     m_filter = changedFilter();
     m_filter.setRecordSearch(words);
@@ -334,7 +336,7 @@ bool TBtrHakuForm::searchRecords(const RowTest& test, const QString& words) {
 }
 
 // Searches all records, with the wait window instead of this window. @return false if cancelled.
-bool TBtrHakuForm::walkRecords(const RowTest& test) {
+bool TBtrHakuForm::walkRecords(const RowTest& test, const std::optional<KeyTextTest>& byKey) {
     // Hiding a QDialog would end its modal loop; this only takes the window off the screen.
     const bool wasVisible = isVisible();
     HakuLabel->show();
@@ -353,8 +355,9 @@ bool TBtrHakuForm::walkRecords(const RowTest& test) {
             activateWindow();
         }
     });
-    return model().search(m_view->keys.key(), m_filter.range(), test,
-                          [&wait](double share) { return wait.onProgress(share); });
+    return model().search(
+        m_view->keys.key(), m_filter.range(), test,
+        [&wait](double share) { return wait.onProgress(share); }, byKey);
 }
 
 // --- keys

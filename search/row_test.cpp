@@ -37,4 +37,24 @@ RowTest columnTest(const data::TtbTable& table, const GridColumn& column, const 
             data::RecordId, const QByteArray& bytes) { return onField(bytes) || onSecond(bytes); };
 }
 
+std::optional<KeyTextTest> keyTextTest(data::TtbTable& table, const GridColumn& column,
+                                       const SearchText& search, bool bothNames) {
+    const int field = table.layout().indexOf(column.field);
+    if (column.text || field < 0 ||
+        (bothNames && column.field.compare(kName, Qt::CaseInsensitive) == 0))
+        return std::nullopt;
+    for (const data::KeyDef& key : table.keys()) {
+        const data::KeySegment& first = key.segments.front();
+        if (first.fieldIndex != field || !table.file().showsKeyTexts(key.number))
+            continue;
+        const TextMatch match(search.text, search.anywhere);
+        if (first.ignoreCase)
+            return KeyTextTest{key.number,
+                               [match](QByteArrayView text) { return match.matchesFolded(text); }};
+        return KeyTextTest{key.number,
+                           [match](QByteArrayView text) { return match.matchesBytes(text); }};
+    }
+    return std::nullopt;
+}
+
 }  // namespace search

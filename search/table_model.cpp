@@ -187,10 +187,11 @@ void TableModel::show(int key, std::optional<KeyRange> range, RowTest test) {
 }
 
 bool TableModel::search(int key, std::optional<KeyRange> range, RowTest test,
-                        const std::function<bool(double)>& onProgress) {
+                        const std::function<bool(double)>& onProgress,
+                        const std::optional<KeyTextTest>& byKey) {
     ViewRows fresh(m_table.file());
     fresh.show(key, std::move(range), std::move(test));
-    if (!fresh.learnAll(onProgress))
+    if (!fresh.learnAll(onProgress, byKey))
         return false;
     takeRows(std::move(fresh));
     return true;

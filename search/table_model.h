@@ -42,7 +42,8 @@ class TableModel : public QAbstractTableModel {
     /// The same, walking all records at once. `onProgress`, called several times a second with the
     /// share done (0 to 1), cancels by returning false. @return false if cancelled: the rows stay.
     bool search(int key, std::optional<KeyRange> range, RowTest test,
-                const std::function<bool(double)>& onProgress);
+                const std::function<bool(double)>& onProgress,
+                const std::optional<KeyTextTest>& byKey = {});
     const ViewRows& rows() const { return m_rows; }
     bool isCountExact() const { return m_rows.isCountExact(); }
 

@@ -47,8 +47,17 @@ bool TextMatch::matchesBytes(QByteArrayView bytes) const {
     }
     for (qsizetype i = 0; i < bytes.size(); ++i)
         out[i] = static_cast<char>(weightOf(bytes[i]));
-    const std::string_view text(out, static_cast<size_t>(bytes.size()));
-    return text.find(std::string_view(m_weights.constData(), static_cast<size_t>(wanted))) !=
+    return matchesFolded({out, bytes.size()});
+}
+
+bool TextMatch::matchesFolded(QByteArrayView weights) const {
+    if (!m_possible)
+        return false;
+    if (!m_anywhere)
+        return weights.startsWith(m_weights);
+    const std::string_view text(weights.data(), static_cast<size_t>(weights.size()));
+    return text.find(
+               std::string_view(m_weights.constData(), static_cast<size_t>(m_weights.size()))) !=
            std::string_view::npos;
 }
 

@@ -16,6 +16,8 @@ class TextMatch {
 
     /// A text field's bytes, in Windows-1252.
     bool matchesBytes(QByteArrayView bytes) const;
+    /// The same, already folded by kCaseFoldWeight.
+    bool matchesFolded(QByteArrayView weights) const;
     bool matchesText(const QString& shown) const;
 
     /// Tests records by one of their fields. The table must stay open.

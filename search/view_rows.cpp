@@ -1,9 +1,7 @@
 #include "search/view_rows.h"
 
-#include <QElapsedTimer>
 #include <algorithm>
 #include <cmath>
-#include <unordered_set>
 
 namespace search {
 
@@ -16,10 +14,6 @@ namespace {
 
 // Records between two checks of the clock.
 constexpr int kSlice = 256;
-constexpr int kBatch = 16384;
-constexpr int kIdBatch = 65536;
-constexpr size_t kHints = size_t{1} << 23;  // bits
-constexpr int kReportMs = 40;
 // Smaller errors of an estimate are not corrected, so that the scroll bar does not jitter.
 constexpr double kTolerance = 0.15;
 constexpr qint64 kSmallestCorrection = 64;
@@ -211,46 +205,6 @@ bool ViewRows::learn(const QDeadlineTimer& deadline, Change& change) {
     if (isCountExact())
         warm(0, m_ids.size(), kWarmLevels);
     return !isCountExact();
-}
-
-bool ViewRows::learnAll(const std::function<bool(double)>& onProgress) {
-    // First visits all records in the fastest order, then collects the accepted ones in key order.
-    std::unordered_set<RecordId> accepted;
-    std::vector<bool> hints(kHints);  // avoids most lookups in the set
-    std::optional<RecordId> at;
-    qint64 seen = 0;
-    QElapsedTimer sinceReport;
-    sinceReport.start();
-    const qint64 total = std::max<qint64>(m_places.count(), 1);
-    do {
-        at = m_file->visitStored(at, kBatch, [&](RecordId id, const QByteArray& bytes) {
-            ++seen;
-            if (isWanted(id, bytes)) {
-                accepted.insert(id);
-                hints[static_cast<size_t>(id) % kHints] = true;
-            }
-            return true;
-        });
-        if (sinceReport.elapsed() < kReportMs)
-            continue;
-        if (!onProgress(std::min(1.0, static_cast<double>(seen) / static_cast<double>(total))))
-            return false;
-        sinceReport.restart();
-    } while (at);
-    m_ids.clear();
-    m_probes.clear();
-    std::optional<StoredRecord> last;
-    do {
-        last = m_file->visitIds(key(), last, kIdBatch, [&](RecordId id) {
-            if (hints[static_cast<size_t>(id) % kHints] && accepted.contains(id))
-                m_ids.push_back(id);
-        });
-    } while (last && m_ids.size() < accepted.size());
-    m_before = m_after = 0;
-    m_firstPlace = m_low;
-    m_endPlace = m_high;
-    m_startReached = m_endReached = true;
-    return true;
 }
 
 // Corrects the estimates by the share of records accepted so far.

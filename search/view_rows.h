@@ -62,7 +62,9 @@ class ViewRows {
     /// Walks all records now, so that every row is known. `onProgress`, called several times a
     /// second with the share done (0 to 1), cancels by returning false: the view must be discarded
     /// then.
-    bool learnAll(const std::function<bool(double)>& onProgress);
+    /// `byKey`, if given, accepts every record that the view's test accepts.
+    bool learnAll(const std::function<bool(double)>& onProgress,
+                  const std::optional<KeyTextTest>& byKey = {});
     /// The share of the records (0 to 1) visited so far.
     double progress() const;
 
@@ -82,6 +84,8 @@ class ViewRows {
     std::optional<qint64> nearest(const data::KeyValues& values, bool* restarted);
 
   private:
+    class Search;
+
     void begin(const data::StoredRecord& first, qint64 firstPlace);
     void beginFromStart();
     bool walk(data::Direction direction, const QDeadlineTimer& deadline);

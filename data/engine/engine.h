@@ -86,6 +86,23 @@ class TableFile {
     virtual std::optional<StoredRecord> visitIds(int key, const std::optional<StoredRecord>& from,
                                                  int max, const std::function<void(RecordId)>& see);
 
+    /// The place of a record in a key, for visitKeyTexts(); `image` is the engine's own.
+    struct KeyEntry {
+        QByteArray image;
+        RecordId id = 0;
+    };
+    using TextVisitor = std::function<bool(RecordId id, QByteArrayView text)>;
+    /// Whether visitKeyTexts() can show the texts of a key's first segment.
+    virtual bool showsKeyTexts(int /*key*/) const { return false; }
+    /// As visitStored(), with the Windows-1252 text of the key's first segment in place of the
+    /// record, in key order; folded by kCaseFoldWeight if the segment ignores case. For searches:
+    /// a key is much smaller than its table. @return the last entry visited.
+    virtual std::optional<KeyEntry> visitKeyTexts(int /*key*/,
+                                                  const std::optional<KeyEntry>& /*after*/,
+                                                  int /*max*/, const TextVisitor& /*see*/) {
+        return std::nullopt;
+    }
+
     /// Compares a record's leading key fields with values: negative, 0 or positive in key order
     /// (also for descending segments).
     virtual int compare(int key, const QByteArray& record, const KeyValues& values) const = 0;
@@ -153,6 +170,10 @@ class Database {
     /// record.
     virtual bool statementsPassRecordLocks() const { return true; }
 
+    /// True if inTransaction() around the lock and read of a record and the one statement that then
+    /// writes it saves work, because both belong to the statement's own transaction anyway.
+    virtual bool joinsReadAndStatement() const { return false; }
+
     /// Marks a run in progress in this company; calls nest. @return false if another process has.
     /// The mark ends with its process.
     virtual bool beginRun() = 0;
@@ -170,7 +191,7 @@ class Database {
     virtual void flush() {}
 
     /// Runs `body` as one transaction, rolled back if it throws. For import and creation; a run
-    /// never uses it.
+    /// uses it for one statement at most, see joinsReadAndStatement().
     virtual void inTransaction(const std::function<void()>& body) = 0;
 };
 

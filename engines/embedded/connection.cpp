@@ -6,6 +6,7 @@
 
 #include "data/lock/link_count.h"
 #include "engines/embedded/functions.h"
+#include "engines/embedded/record_visit.h"
 #include "engines/embedded/schema.h"
 #include "engines/embedded/sql_text.h"
 #include "engines/embedded/stored_table.h"
@@ -119,6 +120,7 @@ Connection::Connection(sqlite3* host)
     m_journal = std::make_unique<journal::JournalStore>(m_db, m_fileName, QByteArray(),
                                                         [] { return false; });
     registerFunctions(m_db);
+    registerRecordVisit(m_db);
     registerVirtualTables(*this);
 }
 
@@ -164,6 +166,7 @@ void Connection::configure() {
     // VACUUM bypasses the authorizer and uses an attached file.
     sqlite3_limit(db, SQLITE_LIMIT_ATTACHED, 0);
     registerFunctions(db);
+    registerRecordVisit(db);
     registerVirtualTables(*this);
     sqlite3_set_authorizer(db, authorize, this);
 }
@@ -269,7 +272,11 @@ void Connection::returnStatement(const QString& sql, sqlite3_stmt* statement) {
 }
 
 void Connection::runTransaction(const std::function<void()>& body) {
-    execute(db(), "BEGIN IMMEDIATE", m_fileName);
+    if (m_begin.get() == nullptr) {
+        m_begin = Statement(db(), "BEGIN IMMEDIATE", m_fileName);
+        m_commit = Statement(db(), "COMMIT", m_fileName);
+    }
+    m_begin.run();
     try {
         body();
         // The body may have caught an error that rolled the transaction back.
@@ -277,7 +284,7 @@ void Connection::runTransaction(const std::function<void()>& body) {
             throw DataError(ErrorKind::Io, m_fileName,
                             QStringLiteral("the database undid the transaction"))
                 .inFinnish(QStringLiteral("tietokanta perui muutoksen"));
-        execute(db(), "COMMIT", m_fileName);
+        m_commit.run();
     } catch (...) {
         if (sqlite3_get_autocommit(db()) == 0)
             sqlite3_exec(db(), "ROLLBACK", nullptr, nullptr, nullptr);

@@ -150,6 +150,8 @@ class Connection {
         sqlite3_stmt* statement;
     };
     std::vector<CachedStatement> m_cache;  // oldest first
+    Statement m_begin;
+    Statement m_commit;
     TransientIndexes m_transientIndexes;
     std::exception_ptr m_failure;
     bool m_checksNames = false;

@@ -54,6 +54,7 @@ class EmbeddedDatabase : public Database {
     RunJournal* journal() override { return &m_connection->journal(); }
     void deferFlushes(bool on) override { m_connection->deferFlushes(on); }
     void flush() override { m_connection->flush(); }
+    bool joinsReadAndStatement() const override { return true; }
     void inTransaction(const std::function<void()>& body) override {
         m_connection->inTransaction(body);
     }

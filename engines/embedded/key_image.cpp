@@ -216,6 +216,19 @@ bool KeyImage::isReversible(int segment) const {
     }
 }
 
+bool KeyImage::beginsWithText() const {
+    const SegmentImage& first = m_segments.front();
+    return !first.descending &&
+           (first.form == ImageForm::Text || first.form == ImageForm::FoldedText);
+}
+
+QByteArrayView KeyImage::textOf(QByteArrayView image) const {
+    QByteArrayView text = image.first(m_segments.front().length);
+    while (text.endsWith('\0'))
+        text.chop(1);
+    return text;
+}
+
 void KeyImage::restore(int segment, const uchar* image, uchar* record) const {
     const SegmentImage& place = m_segments[static_cast<size_t>(segment)];
     const TFieldCacheItem& field = m_layout->field(place.fieldIndex);

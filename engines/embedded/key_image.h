@@ -74,6 +74,9 @@ class KeyImage {
 
     /// Whether the field's bytes can be restored from the image.
     bool isReversible(int segment) const;
+    /// Whether the image begins with a text, folded or not, that textOf() can return.
+    bool beginsWithText() const;
+    QByteArrayView textOf(QByteArrayView image) const;
     /// Restores the bytes of a reversible segment in a record.
     void restore(int segment, const uchar* image, uchar* record) const;
 

@@ -5,6 +5,7 @@
 
 #include "data/record/record_codec.h"
 #include "engines/embedded/connection.h"
+#include "engines/embedded/record_visit.h"
 
 namespace engines::embedded {
 
@@ -22,6 +23,8 @@ enum ShapeKind : quint64 {
     kRemove,
     kFloor,
     kSameKey,
+    kVisit,
+    kVisitImages,
     kCountImages,
     kCountSameKey
 };
@@ -136,6 +139,36 @@ StatementLease StoredTable::scan(const ScanShape& shape) {
                          quint64{shape.imageOnly} << 25 | quint64{shape.limited} << 26 |
                          quint64{shape.offset} << 27;
     return lease(code, [&] { return scanText(shape); });
+}
+
+void StoredTable::visit(RecordId first, std::function<bool(RecordId, QByteArrayView)> see) {
+    StatementLease rows = lease(kVisit, [&] {
+        return "SELECT 1 FROM " + m_stored + " WHERE id >= ?2 AND " + kVisitFunction +
+               "(?1, id, data) ORDER BY id";
+    });
+    rows->bind(2, first);
+    RecordVisit{std::move(see), nullptr}.run(*rows);
+}
+
+void StoredTable::visitImages(int key, const TableFile::KeyEntry& after,
+                              std::function<bool(RecordId, QByteArrayView)> see) {
+    StatementLease rows = lease(kVisitImages | static_cast<quint64>(key) << 8, [&] {
+        const QByteArray column = keyColumn(key);
+        return "SELECT 1 FROM " + m_stored + " WHERE (" + column + ", id) > (?2, ?3) AND " +
+               kVisitFunction + "(?1, id, " + column + ") ORDER BY " + column + ", id";
+    });
+    rows->bind(2, after.image);
+    rows->bind(3, after.id);
+    RecordVisit{std::move(see), nullptr}.run(*rows);
+}
+
+void StoredTable::checkImage(int key, QByteArrayView image) const {
+    if (image.size() != m_images[static_cast<size_t>(key)].length())
+        throw DataError(ErrorKind::Damaged, name(),
+                        QStringLiteral("an entry of key %1 has %2 bytes instead of %3")
+                            .arg(key)
+                            .arg(image.size())
+                            .arg(m_images[static_cast<size_t>(key)].length()));
 }
 
 StatementLease StoredTable::scanSameKey(int key, bool backward) {

@@ -28,6 +28,7 @@ class StatementLease {
     StatementLease& operator=(StatementLease&& other) noexcept;
 
     Statement* operator->() { return &m_statement; }
+    Statement& operator*() { return m_statement; }
     const Statement* operator->() const { return &m_statement; }
     explicit operator bool() const { return m_table != nullptr; }
 
@@ -71,6 +72,13 @@ class StoredTable {
 
     /// Rows: column 0 the id, column 1 the record (or image).
     StatementLease scan(const ScanShape& shape);
+    /// Shows the records from `first` on in id order until `see` returns false or throws.
+    void visit(RecordId first, std::function<bool(RecordId, QByteArrayView)> see);
+    /// The same with the images of a key, in its order, after an entry.
+    void visitImages(int key, const TableFile::KeyEntry& after,
+                     std::function<bool(RecordId, QByteArrayView)> see);
+    /// @throws DataError(Damaged) if an image has not the key's length.
+    void checkImage(int key, QByteArrayView image) const;
     /// Records with image ?1 and an id above ?2 (backward: below), at most ?3.
     StatementLease scanSameKey(int key, bool backward);
     /// Number of records with an image >= low and < high.

@@ -199,17 +199,15 @@ std::optional<StoredRecord> EmbeddedTableFile::visit(int key,
 
 std::optional<RecordId> EmbeddedTableFile::visitStored(std::optional<RecordId> after, int max,
                                                        const Visitor& see) {
-    StatementLease rows = m_table.scan({-1, ScanShape::Bounds::Range, false, false, true, false});
-    rows->bind(1, after ? *after + 1 : std::numeric_limits<RecordId>::min());
-    rows->bind(2, std::numeric_limits<RecordId>::max());
-    rows->bind(3, max);
     std::optional<RecordId> last;
-    while (rows->step()) {
-        last = rows->integer(0);
-        const QByteArrayView bytes = m_table.checked(rows->blob(1));
-        if (!see(*last, QByteArray::fromRawData(bytes.data(), bytes.size())))
-            break;
-    }
+    int left = max;
+    m_table.visit(after ? *after + 1 : std::numeric_limits<RecordId>::min(),
+                  [&](RecordId id, QByteArrayView record) {
+                      last = id;
+                      const QByteArrayView bytes = m_table.checked(record);
+                      return see(id, QByteArray::fromRawData(bytes.data(), bytes.size())) &&
+                             --left > 0;
+                  });
     return last;
 }
 
@@ -247,6 +245,27 @@ std::optional<StoredRecord> EmbeddedTableFile::visitIds(int key,
     return lastId != 0 ? get(lastId) : std::nullopt;
 }
 
+bool EmbeddedTableFile::showsKeyTexts(int key) const {
+    checkKey(key);
+    return m_table.image(key).beginsWithText();
+}
+
+std::optional<data::TableFile::KeyEntry> EmbeddedTableFile::visitKeyTexts(
+    int key, const std::optional<KeyEntry>& after, int max, const TextVisitor& see) {
+    checkKey(key);
+    const KeyImage& image = m_table.image(key);
+    std::optional<KeyEntry> last;
+    int left = max;
+    m_table.visitImages(key, after.value_or(KeyEntry()), [&](RecordId id, QByteArrayView entry) {
+        m_table.checkImage(key, entry);
+        const bool more = see(id, image.textOf(entry)) && --left > 0;
+        if (!more)
+            last = KeyEntry{entry.toByteArray(), id};
+        return more;
+    });
+    return last;
+}
+
 int EmbeddedTableFile::compare(int key, const QByteArray& record, const KeyValues& values) const {
     checkKey(key);
     const QByteArray wanted = m_table.image(key).prefix(values);
@@ -267,6 +286,8 @@ std::optional<StoredRecord> EmbeddedTableFile::get(RecordId id) {
 bool EmbeddedTableFile::lock(RecordId id, std::chrono::milliseconds wait) {
     const RecordAddress record{m_table.number(), id};
     if (!m_connection->locks().tryHold(record)) {
+        if (wait <= std::chrono::milliseconds(0))
+            return false;
         m_connection->flushBeforeWait();
         if (!m_connection->locks().hold(record, wait))
             return false;

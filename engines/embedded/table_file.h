@@ -31,6 +31,9 @@ class EmbeddedTableFile : public TableFile {
                                         const Visitor& see) override;
     std::optional<StoredRecord> visitIds(int key, const std::optional<StoredRecord>& from, int max,
                                          const std::function<void(RecordId)>& see) override;
+    bool showsKeyTexts(int key) const override;
+    std::optional<KeyEntry> visitKeyTexts(int key, const std::optional<KeyEntry>& after, int max,
+                                          const TextVisitor& see) override;
     int compare(int key, const QByteArray& record, const KeyValues& values) const override;
     std::optional<StoredRecord> get(RecordId id) override;
     bool lock(RecordId id, std::chrono::milliseconds wait) override;

@@ -183,12 +183,7 @@ const uchar* currentRecord(Cursor& cursor) {
         return cursor.record;
     }
     const KeyImage& image = cursor.table->image(cursor.plan.key);
-    if (column.size() != image.length())
-        throw DataError(ErrorKind::Damaged, cursor.table->name(),
-                        QStringLiteral("an entry of key %1 has %2 bytes instead of %3")
-                            .arg(cursor.plan.key)
-                            .arg(column.size())
-                            .arg(image.length()));
+    cursor.table->checkImage(cursor.plan.key, column);
     if (cursor.rebuilt.isEmpty())
         cursor.rebuilt = cursor.table->emptyRecord();
     auto* bytes = reinterpret_cast<uchar*>(cursor.rebuilt.data());

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "data/system_path.h"
+#include "engines/sqlite/joined_log_writes.h"
 
 #ifndef Q_OS_WIN
 #include <fcntl.h>
@@ -176,7 +177,8 @@ SqliteHandle::SqliteHandle(const QString& fileName, Mode mode) {
         makeFile(fileName);
     const QString path = systemPath(fileName);
     const QByteArray name = mode == Mode::Untouched ? untouchedUri(path) : path.toUtf8();
-    const int code = sqlite3_open_v2(name.constData(), &m_db, flags, fileSystemName());
+    const int code =
+        sqlite3_open_v2(name.constData(), &m_db, flags, withJoinedLogWrites(fileSystemName()));
     if (code != SQLITE_OK) {
         const QString detail =
             QString::fromUtf8(m_db != nullptr ? sqlite3_errmsg(m_db) : sqlite3_errstr(code));

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "data/error.h"
+#include "data/record/plain_text.h"
 #include "data/windows1252.h"
 #include "tests/data/record_fields.h"
 #include "tests/support/checks.h"
@@ -139,6 +140,75 @@ TEST(Codec, OddBytesAreReadWithinTheirField) {
     forEach(cases, [](const auto& item, const QString& text, const QByteArray& stored) {
         EXPECT_EQ(data::valueToText(item, readBack(item, stored)), text);
     });
+}
+
+// The quick way of imports must store what the general way stores, and leave the rest to it.
+TEST(Codec, PlainTextsAreStoredAsInTheGeneralWay) {
+    const std::vector<data::TFieldCacheItem> items{kLString,
+                                                   kZString,
+                                                   kPadded,
+                                                   kNote,
+                                                   kLVar,
+                                                   kDate,
+                                                   kDays,
+                                                   kTime,
+                                                   kStamp,
+                                                   kLogical,
+                                                   kByte,
+                                                   kShort,
+                                                   kLong,
+                                                   kHuge,
+                                                   kAuto,
+                                                   kSingle,
+                                                   kBlob,
+                                                   kGuid,
+                                                   kDouble,
+                                                   kReal48,
+                                                   kUnsigned1,
+                                                   kUnsigned2,
+                                                   field(Kind::Boolean, Storage::Bit, 1, 4)};
+    QStringList texts{"0",          "1",
+                      "-1",         "127",
+                      "128",        "-32768",
+                      "32768",      "65536",
+                      "2147483648", "+1",
+                      "-0",         "-0.0",
+                      "1.50",       ".5",
+                      "5.",         "1e3",
+                      "1e999",      "inf",
+                      "nan",        "0x1",
+                      " 1",         "99999999999999999999",
+                      "äÖ",         "abc",
+                      "abcd",       "€",
+                      "\u0081",     "ā",
+                      "a\n",        "2024-02-29",
+                      "2023-02-29", "0000-01-01",
+                      "1899-12-30", "20240901",
+                      "true"};
+    std::mt19937 random(5);
+    const QString letters = QStringLiteral("0123456789-.+eE aäÿ€:");
+    for (int i = 0; i < 20000; ++i) {
+        QString text;
+        for (auto length = random() % 11 + 1; length > 0; --length)
+            text += letters[static_cast<qsizetype>(random() % 13 + (random() % 4 == 0 ? 8 : 0))];
+        texts += text;
+    }
+    int plain = 0;
+    for (const data::TFieldCacheItem& item : items) {
+        for (const QString& text : std::as_const(texts)) {
+            QByteArray quick(item.storedLength, '\x5A');
+            QByteArray general = quick;
+            data::Value value;
+            const bool stored =
+                data::writePlainText(item, reinterpret_cast<uchar*>(quick.data()), text.toUtf8());
+            if (stored && data::textToValue(item, text, value, nullptr))
+                data::writeValue(item, reinterpret_cast<uchar*>(general.data()), value, QString());
+            ASSERT_EQ(quick.toHex(), general.toHex())
+                << text.toStdString() << " storage " << static_cast<int>(item.storage);
+            plain += stored ? 1 : 0;
+        }
+    }
+    EXPECT_GT(plain, 20000);
 }
 
 TEST(Codec, BitsChangeNothingBesideThem) {

@@ -6,6 +6,7 @@
 #include "framework/ui/help_manual.h"
 #include "tests/form/form_test.h"
 #include "vatchange/definition/definition_codec.h"
+#include "vatchange/report/log_excerpt.h"
 
 using test::str;
 
@@ -53,6 +54,28 @@ TEST(ChangeReport, ARefusedRunIsToldWithItsLogLines) {
     EXPECT_EQ(made.headLeft, report.company);
     expectParts(made.html, {"kesto 1 h 2 min", "Muutosta ei tehty", "oltava &gt; 0!",
                             "06:30:00@KONE  Aloitetaan taksavaihe"});
+}
+
+TEST(LogExcerpt, HoldsTheLinesOfTheRangeAndIsBounded) {
+    using vatchange::LogExcerpt;
+    const test::CompanyFolder company;
+    const QString log = company.file(str("loki"));
+    QByteArray bytes = "ennen ajoa\n";
+    const qint64 from = bytes.size();
+    for (int i = 1; i <= 100000; ++i)
+        bytes += "rivi " + QByteArray::number(i) + '\n';
+    test::writeFile(log, bytes + "ajon jälkeen\n");
+    const LogExcerpt excerpt = vatchange::readLog(log, from, bytes.size());
+    EXPECT_EQ(excerpt.problem, QString());
+    EXPECT_EQ(excerpt.first.size(), LogExcerpt::kFirstLines);
+    EXPECT_EQ(excerpt.first.first(), str("rivi 1"));
+    EXPECT_EQ(excerpt.last.size(), LogExcerpt::kLastLines);
+    EXPECT_EQ(excerpt.last.last(), str("rivi 100000"));
+    EXPECT_EQ(excerpt.leftOut, 100000 - LogExcerpt::kFirstLines - LogExcerpt::kLastLines);
+    test::writeFile(log, "lyhyt");
+    EXPECT_FALSE(vatchange::readLog(log, from, bytes.size()).problem.isEmpty());
+    QFile::remove(log);
+    EXPECT_FALSE(vatchange::readLog(log, 0, -1).problem.isEmpty());
 }
 
 int pagesOf(const QString& html, const QString& file) {

@@ -2,14 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "company/logs.h"
 #include "tests/run/run_company.h"
-#include "tests/support/company_folder.h"
 
 namespace {
 
 using test::RunCompany;
-using vatchange::LogExcerpt;
 using vatchange::RunSummary;
 
 TEST(RunSummary, CountsWhatEachStepChanged) {
@@ -38,32 +35,6 @@ TEST(RunSummary, CountsWhatEachStepChanged) {
                                    "Myymälähintojen rivit 2", "Tuotteet 2", "Hyllynreunaetiketit 1",
                                    "Verkkokaupan muutosmerkinnät 1", "Myyntitilausten rivit 0",
                                    "Ostotilausten rivit 1"}));
-}
-
-TEST(RunSummary, LogLinesAreThoseOfTheRunAndBounded) {
-    test::CompanyFolder company;
-    RunSummary summary;
-    summary.logName = company.file(QStringLiteral("loki"));
-    const auto line = [](int number) { return QStringLiteral("rivi %1\n").arg(number).toUtf8(); };
-    QByteArray bytes = "ennen ajoa\n";
-    summary.logFrom = bytes.size();
-    for (int i = 1; i <= 100000; ++i)
-        bytes += line(i);
-    summary.logTo = bytes.size();
-    test::writeFile(summary.logName, bytes + "ajon jälkeen\n");
-
-    const LogExcerpt excerpt = logLines(summary);
-    EXPECT_EQ(excerpt.problem, QString());
-    EXPECT_EQ(excerpt.first.size(), LogExcerpt::kFirstLines);
-    EXPECT_EQ(excerpt.first.first(), QStringLiteral("rivi 1"));
-    EXPECT_EQ(excerpt.last.size(), LogExcerpt::kLastLines);
-    EXPECT_EQ(excerpt.last.last(), QStringLiteral("rivi 100000"));
-    EXPECT_EQ(excerpt.leftOut, 100000 - LogExcerpt::kFirstLines - LogExcerpt::kLastLines);
-
-    test::writeFile(summary.logName, "lyhyt");
-    EXPECT_FALSE(logLines(summary).problem.isEmpty());
-    QFile::remove(summary.logName);
-    EXPECT_FALSE(logLines(summary).problem.isEmpty());
 }
 
 }  // namespace

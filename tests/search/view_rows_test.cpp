@@ -217,6 +217,35 @@ TEST_F(ViewRowsTest, RowsStayWhenOthersCannotBeRead) {
     EXPECT_EQ(shown.number(7), "00007");
 }
 
+// A record search that looks at a key's texts first finds what a walk of the records finds: few
+// records, so many that the records are read after all, folded and exact keys, at the start and
+// anywhere; with a restriction that the key does not know.
+TEST_F(ViewRowsTest, SearchByKeyTextsFindsTheSameRecords) {
+    const std::unique_ptr<data::TtbTable> table = Model::opened();
+    for (const auto& [name, text, anywhere] :
+         {std::tuple("NIMI", "n7", false), std::tuple("NIMI", "36", true),
+          std::tuple("NIMI", "n", false), std::tuple("NIMI", "ö", true),
+          std::tuple("NUMERO", "0599", false), std::tuple("NUMERO", "77", true)}) {
+        const GridColumn column{str(name), {}};
+        const SearchText wanted{QString::fromUtf8(text), anywhere};
+        const RowTest matches = columnTest(*table, column, wanted, false);
+        const RowTest accept = [this, matches](data::RecordId id, const QByteArray& bytes) {
+            return matches(id, bytes) && groupBelow(7)(id, bytes);
+        };
+        const auto byKey = keyTextTest(*table, column, wanted, false);
+        ASSERT_TRUE(byKey);
+        ViewRows rows(*m_file);
+        rows.show(5, std::nullopt, accept);
+        ASSERT_TRUE(rows.learnAll([](double) { return true; }, byKey));
+        std::vector<data::RecordId> found;
+        for (const StoredRecord& record : rows.read(0, kProducts))
+            found.push_back(record.id);
+        EXPECT_EQ(found, expected(5, std::nullopt, accept)) << name << ' ' << text;
+    }
+    EXPECT_FALSE(keyTextTest(*table, {str("NIMI"), {}}, {str("n"), false}, true));
+    EXPECT_FALSE(keyTextTest(*table, {str("NIMI2"), {}}, {str("n"), false}, false));
+}
+
 // A record that another program removes leaves a blank row, not a wrong one.
 TEST_F(ViewRowsTest, RemovedRecordsAreBlankUntilRefreshed) {
     Model shown;

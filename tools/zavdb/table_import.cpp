@@ -3,6 +3,7 @@
 #include <QFile>
 #include <algorithm>
 
+#include "data/record/plain_text.h"
 #include "data/record/record_codec.h"
 #include "data/windows1252.h"
 #include "platform/csv.h"
@@ -156,6 +157,8 @@ class Importer {
         const TFieldCacheItem& field = *column.field;
         const bool empty = isEmptyCell(field, m_reader.field(column.cell));
         if (empty && (!column.shared || field.storage == data::Storage::AutoIncrement))
+            return;
+        if (data::writePlainText(field, record, m_reader.field(column.cell)))
             return;
         const QString cell = text(column.cell, field.name);
         data::Value value;

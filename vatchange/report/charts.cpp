@@ -153,7 +153,7 @@ class SpreadPicture {
 
     void xLabels() const {
         const double top = m_plot.bottom() + m_canvas.line * 0.2;
-        const auto shown = [this](double percent, double step) {
+        const auto shown = [](double percent, double step) {
             return finnish().toString(std::fabs(percent) < step / 1000 ? 0.0 : percent, 'f',
                                       decimalsOf(step));
         };

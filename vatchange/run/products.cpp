@@ -191,6 +191,21 @@ class ProductConversion {
 
     Outcome update(const QString& number, std::chrono::milliseconds wait, LockedProduct& product,
                    ProductPrices& converted) {
+        if (m_run.database.joinsReadAndStatement()) {
+            Outcome outcome = Outcome::Held;
+            const LockRelease release(m_records);  // after the commit
+            m_run.database.inTransaction([&] {     // where nothing may wait
+                outcome = lockAndUpdate(number, std::chrono::milliseconds(0), product, converted);
+            });
+            if (outcome != Outcome::Held)
+                return outcome;
+        }
+        const LockRelease release(m_records);
+        return lockAndUpdate(number, wait, product, converted);
+    }
+
+    Outcome lockAndUpdate(const QString& number, std::chrono::milliseconds wait,
+                          LockedProduct& product, ProductPrices& converted) {
         switch (m_records.lock(number, product, wait)) {
             case ProductRecords::Outcome::Gone:
                 return Outcome::NothingToDo;
@@ -199,7 +214,6 @@ class ProductConversion {
             case ProductRecords::Outcome::Locked:
                 break;
         }
-        const LockRelease release(m_records);
         if (!product.classes.any())
             return Outcome::NothingToDo;
         converted = m_run.prices.convert(product.prices);

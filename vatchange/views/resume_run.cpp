@@ -27,6 +27,8 @@ class DialogRunPorts : public RunPorts {
         flush();
         showMessage(text);
     }
+    /// The message at the end of the run tells all.
+    void stepFinished(const QString& text) override { log(text); }
     void showMessage(const QString& text) override { framework::Dialogs::message(owner(), text); }
     bool ask(const QString& text) override {
         flush();
