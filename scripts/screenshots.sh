@@ -353,19 +353,20 @@ for picture in /srv/tmp/report-*.png; do
         -define png:exclude-chunks=date,time "PNG8:$into/report_$page.png"
 done
 
+company Malli malli 2000 # whose change has not been run
 dark_desktop
-open_form Esimerkki /U
+open_form Malli
 shot vat_change_form_dark "$form"
 end_program
 changes_window changes_window_dark
 light_desktop
 
 export QT_SCALE_FACTOR=1.5
-open_form Esimerkki /U
+open_form Malli
 shot vat_change_form_narrow "$form"
 end_program
 start_screen 2060x1160
-open_form Esimerkki /U
+open_form Malli
 shot vat_change_form_150 "$form"
 end_program
 changes_window changes_window_150
