@@ -105,8 +105,7 @@ TEST_P(DefinitionRun, EndsAsOnTheEmbeddedEngine) {
     tools::demo::fill(*embedded, {300, 7}, [](const QString&, qint64) {});
     for (const char* rows : kSharedRows)
         test::exec(*embedded, QStringLiteral("insert into ") + QLatin1String(rows));
-    engines::backupEmbedded(folder.path(), beside.filePath(engines::kEmbeddedFileName),
-                            [](int, int) { return true; });
+    engines::backupEmbedded(folder.path(), beside.filePath(engines::kEmbeddedFileName), {});
     const auto records = engines::openEmbedded(QStringLiteral("SIVU"), beside.path());
     const test::SqlEngine engine(name, tables);
     ServerCompany server(engine.settings(), *records);
