@@ -77,7 +77,7 @@ QLayout* TAlvMuutosLomake::buildFoot() {
     m_rehearse->setObjectName(QStringLiteral("Koeajo"));
     m_rehearse->setToolTip(
         QStringLiteral("Tekee muutoksen yrityksen kopiolla ja näyttää, mikä muuttuisi"));
-    m_interrupt = new QPushButton(QStringLiteral("&Keskeytä"), this);
+    m_interrupt = new QPushButton(QStringLiteral("Keske&ytä"), this);
     m_interrupt->setObjectName(QStringLiteral("Keskeyta"));
     m_interrupt->setToolTip(QStringLiteral("Lopettaa muutoksen kahden rivin välissä"));
     m_interrupt->setEnabled(false);
