@@ -2,6 +2,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <array>
+#include <tuple>
 
 #include "data/lock/lock_file.h"
 #include "engines/embedded/company_file.h"
@@ -36,11 +37,30 @@ bool copyFrom(const SqliteHandle& source, const QString& from, const QString& to
     return copyPages(source.get(), from, target.get(), to, progress);
 }
 
-/// Copies a database that nobody has open together with the log that a program left behind. Only
-/// for a log without its index: any program that opens the database makes one.
-/// @return whether nobody opened it meanwhile.
+/// What any writer of the database changes.
+struct FileState {
+    explicit FileState(const QString& file) : FileState(QFileInfo(file)) {}
+    bool operator==(const FileState&) const = default;
+
+    bool exists;
+    qint64 size;
+    QDateTime modified;
+
+  private:
+    explicit FileState(const QFileInfo& info)
+        : exists(info.exists()), size(info.size()), modified(info.lastModified()) {}
+};
+
+/// Copies a database together with the log that a program left behind, without the log's index: for
+/// a log that has none, or one that its program's death left unusable to readers.
+/// @return whether nobody opened the database for the first time or wrote to it meanwhile.
 bool copyAbandonedFiles(const QString& from, const QString& to) {
     const QString log = beside(from, "-wal");
+    const QString index = beside(from, "-shm");
+    const auto state = [&] {
+        return std::tuple(FileState(from), FileState(log), QFileInfo::exists(index));
+    };
+    const auto before = state();
     const std::array<std::pair<QString, QString>, 2> files{
         {{from, to}, {log, to + QStringLiteral("-wal")}}};
     for (const auto& [source, copy] : files) {
@@ -50,8 +70,7 @@ bool copyAbandonedFiles(const QString& from, const QString& to) {
             throw DataError(ErrorKind::Io, source, file.errorString());
         QFile::setPermissions(copy, QFile::permissions(copy) | QFile::WriteOwner);
     }
-    return !QFileInfo::exists(beside(from, "-shm")) && QFileInfo::exists(log) &&
-           QFileInfo(log).size() == QFileInfo(to + QStringLiteral("-wal")).size();
+    return state() == before;
 }
 
 /// While programs use the database, the files of its log are theirs.
@@ -92,6 +111,11 @@ bool copyEmbedded(const QString& folder, const QString& targetFolder,
             const SqliteHandle source(from, SqliteHandle::Mode::Untouched);
             return copyFrom(source, from, to, progress);
         } catch (const DataError& error) {
+            if ((error.nativeCode() & 0xff) == SQLITE_PROTOCOL) {  // a killed program's index
+                if (copyAbandonedFiles(from, to))
+                    return true;
+                continue;
+            }
             // the log's files are gone by now, or its index has no place for a reader that must
             // not write into it, which is so only while another program has the database open
             if (error.kind() != ErrorKind::NoConnection && error.kind() != ErrorKind::ReadOnly)
