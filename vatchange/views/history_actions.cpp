@@ -222,7 +222,7 @@ void HistoryWindow::undo() {
     Q_EMIT changed();
 }
 
-void HistoryWindow::accept() {
+void HistoryWindow::acceptSelected() {
     const JournalRun run = selected()->head;
     const QString name = run.number == 0
                              ? QStringLiteral("vanhan version ajo ") + definitionText(run)

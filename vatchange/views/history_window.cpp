@@ -129,7 +129,7 @@ QLayout* HistoryWindow::buildActions() {
               &HistoryWindow::undo);
     addAction(column, QStringLiteral("&Hyväksy..."), QStringLiteral("Hyvaksy"),
               QStringLiteral("Jättää kesken jääneen ajon sellaiseksi kuin se on"), canAccept,
-              &HistoryWindow::accept);
+              &HistoryWindow::acceptSelected);
     addAction(column, QStringLiteral("P&oista päiväkirja..."), QStringLiteral("PoistaPaivakirja"),
               QStringLiteral("Poistaa ajon päiväkirjan; ajoa ei voi sen jälkeen perua"), canForget,
               &HistoryWindow::forget);

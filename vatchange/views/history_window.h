@@ -52,7 +52,7 @@ class HistoryWindow : public QDialog {
     void logLines();
     void resume();
     void undo();
-    void accept();
+    void acceptSelected();
     void forget();
 
     std::vector<qint64> runsToReport(const data::JournalRun& run);
