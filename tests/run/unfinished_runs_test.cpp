@@ -133,6 +133,16 @@ TEST_F(UnfinishedRun, StandsInTheWayOfWhatWouldMultiplyItsRowsAgain) {
     EXPECT_EQ(multiplied("KAMPPANJA", "Myyntihinta"), 1);
 }
 
+// Only runs of the same batch leave such rows out.
+TEST_F(UnfinishedRun, OfTheFormIsRepeatedIfTheUserWantsIt) {
+    ChangeDefinition campaigns = plainDefinition();
+    campaigns.campaigns = true;
+    m_company.ports.isUnattended = false;
+    m_company.ports.answers = {"yes", "yes"};
+    EXPECT_TRUE(m_company.run(campaigns).clean());
+    EXPECT_EQ(multiplied("KAMPPANJA", "Myyntihinta"), 1);  // that of A2 twice
+}
+
 TEST_F(UnfinishedRun, LetsPassWhatDoesNotTouchItsRows) {
     ChangeDefinition converted = all();  // A1, which it has converted
     converted.sourceClass = 6;

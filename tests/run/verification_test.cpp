@@ -355,6 +355,18 @@ TEST_F(VerificationTest, CountsAllAndKeepsTheFirst) {
     EXPECT_THROW(verify(number + 1), data::DataError);
 }
 
+TEST_F(VerificationTest, EachGroupRestrictionExplainsWhatItLeavesOut) {
+    company.exec(
+        "insert into TUOTE (NUMERO, LVV, HINTA, AliRyhma, RYHMA, PAARYHMA) values ('a', 3, 10, 15, "
+        "15, 15)");
+    for (const auto member : {&ChangeDefinition::subGroup, &ChangeDefinition::productGroup,
+                              &ChangeDefinition::mainGroup}) {
+        ChangeDefinition definition = test::plainDefinition();
+        definition.*member = {true, 0, 0, QStringLiteral("15")};
+        EXPECT_EQ(remaining(verify(run(definition))), QStringList{"TUOTE 1 restriction"});
+    }
+}
+
 // The selection on a record and in SQL choose the same products, whatever the restrictions.
 TEST_F(VerificationTest, SelectionOnRecordsEqualsTheCondition) {
     std::mt19937 random(7);
