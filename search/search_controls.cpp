@@ -6,6 +6,7 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "framework/ui/cut_label.h"
 #include "framework/ui/dialogs.h"
 
 namespace search {
@@ -40,12 +41,6 @@ QIcon inTextColours(const QIcon& icon, const QWidget& widget) {
 }
 
 }  // namespace
-
-void CutLabel::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.drawText(contentsRect(), Qt::AlignLeft | Qt::AlignVCenter,
-                     fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width()));
-}
 
 SearchControls::SearchControls(QDialog& window) {
     create(window);
@@ -84,9 +79,9 @@ void SearchControls::create(QDialog& window) {
     Timer = make<QTimer>("Timer", &window);
     Timer->setInterval(kCompletionDelayMs);
     createNavigator(window);
-    TilaLabel = make<CutLabel>("TilaLabel", &window);
+    TilaLabel = make<framework::CutLabel>("TilaLabel", &window);
     RiviLabel = make<QLabel>("RiviLabel", &window);
-    EhtoLabel = make<CutLabel>("EhtoLabel", &window);
+    EhtoLabel = make<framework::CutLabel>("EhtoLabel", &window);
     EhtoLabel->setTextFormat(Qt::PlainText);
     EhtoLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     SelitysLabel = make<QLabel>("SelitysLabel", &window);

@@ -15,15 +15,6 @@
 
 namespace search {
 
-/// One line of text, cut with dots where the window is too narrow.
-class CutLabel : public QLabel {
-  public:
-    using QLabel::QLabel;
-
-  protected:
-    void paintEvent(QPaintEvent* event) override;
-};
-
 /// The controls of a search window and their layout, under their given names (also object names).
 /// The window owns them.
 struct SearchControls {

@@ -5,6 +5,7 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "framework/ui/cut_label.h"
 #include "framework/ui/dialogs.h"
 #include "vatchange/form/change_form.h"
 
@@ -22,7 +23,7 @@ constexpr int kMaxStretch = 1000;
 QLayout* TAlvMuutosLomake::buildDefinitionBar() {
     auto* name = new QLabel(QStringLiteral("Määritte&ly"), m_content);
     name->setBuddy(LatausCombo);
-    m_description = new QLabel(m_content);
+    m_description = new framework::CutLabel(m_content);
     m_description->setObjectName(QStringLiteral("SeliteLabel"));
     m_description->setTextFormat(Qt::PlainText);
     m_description->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
