@@ -34,7 +34,7 @@ void requireFreeName(const QString& name) {
 QString absoluteFolder(const QString& folder) {
     if (folder.isEmpty())
         throw refusal(QStringLiteral("The folder has no name."), QStringLiteral("Anna kansio."));
-    const QString absolute = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+    QString absolute = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
     // What stands for bytes that are no character would be another folder's name.
     if (absolute.contains(QChar::ReplacementCharacter))
         throw refusal(QStringLiteral("The name of the folder %1 is not valid UTF-8; rename it.")

@@ -120,8 +120,9 @@ void writePriceList(const ChangeList& list, PriceListForm form, QIODevice& outpu
         QStringList cells{list.productNumber(product), list.productName(product)};
         cells.resize(2 + 2 * kPriceLevels);
         for (; i < prices.size() && prices[i].product == product; ++i) {
-            cells[2 * prices[i].level] = plainAmount(prices[i].before);
-            cells[2 * prices[i].level + 1] = plainAmount(prices[i].after);
+            const auto place = qsizetype{2} * prices[i].level;
+            cells[place] = plainAmount(prices[i].before);
+            cells[place + 1] = plainAmount(prices[i].after);
         }
         addLine(writer, cells);
     }

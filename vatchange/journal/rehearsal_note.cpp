@@ -44,7 +44,7 @@ std::optional<RehearsalComparison> storedComparison(data::RunJournal& journal, q
     comparison.differences = map[kDifferences].toInteger();
     comparison.more = map[kMore].toBool();
     const QCborArray first = map[kFirst].toArray();
-    for (const QCborValue& value : first) {
+    for (const auto& value : first) {
         const QCborArray one = value.toArray();
         comparison.first.push_back({static_cast<RehearsalDifference::Kind>(one.at(0).toInteger()),
                                     one.at(1).toString(), one.at(2).toInteger(),

@@ -31,7 +31,7 @@ std::vector<RunAttempt> storedAttempts(data::RunJournal& journal, qint64 run) {
     std::vector<RunAttempt> attempts;
     const QCborArray array =
         QCborValue::fromCbor(journal.note(run, kAttemptsNote).value_or(QByteArray())).toArray();
-    for (const QCborValue& value : array) {
+    for (const auto& value : array) {
         const QCborMap map = value.toMap();
         attempts.push_back({timeOf(map[kStarted]), timeOf(map[kEnded]), map[kUser].toString(),
                             map[kComputer].toString(), map[kLogFrom].toInteger(-1),

@@ -47,10 +47,10 @@ std::optional<StoredVerification> storedVerification(data::RunJournal& journal, 
     stored.holds = map[kHolds].toBool();
     stored.empty = map[kEmpty].toInteger();
     const QCborArray lines = map[kLines].toArray();
-    for (const QCborValue& line : lines)
+    for (const auto& line : lines)
         stored.lines += line.toString();
     const QCborArray records = map[kRecords].toArray();
-    for (const QCborValue& value : records) {
+    for (const auto& value : records) {
         const QCborArray pair = value.toArray();
         stored.records.push_back({pair.at(0).toString(), pair.at(1).toInteger()});
     }

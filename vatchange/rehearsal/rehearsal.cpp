@@ -22,7 +22,7 @@ namespace {
 constexpr qint64 kLargestLog = qint64{96} * 1024 * 1024;
 
 QString sizeText(qint64 bytes) {
-    constexpr qint64 kMegabyte = 1024 * 1024;
+    constexpr qint64 kMegabyte = qint64{1024} * 1024;
     constexpr qint64 kGigabyte = 1024 * kMegabyte;
     const QLocale finnish(QLocale::Finnish);
     if (bytes >= 10 * kGigabyte)

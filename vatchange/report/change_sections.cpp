@@ -23,7 +23,7 @@ QString amountText(double amount) {
 QString valueText(const ChangeList& list, int row, bool after) {
     if (list.kind(row) != ChangeKind::Field && list.kind(row) != ChangeKind::Unchanged)
         return {};
-    const QString text = after ? list.afterText(row) : list.beforeText(row);
+    QString text = after ? list.afterText(row) : list.beforeText(row);
     if (!list.field(row).amount || text.isEmpty())
         return text;
     return amountText(after ? list.after(row) : list.before(row));
@@ -32,10 +32,10 @@ QString valueText(const ChangeList& list, int row, bool after) {
 /// Product number and name, or the record's key.
 QString subjectText(const ChangeList& list, int row) {
     const int product = list.productOf(row);
-    const QString key = list.record(list.recordIndex(row)).key;
+    QString key = list.record(list.recordIndex(row)).key;
     if (product < 0)
         return key;
-    const QString name = list.productName(product);
+    const QString& name = list.productName(product);
     return list.productNumber(product) + (name.isEmpty() ? QString() : u' ' + name);
 }
 

@@ -129,7 +129,9 @@ class SpreadPicture {
 
     void grid() const {
         const double line = m_canvas.line;
-        for (double count = 0; count <= m_yTop * (1 + 1e-9); count += m_yStep) {
+        const auto lines = std::llround(std::floor(m_yTop / m_yStep * (1 + 1e-9)));
+        for (qint64 n = 0; n <= lines; ++n) {
+            const double count = static_cast<double>(n) * m_yStep;
             const double y = yOf(count);
             if (count > 0)
                 m_canvas.drawLine({m_plot.left(), y}, {m_plot.right(), y}, m_canvas.colours.axis);
@@ -167,8 +169,10 @@ class SpreadPicture {
         };
         while (tooClose() && step < last - m_spread.from)
             step = niceStep(step * 1.01);
-        for (double percent = std::ceil(m_spread.from / step - 1e-6) * step;
-             percent <= last + step * 1e-6; percent += step) {
+        const auto firstMark = std::llround(std::ceil(m_spread.from / step - 1e-6));
+        const auto lastMark = std::llround(std::floor(last / step + 1e-6));
+        for (qint64 n = firstMark; n <= lastMark; ++n) {
+            const double percent = static_cast<double>(n) * step;
             const double x = xOf(percent);
             m_canvas.drawLine({x, m_plot.bottom()}, {x, top}, m_canvas.colours.text);
             m_canvas.centred(x, top, shown(percent, step), m_canvas.colours.text);
