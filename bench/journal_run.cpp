@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "data/sql/uni_query.h"
+#include "bench/run_bench.h"
 #include "engines/embedded/embedded_database.h"
 #include "vatchange/journal/verification.h"
 #include "vatchange/run/change_run.h"
@@ -47,60 +47,6 @@ class Company : public data::Database {
     bool m_journaled;
 };
 
-class SilentPorts : public vatchange::RunPorts {
-  public:
-    bool unattended() const override { return true; }
-    void NaytaViesti(const QString& text) override {
-        std::fprintf(stderr, "%s\n", qPrintable(text));
-    }
-    void showMessage(const QString&) override {}
-    bool ask(const QString&) override { return false; }
-    void log(const QString&) override {}
-    void status(const QString&) override {}
-    void progress(qint64, qint64) override {}
-    void processEvents() override {}
-    bool cancelled() const override { return false; }
-    QString programFileName() const override { return QStringLiteral("journal_run"); }
-    bool skipEarlyDateCheck() const override { return true; }
-};
-
-void exec(data::Database& database, const QString& sql) {
-    data::TUniQuery query(&database);
-    query.sql().setText(sql);
-    query.execSql();
-}
-
-void fill(const QString& folder, int products) {
-    QDir(folder).removeRecursively();
-    engines::createEmbedded(folder, data::allTableSources());
-    Company company(folder, false);
-    exec(company, QStringLiteral("insert into ALVKANTA (luokka, Prosentti) values (1, 24)"));
-    exec(company, QStringLiteral("insert into ALVKANTA (luokka, Prosentti) values (5, 25.5)"));
-    data::TUniQuery insert(&company);
-    insert.sql().setText(
-        QStringLiteral("insert into TUOTE (NUMERO, NIMI, LVV, HINTA, KAKSOISHINTA, HINTA3, HINTA4, "
-                       "HINTA5, HINTA6, HINTA7, HINTA8, HINTA9) values (:n, :nimi, 1, :h, :h + 1, "
-                       ":h + 2, :h + 3, :h + 4, :h + 5, :h + 6, :h + 7, :h + 8)"));
-    company.inTransaction([&] {
-        for (int i = 0; i < products; ++i) {
-            const QString number = QString::number(100000 + i);
-            insert.paramByName(QStringLiteral("n")).setString(number);
-            insert.paramByName(QStringLiteral("nimi")).setString(QStringLiteral("Tuote ") + number);
-            insert.paramByName(QStringLiteral("h")).setFloat(1.0 + i % 977 * 0.13);
-            insert.execSql();
-        }
-    });
-}
-
-vatchange::LoadedDefinition definition() {
-    vatchange::ChangeDefinition made;
-    made.sourceClass = 1;
-    made.targetClass = 5;
-    for (size_t i = 0; i < made.levels.size(); ++i)
-        made.levels[i] = {1.0120967741935485, vatchange::kPriceColumns[i + 1], false};
-    return made;
-}
-
 double processorSeconds() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
@@ -117,16 +63,17 @@ struct Measured {
 };
 
 Measured measure(const QString& folder, int products, bool journaled) {
-    fill(folder, products);
+    bench::makeCompany(folder, products);
     const QFileInfo file(QDir(folder).filePath(engines::kEmbeddedFileName));
     const qint64 before = file.size();
-    SilentPorts ports;
+    bench::SilentPorts ports;
     const double begun = processorSeconds();
     double ended = 0;
     double verified = 0;
     {
         Company company(folder, journaled);
-        const vatchange::RunResult result = vatchange::runChange(company, definition(), ports);
+        const vatchange::RunResult result =
+            vatchange::runChange(company, {bench::nineLevels()}, ports);
         if (!result.clean() || result.products != products) {
             std::fprintf(stderr, "the run failed\n");
             std::exit(1);

@@ -7,8 +7,8 @@
 #include <QElapsedTimer>
 #include <cstdio>
 
+#include "bench/run_bench.h"
 #include "data/record/record_codec.h"
-#include "data/sql/uni_query.h"
 #include "engines/embedded/embedded_database.h"
 #include "engines/shops/odbc_connection.h"
 #include "tools/zavdb/demo/demo_company.h"
@@ -43,30 +43,6 @@ class Company : public data::Database {
     std::unique_ptr<engines::shops::OdbcConnection> m_sql;
 };
 
-class SilentPorts : public vatchange::RunPorts {
-  public:
-    bool unattended() const override { return true; }
-    void NaytaViesti(const QString& text) override {
-        std::fprintf(stderr, "%s\n", qPrintable(text));
-    }
-    void showMessage(const QString&) override {}
-    bool ask(const QString&) override { return false; }
-    void log(const QString&) override {}
-    void status(const QString&) override {}
-    void progress(qint64, qint64) override {}
-    void processEvents() override {}
-    bool cancelled() const override { return false; }
-    QString programFileName() const override { return QStringLiteral("odbc_run"); }
-    bool skipEarlyDateCheck() const override { return true; }
-    QString definitionName() const override { return QStringLiteral("odbc_run"); }
-};
-
-qint64 exec(data::Database& database, const QString& sql) {
-    data::TUniQuery query(&database);
-    query.sql().setText(sql);
-    return query.execSql();
-}
-
 // The columns that the products step uses, filled from the demo company; all products in class 1.
 void fill(Company& company) {
     const QString prices = QStringLiteral(
@@ -75,16 +51,16 @@ void fill(Company& company) {
     QString columns = prices;
     columns.replace(QLatin1String(","), QLatin1String(" DOUBLE PRECISION,"));
     try {
-        exec(company, QStringLiteral("DROP TABLE TUOTE"));
+        bench::exec(company, QStringLiteral("DROP TABLE TUOTE"));
     } catch (const data::DataError& error) {
         std::fprintf(stderr, "%s\n", error.what());
     }
-    exec(company,
-         QStringLiteral("CREATE TABLE TUOTE (NUMERO VARCHAR(18) NOT NULL PRIMARY KEY, %1 "
-                        "DOUBLE PRECISION, LVV SMALLINT, ALV2 SMALLINT, OSTOVERO SMALLINT, "
-                        "HRKPL SMALLINT, VERKKOKAUPPA SMALLINT, MUUTETTUPVM DATE, "
-                        "MUUTETTUTIME TIME)")
-             .arg(columns));
+    bench::exec(company,
+                QStringLiteral("CREATE TABLE TUOTE (NUMERO VARCHAR(18) NOT NULL PRIMARY KEY, %1 "
+                               "DOUBLE PRECISION, LVV SMALLINT, ALV2 SMALLINT, OSTOVERO SMALLINT, "
+                               "HRKPL SMALLINT, VERKKOKAUPPA SMALLINT, MUUTETTUPVM DATE, "
+                               "MUUTETTUTIME TIME)")
+                    .arg(columns));
     data::TUniQuery read(&company.records());
     read.sql().setText(QStringLiteral("select NUMERO, %1 from TUOTE").arg(prices));
     data::TUniQuery write(&company);
@@ -122,7 +98,7 @@ void makeOtherTables(Company& company) {
           "MUUTOSPVM DATE, MUUTOSKLO TIME)",
           "CREATE TABLE HR (tyyppi SMALLINT, tuote VARCHAR(18), maara DOUBLE PRECISION)",
           "CREATE TABLE x$file (xf$id INTEGER, xf$name VARCHAR(20))"})
-        exec(company, QLatin1String(sql));
+        bench::exec(company, QLatin1String(sql));
 }
 
 }  // namespace
@@ -140,14 +116,15 @@ int main(int count, char** arguments) {
             Company company(source, folder);
             tools::demo::fill(company.records(), {std::atoi(arguments[3]), 1},
                               [](const QString&, qint64) {});
-            exec(company.records(), QStringLiteral("update TUOTE set LVV=1, ALV2=0, OSTOVERO=0"));
+            bench::exec(company.records(),
+                        QStringLiteral("update TUOTE set LVV=1, ALV2=0, OSTOVERO=0"));
             makeOtherTables(company);
             fill(company);
             return 0;
         }
         Company company(source, folder);
-        exec(company, QStringLiteral("UPDATE TUOTE SET LVV=1"));
-        SilentPorts ports;
+        bench::exec(company, QStringLiteral("UPDATE TUOTE SET LVV=1"));
+        bench::SilentPorts ports;
         QElapsedTimer timer;
         timer.start();
         const vatchange::RunResult result = vatchange::runChange(company, definition(), ports);

@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/run_bench.h"
 #include "data/dictionary/dictionary_source.h"
 #include "data/record/record_codec.h"
 #include "engines/embedded/embedded_database.h"
@@ -119,26 +120,14 @@ class Stopwatch {
     std::clock_t m_clock = std::clock();
 };
 
-class MeasuringPorts : public vatchange::RunPorts {
+class MeasuringPorts : public bench::SilentPorts {
   public:
     explicit MeasuringPorts(Measured& measured) : m_measured(measured) {}
 
-    bool unattended() const override { return true; }
-    void NaytaViesti(const QString& text) override {
-        std::fprintf(stderr, "%s\n", qPrintable(text));
-    }
-    void showMessage(const QString&) override {}
-    bool ask(const QString&) override { return false; }
-    void log(const QString&) override {}
-    void status(const QString&) override {}
     void progress(qint64 done, qint64) override {
         if (done % 1000 == 0)
             m_measured.megabytes = std::max(m_measured.megabytes, anonymousMegabytes());
     }
-    void processEvents() override {}
-    bool cancelled() const override { return false; }
-    QString programFileName() const override { return QStringLiteral("orders_bench"); }
-    bool skipEarlyDateCheck() const override { return true; }
 
   private:
     Measured& m_measured;

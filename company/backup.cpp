@@ -34,7 +34,7 @@ QString folderOf(const QString& companyName) {
 bool isEmbedded(const Alias& alias) {
     if (alias.physicalName.isEmpty())
         return false;
-    // its lock file tells that the database has been there
+    // the lock file shows that there was a database
     const QString file = QDir(alias.physicalName).filePath(engines::kEmbeddedFileName);
     return engines::hasEmbeddedDatabase(alias.physicalName) ||
            QFileInfo::exists(file + QStringLiteral("-lock"));
@@ -65,7 +65,7 @@ QString noteFile(const QString& companyName) {
                                                    : QString();
 }
 
-/// A backup stands even if it cannot be noted.
+/// A backup that cannot be recorded is still valid.
 void remember(const QString& companyName, const Backup& backup) {
     try {
         platform::changeIniFile(noteFile(companyName), [&backup](platform::IniFile& ini) {
@@ -104,7 +104,7 @@ std::optional<Backup> makeBackup(const QString& companyName, const QString& file
     const QString folder = folderOf(companyName);
     Backup backup{QFileInfo(file).absoluteFilePath(), data::Clock::now(), 0};
     const QString target = QFileInfo(backup.file).absolutePath();
-    // not made: a folder that is missing may be on a drive that is
+    // not created: a missing folder may belong to a drive that is not mounted
     if (!QFileInfo(target).isDir())
         throw data::DataError(data::ErrorKind::Io, target,
                               QStringLiteral("there is no such folder"))

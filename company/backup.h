@@ -26,8 +26,8 @@ QString backupProblem(const QString& companyName);
 QString backupFileName(const QString& companyName, const QDateTime& when);
 
 /// Copies the company's database consistently into a new file while programs use it, checks every
-/// record and key of the copy, gives it its name then and remembers it as the company's last
-/// backup. Nothing is left of a cancelled or failed one. The file's folder must exist.
+/// record and key of the copy, then gives it its name and records it as the company's last
+/// backup. A cancelled or failed backup leaves nothing behind. The file's folder must exist.
 /// @return the backup; nothing if it was cancelled.
 /// @throws data::DataError (Damaged: the copy has errors, the first ones are in the text;
 /// DiskFull).

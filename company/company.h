@@ -19,8 +19,8 @@ const Company& currentCompany();
 /// the current one, if there is no such alias (case of a to z ignored).
 bool takeIntoUse(const QString& name);
 
-/// Puts another company, such as a copy, in the place of the current one for its life. The current
-/// one is not to be changed meanwhile but by a substitution within this one.
+/// Replaces the current company by another one, such as a copy, for the life of this object.
+/// Substitutions may be nested; nothing else may change the current company meanwhile.
 class CompanySubstitution {
   public:
     explicit CompanySubstitution(Company company);

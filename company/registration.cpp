@@ -35,7 +35,7 @@ QString absoluteFolder(const QString& folder) {
     if (folder.isEmpty())
         throw refusal(QStringLiteral("The folder has no name."), QStringLiteral("Anna kansio."));
     QString absolute = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
-    // What stands for bytes that are no character would be another folder's name.
+    // With the replacement character for invalid bytes it would name another folder.
     if (absolute.contains(QChar::ReplacementCharacter))
         throw refusal(QStringLiteral("The name of the folder %1 is not valid UTF-8; rename it.")
                           .arg(absolute),

@@ -36,7 +36,7 @@ enum class CopyCheck { None, Records };
 /// Copies the database consistently into a new file while programs use it. With CopyCheck::Records
 /// the copy is checked like checkEmbedded() does before it gets its name.
 /// @return false if `progress` cancelled. @throws DataError, Damaged if the check found errors.
-/// Nothing is left of a copy that was cancelled or failed.
+/// A cancelled or failed copy leaves nothing behind.
 bool backupEmbedded(const QString& folder, const QString& targetFile, const CopyProgress& progress,
                     CopyCheck check = CopyCheck::None);
 

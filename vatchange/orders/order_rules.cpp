@@ -16,7 +16,7 @@ constexpr quint32 methodBits(std::initializer_list<int> methods) {
 constexpr quint32 kKeepsPrices = methodBits({4, 5, 7, 8, 10, 11, 13, 14, 16, 19, 20, 21});
 
 bool contains(quint32 set, qint64 method) {
-    return method >= 0 && method <= 31 && ((set >> method) & 1U) != 0;
+    return method >= 0 && method <= kLastChargingMethod && ((set >> method) & 1U) != 0;
 }
 
 // Sales rows ignore discounts outside 0..100 %; purchase rows apply any.

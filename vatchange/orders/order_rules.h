@@ -34,7 +34,11 @@ class Amount {
 /// 1 + rate / 100 of a VAT class.
 using VatFactor = std::function<double(qint64 vatClass)>;
 
-/// True for charging methods whose rows keep their sales price and row total; false outside 0..31.
+/// Charging methods are numbered from 0 to this.
+inline constexpr qint64 kLastChargingMethod = 31;
+
+/// True for charging methods whose rows keep their sales price and row total; false for numbers
+/// that are no method.
 bool OnHintaVeloitustapa(qint64 method);
 
 /// One row of a sales order. Prices are per unit; "Alv0" is without VAT.

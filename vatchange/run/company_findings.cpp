@@ -53,7 +53,7 @@ qint64 records(data::Database& database, const char* table) {
 /// The charging methods whose sales orders keep their prices.
 QString keptMethods() {
     QStringList methods;
-    for (qint64 method = 0; method <= 31; ++method) {
+    for (qint64 method = 0; method <= kLastChargingMethod; ++method) {
         if (OnHintaVeloitustapa(method) || isSkippedChargingMethod(method))
             methods += QString::number(method);
     }
